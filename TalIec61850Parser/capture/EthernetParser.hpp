@@ -1,0 +1,52 @@
+#pragma once
+
+#include <TalIec61850Parser/Export.hpp>
+#include <TalIec61850Parser/capture/EthernetHeader.hpp>
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/PcapFile.hpp>
+#include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
+#include <TalIec61850Parser/store/Db.hpp>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace TalIec61850Parser {
+
+/// Decodes Ethernet frames and hands them on by EtherType: 0x88B8 GOOSE, 0x88BA SV.
+///
+/// Reads one IEEE 802.1Q tag (TPID 0x8100), an HSR tag (0x892F) and a PRP trailer (suffix
+/// 0x88FB). Other tags, service tags (0x88A8) among them, are EtherTypes that nobody wants.
+class TALIEC61850PARSER_EXPORT EthernetParser {
+public:
+    /// Indexes one frame, when it is a wanted GOOSE or SV frame; otherwise the store stays as it
+    /// is. A frame that ends inside its link-layer header is ignored.
+    /// @param buffer        the capture record: header, then frame, up to the end of the vector
+    /// @param offset        index in `buffer` of the frame's first octet
+    /// @param file          its name keys the packet, its `recordPosition` places `buffer[0]`
+    /// @param isNanosecond  the fraction in `header` is nanoseconds, not microseconds
+    static void parsePacket(std::vector<std::uint8_t> const& buffer, unsigned long offset,
+                            PcapFile& file, bool isNanosecond, PcapPacketHeader const& header,
+                            Filter const& filter, Db& db);
+
+    // The steps of parsePacket, public like every operation of the library.
+
+    /// Puts a frame's addresses, VLAN, HSR and PRP into a stream record and matches them against
+    /// a filter list, one criterion after the other.
+    /// @param record   a fresh `Goose` or `Sv`; filled up to the criterion that fails
+    /// @param filters  the list of that protocol in the caller's Filter
+    /// @return false when a criterion fails
+    template <typename Record, typename Identifiers>
+    static bool _checkEthernetFilters(Record& record, Identifiers const& filters,
+                                      EthernetHeader const& header);
+
+    /// Six octets as lower-case hexadecimal pairs joined by colons, 17 characters.
+    /// @param mac  points to six octets
+    static std::string _macToString(std::uint8_t const* mac);
+};
+
+extern template TALIEC61850PARSER_EXPORT bool EthernetParser::_checkEthernetFilters(
+    Goose&, std::vector<TalIec61850::GooseIdentifer> const&, EthernetHeader const&);
+extern template TALIEC61850PARSER_EXPORT bool EthernetParser::_checkEthernetFilters(
+    Sv&, std::vector<TalIec61850::SvIdentifer> const&, EthernetHeader const&);
+
+}  // namespace TalIec61850Parser

@@ -1,0 +1,14 @@
+#include <TalIec61850Parser/capture/FrameIndex.hpp>
+#include <TalIec61850Parser/capture/PcapPacketParser.hpp>
+
+namespace TalIec61850Parser {
+
+void PcapPacketParser::parsePacket(std::vector<std::uint8_t> const& record, PcapFile& file,
+                                   bool isNanosecond, bool isLittleEndian, Filter const& filter,
+                                   Db& db) {
+    detail::indexRecord(
+        record, file.recordPosition, isLittleEndian,
+        {.fileName = file.fileName, .isNanosecond = isNanosecond, .filter = filter, .db = db});
+}
+
+}  // namespace TalIec61850Parser

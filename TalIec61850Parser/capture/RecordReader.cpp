@@ -1,0 +1,96 @@
+#include <TalIec61850Parser/capture/RecordReader.hpp>
+#include <algorithm>
+
+namespace TalIec61850Parser::detail {
+
+namespace {
+
+constexpr std::size_t kGlobalHeaderSize = 24;
+
+}  // namespace
+
+RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
+    : file_(file), isLittleEndian_(isLittleEndian), buffer_(kBlockSize) {
+    file_.seekg(0);
+    require(kGlobalHeaderSize);
+    if (available() < kGlobalHeaderSize) {
+        begin_ = end_;  // cut short in there, a file holds no records
+        return;
+    }
+    begin_ += kGlobalHeaderSize;
+    position_ = kGlobalHeaderSize;
+}
+
+bool RecordReader::atEnd() {
+    require(1);
+    return available() == 0;
+}
+
+Octets RecordReader::next() {
+    require(RecordHeader::kSize);
+    if (available() < RecordHeader::kSize) {
+        appendZeros(RecordHeader::kSize - available());
+    }
+    auto const header = RecordHeader::read(Octets(buffer_).subspan(begin_), isLittleEndian_);
+    std::size_t const claimed = RecordHeader::kSize + header.inclLen;
+    require(claimed);
+    if (available() < claimed) {
+        appendZeros(std::min(claimed - available(), kMaxPadding));
+    }
+    Octets const record = Octets(buffer_).subspan(begin_, std::min(claimed, available()));
+    begin_ += record.size();
+    position_ += claimed;
+    return record;
+}
+
+void RecordReader::require(std::size_t size) {
+    while (available() < size && !fileEnded_) {
+        moveToFront();
+        readBlock();
+    }
+}
+
+void RecordReader::moveToFront() {
+    if (begin_ > 0) {
+        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
+                  buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
+        end_ -= begin_;
+        begin_ = 0;
+    }
+    if (end_ == buffer_.size()) {
+        buffer_.resize(2 * buffer_.size());  // full of one record that is really there
+    }
+}
+
+void RecordReader::readBlock() {
+    auto const wanted = static_cast<std::streamsize>(buffer_.size() - end_);
+    auto const from = file_.tellg();
+    file_.read(reinterpret_cast<char*>(buffer_.data() + end_), wanted);
+    end_ += file_.bad() ? salvage(from) : static_cast<std::size_t>(file_.gcount());
+    fileEnded_ = !file_.good();
+}
+
+std::size_t RecordReader::salvage(std::istream::pos_type from) {
+    // A failing read loses count of what came before the fault; octet by octet, nothing is lost.
+    std::size_t count = 0;
+    file_.clear();
+    file_.seekg(from);
+    while (end_ + count < buffer_.size()) {
+        int const octet = file_.get();
+        if (!file_.good()) {
+            break;
+        }
+        buffer_[end_ + count++] = static_cast<std::uint8_t>(octet);
+    }
+    return count;
+}
+
+void RecordReader::appendZeros(std::size_t count) {
+    if (buffer_.size() - end_ < count) {
+        buffer_.resize(end_ + count);
+    }
+    std::fill_n(buffer_.begin() + static_cast<std::ptrdiff_t>(end_), count, std::uint8_t{0});
+    end_ += count;
+}
+
+}  // namespace TalIec61850Parser::detail

@@ -1,0 +1,81 @@
+#pragma once
+
+// Internal: reads capture records in place, out of large blocks of the file.
+
+#include <TalIec61850Parser/codec/BerReader.hpp>
+#include <TalIec61850Parser/codec/BytesConverter.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <istream>
+#include <vector>
+
+namespace TalIec61850Parser::detail {
+
+/// The header of a capture record in host byte order, without `orig_len`, which nothing uses.
+struct RecordHeader {
+    static constexpr std::size_t kSize = 16;
+
+    std::uint32_t tsSec = 0;
+    std::uint32_t tsUsec = 0;
+    /// Captured octets that follow the header.
+    std::uint32_t inclLen = 0;
+
+    /// @pre `octets` holds at least `kSize` octets
+    static RecordHeader read(Octets octets, bool isLittleEndian) {
+        auto const field = [&](std::size_t index) {
+            std::uint32_t stored = 0;
+            std::memcpy(&stored, octets.data() + index * sizeof stored, sizeof stored);
+            return BytesConverter::convertUint32(stored, isLittleEndian);
+        };
+        return {.tsSec = field(0), .tsUsec = field(1), .inclLen = field(2)};
+    }
+};
+
+/// Walks the records of an open classic capture file.
+///
+/// Reads through the file's own stream in blocks and shows each record where it lies; the part of
+/// a record that a block cuts off is moved to the front of the next one. Memory follows what the
+/// file holds, never what a record header claims: room is made as octets arrive, and a record
+/// that the file cuts short is completed with zeros, with at most `kMaxPadding` of them.
+class RecordReader {
+public:
+    static constexpr std::size_t kBlockSize = std::size_t{256} << 10U;
+    static constexpr std::size_t kMaxPadding = std::size_t{16} << 20U;
+
+    /// Goes to the start of the file and reads its global header, which is not interpreted.
+    /// @param file  outlives the reader; where its own position stands afterwards is unspecified
+    RecordReader(std::istream& file, bool isLittleEndian);
+
+    /// Whether the file holds no further octet. Octets too few for a record still make one.
+    [[nodiscard]] bool atEnd();
+
+    /// Offset in the file of the next record's header.
+    [[nodiscard]] std::uint64_t position() const { return position_; }
+
+    /// The next record, header and captured octets in one; valid until the next call.
+    /// @pre not atEnd()
+    [[nodiscard]] Octets next();
+
+private:
+    [[nodiscard]] std::size_t available() const { return end_ - begin_; }
+
+    /// Makes `size` octets available, or as many as the file still holds.
+    void require(std::size_t size);
+    void moveToFront();
+    void readBlock();
+    /// What a read that failed had brought in before: how many octets from `end_` on.
+    std::size_t salvage(std::istream::pos_type from);
+    void appendZeros(std::size_t count);
+
+    std::istream& file_;
+    bool isLittleEndian_;
+    bool fileEnded_ = false;
+    std::uint64_t position_ = 0;
+    // buffer_[begin_, end_) has been read from the file and not yet been shown.
+    std::vector<std::uint8_t> buffer_;
+    std::size_t begin_ = 0;
+    std::size_t end_ = 0;
+};
+
+}  // namespace TalIec61850Parser::detail

@@ -1,0 +1,117 @@
+#pragma once
+
+// Internal: the walk over nested BER elements that GOOSE and SV share.
+
+#include <TalIec61850Parser/codec/BerReader.hpp>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace TalIec61850Parser::detail {
+
+/// What a handler wants done with the element that it was shown.
+enum class WalkStep {
+    next,     ///< go on with the element behind it
+    descend,  ///< walk its value one level deeper, unless that is empty, then go on
+    reject,   ///< end the whole walk
+};
+
+/// The state of one nesting level, which a handler may change.
+struct WalkLevel {
+    /// 1 for the octets of a PDU; wider than any nesting can reach.
+    std::int64_t depth = 1;
+    /// Whether elements here belong to an ASDU (SV); a level inherits it from the one above.
+    bool inAsdu = false;
+};
+
+/// The unfinished levels above the one being walked. They lie in place up to the nesting that
+/// real frames have, on the heap beyond it, and never on the call stack: how deep a frame nests
+/// is up to whoever sent it.
+class WalkStack {
+public:
+    struct Entry {
+        WalkLevel level;
+        std::size_t position = 0;
+        std::size_t end = 0;
+        std::uint32_t elementCount = 0;
+    };
+
+    [[nodiscard]] bool empty() const { return size_ == 0; }
+
+    void push(Entry const& entry) {
+        if (size_ < inline_.size()) {
+            inline_[size_] = entry;
+        } else {
+            heap_.push_back(entry);
+        }
+        ++size_;
+    }
+
+    Entry pop() {
+        --size_;
+        if (size_ < inline_.size()) {
+            return inline_[size_];
+        }
+        Entry const entry = heap_.back();
+        heap_.pop_back();
+        return entry;
+    }
+
+private:
+    std::array<Entry, 8> inline_;
+    std::vector<Entry> heap_;
+    std::size_t size_ = 0;
+};
+
+/// Elements that are looked at on one level; those behind them are not.
+inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
+
+/// Walks the elements of `data` depth first and shows each to the handler. An element that cannot
+/// be read ends its level quietly, the levels above go on.
+///
+/// @param data     the octets of the first level
+/// @param level    the state of the first level
+/// @param handler  `WalkStep handler(BerElement const&, std::size_t position, WalkLevel&)`, where
+///                 `position` is the index in `data` of the element's identifier octet
+/// @return false only when the handler rejected
+template <typename Handler>
+[[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler&& handler) {
+    WalkStack unfinished;
+    WalkStack::Entry now{.level = level, .position = 0, .end = data.size(), .elementCount = 0};
+    for (;;) {
+        BerElement element;
+        std::size_t const start = now.position;
+        bool const levelGoesOn = now.elementCount < kMaxElementsPerLevel &&
+                                 readElement(data.first(now.end), now.position, element);
+        if (!levelGoesOn) {
+            if (unfinished.empty()) {
+                return true;
+            }
+            now = unfinished.pop();
+            continue;
+        }
+        ++now.elementCount;
+        switch (handler(element, start, now.level)) {
+            case WalkStep::next:
+                break;
+            case WalkStep::reject:
+                return false;
+            case WalkStep::descend:
+                if (element.value.empty()) {
+                    break;
+                }
+                // A level with nothing left need not be come back to: pure nesting costs no memory.
+                if (now.position < now.end && now.elementCount < kMaxElementsPerLevel) {
+                    unfinished.push(now);
+                }
+                now = {.level = {.depth = now.level.depth + 1, .inAsdu = now.level.inAsdu},
+                       .position = start + element.headerSize,
+                       .end = now.position,
+                       .elementCount = 0};
+                break;
+        }
+    }
+}
+
+}  // namespace TalIec61850Parser::detail

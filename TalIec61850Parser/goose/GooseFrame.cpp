@@ -1,0 +1,107 @@
+#include <TalIec61850Parser/capture/ApplicationHeader.hpp>
+#include <TalIec61850Parser/capture/FilterRule.hpp>
+#include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/goose/GooseFrame.hpp>
+#include <vector>
+
+namespace TalIec61850Parser::detail {
+
+namespace {
+
+// IEC 61850-8-1, IECGoosePdu.
+constexpr std::uint8_t kGoosePdu = 0x61;
+constexpr std::int64_t kFieldDepth = 2;
+
+enum GooseField : std::uint8_t {
+    kGocbRef = 0,
+    kDatSet = 2,
+    kGoID = 3,
+    kSimulation = 7,
+    kConfRev = 8,
+    kAllData = 11,
+};
+
+// Data choices inside allData, in the primitive form that some publishers send.
+constexpr std::uint8_t kPrimitiveArray = 0x81;
+constexpr std::uint8_t kPrimitiveStructure = 0x82;
+
+bool isStructure(std::uint8_t tag) {
+    return tag == ber::kSequence || tag == kGoosePdu || ber::isContextConstructed(tag);
+}
+
+WalkStep nextIf(bool passed) { return passed ? WalkStep::next : WalkStep::reject; }
+
+/// Stores a name, then matches it: a rejected record shows what it was rejected for.
+WalkStep takeName(Octets value, Goose& goose, std::vector<GooseIdentifer> const& filters,
+                  std::optional<std::string> GooseIdentifer::*name) {
+    goose.*name = toText(value);
+    return nextIf(passes(filters, name, *(goose.*name)));
+}
+
+/// One primitive field of a goosePdu.
+WalkStep takeField(BerElement const& field, Goose& goose,
+                   std::vector<GooseIdentifer> const& filters) {
+    switch (ber::tagNumber(field.tag)) {
+        case kGocbRef:
+            return takeName(field.value, goose, filters, &GooseIdentifer::gocbRef);
+        case kDatSet:
+            // Deliberate: an empty datSet or goID is as good as none, an empty gocbRef is not.
+            return field.value.empty()
+                       ? WalkStep::next
+                       : takeName(field.value, goose, filters, &GooseIdentifer::datSet);
+        case kGoID:
+            return field.value.empty()
+                       ? WalkStep::next
+                       : takeName(field.value, goose, filters, &GooseIdentifer::goID);
+        case kSimulation:
+            // Deliberate: that the element is there counts, not what it says.
+            goose.simulation = true;
+            return nextIf(passes(filters, &GooseIdentifer::simulation, true));
+        case kConfRev:
+            goose.confRev = toUint32(field.value);
+            return nextIf(passes(filters, &GooseIdentifer::confRev, *goose.confRev));
+        case kAllData:
+            return WalkStep::descend;
+        default:
+            return WalkStep::next;
+    }
+}
+
+/// One primitive context-specific element inside allData: nothing there identifies the stream.
+WalkStep passData(BerElement const& element) {
+    bool const isNested = element.tag == kPrimitiveArray || element.tag == kPrimitiveStructure;
+    return isNested ? WalkStep::descend : WalkStep::next;
+}
+
+}  // namespace
+
+bool walkGoosePdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
+                  PcapPacketHeader const& header, Goose& goose, Package& package,
+                  Filter const& filter) {
+    return walkElements(
+        pdu, firstLevel,
+        [&](BerElement const& element, std::size_t position, WalkLevel const& level) {
+            if (element.tag == kGoosePdu) {
+                package.time = {header.tsSec, header.tsUsec};
+                package.position = filePosition + position;
+                return WalkStep::descend;
+            }
+            if (ber::isContextPrimitive(element.tag) && level.depth == kFieldDepth) {
+                return takeField(element, goose, filter.gooseFilters);
+            }
+            if (ber::isContextPrimitive(element.tag) && level.depth > kFieldDepth) {
+                return passData(element);
+            }
+            return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
+        });
+}
+
+bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
+                    std::uint64_t position, Goose& goose, Package& package, Filter const& filter) {
+    auto const application = readApplicationHeader(data, offset);
+    return application && takeApplicationHeader(*application, goose, filter.gooseFilters) &&
+           walkGoosePdu(application->pdu, {}, position + offset + ApplicationHeader::kSize, header,
+                        goose, package, filter);
+}
+
+}  // namespace TalIec61850Parser::detail

@@ -1,0 +1,25 @@
+#pragma once
+
+// Internal: what GooseParser does, on octets in place.
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
+#include <TalIec61850Parser/codec/BerWalk.hpp>
+#include <TalIec61850Parser/store/Goose.hpp>
+#include <TalIec61850Parser/store/Package.hpp>
+#include <cstddef>
+#include <cstdint>
+
+namespace TalIec61850Parser::detail {
+
+/// GooseParser::parsePacket.
+[[nodiscard]] bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
+                                  std::uint64_t position, Goose& goose, Package& package,
+                                  Filter const& filter);
+
+/// GooseParser::_parseAsn1Structure.
+[[nodiscard]] bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
+                                PcapPacketHeader const& header, Goose& goose, Package& package,
+                                Filter const& filter);
+
+}  // namespace TalIec61850Parser::detail

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <TalIec61850Parser/Export.hpp>
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
+#include <TalIec61850Parser/store/Goose.hpp>
+#include <TalIec61850Parser/store/Package.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace TalIec61850Parser {
+
+/// Reads what identifies a GOOSE stream (IEC 61850-8-1) out of one frame, places the frame in its
+/// capture file, and matches it against the caller's filter, all in one walk.
+class TALIEC61850PARSER_EXPORT GooseParser {
+public:
+    /// Takes one frame from its GOOSE header on (APPID, Length, Reserved 1 and 2, goosePdu).
+    ///
+    /// The PDU is taken to reach to the end of `data`; the Length field is not looked at. What is
+    /// malformed or cut short ends the nesting level it stands on, what was read before stays.
+    /// @param data      the capture record
+    /// @param offset    index in `data` of the APPID
+    /// @param header    the record's time, copied into `package` unscaled
+    /// @param position  offset in the capture file of `data[0]`
+    /// @param goose     identity, written; on false filled up to the criterion that failed
+    /// @param package   time and position of the goosePdu (0x61); untouched without one
+    /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
+    static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
+                            PcapPacketHeader const& header, std::uint64_t position, Goose& goose,
+                            Package& package, Filter const& filter);
+
+    // The steps of parsePacket, public like every operation of the library.
+
+    /// Walks the elements of one nesting level and all below it, at most 50 on each level.
+    /// @param buffer        the octets of the level
+    /// @param depth         1 for a PDU, 2 for the fields of a goosePdu, 3 and up for its data
+    /// @param start         not used
+    /// @param filePosition  offset in the capture file of `buffer[0]`
+    /// @return false only when the filter rejects the frame
+    static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
+                                    std::size_t start, std::size_t filePosition,
+                                    PcapPacketHeader const& header, Goose& goose, Package& package,
+                                    Filter const& filter);
+
+    /// The same as `_parseAsn1Structure`.
+    static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,
+                                        std::size_t start, std::size_t filePosition,
+                                        PcapPacketHeader const& header, Goose& goose,
+                                        Package& package, Filter const& filter);
+};
+
+}  // namespace TalIec61850Parser

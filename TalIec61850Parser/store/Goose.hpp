@@ -1,0 +1,40 @@
+#pragma once
+
+#include <TalIec61850Parser/Export.hpp>
+#include <TalIec61850Parser/store/GooseIdentifer.hpp>
+#include <TalIec61850Parser/store/PackageFile.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace TalIec61850Parser {
+
+/// One GOOSE stream: its identity, and its packets per capture file.
+///
+/// A stored record is an element of a set, so it is constant and its identity never changes;
+/// the mutable members are what indexing adds to.
+struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
+    /// Packets indexed for this stream, over all files; not reduced when a file is cleared.
+    mutable std::uint32_t packetCount = 0;
+    mutable PackageFileSet files;
+
+    /// Finds the packet index of a capture file in this stream, or adds an empty one.
+    /// @param fileName  the file's path; compared octet for octet
+    /// @return never null; valid until that file is cleared or the stream is erased
+    PackageFile const* addFile(std::string const& fileName) const;
+};
+
+/// The hash by which GOOSE streams are found. Deliberate: it takes in the VLAN, which GooseEqual
+/// leaves out, so streams that differ in VLAN alone stay apart by their hash. That holds only
+/// while the set compares whole cached hashes: libstdc++ does so unless the call is noexcept.
+struct TALIEC61850PARSER_EXPORT GooseHash {
+    std::size_t operator()(Goose const& goose) const;
+};
+
+/// The identity of GOOSE streams. A member that is not set compares as zero or empty.
+/// Deliberate: VLAN, HSR and PRP are left out; `reserved1Bit0` counts here and not in GooseHash.
+struct TALIEC61850PARSER_EXPORT GooseEqual {
+    bool operator()(Goose const& a, Goose const& b) const;
+};
+
+}  // namespace TalIec61850Parser

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <TalIec61850Parser/store/HsrInfo.hpp>
+#include <TalIec61850Parser/store/PrpInfo.hpp>
+#include <TalIec61850Parser/store/VlanInfo.hpp>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace TalIec61850 {
+
+/// What identifies a GOOSE stream (IEC 61850-8-1).
+///
+/// In the store it is the constant part of a `Goose` record. In `Filter::gooseFilters` it is a
+/// criterion: a member that is set must be met, a member that is not set admits any value.
+struct GooseIdentifer {
+    /// Six lower-case hexadecimal pairs joined by colons, such as 01:0c:cd:01:00:01.
+    std::optional<std::string> srcMac;
+    std::optional<std::string> dstMac;
+    std::optional<VlanInfo> vlan;
+    std::optional<HsrInfo> hsr;
+    std::optional<PrpInfo> prp;
+    std::optional<std::uint64_t> appId;
+    /// Bit 0 of the second octet of the Reserved 1 field of the GOOSE header.
+    std::optional<std::uint8_t> reserved1Bit0;
+    /// The names: printable text as it stands, anything else as in Asn1Parser::bytesToString.
+    std::optional<std::string> gocbRef;
+    std::optional<std::string> datSet;
+    std::optional<std::string> goID;
+    /// True when the frame carries the simulation element at all, whatever the element says.
+    std::optional<bool> simulation;
+    std::optional<std::uint64_t> confRev;
+};
+
+}  // namespace TalIec61850
+
+namespace TalIec61850Parser {
+using TalIec61850::GooseIdentifer;
+}  // namespace TalIec61850Parser

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace TalIec61850 {
+
+/// The HSR tag of a stream (IEC 62439-3). The parsers fill `lanId` alone.
+struct HsrInfo {
+    std::optional<std::uint8_t> hsrSpare1;
+    /// The ring direction, 'A' or 'B'.
+    std::optional<char> lanId;
+    std::optional<std::uint16_t> hsrSpare2;
+    std::optional<std::uint16_t> hsrSpare3;
+};
+
+}  // namespace TalIec61850
+
+namespace TalIec61850Parser {
+using TalIec61850::HsrInfo;
+}  // namespace TalIec61850Parser

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <TalIec61850Parser/Export.hpp>
+#include <TalIec61850Parser/store/PackageFile.hpp>
+#include <TalIec61850Parser/store/SvIdentifer.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace TalIec61850Parser {
+
+/// One Sampled Values stream: its identity, its statistics, and its packets per capture file.
+///
+/// A stored record is an element of a set, so it is constant and its identity never changes;
+/// the mutable members are what indexing adds to. In a record that SvParser has just filled, the
+/// statistics are those of the one frame.
+struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
+    /// The largest smpCnt seen.
+    mutable std::uint16_t maxSmpCnt = 0;
+    /// The smpRate of the last frame; 0 when that frame carried none.
+    mutable std::uint16_t smpRate = 0;
+    /// Packets indexed for this stream, over all files; not reduced when a file is cleared.
+    mutable std::uint32_t packetCount = 0;
+    /// The largest noASDU seen.
+    mutable std::uint32_t maxNoASDU = 0;
+    mutable PackageFileSet files;
+
+    /// Finds the packet index of a capture file in this stream, or adds an empty one.
+    /// @param fileName  the file's path; compared octet for octet
+    /// @return never null; valid until that file is cleared or the stream is erased
+    PackageFile const* addFile(std::string const& fileName) const;
+};
+
+/// The hash by which SV streams are found. Deliberate: HSR is left out here and counts in
+/// SvEqual. Not noexcept: libstdc++ then caches the hash and compares it before SvEqual.
+struct TALIEC61850PARSER_EXPORT SvHash {
+    std::size_t operator()(Sv const& sv) const;
+};
+
+/// The identity of SV streams. A member that is not set compares as zero or empty.
+/// VLAN and HSR count with all their members, PRP and `spareText` not at all: the frames of one
+/// publisher are two streams over the two directions of an HSR ring, one over the two PRP LANs.
+struct TALIEC61850PARSER_EXPORT SvEqual {
+    bool operator()(Sv const& a, Sv const& b) const;
+};
+
+}  // namespace TalIec61850Parser

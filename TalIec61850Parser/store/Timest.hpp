@@ -1,0 +1,19 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+namespace TalIec61850Parser {
+
+/// The capture time of a packet: seconds since 1970-01-01 UTC and the nanoseconds below them.
+///
+/// Ordered by seconds, then nanoseconds, both unsigned. Nothing is normalised: a capture file
+/// that states 1,000,000,000 nanoseconds or more is stored and compared as it states them.
+struct Timest {
+    std::uint32_t seconds = 0;
+    std::uint32_t nanoseconds = 0;
+
+    friend constexpr auto operator<=>(Timest const&, Timest const&) = default;
+};
+
+}  // namespace TalIec61850Parser

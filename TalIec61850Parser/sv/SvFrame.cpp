@@ -1,0 +1,87 @@
+#include <TalIec61850Parser/capture/ApplicationHeader.hpp>
+#include <TalIec61850Parser/capture/FilterRule.hpp>
+#include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/sv/SvFrame.hpp>
+#include <vector>
+
+namespace TalIec61850Parser::detail {
+
+namespace {
+
+// IEC 61850-9-2, SavPdu.
+constexpr std::uint8_t kSavPdu = 0x60;
+constexpr std::uint8_t kSequenceOfAsdu = 0xA2;
+constexpr std::uint8_t kNoAsdu = 0;
+
+enum AsduField : std::uint8_t {
+    kSvID = 0,
+    kSmpCnt = 2,
+    kConfRev = 3,
+    kSmpRate = 6,
+};
+
+bool isStructure(std::uint8_t tag) {
+    return tag == ber::kSequence || tag == kSavPdu || ber::isContextConstructed(tag);
+}
+
+WalkStep nextIf(bool passed) { return passed ? WalkStep::next : WalkStep::reject; }
+
+/// One primitive field of an ASDU; the identity is stored before it is matched.
+WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
+    switch (ber::tagNumber(field.tag)) {
+        case kSvID:
+            sv.svID = toText(field.value);
+            return nextIf(passes(filters, &SvIdentifer::svID, *sv.svID));
+        case kSmpCnt:
+            sv.maxSmpCnt = toUint16(field.value);
+            return WalkStep::next;
+        case kConfRev:
+            sv.confRev = toUint32(field.value);
+            return nextIf(passes(filters, &SvIdentifer::confRev, *sv.confRev));
+        case kSmpRate:
+            sv.smpRate = toUint16(field.value);
+            return WalkStep::next;
+        default:
+            return WalkStep::next;
+    }
+}
+
+/// One primitive field outside every ASDU.
+WalkStep takePduField(BerElement const& field, Sv& sv) {
+    if (ber::tagNumber(field.tag) == kNoAsdu) {
+        sv.maxNoASDU = toUint8(field.value);
+    }
+    return WalkStep::next;
+}
+
+}  // namespace
+
+bool walkSavPdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
+                PcapPacketHeader const& header, Sv& sv, Package& package, Filter const& filter) {
+    return walkElements(pdu, firstLevel,
+                        [&](BerElement const& element, std::size_t position, WalkLevel& level) {
+                            if (element.tag == kSequenceOfAsdu) {
+                                package.time = {header.tsSec, header.tsUsec};
+                                package.position = filePosition + position;
+                                return WalkStep::descend;
+                            }
+                            if (ber::isContextPrimitive(element.tag)) {
+                                return level.inAsdu ? takeAsduField(element, sv, filter.svFilters)
+                                                    : takePduField(element, sv);
+                            }
+                            // Deliberate: from the first ASDU on, whatever follows on its level
+                            // counts as in one.
+                            level.inAsdu = level.inAsdu || element.tag == ber::kSequence;
+                            return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
+                        });
+}
+
+bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
+                 std::uint64_t position, Sv& sv, Package& package, Filter const& filter) {
+    auto const application = readApplicationHeader(data, offset);
+    return application && takeApplicationHeader(*application, sv, filter.svFilters) &&
+           walkSavPdu(application->pdu, {}, position + offset + ApplicationHeader::kSize, header,
+                      sv, package, filter);
+}
+
+}  // namespace TalIec61850Parser::detail

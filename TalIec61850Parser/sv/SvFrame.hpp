@@ -1,0 +1,25 @@
+#pragma once
+
+// Internal: what SvParser does, on octets in place.
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
+#include <TalIec61850Parser/codec/BerWalk.hpp>
+#include <TalIec61850Parser/store/Package.hpp>
+#include <TalIec61850Parser/store/Sv.hpp>
+#include <cstddef>
+#include <cstdint>
+
+namespace TalIec61850Parser::detail {
+
+/// SvParser::parsePacket.
+[[nodiscard]] bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
+                               std::uint64_t position, Sv& sv, Package& package,
+                               Filter const& filter);
+
+/// SvParser::_parseAsn1Structure.
+[[nodiscard]] bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
+                              PcapPacketHeader const& header, Sv& sv, Package& package,
+                              Filter const& filter);
+
+}  // namespace TalIec61850Parser::detail

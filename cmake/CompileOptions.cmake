@@ -1,0 +1,9 @@
+# The warnings of the project's own code. They become errors only where a preset says so, so that
+# a user's newer compiler never fails the build over one.
+function(tal_compile_options target)
+  target_compile_features(${target} PRIVATE cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_compile_options(${target} PRIVATE
+      -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+      $<$<BOOL:${TAL_WARNINGS_AS_ERRORS}>:-Werror>)
+endfunction()

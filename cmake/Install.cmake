@@ -1,0 +1,25 @@
+include(CMakePackageConfigHelpers)
+
+install(TARGETS TalIec61850Parser EXPORT TalIec61850ParserTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILE_SET generated_headers DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TalIec61850Parser)
+install(EXPORT TalIec61850ParserTargets NAMESPACE TalIec61850Parser:: DESTINATION ${package_dir}
+    FILE TalIec61850ParserTargets.cmake)
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/TalIec61850ParserConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/TalIec61850ParserConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/TalIec61850ParserConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/TalIec61850ParserConfig.cmake
+              ${PROJECT_BINARY_DIR}/TalIec61850ParserConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+# The prefix is given relative to the file itself, so that the installed tree can be moved.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+    BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pkgconfig_to_prefix)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/TalIec61850Parser.pc.in
+    ${PROJECT_BINARY_DIR}/TalIec61850Parser.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/TalIec61850Parser.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
