@@ -1,7 +1,10 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS TalIec61850Parser EXPORT TalIec61850ParserTargets
+    # Executable: it is a program as well, and Debian's CMake would leave that bit out.
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                        WORLD_READ WORLD_EXECUTE
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILE_SET generated_headers DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 

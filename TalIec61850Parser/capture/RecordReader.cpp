@@ -15,6 +15,7 @@ RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
     require(kGlobalHeaderSize);
     if (available() < kGlobalHeaderSize) {
         begin_ = end_;  // cut short in there, a file holds no records
+        file_.setstate(std::ios_base::failbit);
         return;
     }
     begin_ += kGlobalHeaderSize;
@@ -63,11 +64,17 @@ void RecordReader::moveToFront() {
 }
 
 void RecordReader::readBlock() {
+    if (!file_.good()) {
+        fileEnded_ = true;
+        return;
+    }
     auto const wanted = static_cast<std::streamsize>(buffer_.size() - end_);
     auto const from = file_.tellg();
     file_.read(reinterpret_cast<char*>(buffer_.data() + end_), wanted);
     end_ += file_.bad() ? salvage(from) : static_cast<std::size_t>(file_.gcount());
     fileEnded_ = !file_.good();
+    // A block seldom ends where the file does: that alone is no failure.
+    file_.clear(file_.rdstate() & ~std::ios_base::failbit);
 }
 
 std::size_t RecordReader::salvage(std::istream::pos_type from) {
@@ -86,6 +93,7 @@ std::size_t RecordReader::salvage(std::istream::pos_type from) {
 }
 
 void RecordReader::appendZeros(std::size_t count) {
+    file_.setstate(std::ios_base::failbit);  // the file ended inside a record
     if (buffer_.size() - end_ < count) {
         buffer_.resize(end_ + count);
     }

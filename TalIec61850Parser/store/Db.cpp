@@ -8,14 +8,16 @@ void Db::clear() {
 }
 
 void Db::clearByFileName(std::string const& fileName) {
-    std::string const name = fileName;  // the caller's may lie in a record that is erased
+    // The caller's name may lie in a record that is erased.
+    std::string const name = fileName;  // NOLINT(performance-unnecessary-copy-initialization)
     _clearProtoByFileName(name, gooseProto);
     _clearProtoByFileName(name, svProto);
 }
 
 template <typename Proto>
 void Db::_clearProtoByFileName(std::string const& fileName, Proto& proto) {
-    std::string const name = fileName;  // as above, for direct calls
+    // As above, for direct calls.
+    std::string const name = fileName;  // NOLINT(performance-unnecessary-copy-initialization)
     std::erase_if(proto.streams, [&](auto const& stream) {
         std::erase_if(stream.files, [&](PackageFile const& file) { return file.fileName == name; });
         return stream.files.empty();

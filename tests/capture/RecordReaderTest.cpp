@@ -1,0 +1,145 @@
+// The block reader below PcapParser, on streams that misbehave.
+
+#include <gtest/gtest.h>
+
+#include <TalIec61850Parser/capture/RecordReader.hpp>
+#include <algorithm>
+#include <cstring>
+#include <ios>
+#include <istream>
+#include <streambuf>
+#include <vector>
+
+#include "support/Bytes.hpp"
+#include "support/CaptureFile.hpp"
+
+namespace {
+
+using namespace TalTest;
+using TalIec61850Parser::detail::RecordReader;
+
+/// A file whose disk fails: reading past `fault` throws, as a file buffer does on an I/O error.
+class FaultyBuffer : public std::streambuf {
+public:
+    FaultyBuffer(Bytes content, std::size_t fault) : content_(std::move(content)), fault_(fault) {}
+
+protected:
+    std::streamsize xsgetn(char* out, std::streamsize wanted) override {
+        auto const count = std::min(static_cast<std::size_t>(wanted), content_.size() - position_);
+        failBehindFault(count);
+        std::memcpy(out, content_.data() + position_, count);
+        position_ += count;
+        return static_cast<std::streamsize>(count);
+    }
+    int_type underflow() override {
+        failBehindFault(1);
+        return position_ < content_.size() ? int_type{content_[position_]} : traits_type::eof();
+    }
+    int_type uflow() override {
+        auto const octet = underflow();
+        position_ += octet == traits_type::eof() ? 0 : 1;
+        return octet;
+    }
+    pos_type seekoff(off_type offset, std::ios_base::seekdir from,
+                     std::ios_base::openmode) override {
+        position_ = static_cast<std::size_t>(
+            offset + (from == std::ios_base::cur ? static_cast<off_type>(position_) : 0));
+        return static_cast<pos_type>(static_cast<off_type>(position_));
+    }
+    pos_type seekpos(pos_type position, std::ios_base::openmode which) override {
+        return seekoff(off_type(position), std::ios_base::beg, which);
+    }
+
+private:
+    void failBehindFault(std::size_t count) const {
+        if (position_ + count > fault_) {
+            throw std::ios_base::failure("the disk fails here");
+        }
+    }
+
+    Bytes content_;
+    std::size_t fault_;
+    std::size_t position_ = 0;
+};
+
+struct Walked {
+    std::vector<std::uint64_t> positions;
+    std::vector<std::size_t> sizes;
+    friend bool operator==(Walked const&, Walked const&) = default;
+};
+
+Walked walk(std::streambuf& buffer) {
+    std::istream file(&buffer);
+    RecordReader records(file, true);
+    Walked walked;
+    while (!records.atEnd()) {
+        walked.positions.push_back(records.position());
+        walked.sizes.push_back(records.next().size());
+    }
+    return walked;
+}
+
+Bytes threeRecords() {
+    CaptureBuilder builder(CaptureVariant::microLittle);
+    return builder.add(1, 0, Bytes(60, 1)).add(2, 0, Bytes(100, 2)).add(3, 0, Bytes(20, 3)).bytes();
+}
+
+TEST(RecordReader, ShowsRecordsWithTheirPositions) {
+    FaultyBuffer file(threeRecords(), SIZE_MAX);
+    EXPECT_EQ(walk(file), (Walked{{24, 100, 216}, {76, 116, 36}}));
+}
+
+TEST(RecordReader, ShowsWhatLiesBeforeAReadFaultAtEveryOffset) {
+    Bytes const content = threeRecords();
+    for (std::size_t fault = 0; fault <= content.size(); ++fault) {
+        FaultyBuffer faulty(content, fault);
+        FaultyBuffer cutShort(Bytes(content.begin(), content.begin() + static_cast<long>(fault)),
+                              SIZE_MAX);
+        EXPECT_EQ(walk(faulty), walk(cutShort)) << "fault at " << fault;
+    }
+}
+
+TEST(RecordReader, ShowsNothingOfAFileCutInItsGlobalHeader) {
+    for (std::size_t size = 0; size <= 24; ++size) {
+        FaultyBuffer file(Bytes(size, 0xD4), SIZE_MAX);
+        EXPECT_TRUE(walk(file).positions.empty()) << size;
+    }
+}
+
+TEST(RecordReader, CompletesACutRecordWithZerosNotWithOctetsOfEarlierBlocks) {
+    CaptureBuilder builder(CaptureVariant::microLittle);
+    builder.add(1, 0, Bytes(RecordReader::kBlockSize, 0xEE)).add(2, 0, Bytes(5000, 0xEE));
+    Bytes content = builder.bytes();
+    content.resize(content.size() - 4000);
+    FaultyBuffer buffer(content, SIZE_MAX);
+    std::istream file(&buffer);
+    RecordReader records(file, true);
+    static_cast<void>(records.next());
+    auto const record = records.next();
+    ASSERT_EQ(record.size(), 16U + 5000U);
+    EXPECT_TRUE(std::all_of(record.end() - 4000, record.end(), [](auto o) { return o == 0; }));
+    EXPECT_EQ(record[16 + 999], 0xEE);
+}
+
+TEST(RecordReader, PadsAtMostSixteenMebibytes) {
+    CaptureBuilder builder(CaptureVariant::microLittle);
+    Bytes content = builder.add(1, 0, Bytes(10, 1)).bytes();
+    std::memset(content.data() + 24 + 8, 0xFF, 4);  // incl_len
+    FaultyBuffer buffer(content, SIZE_MAX);
+    std::istream file(&buffer);
+    RecordReader records(file, true);
+    EXPECT_EQ(records.next().size(), 16U + 10U + RecordReader::kMaxPadding);
+    EXPECT_EQ(records.position(), 24UL + 16UL + 0xFFFFFFFFUL);
+    EXPECT_TRUE(records.atEnd());
+}
+
+TEST(RecordReader, ShowsRecordsLargerThanABlock) {
+    CaptureBuilder builder(CaptureVariant::microLittle);
+    builder.add(1, 0, Bytes(7, 1));
+    builder.add(2, 0, Bytes(5 * RecordReader::kBlockSize + 3, 2)).add(3, 0, Bytes(9, 3));
+    FaultyBuffer file(builder.bytes(), SIZE_MAX);
+    EXPECT_EQ(walk(file).sizes,
+              (std::vector<std::size_t>{23, 16 + 5 * RecordReader::kBlockSize + 3, 25}));
+}
+
+}  // namespace

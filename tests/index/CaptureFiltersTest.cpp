@@ -1,0 +1,177 @@
+// Recorded captures indexed through filter lists made of the streams found in them.
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/store/Db.hpp>
+#include <algorithm>
+#include <cctype>
+#include <string>
+#include <vector>
+
+#include "index/IndexImage.hpp"
+#include "index/Indexing.hpp"
+#include "index/RecordedCaptures.hpp"
+#include "support/Captures.hpp"
+
+namespace TalTest {
+namespace {
+
+using namespace TalIec61850Parser;
+
+using CaptureFilters = RecordedCaptureTest;
+
+INSTANTIATE_TEST_SUITE_P(Recorded, CaptureFilters, testing::ValuesIn(recordedCaptures()), testName);
+
+template <typename Id>
+using Entries = std::vector<Id>;
+
+/// An entry that asks for nothing.
+template <typename Id>
+Id open() {
+    Id id;
+    id.appId.reset();
+    return id;
+}
+
+/// An entry that asks for one member of `id`.
+template <typename Id, typename Member>
+Id asking(Id const& id, Member Id::*member) {
+    Id entry = open<Id>();
+    entry.*member = id.*member;
+    return entry;
+}
+
+Entries<GooseIdentifer> askingEachMember(GooseIdentifer const& id) {
+    using Id = GooseIdentifer;
+    return {asking(id, &Id::srcMac),     asking(id, &Id::dstMac),  asking(id, &Id::vlan),
+            asking(id, &Id::hsr),        asking(id, &Id::prp),     asking(id, &Id::appId),
+            asking(id, &Id::gocbRef),    asking(id, &Id::datSet),  asking(id, &Id::goID),
+            asking(id, &Id::simulation), asking(id, &Id::confRev), asking(id, &Id::reserved1Bit0)};
+}
+
+Entries<SvIdentifer> askingEachMember(SvIdentifer const& id) {
+    using Id = SvIdentifer;
+    return {asking(id, &Id::srcMac), asking(id, &Id::dstMac),  asking(id, &Id::vlan),
+            asking(id, &Id::hsr),    asking(id, &Id::prp),     asking(id, &Id::appId),
+            asking(id, &Id::svID),   asking(id, &Id::confRev), asking(id, &Id::reserved1Bit0)};
+}
+
+Entries<GooseIdentifer> gooseIdentities(Db const& db) {
+    return {db.gooseProto.streams.begin(), db.gooseProto.streams.end()};
+}
+
+Entries<SvIdentifer> svIdentities(Db const& db) {
+    return {db.svProto.streams.begin(), db.svProto.streams.end()};
+}
+
+Filter filterOf(Entries<GooseIdentifer> entries) { return {true, true, {}, std::move(entries)}; }
+Filter filterOf(Entries<SvIdentifer> entries) { return {true, true, std::move(entries), {}}; }
+
+std::string upperCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char character) {
+        return static_cast<char>(std::toupper(character));
+    });
+    return text;
+}
+
+/// Values next to those of `id`: what no stream of the captures carries.
+template <typename Id>
+Entries<Id> askingForOthers(Id const& id) {
+    Entries<Id> entries(5, open<Id>());
+    entries[0].srcMac = upperCase(id.srcMac.value()) + "F";
+    entries[1].appId = id.appId.value() + 1;
+    entries[2].confRev = id.confRev.value_or(0) + 0x1'0000'0000;
+    entries[3].vlan.emplace().vlanId = std::uint16_t{4095};
+    entries[4].reserved1Bit0 = std::uint8_t{2};
+    return entries;
+}
+
+template <typename Id>
+void expectAgreement(std::string const& path, Entries<Id> const& entries, std::string const& what) {
+    ASSERT_EQ(disagreement({path}, filterOf(entries)), "") << what;
+}
+
+template <typename Id>
+void expectAgreementOnEachMember(std::string const& path, Entries<Id> const& found) {
+    for (Id const& id : found) {
+        for (Id const& entry : askingEachMember(id))
+            expectAgreement<Id>(path, {entry}, identityText(entry));
+        for (Id const& entry : askingForOthers(id))
+            expectAgreement<Id>(path, {entry}, identityText(entry));
+        expectAgreement<Id>(path, {id}, "whole identity");
+    }
+}
+
+template <typename Id>
+void expectAgreementOnLists(std::string const& path, Entries<Id> const& found) {
+    if (found.empty()) return;
+    Entries<Id> const first = askingEachMember(found.front());
+    Entries<Id> const last = askingEachMember(found.back());
+    expectAgreement(path, found, "all streams");
+    expectAgreement(path, first, "the members of one stream in entries of their own");
+    expectAgreement<Id>(path, {Id()}, "one default entry");
+    expectAgreement<Id>(path, {first[0], last[0]}, "two source addresses");
+    expectAgreement<Id>(path, {first[0], last[1]}, "a source and a destination address");
+    expectAgreement<Id>(path, {first[6], last[6], askingForOthers(found.front())[1]},
+                        "two names, and an APPID that does not occur");
+    Entries<Id> others = askingForOthers(found.front());
+    for (Id& entry : others) entry.srcMac = "00:00:00:00:00:00";
+    expectAgreement(path, others, "a source address that does not occur, in every entry");
+}
+
+TEST_P(CaptureFilters, EqualPlainIndexForEachMemberOfEachStream) {
+    Db db;
+    indexInto(db, path());
+    expectAgreementOnEachMember(path(), gooseIdentities(db));
+    expectAgreementOnEachMember(path(), svIdentities(db));
+}
+
+TEST_P(CaptureFilters, EqualPlainIndexForListsOfSeveralEntries) {
+    Db db;
+    indexInto(db, path());
+    expectAgreementOnLists(path(), gooseIdentities(db));
+    expectAgreementOnLists(path(), svIdentities(db));
+}
+
+TEST_P(CaptureFilters, KeepAGooseStreamThatIsAskedForByItsIdentity) {
+    Db db;
+    indexInto(db, path());
+    IndexImage const all = imageOf(db);
+    for (GooseIdentifer id : gooseIdentities(db)) {
+        std::string const identity = identityText(id);
+        id.hsr.reset();  // frames of the other ring direction are the same stream
+        IndexImage const kept = libraryImage({path()}, filterOf(Entries<GooseIdentifer>{id}));
+        ASSERT_NE(findStream(kept, identity), nullptr) << identity;
+        EXPECT_EQ(*findStream(kept, identity), *findStream(all, identity));
+    }
+}
+
+/// An entry for any of these, or for one of several ASDUs.
+Filter svIDs(std::vector<std::string> const& names) {
+    Entries<SvIdentifer> entries;
+    for (std::string const& name : names) {
+        entries.push_back(open<SvIdentifer>());
+        entries.back().svID = name;
+    }
+    return filterOf(entries);
+}
+
+std::size_t svPackets(IndexImage const& image) {
+    std::size_t count = 0;
+    for (StreamImage const& stream : image.streams)
+        if (stream.identity.starts_with("sv")) count += stream.packetCount;
+    return count;
+}
+
+TEST(CaptureFiltersOnSeveralAsdus, AdmitAFrameOnlyByTheNamesOfAllItsAsdus) {
+    auto const path = capture("sv-13asdu-goose-mixed-testbed.pcap");
+    if (!path) GTEST_SKIP() << "no recorded capture of frames with several ASDUs";
+    std::vector<std::string> const names = {"66kV1",   "66kV2",   "66kV3",    "XFMR1W1",  "XFMR2W1",
+                                            "XFMR1W2", "XFMR2W2", "CB_XFMR1", "CB_XFMR2", "F_66kV1",
+                                            "F_66kV2", "F_XFMR1", "F_XFMR2"};
+    EXPECT_EQ(svPackets(libraryImage({*path}, svIDs(names))), 947U);
+    EXPECT_EQ(svPackets(libraryImage({*path}, svIDs({"F_XFMR2"}))), 0U);
+    EXPECT_EQ(svPackets(libraryImage({*path}, svIDs({names.begin() + 1, names.end()}))), 0U);
+}
+
+}  // namespace
+}  // namespace TalTest

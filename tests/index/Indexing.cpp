@@ -1,0 +1,67 @@
+#include "index/Indexing.hpp"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <TalIec61850Parser/capture/PcapParser.hpp>
+#include <atomic>
+#include <cerrno>
+#include <system_error>
+
+#include "index/PlainIndex.hpp"
+
+namespace TalTest {
+
+using namespace TalIec61850Parser;
+
+void indexInto(Db& db, std::string const& path, Filter const& filter) {
+    std::atomic<bool> const stop = false;
+    PcapParser::parseFile(path, db, filter, stop, {});
+}
+
+IndexImage libraryImage(std::vector<std::string> const& paths, Filter const& filter) {
+    Db db;
+    for (std::string const& path : paths) indexInto(db, path, filter);
+    return imageOf(db);
+}
+
+IndexImage plainImage(std::vector<std::string> const& paths, Filter const& filter) {
+    PlainIndex index;
+    for (std::string const& path : paths) index.addFile(path, filter);
+    return index.image();
+}
+
+std::string disagreement(std::vector<std::string> const& paths, Filter const& filter) {
+    return difference(libraryImage(paths, filter), plainImage(paths, filter));
+}
+
+std::map<std::uint64_t, IndexedPacket> packetsByPosition(Db const& db) {
+    std::map<std::uint64_t, IndexedPacket> packets;
+    auto const add = [&packets](auto const& stream, IndexedPacket packet) {
+        for (PackageFile const& file : stream.files)
+            for (Package const& package : file.packages) {
+                packet.package = package;
+                if (package.position != 0) packets.emplace(package.position, packet);
+            }
+    };
+    for (Goose const& goose : db.gooseProto.streams) add(goose, {&goose, nullptr, {}});
+    for (Sv const& sv : db.svProto.streams) add(sv, {nullptr, &sv, {}});
+    return packets;
+}
+
+ScratchFile::ScratchFile(Bytes const& content) : descriptor_(memfd_create("capture", MFD_CLOEXEC)) {
+    if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "memfd_create");
+    path_ = "/proc/self/fd/" + std::to_string(descriptor_);
+    assign(content);
+}
+
+ScratchFile::~ScratchFile() { close(descriptor_); }
+
+void ScratchFile::assign(Bytes const& content) {
+    bool const written =
+        ftruncate(descriptor_, 0) == 0 && pwrite(descriptor_, content.data(), content.size(), 0) ==
+                                              static_cast<ssize_t>(content.size());
+    if (!written) throw std::system_error(errno, std::generic_category(), "scratch file");
+}
+
+}  // namespace TalTest

@@ -1,0 +1,42 @@
+#include "support/Data.hpp"
+
+#include <bit>
+
+#include "support/Ber.hpp"
+
+namespace TalTest {
+
+Bytes utcTime(std::uint32_t seconds, std::uint32_t fraction24, std::uint8_t quality) {
+    return concat({bigEndian(seconds, 4), bigEndian(fraction24, 3), {quality}});
+}
+
+Bytes dataBoolean(bool value) { return berBoolean(0x83, value); }
+
+Bytes dataBitString(Bytes const& bits, std::uint8_t unusedBits) {
+    return ber(0x84, concat({{unusedBits}, bits}));
+}
+
+Bytes dataQuality(std::uint16_t bits) { return dataBitString(bigEndian(bits, 2), 3); }
+
+Bytes dataInteger(std::int64_t value) { return ber(0x85, minimalInteger(value)); }
+
+Bytes dataUnsigned(std::uint64_t value) { return ber(0x86, minimalUnsigned(value)); }
+
+Bytes dataFloat(float value) {
+    constexpr std::uint8_t exponentWidth = 8;
+    return ber(0x87, concat({{exponentWidth}, bigEndian(std::bit_cast<std::uint32_t>(value), 4)}));
+}
+
+Bytes dataOctetString(Bytes const& value) { return ber(0x89, value); }
+
+Bytes dataVisibleString(std::string_view value) { return ber(0x8A, value); }
+
+Bytes dataUtcTime(std::uint32_t seconds, std::uint32_t fraction24, std::uint8_t quality) {
+    return ber(0x91, utcTime(seconds, fraction24, quality));
+}
+
+Bytes dataStructure(std::initializer_list<Bytes> members) { return ber(0xA2, concat(members)); }
+
+Bytes dataArray(std::initializer_list<Bytes> elements) { return ber(0xA1, concat(elements)); }
+
+}  // namespace TalTest

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <tuple>
+
+namespace TalIec61850Tools {
+
+/// What tells files apart, whatever the paths that lead to them.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    friend bool operator==(FileIdentity const&, FileIdentity const&) = default;
+    friend bool operator<(FileIdentity const& a, FileIdentity const& b) {
+        return std::tie(a.device, a.inode) < std::tie(b.device, b.inode);
+    }
+};
+
+/// What is known of a file before the library is given its path.
+struct CaptureCheck {
+    /// Why the file cannot be indexed, for people; not set when it can.
+    std::optional<std::string> fault;
+    /// Of a file that can be indexed.
+    FileIdentity identity;
+};
+
+/// Looks whether a file can be read and starts like a capture that the library indexes. Never
+/// waits: pipes, terminals and the like are refused without being opened.
+[[nodiscard]] CaptureCheck checkCapture(std::string const& path);
+
+}  // namespace TalIec61850Tools

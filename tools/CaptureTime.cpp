@@ -1,0 +1,23 @@
+#include "tools/CaptureTime.hpp"
+
+#include <fmt/format.h>
+
+namespace TalIec61850Tools {
+
+CaptureTime toCaptureTime(TalIec61850Parser::Timest time) {
+    // Both together stay below 2^62 nanoseconds.
+    return CaptureTime(std::chrono::seconds(time.seconds) +
+                       std::chrono::nanoseconds(time.nanoseconds));
+}
+
+std::string toUtcText(CaptureTime time) {
+    auto const midnight = std::chrono::floor<std::chrono::days>(time);
+    std::chrono::year_month_day const date(midnight);
+    std::chrono::hh_mm_ss const clock(time - midnight);
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:09}Z", static_cast<int>(date.year()),
+                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                       clock.hours().count(), clock.minutes().count(), clock.seconds().count(),
+                       clock.subseconds().count());
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+namespace TalIec61850Tools {
+
+/// Writes "tal-iec61850: ", `text` and a line end to standard error. Takes no memory, so that
+/// it can tell that there is none.
+/// @param text  one line, safe for a terminal (see escapeText)
+void complain(std::string_view text) noexcept;
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,66 @@
+#include "tools/TextEscape.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace TalIec61850Tools {
+
+namespace {
+
+bool isContinuation(char octet) { return (static_cast<unsigned char>(octet) & 0xC0U) == 0x80U; }
+
+std::size_t widestColumns(std::string_view character) { return character.size() == 1 ? 1 : 2; }
+
+/// The last character of a text that is not empty.
+std::string_view lastCharacter(std::string_view text) {
+    std::size_t start = text.size() - 1;
+    while (start > 0 && isContinuation(text[start])) {
+        --start;
+    }
+    return text.substr(start);
+}
+
+}  // namespace
+
+std::string escapeText(std::string_view text) {
+    std::string escaped;
+    for (;;) {
+        // The debug format puts the text between quotes and escapes those within: not wanted here.
+        std::size_t const quote = text.find('"');
+        std::string const part = fmt::format("{:?}", text.substr(0, quote));
+        escaped.append(part, 1, part.size() - 2);
+        if (quote == std::string_view::npos) {
+            return escaped;
+        }
+        escaped += '"';
+        text.remove_prefix(quote + 1);
+    }
+}
+
+std::size_t countColumns(std::string_view escaped) {
+    return static_cast<std::size_t>(
+        std::count_if(escaped.begin(), escaped.end(), [](char c) { return !isContinuation(c); }));
+}
+
+std::string keepEnd(std::string_view escaped, std::size_t maxColumns) {
+    constexpr std::string_view kLeftOut = "...";
+    std::size_t columns = 0;
+    std::size_t kept = escaped.size();            // where what fits begins
+    std::size_t keptBehindDots = escaped.size();  // the same, with room for the dots
+    while (kept > 0) {
+        auto const character = lastCharacter(escaped.substr(0, kept));
+        columns += widestColumns(character);
+        if (columns > maxColumns) {
+            return std::string(kLeftOut.substr(0, maxColumns))
+                .append(escaped.substr(keptBehindDots));
+        }
+        kept -= character.size();
+        if (columns + kLeftOut.size() <= maxColumns) {
+            keptBehindDots = kept;
+        }
+    }
+    return std::string(escaped);
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,99 @@
+// The companion program's command line: what it asks for is done elsewhere, one source for each
+// subcommand (StreamsCommand).
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <TalIec61850Parser/Version.hpp>
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tools/ExitStatus.hpp"
+#include "tools/Messages.hpp"
+#include "tools/StandardOutput.hpp"
+#include "tools/StreamsCommand.hpp"
+#include "tools/TextEscape.hpp"
+
+namespace {
+
+using TalIec61850Tools::Action;
+using TalIec61850Tools::complain;
+using TalIec61850Tools::escapeText;
+using TalIec61850Tools::ExitStatus;
+using TalIec61850Tools::OutputError;
+
+/// What CLI11 would read as something else than a path: [a,b] is a list to it, ++ ends a
+/// subcommand. With ./ before it, such a name leads to the same file.
+bool isMistakenForSyntax(std::string const& argument) {
+    return argument == "++" || (argument.starts_with('[') && argument.ends_with(']'));
+}
+
+/// The arguments from the last to the first, as CLI11 wants them.
+std::vector<std::string> reversedArguments(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    for (auto& argument : arguments) {
+        if (isMistakenForSyntax(argument)) {
+            argument.insert(0, "./");
+        }
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
+/// Help and version are "errors" of parsing too, those with status 0.
+ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
+    if (error.get_exit_code() == 0) {
+        std::ostringstream text;
+        program.exit(error, text, text);
+        TalIec61850Tools::writeOutput(text.str());
+        TalIec61850Tools::finishOutput();
+        return ExitStatus::success;
+    }
+    std::string message;
+    for (CLI::App const* command : program.get_subcommands()) {
+        message += command->get_name() + ": ";
+    }
+    complain(escapeText(message + error.what()));
+    return ExitStatus::usageError;
+}
+
+ExitStatus runProgram(int argc, char** argv) {
+    CLI::App program("Looks into captures of IEC 61850 GOOSE and Sampled Values traffic.",
+                     "tal-iec61850");
+    program.set_version_flag("--version", "tal-iec61850 " TALIEC61850PARSER_VERSION,
+                             "Print the version and exit");
+    program.footer("Example:\n  tal-iec61850 streams capture.pcap");
+    program.require_subcommand(0, 1);  // so a file may be called like another subcommand
+    Action chosen;
+    addStreamsCommand(program, chosen);
+    try {
+        program.parse(reversedArguments(argc, argv));
+    } catch (CLI::ParseError const& error) {
+        return report(program, error);
+    }
+    if (!chosen) {
+        complain("no command given, see tal-iec61850 --help");
+        return ExitStatus::usageError;
+    }
+    return chosen();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ExitStatus status = ExitStatus::failure;
+    try {
+        status = runProgram(argc, argv);
+    } catch (OutputError const& error) {
+        complain("cannot write standard output: " + error.code().message());
+    } catch (std::bad_alloc const&) {
+        complain("not enough memory");
+    } catch (std::exception const& error) {
+        complain(escapeText(error.what()));
+    }
+    return static_cast<int>(status);
+}
