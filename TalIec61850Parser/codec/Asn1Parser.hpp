@@ -21,7 +21,7 @@ public:
     /// The length octet 0x80 (indefinite form) reads as an empty element. On failure `position`
     /// stands where reading stopped, `tag.tag` holds the identifier if there was one, and the
     /// other members keep what they held.
-    /// @param data      the octets to read from
+    /// @param data      the octets to read from; not those of `tag.value`
     /// @param position  index into `data`, moved
     /// @param tag       written
     /// @return false when no whole element stands at `position`, or its length takes more than

@@ -29,6 +29,7 @@ struct GooseIdentifer {
     std::optional<std::string> goID;
     /// True when the frame carries the simulation element at all, whatever the element says.
     std::optional<bool> simulation;
+    /// Deliberate: from the first four octets of its element, should it have more.
     std::optional<std::uint64_t> confRev;
 };
 

@@ -27,8 +27,10 @@ struct SvIdentifer {
     std::optional<std::string> dstMac;
     /// Bit 0 of the second octet of the Reserved 1 field of the SV header.
     std::optional<std::uint8_t> reserved1Bit0;
+    /// Of several ASDUs in a frame, that of the last; as a criterion, each of theirs must meet it.
     /// Printable text as it stands, anything else as in Asn1Parser::bytesToString.
     std::optional<std::string> svID;
+    /// Deliberate: from the first four octets of its element, should it have more.
     std::optional<std::uint64_t> confRev;
 };
 

@@ -5,6 +5,7 @@
 #include <TalIec61850Parser/goose/GooseParser.hpp>
 #include <TalIec61850Parser/sv/SvParser.hpp>
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>

@@ -2,8 +2,10 @@
 
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 

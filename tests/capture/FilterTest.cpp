@@ -3,8 +3,11 @@
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "capture/Criteria.hpp"
@@ -155,6 +158,15 @@ TYPED_TEST(EthernetParserCheckEthernetFilters, AnyEntryMayMatch) {
     EXPECT_TRUE(this->check(entries, headerOf(kSource)));
     EXPECT_TRUE(this->check(entries, headerOf(kOtherSource)));
     EXPECT_FALSE(this->check(entries, headerOf("00:30:a7:00:00:0c")));
+}
+
+TYPED_TEST(EthernetParserCheckEthernetFilters, LongListIsSearchedToItsEnd) {
+    std::vector entries(1000, this->source(kOtherSource));
+    EXPECT_FALSE(this->check(entries, headerOf()));
+    entries.push_back(this->source(kSource));
+    EXPECT_TRUE(this->check(entries, headerOf()));
+    entries.insert(entries.begin(), this->source("none"));
+    EXPECT_TRUE(this->check(entries, headerOf()));
 }
 
 TYPED_TEST(EthernetParserCheckEthernetFilters, EachCriterionIsMatchedOverTheWholeList) {

@@ -5,12 +5,14 @@
 #include <TalIec61850Parser/store/Db.hpp>
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <deque>
 #include <iostream>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "capture/StreamCapture.hpp"

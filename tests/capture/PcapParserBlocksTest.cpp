@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Parser/capture/PcapParser.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -159,6 +160,21 @@ TEST(PcapParserRecordBoundary, ThousandsOfRecordsOfVaryingSizeKeepTheirPositions
         found.push_back(package.position);
     }
     EXPECT_EQ(found, svPositions);
+}
+
+TEST(PcapParserRecordBoundary, CutRecordIsNotCompletedWithWhatStoodInEarlierBlocks) {
+    // Behind the PDU, octets of the records before would read as further PDUs.
+    Bytes const frame = gooseFrame({}, {});
+    for (std::size_t const before : {kBlock, 2 * kBlock, 2 * kBlock + 5000, 5 * kBlock / 2}) {
+        CaptureBuilder capture;
+        capture.add(1, 0, repeat(0x61, before / 2)).add(2, 0, repeat(0x61, before / 2));
+        std::uint64_t const start = capture.nextRecordPosition();
+        capture.addClaiming(3, 0, 5000, frame);
+        Indexed const result = indexCapture(capture.bytes());
+        EXPECT_EQ(packagesOf(only(result.db.gooseProto.streams)).front().position,
+                  start + recordHeaderSize + 14 + 8)
+            << before;
+    }
 }
 
 TEST(PcapParserManyStreams, InterleavedStreamsAreKeptApart) {

@@ -11,6 +11,7 @@
 #include <exception>
 #include <fstream>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 

@@ -2,6 +2,7 @@
 
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <stdexcept>

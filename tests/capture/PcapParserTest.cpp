@@ -3,7 +3,9 @@
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <ios>
 #include <string>
 #include <vector>
 

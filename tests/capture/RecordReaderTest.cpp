@@ -27,7 +27,7 @@ protected:
     std::streamsize xsgetn(char* out, std::streamsize wanted) override {
         auto const count = std::min(static_cast<std::size_t>(wanted), content_.size() - position_);
         failBehindFault(count);
-        std::memcpy(out, content_.data() + position_, count);
+        std::copy_n(content_.begin() + static_cast<std::ptrdiff_t>(position_), count, out);
         position_ += count;
         return static_cast<std::streamsize>(count);
     }

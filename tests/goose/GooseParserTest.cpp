@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Parser/goose/GooseParser.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>

@@ -27,9 +27,10 @@ std::vector<std::string> environmentWith(ExtraEnvironment const& extra) {
     for (char** variable = environ; *variable != nullptr; ++variable) {
         variables.emplace_back(*variable);
     }
-    for (auto const& [name, value] : extra) {
-        std::erase_if(variables, [&](auto const& v) { return v.starts_with(name + "="); });
-        variables.push_back(name + "=" + value);
+    for (auto const& variable : extra) {
+        std::string const prefix = variable.first + "=";
+        std::erase_if(variables, [&](auto const& set) { return set.starts_with(prefix); });
+        variables.push_back(prefix + variable.second);
     }
     return variables;
 }

@@ -2,6 +2,7 @@
 
 #include <TalIec61850Parser/sv/SvParser.hpp>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 

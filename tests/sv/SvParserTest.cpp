@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Parser/sv/SvParser.hpp>
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <string>
 #include <vector>

@@ -1,0 +1,1 @@
+// Nothing but the precompiled headers of the test programs, see CMakeLists.txt.
