@@ -16,7 +16,10 @@
 #include <TalIec61850Parser/codec/Asn1Tag.hpp>
 #include <TalIec61850Parser/codec/BytesConverter.hpp>
 #include <TalIec61850Parser/goose/GooseParser.hpp>
+#include <TalIec61850Parser/goose/GooseParserSimple.hpp>
+#include <TalIec61850Parser/goose/GoosePdu.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
+#include <TalIec61850Parser/store/FilteredPackagesResult.hpp>
 #include <TalIec61850Parser/store/Goose.hpp>
 #include <TalIec61850Parser/store/GooseIdentifer.hpp>
 #include <TalIec61850Parser/store/GooseProto.hpp>
@@ -29,4 +32,7 @@
 #include <TalIec61850Parser/store/SvProto.hpp>
 #include <TalIec61850Parser/store/Timest.hpp>
 #include <TalIec61850Parser/store/VlanInfo.hpp>
+#include <TalIec61850Parser/sv/ASDUData.hpp>
+#include <TalIec61850Parser/sv/SampleData.hpp>
 #include <TalIec61850Parser/sv/SvParser.hpp>
+#include <TalIec61850Parser/sv/SvParserSimple.hpp>

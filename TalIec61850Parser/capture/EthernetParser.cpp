@@ -1,6 +1,7 @@
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
+#include <TalIec61850Parser/capture/FrameVerdict.hpp>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -25,6 +26,11 @@ void EthernetParser::parsePacket(std::vector<std::uint8_t> const& buffer, unsign
     detail::indexFrame(
         buffer, offset, file.recordPosition, header,
         {.fileName = file.fileName, .isNanosecond = isNanosecond, .filter = filter, .db = db});
+}
+
+bool EthernetParser::parsePacketSimple(std::vector<std::uint8_t> const& frame,
+                                       Filter const& filter) {
+    return detail::judgeFrame(frame, filter);
 }
 
 template <typename Record, typename Identifiers>

@@ -14,8 +14,8 @@ namespace TalIec61850Parser {
 
 /// Decodes Ethernet frames and hands them on by EtherType: 0x88B8 GOOSE, 0x88BA SV.
 ///
-/// Reads one IEEE 802.1Q tag (TPID 0x8100), an HSR tag (0x892F) and a PRP trailer (suffix
-/// 0x88FB). Other tags, service tags (0x88A8) among them, are EtherTypes that nobody wants.
+/// Reads one IEEE 802.1Q tag (TPID 0x8100), an HSR tag (0x892F) and a PRP trailer (suffix 0x88FB).
+/// Other tags, service tags (0x88A8) among them, are EtherTypes that nobody wants.
 class TALIEC61850PARSER_EXPORT EthernetParser {
 public:
     /// Indexes one frame, when it is a wanted GOOSE or SV frame; otherwise the store stays as it
@@ -28,10 +28,26 @@ public:
                             PcapFile& file, bool isNanosecond, PcapPacketHeader const& header,
                             Filter const& filter, Db& db);
 
-    // The steps of parsePacket, public like every operation of the library.
+    /// Judges one frame in memory, without a capture file and without a store.
+    ///
+    /// | frame                                  | GOOSE | SV    |
+    /// |----------------------------------------|-------|-------|
+    /// | protocol switched off in the filter    | true  | true  |
+    /// | rejected by address, VLAN, HSR or PRP  | false | false |
+    /// | rejected by its header or PDU          | false | true  |
+    /// | too short for a header and a PDU       | false | true  |
+    /// | wanted                                 | true  | false |
+    ///
+    /// Deliberate: the two protocols answer differently. Any other EtherType, and a frame that ends
+    /// inside its link-layer header, gives false. Keeps no state: may run on several threads at
+    /// once, with one Filter that all of them read.
+    /// @param frame  the frame from its destination address on
+    static bool parsePacketSimple(std::vector<std::uint8_t> const& frame, Filter const& filter);
 
-    /// Puts a frame's addresses, VLAN, HSR and PRP into a stream record and matches them against
-    /// a filter list, one criterion after the other.
+    // The steps of these operations, public like every operation of the library.
+
+    /// Puts a frame's addresses, VLAN, HSR and PRP into a stream record and matches them against a
+    /// filter list, one criterion after the other.
     /// @param record   a fresh `Goose` or `Sv`; filled up to the criterion that fails
     /// @param filters  the list of that protocol in the caller's Filter
     /// @return false when a criterion fails

@@ -6,15 +6,17 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
 
 /// What a handler wants done with the element that it was shown.
 enum class WalkStep {
-    next,     ///< go on with the element behind it
-    descend,  ///< walk its value one level deeper, unless that is empty, then go on
-    reject,   ///< end the whole walk
+    next,      ///< go on with the element behind it
+    descend,   ///< walk its value one level deeper, unless that is empty, then go on
+    endLevel,  ///< look at no further element of this level, go on above it
+    reject,    ///< end the whole walk
 };
 
 /// The state of one nesting level, which a handler may change.
@@ -25,9 +27,9 @@ struct WalkLevel {
     bool inAsdu = false;
 };
 
-/// The unfinished levels above the one being walked. They lie in place up to the nesting that
-/// real frames have, on the heap beyond it, and never on the call stack: how deep a frame nests
-/// is up to whoever sent it.
+/// The unfinished levels above the one being walked. They lie in place up to the nesting that real
+/// frames have, on the heap beyond it, and never on the call stack: how deep a frame nests is up to
+/// whoever sent it.
 class WalkStack {
 public:
     struct Entry {
@@ -64,8 +66,9 @@ private:
     std::size_t size_ = 0;
 };
 
-/// Elements that are looked at on one level; those behind them are not.
+/// Elements of one level that the frame walks look at; those behind them are not.
 inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
+inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::max();
 
 /// Walks the elements of `data` depth first and shows each to the handler. An element that cannot
 /// be read ends its level quietly, the levels above go on.
@@ -75,14 +78,14 @@ inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
 /// @param handler  `WalkStep handler(BerElement const&, std::size_t position, WalkLevel&)`, where
 ///                 `position` is the index in `data` of the element's identifier octet
 /// @return false only when the handler rejected
-template <typename Handler>
+template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Handler>
 [[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler&& handler) {
     WalkStack unfinished;
     WalkStack::Entry now{.level = level, .position = 0, .end = data.size(), .elementCount = 0};
     for (;;) {
         BerElement element;
         std::size_t const start = now.position;
-        bool const levelGoesOn = now.elementCount < kMaxElementsPerLevel &&
+        bool const levelGoesOn = now.elementCount < maxElementsPerLevel &&
                                  readElement(data.first(now.end), now.position, element);
         if (!levelGoesOn) {
             if (unfinished.empty()) {
@@ -95,6 +98,9 @@ template <typename Handler>
         switch (handler(element, start, now.level)) {
             case WalkStep::next:
                 break;
+            case WalkStep::endLevel:
+                now.position = now.end;
+                break;
             case WalkStep::reject:
                 return false;
             case WalkStep::descend:
@@ -102,7 +108,7 @@ template <typename Handler>
                     break;
                 }
                 // A level with nothing left need not be come back to: pure nesting costs no memory.
-                if (now.position < now.end && now.elementCount < kMaxElementsPerLevel) {
+                if (now.position < now.end && now.elementCount < maxElementsPerLevel) {
                     unfinished.push(now);
                 }
                 now = {.level = {.depth = now.level.depth + 1, .inAsdu = now.level.inAsdu},

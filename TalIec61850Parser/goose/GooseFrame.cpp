@@ -2,28 +2,14 @@
 #include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
+#include <TalIec61850Parser/goose/GooseTags.hpp>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
 
-// IEC 61850-8-1, IECGoosePdu.
-constexpr std::uint8_t kGoosePdu = 0x61;
 constexpr std::int64_t kFieldDepth = 2;
-
-enum GooseField : std::uint8_t {
-    kGocbRef = 0,
-    kDatSet = 2,
-    kGoID = 3,
-    kSimulation = 7,
-    kConfRev = 8,
-    kAllData = 11,
-};
-
-// Data choices inside allData, in the primitive form that some publishers send.
-constexpr std::uint8_t kPrimitiveArray = 0x81;
-constexpr std::uint8_t kPrimitiveStructure = 0x82;
 
 bool isStructure(std::uint8_t tag) {
     return tag == ber::kSequence || tag == kGoosePdu || ber::isContextConstructed(tag);
@@ -67,7 +53,8 @@ WalkStep takeField(BerElement const& field, Goose& goose,
     }
 }
 
-/// One primitive context-specific element inside allData: nothing there identifies the stream.
+/// One primitive context-specific element inside allData: nothing there identifies the stream, but
+/// a goosePdu may lie deeper still.
 WalkStep passData(BerElement const& element) {
     bool const isNested = element.tag == kPrimitiveArray || element.tag == kPrimitiveStructure;
     return isNested ? WalkStep::descend : WalkStep::next;
@@ -94,6 +81,24 @@ bool walkGoosePdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
             }
             return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
         });
+}
+
+bool walkGooseIdentity(Octets pdu, WalkLevel firstLevel, Goose& goose, Filter const& filter) {
+    return walkElements(
+        pdu, firstLevel, [&](BerElement const& element, std::size_t, WalkLevel const& level) {
+            if (!ber::isContextPrimitive(element.tag)) {
+                return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
+            }
+            bool const isField =
+                level.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
+            return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::next;
+        });
+}
+
+bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose, Filter const& filter) {
+    auto const application = readApplicationHeader(frame, offset);
+    return application && takeApplicationHeader(*application, goose, filter.gooseFilters) &&
+           walkGooseIdentity(application->pdu, {}, goose, filter);
 }
 
 bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,

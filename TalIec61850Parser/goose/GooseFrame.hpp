@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: what GooseParser does, on octets in place.
+// Internal: what GooseParser and GooseParserSimple do, on octets in place.
 
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
@@ -21,5 +21,13 @@ namespace TalIec61850Parser::detail {
 [[nodiscard]] bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
                                 PcapPacketHeader const& header, Goose& goose, Package& package,
                                 Filter const& filter);
+
+/// GooseParserSimple::parsePacket.
+[[nodiscard]] bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose,
+                                     Filter const& filter);
+
+/// GooseParserSimple::_parseAsn1Structure.
+[[nodiscard]] bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose,
+                                     Filter const& filter);
 
 }  // namespace TalIec61850Parser::detail

@@ -1,6 +1,7 @@
 #include <TalIec61850Parser/store/Goose.hpp>
 #include <TalIec61850Parser/store/Payload.hpp>
 #include <TalIec61850Parser/store/StreamFiles.hpp>
+#include <iterator>
 #include <utility>
 
 namespace TalIec61850Parser {
@@ -9,10 +10,41 @@ using detail::hashTerm;
 using detail::payload;
 
 static_assert(!noexcept(GooseHash{}(std::declval<Goose const&>())),
-              "a noexcept hash is not cached, and streams of different VLANs would merge");
+              "a noexcept hash is not cached, and streams of different VLANs "
+              "would merge");
 
 PackageFile const* Goose::addFile(std::string const& fileName) const {
     return detail::findOrAddFile(files, fileName);
+}
+
+std::map<PackageFile const*, FilteredPackagesResult> Goose::getfilteredPackages(
+    Timest const& from, Timest const& to) const {
+    std::map<PackageFile const*, FilteredPackagesResult> found;
+    for (PackageFile const& file : files) {
+        if (file.packages.empty()) {
+            continue;
+        }
+        auto const window = detail::findWindow(file, from, to);
+        auto& result = found[&file];
+        result.packages = window.packages();
+        if (window.first != file.packages.begin()) {
+            result.previousPackage = &*std::prev(window.first);
+        }
+        if (window.behind != file.packages.end()) {
+            result.nextPackage = &*window.behind;
+        }
+    }
+    return found;
+}
+
+PackageIterator Goose::findFileNearestPackageIterator(PackageFile const* file,
+                                                      Timest const& time) const {
+    return detail::findNearestPackage(*file, time);
+}
+
+std::map<PackageFile const*, PackageIterator> Goose::findFilesNearestPackageIterator(
+    Timest const& time) const {
+    return detail::findNearestPackages(files, time);
 }
 
 std::size_t GooseHash::operator()(Goose const& goose) const {

@@ -1,18 +1,20 @@
 #pragma once
 
 #include <TalIec61850Parser/Export.hpp>
+#include <TalIec61850Parser/store/FilteredPackagesResult.hpp>
 #include <TalIec61850Parser/store/GooseIdentifer.hpp>
 #include <TalIec61850Parser/store/PackageFile.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 
 namespace TalIec61850Parser {
 
 /// One GOOSE stream: its identity, and its packets per capture file.
 ///
-/// A stored record is an element of a set, so it is constant and its identity never changes;
-/// the mutable members are what indexing adds to.
+/// A stored record is an element of a set, so it is constant and its identity never changes; the
+/// mutable members are what indexing adds to.
 struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
     /// Packets indexed for this stream, over all files; not reduced when a file is cleared.
     mutable std::uint32_t packetCount = 0;
@@ -22,17 +24,39 @@ struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
     /// @param fileName  the file's path; compared octet for octet
     /// @return never null; valid until that file is cleared or the stream is erased
     PackageFile const* addFile(std::string const& fileName) const;
+
+    /// The packets of a time window, per capture file, with the packets on either side of it.
+    ///
+    /// Needs every file's packets in time order; where they are not, the result is that of a binary
+    /// search. A window that ends before it begins holds no packets.
+    /// @param from  begin of the window, itself inside
+    /// @param to    end of the window, itself inside
+    /// @return an entry for every file that has packets at all; the pointers stay valid until the
+    ///         file is cleared
+    [[nodiscard]] std::map<PackageFile const*, FilteredPackagesResult> getfilteredPackages(
+        Timest const& from, Timest const& to) const;
+
+    /// The last packet of one file before a time.
+    /// @param file  one of this stream's files
+    /// @return the end of the file's list when no packet lies before `time`; valid until the next
+    ///         packet is added to that file
+    PackageIterator findFileNearestPackageIterator(PackageFile const* file,
+                                                   Timest const& time) const;
+
+    /// The last packet before a time in every file; files without one are left out.
+    [[nodiscard]] std::map<PackageFile const*, PackageIterator> findFilesNearestPackageIterator(
+        Timest const& time) const;
 };
 
 /// The hash by which GOOSE streams are found. Deliberate: it takes in the VLAN, which GooseEqual
-/// leaves out, so streams that differ in VLAN alone stay apart by their hash. That holds only
-/// while the set compares whole cached hashes: libstdc++ does so unless the call is noexcept.
+/// leaves out, so streams that differ in VLAN alone stay apart by their hash. That holds only while
+/// the set compares whole cached hashes: libstdc++ does so unless the call is noexcept.
 struct TALIEC61850PARSER_EXPORT GooseHash {
     std::size_t operator()(Goose const& goose) const;
 };
 
-/// The identity of GOOSE streams. A member that is not set compares as zero or empty.
-/// Deliberate: VLAN, HSR and PRP are left out; `reserved1Bit0` counts here and not in GooseHash.
+/// The identity of GOOSE streams. A member that is not set compares as zero or empty. Deliberate:
+/// VLAN, HSR and PRP are left out; `reserved1Bit0` counts here and not in GooseHash.
 struct TALIEC61850PARSER_EXPORT GooseEqual {
     bool operator()(Goose const& a, Goose const& b) const;
 };

@@ -12,10 +12,10 @@ namespace TalIec61850Parser {
 
 /// The packets of one stream in one capture file, in the order in which they were added.
 ///
-/// Lives in a stream's `files`, whose elements are constant; `packages` is mutable so that
-/// packets can be appended there. It is a deque so that appending never moves a stored packet:
-/// pointers and references to a `Package` stay valid until this PackageFile is erased, iterators
-/// until the next packet is added.
+/// Lives in a stream's `files`, whose elements are constant; `packages` is mutable so that packets
+/// can be appended there. It is a deque so that appending never moves a stored packet: pointers and
+/// references to a `Package` stay valid until this PackageFile is erased, iterators until the next
+/// packet is added.
 struct TALIEC61850PARSER_EXPORT PackageFile {
     PackageFile() = default;
 
@@ -26,8 +26,8 @@ struct TALIEC61850PARSER_EXPORT PackageFile {
     std::string fileName;
     mutable std::deque<Package> packages;
 
-    /// Appends a packet. Neither order nor duplicates are checked: captures are read front to
-    /// back, and the time queries rely on the order found there.
+    /// Appends a packet. Neither order nor duplicates are checked: captures are read front to back,
+    /// and the time queries rely on the order found there.
     /// @param seconds      capture time, seconds since 1970-01-01 UTC
     /// @param nanoseconds  the part of the capture time below a second, in nanoseconds
     /// @param position     offset in the capture file, in octets (see Package)
@@ -40,8 +40,11 @@ struct TALIEC61850PARSER_EXPORT PackageFile {
     [[nodiscard]] Timest getEndTime() const;
 };
 
-/// Hashes a PackageFile by its name alone: the standard string hash, but 0 for the empty name.
-/// Not noexcept: libstdc++ then caches the hash in each node of the set.
+/// A place in a PackageFile's list; valid until the next packet is added to that list.
+using PackageIterator = std::deque<Package>::const_iterator;
+
+/// Hashes a PackageFile by its name alone: the standard string hash, but 0 for the empty name. Not
+/// noexcept: libstdc++ then caches the hash in each node of the set.
 struct TALIEC61850PARSER_EXPORT PackageFileHash {
     using is_transparent = void;
 

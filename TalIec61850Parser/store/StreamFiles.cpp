@@ -1,7 +1,20 @@
 #include <TalIec61850Parser/store/StreamFiles.hpp>
+#include <algorithm>
 #include <string_view>
 
 namespace TalIec61850Parser::detail {
+
+namespace {
+
+PackageIterator firstNotBefore(PackageFile const& file, Timest const& time) {
+    return std::ranges::lower_bound(file.packages, time, {}, &Package::time);
+}
+
+PackageIterator firstBehind(PackageFile const& file, Timest const& time) {
+    return std::ranges::upper_bound(file.packages, time, {}, &Package::time);
+}
+
+}  // namespace
 
 PackageFile const* findOrAddFile(PackageFileSet& files, std::string const& fileName) {
     // Nearly every packet finds its file: look before building an element to insert.
@@ -9,6 +22,36 @@ PackageFile const* findOrAddFile(PackageFileSet& files, std::string const& fileN
         return &*found;
     }
     return &*files.emplace(fileName).first;
+}
+
+std::vector<Package const*> PackageWindow::packages() const {
+    std::vector<Package const*> inside;
+    if (first < behind) {
+        inside.reserve(static_cast<std::size_t>(behind - first));
+        std::transform(first, behind, std::back_inserter(inside),
+                       [](Package const& package) { return &package; });
+    }
+    return inside;
+}
+
+PackageWindow findWindow(PackageFile const& file, Timest const& from, Timest const& to) {
+    return {.first = firstNotBefore(file, from), .behind = firstBehind(file, to)};
+}
+
+PackageIterator findNearestPackage(PackageFile const& file, Timest const& time) {
+    auto const notBefore = firstNotBefore(file, time);
+    return notBefore == file.packages.begin() ? file.packages.end() : std::prev(notBefore);
+}
+
+std::map<PackageFile const*, PackageIterator> findNearestPackages(PackageFileSet const& files,
+                                                                  Timest const& time) {
+    std::map<PackageFile const*, PackageIterator> found;
+    for (PackageFile const& file : files) {
+        if (auto const nearest = findNearestPackage(file, time); nearest != file.packages.end()) {
+            found.emplace(&file, nearest);
+        }
+    }
+    return found;
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -12,7 +12,8 @@ using detail::payload;
 namespace {
 
 static_assert(!noexcept(SvHash{}(std::declval<Sv const&>())),
-              "a noexcept hash is not cached, and every lookup would hash the stored names again");
+              "a noexcept hash is not cached, and every lookup would hash the "
+              "stored names again");
 
 bool equalVlan(std::optional<VlanInfo> const& a, std::optional<VlanInfo> const& b) {
     auto const same = [&](auto member) { return payload(a, member) == payload(b, member); };
@@ -29,6 +30,27 @@ bool equalHsr(std::optional<HsrInfo> const& a, std::optional<HsrInfo> const& b) 
 
 PackageFile const* Sv::addFile(std::string const& fileName) const {
     return detail::findOrAddFile(files, fileName);
+}
+
+std::map<PackageFile const*, std::vector<Package const*>> Sv::getfilteredPackages(
+    Timest const& from, Timest const& to) const {
+    std::map<PackageFile const*, std::vector<Package const*>> found;
+    for (PackageFile const& file : files) {
+        if (auto packages = detail::findWindow(file, from, to).packages(); !packages.empty()) {
+            found.emplace(&file, std::move(packages));
+        }
+    }
+    return found;
+}
+
+PackageIterator Sv::findFileNearestPackageIterator(PackageFile const* file,
+                                                   Timest const& time) const {
+    return detail::findNearestPackage(*file, time);
+}
+
+std::map<PackageFile const*, PackageIterator> Sv::findFilesNearestPackageIterator(
+    Timest const& time) const {
+    return detail::findNearestPackages(files, time);
 }
 
 std::size_t SvHash::operator()(Sv const& sv) const {

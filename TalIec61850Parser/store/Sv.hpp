@@ -5,14 +5,16 @@
 #include <TalIec61850Parser/store/SvIdentifer.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
+#include <vector>
 
 namespace TalIec61850Parser {
 
 /// One Sampled Values stream: its identity, its statistics, and its packets per capture file.
 ///
-/// A stored record is an element of a set, so it is constant and its identity never changes;
-/// the mutable members are what indexing adds to. In a record that SvParser has just filled, the
+/// A stored record is an element of a set, so it is constant and its identity never changes; the
+/// mutable members are what indexing adds to. In a record that SvParser has just filled, the
 /// statistics are those of the one frame.
 struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
     /// The largest smpCnt seen.
@@ -29,17 +31,39 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
     /// @param fileName  the file's path; compared octet for octet
     /// @return never null; valid until that file is cleared or the stream is erased
     PackageFile const* addFile(std::string const& fileName) const;
+
+    /// The packets of a time window, per capture file.
+    ///
+    /// Needs every file's packets in time order; where they are not, the result is that of a binary
+    /// search. A window that ends before it begins holds no packets.
+    /// @param from  begin of the window, itself inside
+    /// @param to    end of the window, itself inside
+    /// @return an entry for every file with a packet in the window; the pointers stay valid until
+    ///         the file is cleared
+    [[nodiscard]] std::map<PackageFile const*, std::vector<Package const*>> getfilteredPackages(
+        Timest const& from, Timest const& to) const;
+
+    /// The last packet of one file before a time.
+    /// @param file  one of this stream's files
+    /// @return the end of the file's list when no packet lies before `time`; valid until the next
+    ///         packet is added to that file
+    PackageIterator findFileNearestPackageIterator(PackageFile const* file,
+                                                   Timest const& time) const;
+
+    /// The last packet before a time in every file; files without one are left out.
+    [[nodiscard]] std::map<PackageFile const*, PackageIterator> findFilesNearestPackageIterator(
+        Timest const& time) const;
 };
 
-/// The hash by which SV streams are found. Deliberate: HSR is left out here and counts in
-/// SvEqual. Not noexcept: libstdc++ then caches the hash and compares it before SvEqual.
+/// The hash by which SV streams are found. Deliberate: HSR is left out here and counts in SvEqual.
+/// Not noexcept: libstdc++ then caches the hash and compares it before SvEqual.
 struct TALIEC61850PARSER_EXPORT SvHash {
     std::size_t operator()(Sv const& sv) const;
 };
 
-/// The identity of SV streams. A member that is not set compares as zero or empty.
-/// VLAN and HSR count with all their members, PRP and `spareText` not at all: the frames of one
-/// publisher are two streams over the two directions of an HSR ring, one over the two PRP LANs.
+/// The identity of SV streams. A member that is not set compares as zero or empty. VLAN and HSR
+/// count with all their members, PRP and `spareText` not at all: the frames of one publisher are
+/// two streams over the two directions of an HSR ring, one over the two PRP LANs.
 struct TALIEC61850PARSER_EXPORT SvEqual {
     bool operator()(Sv const& a, Sv const& b) const;
 };

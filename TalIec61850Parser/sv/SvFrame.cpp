@@ -2,23 +2,12 @@
 #include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
+#include <TalIec61850Parser/sv/SvTags.hpp>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
-
-// IEC 61850-9-2, SavPdu.
-constexpr std::uint8_t kSavPdu = 0x60;
-constexpr std::uint8_t kSequenceOfAsdu = 0xA2;
-constexpr std::uint8_t kNoAsdu = 0;
-
-enum AsduField : std::uint8_t {
-    kSvID = 0,
-    kSmpCnt = 2,
-    kConfRev = 3,
-    kSmpRate = 6,
-};
 
 bool isStructure(std::uint8_t tag) {
     return tag == ber::kSequence || tag == kSavPdu || ber::isContextConstructed(tag);
@@ -26,23 +15,31 @@ bool isStructure(std::uint8_t tag) {
 
 WalkStep nextIf(bool passed) { return passed ? WalkStep::next : WalkStep::reject; }
 
-/// One primitive field of an ASDU; the identity is stored before it is matched.
-WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
+/// The identity among the fields of an ASDU: stored, then matched.
+WalkStep takeIdentity(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
     switch (ber::tagNumber(field.tag)) {
         case kSvID:
             sv.svID = toText(field.value);
             return nextIf(passes(filters, &SvIdentifer::svID, *sv.svID));
+        case kAsduConfRev:
+            sv.confRev = toUint32(field.value);
+            return nextIf(passes(filters, &SvIdentifer::confRev, *sv.confRev));
+        default:
+            return WalkStep::next;
+    }
+}
+
+/// One primitive field of an ASDU.
+WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
+    switch (ber::tagNumber(field.tag)) {
         case kSmpCnt:
             sv.maxSmpCnt = toUint16(field.value);
             return WalkStep::next;
-        case kConfRev:
-            sv.confRev = toUint32(field.value);
-            return nextIf(passes(filters, &SvIdentifer::confRev, *sv.confRev));
         case kSmpRate:
             sv.smpRate = toUint16(field.value);
             return WalkStep::next;
         default:
-            return WalkStep::next;
+            return takeIdentity(field, sv, filters);
     }
 }
 
@@ -74,6 +71,25 @@ bool walkSavPdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
                             level.inAsdu = level.inAsdu || element.tag == ber::kSequence;
                             return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
                         });
+}
+
+bool walkSvIdentity(Octets pdu, WalkLevel firstLevel, Sv& sv, Filter const& filter) {
+    return walkElements(
+        pdu, firstLevel, [&](BerElement const& element, std::size_t, WalkLevel& level) {
+            if (ber::isContextPrimitive(element.tag)) {
+                return level.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::next;
+            }
+            // Deliberate: unlike above, an empty ASDU opens nothing.
+            level.inAsdu =
+                level.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
+            return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
+        });
+}
+
+bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter) {
+    auto const application = readApplicationHeader(frame, offset);
+    return application && takeApplicationHeader(*application, sv, filter.svFilters) &&
+           walkSvIdentity(application->pdu, {}, sv, filter);
 }
 
 bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,

@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: what SvParser does, on octets in place.
+// Internal: what SvParser and SvParserSimple do, on octets in place.
 
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
@@ -21,5 +21,11 @@ namespace TalIec61850Parser::detail {
 [[nodiscard]] bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
                               PcapPacketHeader const& header, Sv& sv, Package& package,
                               Filter const& filter);
+
+/// SvParserSimple::parsePacket.
+[[nodiscard]] bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter);
+
+/// SvParserSimple::_parseAsn1Structure.
+[[nodiscard]] bool walkSvIdentity(Octets pdu, WalkLevel level, Sv& sv, Filter const& filter);
 
 }  // namespace TalIec61850Parser::detail

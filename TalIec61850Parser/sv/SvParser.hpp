@@ -5,14 +5,17 @@
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
 #include <TalIec61850Parser/store/Package.hpp>
 #include <TalIec61850Parser/store/Sv.hpp>
+#include <TalIec61850Parser/sv/ASDUData.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace TalIec61850Parser {
 
-/// Reads what identifies a Sampled Values stream (IEC 61850-9-2) out of one frame, places the
-/// frame in its capture file, and matches it against the caller's filter, all in one walk.
+/// Reads what identifies a Sampled Values stream (IEC 61850-9-2) out of one frame, places the frame
+/// in its capture file, and matches it against the caller's filter, all in one walk; later decodes
+/// the packets that a caller asks for.
 class TALIEC61850PARSER_EXPORT SvParser {
 public:
     /// Takes one frame from its SV header on (APPID, Length, Reserved 1 and 2, savPdu).
@@ -32,7 +35,19 @@ public:
                             PcapPacketHeader const& header, std::uint64_t position, Sv& sv,
                             Package& package, Filter const& filter);
 
-    // The steps of parsePacket, public like every operation of the library.
+    /// Decodes the ASDUs of one indexed packet, read again from its capture file.
+    ///
+    /// Opens the file, reads the sequence of ASDU and closes it again; keeps no state and may run
+    /// on several threads at once.
+    /// @param fileName  path of the capture file
+    /// @param position  the `position` of the packet's Package: that of its 0xA2
+    /// @return at most 50 ASDUs, in the order in which they occur; empty when the file cannot be
+    ///         read, no sequence of ASDU stands there, its length takes more than two octets behind
+    ///         the first, or the file cuts it short
+    static std::vector<ASDUData> parseASDUFromFile(std::string const& fileName,
+                                                   std::size_t position);
+
+    // The steps of these operations, public like every operation of the library.
 
     /// Walks the elements of one nesting level and all below it, at most 50 on each level.
     /// @param buffer        the octets of the level
@@ -51,6 +66,15 @@ public:
                                         std::size_t start, std::size_t filePosition,
                                         PcapPacketHeader const& header, Sv& sv, Package& package,
                                         Filter const& filter, bool inAsdu);
+
+    /// Calls `_parseQualityValidity` with the validity code of each of the first eight samples. An
+    /// extension point that nothing calls.
+    /// @param data  the content of a seqData, eight octets a sample
+    static void _parseSampleDataWithQuality(std::vector<std::uint8_t> const& data,
+                                            std::string const& label);
+
+    /// Does nothing; where an extension would judge a two-bit validity code.
+    static void _parseQualityValidity(std::uint8_t validity, std::string const& label);
 };
 
 }  // namespace TalIec61850Parser

@@ -1,0 +1,13 @@
+#pragma once
+
+// Internal: EthernetParser::parsePacketSimple, on octets in place.
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/codec/BerReader.hpp>
+
+namespace TalIec61850Parser::detail {
+
+/// EthernetParser::parsePacketSimple. Without filter criteria it allocates nothing.
+[[nodiscard]] bool judgeFrame(Octets frame, Filter const& filter);
+
+}  // namespace TalIec61850Parser::detail

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <TalIec61850Parser/Export.hpp>
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/store/Sv.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace TalIec61850Parser {
+
+/// Reads what identifies a Sampled Values stream (IEC 61850-9-2) out of one frame in memory,
+/// without a capture file, and matches it against the caller's filter as SvParser does. Keeps no
+/// state: may run on several threads at once, with one Filter that all of them read.
+class TALIEC61850PARSER_EXPORT SvParserSimple {
+public:
+    /// Takes one frame from its SV header on.
+    /// @param data    the frame, up to the end of the vector
+    /// @param offset  index in `data` of the APPID
+    /// @param sv      its appId, reserved1Bit0, svID and confRev, written; on false filled up to
+    ///                the criterion that failed
+    /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
+    ///         true in every other case, whatever is malformed behind the header
+    static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Sv& sv,
+                            Filter const& filter);
+
+    // The steps of parsePacket, public like every operation of the library.
+
+    /// Walks the elements of one nesting level and all below it, at most 50 on each level.
+    /// @param buffer  the octets of the level
+    /// @param depth   not used: what an element means is told by `inAsdu`
+    /// @param start   not used
+    /// @return false only when the filter rejects the frame
+    static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
+                                    std::size_t start, Sv& sv, Filter const& filter, bool inAsdu);
+
+    /// The same as `_parseAsn1Structure`.
+    static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,
+                                        std::size_t start, Sv& sv, Filter const& filter,
+                                        bool inAsdu);
+};
+
+}  // namespace TalIec61850Parser
