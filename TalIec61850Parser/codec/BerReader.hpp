@@ -38,6 +38,12 @@ constexpr bool isContextConstructed(std::uint8_t tag) {
 
 constexpr std::uint8_t tagNumber(std::uint8_t tag) { return tag & kTagNumberMask; }
 
+/// Whether frame walks descend into elements of this tag.
+/// @param pduTag  the application tag of the protocol's own PDU
+constexpr bool isStructure(std::uint8_t tag, std::uint8_t pduTag) {
+    return tag == kSequence || tag == pduTag || isContextConstructed(tag);
+}
+
 }  // namespace ber
 
 /// Reads the element at `position` and steps past it (X.690, one identifier octet, definite

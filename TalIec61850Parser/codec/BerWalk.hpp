@@ -19,6 +19,9 @@ enum class WalkStep {
     reject,    ///< end the whole walk
 };
 
+/// The step of a handler that matched the element against a filter.
+constexpr WalkStep nextIf(bool passed) { return passed ? WalkStep::next : WalkStep::reject; }
+
 /// The state of one nesting level, which a handler may change.
 struct WalkLevel {
     /// 1 for the octets of a PDU; wider than any nesting can reach.

@@ -11,12 +11,6 @@ namespace {
 
 constexpr std::int64_t kFieldDepth = 2;
 
-bool isStructure(std::uint8_t tag) {
-    return tag == ber::kSequence || tag == kGoosePdu || ber::isContextConstructed(tag);
-}
-
-WalkStep nextIf(bool passed) { return passed ? WalkStep::next : WalkStep::reject; }
-
 /// Stores a name, then matches it: a rejected record shows what it was rejected for.
 WalkStep takeName(Octets value, Goose& goose, std::vector<GooseIdentifer> const& filters,
                   std::optional<std::string> GooseIdentifer::*name) {
@@ -65,34 +59,33 @@ WalkStep passData(BerElement const& element) {
 bool walkGoosePdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
                   PcapPacketHeader const& header, Goose& goose, Package& package,
                   Filter const& filter) {
-    return walkElements(
-        pdu, firstLevel,
-        [&](BerElement const& element, std::size_t position, WalkLevel const& level) {
-            if (element.tag == kGoosePdu) {
-                package.time = {header.tsSec, header.tsUsec};
-                package.position = filePosition + position;
-                return WalkStep::descend;
-            }
-            if (ber::isContextPrimitive(element.tag) && level.depth == kFieldDepth) {
-                return takeField(element, goose, filter.gooseFilters);
-            }
-            if (ber::isContextPrimitive(element.tag) && level.depth > kFieldDepth) {
-                return passData(element);
-            }
-            return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
-        });
+    auto const handle = [&](BerElement const& element, std::size_t position,
+                            WalkLevel const& level) {
+        if (element.tag == kGoosePdu) {
+            package.time = {header.tsSec, header.tsUsec};
+            package.position = filePosition + position;
+            return WalkStep::descend;
+        }
+        if (ber::isContextPrimitive(element.tag) && level.depth == kFieldDepth) {
+            return takeField(element, goose, filter.gooseFilters);
+        }
+        if (ber::isContextPrimitive(element.tag) && level.depth > kFieldDepth) {
+            return passData(element);
+        }
+        return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::next;
+    };
+    return walkElements(pdu, firstLevel, handle);
 }
 
 bool walkGooseIdentity(Octets pdu, WalkLevel firstLevel, Goose& goose, Filter const& filter) {
-    return walkElements(
-        pdu, firstLevel, [&](BerElement const& element, std::size_t, WalkLevel const& level) {
-            if (!ber::isContextPrimitive(element.tag)) {
-                return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
-            }
-            bool const isField =
-                level.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
-            return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::next;
-        });
+    auto const handle = [&](BerElement const& element, std::size_t, WalkLevel const& level) {
+        if (!ber::isContextPrimitive(element.tag)) {
+            return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::next;
+        }
+        bool const isField = level.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
+        return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::next;
+    };
+    return walkElements(pdu, firstLevel, handle);
 }
 
 bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose, Filter const& filter) {

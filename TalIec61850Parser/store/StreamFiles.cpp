@@ -1,5 +1,6 @@
 #include <TalIec61850Parser/store/StreamFiles.hpp>
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace TalIec61850Parser::detail {

@@ -9,12 +9,6 @@ namespace TalIec61850Parser::detail {
 
 namespace {
 
-bool isStructure(std::uint8_t tag) {
-    return tag == ber::kSequence || tag == kSavPdu || ber::isContextConstructed(tag);
-}
-
-WalkStep nextIf(bool passed) { return passed ? WalkStep::next : WalkStep::reject; }
-
 /// The identity among the fields of an ASDU: stored, then matched.
 WalkStep takeIdentity(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
     switch (ber::tagNumber(field.tag)) {
@@ -55,35 +49,33 @@ WalkStep takePduField(BerElement const& field, Sv& sv) {
 
 bool walkSavPdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
                 PcapPacketHeader const& header, Sv& sv, Package& package, Filter const& filter) {
-    return walkElements(pdu, firstLevel,
-                        [&](BerElement const& element, std::size_t position, WalkLevel& level) {
-                            if (element.tag == kSequenceOfAsdu) {
-                                package.time = {header.tsSec, header.tsUsec};
-                                package.position = filePosition + position;
-                                return WalkStep::descend;
-                            }
-                            if (ber::isContextPrimitive(element.tag)) {
-                                return level.inAsdu ? takeAsduField(element, sv, filter.svFilters)
-                                                    : takePduField(element, sv);
-                            }
-                            // Deliberate: from the first ASDU on, whatever follows on its level
-                            // counts as in one.
-                            level.inAsdu = level.inAsdu || element.tag == ber::kSequence;
-                            return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
-                        });
+    auto const handle = [&](BerElement const& element, std::size_t position, WalkLevel& level) {
+        if (element.tag == kSequenceOfAsdu) {
+            package.time = {header.tsSec, header.tsUsec};
+            package.position = filePosition + position;
+            return WalkStep::descend;
+        }
+        if (ber::isContextPrimitive(element.tag)) {
+            return level.inAsdu ? takeAsduField(element, sv, filter.svFilters)
+                                : takePduField(element, sv);
+        }
+        // Deliberate: from the first ASDU on, whatever follows on its level counts as in one.
+        level.inAsdu = level.inAsdu || element.tag == ber::kSequence;
+        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::next;
+    };
+    return walkElements(pdu, firstLevel, handle);
 }
 
 bool walkSvIdentity(Octets pdu, WalkLevel firstLevel, Sv& sv, Filter const& filter) {
-    return walkElements(
-        pdu, firstLevel, [&](BerElement const& element, std::size_t, WalkLevel& level) {
-            if (ber::isContextPrimitive(element.tag)) {
-                return level.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::next;
-            }
-            // Deliberate: unlike above, an empty ASDU opens nothing.
-            level.inAsdu =
-                level.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
-            return isStructure(element.tag) ? WalkStep::descend : WalkStep::next;
-        });
+    auto const handle = [&](BerElement const& element, std::size_t, WalkLevel& level) {
+        if (ber::isContextPrimitive(element.tag)) {
+            return level.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::next;
+        }
+        // Deliberate: unlike above, an empty ASDU opens nothing.
+        level.inAsdu = level.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
+        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::next;
+    };
+    return walkElements(pdu, firstLevel, handle);
 }
 
 bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter) {

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <TalIec61850Parser/goose/GooseParser.hpp>
@@ -8,26 +7,18 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <stdexcept>
 #include <string>
 
 #include "capture/Indexing.hpp"
+#include "capture/SmallStack.hpp"
 #include "support/Ber.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
+#include "support/Sanitized.hpp"
 
 // How deep a frame nests is up to whoever sent it; neither stack nor time may depend on it beyond
 // the frame's size.
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TAL_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TAL_TEST_SANITIZED 1
-#endif
-#endif
 
 namespace {
 
@@ -63,22 +54,6 @@ Bytes svNested(Bytes const& pdu) {
 
 Indexed indexFrame(Bytes const& frame) {
     return indexCapture(CaptureBuilder().add(1, 0, frame).bytes());
-}
-
-/// Runs `action` on a thread with a stack of 64 KiB.
-void onSmallStack(std::function<void()> action) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 64 * 1024);
-    pthread_t thread;
-    auto const run = [](void* argument) -> void* {
-        (*static_cast<std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    int const error = pthread_create(&thread, &attributes, run, &action);
-    pthread_attr_destroy(&attributes);
-    if (error != 0) throw std::runtime_error("pthread_create");
-    pthread_join(thread, nullptr);
 }
 
 TEST(DeepNesting, OfAGooseFrameIsWalkedToItsEnd) {
@@ -134,9 +109,7 @@ TEST(DeepNesting, ThatEndsBrokenIsPassedOver) {
 }
 
 TEST(DeepNesting, NeedsNoStack) {
-#ifdef TAL_TEST_SANITIZED
-    GTEST_SKIP() << "a sanitizer needs the stack itself";
-#endif
+    if (isSanitized) GTEST_SKIP() << "a sanitizer needs the stack itself";
     for (std::uint8_t const tag : Bytes{0x30, 0xA2}) {
         Bytes const frame = gooseNested(nested(tag, kMillion, ber(0x61, {})));
         Bytes const sampled = svNested(nested(tag, kMillion, ber(0xA2, {})));
@@ -144,7 +117,7 @@ TEST(DeepNesting, NeedsNoStack) {
         bool svAccepted = false;
         Package goosePackage;
         Package svPackage;
-        onSmallStack([&] {
+        runOnSmallStack([&] {
             Goose goose;
             gooseAccepted = GooseParser::parsePacket(frame, 14, {}, 0, goose, goosePackage, {});
             Sv sv;
@@ -158,15 +131,13 @@ TEST(DeepNesting, NeedsNoStack) {
 }
 
 TEST(DeepNesting, NeedsNoStackToIndexAFile) {
-#ifdef TAL_TEST_SANITIZED
-    GTEST_SKIP() << "a sanitizer needs the stack itself";
-#endif
+    if (isSanitized) GTEST_SKIP() << "a sanitizer needs the stack itself";
     TempFile const file(CaptureBuilder()
                             .add(1, 0, gooseNested(nested(0x30, kMillion)))
                             .add(2, 0, svNested(nested(0xA2, kMillion)))
                             .bytes());
     Db db;
-    onSmallStack([&] {
+    runOnSmallStack([&] {
         std::atomic<bool> const stop = false;
         PcapParser::parseFile(file.path(), db, {}, stop, {});
     });

@@ -19,16 +19,9 @@
 #include "support/CaptureFile.hpp"
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
+#include "support/Sanitized.hpp"
 
 // Captures that are cut short or claim what they do not hold, and paths that are no captures.
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TAL_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TAL_TEST_SANITIZED 1
-#endif
-#endif
 
 namespace {
 
@@ -227,9 +220,7 @@ bool succeedsWithin(std::size_t allowance, std::function<bool()> const& action) 
 }
 
 TEST(PcapParserClaim, OfGigabytesTakesNoMemory) {
-#ifdef TAL_TEST_SANITIZED
-    GTEST_SKIP() << "a sanitizer needs the address space itself";
-#endif
+    if (isSanitized) GTEST_SKIP() << "a sanitizer needs the address space itself";
     for (std::uint32_t const claim : {0xFFFFFFFFU, 0x80000000U, 0x7FFFFFFFU, 65 * kMebibyte}) {
         for (CaptureVariant const variant : captureVariants) {
             Bytes capture =

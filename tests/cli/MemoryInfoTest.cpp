@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <fstream>
 #include <limits>
-#include <locale>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -17,12 +16,15 @@
 #include <typeinfo>
 
 #include "ServedStatusFile.hpp"
+#include "support/DecimalComma.hpp"
 
 namespace {
 
 using cross::MemoryInfo;
 using tal::test::ServedStatusFile;
 using tal::test::ServedStatusPath;
+using TalTest::GlobalDecimalComma;
+using TalTest::LocaleRestorer;
 
 static_assert(std::is_same_v<decltype(MemoryInfo::getCurrentProcessMemoryUsage()), std::uint64_t>);
 static_assert(std::is_same_v<decltype(MemoryInfo::bytesToString(0)), std::string>);
@@ -252,28 +254,6 @@ RC_GTEST_PROP(MemoryInfoBytesToString, FollowsTheDefinition, (std::uint64_t scal
     RC_ASSERT(MemoryInfo::bytesToString(bytes) == text.data());
 }
 
-/// Puts the locales of the C and of the C++ library back.
-class LocaleRestorer {
-public:
-    LocaleRestorer() = default;
-    LocaleRestorer(LocaleRestorer const&) = delete;
-    LocaleRestorer& operator=(LocaleRestorer const&) = delete;
-    ~LocaleRestorer() {
-        std::locale::global(cxx_);
-        std::setlocale(LC_ALL, c_.c_str());
-    }
-
-private:
-    std::string c_ = std::setlocale(LC_ALL, nullptr);
-    std::locale cxx_;
-};
-
-class DecimalComma : public std::numpunct<char> {
-    [[nodiscard]] char do_decimal_point() const override { return ','; }
-    [[nodiscard]] char do_thousands_sep() const override { return '.'; }
-    [[nodiscard]] std::string do_grouping() const override { return "\3"; }
-};
-
 void expectTheUsualTexts() {
     EXPECT_EQ(MemoryInfo::bytesToString(1536), "1.50 KB");
     EXPECT_EQ(MemoryInfo::bytesToString(5300000), "5.05 MB");
@@ -282,8 +262,7 @@ void expectTheUsualTexts() {
 }
 
 TEST(MemoryInfoBytesToString, DoesNotDependOnTheGlobalLocale) {
-    LocaleRestorer const restorer;
-    std::locale::global(std::locale(std::locale::classic(), new DecimalComma));
+    GlobalDecimalComma const comma;
     expectTheUsualTexts();
 }
 

@@ -13,15 +13,18 @@
 #include <cstdlib>
 #include <ctime>
 #include <limits>
-#include <locale>
 #include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "support/DecimalComma.hpp"
+
 namespace {
 
 using TalIec61850Parser::Asn1Parser;
+using TalTest::GlobalDecimalComma;
+using TalTest::LocaleRestorer;
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes textBytes(std::string const& text) { return {text.begin(), text.end()}; }
@@ -338,28 +341,6 @@ private:
     std::optional<std::string> previous_;
 };
 
-/// Puts the locales of the C and of the C++ library back.
-class LocaleRestorer {
-public:
-    LocaleRestorer() = default;
-    LocaleRestorer(LocaleRestorer const&) = delete;
-    LocaleRestorer& operator=(LocaleRestorer const&) = delete;
-    ~LocaleRestorer() {
-        std::locale::global(cxx_);
-        std::setlocale(LC_ALL, c_.c_str());
-    }
-
-private:
-    std::string c_ = std::setlocale(LC_ALL, nullptr);
-    std::locale cxx_;
-};
-
-class GroupingNumbers : public std::numpunct<char> {
-    [[nodiscard]] char do_decimal_point() const override { return ','; }
-    [[nodiscard]] char do_thousands_sep() const override { return '.'; }
-    [[nodiscard]] std::string do_grouping() const override { return "\3"; }
-};
-
 TEST(Asn1ParserRendering, DoesNotDependOnTheTimeZone) {
     for (char const* const zone : {"UTC0", "XYZ-14", "XYZ11:30", "EST5EDT,M3.2.0,M11.1.0", ""}) {
         TimeZone const guard(zone);
@@ -369,8 +350,7 @@ TEST(Asn1ParserRendering, DoesNotDependOnTheTimeZone) {
 }
 
 TEST(Asn1ParserRendering, DoesNotDependOnTheGlobalLocale) {
-    LocaleRestorer const restorer;
-    std::locale::global(std::locale(std::locale::classic(), new GroupingNumbers));
+    GlobalDecimalComma const comma;
     expectTheUsualTexts();
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
 
@@ -14,13 +15,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr Package kUntouched = {{77, 78}, 79};
-
-struct Parsed {
-    bool accepted = false;
-    Goose goose = {};
-    Package package = kUntouched;
-};
+using Parsed = WalkedGoose;
 
 Parsed parse(Bytes const& data, Filter const& filter) {
     Parsed result;
@@ -28,9 +23,6 @@ Parsed parse(Bytes const& data, Filter const& filter) {
         GooseParser::parsePacket(data, 0, {}, 0, result.goose, result.package, filter);
     return result;
 }
-
-/// A frame, from its GOOSE header on, whose goosePdu has this content.
-Bytes withFields(Bytes const& fields) { return apdu({}, ber(0x61, fields)); }
 
 TEST(GooseParserFilter, AppId) {
     Bytes const data = gooseApdu({});
@@ -61,7 +53,7 @@ TEST(GooseParserFilter, HeaderFlag) {
 
 TEST(GooseParserFilter, TextsAreMatchedOctetForOctet) {
     Bytes const data =
-        withFields(concat({ber(0x80, "Name"), ber(0x82, "Name"), ber(0x83, "Name")}));
+        gooseWithFields(concat({ber(0x80, "Name"), ber(0x82, "Name"), ber(0x83, "Name")}));
     for (auto const member :
          {&GooseIdentifer::gocbRef, &GooseIdentifer::datSet, &GooseIdentifer::goID}) {
         EXPECT_TRUE(parse(data, gooseFilter({wanted(member, "Name")})).accepted);
@@ -78,7 +70,7 @@ TEST(GooseParserFilter, TextsAreMatchedOctetForOctet) {
 
 TEST(GooseParserFilter, UnprintableTextIsMatchedInHexadecimal) {
     for (std::uint8_t const tag : Bytes{0x80, 0x82, 0x83}) {
-        Bytes const data = withFields(ber(tag, {0x41, 0x00, 0x42}));
+        Bytes const data = gooseWithFields(ber(tag, {0x41, 0x00, 0x42}));
         auto const member = tag == 0x80   ? &GooseIdentifer::gocbRef
                             : tag == 0x82 ? &GooseIdentifer::datSet
                                           : &GooseIdentifer::goID;
@@ -89,15 +81,16 @@ TEST(GooseParserFilter, UnprintableTextIsMatchedInHexadecimal) {
 
 TEST(GooseParserFilter, EmptyGocbRefIsMatchedEmptyDatSetAndGoIdAreNot) {
     Filter const gocbRef = gooseFilter({wanted(&GooseIdentifer::gocbRef, "c")});
-    EXPECT_FALSE(parse(withFields(ber(0x80, "")), gocbRef).accepted);
+    EXPECT_FALSE(parse(gooseWithFields(ber(0x80, "")), gocbRef).accepted);
     EXPECT_TRUE(
-        parse(withFields(ber(0x80, "")), gooseFilter({wanted(&GooseIdentifer::gocbRef, "")}))
+        parse(gooseWithFields(ber(0x80, "")), gooseFilter({wanted(&GooseIdentifer::gocbRef, "")}))
             .accepted);
     EXPECT_TRUE(
-        parse(withFields(ber(0x82, "")), gooseFilter({wanted(&GooseIdentifer::datSet, "d")}))
+        parse(gooseWithFields(ber(0x82, "")), gooseFilter({wanted(&GooseIdentifer::datSet, "d")}))
             .accepted);
-    EXPECT_TRUE(parse(withFields(ber(0x83, "")), gooseFilter({wanted(&GooseIdentifer::goID, "g")}))
-                    .accepted);
+    EXPECT_TRUE(
+        parse(gooseWithFields(ber(0x83, "")), gooseFilter({wanted(&GooseIdentifer::goID, "g")}))
+            .accepted);
 }
 
 TEST(GooseParserFilter, FieldThatTheFrameLacksIsNoCriterion) {
@@ -105,12 +98,12 @@ TEST(GooseParserFilter, FieldThatTheFrameLacksIsNoCriterion) {
     entry.gocbRef = entry.datSet = entry.goID = "x";
     entry.simulation = false;
     entry.confRev = 99;
-    EXPECT_TRUE(parse(withFields(ber(0x81, {0x01})), gooseFilter({entry})).accepted);
+    EXPECT_TRUE(parse(gooseWithFields(ber(0x81, {0x01})), gooseFilter({entry})).accepted);
 }
 
 TEST(GooseParserFilter, SimulationElementMatchesTrueOnly) {
     for (std::uint8_t const value : Bytes{0x00, 0xFF}) {
-        Bytes const data = withFields(ber(0x87, {value}));
+        Bytes const data = gooseWithFields(ber(0x87, {value}));
         EXPECT_TRUE(parse(data, gooseFilter({wanted(&GooseIdentifer::simulation, true)})).accepted);
         EXPECT_FALSE(
             parse(data, gooseFilter({wanted(&GooseIdentifer::simulation, false)})).accepted);
@@ -118,7 +111,7 @@ TEST(GooseParserFilter, SimulationElementMatchesTrueOnly) {
 }
 
 TEST(GooseParserFilter, ConfRev) {
-    Bytes const data = withFields(ber(0x88, {0xFF, 0xFF, 0xFF, 0xFF}));
+    Bytes const data = gooseWithFields(ber(0x88, {0xFF, 0xFF, 0xFF, 0xFF}));
     auto const accepts = [&data](std::uint64_t confRev) {
         return parse(data, gooseFilter({wanted(&GooseIdentifer::confRev, confRev)})).accepted;
     };
@@ -131,9 +124,9 @@ TEST(GooseParserFilter, ConfRev) {
 
 TEST(GooseParserFilter, EveryOneOfSeveralMustPass) {
     Filter const filter = gooseFilter({wanted(&GooseIdentifer::goID, "A")});
-    EXPECT_TRUE(parse(withFields(concat({ber(0x83, "A"), ber(0x83, "A")})), filter).accepted);
-    EXPECT_FALSE(parse(withFields(concat({ber(0x83, "A"), ber(0x83, "B")})), filter).accepted);
-    EXPECT_FALSE(parse(withFields(concat({ber(0x83, "B"), ber(0x83, "A")})), filter).accepted);
+    EXPECT_TRUE(parse(gooseWithFields(concat({ber(0x83, "A"), ber(0x83, "A")})), filter).accepted);
+    EXPECT_FALSE(parse(gooseWithFields(concat({ber(0x83, "A"), ber(0x83, "B")})), filter).accepted);
+    EXPECT_FALSE(parse(gooseWithFields(concat({ber(0x83, "B"), ber(0x83, "A")})), filter).accepted);
 }
 
 TEST(GooseParserFilter, EachCriterionIsMatchedOverTheWholeList) {
@@ -155,7 +148,7 @@ TEST(GooseParserFilter, EachCriterionIsMatchedOverTheWholeList) {
 }
 
 TEST(GooseParserFilter, RejectedFrameIsFilledUpToTheCriterionThatFailed) {
-    Bytes const data = withFields(concat(
+    Bytes const data = gooseWithFields(concat(
         {ber(0x80, "c"), ber(0x82, "d"), ber(0x83, "g"), ber(0x87, {0x00}), ber(0x88, {0x07})}));
     Parsed result = parse(data, gooseFilter({wanted(&GooseIdentifer::gocbRef, "x")}));
     EXPECT_FALSE(result.accepted);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
 
@@ -15,13 +16,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr Package kUntouched = {{77, 78}, 79};
-
-struct Parsed {
-    bool accepted = false;
-    Goose goose = {};
-    Package package = kUntouched;
-};
+using Parsed = WalkedGoose;
 
 Parsed parse(Bytes const& data, std::size_t offset = 0, std::uint64_t position = 0) {
     Parsed result;
@@ -29,9 +24,6 @@ Parsed parse(Bytes const& data, std::size_t offset = 0, std::uint64_t position =
                                                position, result.goose, result.package, {});
     return result;
 }
-
-/// A frame, from its GOOSE header on, whose goosePdu has this content.
-Bytes withFields(Bytes const& fields) { return apdu({}, ber(0x61, fields)); }
 
 TEST(GooseParserParsePacket, FillsTheIdentity) {
     GooseMessage message;
@@ -149,15 +141,15 @@ TEST(GooseParserParsePacket, OctetsBehindThePduAreReadAsElements) {
 }
 
 TEST(GooseParserFields, TextsAreStoredAsTheyStand) {
-    Parsed const result = parse(
-        withFields(concat({ber(0x80, "IED1/LLN0$GO$ c~"), ber(0x82, "d"), ber(0x83, "\"g,'")})));
+    Parsed const result = parse(gooseWithFields(
+        concat({ber(0x80, "IED1/LLN0$GO$ c~"), ber(0x82, "d"), ber(0x83, "\"g,'")})));
     EXPECT_EQ(result.goose.gocbRef, "IED1/LLN0$GO$ c~");
     EXPECT_EQ(result.goose.datSet, "d");
     EXPECT_EQ(result.goose.goID, "\"g,'");
 }
 
 TEST(GooseParserFields, UnprintableTextsAreStoredInHexadecimal) {
-    Parsed const result = parse(withFields(
+    Parsed const result = parse(gooseWithFields(
         concat({ber(0x80, {0x41, 0x00, 0x42}), ber(0x82, {0x7F}), ber(0x83, {0xC3, 0xA4, 0x0A})})));
     EXPECT_EQ(result.goose.gocbRef, "[41 00 42]");
     EXPECT_EQ(result.goose.datSet, "[7F]");
@@ -165,22 +157,23 @@ TEST(GooseParserFields, UnprintableTextsAreStoredInHexadecimal) {
 }
 
 TEST(GooseParserFields, EmptyGocbRefCountsEmptyDatSetAndGoIdDoNot) {
-    Parsed const result = parse(withFields(concat({ber(0x80, ""), ber(0x82, ""), ber(0x83, "")})));
+    Parsed const result =
+        parse(gooseWithFields(concat({ber(0x80, ""), ber(0x82, ""), ber(0x83, "")})));
     EXPECT_EQ(result.goose.gocbRef, "");
     EXPECT_FALSE(result.goose.datSet.has_value());
     EXPECT_FALSE(result.goose.goID.has_value());
 }
 
 TEST(GooseParserFields, LastOfSeveralStays) {
-    Parsed const result = parse(withFields(
+    Parsed const result = parse(gooseWithFields(
         concat({ber(0x80, "first"), ber(0x80, "last"), ber(0x83, "kept"), ber(0x83, "")})));
     EXPECT_EQ(result.goose.gocbRef, "last");
     EXPECT_EQ(result.goose.goID, "kept");
 }
 
 TEST(GooseParserFields, OrderDoesNotMatter) {
-    Parsed const result = parse(
-        withFields(concat({ber(0x88, {0x02}), ber(0x83, "g"), ber(0x82, "d"), ber(0x80, "c")})));
+    Parsed const result = parse(gooseWithFields(
+        concat({ber(0x88, {0x02}), ber(0x83, "g"), ber(0x82, "d"), ber(0x80, "c")})));
     EXPECT_EQ(result.goose.gocbRef, "c");
     EXPECT_EQ(result.goose.datSet, "d");
     EXPECT_EQ(result.goose.goID, "g");
@@ -189,14 +182,14 @@ TEST(GooseParserFields, OrderDoesNotMatter) {
 
 TEST(GooseParserFields, SimulationIsTrueWhateverItSays) {
     for (Bytes const& value : {Bytes{0x00}, Bytes{0x01}, Bytes{0xFF}, Bytes{}, Bytes{0, 0}}) {
-        EXPECT_EQ(parse(withFields(ber(0x87, value))).goose.simulation, true);
+        EXPECT_EQ(parse(gooseWithFields(ber(0x87, value))).goose.simulation, true);
     }
-    EXPECT_FALSE(parse(withFields(ber(0x80, "c"))).goose.simulation.has_value());
+    EXPECT_FALSE(parse(gooseWithFields(ber(0x80, "c"))).goose.simulation.has_value());
 }
 
 TEST(GooseParserFields, ConfRevIsReadFromUpToFourOctets) {
     auto const confRev = [](Bytes const& value) {
-        return parse(withFields(ber(0x88, value))).goose.confRev;
+        return parse(gooseWithFields(ber(0x88, value))).goose.confRev;
     };
     EXPECT_EQ(confRev({}), 0U);
     EXPECT_EQ(confRev({0x80}), 0x80U);
@@ -204,13 +197,13 @@ TEST(GooseParserFields, ConfRevIsReadFromUpToFourOctets) {
     EXPECT_EQ(confRev({0x01, 0x02, 0x03}), 0x010203U);
     EXPECT_EQ(confRev({0xFF, 0xFF, 0xFF, 0xFF}), 0xFFFFFFFFU);
     EXPECT_EQ(confRev({0x00, 0xFF, 0xFF, 0xFF, 0xFE}), 0x00FFFFFFU);
-    EXPECT_FALSE(parse(withFields({0x04, 0x00})).goose.confRev.has_value());
+    EXPECT_FALSE(parse(gooseWithFields({0x04, 0x00})).goose.confRev.has_value());
 }
 
 TEST(GooseParserFields, OtherFieldsChangeNothing) {
     for (int tag = 0x80; tag < 0xA0; ++tag) {
         if (tag == 0x80 || tag == 0x82 || tag == 0x83 || tag == 0x87 || tag == 0x88) continue;
-        Parsed const result = parse(withFields(
+        Parsed const result = parse(gooseWithFields(
             concat({ber(0x80, "c"), ber(static_cast<std::uint8_t>(tag), {0x83, 0x01, 0x41})})));
         EXPECT_TRUE(result.accepted);
         EXPECT_EQ(result.goose.gocbRef, "c") << tag;
@@ -227,7 +220,7 @@ TEST(GooseParserFields, MalformedFieldEndsThePduQuietly) {
          {Bytes{0x82}, Bytes{0x82, 0x85, 0, 0, 0, 0, 0}, Bytes{0x82, 0x84, 0, 0, 0},
           Bytes{0x82, 0x20}, Bytes{0x82, 0xFF}, Bytes{0x82, 0x84, 0xFF, 0xFF, 0xFF, 0xFF}}) {
         Parsed const result =
-            parse(withFields(concat({ber(0x80, "c"), malformed, ber(0x83, "g")})));
+            parse(gooseWithFields(concat({ber(0x80, "c"), malformed, ber(0x83, "g")})));
         EXPECT_TRUE(result.accepted);
         EXPECT_EQ(result.goose.gocbRef, "c");
         EXPECT_FALSE(result.goose.datSet.has_value());
@@ -251,7 +244,7 @@ TEST(GooseParserFields, ThoseBeforeTheCutAreKept) {
     };
     ASSERT_EQ(fields.size(), 21U);
     for (std::size_t size = 0; size <= fields.size(); ++size) {
-        Parsed const result = parse(withFields(prefix(fields, size)));
+        Parsed const result = parse(gooseWithFields(prefix(fields, size)));
         EXPECT_TRUE(result.accepted);
         EXPECT_EQ(result.package.position, 8U);
         for (Field const& field : ends) EXPECT_EQ(field.isSet(result.goose), size >= field.end);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
 
@@ -16,15 +17,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr int kMaxDepth = std::numeric_limits<int>::max();
-constexpr Package kUntouched = {{77, 78}, 79};
-constexpr PcapPacketHeader kHeader = {.tsSec = 5, .tsUsec = 999};
-
-struct Walked {
-    bool accepted = false;
-    Goose goose = {};
-    Package package = kUntouched;
-};
+using Walked = WalkedGoose;
 
 Walked walk(Bytes const& buffer, int depth, std::size_t filePosition = 1000,
             Filter const& filter = {}, std::size_t start = 0) {
@@ -36,12 +29,6 @@ Walked walk(Bytes const& buffer, int depth, std::size_t filePosition = 1000,
 
 /// Shows in the package where it was found, wherever that is.
 Bytes probe() { return ber(0x61, {}); }
-
-Bytes times(std::size_t count, Bytes const& element) {
-    Bytes all;
-    for (std::size_t i = 0; i < count; ++i) append(all, element);
-    return all;
-}
 
 TEST(GooseParserWalk, EmptyBufferIsAccepted) {
     for (int const depth : {-1, 0, 1, 2, 3, 10, kMaxDepth}) {

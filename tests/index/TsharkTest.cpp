@@ -1,29 +1,24 @@
 // The index of every recorded capture, frame by frame, against what tshark dissects.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <TalIec61850Parser/store/Db.hpp>
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "index/Indexing.hpp"
 #include "index/RecordedCaptures.hpp"
+#include "index/Tshark.hpp"
 #include "support/CaptureFile.hpp"
-#include "support/Process.hpp"
 
 namespace TalTest {
 namespace {
 
 using namespace TalIec61850Parser;
-
-using TsharkFields = std::map<std::string, std::string>;
 
 std::vector<std::string> const fieldNames = {
     "frame.number", "frame.time_epoch", "eth.src",      "eth.dst",    "vlan.id",       "hsr.path",
@@ -48,48 +43,6 @@ Difference differenceIn(std::string const& capture) {
     };
     auto const found = differences.find(capture);
     return found == differences.end() ? Difference() : found->second;
-}
-
-std::optional<std::string> tsharkProgram() {
-    char const* const path = std::getenv("PATH");
-    std::istringstream folders(path == nullptr ? "" : path);
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        std::string program = folder + "/tshark";
-        if (::access(program.c_str(), X_OK) == 0) return program;
-    }
-    return std::nullopt;
-}
-
-TsharkFields fieldsOf(std::string const& line) {
-    TsharkFields fields;
-    std::size_t start = 0;
-    for (std::string const& name : fieldNames) {
-        std::size_t const end = std::min(line.find('\t', start), line.size());
-        fields[name] = line.substr(start, end - start);
-        start = std::min(end + 1, line.size());
-    }
-    return fields;
-}
-
-/// GOOSE and SV frames as tshark sees them; of a field that occurs several times, the last.
-std::vector<TsharkFields> dissect(std::string const& program, std::string const& path) {
-    std::vector<std::string> command = {program,     "-n", "-r",     path, "-Y",
-                                        "goose||sv", "-T", "fields", "-E", "occurrence=l"};
-    for (std::string const& name : fieldNames) {
-        command.emplace_back("-e");
-        command.push_back(name);
-    }
-    ProcessResult const result = run(command, {{"LC_ALL", "C"}});
-    std::vector<TsharkFields> frames;
-    std::istringstream lines(result.out);
-    for (std::string line; std::getline(lines, line);) frames.push_back(fieldsOf(line));
-    return frames;
-}
-
-/// A number as tshark writes it, decimal or with 0x before it; nothing for an empty field.
-std::optional<std::uint64_t> number(std::string const& field) {
-    if (field.empty()) return std::nullopt;
-    return std::stoull(field, nullptr, 0);
 }
 
 std::optional<std::string> name(std::string const& field) {
@@ -138,7 +91,7 @@ protected:
         if (IsSkipped()) return;
         indexInto(db_, path());
         packets_ = packetsByPosition(db_);
-        frames_ = dissect(*program, path());
+        frames_ = dissect(*program, path(), fieldNames);
     }
 
     /// The indexed packet that lies in this record.

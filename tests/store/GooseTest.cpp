@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -15,8 +14,11 @@
 #include <utility>
 #include <vector>
 
+#include "store/IdentityRules.hpp"
+
 namespace {
 
+using namespace TalTest;
 using TalIec61850::GooseIdentifer;
 using TalIec61850Parser::Goose;
 using TalIec61850Parser::GooseProto;
@@ -26,7 +28,6 @@ using TalIec61850Parser::VlanInfo;
 using Streams = decltype(GooseProto::streams);
 using Hash = Streams::hasher;
 using Equal = Streams::key_equal;
-using Text = std::optional<std::string>;
 
 static_assert(std::is_same_v<decltype(GooseIdentifer::srcMac), Text>);
 static_assert(std::is_same_v<decltype(GooseIdentifer::dstMac), Text>);
@@ -72,16 +73,7 @@ Goose publisher() {
     return goose;
 }
 
-struct Member {
-    char const* name;
-    std::function<void(Goose&)> change;
-    std::function<void(Goose&)> unset;
-    std::function<void(Goose&)> zero;
-    bool inHash;
-    bool inEquality;
-};
-
-std::vector<Member> members() {
+std::vector<IdentityMember<Goose>> members() {
     return {
         {"srcMac", [](Goose& g) { g.srcMac = "00:1a:2b:3c:4d:5f"; },
          [](Goose& g) { g.srcMac.reset(); }, [](Goose& g) { g.srcMac = ""; }, true, true},
@@ -135,13 +127,10 @@ Goose changed(std::function<void(Goose&)> const& change) {
     return goose;
 }
 
-std::size_t termOf(Text const& text) { return text ? std::hash<std::string>{}(*text) : 0; }
-
 std::size_t hashOf(Goose const& g) {
-    VlanInfo const vlan = g.vlan.value_or(VlanInfo{});
-    return termOf(g.srcMac) ^ termOf(g.dstMac) ^ vlan.priority.value_or(0) ^ vlan.dei.value_or(0) ^
-           vlan.vlanId.value_or(0) ^ g.appId.value_or(0) ^ termOf(g.gocbRef) ^ termOf(g.datSet) ^
-           termOf(g.goID) ^ std::size_t{g.simulation.value_or(false)} ^ g.confRev.value_or(0);
+    return termOf(g.srcMac) ^ termOf(g.dstMac) ^ termOf(g.vlan) ^ g.appId.value_or(0) ^
+           termOf(g.gocbRef) ^ termOf(g.datSet) ^ termOf(g.goID) ^
+           std::size_t{g.simulation.value_or(false)} ^ g.confRev.value_or(0);
 }
 
 auto comparedPart(Goose const& g) {
@@ -150,12 +139,8 @@ auto comparedPart(Goose const& g) {
                       g.goID.value_or(""), g.simulation.value_or(false), g.confRev.value_or(0));
 }
 
-std::size_t streamsOf(std::vector<Goose> const& records) {
-    GooseProto proto;
-    for (Goose const& record : records) {
-        proto.addGoose(Goose(record));
-    }
-    return proto.getGooseCount();
+IdentityRules<Goose, decltype(comparedPart(Goose()))> rules() {
+    return {publisher(), members(), hashOf, comparedPart};
 }
 
 TEST(Goose, HasNothingSetByDefault) {
@@ -167,45 +152,24 @@ TEST(Goose, HasNothingSetByDefault) {
     EXPECT_TRUE(goose.files.empty());
 }
 
-TEST(GooseIdentity, TakesInEachMemberAsLaidDown) {
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        Goose const other = changed(member.change);
-        EXPECT_EQ(Hash{}(publisher()) != Hash{}(other), member.inHash);
-        EXPECT_EQ(!Equal{}(publisher(), other), member.inEquality);
-        EXPECT_EQ(!Equal{}(other, publisher()), member.inEquality);
-        EXPECT_EQ(streamsOf({publisher(), other}), member.inHash || member.inEquality ? 2U : 1U);
-    }
-}
+TEST(GooseIdentity, TakesInEachMemberAsLaidDown) { rules().expectEachMemberWhereItCounts(); }
 
 TEST(GooseIdentity, TakesAMemberThatIsNotSetForZeroOrEmptyInEquality) {
-    for (Member const& member : members()) {
+    rules().expectUnsetToEqualZero();
+    for (auto const& member : members()) {
         SCOPED_TRACE(member.name);
-        EXPECT_TRUE(Equal{}(changed(member.unset), changed(member.zero)));
-        EXPECT_TRUE(Equal{}(changed(member.zero), changed(member.unset)));
         EXPECT_EQ(Equal{}(publisher(), changed(member.unset)), !member.inEquality);
     }
 }
 
 TEST(GooseIdentity, KeepsAbsentAndEmptyTextsApartByHash) {
     EXPECT_NE(std::hash<std::string>{}(""), 0U);
-    std::set<std::string> const texts{"srcMac", "dstMac", "gocbRef", "datSet", "goID"};
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        EXPECT_EQ(streamsOf({changed(member.unset), changed(member.zero)}),
-                  texts.contains(member.name) ? 2U : 1U);
-    }
+    rules().expectUnsetAndZeroApart({"srcMac", "dstMac", "gocbRef", "datSet", "goID"});
 }
 
 TEST(GooseHash, IsTheExclusiveOrOfItsTerms) {
     EXPECT_EQ(Hash{}(Goose()), 0U);
-    EXPECT_EQ(Hash{}(publisher()), hashOf(publisher()));
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        for (auto const& change : {member.change, member.unset, member.zero}) {
-            EXPECT_EQ(Hash{}(changed(change)), hashOf(changed(change)));
-        }
-    }
+    rules().expectHashOfEveryChange();
 }
 
 TEST(GooseHash, OfNumbersIsTheirExclusiveOr) {
@@ -234,47 +198,29 @@ TEST(GooseIdentity, IsLostOnVlansWhoseTermsAreEqual) {
     Goose b = publisher();
     a.vlan = VlanInfo{.priority = {}, .dei = {}, .vlanId = 5};
     b.vlan = VlanInfo{.priority = 5, .dei = {}, .vlanId = {}};
-    EXPECT_EQ(streamsOf({a, b}), 1U);
+    EXPECT_EQ(streamsOf<Goose>({a, b}), 1U);
     b.vlan = VlanInfo{.priority = 1, .dei = 0, .vlanId = 4};
-    EXPECT_EQ(streamsOf({a, b}), 1U);
+    EXPECT_EQ(streamsOf<Goose>({a, b}), 1U);
     a.vlan = VlanInfo{.priority = 3, .dei = {}, .vlanId = 3};
     b.vlan.reset();
-    EXPECT_EQ(streamsOf({a, b}), 1U);
+    EXPECT_EQ(streamsOf<Goose>({a, b}), 1U);
 }
 
 TEST(GooseIdentity, TellsRecordsOfOneHashApartByEquality) {
-    Goose swapped = publisher();
-    std::swap(swapped.gocbRef, swapped.datSet);
-    EXPECT_EQ(Hash{}(publisher()), Hash{}(swapped));
-    EXPECT_EQ(streamsOf({publisher(), swapped}), 2U);
-
-    swapped = publisher();
-    std::swap(swapped.appId, swapped.confRev);
-    EXPECT_EQ(Hash{}(publisher()), Hash{}(swapped));
-    EXPECT_EQ(streamsOf({publisher(), swapped}), 2U);
-
-    swapped = publisher();
-    std::swap(swapped.srcMac, swapped.dstMac);
-    EXPECT_EQ(streamsOf({publisher(), swapped}), 2U);
+    rules().expectTwoStreamsOfOneHash<Text>(&Goose::gocbRef, &Goose::datSet);
+    rules().expectTwoStreamsOfOneHash<Text>(&Goose::srcMac, &Goose::dstMac);
+    rules().expectTwoStreamsOfOneHash<std::optional<std::uint64_t>>(&Goose::appId, &Goose::confRev);
 }
 
 TEST(GooseIdentity, ComparesTextsOctetForOctet) {
-    Goose a;
-    Goose b;
-    a.goID = std::string("ID\0a", 4);
-    b.goID = std::string("ID\0b", 4);
-    EXPECT_FALSE(Equal{}(a, b));
-    EXPECT_EQ(streamsOf({a, b}), 2U);
-    b.goID = "ID";
-    EXPECT_FALSE(Equal{}(a, b));
-    EXPECT_EQ(streamsOf({a, b}), 2U);
+    rules().expectTextToCountOctetForOctet(&Goose::goID);
 }
 
 TEST(GooseIdentity, IsTheSameOverBothLansOfARing) {
     Goose lanB = publisher();
     lanB.hsr->lanId = 'B';
     lanB.prp->lanId = 'B';
-    EXPECT_EQ(streamsOf({publisher(), lanB}), 1U);
+    EXPECT_EQ(streamsOf<Goose>({publisher(), lanB}), 1U);
 }
 
 TEST(GooseIdentity, Of4095VlansStays4095Streams) {
@@ -301,84 +247,34 @@ TEST(GooseIdentity, Of4095VlansStays4095Streams) {
     }
 }
 
-/// Few values for each member, so that streams meet.
 Goose anyGoose() {
-    auto const text = [] {
-        return *rc::gen::element<Text>(std::nullopt, std::string(), std::string("a"));
-    };
-    auto const number = [] { return *rc::gen::element(-1, 0, 1, 2); };
-    auto const set = [&number](auto& member) {
-        if (int const value = number(); value >= 0) {
-            member =
-                static_cast<typename std::remove_reference_t<decltype(member)>::value_type>(value);
-        }
-    };
     Goose g;
-    g.srcMac = text();
-    g.dstMac = text();
-    g.gocbRef = text();
-    g.datSet = text();
-    g.goID = text();
-    set(g.appId);
-    set(g.reserved1Bit0);
-    set(g.simulation);
-    set(g.confRev);
-    if (number() > 0) {
-        set(g.vlan.emplace().priority);
-        set(g.vlan->dei);
-        set(g.vlan->vlanId);
-    }
-    if (number() > 0) {
-        set(g.hsr.emplace().lanId);
-        set(g.prp.emplace().lanId);
+    for (auto* const text : {&g.srcMac, &g.dstMac, &g.gocbRef, &g.datSet, &g.goID})
+        *text = anyText();
+    setAny(g.appId);
+    setAny(g.reserved1Bit0);
+    setAny(g.simulation);
+    setAny(g.confRev);
+    g.vlan = anyVlan();
+    if (anyNumber() > 0) {
+        setAny(g.hsr.emplace().lanId);
+        setAny(g.prp.emplace().lanId);
     }
     return g;
 }
 
 RC_GTEST_PROP(GooseIdentity, EqualsAreEqualBothWays, ()) {
     Goose const a = anyGoose();
-    Goose const b = anyGoose();
-    RC_ASSERT(Equal{}(a, a));
-    RC_ASSERT(Equal{}(a, b) == Equal{}(b, a));
-    RC_ASSERT(Equal{}(a, b) == (comparedPart(a) == comparedPart(b)));
-    RC_ASSERT(Hash{}(a) == hashOf(a));
+    rules().checkEquality(a, anyGoose());
 }
 
 RC_GTEST_PROP(GooseIdentity, MakesOneStreamOfEqualHashAndEquality, ()) {
-    GooseProto proto;
-    std::set<std::pair<std::size_t, decltype(comparedPart(Goose()))>> model;
-    // Most of them repeat three records but for a few members.
-    std::vector<Goose> const seeds{anyGoose(), anyGoose(), anyGoose()};
-    int const count = *rc::gen::inRange(0, 40);
-    for (int i = 0; i < count; ++i) {
-        Goose goose = seeds[*rc::gen::inRange<std::size_t>(0, 3)];
-        Goose const other = anyGoose();
-        switch (*rc::gen::inRange(0, 6)) {
-            case 0:
-                goose = other;
-                break;
-            case 1:
-                goose.vlan = other.vlan;
-                break;
-            case 2:
-                goose.reserved1Bit0 = other.reserved1Bit0;
-                break;
-            case 3:
-                goose.gocbRef = other.gocbRef;
-                break;
-            case 4:
-                goose.hsr = other.hsr;
-                break;
-            default:
-                break;
-        }
-        bool const isNew = model.emplace(hashOf(goose), comparedPart(goose)).second;
-        std::size_t const before = proto.getGooseCount();
-        Goose const& stored = proto.addGoose(Goose(goose));
-        RC_ASSERT((proto.getGooseCount() > before) == isNew);
-        RC_ASSERT(Equal{}(stored, goose) && Hash{}(stored) == Hash{}(goose));
-        RC_ASSERT(proto.getGooseCount() == model.size());
-    }
+    rules().checkStreams(
+        anyGoose, {[](Goose& g, Goose const& other) { g = other; },
+                   [](Goose& g, Goose const& other) { g.vlan = other.vlan; },
+                   [](Goose& g, Goose const& other) { g.reserved1Bit0 = other.reserved1Bit0; },
+                   [](Goose& g, Goose const& other) { g.gocbRef = other.gocbRef; },
+                   [](Goose& g, Goose const& other) { g.hsr = other.hsr; }});
 }
 
 }  // namespace

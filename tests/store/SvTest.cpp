@@ -5,9 +5,7 @@
 #include <TalIec61850Parser/store/SvProto.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -15,8 +13,11 @@
 #include <utility>
 #include <vector>
 
+#include "store/IdentityRules.hpp"
+
 namespace {
 
+using namespace TalTest;
 using TalIec61850::SvIdentifer;
 using TalIec61850Parser::HsrInfo;
 using TalIec61850Parser::PrpInfo;
@@ -26,7 +27,6 @@ using TalIec61850Parser::VlanInfo;
 using Streams = decltype(SvProto::streams);
 using Hash = Streams::hasher;
 using Equal = Streams::key_equal;
-using Text = std::optional<std::string>;
 
 static_assert(std::is_same_v<decltype(SvIdentifer::srcMac), Text>);
 static_assert(std::is_same_v<decltype(SvIdentifer::spareText), Text>);
@@ -61,16 +61,7 @@ Sv publisher() {
     return sv;
 }
 
-struct Member {
-    char const* name;
-    std::function<void(Sv&)> change;
-    std::function<void(Sv&)> unset;
-    std::function<void(Sv&)> zero;
-    bool inHash;
-    bool inEquality;
-};
-
-std::vector<Member> members() {
+std::vector<IdentityMember<Sv>> members() {
     return {
         {"srcMac", [](Sv& s) { s.srcMac = "00:1a:2b:3c:4d:5f"; }, [](Sv& s) { s.srcMac.reset(); },
          [](Sv& s) { s.srcMac = ""; }, true, true},
@@ -109,19 +100,9 @@ std::vector<Member> members() {
     };
 }
 
-Sv changed(std::function<void(Sv&)> const& change) {
-    Sv sv = publisher();
-    change(sv);
-    return sv;
-}
-
-std::size_t termOf(Text const& text) { return text ? std::hash<std::string>{}(*text) : 0; }
-
 std::size_t hashOf(Sv const& s) {
-    VlanInfo const vlan = s.vlan.value_or(VlanInfo{});
-    return termOf(s.srcMac) ^ termOf(s.dstMac) ^ vlan.priority.value_or(0) ^ vlan.dei.value_or(0) ^
-           vlan.vlanId.value_or(0) ^ s.appId.value_or(0) ^ termOf(s.svID) ^
-           s.reserved1Bit0.value_or(0) ^ s.confRev.value_or(0);
+    return termOf(s.srcMac) ^ termOf(s.dstMac) ^ termOf(s.vlan) ^ s.appId.value_or(0) ^
+           termOf(s.svID) ^ s.reserved1Bit0.value_or(0) ^ s.confRev.value_or(0);
 }
 
 auto comparedPart(Sv const& s) {
@@ -134,12 +115,8 @@ auto comparedPart(Sv const& s) {
                       s.reserved1Bit0.value_or(0), s.confRev.value_or(0));
 }
 
-std::size_t streamsOf(std::vector<Sv> const& records) {
-    SvProto proto;
-    for (Sv const& record : records) {
-        proto.addSv(Sv(record));
-    }
-    return proto.getSvCount();
+IdentityRules<Sv, decltype(comparedPart(Sv()))> rules() {
+    return {publisher(), members(), hashOf, comparedPart};
 }
 
 TEST(Sv, HasOnlyItsAppIdSetByDefault) {
@@ -155,32 +132,14 @@ TEST(Sv, HasOnlyItsAppIdSetByDefault) {
     EXPECT_TRUE(sv.files.empty());
 }
 
-TEST(SvIdentity, TakesInEachMemberAsLaidDown) {
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        Sv const other = changed(member.change);
-        EXPECT_EQ(Hash{}(publisher()) != Hash{}(other), member.inHash);
-        EXPECT_EQ(!Equal{}(publisher(), other), member.inEquality);
-        EXPECT_EQ(!Equal{}(other, publisher()), member.inEquality);
-        EXPECT_EQ(streamsOf({publisher(), other}), member.inHash || member.inEquality ? 2U : 1U);
-    }
-}
+TEST(SvIdentity, TakesInEachMemberAsLaidDown) { rules().expectEachMemberWhereItCounts(); }
 
 TEST(SvIdentity, TakesAMemberThatIsNotSetForZeroOrEmptyInEquality) {
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        EXPECT_TRUE(Equal{}(changed(member.unset), changed(member.zero)));
-        EXPECT_TRUE(Equal{}(changed(member.zero), changed(member.unset)));
-    }
+    rules().expectUnsetToEqualZero();
 }
 
 TEST(SvIdentity, KeepsAbsentAndEmptyTextsApartByHash) {
-    std::set<std::string> const texts{"srcMac", "dstMac", "svID"};
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        EXPECT_EQ(streamsOf({changed(member.unset), changed(member.zero)}),
-                  texts.contains(member.name) ? 2U : 1U);
-    }
+    rules().expectUnsetAndZeroApart({"srcMac", "dstMac", "svID"});
 }
 
 TEST(SvIdentity, TakesAnAppIdThatIsNotSetForZeroAndNotForTheDefault) {
@@ -188,19 +147,13 @@ TEST(SvIdentity, TakesAnAppIdThatIsNotSetForZeroAndNotForTheDefault) {
     unset.appId.reset();
     Sv zero;
     zero.appId = 0;
-    EXPECT_EQ(streamsOf({unset, zero}), 1U);
-    EXPECT_EQ(streamsOf({unset, Sv()}), 2U);
+    EXPECT_EQ(streamsOf<Sv>({unset, zero}), 1U);
+    EXPECT_EQ(streamsOf<Sv>({unset, Sv()}), 2U);
 }
 
 TEST(SvHash, IsTheExclusiveOrOfItsTerms) {
     EXPECT_EQ(Hash{}(Sv()), 0x4000U);
-    EXPECT_EQ(Hash{}(publisher()), hashOf(publisher()));
-    for (Member const& member : members()) {
-        SCOPED_TRACE(member.name);
-        for (auto const& change : {member.change, member.unset, member.zero}) {
-            EXPECT_EQ(Hash{}(changed(change)), hashOf(changed(change)));
-        }
-    }
+    rules().expectHashOfEveryChange();
 }
 
 TEST(SvHash, OfNumbersIsTheirExclusiveOr) {
@@ -233,21 +186,14 @@ TEST(SvIdentity, TellsVlansOfEqualTermsApart) {
     a.vlan = VlanInfo{.priority = {}, .dei = {}, .vlanId = 5};
     b.vlan = VlanInfo{.priority = 5, .dei = {}, .vlanId = {}};
     EXPECT_EQ(Hash{}(a), Hash{}(b));
-    EXPECT_EQ(streamsOf({a, b}), 2U);
+    EXPECT_EQ(streamsOf<Sv>({a, b}), 2U);
     b.vlan = VlanInfo{.priority = 1, .dei = 0, .vlanId = 4};
-    EXPECT_EQ(streamsOf({a, b}), 2U);
+    EXPECT_EQ(streamsOf<Sv>({a, b}), 2U);
 }
 
 TEST(SvIdentity, TellsRecordsOfOneHashApartByEquality) {
-    Sv swapped = publisher();
-    std::swap(swapped.srcMac, swapped.dstMac);
-    EXPECT_EQ(Hash{}(publisher()), Hash{}(swapped));
-    EXPECT_EQ(streamsOf({publisher(), swapped}), 2U);
-
-    swapped = publisher();
-    std::swap(swapped.appId, swapped.confRev);
-    EXPECT_EQ(Hash{}(publisher()), Hash{}(swapped));
-    EXPECT_EQ(streamsOf({publisher(), swapped}), 2U);
+    rules().expectTwoStreamsOfOneHash<Text>(&Sv::srcMac, &Sv::dstMac);
+    rules().expectTwoStreamsOfOneHash<std::optional<std::uint64_t>>(&Sv::appId, &Sv::confRev);
 }
 
 TEST(SvIdentity, IsTwoStreamsOverTheTwoDirectionsOfARing) {
@@ -256,8 +202,8 @@ TEST(SvIdentity, IsTwoStreamsOverTheTwoDirectionsOfARing) {
     Sv lanB;
     lanB.hsr.emplace().lanId = 'B';
     EXPECT_EQ(Hash{}(lanA), Hash{}(lanB));
-    EXPECT_EQ(streamsOf({lanA, lanB}), 2U);
-    EXPECT_EQ(streamsOf({lanA, lanB, Sv()}), 3U);
+    EXPECT_EQ(streamsOf<Sv>({lanA, lanB}), 2U);
+    EXPECT_EQ(streamsOf<Sv>({lanA, lanB, Sv()}), 3U);
 }
 
 TEST(SvIdentity, IsOneStreamOverTheTwoPrpLans) {
@@ -265,19 +211,10 @@ TEST(SvIdentity, IsOneStreamOverTheTwoPrpLans) {
     lanA.prp.emplace().lanId = 'A';
     Sv lanB;
     lanB.prp.emplace().lanId = 'B';
-    EXPECT_EQ(streamsOf({lanA, lanB, Sv()}), 1U);
+    EXPECT_EQ(streamsOf<Sv>({lanA, lanB, Sv()}), 1U);
 }
 
-TEST(SvIdentity, ComparesTextsOctetForOctet) {
-    Sv a;
-    Sv b;
-    a.svID = std::string("MU\0a", 4);
-    b.svID = std::string("MU\0b", 4);
-    EXPECT_FALSE(Equal{}(a, b));
-    EXPECT_EQ(streamsOf({a, b}), 2U);
-    b.svID = "MU";
-    EXPECT_EQ(streamsOf({a, b}), 2U);
-}
+TEST(SvIdentity, ComparesTextsOctetForOctet) { rules().expectTextToCountOctetForOctet(&Sv::svID); }
 
 TEST(SvIdentity, Of4095VlansIs4095Streams) {
     SvProto proto;
@@ -291,86 +228,36 @@ TEST(SvIdentity, Of4095VlansIs4095Streams) {
     }
 }
 
-/// Few values for each member, so that streams meet.
 Sv anySv() {
-    auto const text = [] {
-        return *rc::gen::element<Text>(std::nullopt, std::string(), std::string("a"));
-    };
-    auto const number = [] { return *rc::gen::element(-1, 0, 1, 2); };
-    auto const set = [&number](auto& member) {
-        using Value = typename std::remove_reference_t<decltype(member)>::value_type;
-        int const value = number();
-        member = value < 0 ? std::nullopt : std::optional(static_cast<Value>(value));
-    };
     Sv s;
-    s.srcMac = text();
-    s.dstMac = text();
-    s.svID = text();
-    s.spareText = text();
-    set(s.appId);
-    set(s.reserved1Bit0);
-    set(s.confRev);
-    if (number() > 0) {
-        set(s.vlan.emplace().priority);
-        set(s.vlan->dei);
-        set(s.vlan->vlanId);
+    for (auto* const text : {&s.srcMac, &s.dstMac, &s.svID, &s.spareText}) *text = anyText();
+    setAny(s.appId);
+    setAny(s.reserved1Bit0);
+    setAny(s.confRev);
+    s.vlan = anyVlan();
+    if (anyNumber() > 0) {
+        setAny(s.hsr.emplace().lanId);
+        setAny(s.hsr->hsrSpare1);
+        setAny(s.hsr->hsrSpare2);
+        setAny(s.hsr->hsrSpare3);
     }
-    if (number() > 0) {
-        set(s.hsr.emplace().lanId);
-        set(s.hsr->hsrSpare1);
-        set(s.hsr->hsrSpare2);
-        set(s.hsr->hsrSpare3);
-    }
-    if (number() > 0) {
-        set(s.prp.emplace().lanId);
+    if (anyNumber() > 0) {
+        setAny(s.prp.emplace().lanId);
     }
     return s;
 }
 
 RC_GTEST_PROP(SvIdentity, EqualsAreEqualBothWays, ()) {
     Sv const a = anySv();
-    Sv const b = anySv();
-    RC_ASSERT(Equal{}(a, a));
-    RC_ASSERT(Equal{}(a, b) == Equal{}(b, a));
-    RC_ASSERT(Equal{}(a, b) == (comparedPart(a) == comparedPart(b)));
-    RC_ASSERT(Hash{}(a) == hashOf(a));
+    rules().checkEquality(a, anySv());
 }
 
 RC_GTEST_PROP(SvIdentity, MakesOneStreamOfEqualHashAndEquality, ()) {
-    SvProto proto;
-    std::set<std::pair<std::size_t, decltype(comparedPart(Sv()))>> model;
-    // Most of them repeat three records but for a few members.
-    std::vector<Sv> const seeds{anySv(), anySv(), anySv()};
-    int const count = *rc::gen::inRange(0, 40);
-    for (int i = 0; i < count; ++i) {
-        Sv sv = seeds[*rc::gen::inRange<std::size_t>(0, 3)];
-        Sv const other = anySv();
-        switch (*rc::gen::inRange(0, 6)) {
-            case 0:
-                sv = other;
-                break;
-            case 1:
-                sv.vlan = other.vlan;
-                break;
-            case 2:
-                sv.hsr = other.hsr;
-                break;
-            case 3:
-                sv.svID = other.svID;
-                break;
-            case 4:
-                sv.prp = other.prp;
-                break;
-            default:
-                break;
-        }
-        bool const isNew = model.emplace(hashOf(sv), comparedPart(sv)).second;
-        std::size_t const before = proto.getSvCount();
-        Sv const& stored = proto.addSv(Sv(sv));
-        RC_ASSERT((proto.getSvCount() > before) == isNew);
-        RC_ASSERT(Equal{}(stored, sv) && Hash{}(stored) == Hash{}(sv));
-        RC_ASSERT(proto.getSvCount() == model.size());
-    }
+    rules().checkStreams(anySv, {[](Sv& s, Sv const& other) { s = other; },
+                                 [](Sv& s, Sv const& other) { s.vlan = other.vlan; },
+                                 [](Sv& s, Sv const& other) { s.hsr = other.hsr; },
+                                 [](Sv& s, Sv const& other) { s.svID = other.svID; },
+                                 [](Sv& s, Sv const& other) { s.prp = other.prp; }});
 }
 
 }  // namespace

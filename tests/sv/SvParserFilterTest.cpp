@@ -2,11 +2,11 @@
 
 #include <TalIec61850Parser/sv/SvParser.hpp>
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
@@ -15,34 +15,12 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr Package kUntouched = {{77, 78}, 79};
-
-struct Parsed {
-    bool accepted = false;
-    Sv sv = {};
-    Package package = kUntouched;
-};
+using Parsed = WalkedSv;
 
 Parsed parse(Bytes const& data, Filter const& filter) {
     Parsed result;
     result.accepted = SvParser::parsePacket(data, 0, {}, 0, result.sv, result.package, filter);
     return result;
-}
-
-/// A frame, from its SV header on, whose only ASDU has this content.
-Bytes withFields(Bytes const& fields) {
-    return apdu({}, ber(0x60, concat({ber(0x80, {0x01}), ber(0xA2, ber(0x30, fields))})));
-}
-
-SvMessage messageOf(std::initializer_list<char const*> svIDs) {
-    SvMessage message;
-    message.asdus.clear();
-    for (char const* const svID : svIDs) {
-        Asdu asdu;
-        asdu.svID = svID;
-        message.asdus.push_back(asdu);
-    }
-    return message;
 }
 
 TEST(SvParserFilter, AppId) {
@@ -87,19 +65,19 @@ TEST(SvParserFilter, SvIdIsMatchedOctetForOctet) {
                                      std::string(), std::string("MU01\0", 5)}) {
         EXPECT_FALSE(accepts(other)) << other;
     }
-    EXPECT_TRUE(parse(withFields(ber(0x80, {0x41, 0x00})),
+    EXPECT_TRUE(parse(svWithFields(ber(0x80, {0x41, 0x00})),
                       svFilter({wanted(&SvIdentifer::svID, "[41 00]")}))
                     .accepted);
 }
 
 TEST(SvParserFilter, EmptySvIdIsMatchedToo) {
-    Bytes const data = withFields(ber(0x80, ""));
+    Bytes const data = svWithFields(ber(0x80, ""));
     EXPECT_TRUE(parse(data, svFilter({wanted(&SvIdentifer::svID, "")})).accepted);
     EXPECT_FALSE(parse(data, svFilter({wanted(&SvIdentifer::svID, "MU01")})).accepted);
 }
 
 TEST(SvParserFilter, ConfRev) {
-    Bytes const data = withFields(ber(0x83, {0xFF, 0xFF, 0xFF, 0xFF}));
+    Bytes const data = svWithFields(ber(0x83, {0xFF, 0xFF, 0xFF, 0xFF}));
     auto const accepts = [&data](std::uint64_t confRev) {
         return parse(data, svFilter({wanted(&SvIdentifer::confRev, confRev)})).accepted;
     };
@@ -138,7 +116,7 @@ TEST(SvParserFilter, AsduBehindTheFiftiethIsNotMatched) {
 TEST(SvParserFilter, FieldThatTheFrameLacksIsNoCriterion) {
     auto entry = wanted(&SvIdentifer::svID, "x");
     entry.confRev = 99;
-    EXPECT_TRUE(parse(withFields(ber(0x82, {0, 1})), svFilter({entry})).accepted);
+    EXPECT_TRUE(parse(svWithFields(ber(0x82, {0, 1})), svFilter({entry})).accepted);
 }
 
 TEST(SvParserFilter, EachCriterionIsMatchedOverTheWholeList) {

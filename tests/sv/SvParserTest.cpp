@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 #include <string>
 #include <vector>
 
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
@@ -17,35 +17,13 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr Package kUntouched = {{77, 78}, 79};
-
-struct Parsed {
-    bool accepted = false;
-    Sv sv = {};
-    Package package = kUntouched;
-};
+using Parsed = WalkedSv;
 
 Parsed parse(Bytes const& data, std::size_t offset = 0, std::uint64_t position = 0) {
     Parsed result;
     result.accepted = SvParser::parsePacket(data, offset, {.tsSec = 5, .tsUsec = 123'456}, position,
                                             result.sv, result.package, {});
     return result;
-}
-
-/// A frame, from its SV header on, whose only ASDU has this content.
-Bytes withFields(Bytes const& fields) {
-    return apdu({}, ber(0x60, concat({ber(0x80, {0x01}), ber(0xA2, ber(0x30, fields))})));
-}
-
-SvMessage messageOf(std::initializer_list<char const*> svIDs) {
-    SvMessage message;
-    message.asdus.clear();
-    for (char const* const svID : svIDs) {
-        Asdu asdu;
-        asdu.svID = svID;
-        message.asdus.push_back(asdu);
-    }
-    return message;
 }
 
 TEST(SvParserParsePacket, FillsIdentityAndCounters) {
@@ -226,13 +204,13 @@ TEST(SvParserFields, LastNoAsduStays) {
 
 TEST(SvParserFields, SvIdIsTextOrHexadecimal) {
     auto const svID = [](Bytes const& value) {
-        return parse(withFields(ber(0x80, value))).sv.svID;
+        return parse(svWithFields(ber(0x80, value))).sv.svID;
     };
     EXPECT_EQ(svID(text("MU 01~")), "MU 01~");
     EXPECT_EQ(svID({}), "");
     EXPECT_EQ(svID({0x41, 0x00, 0x42}), "[41 00 42]");
     EXPECT_EQ(svID({0x7F}), "[7F]");
-    EXPECT_FALSE(parse(withFields(ber(0x81, "x"))).sv.svID.has_value());
+    EXPECT_FALSE(parse(svWithFields(ber(0x81, "x"))).sv.svID.has_value());
 }
 
 TEST(SvParserFields, SmpCntAndSmpRateNeedTwoOctets) {
@@ -246,27 +224,27 @@ TEST(SvParserFields, SmpCntAndSmpRateNeedTwoOctets) {
                                               {{0xFF, 0xFF}, 0xFFFF},
                                               {{0x00, 0x01, 0x02}, 0x0001},
                                               {{0, 0, 0x0F, 0xA0}, 0}}) {
-        EXPECT_EQ(parse(withFields(ber(0x82, each.value))).sv.maxSmpCnt, each.number);
-        EXPECT_EQ(parse(withFields(ber(0x86, each.value))).sv.smpRate, each.number);
+        EXPECT_EQ(parse(svWithFields(ber(0x82, each.value))).sv.maxSmpCnt, each.number);
+        EXPECT_EQ(parse(svWithFields(ber(0x86, each.value))).sv.smpRate, each.number);
     }
 }
 
 TEST(SvParserFields, ConfRevIsReadFromUpToFourOctets) {
     auto const confRev = [](Bytes const& value) {
-        return parse(withFields(ber(0x83, value))).sv.confRev;
+        return parse(svWithFields(ber(0x83, value))).sv.confRev;
     };
     EXPECT_EQ(confRev({}), 0U);
     EXPECT_EQ(confRev({0x80}), 0x80U);
     EXPECT_EQ(confRev({0x01, 0x02, 0x03}), 0x010203U);
     EXPECT_EQ(confRev({0xFF, 0xFF, 0xFF, 0xFF}), 4294967295U);
     EXPECT_EQ(confRev({0x00, 0xFF, 0xFF, 0xFF, 0xFE}), 0x00FFFFFFU);
-    EXPECT_FALSE(parse(withFields(ber(0x80, "x"))).sv.confRev.has_value());
+    EXPECT_FALSE(parse(svWithFields(ber(0x80, "x"))).sv.confRev.has_value());
 }
 
 TEST(SvParserFields, OtherFieldsOfAnAsduChangeNothing) {
     for (int tag = 0x80; tag < 0xA0; ++tag) {
         if (tag == 0x80 || tag == 0x82 || tag == 0x83 || tag == 0x86) continue;
-        Parsed const result = parse(withFields(
+        Parsed const result = parse(svWithFields(
             concat({ber(0x80, "x"), ber(static_cast<std::uint8_t>(tag), {0x82, 0x02, 1, 2})})));
         EXPECT_TRUE(result.accepted);
         EXPECT_EQ(result.sv.svID, "x") << tag;
@@ -294,7 +272,7 @@ TEST(SvParserFields, ThoseBeforeTheCutAreKept) {
         concat({ber(0x80, "MU"), ber(0x82, {0x01, 0x02}), ber(0x83, {0x07}), ber(0x86, {1, 0})});
     ASSERT_EQ(fields.size(), 15U);
     for (std::size_t size = 0; size <= fields.size(); ++size) {
-        Parsed const result = parse(withFields(prefix(fields, size)));
+        Parsed const result = parse(svWithFields(prefix(fields, size)));
         EXPECT_TRUE(result.accepted);
         EXPECT_EQ(result.package.position, 8U + 5U);
         EXPECT_EQ(result.sv.svID.has_value(), size >= 4);

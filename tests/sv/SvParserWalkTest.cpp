@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
@@ -16,15 +17,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr int kMaxDepth = std::numeric_limits<int>::max();
-constexpr Package kUntouched = {{77, 78}, 79};
-constexpr PcapPacketHeader kHeader = {.tsSec = 5, .tsUsec = 999};
-
-struct Walked {
-    bool accepted = false;
-    Sv sv = {};
-    Package package = kUntouched;
-};
+using Walked = WalkedSv;
 
 Walked walk(Bytes const& buffer, bool inAsdu = false, int depth = 1,
             std::size_t filePosition = 1000, Filter const& filter = {}, std::size_t start = 0) {
@@ -39,12 +32,6 @@ Bytes probe() { return ber(0xA2, {}); }
 
 /// noASDU outside an ASDU, svID in one.
 Bytes ambiguous() { return ber(0x80, "A"); }
-
-Bytes times(std::size_t count, Bytes const& element) {
-    Bytes all;
-    for (std::size_t i = 0; i < count; ++i) append(all, element);
-    return all;
-}
 
 TEST(SvParserWalk, EmptyBufferIsAccepted) {
     for (bool const inAsdu : {false, true}) {

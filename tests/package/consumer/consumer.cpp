@@ -1,7 +1,6 @@
 // A stranger's program: indexes the capture it is given and counts what was found.
 
 #include <TalIec61850Parser/TalIec61850Parser.hpp>
-
 #include <atomic>
 #include <iostream>
 

@@ -1,0 +1,62 @@
+// Runs the commands that the documents show, and compares what they print.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/Process.hpp"
+#include "support/TempFile.hpp"
+
+namespace {
+
+using namespace TalTest;
+
+/// A line that begins with "    $ ", and the indented lines below it.
+struct Command {
+    std::string line;
+    std::string output;
+};
+
+constexpr std::string_view kIndent = "    ";
+constexpr std::string_view kPrompt = "    $ ";
+
+std::vector<Command> commandsIn(std::string const& document) {
+    std::ifstream file(std::string(TAL_DOCS) + "/" + document);
+    std::vector<Command> commands;
+    bool inOutput = false;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with(kPrompt)) {
+            commands.push_back({.line = line.substr(kPrompt.size()), .output = ""});
+            inOutput = true;
+        } else if (inOutput && line.starts_with(kIndent)) {
+            commands.back().output += line.substr(kIndent.size()) + "\n";
+        } else {
+            inOutput = false;
+        }
+    }
+    return commands;
+}
+
+class Documents : public testing::TestWithParam<std::string> {};
+
+TEST_P(Documents, ShowWhatTheirCommandsPrint) {
+    auto const commands = commandsIn(GetParam());
+    ASSERT_FALSE(commands.empty());
+    TempDir const folder;
+    for (Command const& command : commands) {
+        auto const result =
+            run({"/bin/sh", "-c", "cd \"$FOLDER\" && PATH=$PROGRAMS:$PATH && " + command.line},
+                {{"FOLDER", folder.path()}, {"PROGRAMS", TAL_PROGRAMS}});
+        EXPECT_EQ(result.out, command.output) << command.line;
+        EXPECT_EQ(result.err, "") << command.line;
+        EXPECT_EQ(result.status, 0) << command.line;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Docs, Documents, testing::Values("guide.md"),
+                         [](auto const&) { return std::string("Guide"); });
+
+}  // namespace
