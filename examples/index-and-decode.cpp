@@ -47,7 +47,9 @@ void printGoose(PackageFile const& file, Package const& package) {
 
 void printSv(PackageFile const& file, Package const& package) {
     for (ASDUData const& asdu : SvParser::parseASDUFromFile(file.fileName, package.position)) {
-        std::cout << "  " << timeOf(package) << " " << asdu.svID << " smpCnt " << asdu.smpCnt
+        // The octets of a name are whatever was sent: render them before a terminal sees them.
+        std::string const svID = Asn1Parser::bytesToString({asdu.svID.begin(), asdu.svID.end()});
+        std::cout << "  " << timeOf(package) << " " << svID << " smpCnt " << asdu.smpCnt
                   << " values";
         for (SampleData const& sample : asdu.samples) {
             std::cout << " " << sample.value;

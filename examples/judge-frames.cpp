@@ -47,7 +47,7 @@ int main() {
     std::cout << "GOOSE, APPID 4: " << EthernetParser::parsePacketSimple(gooseFrame(4), filter)
               << "\n";
 
-    // For SV the answer is the other way round: false says that the frame is wanted.
+    // For SV a wanted frame gives false, as does one that is rejected by its addresses.
     std::cout << "SV, any:        " << EthernetParser::parsePacketSimple(svFrame(), filter) << "\n";
     filter.svFilters.emplace_back().appId = 0x4001;
     std::cout << "SV, not wanted: " << EthernetParser::parsePacketSimple(svFrame(), filter) << "\n";
@@ -55,6 +55,7 @@ int main() {
     // Who wants more than a verdict asks the walker itself.
     Goose goose;
     if (GooseParserSimple::parsePacket(gooseFrame(3), 14, goose, filter)) {
-        std::cout << "gocbRef " << *goose.gocbRef << ", goID " << *goose.goID << "\n";
+        std::cout << "gocbRef " << goose.gocbRef.value_or("-") << ", goID "
+                  << goose.goID.value_or("-") << "\n";
     }
 }

@@ -1,23 +1,13 @@
 #include <TalIec61850Parser/capture/ElementFile.hpp>
 #include <TalIec61850Parser/capture/PcapFile.hpp>
+#include <TalIec61850Parser/codec/ShortLength.hpp>
 #include <array>
+#include <cstddef>
+#include <istream>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
-
-constexpr std::uint8_t kOneLengthOctet = 0x81;
-constexpr std::uint8_t kTwoLengthOctets = 0x82;
-
-/// Length octets behind a first one; nullopt for the forms that are not read.
-std::optional<std::size_t> furtherLengthOctets(std::uint8_t first) {
-    if (first < ber::kLongForm) {
-        return 0;
-    }
-    return first == kOneLengthOctet || first == kTwoLengthOctets
-               ? std::optional<std::size_t>(first & ~unsigned{ber::kLongForm})
-               : std::nullopt;
-}
 
 bool readOctets(std::istream& file, std::uint8_t* octets, std::size_t count) {
     file.read(reinterpret_cast<char*>(octets), static_cast<std::streamsize>(count));
@@ -25,22 +15,6 @@ bool readOctets(std::istream& file, std::uint8_t* octets, std::size_t count) {
 }
 
 }  // namespace
-
-std::optional<ShortLength> readShortLength(Octets data, std::size_t position) {
-    if (position >= data.size()) {
-        return std::nullopt;
-    }
-    std::uint8_t const first = data[position];
-    auto const further = furtherLengthOctets(first);
-    if (!further || data.size() - position - 1 < *further) {
-        return std::nullopt;
-    }
-    std::size_t length = *further == 0 ? first : 0;
-    for (std::uint8_t const octet : data.subspan(position + 1, *further)) {
-        length = length << 8U | octet;
-    }
-    return ShortLength{.length = length, .size = 1 + *further};
-}
 
 std::optional<std::vector<std::uint8_t>> readElementContent(std::string const& fileName,
                                                             std::uint64_t position,

@@ -1,6 +1,7 @@
 #include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 namespace TalIec61850Parser::detail {
 
@@ -66,6 +67,20 @@ std::optional<LinkLayer> decodeLinkLayer(Octets buffer, std::size_t offset) {
         header.prpLan = lanLetter(buffer[buffer.size() - kPrpLanFromEnd]);
     }
     return LinkLayer{.header = header, .payloadPosition = offset + position};
+}
+
+std::string macToText(std::uint8_t const* mac) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    text.reserve(3 * kMacSize);
+    for (std::size_t i = 0; i < kMacSize; ++i) {
+        if (i > 0) {
+            text += ':';
+        }
+        text += digits[mac[i] >> 4U];
+        text += digits[mac[i] & 0x0FU];
+    }
+    return text;
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace TalIec61850Parser::detail {
 
@@ -28,5 +29,9 @@ struct LinkLayer {
 /// @param buffer  the frame is everything from `offset` to its end
 /// @return nullopt when the buffer ends inside the header
 [[nodiscard]] std::optional<LinkLayer> decodeLinkLayer(Octets buffer, std::size_t offset);
+
+/// EthernetParser::_macToString.
+/// @param mac  points to six octets
+[[nodiscard]] std::string macToText(std::uint8_t const* mac);
 
 }  // namespace TalIec61850Parser::detail

@@ -1,24 +1,10 @@
+#include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
-#include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
 #include <TalIec61850Parser/capture/FrameVerdict.hpp>
-#include <cstddef>
-#include <optional>
-#include <string_view>
+#include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
 
 namespace TalIec61850Parser {
-
-namespace {
-
-/// A filter criterion inside an optional group of an identifier.
-template <typename Identifier, typename Group, typename Value>
-auto inGroup(std::optional<Group> Identifier::*group, std::optional<Value> Group::*member) {
-    return [=](Identifier const& entry) {
-        return entry.*group ? (*(entry.*group)).*member : std::nullopt;
-    };
-}
-
-}  // namespace
 
 void EthernetParser::parsePacket(std::vector<std::uint8_t> const& buffer, unsigned long offset,
                                  PcapFile& file, bool isNanosecond, PcapPacketHeader const& header,
@@ -36,37 +22,7 @@ bool EthernetParser::parsePacketSimple(std::vector<std::uint8_t> const& frame,
 template <typename Record, typename Identifiers>
 bool EthernetParser::_checkEthernetFilters(Record& record, Identifiers const& filters,
                                            EthernetHeader const& header) {
-    using Identifier = typename Identifiers::value_type;
-    using detail::passes;
-
-    record.srcMac = _macToString(header.srcMac);
-    if (!passes(filters, &Identifier::srcMac, *record.srcMac)) {
-        return false;
-    }
-    record.dstMac = _macToString(header.dstMac);
-    if (!passes(filters, &Identifier::dstMac, *record.dstMac)) {
-        return false;
-    }
-    // Deliberate: a frame without a tag or trailer is not asked for what would stand in it.
-    if (header.hasVlan) {
-        if (!passes(filters, inGroup(&Identifier::vlan, &VlanInfo::vlanId), header.vlanId)) {
-            return false;
-        }
-        record.vlan.emplace().vlanId = header.vlanId;
-    }
-    if (header.hasHsr) {
-        if (!passes(filters, inGroup(&Identifier::hsr, &HsrInfo::lanId), header.hsrLan)) {
-            return false;
-        }
-        record.hsr.emplace().lanId = header.hsrLan;
-    }
-    if (header.hasPrp) {
-        if (!passes(filters, inGroup(&Identifier::prp, &PrpInfo::lanId), header.prpLan)) {
-            return false;
-        }
-        record.prp.emplace().lanId = header.prpLan;
-    }
-    return true;
+    return detail::takeLinkLayer(header, record, filters);
 }
 
 template bool EthernetParser::_checkEthernetFilters(Goose&,
@@ -76,19 +32,6 @@ template bool EthernetParser::_checkEthernetFilters(Sv&,
                                                     std::vector<TalIec61850::SvIdentifer> const&,
                                                     EthernetHeader const&);
 
-std::string EthernetParser::_macToString(std::uint8_t const* mac) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    constexpr std::size_t macSize = 6;
-    std::string text;
-    text.reserve(3 * macSize);
-    for (std::size_t i = 0; i < macSize; ++i) {
-        if (i > 0) {
-            text += ':';
-        }
-        text += digits[mac[i] >> 4U];
-        text += digits[mac[i] & 0x0FU];
-    }
-    return text;
-}
+std::string EthernetParser::_macToString(std::uint8_t const* mac) { return detail::macToText(mac); }
 
 }  // namespace TalIec61850Parser

@@ -1,11 +1,10 @@
 #include <TalIec61850Parser/capture/EthernetDecoder.hpp>
-#include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
+#include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
 #include <TalIec61850Parser/capture/RecordReader.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace TalIec61850Parser::detail {
@@ -28,7 +27,7 @@ void indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t bufferPositi
                 PcapPacketHeader const& header, IndexTarget const& target) {
     Goose goose;
     Package package;
-    if (EthernetParser::_checkEthernetFilters(goose, target.filter.gooseFilters, link.header) &&
+    if (takeLinkLayer(link.header, goose, target.filter.gooseFilters) &&
         readGooseFrame(buffer, link.payloadPosition, header, bufferPosition, goose, package,
                        target.filter)) {
         addPacket(target.db.gooseProto.addGoose(std::move(goose)), package, target);
@@ -39,12 +38,14 @@ void indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
              PcapPacketHeader const& header, IndexTarget const& target) {
     Sv sv;
     Package package;
-    if (!EthernetParser::_checkEthernetFilters(sv, target.filter.svFilters, link.header) ||
+    if (!takeLinkLayer(link.header, sv, target.filter.svFilters) ||
         !readSvFrame(buffer, link.payloadPosition, header, bufferPosition, sv, package,
                      target.filter)) {
         return;
     }
-    auto const [smpCnt, smpRate, noAsdu] = std::tuple(sv.maxSmpCnt, sv.smpRate, sv.maxNoASDU);
+    std::uint16_t const smpCnt = sv.maxSmpCnt;
+    std::uint16_t const smpRate = sv.smpRate;
+    std::uint32_t const noAsdu = sv.maxNoASDU;
     Sv const& stored = target.db.svProto.addSv(std::move(sv));
     addPacket(stored, package, target);
     stored.maxSmpCnt = std::max(stored.maxSmpCnt, smpCnt);

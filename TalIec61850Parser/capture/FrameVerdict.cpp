@@ -1,7 +1,7 @@
 #include <TalIec61850Parser/capture/ApplicationHeader.hpp>
 #include <TalIec61850Parser/capture/EthernetDecoder.hpp>
-#include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <TalIec61850Parser/capture/FrameVerdict.hpp>
+#include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
 
@@ -19,7 +19,7 @@ bool judgeGoose(Octets frame, LinkLayer const& link, Filter const& filter) {
         return isComplete(frame, link);
     }
     Goose goose;
-    return EthernetParser::_checkEthernetFilters(goose, filter.gooseFilters, link.header) &&
+    return takeLinkLayer(link.header, goose, filter.gooseFilters) &&
            readGooseIdentity(frame, link.payloadPosition, goose, filter);
 }
 
@@ -29,7 +29,7 @@ bool judgeSv(Octets frame, LinkLayer const& link, Filter const& filter) {
         return !isComplete(frame, link);
     }
     Sv sv;
-    return EthernetParser::_checkEthernetFilters(sv, filter.svFilters, link.header) &&
+    return takeLinkLayer(link.header, sv, filter.svFilters) &&
            !readSvIdentity(frame, link.payloadPosition, sv, filter);
 }
 

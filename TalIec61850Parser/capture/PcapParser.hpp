@@ -23,7 +23,8 @@ public:
     ///
     /// A file that cannot be opened gives "Error opening file: " and its path, any file that is
     /// not a classic capture "Invalid PCAP file format", on standard error; the store is then
-    /// unchanged. Damaged records and frames are passed over in silence. A last record that the
+    /// unchanged. A file is read as it stands: what is appended to it meanwhile may be missed.
+    /// Damaged records and frames are passed over in silence. A last record that the
     /// file cuts short is completed with zeros, at most 16 MiB of them.
     ///
     /// @param fileName  path of the capture; also the key of its packets in the index

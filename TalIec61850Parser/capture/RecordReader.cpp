@@ -7,6 +7,9 @@ namespace {
 
 constexpr std::size_t kGlobalHeaderSize = 24;
 
+static_assert(sizeof(std::size_t) == 8 && sizeof(unsigned long) == 8,
+              "record sizes, file positions and hashes are 64 bits wide");
+
 }  // namespace
 
 RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
@@ -46,12 +49,12 @@ Octets RecordReader::next() {
 
 void RecordReader::require(std::size_t size) {
     while (available() < size && !fileEnded_) {
-        moveToFront();
+        makeRoom(size);
         readBlock();
     }
 }
 
-void RecordReader::moveToFront() {
+void RecordReader::makeRoom(std::size_t size) {
     if (begin_ > 0) {
         std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
                   buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
@@ -59,7 +62,7 @@ void RecordReader::moveToFront() {
         begin_ = 0;
     }
     if (end_ == buffer_.size()) {
-        buffer_.resize(2 * buffer_.size());  // full of one record that is really there
+        buffer_.resize(std::min(2 * buffer_.size(), size));  // full of one record, really there
     }
 }
 

@@ -62,7 +62,8 @@ private:
 
     /// Makes `size` octets available, or as many as the file still holds.
     void require(std::size_t size);
-    void moveToFront();
+    /// Makes room behind `end_`: for a record of `size` octets, at most doubling what there is.
+    void makeRoom(std::size_t size);
     void readBlock();
     /// What a read that failed had brought in before: how many octets from `end_` on.
     std::size_t salvage(std::istream::pos_type from);

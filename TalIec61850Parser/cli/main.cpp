@@ -5,7 +5,6 @@
 #include <chrono>
 #include <functional>
 #include <iostream>
-#include <ratio>
 #include <string>
 
 namespace {

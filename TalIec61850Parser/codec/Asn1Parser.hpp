@@ -12,8 +12,9 @@ namespace TalIec61850Parser {
 /// Reads BER elements (ITU-T X.690) and renders their values as text.
 ///
 /// Understands what GOOSE and SV frames use: identifiers of one octet, definite lengths of at
-/// most four length octets. Nothing here throws on bad input, keeps state, or depends on the
-/// locale or the time zone; every operation may run on several threads at once.
+/// most four length octets. Nothing here throws on bad input, keeps state, or depends on the locale
+/// or, save for the zones that count leap seconds, on the time zone; every operation may run on
+/// several threads at once.
 class TALIEC61850PARSER_EXPORT Asn1Parser {
 public:
     /// Reads the element at `position` and steps past it, value included.

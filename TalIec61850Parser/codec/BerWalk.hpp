@@ -82,7 +82,7 @@ inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::
 ///                 `position` is the index in `data` of the element's identifier octet
 /// @return false only when the handler rejected
 template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Handler>
-[[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler&& handler) {
+[[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler const& handler) {
     WalkStack unfinished;
     WalkStack::Entry now{.level = level, .position = 0, .end = data.size(), .elementCount = 0};
     for (;;) {

@@ -3,6 +3,8 @@
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/goose/GooseTags.hpp>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
@@ -56,36 +58,37 @@ WalkStep passData(BerElement const& element) {
 
 }  // namespace
 
-bool walkGoosePdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
+bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
                   PcapPacketHeader const& header, Goose& goose, Package& package,
                   Filter const& filter) {
     auto const handle = [&](BerElement const& element, std::size_t position,
-                            WalkLevel const& level) {
+                            WalkLevel const& current) {
         if (element.tag == kGoosePdu) {
             package.time = {header.tsSec, header.tsUsec};
             package.position = filePosition + position;
             return WalkStep::descend;
         }
-        if (ber::isContextPrimitive(element.tag) && level.depth == kFieldDepth) {
+        if (ber::isContextPrimitive(element.tag) && current.depth == kFieldDepth) {
             return takeField(element, goose, filter.gooseFilters);
         }
-        if (ber::isContextPrimitive(element.tag) && level.depth > kFieldDepth) {
+        if (ber::isContextPrimitive(element.tag) && current.depth > kFieldDepth) {
             return passData(element);
         }
         return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::next;
     };
-    return walkElements(pdu, firstLevel, handle);
+    return walkElements(pdu, level, handle);
 }
 
-bool walkGooseIdentity(Octets pdu, WalkLevel firstLevel, Goose& goose, Filter const& filter) {
-    auto const handle = [&](BerElement const& element, std::size_t, WalkLevel const& level) {
+bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, Filter const& filter) {
+    auto const handle = [&](BerElement const& element, std::size_t, WalkLevel const& current) {
         if (!ber::isContextPrimitive(element.tag)) {
             return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::next;
         }
-        bool const isField = level.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
+        bool const isField =
+            current.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
         return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::next;
     };
-    return walkElements(pdu, firstLevel, handle);
+    return walkElements(pdu, level, handle);
 }
 
 bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose, Filter const& filter) {

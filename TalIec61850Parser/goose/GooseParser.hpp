@@ -28,6 +28,8 @@ public:
     /// @param position  offset in the capture file of `data[0]`
     /// @param goose     identity, written; on false filled up to the criterion that failed
     /// @param package   time and position of the goosePdu (0x61); untouched without one
+    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
                             PcapPacketHeader const& header, std::uint64_t position, Goose& goose,
@@ -39,9 +41,9 @@ public:
     /// several threads at once.
     /// @param fileName  path of the capture file
     /// @param position  the `position` of the packet's Package: that of its goosePdu (0x61)
-    /// @return empty when the file cannot be read, no goosePdu stands there, its length takes more
-    ///         than two octets behind the first, or the file cuts it short; fields up to the first
-    ///         damaged one otherwise
+    /// @return empty when the file cannot be read, no goosePdu stands there, its length is in the
+    ///         indefinite form or takes more than two octets behind the first, or the file cuts it
+    ///         short; fields up to the first damaged one otherwise
     static GoosePdu parseGoosePDUFromFile(std::string const& fileName, std::uint64_t position);
 
     /// The booleans at the top level of allData, 1.0 for true and 0.0 for false, in order; and

@@ -18,6 +18,8 @@ public:
     /// @param data    the frame, up to the end of the vector
     /// @param offset  index in `data` of the APPID
     /// @param goose   its identity, written; on false filled up to the criterion that failed
+    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
     ///         true in every other case, whatever is malformed behind the header
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Goose& goose,

@@ -3,6 +3,7 @@
 #include <TalIec61850Parser/capture/ElementFile.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/codec/BerWalk.hpp>
+#include <TalIec61850Parser/codec/ShortLength.hpp>
 #include <TalIec61850Parser/goose/GooseParser.hpp>
 #include <TalIec61850Parser/goose/GooseTags.hpp>
 #include <optional>

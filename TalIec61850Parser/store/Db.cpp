@@ -1,4 +1,5 @@
 #include <TalIec61850Parser/store/Db.hpp>
+#include <utility>
 
 namespace TalIec61850Parser {
 
@@ -7,21 +8,29 @@ void Db::clear() {
     svProto.streams.clear();
 }
 
+namespace {
+
+/// @param fileName  a copy: the caller's may lie in a record that is erased
+template <typename Proto>
+void forgetFile(std::string fileName, Proto& proto) {
+    std::erase_if(proto.streams, [&](auto const& stream) {
+        std::erase_if(stream.files,
+                      [&](PackageFile const& file) { return file.fileName == fileName; });
+        return stream.files.empty();
+    });
+}
+
+}  // namespace
+
 void Db::clearByFileName(std::string const& fileName) {
-    // The caller's name may lie in a record that is erased.
-    std::string const name = fileName;  // NOLINT(performance-unnecessary-copy-initialization)
-    _clearProtoByFileName(name, gooseProto);
-    _clearProtoByFileName(name, svProto);
+    std::string copy = fileName;
+    forgetFile(copy, gooseProto);
+    forgetFile(std::move(copy), svProto);
 }
 
 template <typename Proto>
 void Db::_clearProtoByFileName(std::string const& fileName, Proto& proto) {
-    // As above, for direct calls.
-    std::string const name = fileName;  // NOLINT(performance-unnecessary-copy-initialization)
-    std::erase_if(proto.streams, [&](auto const& stream) {
-        std::erase_if(stream.files, [&](PackageFile const& file) { return file.fileName == name; });
-        return stream.files.empty();
-    });
+    forgetFile(fileName, proto);
 }
 
 template void Db::_clearProtoByFileName<GooseProto>(std::string const&, GooseProto&);

@@ -51,6 +51,9 @@ struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
 /// The hash by which GOOSE streams are found. Deliberate: it takes in the VLAN, which GooseEqual
 /// leaves out, so streams that differ in VLAN alone stay apart by their hash. That holds only while
 /// the set compares whole cached hashes: libstdc++ does so unless the call is noexcept.
+///
+/// Equal terms cancel (it is an exclusive-or): whoever makes up a capture can give any number of
+/// streams one hash, and then each lookup compares with all of them. A stop flag ends that.
 struct TALIEC61850PARSER_EXPORT GooseHash {
     std::size_t operator()(Goose const& goose) const;
 };

@@ -17,9 +17,10 @@ namespace TalIec61850Parser {
 /// mutable members are what indexing adds to. In a record that SvParser has just filled, the
 /// statistics are those of the one frame.
 struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
-    /// The largest smpCnt seen.
+    /// The largest smpCnt seen; of a frame with several ASDUs, that of the last one counts.
     mutable std::uint16_t maxSmpCnt = 0;
-    /// The smpRate of the last frame; 0 when that frame carried none.
+    /// The smpRate of the last frame, in its last ASDU that carries one; 0 when that frame carried
+    /// none.
     mutable std::uint16_t smpRate = 0;
     /// Packets indexed for this stream, over all files; not reduced when a file is cleared.
     mutable std::uint32_t packetCount = 0;
@@ -57,6 +58,7 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
 
 /// The hash by which SV streams are found. Deliberate: HSR is left out here and counts in SvEqual.
 /// Not noexcept: libstdc++ then caches the hash and compares it before SvEqual.
+/// Whoever makes up a capture can give many streams one hash, see GooseHash.
 struct TALIEC61850PARSER_EXPORT SvHash {
     std::size_t operator()(Sv const& sv) const;
 };

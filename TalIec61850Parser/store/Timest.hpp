@@ -8,7 +8,8 @@ namespace TalIec61850Parser {
 /// The capture time of a packet: seconds since 1970-01-01 UTC and the nanoseconds below them.
 ///
 /// Ordered by seconds, then nanoseconds, both unsigned. Nothing is normalised: a capture file
-/// that states 1,000,000,000 nanoseconds or more is stored and compared as it states them.
+/// that states 1,000,000,000 nanoseconds or more is stored and compared as it states them, and the
+/// microseconds of others are multiplied by 1000 in 32 bits, whatever they are.
 struct Timest {
     std::uint32_t seconds = 0;
     std::uint32_t nanoseconds = 0;

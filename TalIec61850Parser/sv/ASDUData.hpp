@@ -7,8 +7,8 @@
 
 namespace TalIec61850Parser {
 
-/// One decoded ASDU of a savPdu (IEC 61850-9-2). A field that does not occur, or not in the width
-/// said here, keeps its default.
+/// One decoded ASDU of a savPdu (IEC 61850-9-2). An element that does not occur, or not in
+/// the width said here, leaves its field as it was.
 struct ASDUData {
     /// The names, octet for octet; deliberate: not rendered as the stream's svID is.
     std::string svID;

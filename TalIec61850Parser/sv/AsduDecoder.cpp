@@ -3,10 +3,12 @@
 #include <TalIec61850Parser/capture/ElementFile.hpp>
 #include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/codec/ShortLength.hpp>
 #include <TalIec61850Parser/sv/SvParser.hpp>
 #include <TalIec61850Parser/sv/SvTags.hpp>
 #include <algorithm>
 #include <bit>
+#include <optional>
 
 namespace TalIec61850Parser {
 

@@ -47,35 +47,36 @@ WalkStep takePduField(BerElement const& field, Sv& sv) {
 
 }  // namespace
 
-bool walkSavPdu(Octets pdu, WalkLevel firstLevel, std::uint64_t filePosition,
+bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
                 PcapPacketHeader const& header, Sv& sv, Package& package, Filter const& filter) {
-    auto const handle = [&](BerElement const& element, std::size_t position, WalkLevel& level) {
+    auto const handle = [&](BerElement const& element, std::size_t position, WalkLevel& current) {
         if (element.tag == kSequenceOfAsdu) {
             package.time = {header.tsSec, header.tsUsec};
             package.position = filePosition + position;
             return WalkStep::descend;
         }
         if (ber::isContextPrimitive(element.tag)) {
-            return level.inAsdu ? takeAsduField(element, sv, filter.svFilters)
-                                : takePduField(element, sv);
+            return current.inAsdu ? takeAsduField(element, sv, filter.svFilters)
+                                  : takePduField(element, sv);
         }
         // Deliberate: from the first ASDU on, whatever follows on its level counts as in one.
-        level.inAsdu = level.inAsdu || element.tag == ber::kSequence;
+        current.inAsdu = current.inAsdu || element.tag == ber::kSequence;
         return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::next;
     };
-    return walkElements(pdu, firstLevel, handle);
+    return walkElements(pdu, level, handle);
 }
 
-bool walkSvIdentity(Octets pdu, WalkLevel firstLevel, Sv& sv, Filter const& filter) {
-    auto const handle = [&](BerElement const& element, std::size_t, WalkLevel& level) {
+bool walkSvIdentity(Octets pdu, WalkLevel level, Sv& sv, Filter const& filter) {
+    auto const handle = [&](BerElement const& element, std::size_t, WalkLevel& current) {
         if (ber::isContextPrimitive(element.tag)) {
-            return level.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::next;
+            return current.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::next;
         }
         // Deliberate: unlike above, an empty ASDU opens nothing.
-        level.inAsdu = level.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
+        current.inAsdu =
+            current.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
         return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::next;
     };
-    return walkElements(pdu, firstLevel, handle);
+    return walkElements(pdu, level, handle);
 }
 
 bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter) {

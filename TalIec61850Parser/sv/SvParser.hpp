@@ -30,6 +30,8 @@ public:
     /// @param sv        identity and the frame's noASDU, smpCnt and smpRate, written; on false
     ///                  filled up to the criterion that failed
     /// @param package   time and position of the sequence of ASDU (0xA2); untouched without one
+    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
                             PcapPacketHeader const& header, std::uint64_t position, Sv& sv,
@@ -42,8 +44,10 @@ public:
     /// @param fileName  path of the capture file
     /// @param position  the `position` of the packet's Package: that of its 0xA2
     /// @return at most 50 ASDUs, in the order in which they occur; empty when the file cannot be
-    ///         read, no sequence of ASDU stands there, its length takes more than two octets behind
-    ///         the first, or the file cuts it short
+    ///         read, no sequence of ASDU stands there, its length is in the indefinite form or
+    ///         takes more than two octets behind the first, or the file cuts it short. An ASDU
+    ///         without a readable length ends the list; a damaged element ends its ASDU, which
+    ///         keeps the fields before it.
     static std::vector<ASDUData> parseASDUFromFile(std::string const& fileName,
                                                    std::size_t position);
 

@@ -19,6 +19,8 @@ public:
     /// @param offset  index in `data` of the APPID
     /// @param sv      its appId, reserved1Bit0, svID and confRev, written; on false filled up to
     ///                the criterion that failed
+    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
     ///         true in every other case, whatever is malformed behind the header
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Sv& sv,
@@ -30,6 +32,8 @@ public:
     /// @param buffer  the octets of the level
     /// @param depth   not used: what an element means is told by `inAsdu`
     /// @param start   not used
+    /// @param inAsdu  `buffer` is the content of an ASDU or lies below one. Deliberate: unlike in
+    ///                SvParser, an empty ASDU does not open one for what follows it
     /// @return false only when the filter rejects the frame
     static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
                                     std::size_t start, Sv& sv, Filter const& filter, bool inAsdu);

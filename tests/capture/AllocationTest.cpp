@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "capture/CountedHeap.hpp"
+#include "capture/FrameWalk.hpp"
 #include "support/Bytes.hpp"
 #include "support/Ethernet.hpp"
 #include "support/Goose.hpp"
@@ -27,14 +27,6 @@ std::size_t allocationsFor(Bytes const& frame, Filter const& filter = {}) {
     std::size_t const after = heapAllocations();
     static_cast<void>(verdict);
     return after - before;
-}
-
-std::vector<Ethernet> linkLayers() {
-    std::vector<Ethernet> all = {Ethernet(), Ethernet().withVlan(5), Ethernet().withHsr('B'),
-                                 Ethernet().withVlan(5).withHsr('A')};
-    for (std::size_t i = 0; i < 4; ++i) all.push_back(all[i].withPrp('B'));
-    for (std::size_t i = 0; i < 8; ++i) all.push_back(all[i].withPadding());
-    return all;
 }
 
 TEST(Allocations, OfTheLibraryAreCounted) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "capture/SmallStack.hpp"
 #include "support/Ber.hpp"
 #include "support/Ethernet.hpp"
@@ -20,8 +21,6 @@ namespace {
 
 using namespace TalIec61850Parser;
 using namespace TalTest;
-
-constexpr std::size_t kMillion = 1'000'000;
 
 bool judge(Bytes const& frame, Filter const& filter = {}) {
     return EthernetParser::parsePacketSimple(frame, filter);
@@ -73,14 +72,6 @@ Filter prpLans(char lan) {
 
 Filter appIds(std::uint64_t appId) {
     return both(&GooseIdentifer::appId, &SvIdentifer::appId, appId);
-}
-
-std::vector<Ethernet> linkLayers() {
-    std::vector<Ethernet> all = {Ethernet(), Ethernet().withVlan(5), Ethernet().withHsr('B'),
-                                 Ethernet().withVlan(5).withHsr('A')};
-    for (std::size_t i = 0; i < 4; ++i) all.push_back(all[i].withPrp('B'));
-    for (std::size_t i = 0; i < 8; ++i) all.push_back(all[i].withPadding());
-    return all;
 }
 
 /// The frame's first octets, from its EtherType or tag on, behind twelve octets of addresses.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "capture/Indexing.hpp"
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
@@ -18,34 +19,15 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-struct Judged {
-    bool accepted = false;
-    Goose goose = {};
-};
+using Judged = WalkedGoose;
 
 Judged parse(Bytes const& data, Filter const& filter = {}, std::size_t offset = 0) {
-    Judged result;
-    result.accepted = GooseParserSimple::parsePacket(data, offset, result.goose, filter);
-    return result;
-}
-
-/// What indexing makes of the same octets.
-Judged indexed(Bytes const& data, Filter const& filter = {}) {
-    Judged result;
-    Package package;
-    result.accepted = GooseParser::parsePacket(data, 0, {}, 0, result.goose, package, filter);
-    return result;
+    return judged<GooseParserSimple, Judged>(data, filter, offset);
 }
 
 void expectAsIndexed(Bytes const& data, Filter const& filter = {}) {
-    Judged const simple = parse(data, filter);
-    Judged const other = indexed(data, filter);
-    EXPECT_EQ(simple.accepted, other.accepted);
-    EXPECT_EQ(listing::identity(simple.goose), listing::identity(other.goose));
+    expectSame(parse(data, filter), indexed<GooseParser, Judged>(data, filter));
 }
-
-/// A frame, from its GOOSE header on, whose goosePdu has this content.
-Bytes withFields(Bytes const& fields) { return apdu({}, ber(0x61, fields)); }
 
 /// Seven messages that differ in what the parser might trip over.
 std::vector<GooseMessage> messages() {
@@ -99,7 +81,7 @@ TEST(GooseParserSimple, FieldsThatTheFrameLacksKeepTheirValue) {
     Goose goose;
     goose.goID = "before";
     goose.simulation = false;
-    EXPECT_TRUE(GooseParserSimple::parsePacket(withFields(ber(0x82, "d")), 0, goose, {}));
+    EXPECT_TRUE(GooseParserSimple::parsePacket(gooseWithFields(ber(0x82, "d")), 0, goose, {}));
     EXPECT_EQ(goose.goID, "before");
     EXPECT_EQ(goose.simulation, false);
     EXPECT_EQ(goose.datSet, "d");
@@ -117,12 +99,12 @@ TEST(GooseParserSimple, FlagIsTheLowestBitOfTheSixthOctet) {
 
 TEST(GooseParserSimple, SimulationIsTrueWhateverItsElementSays) {
     for (Bytes const& value : {Bytes{0x00}, Bytes{0x01}, Bytes{}, Bytes{0, 0}}) {
-        EXPECT_EQ(parse(withFields(ber(0x87, value))).goose.simulation, true);
+        EXPECT_EQ(parse(gooseWithFields(ber(0x87, value))).goose.simulation, true);
     }
 }
 
 TEST(GooseParserSimple, EmptyNamesAreStoredForGocbRefOnly) {
-    Goose const goose = parse(withFields({0x80, 0, 0x82, 0, 0x83, 0, 0x88, 0})).goose;
+    Goose const goose = parse(gooseWithFields({0x80, 0, 0x82, 0, 0x83, 0, 0x88, 0})).goose;
     EXPECT_EQ(goose.gocbRef, "");
     EXPECT_FALSE(goose.datSet || goose.goID);
     EXPECT_EQ(goose.confRev, 0U);
@@ -130,7 +112,7 @@ TEST(GooseParserSimple, EmptyNamesAreStoredForGocbRefOnly) {
 
 TEST(GooseParserSimple, EmptyNamesAreFilteredForGocbRefOnly) {
     auto const accepts = [](auto member, Bytes const& field) {
-        return parse(withFields(field), gooseFilter({wanted(member, "x")})).accepted;
+        return parse(gooseWithFields(field), gooseFilter({wanted(member, "x")})).accepted;
     };
     EXPECT_FALSE(accepts(&GooseIdentifer::gocbRef, {0x80, 0}));
     EXPECT_TRUE(accepts(&GooseIdentifer::datSet, {0x82, 0}));
@@ -138,7 +120,7 @@ TEST(GooseParserSimple, EmptyNamesAreFilteredForGocbRefOnly) {
 }
 
 TEST(GooseParserSimple, UnprintableNamesAreRendered) {
-    Bytes const data = withFields(
+    Bytes const data = gooseWithFields(
         concat({ber(0x80, {0x41, 0, 0x42}), ber(0x82, {0x7F}), ber(0x83, {0x20, 0x7E})}));
     Goose const goose = parse(data).goose;
     EXPECT_EQ(goose.gocbRef, "[41 00 42]");
@@ -149,12 +131,12 @@ TEST(GooseParserSimple, UnprintableNamesAreRendered) {
 }
 
 TEST(GooseParserSimple, ConfRevIsReadFromItsFirstFourOctets) {
-    EXPECT_EQ(parse(withFields(ber(0x88, {1, 2, 3, 4, 5}))).goose.confRev, 0x0102'0304U);
-    EXPECT_EQ(parse(withFields(ber(0x88, {1, 2}))).goose.confRev, 0x0102U);
+    EXPECT_EQ(parse(gooseWithFields(ber(0x88, {1, 2, 3, 4, 5}))).goose.confRev, 0x0102'0304U);
+    EXPECT_EQ(parse(gooseWithFields(ber(0x88, {1, 2}))).goose.confRev, 0x0102U);
 }
 
 TEST(GooseParserSimple, LastOfSeveralFieldsStays) {
-    EXPECT_EQ(parse(withFields(concat({ber(0x83, "a"), ber(0x83, "b")}))).goose.goID, "b");
+    EXPECT_EQ(parse(gooseWithFields(concat({ber(0x83, "a"), ber(0x83, "b")}))).goose.goID, "b");
     EXPECT_EQ(parse(concat({gooseApdu({}), ber(0x61, ber(0x83, "z"))})).goose.goID, "z");
 }
 
@@ -234,7 +216,7 @@ TEST(GooseParserSimple, FieldThatTheFrameLacksIsNoCriterion) {
     auto entry = wanted(&GooseIdentifer::goID, "x");
     entry.gocbRef = "x";
     entry.simulation = false;
-    EXPECT_TRUE(parse(withFields(ber(0x82, "d")), gooseFilter({entry})).accepted);
+    EXPECT_TRUE(parse(gooseWithFields(ber(0x82, "d")), gooseFilter({entry})).accepted);
 }
 
 TEST(GooseParserSimple, EachCriterionIsMatchedOverTheWholeList) {
@@ -289,7 +271,7 @@ TEST(GooseParserSimple, PrimitiveAllDataChangesNothing) {
     Judged const result = parse(gooseApdu(message), gooseFilter({parse(gooseApdu({})).goose}));
     EXPECT_TRUE(result.accepted);
     EXPECT_EQ(listing::identity(result.goose), listing::identity(parse(gooseApdu({})).goose));
-    EXPECT_EQ(listing::identity(indexed(gooseApdu(message)).goose),
+    EXPECT_EQ(listing::identity(indexed<GooseParser, Judged>(gooseApdu(message)).goose),
               listing::identity(result.goose));
 }
 

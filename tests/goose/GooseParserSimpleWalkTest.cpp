@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "capture/SmallStack.hpp"
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
@@ -18,13 +19,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr int kMaxDepth = std::numeric_limits<int>::max();
-constexpr std::size_t kMillion = 1'000'000;
-
-struct Walked {
-    bool accepted = false;
-    Goose goose = {};
-};
+using Walked = WalkedGoose;
 
 Walked walk(Bytes const& buffer, int depth, Filter const& filter = {}, std::size_t start = 0) {
     Walked result;
@@ -42,12 +37,6 @@ bool findsGoId(Bytes const& buffer, int depth) {
 
 /// A goID where depth is 2.
 Bytes probe() { return ber(0x83, "g"); }
-
-Bytes times(std::size_t count, Bytes const& element) {
-    Bytes all;
-    for (std::size_t i = 0; i < count; ++i) append(all, element);
-    return all;
-}
 
 Filter const& wantsAnother() {
     static Filter const filter = gooseFilter({wanted(&GooseIdentifer::goID, "another")});

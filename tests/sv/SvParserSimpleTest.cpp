@@ -4,13 +4,12 @@
 #include <TalIec61850Parser/sv/SvParserSimple.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "capture/Criteria.hpp"
-#include "capture/Indexing.hpp"
+#include "capture/FrameWalk.hpp"
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
@@ -19,46 +18,14 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-struct Judged {
-    bool accepted = false;
-    Sv sv = {};
-};
+using Judged = WalkedSv;
 
 Judged parse(Bytes const& data, Filter const& filter = {}, std::size_t offset = 0) {
-    Judged result;
-    result.accepted = SvParserSimple::parsePacket(data, offset, result.sv, filter);
-    return result;
-}
-
-/// What indexing makes of the same octets.
-Judged indexed(Bytes const& data, Filter const& filter = {}) {
-    Judged result;
-    Package package;
-    result.accepted = SvParser::parsePacket(data, 0, {}, 0, result.sv, package, filter);
-    return result;
+    return judged<SvParserSimple, Judged>(data, filter, offset);
 }
 
 void expectAsIndexed(Bytes const& data, Filter const& filter = {}) {
-    Judged const simple = parse(data, filter);
-    Judged const other = indexed(data, filter);
-    EXPECT_EQ(simple.accepted, other.accepted);
-    EXPECT_EQ(listing::identity(simple.sv), listing::identity(other.sv));
-}
-
-/// A frame, from its SV header on, whose only ASDU has this content.
-Bytes withFields(Bytes const& fields) {
-    return apdu({}, ber(0x60, concat({ber(0x80, {0x01}), ber(0xA2, ber(0x30, fields))})));
-}
-
-SvMessage messageOf(std::initializer_list<char const*> svIDs) {
-    SvMessage message;
-    message.asdus.clear();
-    for (char const* const svID : svIDs) {
-        Asdu asdu;
-        asdu.svID = svID;
-        message.asdus.push_back(asdu);
-    }
-    return message;
+    expectSame(parse(data, filter), indexed<SvParser, Judged>(data, filter));
 }
 
 std::vector<SvMessage> messages() {
@@ -122,7 +89,7 @@ TEST(SvParserSimple, FieldsThatTheFrameLacksKeepTheirValue) {
     Sv sv;
     sv.svID = "before";
     sv.confRev = 7;
-    EXPECT_TRUE(SvParserSimple::parsePacket(withFields(ber(0x82, {0, 1})), 0, sv, {}));
+    EXPECT_TRUE(SvParserSimple::parsePacket(svWithFields(ber(0x82, {0, 1})), 0, sv, {}));
     EXPECT_EQ(sv.svID, "before");
     EXPECT_EQ(sv.confRev, 7U);
     EXPECT_EQ(sv.appId, 0U);
@@ -147,16 +114,16 @@ TEST(SvParserSimple, ValuesOfTheLastAsduStay) {
 }
 
 TEST(SvParserSimple, SvIdIsRenderedAndEmptyOnesAreStored) {
-    EXPECT_EQ(parse(withFields(ber(0x80, {0x41, 0, 0x42}))).sv.svID, "[41 00 42]");
-    EXPECT_EQ(parse(withFields(ber(0x80, {}))).sv.svID, "");
+    EXPECT_EQ(parse(svWithFields(ber(0x80, {0x41, 0, 0x42}))).sv.svID, "[41 00 42]");
+    EXPECT_EQ(parse(svWithFields(ber(0x80, {}))).sv.svID, "");
     EXPECT_FALSE(
-        parse(withFields(ber(0x80, {})), svFilter({wanted(&SvIdentifer::svID, "x")})).accepted);
+        parse(svWithFields(ber(0x80, {})), svFilter({wanted(&SvIdentifer::svID, "x")})).accepted);
 }
 
 TEST(SvParserSimple, ConfRevIsReadFromItsFirstFourOctets) {
-    EXPECT_EQ(parse(withFields(ber(0x83, {1, 2, 3, 4, 5}))).sv.confRev, 0x0102'0304U);
-    EXPECT_EQ(parse(withFields(ber(0x83, {1, 2}))).sv.confRev, 0x0102U);
-    EXPECT_EQ(parse(withFields(ber(0x83, {}))).sv.confRev, 0U);
+    EXPECT_EQ(parse(svWithFields(ber(0x83, {1, 2, 3, 4, 5}))).sv.confRev, 0x0102'0304U);
+    EXPECT_EQ(parse(svWithFields(ber(0x83, {1, 2}))).sv.confRev, 0x0102U);
+    EXPECT_EQ(parse(svWithFields(ber(0x83, {}))).sv.confRev, 0U);
 }
 
 TEST(SvParserSimple, LengthFieldIsNotLookedAt) {
@@ -259,7 +226,7 @@ TEST(SvParserSimple, SecondAsduThatIsRejectedLeavesItsValues) {
 TEST(SvParserSimple, FieldThatTheFrameLacksIsNoCriterion) {
     auto entry = wanted(&SvIdentifer::svID, "x");
     entry.confRev = 99;
-    EXPECT_TRUE(parse(withFields(ber(0x82, {0, 1})), svFilter({entry})).accepted);
+    EXPECT_TRUE(parse(svWithFields(ber(0x82, {0, 1})), svFilter({entry})).accepted);
 }
 
 TEST(SvParserSimple, EachCriterionIsMatchedOverTheWholeList) {

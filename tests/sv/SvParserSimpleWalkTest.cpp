@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "capture/Criteria.hpp"
+#include "capture/FrameWalk.hpp"
 #include "capture/SmallStack.hpp"
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
@@ -19,13 +20,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
-constexpr int kMaxDepth = std::numeric_limits<int>::max();
-constexpr std::size_t kMillion = 1'000'000;
-
-struct Walked {
-    bool accepted = false;
-    Sv sv = {};
-};
+using Walked = WalkedSv;
 
 Walked walk(Bytes const& buffer, bool inAsdu = false, Filter const& filter = {}, int depth = 1,
             std::size_t start = 0) {
@@ -44,12 +39,6 @@ bool findsSvId(Bytes const& buffer, bool inAsdu = false) {
 
 /// svID in an ASDU, noASDU outside of one.
 Bytes probe() { return ber(0x80, "A"); }
-
-Bytes times(std::size_t count, Bytes const& element) {
-    Bytes all;
-    for (std::size_t i = 0; i < count; ++i) append(all, element);
-    return all;
-}
 
 Filter const& wantsAnother() {
     static Filter const filter = svFilter({wanted(&SvIdentifer::svID, "another")});

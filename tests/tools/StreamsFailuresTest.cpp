@@ -81,11 +81,11 @@ TEST(Streams, ReadFilesInTheWorkingFolderWhateverTheirNames) {
 }
 
 /// Runs the program with about 100 MB of address space.
-CompanionResult runInLittleMemory(Arguments const& arguments) {
+ProcessResult runInLittleMemory(Arguments const& arguments) {
     Arguments command = {"/bin/sh", "-c", "ulimit -v 100000 && exec \"$@\"", "sh",
                          TAL_COMPANION_PATH};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return runCommand(command);
+    return run(command);
 }
 
 TEST(Streams, SayThatMemoryIsLacking) {
