@@ -1,7 +1,7 @@
 # Installs the built project into a folder of its own, uses it from there as a stranger would, and
 # again after that folder was moved.
 #
-#   cmake -D BUILD_DIR=... -D WORK_DIR=... -D CXX=... -D CXX_FLAGS=... -D CAPTURE_MAKER=...
+#   cmake -D BUILD_DIR=... -D WORK_DIR=... -D GENERATOR=... -D CXX=... -D CXX_FLAGS=... -D CAPTURE_MAKER=...
 #         -P PackageTest.cmake
 
 function(run)
@@ -23,7 +23,7 @@ endfunction()
 
 function(use_package prefix)
   run(COMMAND ${CMAKE_COMMAND} -E rm -rf ${WORK_DIR}/build)
-  run(COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK_DIR}/build
+  run(COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK_DIR}/build -G ${GENERATOR}
       -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${CXX_FLAGS} -DCMAKE_PREFIX_PATH=${prefix})
   run(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
   run(COMMAND ${WORK_DIR}/build/consumer ${capture} OUTPUT output)
