@@ -4,6 +4,7 @@
 
 #include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerReader.hpp>
+#include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -39,19 +40,23 @@ struct ApplicationHeader {
 }
 
 /// Puts the header's values into a stream record, each once it has passed its criterion.
+/// @param trace  told that the PDU is passed over when one does not pass, unless null
 /// @return false when one does not pass
 template <typename Record, typename Identifier>
 [[nodiscard]] bool takeApplicationHeader(ApplicationHeader const& header, Record& record,
-                                         std::vector<Identifier> const& filters) {
-    if (!passes(filters, &Identifier::appId, header.appId)) {
-        return false;
+                                         std::vector<Identifier> const& filters,
+                                         WalkTrace* trace = nullptr) {
+    if (passes(filters, &Identifier::appId, header.appId)) {
+        record.appId = header.appId;
+        if (passes(filters, &Identifier::reserved1Bit0, header.reserved1Bit0)) {
+            record.reserved1Bit0 = header.reserved1Bit0;
+            return true;
+        }
     }
-    record.appId = header.appId;
-    if (!passes(filters, &Identifier::reserved1Bit0, header.reserved1Bit0)) {
-        return false;
+    if (trace != nullptr) {
+        trace->passOver(header.pdu);
     }
-    record.reserved1Bit0 = header.reserved1Bit0;
-    return true;
+    return false;
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -5,7 +5,10 @@
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
 #include <TalIec61850Parser/codec/BerReader.hpp>
+#include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
+#include <TalIec61850Parser/store/Timest.hpp>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -21,14 +24,45 @@ struct IndexTarget {
     Db& db;
 };
 
+/// The time of a packet as the store keeps it, from a record of the target's file.
+inline Timest packetTime(std::uint32_t tsSec, std::uint32_t tsUsec, bool isNanosecond) {
+    constexpr std::uint32_t nanosecondsPerMicrosecond = 1000;
+    return {tsSec, tsUsec * (isNanosecond ? 1U : nanosecondsPerMicrosecond)};
+}
+
+/// What one frame of an SV stream does to its statistics.
+inline void follow(Sv const& stream, std::uint16_t smpCnt, std::uint16_t smpRate,
+                   std::uint32_t noASDU) {
+    stream.maxSmpCnt = std::max(stream.maxSmpCnt, smpCnt);
+    stream.smpRate = smpRate;
+    stream.maxNoASDU = std::max(stream.maxNoASDU, noASDU);
+}
+
+/// What became of a frame: where its packet went, and what of it went there.
+struct IndexedFrame {
+    /// The packets of the frame's stream in the capture file; null when the frame is not wanted.
+    PackageFile const* file = nullptr;
+    /// That of the stream.
+    std::uint32_t* packetCount = nullptr;
+    /// The stream, if it is one of SV.
+    Sv const* sv = nullptr;
+    /// Of the packet in the capture file.
+    std::uint64_t position = 0;
+    std::uint16_t smpRate = 0;
+    std::uint32_t noASDU = 0;
+};
+
 /// PcapPacketParser::parsePacket.
 /// @param recordPosition  offset in the capture file of `record[0]`
-void indexRecord(Octets record, std::uint64_t recordPosition, bool isLittleEndian,
-                 IndexTarget const& target);
+/// @param trace           begun for a GOOSE or SV frame that the filter does not switch off, and
+///                        told what was passed over of it, unless null
+IndexedFrame indexRecord(Octets record, std::uint64_t recordPosition, bool isLittleEndian,
+                         IndexTarget const& target, WalkTrace* trace = nullptr);
 
 /// EthernetParser::parsePacket.
 /// @param bufferPosition  offset in the capture file of `buffer[0]`
-void indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
-                PcapPacketHeader const& header, IndexTarget const& target);
+IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
+                        PcapPacketHeader const& header, IndexTarget const& target,
+                        WalkTrace* trace = nullptr);
 
 }  // namespace TalIec61850Parser::detail

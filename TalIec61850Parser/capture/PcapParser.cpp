@@ -1,6 +1,5 @@
-#include <TalIec61850Parser/capture/FrameIndex.hpp>
+#include <TalIec61850Parser/capture/CaptureIndex.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
-#include <TalIec61850Parser/capture/RecordReader.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -30,8 +29,6 @@ constexpr std::array<Variant, 4> kVariants = {{
 
 constexpr Magic kNextGenerationMagic = {0x0A, 0x0D, 0x0D, 0x0A};
 constexpr std::streamoff kNextGenerationByteOrderOffset = 8;
-
-constexpr std::uint32_t kRecordsPerProgress = 1000;
 
 Magic readMagic(std::istream& file) {
     Magic magic{};
@@ -77,25 +74,8 @@ void PcapParser::parseFile(std::string const& fileName, Db& db, Filter const& fi
 void PcapParser::_parseFilePcap(PcapFile& file, bool isNanosecond, bool isLittleEndian, Db& db,
                                 Filter const& filter, std::atomic<bool> const& stopFlag,
                                 unsigned long fileSize, std::function<void(double)> progress) {
-    detail::IndexTarget const target{
-        .fileName = file.fileName, .isNanosecond = isNanosecond, .filter = filter, .db = db};
-    detail::RecordReader records(file, isLittleEndian);
-    for (std::uint32_t count = 0;; ++count) {
-        if (records.atEnd()) {
-            if (progress) {
-                progress(1.0);
-            }
-            return;
-        }
-        if (stopFlag) {
-            return;
-        }
-        if (count % kRecordsPerProgress == 0 && fileSize != 0 && progress) {
-            progress(static_cast<double>(records.position()) / static_cast<double>(fileSize));
-        }
-        file.recordPosition = records.position();
-        detail::indexRecord(records.next(), file.recordPosition, isLittleEndian, target);
-    }
+    detail::indexCapture(file, isNanosecond, isLittleEndian, db, filter, stopFlag, fileSize,
+                         progress, detail::Lane::fast);
 }
 
 void PcapParser::_parseFilePcapNg(PcapFile& /*file*/, bool /*isNanosecond*/,

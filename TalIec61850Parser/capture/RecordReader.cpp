@@ -25,29 +25,19 @@ RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
     position_ = kGlobalHeaderSize;
 }
 
-bool RecordReader::atEnd() {
-    require(1);
-    return available() == 0;
-}
-
-Octets RecordReader::next() {
-    require(RecordHeader::kSize);
+Octets RecordReader::nextAcrossBlocks() {
     if (available() < RecordHeader::kSize) {
         appendZeros(RecordHeader::kSize - available());
     }
-    auto const header = RecordHeader::read(Octets(buffer_).subspan(begin_), isLittleEndian_);
-    std::size_t const claimed = RecordHeader::kSize + header.inclLen;
+    std::size_t const claimed = RecordHeader::kSize + inclLen();
     require(claimed);
     if (available() < claimed) {
         appendZeros(std::min(claimed - available(), kMaxPadding));
     }
-    Octets const record = Octets(buffer_).subspan(begin_, std::min(claimed, available()));
-    begin_ += record.size();
-    position_ += claimed;
-    return record;
+    return take(std::min(claimed, available()), claimed);
 }
 
-void RecordReader::require(std::size_t size) {
+void RecordReader::readUntil(std::size_t size) {
     while (available() < size && !fileEnded_) {
         makeRoom(size);
         readBlock();

@@ -48,20 +48,53 @@ public:
     RecordReader(std::istream& file, bool isLittleEndian);
 
     /// Whether the file holds no further octet. Octets too few for a record still make one.
-    [[nodiscard]] bool atEnd();
+    [[nodiscard]] bool atEnd() {
+        require(1);
+        return available() == 0;
+    }
 
     /// Offset in the file of the next record's header.
     [[nodiscard]] std::uint64_t position() const { return position_; }
 
     /// The next record, header and captured octets in one; valid until the next call.
     /// @pre not atEnd()
-    [[nodiscard]] Octets next();
+    [[nodiscard]] Octets next() {
+        require(RecordHeader::kSize);
+        if (available() >= RecordHeader::kSize) {
+            std::size_t const size = RecordHeader::kSize + inclLen();
+            if (available() >= size) {
+                return take(size, size);
+            }
+        }
+        return nextAcrossBlocks();
+    }
 
 private:
     [[nodiscard]] std::size_t available() const { return end_ - begin_; }
 
+    /// inclLen of the header that begins the available octets.
+    [[nodiscard]] std::size_t inclLen() const {
+        return RecordHeader::read(Octets(buffer_).subspan(begin_), isLittleEndian_).inclLen;
+    }
+
+    /// Shows the next `size` octets, as a record that takes `sizeInFile` octets of the file.
+    Octets take(std::size_t size, std::size_t sizeInFile) {
+        Octets const record = Octets(buffer_).subspan(begin_, size);
+        begin_ += size;
+        position_ += sizeInFile;
+        return record;
+    }
+
+    /// `next` for a record that is not wholly in the buffer yet.
+    Octets nextAcrossBlocks();
+
     /// Makes `size` octets available, or as many as the file still holds.
-    void require(std::size_t size);
+    void require(std::size_t size) {
+        if (available() < size) {
+            readUntil(size);
+        }
+    }
+    void readUntil(std::size_t size);
     /// Makes room behind `end_`: for a record of `size` octets, at most doubling what there is.
     void makeRoom(std::size_t size);
     void readBlock();

@@ -84,4 +84,15 @@ constexpr bool isStructure(std::uint8_t tag, std::uint8_t pduTag) {
     return true;
 }
 
+/// Whether `readElement` is bound to fail at the begin of `data` for what the length octet alone
+/// says: true means so, false means nothing. Without a branch, for octets as good as random.
+[[nodiscard]] constexpr bool isPlainlyUnreadable(Octets data) noexcept {
+    if (data.size() < 2) {
+        return true;
+    }
+    std::uint32_t const length = data[1];
+    bool const isLongForm = length - ber::kLongForm <= ber::kMaxLengthOctets;
+    return !isLongForm & (length > data.size() - 2);
+}
+
 }  // namespace TalIec61850Parser::detail

@@ -3,6 +3,7 @@
 // Internal: the walk over nested BER elements that GOOSE and SV share.
 
 #include <TalIec61850Parser/codec/BerReader.hpp>
+#include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -14,6 +15,7 @@ namespace TalIec61850Parser::detail {
 /// What a handler wants done with the element that it was shown.
 enum class WalkStep {
     next,      ///< go on with the element behind it
+    skip,      ///< the same, and nothing depends on what its value holds
     descend,   ///< walk its value one level deeper, unless that is empty, then go on
     endLevel,  ///< look at no further element of this level, go on above it
     reject,    ///< end the whole walk
@@ -28,6 +30,8 @@ struct WalkLevel {
     std::int64_t depth = 1;
     /// Whether elements here belong to an ASDU (SV); a level inherits it from the one above.
     bool inAsdu = false;
+
+    friend bool operator==(WalkLevel const&, WalkLevel const&) = default;
 };
 
 /// The unfinished levels above the one being walked. They lie in place up to the nesting that real
@@ -73,6 +77,20 @@ private:
 inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
 inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::max();
 
+/// What follows the one element of a PDU, a trailer for instance, if it is small enough for
+/// `passesOverTail`.
+inline constexpr std::size_t kMaxTailSize = 2 * (kMaxElementsPerLevel - 1);
+
+/// Tells the trace about the octets that a level leaves: from `start` on, of which those in front
+/// of `position` were looked at.
+inline void traceLevelEnd(WalkTrace& trace, Octets left, std::size_t lookedAt, bool isBehindPdu) {
+    if (isBehindPdu && left.size() <= kMaxTailSize) {
+        trace.endAt(left);
+    } else {
+        trace.passOver(left.subspan(lookedAt));
+    }
+}
+
 /// Walks the elements of `data` depth first and shows each to the handler. An element that cannot
 /// be read ends its level quietly, the levels above go on.
 ///
@@ -80,17 +98,24 @@ inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::
 /// @param level    the state of the first level
 /// @param handler  `WalkStep handler(BerElement const&, std::size_t position, WalkLevel&)`, where
 ///                 `position` is the index in `data` of the element's identifier octet
+/// @param trace    told what was passed over, unless null; `data` is part of its frame
 /// @return false only when the handler rejected
 template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Handler>
-[[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler const& handler) {
+[[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler const& handler,
+                                WalkTrace* trace = nullptr) {
     WalkStack unfinished;
     WalkStack::Entry now{.level = level, .position = 0, .end = data.size(), .elementCount = 0};
     for (;;) {
         BerElement element;
         std::size_t const start = now.position;
-        bool const levelGoesOn = now.elementCount < maxElementsPerLevel &&
-                                 readElement(data.first(now.end), now.position, element);
-        if (!levelGoesOn) {
+        bool const isFull = now.elementCount == maxElementsPerLevel;
+        if (isFull || !readElement(data.first(now.end), now.position, element)) {
+            if (trace != nullptr) {
+                bool const isBehindPdu =
+                    !isFull && now.level == WalkLevel{} && now.elementCount == 1;
+                traceLevelEnd(*trace, data.subspan(start, now.end - start), now.position - start,
+                              isBehindPdu);
+            }
             if (unfinished.empty()) {
                 return true;
             }
@@ -101,10 +126,18 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
         switch (handler(element, start, now.level)) {
             case WalkStep::next:
                 break;
+            case WalkStep::skip:
+                if (trace != nullptr) {
+                    trace->passOver(element.value);
+                }
+                break;
             case WalkStep::endLevel:
                 now.position = now.end;
                 break;
             case WalkStep::reject:
+                if (trace != nullptr) {
+                    trace->passOver(data.subspan(now.position));
+                }
                 return false;
             case WalkStep::descend:
                 if (element.value.empty()) {
@@ -121,6 +154,16 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
                 break;
         }
     }
+}
+
+/// Whether a walk that came to these octets behind a PDU would pass over them to their end.
+/// @param tail  at most `kMaxTailSize` octets, so that no walk comes to its bound here
+template <typename Handler>
+[[nodiscard]] bool passesOverTail(Octets tail, Handler const& handler) {
+    return walkElements(tail, {},
+                        [&](BerElement const& element, std::size_t position, WalkLevel& level) {
+                            return nextIf(handler(element, position, level) == WalkStep::skip);
+                        });
 }
 
 }  // namespace TalIec61850Parser::detail

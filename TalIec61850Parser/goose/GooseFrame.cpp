@@ -45,7 +45,7 @@ WalkStep takeField(BerElement const& field, Goose& goose,
         case kAllData:
             return WalkStep::descend;
         default:
-            return WalkStep::next;
+            return WalkStep::skip;
     }
 }
 
@@ -53,16 +53,14 @@ WalkStep takeField(BerElement const& field, Goose& goose,
 /// a goosePdu may lie deeper still.
 WalkStep passData(BerElement const& element) {
     bool const isNested = element.tag == kPrimitiveArray || element.tag == kPrimitiveStructure;
-    return isNested ? WalkStep::descend : WalkStep::next;
+    return isNested ? WalkStep::descend : WalkStep::skip;
 }
 
-}  // namespace
-
-bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
-                  PcapPacketHeader const& header, Goose& goose, Package& package,
-                  Filter const& filter) {
-    auto const handle = [&](BerElement const& element, std::size_t position,
-                            WalkLevel const& current) {
+/// What walkGoosePdu does with each element. Refers to its arguments.
+auto gooseHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Goose& goose,
+                  Package& package, Filter const& filter) {
+    return [&, filePosition](BerElement const& element, std::size_t position,
+                             WalkLevel const& current) {
         if (element.tag == kGoosePdu) {
             package.time = {header.tsSec, header.tsUsec};
             package.position = filePosition + position;
@@ -74,19 +72,33 @@ bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
         if (ber::isContextPrimitive(element.tag) && current.depth > kFieldDepth) {
             return passData(element);
         }
-        return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::next;
+        return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::skip;
     };
-    return walkElements(pdu, level, handle);
+}
+
+}  // namespace
+
+bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
+                  PcapPacketHeader const& header, Goose& goose, Package& package,
+                  Filter const& filter, WalkTrace* trace) {
+    return walkElements(pdu, level, gooseHandler(filePosition, header, goose, package, filter),
+                        trace);
+}
+
+bool walkGoosePduPassesOver(Octets tail) {
+    Goose goose;
+    Package package;
+    return passesOverTail(tail, gooseHandler(0, {}, goose, package, {}));
 }
 
 bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, Filter const& filter) {
     auto const handle = [&](BerElement const& element, std::size_t, WalkLevel const& current) {
         if (!ber::isContextPrimitive(element.tag)) {
-            return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::next;
+            return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::skip;
         }
         bool const isField =
             current.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
-        return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::next;
+        return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::skip;
     };
     return walkElements(pdu, level, handle);
 }
@@ -98,11 +110,12 @@ bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose, Filter co
 }
 
 bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
-                    std::uint64_t position, Goose& goose, Package& package, Filter const& filter) {
+                    std::uint64_t position, Goose& goose, Package& package, Filter const& filter,
+                    WalkTrace* trace) {
     auto const application = readApplicationHeader(data, offset);
-    return application && takeApplicationHeader(*application, goose, filter.gooseFilters) &&
+    return application && takeApplicationHeader(*application, goose, filter.gooseFilters, trace) &&
            walkGoosePdu(application->pdu, {}, position + offset + ApplicationHeader::kSize, header,
-                        goose, package, filter);
+                        goose, package, filter, trace);
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -13,14 +13,19 @@
 namespace TalIec61850Parser::detail {
 
 /// GooseParser::parsePacket.
+/// @param trace  told what was passed over, unless null; `data` ends where its frame ends
 [[nodiscard]] bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
                                   std::uint64_t position, Goose& goose, Package& package,
-                                  Filter const& filter);
+                                  Filter const& filter, WalkTrace* trace = nullptr);
 
 /// GooseParser::_parseAsn1Structure.
 [[nodiscard]] bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
                                 PcapPacketHeader const& header, Goose& goose, Package& package,
-                                Filter const& filter);
+                                Filter const& filter, WalkTrace* trace = nullptr);
+
+/// Whether walkGoosePdu would pass over octets behind a goosePdu, whatever the filter.
+/// @param tail  see passesOverTail
+[[nodiscard]] bool walkGoosePduPassesOver(Octets tail);
 
 /// GooseParserSimple::parsePacket.
 [[nodiscard]] bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose,

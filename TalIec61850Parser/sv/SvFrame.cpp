@@ -19,15 +19,19 @@ WalkStep takeIdentity(BerElement const& field, Sv& sv, std::vector<SvIdentifer> 
             sv.confRev = toUint32(field.value);
             return nextIf(passes(filters, &SvIdentifer::confRev, *sv.confRev));
         default:
-            return WalkStep::next;
+            return WalkStep::skip;
     }
 }
 
 /// One primitive field of an ASDU.
-WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
+WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters,
+                       WalkTrace* trace) {
     switch (ber::tagNumber(field.tag)) {
         case kSmpCnt:
             sv.maxSmpCnt = toUint16(field.value);
+            if (trace != nullptr) {
+                trace->readAgain(field.value);
+            }
             return WalkStep::next;
         case kSmpRate:
             sv.smpRate = toUint16(field.value);
@@ -41,40 +45,55 @@ WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer>
 WalkStep takePduField(BerElement const& field, Sv& sv) {
     if (ber::tagNumber(field.tag) == kNoAsdu) {
         sv.maxNoASDU = toUint8(field.value);
+        return WalkStep::next;
     }
-    return WalkStep::next;
+    return WalkStep::skip;
 }
 
-}  // namespace
-
-bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
-                PcapPacketHeader const& header, Sv& sv, Package& package, Filter const& filter) {
-    auto const handle = [&](BerElement const& element, std::size_t position, WalkLevel& current) {
+/// What walkSavPdu does with each element. Refers to its arguments.
+auto svHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Sv& sv, Package& package,
+               Filter const& filter, WalkTrace* trace) {
+    return [&, filePosition, trace](BerElement const& element, std::size_t position,
+                                    WalkLevel& current) {
         if (element.tag == kSequenceOfAsdu) {
             package.time = {header.tsSec, header.tsUsec};
             package.position = filePosition + position;
             return WalkStep::descend;
         }
         if (ber::isContextPrimitive(element.tag)) {
-            return current.inAsdu ? takeAsduField(element, sv, filter.svFilters)
+            return current.inAsdu ? takeAsduField(element, sv, filter.svFilters, trace)
                                   : takePduField(element, sv);
         }
         // Deliberate: from the first ASDU on, whatever follows on its level counts as in one.
         current.inAsdu = current.inAsdu || element.tag == ber::kSequence;
-        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::next;
+        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::skip;
     };
-    return walkElements(pdu, level, handle);
+}
+
+}  // namespace
+
+bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
+                PcapPacketHeader const& header, Sv& sv, Package& package, Filter const& filter,
+                WalkTrace* trace) {
+    return walkElements(pdu, level, svHandler(filePosition, header, sv, package, filter, trace),
+                        trace);
+}
+
+bool walkSavPduPassesOver(Octets tail) {
+    Sv sv;
+    Package package;
+    return passesOverTail(tail, svHandler(0, {}, sv, package, {}, nullptr));
 }
 
 bool walkSvIdentity(Octets pdu, WalkLevel level, Sv& sv, Filter const& filter) {
     auto const handle = [&](BerElement const& element, std::size_t, WalkLevel& current) {
         if (ber::isContextPrimitive(element.tag)) {
-            return current.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::next;
+            return current.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::skip;
         }
         // Deliberate: unlike above, an empty ASDU opens nothing.
         current.inAsdu =
             current.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
-        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::next;
+        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::skip;
     };
     return walkElements(pdu, level, handle);
 }
@@ -86,11 +105,12 @@ bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filt
 }
 
 bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
-                 std::uint64_t position, Sv& sv, Package& package, Filter const& filter) {
+                 std::uint64_t position, Sv& sv, Package& package, Filter const& filter,
+                 WalkTrace* trace) {
     auto const application = readApplicationHeader(data, offset);
-    return application && takeApplicationHeader(*application, sv, filter.svFilters) &&
+    return application && takeApplicationHeader(*application, sv, filter.svFilters, trace) &&
            walkSavPdu(application->pdu, {}, position + offset + ApplicationHeader::kSize, header,
-                      sv, package, filter);
+                      sv, package, filter, trace);
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -13,14 +13,20 @@
 namespace TalIec61850Parser::detail {
 
 /// SvParser::parsePacket.
+/// @param trace  told what was passed over, unless null; `data` ends where its frame ends. smpCnt
+///               is the number to read again.
 [[nodiscard]] bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
                                std::uint64_t position, Sv& sv, Package& package,
-                               Filter const& filter);
+                               Filter const& filter, WalkTrace* trace = nullptr);
 
 /// SvParser::_parseAsn1Structure.
 [[nodiscard]] bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
                               PcapPacketHeader const& header, Sv& sv, Package& package,
-                              Filter const& filter);
+                              Filter const& filter, WalkTrace* trace = nullptr);
+
+/// Whether walkSavPdu would pass over octets behind a savPdu, whatever the filter.
+/// @param tail  see passesOverTail
+[[nodiscard]] bool walkSavPduPassesOver(Octets tail);
 
 /// SvParserSimple::parsePacket.
 [[nodiscard]] bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter);

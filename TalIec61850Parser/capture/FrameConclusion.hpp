@@ -1,0 +1,34 @@
+#pragma once
+
+// Internal: what indexing concluded from a frame, for frames like it.
+
+#include <TalIec61850Parser/store/PackageFile.hpp>
+#include <TalIec61850Parser/store/Sv.hpp>
+#include <cstdint>
+
+namespace TalIec61850Parser::detail {
+
+/// Where the packet of a frame goes, and what of it lies where. Positions are octets from the begin
+/// of the frame.
+struct FrameConclusion {
+    /// The packets of the frame's stream in the capture file; null when the frame is not wanted.
+    PackageFile const* file = nullptr;
+    /// That of the stream.
+    std::uint32_t* packetCount = nullptr;
+    /// The stream, if it is one of SV.
+    Sv const* sv = nullptr;
+    /// Which state of the store these pointers are from.
+    std::uint32_t storeAge = 0;
+
+    /// The element from which the packet can be decoded; 0 when the frame has none.
+    std::uint16_t packetPosition = 0;
+    std::uint16_t smpCntPosition = 0;
+    std::uint16_t smpCntSize = 0;
+    /// Octets behind the PDU that the walk would not go into; 0 when it depends on them otherwise.
+    std::uint16_t tailPosition = 0;
+
+    std::uint16_t smpRate = 0;
+    std::uint8_t noASDU = 0;
+};
+
+}  // namespace TalIec61850Parser::detail
