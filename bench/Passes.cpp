@@ -1,0 +1,147 @@
+#include "bench/Passes.hpp"
+
+#include <fcntl.h>
+#include <pcap/pcap.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <TalIec61850Parser/TalIec61850Parser.hpp>
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace TalBench {
+
+using TalIec61850Parser::Db;
+using TalIec61850Parser::Filter;
+
+namespace {
+
+constexpr std::size_t blockSize = std::size_t{1} << 20;
+
+std::uint64_t packetsIn(Db const& db) {
+    std::uint64_t packets = 0;
+    for (auto const& stream : db.gooseProto.streams) {
+        packets += stream.packetCount;
+    }
+    for (auto const& stream : db.svProto.streams) {
+        packets += stream.packetCount;
+    }
+    return packets;
+}
+
+std::uint64_t readThrough(std::string const& path, std::vector<char>& block) {
+    int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    std::uint64_t octets = 0;
+    ssize_t count = 0;
+    while ((count = ::read(file, block.data(), block.size())) > 0) {
+        octets += static_cast<std::uint64_t>(count);
+    }
+    ::close(file);
+    return octets;
+}
+
+std::uint64_t walkRecords(std::string const& path) {
+    std::array<char, PCAP_ERRBUF_SIZE> error{};
+    std::unique_ptr<pcap_t, void (*)(pcap_t*)> const file(
+        pcap_open_offline(path.c_str(), error.data()), [](pcap_t* open) {
+            if (open != nullptr) {
+                pcap_close(open);
+            }
+        });
+    std::uint64_t frames = 0;
+    pcap_pkthdr* header = nullptr;
+    unsigned char const* frame = nullptr;
+    while (file && pcap_next_ex(file.get(), &header, &frame) == 1) {
+        ++frames;
+    }
+    return frames;
+}
+
+/// Runs a program whose output nobody reads.
+/// @return whether it ended well
+bool runSilently(std::vector<std::string> command) {
+    std::vector<char*> arguments;
+    for (auto& argument : command) {
+        arguments.push_back(argument.data());
+    }
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions{};
+    posix_spawn_file_actions_init(&actions);
+    for (int const output : {STDOUT_FILENO, STDERR_FILENO}) {
+        posix_spawn_file_actions_addopen(&actions, output, "/dev/null", O_WRONLY, 0);
+    }
+    pid_t child = 0;
+    int const failure =
+        posix_spawnp(&child, arguments.front(), &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    int status = 0;
+    return failure == 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+           WEXITSTATUS(status) == 0;
+}
+
+}  // namespace
+
+Race::Body indexPass(std::string const& path, Filter const& filter, std::uint64_t packets,
+                     std::function<void(double)> const& progress) {
+    return [=](benchmark::State& state) {
+        std::atomic<bool> const neverStop = false;
+        for (auto _ : state) {
+            auto db = std::make_unique<Db>();
+            TalIec61850Parser::PcapParser::parseFile(path, *db, filter, neverStop, progress);
+            state.PauseTiming();
+            if (packetsIn(*db) != packets) {
+                state.SkipWithError("the index does not hold what it should");
+                return;
+            }
+            db.reset();
+            state.ResumeTiming();
+        }
+    };
+}
+
+Race::Body readPass(std::string const& path) {
+    return [path, size = std::filesystem::file_size(path)](benchmark::State& state) {
+        std::vector<char> block(blockSize);
+        for (auto _ : state) {
+            if (readThrough(path, block) != size) {
+                state.SkipWithError("the file was not read to its end");
+                return;
+            }
+        }
+    };
+}
+
+Race::Body libpcapPass(std::string const& path, std::uint64_t frames) {
+    return [=](benchmark::State& state) {
+        for (auto _ : state) {
+            if (walkRecords(path) != frames) {
+                state.SkipWithError("libpcap did not find all records");
+                return;
+            }
+        }
+    };
+}
+
+Race::Body tsharkPass(std::string const& path) {
+    return [path](benchmark::State& state) {
+        for (auto _ : state) {
+            if (!runSilently({"tshark", "-r", path, "-T", "fields", "-e", "frame.time_epoch", "-e",
+                              "sv.svID", "-e", "sv.smpCnt"})) {
+                state.SkipWithError("tshark failed");
+                return;
+            }
+        }
+    };
+}
+
+bool hasTshark() {
+    static bool const has = runSilently({"tshark", "--version"});
+    return has;
+}
+
+}  // namespace TalBench

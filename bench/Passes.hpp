@@ -1,0 +1,34 @@
+#pragma once
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "bench/Race.hpp"
+
+// Contenders that pass over a whole capture file once in an iteration. Each counts what it finds,
+// and says that it failed when that is not what is expected.
+
+namespace TalBench {
+
+/// Indexes the capture into a fresh store, which is destroyed outside the time.
+/// @param packets   that the store is to hold then
+/// @param progress  called as PcapParser calls it
+[[nodiscard]] Race::Body indexPass(std::string const& path, TalIec61850Parser::Filter const& filter,
+                                   std::uint64_t packets,
+                                   std::function<void(double)> const& progress = {});
+
+/// Reads the file with read(2) in blocks of 1 MiB: no reader is faster by much.
+[[nodiscard]] Race::Body readPass(std::string const& path);
+
+/// Walks the records with libpcap's pcap_next_ex, and does nothing with them.
+[[nodiscard]] Race::Body libpcapPass(std::string const& path, std::uint64_t frames);
+
+/// Has tshark print time, svID and smpCnt of each frame to nowhere.
+[[nodiscard]] Race::Body tsharkPass(std::string const& path);
+
+/// Whether there is a tshark to run.
+[[nodiscard]] bool hasTshark();
+
+}  // namespace TalBench

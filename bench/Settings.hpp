@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+namespace TalBench {
+
+/// How thoroughly to measure.
+struct Settings {
+    int rounds = 7;
+    /// What numbers of frames are divided by; more than 1 for trying things out.
+    std::uint64_t divisor = 1;
+};
+
+}  // namespace TalBench

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string_view>
+
+#include "bench/Settings.hpp"
+
+// What is measured. Each function writes its rows of the table.
+
+namespace TalBench {
+
+/// Indexing one workload, against reading the file, libpcap's loop and, for some, tshark; for some
+/// also with a progress callback against without.
+/// @param workload  the name of one of them
+void measureIndex(std::string_view workload, Settings const& settings);
+
+/// `measureIndex` of every workload but those whose streams grow in number.
+void measureIndexes(Settings const& settings);
+
+/// Nanoseconds per frame as captures grow in frames, and in streams.
+void measureGrowth(Settings const& settings);
+
+/// Time windows and nearest packets, against a binary search in the same list.
+void measureQueries(Settings const& settings);
+
+/// Decoding one packet from its file, against reading its octets.
+void measureDecode(Settings const& settings);
+
+/// Judging a single frame, against copying it; and what it allocates.
+void measureJudge(Settings const& settings);
+
+/// What the index weighs, and what indexing allocates.
+void measureMemory(Settings const& settings);
+
+}  // namespace TalBench

@@ -1,0 +1,38 @@
+#include "bench/Traffic.hpp"
+
+namespace TalBench {
+
+namespace {
+
+constexpr std::uint64_t seed = 61850;
+
+}  // namespace
+
+Sent Traffic::sendFrom(std::size_t publisher, std::uint64_t time) const {
+    Publisher& sender = *publishers_[publisher];
+    return {.time = time, .frame = sender.send(), .isWanted = sender.isWanted()};
+}
+
+TakingTurns::TakingTurns(Publishers publishers, std::uint64_t cycle)
+    : Traffic(std::move(publishers)), cycle_(cycle) {}
+
+Sent TakingTurns::next() {
+    std::size_t const turn = turn_;
+    std::uint64_t const time = cycleBegin_ + turn * cycle_ / numPublishers();
+    if (++turn_ == numPublishers()) {
+        turn_ = 0;
+        cycleBegin_ += cycle_;
+    }
+    return sendFrom(turn, time);
+}
+
+DrawingLots::DrawingLots(Publishers publishers, std::uint64_t interval)
+    : Traffic(std::move(publishers)), generator_(seed), interval_(interval) {}
+
+Sent DrawingLots::next() {
+    time_ += interval_;
+    // Not a distribution of the standard library: those draw differently from one to the next.
+    return sendFrom(generator_() % numPublishers(), time_);
+}
+
+}  // namespace TalBench
