@@ -1,28 +1,26 @@
 #include <TalIec61850Parser/capture/ElementFile.hpp>
-#include <TalIec61850Parser/capture/PcapFile.hpp>
+#include <TalIec61850Parser/capture/OpenMode.hpp>
 #include <TalIec61850Parser/codec/ShortLength.hpp>
 #include <array>
 #include <cstddef>
-#include <istream>
+#include <fstream>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
 
-bool readOctets(std::istream& file, std::uint8_t* octets, std::size_t count) {
-    file.read(reinterpret_cast<char*>(octets), static_cast<std::streamsize>(count));
-    return file.good();
+using Content = std::optional<std::vector<std::uint8_t>>;
+
+bool readOctets(std::streambuf& file, std::uint8_t* octets, std::size_t count) {
+    auto const wanted = static_cast<std::streamsize>(count);
+    return file.sgetn(reinterpret_cast<char*>(octets), wanted) == wanted;
 }
 
-}  // namespace
-
-std::optional<std::vector<std::uint8_t>> readElementContent(std::string const& fileName,
-                                                            std::uint64_t position,
-                                                            std::uint8_t tag) {
-    PcapFile file(fileName);
-    file.seekg(static_cast<std::streamoff>(position));
+Content readContent(std::streambuf& file, std::uint64_t position, std::uint8_t tag) {
+    auto const offset = static_cast<std::streamoff>(position);
     std::array<std::uint8_t, 4> header{};
-    if (!readOctets(file, header.data(), 2) || header[0] != tag) {
+    if (file.pubseekoff(offset, std::ios_base::beg, std::ios_base::in) == std::streamoff(-1) ||
+        !readOctets(file, header.data(), 2) || header[0] != tag) {
         return std::nullopt;
     }
     auto const further = furtherLengthOctets(header[1]);
@@ -34,6 +32,23 @@ std::optional<std::vector<std::uint8_t>> readElementContent(std::string const& f
         return std::nullopt;
     }
     return content;
+}
+
+}  // namespace
+
+Content readElementContent(std::string const& fileName, std::uint64_t position, std::uint8_t tag) {
+    // Most packets fit in: one read brings in header and content, and no buffer is allocated.
+    std::array<char, 1024> buffer;  // NOLINT(*-member-init): filled before it is read
+    std::filebuf file;
+    file.pubsetbuf(buffer.data(), buffer.size());
+    if (file.open(fileName, openMode(fileName)) == nullptr) {
+        return std::nullopt;
+    }
+    try {
+        return readContent(file, position, tag);
+    } catch (std::ios_base::failure const&) {
+        return std::nullopt;  // what a stream would have turned into its bad state
+    }
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -7,6 +7,7 @@
 #include <limits>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace TalIec61850Parser::detail {
 
@@ -32,16 +33,20 @@ std::string toPlainHex(Octets value) {
 
 bool isPrintable(std::uint8_t octet) { return octet >= 0x20 && octet <= 0x7E; }
 
-/// "%Y-%m-%d %H:%M:%S" in UTC; nullopt where the year does not fit the calendar's int.
-std::optional<std::string> toCalendar(std::int64_t secondsSince1970) {
+/// "%Y-%m-%d %H:%M:%S" in UTC and then `suffix`; nullopt where the year does not fit the calendar's
+/// int.
+std::optional<std::string> toCalendar(std::int64_t secondsSince1970, std::string_view suffix) {
     std::time_t const seconds = secondsSince1970;
     std::tm calendar{};
     if (gmtime_r(&seconds, &calendar) == nullptr) {
         return std::nullopt;
     }
     std::array<char, 100> text{};
-    return std::string(text.data(),
-                       std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &calendar));
+    std::size_t const size =
+        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &calendar);
+    std::string result;
+    result.reserve(size + suffix.size());
+    return result.append(text.data(), size).append(suffix);
 }
 
 /// Whole seconds, cut toward zero; the smallest number for what no such number can hold.
@@ -52,8 +57,8 @@ std::int64_t toWholeSeconds(double seconds) {
 }
 
 std::string secondsToDateTime(std::int64_t seconds, Octets value) {
-    auto const calendar = toCalendar(seconds);
-    return calendar ? *calendar + " UTC" : toPlainHex(value);
+    auto calendar = toCalendar(seconds, " UTC");
+    return calendar ? *std::move(calendar) : toPlainHex(value);
 }
 
 /// Day and time of day, one octet each, behind two octets of milliseconds; nothing is checked.
@@ -121,15 +126,12 @@ std::string referenceTimeToDateTime(Octets value) {
         return "Invalid refrTm data";
     }
     auto const count = readBigEndian<std::uint64_t>(value);
-    auto const calendar = toCalendar(static_cast<std::int64_t>(count / kNanosecondsPerSecond));
-    if (!calendar) {
-        return "Invalid time";
-    }
     auto const milliseconds =
         static_cast<unsigned>(count % kNanosecondsPerSecond / kNanosecondsPerMillisecond);
-    std::array<char, 8> fraction{};
-    std::snprintf(fraction.data(), fraction.size(), ".%03u", milliseconds);
-    return *calendar + fraction.data() + " UTC";
+    std::array<char, 12> suffix{};
+    std::snprintf(suffix.data(), suffix.size(), ".%03u UTC", milliseconds);
+    auto const seconds = static_cast<std::int64_t>(count / kNanosecondsPerSecond);
+    return toCalendar(seconds, suffix.data()).value_or("Invalid time");
 }
 
 }  // namespace TalIec61850Parser::detail
