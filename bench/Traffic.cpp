@@ -26,6 +26,26 @@ Sent TakingTurns::next() {
     return sendFrom(turn, time);
 }
 
+TakingTurnsWithGuests::TakingTurnsWithGuests(Publishers publishers, std::size_t turns,
+                                             std::size_t perGuest, std::uint64_t interval)
+    : Traffic(std::move(publishers)),
+      turns_(turns),
+      perGuest_(perGuest),
+      interval_(interval),
+      generator_(seed) {}
+
+Sent TakingTurnsWithGuests::next() {
+    time_ += interval_;
+    if (sinceGuest_ == perGuest_) {
+        sinceGuest_ = 0;
+        return sendFrom(turns_ + generator_() % (numPublishers() - turns_), time_);
+    }
+    ++sinceGuest_;
+    std::size_t const turn = turn_;
+    turn_ = (turn_ + 1) % turns_;
+    return sendFrom(turn, time_);
+}
+
 DrawingLots::DrawingLots(Publishers publishers, std::uint64_t interval)
     : Traffic(std::move(publishers)), generator_(seed), interval_(interval) {}
 

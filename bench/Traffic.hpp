@@ -50,6 +50,28 @@ private:
     std::size_t turn_ = 0;
 };
 
+/// Some take turns; after every few of their frames comes one of another publisher, which is drawn.
+class TakingTurnsWithGuests : public Traffic {
+public:
+    /// @param publishers  first those that take turns, then the guests
+    /// @param turns       how many publishers take turns
+    /// @param perGuest    frames of those between two of guests
+    /// @param interval    between two frames, in nanoseconds
+    TakingTurnsWithGuests(Publishers publishers, std::size_t turns, std::size_t perGuest,
+                          std::uint64_t interval);
+
+    [[nodiscard]] Sent next() override;
+
+private:
+    std::size_t turns_;
+    std::size_t perGuest_;
+    std::uint64_t interval_;
+    std::mt19937_64 generator_;
+    std::uint64_t time_ = 0;
+    std::size_t turn_ = 0;
+    std::size_t sinceGuest_ = 0;
+};
+
 /// Who sends next is drawn; each publisher's chance is the same.
 class DrawingLots : public Traffic {
 public:

@@ -82,16 +82,29 @@ std::unique_ptr<Traffic> gooseTraffic() {
     return std::make_unique<TakingTurns>(std::move(publishers), TalTest::millisecond);
 }
 
-std::unique_ptr<Traffic> mixedTraffic() {
+constexpr std::size_t numMixedSvStreams = 800;
+
+// Every stream has two kinds of frames.
+Publishers mixedPublishers() {
     Publishers publishers;
-    for (std::size_t stream = 0; stream < 800; ++stream) {
+    for (std::size_t stream = 0; stream < numMixedSvStreams; ++stream) {
         SvSettings settings = svSettings(stream);
         settings.isOverBothLans = true;
         publishers.push_back(std::make_unique<SvPublisher>(settings));
     }
     // Half of the frames have a sqNum of one octet, half one of two.
     addGoose(publishers, 200, 256);
-    return std::make_unique<DrawingLots>(std::move(publishers), drawInterval);
+    return publishers;
+}
+
+// Merging units send at every sample, one after the other; relays between, when they have to.
+std::unique_ptr<Traffic> mixedTraffic() {
+    return std::make_unique<TakingTurnsWithGuests>(mixedPublishers(), numMixedSvStreams, 4,
+                                                   drawInterval);
+}
+
+std::unique_ptr<Traffic> drawnTraffic() {
+    return std::make_unique<DrawingLots>(mixedPublishers(), drawInterval);
 }
 
 std::unique_ptr<Traffic> amongOtherTraffic() {
@@ -145,6 +158,7 @@ std::vector<Workload> makeWorkloads() {
         {.name = "goose64", .frames = 2 * million, .traffic = gooseTraffic},
         {.name = "sv8asdu", .frames = million, .traffic = [] { return svTraffic(16, 8); }},
         {.name = "mix1000", .frames = 2 * million, .traffic = mixedTraffic},
+        {.name = "mix1000-drawn", .frames = 2 * million, .traffic = drawnTraffic},
         {.name = "other70", .frames = 2 * million, .traffic = amongOtherTraffic},
         {.name = "filter20",
          .frames = 2 * million,

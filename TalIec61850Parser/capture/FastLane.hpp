@@ -69,7 +69,7 @@ private:
 inline void FastLane::index(Octets record, std::uint64_t position) {
     Octets const frame = record.subspan(RecordHeader::kSize);
     auto const kind = static_cast<std::uint8_t>(readPrpLan(record).value_or(0));
-    FrameConclusion* const known = memory_.findExpected(frame, kind);
+    FrameConclusion* const known = memory_.findNextInTurn(frame, kind);
     if (known != nullptr && known->storeAge == storeAge_ &&
         (known->tailPosition == 0 || isPlainlyUnreadable(tailOf(*known, frame)))) [[likely]] {
         indexLike(*known, record, position);

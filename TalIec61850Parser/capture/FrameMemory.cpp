@@ -9,21 +9,22 @@ namespace {
 constexpr std::size_t kWordSize = sizeof(std::uint64_t);
 constexpr std::size_t kMaxUnits = std::size_t{1} << 14U;
 constexpr std::size_t kMaxHeldUnits = std::size_t{1} << 18U;
-/// Layouts in one list: each costs a frame of that size one hash.
+/// Layouts in one list: a frame is hashed for each that has its form.
 constexpr std::size_t kMaxListed = 8;
 constexpr std::size_t kFirstSlotCount = 4;
+/// Neighbouring slots in which a likeness may lie.
+constexpr std::size_t kMaxProbes = 16;
 /// Unknown frames after which a full memory starts afresh: several times as many as filled it.
 constexpr std::size_t kPatience = 4 * FrameMemory::kMaxLikenesses;
 
-/// Spreads what key words hold over 64 bits. Each word has a factor of its own, so that the
-/// products do not wait for one another.
+/// Spreads key words over 64 bits. Each has a factor of its own, so that the products do not wait
+/// for one another.
 class KeyHash {
 public:
     void add(std::uint64_t word) {
         sum_ += (word ^ word >> 32U) * factor_;
         factor_ += 2 * kGoldenRatio;
     }
-    [[nodiscard]] std::uint32_t high() const { return static_cast<std::uint32_t>(result() >> 32U); }
     [[nodiscard]] std::uint64_t result() const { return sum_ ^ sum_ >> 29U; }
 
 private:
@@ -32,13 +33,41 @@ private:
     std::uint64_t sum_ = 0;
 };
 
+/// What a slot keeps of a hash: the half that does not say where the slot is.
+std::uint32_t upperHalf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32U); }
+
+/// The slots in which something of this hash may lie, one after the other.
+/// @param slots  as many as a power of two
+/// @return the first of them that `isIt` says yes to; null when there is none
+template <typename Slots, typename Predicate>
+auto* probe(Slots& slots, std::uint64_t hash, Predicate const& isIt) {
+    for (std::size_t i = 0; i < kMaxProbes; ++i) {
+        auto& slot = slots[(hash + i) & (slots.size() - 1)];
+        if (isIt(slot)) {
+            return &slot;
+        }
+    }
+    return static_cast<decltype(slots.data())>(nullptr);
+}
+
 }  // namespace
 
-std::uint32_t FrameMemory::lookUp(Octets frame, std::uint8_t kind) const {
-    for (auto index = heads_[headOf(frame.size(), kind)]; index != kNone;) {
+// --- Finding -----------------------------------------------------------------------------------
+
+FrameConclusion* FrameMemory::find(Octets frame, std::uint8_t kind) {
+    std::uint32_t const found = lookUp(frame, kind);
+    if (found == kNone) {
+        return nullptr;
+    }
+    noteTurn(found);
+    return &likenesses_[found].conclusion;
+}
+
+std::uint32_t FrameMemory::lookUp(Octets frame, std::uint8_t kind) {
+    Form const form = formOf(frame, kind);
+    for (std::uint32_t index = headFor(form); index != kNone; index = layouts_[index].next) {
         Layout const& layout = layouts_[index];
-        index = layout.next;
-        if (layout.size != frame.size() || layout.kind != kind) {
+        if (layout.form != form) {
             continue;
         }
         KeyHash hash;
@@ -46,34 +75,45 @@ std::uint32_t FrameMemory::lookUp(Octets frame, std::uint8_t kind) const {
             KeyWord const& key = layout.keys[i];
             hash.add(load<std::uint64_t>(frame.data() + key.position) & key.mask);
         }
-        for (std::size_t probe = 0; probe < kMaxProbes; ++probe) {
-            Slot const& slot = layout.slots[(hash.result() + probe) & (layout.slots.size() - 1)];
-            if (slot.likeness == kNone) {
-                break;
-            }
-            if (slot.hash == hash.high()) {
-                __builtin_prefetch(&likenesses_[slot.likeness]);
-                if (agrees(frame.data(), layout.firstUnit, layout.unitCount, slot.firstHeld)) {
-                    return slot.likeness;
-                }
-                break;
-            }
+        // No two likenesses here have one hash.
+        Slot const* const slot = probe(layout.slots, hash.result(), [&](Slot const& each) {
+            return each.likeness == kNone || each.hash == upperHalf(hash.result());
+        });
+        if (slot != nullptr && slot->likeness != kNone &&
+            agrees(frame.data(), likenesses_[slot->likeness])) {
+            return slot->likeness;
         }
     }
     return kNone;
 }
 
-FrameConclusion* FrameMemory::find(Octets frame, std::uint8_t kind) {
-    std::uint32_t const found = lookUp(frame, kind);
-    if (last_ != kNone) {
-        bool const wasExpected = likenesses_[last_].successor == found;
-        trust_ = std::clamp(trust_ + (wasExpected ? 1 : -1), -kMostTrust, kMostTrust);
-        likenesses_[last_].successor = found;
+/// Learns in which order likenesses take turns. One that comes between two that keep their order
+/// does not disturb it.
+void FrameMemory::noteTurn(std::uint32_t found) {
+    if (last_ == kNone) {
+        last_ = found;
+        return;
     }
-    last_ = found;
-    expected_ = found == kNone || trust_ < 0 ? kNone : likenesses_[found].successor;
-    return found == kNone ? nullptr : &likenesses_[found].conclusion;
+    std::uint32_t& successor = likenesses_[last_].successor;
+    trust_ = std::clamp(trust_ + (successor == found ? 1 : -1), -kMostTrust, kMostTrust);
+    if (successor == kNone) {
+        successor = found;
+    }
+    if (successor == found) {
+        last_ = found;
+        between_ = kNone;
+    } else if (between_ == kNone) {
+        between_ = found;
+    } else {
+        successor = between_;
+        likenesses_[between_].successor = found;
+        last_ = found;
+        between_ = kNone;
+    }
+    expected_ = trust_ < 0 ? kNone : likenesses_[last_].successor;
 }
+
+// --- Remembering -------------------------------------------------------------------------------
 
 bool FrameMemory::wantsMore() {
     if (isFull_ && ++unknownSinceFull_ > kPatience) {
@@ -87,34 +127,71 @@ void FrameMemory::remember(Octets frame, Octets mask, std::uint8_t kind,
     if (frame.size() < sizeof(Unit) || frame.size() > kMaxFrameSize) {
         return;
     }
-    std::uint32_t const index = findOrAddLayout(mask, kind);
-    isFull_ = index == kNone || likenesses_.size() == kMaxLikenesses ||
-              held_.size() + layouts_[index].unitCount > kMaxHeldUnits;
+    Form const form = formOf(frame, kind);
+    std::uint32_t const layoutIndex = findOrAddLayout(form, mask);
+    isFull_ = layoutIndex == kNone || likenesses_.size() == kMaxLikenesses ||
+              held_.size() + layouts_[layoutIndex].units.count > kMaxHeldUnits;
     if (isFull_) {
         return;
     }
-    Layout& layout = layouts_[index];
+    Layout& layout = layouts_[layoutIndex];
     Likeness likeness;
-    likeness.form = formOf(frame, kind);
-    likeness.firstUnit = layout.firstUnit;
-    likeness.unitCount = layout.unitCount;
+    likeness.form = form;
+    likeness.units = layout.units;
     likeness.firstHeld = static_cast<std::uint32_t>(held_.size());
     likeness.conclusion = conclusion;
-    for (std::size_t unit = layout.firstUnit; unit < layout.firstUnit + layout.unitCount; ++unit) {
+    for (std::size_t i = 0; i < layout.units.count; ++i) {
+        std::size_t const unit = layout.units.first + i;
         held_.push_back(load<Unit>(frame.data() + positions_[unit]) & masks_[unit]);
     }
+    auto const index = static_cast<std::uint32_t>(likenesses_.size());
     likenesses_.push_back(likeness);
-    if (!insert(layout, static_cast<std::uint32_t>(likenesses_.size() - 1))) {
-        held_.resize(likeness.firstHeld);
+    if (insert(layout, index)) {
+        noteTurn(index);
+    } else {
         likenesses_.pop_back();
+        held_.resize(likeness.firstHeld);
     }
 }
 
-std::uint32_t FrameMemory::findOrAddLayout(Octets mask, std::uint8_t kind) {
+std::uint32_t FrameMemory::findOrAddLayout(Form form, Octets mask) {
+    std::size_t const oldUnitCount = positions_.size();
+    addUnits(mask);
     Layout layout;
-    layout.size = static_cast<std::uint16_t>(mask.size());
-    layout.kind = kind;
-    layout.firstUnit = static_cast<std::uint16_t>(positions_.size());
+    layout.form = form;
+    layout.units = {.first = static_cast<std::uint16_t>(oldUnitCount),
+                    .count = static_cast<std::uint16_t>(positions_.size() - oldUnitCount)};
+    auto const forgetUnits = [&] {
+        positions_.resize(oldUnitCount);
+        masks_.resize(oldUnitCount);
+    };
+
+    std::uint32_t& head = headFor(form);
+    std::size_t listed = 0;
+    for (std::uint32_t* link = &head; *link != kNone; link = &layouts_[*link].next) {
+        if (listed++ == kMaxListed) {
+            *link = kNone;  // the oldest ones make room
+            break;
+        }
+        Layout const& known = layouts_[*link];
+        if (known.form == form && haveSameUnits(known.units, layout.units)) {
+            forgetUnits();
+            return *link;
+        }
+    }
+    if (positions_.size() > kMaxUnits) {
+        forgetUnits();
+        return kNone;
+    }
+    layout.next = head;
+    layout.slots.resize(kFirstSlotCount);
+    head = static_cast<std::uint32_t>(layouts_.size());
+    layouts_.push_back(std::move(layout));
+    return head;
+}
+
+/// Covers all octets that count with units.
+void FrameMemory::addUnits(Octets mask) {
     for (std::size_t i = 0; i < mask.size();) {
         if (mask[i] == 0) {
             ++i;
@@ -125,116 +202,97 @@ std::uint32_t FrameMemory::findOrAddLayout(Octets mask, std::uint8_t kind) {
         masks_.push_back(load<Unit>(mask.data() + position));
         i = position + sizeof(Unit);
     }
-    layout.unitCount = static_cast<std::uint16_t>(positions_.size() - layout.firstUnit);
-    std::uint32_t& head = heads_[headOf(layout.size, kind)];
-    std::size_t listed = 0;
-    auto const same = [&](Layout const& other) {
-        if (other.size != layout.size || other.kind != layout.kind ||
-            other.unitCount != layout.unitCount)
-            return false;
-        for (std::size_t i = 0; i < layout.unitCount; ++i) {
-            Unit const x = masks_[layout.firstUnit + i] ^ masks_[other.firstUnit + i];
-            if (positions_[layout.firstUnit + i] != positions_[other.firstUnit + i] ||
-                (x[0] | x[1]) != 0)
-                return false;
-        }
-        return true;
-    };
-    for (std::uint32_t* link = &head; *link != kNone; link = &layouts_[*link].next) {
-        if (same(layouts_[*link])) {
-            positions_.resize(layout.firstUnit);
-            masks_.resize(layout.firstUnit);
-            return *link;
-        }
-        if (++listed == kMaxListed) {
-            *link = kNone;  // the oldest makes room
-            break;
-        }
-    }
-    if (positions_.size() > kMaxUnits) {
-        return kNone;
-    }
-    layout.next = head;
-    layout.slots.resize(kFirstSlotCount);
-    head = static_cast<std::uint32_t>(layouts_.size());
-    layouts_.push_back(std::move(layout));
-    return head;
 }
 
-std::uint64_t FrameMemory::hashOfHeld(Layout const& layout, Likeness const& likeness) const {
+bool FrameMemory::haveSameUnits(UnitRange a, UnitRange b) const {
+    if (a.count != b.count) {
+        return false;
+    }
+    Unit different{};
+    for (std::size_t i = 0; i < a.count; ++i) {
+        different |= masks_[a.first + i] ^ masks_[b.first + i];
+        different[0] |= positions_[a.first + i] ^ positions_[b.first + i];
+    }
+    return (different[0] | different[1]) == 0;
+}
+
+std::uint64_t FrameMemory::heldWord(Likeness const& likeness, std::size_t index) const {
+    return held_[likeness.firstHeld + index / kWordsPerUnit][index % kWordsPerUnit];
+}
+
+std::uint64_t FrameMemory::hashOf(Layout const& layout, Likeness const& likeness) const {
     KeyHash hash;
     for (std::size_t i = 0; i < layout.keyCount; ++i) {
-        std::size_t const index = layout.keys[i].index;
-        hash.add(held_[likeness.firstHeld + index / 2][index % 2]);
+        hash.add(heldWord(likeness, layout.keys[i].index));
     }
     return hash.result();
 }
 
+/// @return false when the likeness cannot be told apart from another one, or has no place
 bool FrameMemory::insert(Layout& layout, std::uint32_t likeness) {
-    if (2 * (layout.likenessCount + std::size_t{1}) > layout.slots.size()) {
+    if (2 * (layout.likenessCount + 1) > layout.slots.size()) {
         rehash(layout, 2 * layout.slots.size());
     }
     for (;;) {
-        std::uint64_t const hash = hashOfHeld(layout, likenesses_[likeness]);
-        bool again = false;
-        for (std::size_t probe = 0; probe < kMaxProbes; ++probe) {
-            Slot& place = layout.slots[(hash + probe) & (layout.slots.size() - 1)];
-            if (place.likeness == kNone) {
-                place = {static_cast<std::uint32_t>(hash >> 32), likeness,
-                         likenesses_[likeness].firstHeld};
-                ++layout.likenessCount;
-                return true;
-            }
-            if (place.hash == static_cast<std::uint32_t>(hash >> 32)) {
-                if (!addKey(layout, likenesses_[place.likeness], likenesses_[likeness]))
-                    return false;
-                rehash(layout, layout.slots.size());
-                again = true;
-                break;
-            }
+        std::uint64_t const hash = hashOf(layout, likenesses_[likeness]);
+        Slot* const slot = probe(layout.slots, hash, [&](Slot const& each) {
+            return each.likeness == kNone || each.hash == upperHalf(hash);
+        });
+        if (slot == nullptr) {
+            return false;
         }
-        if (!again) return false;
+        if (slot->likeness == kNone) {
+            *slot = {.hash = upperHalf(hash), .likeness = likeness};
+            ++layout.likenessCount;
+            return true;
+        }
+        if (!addKey(layout, likeness, slot->likeness)) {
+            return false;
+        }
+        rehash(layout, layout.slots.size());
     }
 }
 
-bool FrameMemory::addKey(Layout& layout, Likeness const& a, Likeness const& b) const {
+/// Adds a word in which two likenesses of one hash differ.
+/// @return false when there is none, or no room for it
+bool FrameMemory::addKey(Layout& layout, std::uint32_t likeness, std::uint32_t other) const {
     if (layout.keyCount == layout.keys.size()) {
         return false;
     }
-    for (std::size_t index = 0; index < 2 * std::size_t{layout.unitCount}; ++index) {
-        bool const differs =
-            held_[a.firstHeld + index / 2][index % 2] != held_[b.firstHeld + index / 2][index % 2];
-        auto const* const behind = layout.keys.data() + layout.keyCount;
-        if (differs && std::none_of(std::as_const(layout.keys).data(), behind,
-                                    [&](KeyWord const& key) { return key.index == index; })) {
-            auto const unit = layout.firstUnit + index / 2;
-            layout.keys[layout.keyCount++] = {.mask = masks_[unit][index % 2],
-                                              .position = positions_[unit] + index % 2 * kWordSize,
-                                              .index = index};
-            return true;
+    Likeness const& a = likenesses_[likeness];
+    Likeness const& b = likenesses_[other];
+    for (std::size_t index = 0; index < kWordsPerUnit * layout.units.count; ++index) {
+        auto const isKey = [&](KeyWord const& key) { return key.index == index; };
+        if (heldWord(a, index) == heldWord(b, index) ||
+            std::any_of(layout.keys.begin(), std::next(layout.keys.begin(), layout.keyCount),
+                        isKey)) {
+            continue;
         }
+        std::size_t const unit = layout.units.first + index / kWordsPerUnit;
+        std::size_t const word = index % kWordsPerUnit;
+        layout.keys[layout.keyCount++] = {.mask = masks_[unit][word],
+                                          .position = positions_[unit] + word * kWordSize,
+                                          .index = index};
+        return true;
     }
     return false;
 }
 
+/// A likeness that finds no place any more is no longer recognised.
 void FrameMemory::rehash(Layout& layout, std::size_t slotCount) const {
     std::vector<Slot> slots(slotCount);
     layout.likenessCount = 0;
-    for (Slot slot : layout.slots) {
-        if (slot.likeness == kNone) {
+    for (Slot const& old : layout.slots) {
+        if (old.likeness == kNone) {
             continue;
         }
-        auto const hash = hashOfHeld(layout, likenesses_[slot.likeness]);
-        slot.hash = static_cast<std::uint32_t>(hash >> 32U);
-        std::size_t probe = 0;
-        while (probe < kMaxProbes && slots[(hash + probe) & (slotCount - 1)].likeness != kNone) {
-            ++probe;
+        std::uint64_t const hash = hashOf(layout, likenesses_[old.likeness]);
+        Slot* const free =
+            probe(slots, hash, [](Slot const& each) { return each.likeness == kNone; });
+        if (free != nullptr) {
+            *free = {.hash = upperHalf(hash), .likeness = old.likeness};
+            ++layout.likenessCount;
         }
-        if (probe == kMaxProbes) {
-            continue;
-        }
-        ++layout.likenessCount;
-        slots[(hash + probe) & (slotCount - 1)] = slot;
     }
     layout.slots = std::move(slots);
 }

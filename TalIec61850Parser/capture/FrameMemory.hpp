@@ -13,12 +13,12 @@
 namespace TalIec61850Parser::detail {
 
 /// Remembers frames as likenesses: a size, a kind, which octets count, and what these hold. A frame
-/// is like a remembered one when all four agree; its other octets may hold anything.
+/// is like a remembered one when it agrees in all of them; its other octets may hold anything.
 ///
 /// It knows nothing of what is in a frame, nor of what was concluded from it: what counts is said
-/// by whoever lets it remember. Memory is bounded whatever it is shown, by some 8 MiB in all. A
-/// memory that is full takes in nothing more, until it has failed to recognise so many frames that
-/// it starts afresh.
+/// by whoever lets it remember. It takes some 8 MiB at most, whatever it is shown. A memory that is
+/// full takes in nothing more until it has failed to recognise so many frames that it starts
+/// afresh.
 class FrameMemory {
 public:
     /// Larger frames are not remembered.
@@ -27,13 +27,15 @@ public:
 
     FrameMemory() { heads_.fill(kNone); }
 
-    /// What was concluded from the likeness that came after the last one found, the time before, if
-    /// the frame is like it; otherwise null. Most publishers take turns, so this is worth a try.
-    [[nodiscard]] FrameConclusion* findExpected(Octets frame, std::uint8_t kind);
+    /// What was concluded from the likeness whose turn it is, if this frame is like it; otherwise
+    /// null. Most publishers take turns, so that this finds most frames, and sooner than `find`.
+    /// @param kind  what tells frames apart besides their octets
+    /// @return valid until another operation is called
+    [[nodiscard]] FrameConclusion* findNextInTurn(Octets frame, std::uint8_t kind);
 
     /// What was concluded from the remembered frame that this one is like; null when there is none.
     /// @param kind  what tells frames apart besides their octets
-    /// @return valid until the next call of another operation
+    /// @return valid until another operation is called
     [[nodiscard]] FrameConclusion* find(Octets frame, std::uint8_t kind);
 
     /// Whether a frame that was not found should be remembered. Asked once for each such frame: a
@@ -45,25 +47,37 @@ public:
     void remember(Octets frame, Octets mask, std::uint8_t kind, FrameConclusion const& conclusion);
 
 private:
-    /// Octets compared at once. The compiler's own vectors: plain loops over octets are compiled
-    /// to several times as many instructions.
+    /// Octets that are compared at once. The compiler's own vectors, on which it does well; a plain
+    /// loop over octets takes it several times as many instructions.
     using Unit [[gnu::vector_size(16)]] = std::uint64_t;
+    static constexpr std::size_t kWordsPerUnit = sizeof(Unit) / sizeof(std::uint64_t);
 
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    /// One cache line.
+    /// Size and kind in one.
+    using Form = std::uint64_t;
+
+    /// Units of frames of one form, in the lists of positions and masks.
+    struct UnitRange {
+        std::uint16_t first = 0;
+        std::uint16_t count = 0;
+    };
+    /// One remembered frame, all but its octets in one cache line.
     struct alignas(64) Likeness {
-        std::uint32_t form = 0;
+        Form form = 0;
+        UnitRange units;
+        /// What its units hold, in the list of these.
         std::uint32_t firstHeld = 0;
-        std::uint16_t firstUnit = 0;
-        std::uint16_t unitCount = 0;
-        /// The likeness of the frame that came after the last one like this.
+        /// The likeness whose turn comes next.
         std::uint32_t successor = kNone;
         FrameConclusion conclusion;
     };
+    static_assert(sizeof(Likeness) == 64);
+
     /// Eight octets by which the likenesses of a layout are told apart.
     struct KeyWord {
         std::uint64_t mask = 0;
+        /// Octets from the begin of a frame.
         std::size_t position = 0;
         /// Which word it is of those that are held of a likeness.
         std::size_t index = 0;
@@ -72,88 +86,92 @@ private:
     struct Slot {
         std::uint32_t hash = 0;
         std::uint32_t likeness = kNone;
-        std::uint32_t firstHeld = 0;
     };
-    /// The likenesses that have size, kind and the octets that count in common.
+    /// The likenesses that have form and counting octets in common, in a hash table with linear
+    /// probing. Its hash is over just enough key words to be another one for each of them.
     struct Layout {
-        std::uint16_t size = 0;
-        std::uint8_t kind = 0;
-        std::uint16_t firstUnit = 0;
-        std::uint16_t unitCount = 0;
+        Form form = 0;
+        UnitRange units;
+        /// The next layout of the same list.
         std::uint32_t next = kNone;
-        std::uint32_t likenessCount = 0;
         std::uint32_t keyCount = 0;
-        std::array<KeyWord, 8> keys;
+        std::array<KeyWord, 8> keys{};
+        std::size_t likenessCount = 0;
         std::vector<Slot> slots;
     };
 
+    static constexpr std::size_t kListCount = 2048;
     static constexpr int kMostTrust = 8;
-    static constexpr std::size_t kHeadCount = 2048;
-    /// Neighbouring slots in which a likeness may lie.
-    static constexpr std::size_t kMaxProbes = 16;
 
-    template <typename Word>
-    [[nodiscard]] static Word load(std::uint8_t const* octets) {
-        Word word{};
-        std::memcpy(&word, octets, sizeof word);
-        return word;
+    template <typename Value>
+    [[nodiscard]] static Value load(std::uint8_t const* octets) {
+        Value value{};
+        std::memcpy(&value, octets, sizeof value);
+        return value;
     }
-    [[nodiscard]] static std::uint32_t formOf(Octets frame, std::uint8_t kind) {
-        return static_cast<std::uint32_t>(frame.size()) << 8U | kind;
+    [[nodiscard]] static Form formOf(Octets frame, std::uint8_t kind) {
+        return std::uint64_t{frame.size()} << 8U | kind;
     }
-    [[nodiscard]] static std::size_t headOf(std::size_t size, std::uint8_t kind) {
-        return (size + kind * std::size_t{617}) % kHeadCount;
+    /// The list of layouts for frames of this form.
+    [[nodiscard]] std::uint32_t& headFor(Form form) {
+        constexpr std::uint64_t goldenRatio = 0x9E3779B97F4A7C15U;
+        constexpr unsigned unusedBits = 53;
+        static_assert(kListCount == std::size_t{1} << (64U - unusedBits));
+        return heads_[form * goldenRatio >> unusedBits];
     }
-    [[nodiscard]] bool agrees(std::uint8_t const* frame, std::size_t firstUnit,
-                              std::size_t unitCount, std::size_t firstHeld) const;
-    [[nodiscard]] std::uint32_t lookUp(Octets frame, std::uint8_t kind) const;
+    [[nodiscard]] bool agrees(std::uint8_t const* frame, Likeness const& likeness) const;
 
-    [[nodiscard]] std::uint32_t findOrAddLayout(Octets mask, std::uint8_t kind);
-    [[nodiscard]] std::uint64_t hashOfHeld(Layout const& layout, Likeness const& likeness) const;
+    [[nodiscard]] std::uint32_t lookUp(Octets frame, std::uint8_t kind);
+    void noteTurn(std::uint32_t found);
+
+    [[nodiscard]] std::uint32_t findOrAddLayout(Form form, Octets mask);
+    void addUnits(Octets mask);
+    [[nodiscard]] bool haveSameUnits(UnitRange a, UnitRange b) const;
+    [[nodiscard]] std::uint64_t heldWord(Likeness const& likeness, std::size_t index) const;
+    [[nodiscard]] std::uint64_t hashOf(Layout const& layout, Likeness const& likeness) const;
     [[nodiscard]] bool insert(Layout& layout, std::uint32_t likeness);
+    [[nodiscard]] bool addKey(Layout& layout, std::uint32_t likeness, std::uint32_t other) const;
     void rehash(Layout& layout, std::size_t slotCount) const;
-    [[nodiscard]] bool addKey(Layout& layout, Likeness const& a, Likeness const& b) const;
 
-    std::uint32_t last_ = kNone;
-    std::uint32_t expected_ = kNone;
+    std::uint32_t last_ = kNone;      // the likeness that had its turn last
+    std::uint32_t expected_ = kNone;  // its successor, as long as turns are to be trusted
+    std::uint32_t between_ = kNone;   // the one that came out of turn after it
     int trust_ = 0;
-    std::vector<Layout> layouts_;
-    // The units of all layouts, one behind the other: where they lie in a frame, what counts there.
+
+    std::vector<Likeness> likenesses_;
+    // What the units of all likenesses hold, with those octets zeroed that do not count.
+    std::vector<Unit> held_;
+    // Where the units of all layouts lie in a frame, and what counts there.
     std::vector<std::uint32_t> positions_;
     std::vector<Unit> masks_;
-    std::vector<Likeness> likenesses_;
-    // What the units of each likeness hold, those octets zeroed that do not count.
-    std::vector<Unit> held_;
+    std::vector<Layout> layouts_;
     bool isFull_ = false;
     std::size_t unknownSinceFull_ = 0;
-    // Where each list of layouts begins, by size and kind.
-    std::array<std::uint32_t, kHeadCount> heads_{};
+    std::array<std::uint32_t, kListCount> heads_{};
 };
 
-inline bool FrameMemory::agrees(std::uint8_t const* frame, std::size_t firstUnit,
-                                std::size_t unitCount, std::size_t firstHeld) const {
-    Unit const* const masks = masks_.data() + firstUnit;
-    Unit const* const held = held_.data() + firstHeld;
-    std::uint32_t const* const positions = positions_.data() + firstUnit;
+inline bool FrameMemory::agrees(std::uint8_t const* frame, Likeness const& likeness) const {
+    std::uint32_t const* const positions = positions_.data() + likeness.units.first;
+    Unit const* const masks = masks_.data() + likeness.units.first;
+    Unit const* const held = held_.data() + likeness.firstHeld;
     Unit different{};
-    for (std::size_t i = 0; i < unitCount; ++i) {
+    for (std::size_t i = 0; i < likeness.units.count; ++i) {
         different |= (load<Unit>(frame + positions[i]) & masks[i]) ^ held[i];
     }
     return (different[0] | different[1]) == 0;
 }
 
-inline FrameConclusion* FrameMemory::findExpected(Octets frame, std::uint8_t kind) {
+inline FrameConclusion* FrameMemory::findNextInTurn(Octets frame, std::uint8_t kind) {
     if (expected_ == kNone) [[unlikely]] {
         return nullptr;
     }
     Likeness& likeness = likenesses_[expected_];
-    if (likeness.form != formOf(frame, kind) ||
-        !agrees(frame.data(), likeness.firstUnit, likeness.unitCount, likeness.firstHeld))
-        [[unlikely]] {
+    if (likeness.form != formOf(frame, kind) || !agrees(frame.data(), likeness)) [[unlikely]] {
         return nullptr;
     }
     last_ = expected_;
     expected_ = likeness.successor;
+    between_ = kNone;
     trust_ = kMostTrust;
     return &likeness.conclusion;
 }

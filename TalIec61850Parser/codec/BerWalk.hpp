@@ -77,19 +77,50 @@ private:
 inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
 inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::max();
 
-/// What follows the one element of a PDU, a trailer for instance, if it is small enough for
-/// `passesOverTail`.
+/// The most octets behind a PDU that are a tail: so few that no walk comes to its bound in them.
 inline constexpr std::size_t kMaxTailSize = 2 * (kMaxElementsPerLevel - 1);
 
-/// Tells the trace about the octets that a level leaves: from `start` on, of which those in front
-/// of `position` were looked at.
-inline void traceLevelEnd(WalkTrace& trace, Octets left, std::size_t lookedAt, bool isBehindPdu) {
-    if (isBehindPdu && left.size() <= kMaxTailSize) {
-        trace.endAt(left);
-    } else {
-        trace.passOver(left.subspan(lookedAt));
+/// Tells a WalkTrace, if there is one, what a walk passes over.
+class WalkTracer {
+public:
+    WalkTracer(WalkTrace* trace, Octets data) : trace_(trace), data_(data) {}
+
+    /// The walk is about to read an element.
+    void atElement(WalkLevel const& level, std::uint32_t elementCount, std::size_t position) {
+        if (trace_ != nullptr && elementCount == 1 && level == WalkLevel{}) {
+            tail_ = data_.subspan(position);
+        }
     }
-}
+    void afterElement(WalkStep step, BerElement const& element, std::size_t position) {
+        if (trace_ == nullptr) {
+            return;
+        }
+        if (step == WalkStep::skip) {
+            trace_->passOver(element.value);
+        } else {
+            tail_ = {};
+        }
+        if (step == WalkStep::reject) {
+            trace_->passOver(data_.subspan(position));
+        }
+    }
+    /// The octets of a level that the walk leaves unread.
+    void atLevelEnd(std::size_t position, std::size_t end, bool isLast) {
+        if (trace_ == nullptr) {
+            return;
+        }
+        trace_->passOver(data_.subspan(position, end - position));
+        if (isLast && tail_.size() <= kMaxTailSize) {
+            trace_->endAt(tail_);
+        }
+    }
+
+private:
+    WalkTrace* trace_;
+    Octets data_;
+    // What follows the first element of the first level, as long as it is passed over.
+    Octets tail_;
+};
 
 /// Walks the elements of `data` depth first and shows each to the handler. An element that cannot
 /// be read ends its level quietly, the levels above go on.
@@ -103,19 +134,17 @@ inline void traceLevelEnd(WalkTrace& trace, Octets left, std::size_t lookedAt, b
 template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Handler>
 [[nodiscard]] bool walkElements(Octets data, WalkLevel level, Handler const& handler,
                                 WalkTrace* trace = nullptr) {
+    WalkTracer tracer(trace, data);
     WalkStack unfinished;
     WalkStack::Entry now{.level = level, .position = 0, .end = data.size(), .elementCount = 0};
     for (;;) {
         BerElement element;
         std::size_t const start = now.position;
-        bool const isFull = now.elementCount == maxElementsPerLevel;
-        if (isFull || !readElement(data.first(now.end), now.position, element)) {
-            if (trace != nullptr) {
-                bool const isBehindPdu =
-                    !isFull && now.level == WalkLevel{} && now.elementCount == 1;
-                traceLevelEnd(*trace, data.subspan(start, now.end - start), now.position - start,
-                              isBehindPdu);
-            }
+        tracer.atElement(now.level, now.elementCount, start);
+        bool const levelGoesOn = now.elementCount < maxElementsPerLevel &&
+                                 readElement(data.first(now.end), now.position, element);
+        if (!levelGoesOn) {
+            tracer.atLevelEnd(now.position, now.end, unfinished.empty());
             if (unfinished.empty()) {
                 return true;
             }
@@ -123,21 +152,16 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
             continue;
         }
         ++now.elementCount;
-        switch (handler(element, start, now.level)) {
+        WalkStep const step = handler(element, start, now.level);
+        tracer.afterElement(step, element, now.position);
+        switch (step) {
             case WalkStep::next:
-                break;
             case WalkStep::skip:
-                if (trace != nullptr) {
-                    trace->passOver(element.value);
-                }
                 break;
             case WalkStep::endLevel:
                 now.position = now.end;
                 break;
             case WalkStep::reject:
-                if (trace != nullptr) {
-                    trace->passOver(data.subspan(now.position));
-                }
                 return false;
             case WalkStep::descend:
                 if (element.value.empty()) {
@@ -156,8 +180,8 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
     }
 }
 
-/// Whether a walk that came to these octets behind a PDU would pass over them to their end.
-/// @param tail  at most `kMaxTailSize` octets, so that no walk comes to its bound here
+/// Whether a walk that came to these octets behind a PDU would pass over all of them.
+/// @param tail  at most `kMaxTailSize` octets
 template <typename Handler>
 [[nodiscard]] bool passesOverTail(Octets tail, Handler const& handler) {
     return walkElements(tail, {},

@@ -50,8 +50,8 @@ public:
         number_ = partOf(octets);
     }
 
-    /// The walk ended in front of these octets, which follow the PDU: no element can be read at
-    /// their begin. In a like frame it ends there too if no element can be read there either.
+    /// These octets, which follow the PDU, were passed over all the way to the end of the walk. A
+    /// like frame comes to the same end if the walk passes over them there too.
     void endAt(Octets octets) {
         passOver(octets);
         tail_ = partOf(octets);
@@ -63,7 +63,7 @@ public:
     [[nodiscard]] Octets mask() const { return mask_; }
     /// See `readAgain`; empty when there is no such number.
     [[nodiscard]] Part number() const { return number_; }
-    /// See `endAt`; empty when the walk ended otherwise.
+    /// See `endAt`; empty when there are no such octets.
     [[nodiscard]] Part tail() const { return tail_; }
 
 private:
