@@ -8,8 +8,8 @@
 #include <TalIec61850Parser/capture/RecordReader.hpp>
 #include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
-#include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <cstdint>
+#include <vector>
 
 namespace TalIec61850Parser::detail {
 
@@ -30,8 +30,9 @@ namespace TalIec61850Parser::detail {
 /// So a frame that agrees with a remembered one in the first three, and passes the test of the
 /// fourth, gets the conclusion drawn from that one. What differs per frame is read from it: time
 /// and position of its record, and smpCnt. The store is only added to as long as nobody else gets
-/// hold of it; after that (`forgetStreams`) a conclusion needs a plain walk before it is used
-/// again. Every other frame takes the plain walk, the only place that knows the rules.
+/// hold of it; after that (`forgetStreams`) a conclusion is used again once its stream and file
+/// have been found in the store, or added to it, as the plain walk does. Every other frame takes
+/// the plain walk, the only place that knows the rules.
 class FastLane {
 public:
     /// @param target  what it refers to outlives the lane
@@ -55,15 +56,18 @@ private:
     void indexLike(FrameConclusion const& conclusion, Octets record, std::uint64_t position);
     void indexUnexpected(FrameConclusion* known, Octets record, std::uint64_t position,
                          std::uint8_t kind);
-    IndexedFrame indexPlainly(Octets record, std::uint64_t position, WalkTrace* trace);
+    IndexedFrame indexPlainly(Octets record, std::uint64_t position, FrameLesson* lesson);
     void learn(Octets record, std::uint64_t position, std::uint8_t kind);
+    [[nodiscard]] std::uint16_t keep(StreamRecord&& stream);
 
     IndexTarget target_;
     bool isLittleEndian_;
     std::uint32_t storeAge_ = 0;
     std::uint64_t plainCount_ = 0;
     FrameMemory memory_;
-    WalkTrace trace_;
+    FrameLesson lesson_;
+    // The streams that conclusions are about, to find them in the store again.
+    std::vector<StreamRecord> streams_;
 };
 
 inline void FastLane::index(Octets record, std::uint64_t position) {

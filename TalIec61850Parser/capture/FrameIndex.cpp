@@ -22,50 +22,68 @@ bool admits(std::vector<Identifier> const& filters, Octets buffer, LinkLayer con
     return isAdmitted;
 }
 
-/// Appends the packet to its stream, then counts it: a packet that found no memory is not counted.
+WalkTrace* traceOf(FrameLesson* lesson) { return lesson == nullptr ? nullptr : &lesson->trace; }
+
 template <typename Stream>
-IndexedFrame addPacket(Stream const& stored, Package const& package, IndexTarget const& target) {
-    PackageFile const* const file = stored.addFile(target.fileName);
+IndexedFrame placeOf(Stream const& stored, IndexTarget const& target) {
+    IndexedFrame place;
+    place.file = stored.addFile(target.fileName);
+    place.packetCount = &stored.packetCount;
+    return place;
+}
+
+IndexedFrame placeOf(Sv const& stored, IndexTarget const& target) {
+    IndexedFrame place = placeOf<Sv>(stored, target);
+    place.sv = &stored;
+    return place;
+}
+
+/// Appends the packet to its stream, then counts it: a packet that found no memory is not counted.
+void addPacket(Package const& package, IndexTarget const& target, IndexedFrame& place) {
     Timest const time =
         packetTime(package.time.seconds, package.time.nanoseconds, target.isNanosecond);
-    file->addPackage(time.seconds, time.nanoseconds, package.position);
-    ++stored.packetCount;
-    IndexedFrame indexed;
-    indexed.file = file;
-    indexed.packetCount = &stored.packetCount;
-    indexed.position = package.position;
-    return indexed;
+    place.file->addPackage(time.seconds, time.nanoseconds, package.position);
+    ++*place.packetCount;
+    place.position = package.position;
 }
 
 IndexedFrame indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
                         PcapPacketHeader const& header, IndexTarget const& target,
-                        WalkTrace* trace) {
+                        FrameLesson* lesson) {
     Goose goose;
     Package package;
-    if (!admits(target.filter.gooseFilters, buffer, link, goose, trace) ||
+    if (!admits(target.filter.gooseFilters, buffer, link, goose, traceOf(lesson)) ||
         !readGooseFrame(buffer, link.payloadPosition, header, bufferPosition, goose, package,
-                        target.filter, trace)) {
+                        target.filter, traceOf(lesson))) {
         return {};
     }
-    return addPacket(target.db.gooseProto.addGoose(std::move(goose)), package, target);
+    if (lesson != nullptr) {
+        lesson->stream = goose;
+    }
+    IndexedFrame indexed = placeOf(target.db.gooseProto.addGoose(std::move(goose)), target);
+    addPacket(package, target, indexed);
+    return indexed;
 }
 
 IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
-                     PcapPacketHeader const& header, IndexTarget const& target, WalkTrace* trace) {
+                     PcapPacketHeader const& header, IndexTarget const& target,
+                     FrameLesson* lesson) {
     Sv sv;
     Package package;
-    if (!admits(target.filter.svFilters, buffer, link, sv, trace) ||
+    if (!admits(target.filter.svFilters, buffer, link, sv, traceOf(lesson)) ||
         !readSvFrame(buffer, link.payloadPosition, header, bufferPosition, sv, package,
-                     target.filter, trace)) {
+                     target.filter, traceOf(lesson))) {
         return {};
     }
-    std::uint16_t const smpCnt = sv.maxSmpCnt;
-    std::uint16_t const smpRate = sv.smpRate;
-    std::uint32_t const noASDU = sv.maxNoASDU;
-    Sv const& stored = target.db.svProto.addSv(std::move(sv));
-    IndexedFrame indexed = addPacket(stored, package, target);
-    follow(stored, smpCnt, smpRate, noASDU);
-    indexed.sv = &stored;
+    auto const smpCnt = std::exchange(sv.maxSmpCnt, std::uint16_t{0});
+    auto const smpRate = std::exchange(sv.smpRate, std::uint16_t{0});
+    auto const noASDU = std::exchange(sv.maxNoASDU, std::uint32_t{0});
+    if (lesson != nullptr) {
+        lesson->stream = sv;
+    }
+    IndexedFrame indexed = placeOf(target.db.svProto.addSv(std::move(sv)), target);
+    addPacket(package, target, indexed);
+    follow(*indexed.sv, smpCnt, smpRate, noASDU);
     indexed.smpRate = smpRate;
     indexed.noASDU = noASDU;
     return indexed;
@@ -74,18 +92,18 @@ IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferP
 }  // namespace
 
 IndexedFrame indexRecord(Octets record, std::uint64_t recordPosition, bool isLittleEndian,
-                         IndexTarget const& target, WalkTrace* trace) {
+                         IndexTarget const& target, FrameLesson* lesson) {
     if (record.size() <= RecordHeader::kSize) {
         return {};
     }
     auto const header = RecordHeader::read(record, isLittleEndian);
     return indexFrame(record, RecordHeader::kSize, recordPosition,
-                      {.tsSec = header.tsSec, .tsUsec = header.tsUsec}, target, trace);
+                      {.tsSec = header.tsSec, .tsUsec = header.tsUsec}, target, lesson);
 }
 
 IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
                         PcapPacketHeader const& header, IndexTarget const& target,
-                        WalkTrace* trace) {
+                        FrameLesson* lesson) {
     auto const link = decodeLinkLayer(buffer, offset);
     if (!link) {
         return {};
@@ -96,12 +114,23 @@ IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferP
     if (!isGoose && !isSv) {
         return {};
     }
-    if (trace != nullptr) {
-        trace->begin(buffer.subspan(offset));
-        trace->passOver(link->unread);
+    if (lesson != nullptr) {
+        lesson->trace.begin(buffer.subspan(offset));
+        lesson->trace.passOver(link->unread);
+        lesson->stream = {};
     }
-    return isGoose ? indexGoose(buffer, *link, bufferPosition, header, target, trace)
-                   : indexSv(buffer, *link, bufferPosition, header, target, trace);
+    return isGoose ? indexGoose(buffer, *link, bufferPosition, header, target, lesson)
+                   : indexSv(buffer, *link, bufferPosition, header, target, lesson);
+}
+
+IndexedFrame findOrAddStream(StreamRecord const& stream, IndexTarget const& target) {
+    if (auto const* const goose = std::get_if<Goose>(&stream)) {
+        return placeOf(*target.db.gooseProto.streams.insert(*goose).first, target);
+    }
+    if (auto const* const sv = std::get_if<Sv>(&stream)) {
+        return placeOf(*target.db.svProto.streams.insert(*sv).first, target);
+    }
+    return {};
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <variant>
 
 namespace TalIec61850Parser::detail {
 
@@ -38,6 +39,15 @@ inline void follow(Sv const& stream, std::uint16_t smpCnt, std::uint16_t smpRate
     stream.maxNoASDU = std::max(stream.maxNoASDU, noASDU);
 }
 
+/// A stream as one frame states it, without packets and statistics; none when it is not wanted.
+using StreamRecord = std::variant<std::monostate, Goose, Sv>;
+
+/// What a frame teaches about frames like it.
+struct FrameLesson {
+    WalkTrace trace;
+    StreamRecord stream;
+};
+
 /// What became of a frame: where its packet went, and what of it went there.
 struct IndexedFrame {
     /// The packets of the frame's stream in the capture file; null when the frame is not wanted.
@@ -54,15 +64,19 @@ struct IndexedFrame {
 
 /// PcapPacketParser::parsePacket.
 /// @param recordPosition  offset in the capture file of `record[0]`
-/// @param trace           begun for a GOOSE or SV frame that the filter does not switch off, and
-///                        told what was passed over of it, unless null
+/// @param lesson          given for a GOOSE or SV frame that the filter does not switch off, unless
+///                        null: its trace is begun for no other frame
 IndexedFrame indexRecord(Octets record, std::uint64_t recordPosition, bool isLittleEndian,
-                         IndexTarget const& target, WalkTrace* trace = nullptr);
+                         IndexTarget const& target, FrameLesson* lesson = nullptr);
 
 /// EthernetParser::parsePacket.
 /// @param bufferPosition  offset in the capture file of `buffer[0]`
 IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
                         PcapPacketHeader const& header, IndexTarget const& target,
-                        WalkTrace* trace = nullptr);
+                        FrameLesson* lesson = nullptr);
+
+/// Finds or adds a stream and its packets in the target's file, and adds no packet: all of
+/// IndexedFrame that is about the store.
+IndexedFrame findOrAddStream(StreamRecord const& stream, IndexTarget const& target);
 
 }  // namespace TalIec61850Parser::detail

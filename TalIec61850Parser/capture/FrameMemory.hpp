@@ -38,6 +38,9 @@ public:
     /// @return valid until another operation is called
     [[nodiscard]] FrameConclusion* find(Octets frame, std::uint8_t kind);
 
+    /// Whether nothing is remembered.
+    [[nodiscard]] bool isEmpty() const { return likenesses_.empty(); }
+
     /// Whether a frame that was not found should be remembered. Asked once for each such frame: a
     /// full memory that has been of too little use forgets everything here.
     [[nodiscard]] bool wantsMore();
