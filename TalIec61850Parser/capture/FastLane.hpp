@@ -53,7 +53,7 @@ private:
         return frame.subspan(conclusion.tailPosition);
     }
 
-    void indexLike(FrameConclusion const& conclusion, Octets record, std::uint64_t position);
+    void indexLike(FrameConclusion const& conclusion, Octets record, std::uint64_t position) const;
     void indexUnexpected(FrameConclusion* known, Octets record, std::uint64_t position,
                          std::uint8_t kind);
     IndexedFrame indexPlainly(Octets record, std::uint64_t position, FrameLesson* lesson);
@@ -83,7 +83,7 @@ inline void FastLane::index(Octets record, std::uint64_t position) {
 }
 
 inline void FastLane::indexLike(FrameConclusion const& conclusion, Octets record,
-                                std::uint64_t position) {
+                                std::uint64_t position) const {
     if (conclusion.file == nullptr) {
         return;
     }

@@ -78,7 +78,7 @@ inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
 inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::max();
 
 /// The most octets behind a PDU that are a tail: so few that no walk comes to its bound in them.
-inline constexpr std::size_t kMaxTailSize = 2 * (kMaxElementsPerLevel - 1);
+inline constexpr std::size_t kMaxTailSize = std::size_t{2} * (kMaxElementsPerLevel - 1);
 
 /// Tells a WalkTrace, if there is one, what a walk passes over.
 class WalkTracer {

@@ -240,7 +240,7 @@ TEST(HandMadeFrames, SmpCntOfEverySizeCounts) {
 
 TEST(HandMadeFrames, SmpRateInSomeFramesOnly) {
     std::vector<Bytes> frames;
-    for (std::uint16_t const rate : {4000, 4800, 0}) {
+    for (unsigned const rate : {4000U, 4800U, 0U}) {
         SvMessage message;
         if (rate != 0) message.asdus[0].smpRate = rate;
         for (std::uint16_t number = 0; number < 5; ++number) {

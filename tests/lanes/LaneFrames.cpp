@@ -4,8 +4,9 @@
 #include <TalIec61850Parser/store/SvIdentifer.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
-#include <utility>
+#include <functional>
+#include <iterator>
+#include <optional>
 
 #include "capture/Criteria.hpp"
 #include "support/Ber.hpp"
@@ -26,6 +27,8 @@ using TalIec61850::VlanInfo;
 namespace {
 
 using Frames = std::vector<NamedFrame>;
+using SvChange = std::function<void(SvMessage&, Asdu&)>;
+using GooseChange = std::function<void(GooseMessage&)>;
 
 SvMessage severalAsdus() {
     SvMessage message;
@@ -46,19 +49,17 @@ GooseMessage structuredGoose() {
 }
 
 /// An SV frame of one small ASDU, which `change` may do anything to.
-template <typename Change>
-Bytes svWith(Change change, Ethernet const& link = svEthernet()) {
+Bytes svWith(SvChange const& change) {
     SvMessage message;
     message.asdus[0].seqData = Bytes(8);
     change(message, message.asdus[0]);
-    return svFrame(link, message);
+    return svFrame(svEthernet(), message);
 }
 
-template <typename Change>
-Bytes gooseWith(Change change, Ethernet const& link = {}) {
+Bytes gooseWith(GooseChange const& change) {
     GooseMessage message;
     change(message);
-    return gooseFrame(link, message);
+    return gooseFrame({}, message);
 }
 
 /// A frame of anything behind the eight octets that begin every GOOSE and SV frame.
@@ -76,20 +77,21 @@ Bytes times(std::size_t count, Bytes const& element) {
 void addSmpCnts(Frames& frames) {
     for (std::size_t octets = 1; octets <= 5; ++octets)
         frames.push_back(
-            {"smpCnt of " + std::to_string(octets) + " octets", svWith([&](auto&, Asdu& asdu) {
+            {"smpCnt of " + std::to_string(octets) + " octets", svWith([&](SvMessage&, Asdu& asdu) {
                  asdu.smpCnt = {0x1234, octets};
              })});
     Bytes const number = {0x82, 0x02, 0x12, 0x34};
-    auto const in = [&frames](char const* name, auto change) {
+    auto const in = [&frames](char const* name, SvChange const& change) {
         frames.push_back({name, svWith(change)});
     };
-    in("no smpCnt", [](auto&, Asdu& asdu) { asdu.smpCnt.reset(); });
-    in("empty smpCnt", [](auto&, Asdu& asdu) {
+    in("no smpCnt", [](SvMessage&, Asdu& asdu) { asdu.smpCnt.reset(); });
+    in("empty smpCnt", [](SvMessage&, Asdu& asdu) {
         asdu.smpCnt.reset();
         asdu.extraFirst = ber(0x82, {});
     });
-    in("two smpCnt", [&](auto&, Asdu& asdu) { asdu.extraLast = number; });
-    in("two smpCnt, the second empty", [](auto&, Asdu& asdu) { asdu.extraLast = ber(0x82, {}); });
+    in("two smpCnt", [&](SvMessage&, Asdu& asdu) { asdu.extraLast = number; });
+    in("two smpCnt, the second empty",
+       [](SvMessage&, Asdu& asdu) { asdu.extraLast = ber(0x82, {}); });
     in("smpCnt only outside the ASDU", [&](SvMessage& message, Asdu& asdu) {
         asdu.smpCnt.reset();
         message.extraBeforeSequence = number;
@@ -107,7 +109,7 @@ void addSmpCnts(Frames& frames) {
 }
 
 void addOddSv(Frames& frames) {
-    auto const in = [&frames](char const* name, auto change) {
+    auto const in = [&frames](char const* name, SvChange const& change) {
         frames.push_back({name, svWith(change)});
     };
     in("wide noASDU",
@@ -116,12 +118,12 @@ void addOddSv(Frames& frames) {
     in("two noASDU", [](SvMessage& message, Asdu&) {
         message.extraBeforeSequence = concat({ber(0x80, {7}), ber(0x80, {})});
     });
-    in("empty svID", [](auto&, Asdu& asdu) { asdu.svID = ""; });
-    in("two svID", [](auto&, Asdu& asdu) { asdu.extraLast = ber(0x80, "MU07"); });
-    in("confRev of five octets", [](auto&, Asdu& asdu) { asdu.confRev = {1, 5}; });
-    in("smpRate of one octet", [](auto&, Asdu& asdu) { asdu.smpRate = {80, 1}; });
-    in("smpRate of three octets", [](auto&, Asdu& asdu) { asdu.smpRate = {4800, 3}; });
-    in("savPdu in the ASDU", [](auto&, Asdu& asdu) { asdu.extraLast = savPdu({}); });
+    in("empty svID", [](SvMessage&, Asdu& asdu) { asdu.svID = ""; });
+    in("two svID", [](SvMessage&, Asdu& asdu) { asdu.extraLast = ber(0x80, "MU07"); });
+    in("confRev of five octets", [](SvMessage&, Asdu& asdu) { asdu.confRev = {1, 5}; });
+    in("smpRate of one octet", [](SvMessage&, Asdu& asdu) { asdu.smpRate = {80, 1}; });
+    in("smpRate of three octets", [](SvMessage&, Asdu& asdu) { asdu.smpRate = {4800, 3}; });
+    in("savPdu in the ASDU", [](SvMessage&, Asdu& asdu) { asdu.extraLast = savPdu({}); });
     in("savPdu before the sequence",
        [](SvMessage& message, Asdu&) { message.extraBeforeSequence = savPdu({}); });
     in("security of nested elements",
@@ -134,7 +136,7 @@ void addOddSv(Frames& frames) {
         message.pduLengthForm = message.sequenceLengthForm = LengthForm::fourOctets;
         asdu.lengthForm = LengthForm::threeOctets;
     });
-    in("damaged ASDU", [](auto&, Asdu& asdu) { asdu.extraLast = {0x87, 0x7F, 1, 2, 3}; });
+    in("damaged ASDU", [](SvMessage&, Asdu& asdu) { asdu.extraLast = {0x87, 0x7F, 1, 2, 3}; });
     in("damaged ASDU before another", [](SvMessage& message, Asdu& asdu) {
         asdu.extraLast = {0x87, 0x84, 0x00, 1, 2};
         message.asdus.push_back(Asdu{});
@@ -149,7 +151,7 @@ void addOddSv(Frames& frames) {
 }
 
 void addOddGoose(Frames& frames) {
-    auto const in = [&frames](char const* name, auto change) {
+    auto const in = [&frames](char const* name, GooseChange const& change) {
         frames.push_back({name, gooseWith(change)});
     };
     in("no names", [](GooseMessage& message) {

@@ -100,7 +100,8 @@ TEST(RegularTraffic, OfPublishersAtRandom) {
     std::mt19937 random(1);
     CaptureBuilder capture;
     for (std::uint32_t i = 0; i < 20'000; ++i)
-        capture.add(i, 0, all[random() % all.size()](random() % 0x10000));
+        capture.add(i, 0,
+                    all[random() % all.size()](static_cast<std::uint32_t>(random() % 0x10000)));
     expectRemembered(capture.bytes(), 0.9);
 }
 
@@ -111,7 +112,7 @@ TEST(RegularTraffic, OfPublishersAtRandomAmongOthers) {
     std::uint64_t published = 0;
     for (std::uint32_t i = 0; i < 20'000; ++i) {
         bool const other = random() % 4 == 0;
-        Bytes frame = all[random() % all.size()](random() % 500);
+        Bytes frame = all[random() % all.size()](static_cast<std::uint32_t>(random() % 500));
         if (other) frame[12] = 0x08;
         capture.add(i, 0, frame);
         published += other ? 0 : 1;
