@@ -11,22 +11,21 @@ namespace {
 
 static_assert(FrameMemory::kMaxFrameSize <= std::numeric_limits<std::uint16_t>::max(),
               "a conclusion's positions are 16 bits wide");
-
 /// Whether the plain walk would pass over what follows the PDU, as in the frame that the
 /// conclusion is from.
 bool passesOver(Octets tail, FrameConclusion const& conclusion) {
-    return conclusion.sv != nullptr ? walkSavPduPassesOver(tail) : walkGoosePduPassesOver(tail);
+    return conclusion.place.sv != nullptr ? walkSavPduPassesOver(tail)
+                                          : walkGoosePduPassesOver(tail);
 }
 
-void takePlace(IndexedFrame const& indexed, std::uint32_t storeAge, FrameConclusion& conclusion) {
-    conclusion.file = indexed.file;
-    conclusion.packetCount = indexed.packetCount;
-    conclusion.sv = indexed.sv;
-    conclusion.storeAge = storeAge;
-}
+/// What the records that are kept take at most, in octets.
+constexpr std::size_t kMaxRecords = std::size_t{4} << 20U;
 
-/// A stream's record takes about half a kilobyte, its texts included.
-constexpr std::size_t kMaxStreams = 4096;
+static_assert(kMaxRecords / sizeof(StreamRecord) <= std::numeric_limits<std::uint16_t>::max(),
+              "a conclusion's number of its record is 16 bits wide");
+
+/// What a frame's record takes at most: each octet of a name may be three of text.
+constexpr std::size_t recordSize(Octets frame) { return sizeof(StreamRecord) + 3 * frame.size(); }
 
 }  // namespace
 
@@ -45,13 +44,14 @@ void FastLane::indexUnexpected(FrameConclusion* known, Octets record, std::uint6
         indexPlainly(record, position, nullptr);
         return;
     }
-    bool const isCurrent = known->file == nullptr || known->storeAge == storeAge_;
-    if (!isCurrent && known->record == 0) {
-        takePlace(indexPlainly(record, position, nullptr), storeAge_, *known);
+    bool const isStale = known->place.file != nullptr && known->storeAge != storeAge_;
+    known->storeAge = storeAge_;
+    if (isStale && known->record == 0) {
+        known->place = indexPlainly(record, position, nullptr).place;
         return;
     }
-    if (!isCurrent) {
-        takePlace(findOrAddStream(streams_[known->record - 1U], target_), storeAge_, *known);
+    if (isStale) {
+        known->place = findOrAddStream(records_[known->record - 1U], target_);
     }
     indexLike(*known, record, position);
 }
@@ -74,7 +74,8 @@ void FastLane::learn(Octets record, std::uint64_t position, std::uint8_t kind) {
     }
     auto const narrow = [](std::uint64_t octets) { return static_cast<std::uint16_t>(octets); };
     FrameConclusion conclusion;
-    takePlace(indexed, storeAge_, conclusion);
+    conclusion.place = indexed.place;
+    conclusion.storeAge = storeAge_;
     if (indexed.position != 0) {
         conclusion.packetPosition = narrow(indexed.position - position - RecordHeader::kSize);
     }
@@ -84,20 +85,18 @@ void FastLane::learn(Octets record, std::uint64_t position, std::uint8_t kind) {
     conclusion.tailPosition = narrow(trace.tail().position);
     conclusion.smpRate = indexed.smpRate;
     conclusion.noASDU = static_cast<std::uint8_t>(indexed.noASDU);
-    conclusion.record = keep(std::move(lesson_.stream));
-    memory_.remember(trace.frame(), trace.mask(), kind, conclusion);
-}
-
-/// @return what FrameConclusion says of its record
-std::uint16_t FastLane::keep(StreamRecord&& stream) {
     if (memory_.isEmpty()) {
-        streams_.clear();
+        records_.clear();
+        recordsSize_ = 0;
     }
-    if (std::holds_alternative<std::monostate>(stream) || streams_.size() == kMaxStreams) {
-        return 0;
+    FrameConclusion* const remembered =
+        memory_.remember(trace.frame(), trace.mask(), kind, conclusion);
+    if (remembered != nullptr && conclusion.place.file != nullptr &&
+        recordsSize_ + recordSize(trace.frame()) <= kMaxRecords) {
+        recordsSize_ += recordSize(trace.frame());
+        records_.push_back(std::move(lesson_.stream));
+        remembered->record = narrow(records_.size());
     }
-    streams_.push_back(std::move(stream));
-    return static_cast<std::uint16_t>(streams_.size());
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -58,7 +58,6 @@ private:
                          std::uint8_t kind);
     IndexedFrame indexPlainly(Octets record, std::uint64_t position, FrameLesson* lesson);
     void learn(Octets record, std::uint64_t position, std::uint8_t kind);
-    [[nodiscard]] std::uint16_t keep(StreamRecord&& stream);
 
     IndexTarget target_;
     bool isLittleEndian_;
@@ -67,7 +66,8 @@ private:
     FrameMemory memory_;
     FrameLesson lesson_;
     // The streams that conclusions are about, to find them in the store again.
-    std::vector<StreamRecord> streams_;
+    std::vector<StreamRecord> records_;
+    std::size_t recordsSize_ = 0;
 };
 
 inline void FastLane::index(Octets record, std::uint64_t position) {
@@ -84,21 +84,21 @@ inline void FastLane::index(Octets record, std::uint64_t position) {
 
 inline void FastLane::indexLike(FrameConclusion const& conclusion, Octets record,
                                 std::uint64_t position) const {
-    if (conclusion.file == nullptr) {
+    if (conclusion.place.file == nullptr) {
         return;
     }
     // Written where it lies: copied as a whole, it would have to wait for its parts.
-    Package& package = conclusion.file->packages.emplace_back();
+    Package& package = conclusion.place.file->packages.emplace_back();
     if (conclusion.packetPosition != 0) [[likely]] {
         auto const header = RecordHeader::read(record, isLittleEndian_);
         package.time = packetTime(header.tsSec, header.tsUsec, target_.isNanosecond);
         package.position = position + RecordHeader::kSize + conclusion.packetPosition;
     }
-    ++*conclusion.packetCount;
-    if (conclusion.sv != nullptr) {
+    ++*conclusion.place.packetCount;
+    if (conclusion.place.sv != nullptr) {
         auto const smpCnt = toUint16(
             record.subspan(RecordHeader::kSize + conclusion.smpCntPosition, conclusion.smpCntSize));
-        follow(*conclusion.sv, smpCnt, conclusion.smpRate, conclusion.noASDU);
+        follow(*conclusion.place.sv, smpCnt, conclusion.smpRate, conclusion.noASDU);
     }
 }
 

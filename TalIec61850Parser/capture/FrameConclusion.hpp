@@ -2,8 +2,7 @@
 
 // Internal: what indexing concluded from a frame, for frames like it.
 
-#include <TalIec61850Parser/store/PackageFile.hpp>
-#include <TalIec61850Parser/store/Sv.hpp>
+#include <TalIec61850Parser/capture/StreamPlace.hpp>
 #include <cstdint>
 
 namespace TalIec61850Parser::detail {
@@ -11,13 +10,9 @@ namespace TalIec61850Parser::detail {
 /// Where the packet of a frame goes, and what of it lies where. Positions are octets from the begin
 /// of the frame.
 struct FrameConclusion {
-    /// The packets of the frame's stream in the capture file; null when the frame is not wanted.
-    PackageFile const* file = nullptr;
-    /// That of the stream.
-    std::uint32_t* packetCount = nullptr;
-    /// The stream, if it is one of SV.
-    Sv const* sv = nullptr;
-    /// Which state of the store these pointers are from.
+    /// None when the frame is not wanted.
+    StreamPlace place;
+    /// Which state of the store the place is in.
     std::uint32_t storeAge = 0;
 
     /// The element from which the packet can be decoded; 0 when the frame has none.

@@ -24,27 +24,27 @@ bool admits(std::vector<Identifier> const& filters, Octets buffer, LinkLayer con
 
 WalkTrace* traceOf(FrameLesson* lesson) { return lesson == nullptr ? nullptr : &lesson->trace; }
 
-template <typename Stream>
-IndexedFrame placeOf(Stream const& stored, IndexTarget const& target) {
-    IndexedFrame place;
-    place.file = stored.addFile(target.fileName);
-    place.packetCount = &stored.packetCount;
-    return place;
+StreamPlace placeOf(Goose const& stored, IndexTarget const& target) {
+    return {
+        .file = stored.addFile(target.fileName), .packetCount = &stored.packetCount, .sv = nullptr};
 }
 
-IndexedFrame placeOf(Sv const& stored, IndexTarget const& target) {
-    IndexedFrame place = placeOf<Sv>(stored, target);
-    place.sv = &stored;
-    return place;
+StreamPlace placeOf(Sv const& stored, IndexTarget const& target) {
+    return {
+        .file = stored.addFile(target.fileName), .packetCount = &stored.packetCount, .sv = &stored};
 }
 
 /// Appends the packet to its stream, then counts it: a packet that found no memory is not counted.
-void addPacket(Package const& package, IndexTarget const& target, IndexedFrame& place) {
+IndexedFrame addPacket(Package const& package, StreamPlace const& place,
+                       IndexTarget const& target) {
     Timest const time =
         packetTime(package.time.seconds, package.time.nanoseconds, target.isNanosecond);
     place.file->addPackage(time.seconds, time.nanoseconds, package.position);
     ++*place.packetCount;
-    place.position = package.position;
+    IndexedFrame indexed;
+    indexed.place = place;
+    indexed.position = package.position;
+    return indexed;
 }
 
 IndexedFrame indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
@@ -60,9 +60,8 @@ IndexedFrame indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t buff
     if (lesson != nullptr) {
         lesson->stream = goose;
     }
-    IndexedFrame indexed = placeOf(target.db.gooseProto.addGoose(std::move(goose)), target);
-    addPacket(package, target, indexed);
-    return indexed;
+    Goose const& stored = target.db.gooseProto.addGoose(std::move(goose));
+    return addPacket(package, placeOf(stored, target), target);
 }
 
 IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
@@ -81,9 +80,9 @@ IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferP
     if (lesson != nullptr) {
         lesson->stream = sv;
     }
-    IndexedFrame indexed = placeOf(target.db.svProto.addSv(std::move(sv)), target);
-    addPacket(package, target, indexed);
-    follow(*indexed.sv, smpCnt, smpRate, noASDU);
+    Sv const& stored = target.db.svProto.addSv(std::move(sv));
+    IndexedFrame indexed = addPacket(package, placeOf(stored, target), target);
+    follow(stored, smpCnt, smpRate, noASDU);
     indexed.smpRate = smpRate;
     indexed.noASDU = noASDU;
     return indexed;
@@ -123,7 +122,7 @@ IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferP
                    : indexSv(buffer, *link, bufferPosition, header, target, lesson);
 }
 
-IndexedFrame findOrAddStream(StreamRecord const& stream, IndexTarget const& target) {
+StreamPlace findOrAddStream(StreamRecord const& stream, IndexTarget const& target) {
     if (auto const* const goose = std::get_if<Goose>(&stream)) {
         return placeOf(*target.db.gooseProto.streams.insert(*goose).first, target);
     }

@@ -4,6 +4,7 @@
 
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
+#include <TalIec61850Parser/capture/StreamPlace.hpp>
 #include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
@@ -50,12 +51,8 @@ struct FrameLesson {
 
 /// What became of a frame: where its packet went, and what of it went there.
 struct IndexedFrame {
-    /// The packets of the frame's stream in the capture file; null when the frame is not wanted.
-    PackageFile const* file = nullptr;
-    /// That of the stream.
-    std::uint32_t* packetCount = nullptr;
-    /// The stream, if it is one of SV.
-    Sv const* sv = nullptr;
+    /// None when the frame is not wanted.
+    StreamPlace place;
     /// Of the packet in the capture file.
     std::uint64_t position = 0;
     std::uint16_t smpRate = 0;
@@ -75,8 +72,7 @@ IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferP
                         PcapPacketHeader const& header, IndexTarget const& target,
                         FrameLesson* lesson = nullptr);
 
-/// Finds or adds a stream and its packets in the target's file, and adds no packet: all of
-/// IndexedFrame that is about the store.
-IndexedFrame findOrAddStream(StreamRecord const& stream, IndexTarget const& target);
+/// Finds or adds a stream, and its packets in the target's file; adds no packet.
+StreamPlace findOrAddStream(StreamRecord const& stream, IndexTarget const& target);
 
 }  // namespace TalIec61850Parser::detail

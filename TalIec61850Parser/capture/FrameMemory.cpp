@@ -122,17 +122,17 @@ bool FrameMemory::wantsMore() {
     return !isFull_;
 }
 
-void FrameMemory::remember(Octets frame, Octets mask, std::uint8_t kind,
-                           FrameConclusion const& conclusion) {
+FrameConclusion* FrameMemory::remember(Octets frame, Octets mask, std::uint8_t kind,
+                                       FrameConclusion const& conclusion) {
     if (frame.size() < sizeof(Unit) || frame.size() > kMaxFrameSize) {
-        return;
+        return nullptr;
     }
     Form const form = formOf(frame, kind);
     std::uint32_t const layoutIndex = findOrAddLayout(form, mask);
     isFull_ = layoutIndex == kNone || likenesses_.size() == kMaxLikenesses ||
               held_.size() + layouts_[layoutIndex].units.count > kMaxHeldUnits;
     if (isFull_) {
-        return;
+        return nullptr;
     }
     Layout& layout = layouts_[layoutIndex];
     Likeness likeness;
@@ -146,12 +146,13 @@ void FrameMemory::remember(Octets frame, Octets mask, std::uint8_t kind,
     }
     auto const index = static_cast<std::uint32_t>(likenesses_.size());
     likenesses_.push_back(likeness);
-    if (insert(layout, index)) {
-        noteTurn(index);
-    } else {
+    if (!insert(layout, index)) {
         likenesses_.pop_back();
         held_.resize(likeness.firstHeld);
+        return nullptr;
     }
+    noteTurn(index);
+    return &likenesses_.back().conclusion;
 }
 
 std::uint32_t FrameMemory::findOrAddLayout(Form form, Octets mask) {

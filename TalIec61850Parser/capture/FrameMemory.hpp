@@ -47,7 +47,10 @@ public:
 
     /// Remembers a frame that `find` does not know, if there is room.
     /// @param mask  0xFF for each octet of the frame that counts, 0 for the others
-    void remember(Octets frame, Octets mask, std::uint8_t kind, FrameConclusion const& conclusion);
+    /// @return what is remembered of the conclusion, valid until another operation is called; null
+    ///         when the frame was not taken in
+    FrameConclusion* remember(Octets frame, Octets mask, std::uint8_t kind,
+                              FrameConclusion const& conclusion);
 
 private:
     /// Octets that are compared at once. The compiler's own vectors, on which it does well; a plain

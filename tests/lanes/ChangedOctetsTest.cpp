@@ -12,6 +12,7 @@
 #include "lanes/LaneFrames.hpp"
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
+#include "support/Sanitized.hpp"
 
 namespace TalTest {
 namespace {
@@ -22,8 +23,9 @@ std::uint8_t flipped(std::uint8_t octet, unsigned bit) {
     return static_cast<std::uint8_t>(octet ^ (1U << bit));
 }
 
-/// Values that make of an octet another tag, length or letter.
-Bytes const values = {0x00, 0x01, 0x30, 0x60, 0x61, 0x80, 0x81, 0x82, 0x83, 0x84, 0x85, 0xA2, 0xFF};
+/// Values that make of an octet another tag, length, letter or type of frame.
+Bytes const values = {0x00, 0x01, 0x30, 0x60, 0x61, 0x80, 0x81, 0x82,
+                      0x83, 0x84, 0x85, 0xA2, 0xB8, 0xBA, 0xFF};
 
 /// The frame, between its versions with the octet at each position changed to each of those and by
 /// one bit. Each version comes twice, and again after the frame.
@@ -49,6 +51,15 @@ Bytes everyOctetChanged(Bytes const& frame, bool thoroughly) {
     return capture.bytes();
 }
 
+/// The odd frames; fewer of them where each takes longer.
+std::vector<NamedFrame> someOddFrames() {
+    std::vector<NamedFrame> frames;
+    std::size_t next = 0;
+    for (NamedFrame const& frame : oddFrames())
+        if (!isSanitized || next++ % 4 == 0) frames.push_back(frame);
+    return frames;
+}
+
 void expectEqual(Bytes const& capture, NamedFilter const& filter, std::string const& name) {
     LaneOutcome const outcome =
         indexByBothLanes(capture, {.filter = filter.filter, .progress = {}});
@@ -57,7 +68,7 @@ void expectEqual(Bytes const& capture, NamedFilter const& filter, std::string co
 
 TEST(ChangedOctets, OneAtATimeOfDevicesFrames) {
     for (auto const& [name, frame] : deviceFrames()) {
-        LaneOutcome const outcome = indexByBothLanes(everyOctetChanged(frame, true));
+        LaneOutcome const outcome = indexByBothLanes(everyOctetChanged(frame, !isSanitized));
         EXPECT_EQ(outcome.difference, "") << name;
         EXPECT_GT(outcome.share(), 0.7) << name << ": " << outcome;
     }
@@ -73,7 +84,7 @@ TEST(ChangedOctets, OneAtATimeOfDevicesFramesThroughFilters) {
 TEST(ChangedOctets, OneAtATimeOfOddFrames) {
     std::uint64_t remembered = 0;
     std::uint64_t records = 0;
-    for (auto const& [name, frame] : oddFrames()) {
+    for (auto const& [name, frame] : someOddFrames()) {
         LaneOutcome const outcome = indexByBothLanes(everyOctetChanged(frame, false));
         EXPECT_EQ(outcome.difference, "") << name;
         remembered += outcome.remembered;
@@ -85,7 +96,7 @@ TEST(ChangedOctets, OneAtATimeOfOddFrames) {
 TEST(ChangedOctets, OneAtATimeOfOddFramesThroughFilters) {
     auto const filters = laneFilters();
     std::size_t next = 0;
-    for (auto const& [name, frame] : oddFrames()) {
+    for (auto const& [name, frame] : someOddFrames()) {
         Bytes const capture = everyOctetChanged(frame, false);
         for (int i = 0; i < 2; ++i) expectEqual(capture, filters[next++ % filters.size()], name);
     }

@@ -317,6 +317,11 @@ std::vector<NamedFilter> laneFilters() {
     hsr.hsr.emplace().lanId = 'A';
     auto prp = anyStream<SvIdentifer>();
     prp.prp.emplace().lanId = 'A';
+    // What one protocol rejects, the other one may want.
+    Filter anotherGoose;
+    anotherGoose.gooseFilters = {wanted(&GooseIdentifer::srcMac, "00:00:00:00:00:00")};
+    Filter anotherSv;
+    anotherSv.svFilters = {wanted(&SvIdentifer::dstMac, "00:00:00:00:00:00")};
     std::uint64_t const otherAppId = 0x1234;
     std::uint8_t const bit = 1;
     std::uint32_t const otherRevision = 2;
@@ -327,6 +332,8 @@ std::vector<NamedFilter> laneFilters() {
         {"no GOOSE", onlySv},
         {"another source",
          ofBoth(&GooseIdentifer::srcMac, &SvIdentifer::srcMac, "00:00:00:00:00:00")},
+        {"another source of GOOSE", anotherGoose},
+        {"another destination of SV", anotherSv},
         {"HSR A, VLAN 5", both(gooseVlan(5), hsr)},
         {"PRP A, VLAN 1", both(gooseVlan(1), prp)},
         {"another APPID", ofBoth(&GooseIdentifer::appId, &SvIdentifer::appId, otherAppId)},

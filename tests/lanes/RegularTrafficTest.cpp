@@ -133,9 +133,8 @@ TEST(RegularTraffic, OfAStation) {
 TEST(RegularTraffic, WithEverySequenceNumberOfPrp) {
     for (Publisher const& publisher : {publishers()[2], publishers()[6]}) {
         CaptureBuilder capture;
+        Bytes frame = publisher(1000);
         for (std::uint32_t i = 0; i < 0x10000; ++i) {
-            // One length, as the numbers in front of it are those of one frame.
-            Bytes frame = publisher(1000);
             frame[frame.size() - 6] = static_cast<std::uint8_t>(i >> 8U);
             frame[frame.size() - 5] = static_cast<std::uint8_t>(i);
             capture.add(i, 0, frame);
