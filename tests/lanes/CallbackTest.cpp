@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "lanes/StoreActions.hpp"
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
+#include "support/SampledValues.hpp"
 #include "support/Sanitized.hpp"
 
 namespace TalTest {
@@ -60,6 +62,41 @@ TEST(LanesInCallback, ActionsAtRandom) {
             indexByBothLanes(capture, {.filter = {}, .progress = randomActions(seed)});
         EXPECT_EQ(outcome.difference, "") << "seed " << seed;
         EXPECT_GT(outcome.share(), 0.9) << "seed " << seed;
+    }
+}
+
+TEST(LanesInCallback, EveryActionWhileSmpCntFalls) {
+    // A stream that is found again has to begin with the smpCnt of its next frame.
+    CaptureBuilder capture;
+    for (std::uint32_t i = 0; i < kCalls * kRecordsPerCall; ++i) {
+        auto const smpCnt = static_cast<std::uint16_t>(60'000 - i);
+        capture.add(i, 0, svFrame(svEthernet(), message92le(i % 2 == 0 ? "MU01" : "MU02", smpCnt)));
+    }
+    for (auto const& [name, act] : storeActions()) {
+        LaneOutcome const outcome =
+            indexByBothLanes(capture.bytes(), {.filter = {}, .progress = act});
+        EXPECT_EQ(outcome.difference, "") << name;
+        EXPECT_GT(outcome.share(), 0.9) << name << ": " << outcome;
+    }
+}
+
+TEST(LanesInCallback, MoreStreamsThanAreKept) {
+    // So many that some of them can only be found again by their frames, of which two come at once.
+    constexpr std::uint32_t streams = 7000;
+    constexpr std::uint32_t records = 2 * 2 * streams;
+    CaptureBuilder capture;
+    for (std::uint32_t i = 0; i < records; ++i) {
+        SvMessage message = message92le(std::to_string(100'000 + i / 2 % streams), 1);
+        message.asdus[0].smpCnt = records - i;
+        capture.add(i, 0, svFrame(svEthernet(), message));
+    }
+    for (auto const& [name, act] : storeActions()) {
+        bool const isChosen = name == "clear" || name == "replace by copy" || name == "swap";
+        if (!isChosen) continue;
+        LaneOutcome const outcome =
+            indexByBothLanes(capture.bytes(), {.filter = {}, .progress = act});
+        EXPECT_EQ(outcome.difference, "") << name;
+        EXPECT_GT(outcome.share(), 0.2) << name << ": " << outcome;
     }
 }
 

@@ -47,12 +47,12 @@ void eraseFilesOfOneStream(WatchedStore& store, int /*call*/) {
 
 /// Many, so that the table of streams grows.
 void addStreams(WatchedStore& store, int call) {
-    for (std::uint64_t i = 0; i < 100; ++i) {
+    for (std::uint64_t i = 0; i < 40; ++i) {
         Goose goose;
-        goose.appId = 1'000'000 + static_cast<std::uint64_t>(call) * 100 + i;
+        goose.appId = 1'000'000 + static_cast<std::uint64_t>(call) * 40 + i;
         store.db.gooseProto.addGoose(std::move(goose)).addFile("another");
         Sv sv;
-        sv.appId = 1'000'000 + static_cast<std::uint64_t>(call) * 100 + i;
+        sv.appId = 1'000'000 + static_cast<std::uint64_t>(call) * 40 + i;
         store.db.svProto.addSv(std::move(sv)).addFile("another");
     }
 }
@@ -60,7 +60,7 @@ void addStreams(WatchedStore& store, int call) {
 void addFiles(WatchedStore& store, int call) {
     withStreams(store.db, [call](auto& streams) {
         for (auto const& stream : streams)
-            for (int i = 0; i < 20; ++i)
+            for (int i = 0; i < 6; ++i)
                 stream.addFile("file " + std::to_string(call) + " " + std::to_string(i));
     });
 }
