@@ -19,7 +19,7 @@ public:
         ++plainCount_;
         indexRecord(record, position, isLittleEndian_, target_);
     }
-    void forgetStreams() {}
+    void afterProgress() {}
     [[nodiscard]] std::uint64_t plainCount() const { return plainCount_; }
 
 private:
@@ -49,7 +49,7 @@ std::uint64_t indexRecords(PcapFile& file, bool isLittleEndian, std::atomic<bool
             nextProgress += kRecordsPerProgress;
             if (fileSize != 0 && progress) {
                 progress(static_cast<double>(records.position()) / static_cast<double>(fileSize));
-                lane.forgetStreams();
+                lane.afterProgress();
             }
         }
         file.recordPosition = records.position();

@@ -29,6 +29,14 @@ constexpr std::size_t recordSize(Octets frame) { return sizeof(StreamRecord) + 3
 
 }  // namespace
 
+void FastLane::afterProgress() {
+    ++storeAge_;
+    if (!filterImage_.shows(target_.filter)) {
+        filterImage_ = FilterImage(target_.filter);
+        memory_ = FrameMemory();
+    }
+}
+
 void FastLane::indexUnexpected(FrameConclusion* known, Octets record, std::uint64_t position,
                                std::uint8_t kind) {
     Octets const frame = record.subspan(RecordHeader::kSize);

@@ -3,6 +3,7 @@
 // Internal: indexes most records without walking them, by what was concluded from earlier ones.
 
 #include <TalIec61850Parser/capture/EthernetDecoder.hpp>
+#include <TalIec61850Parser/capture/FilterImage.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
 #include <TalIec61850Parser/capture/FrameMemory.hpp>
 #include <TalIec61850Parser/capture/RecordReader.hpp>
@@ -24,26 +25,26 @@ namespace TalIec61850Parser::detail {
 /// - the octets that the walk looked at, all but those that its WalkTrace says it passed over:
 ///   values that are nobody's identity, the rest of a rejected frame, a sequence number of HSR;
 /// - that it passes over the octets behind the PDU, if it did: a sequence number of PRP is there;
-/// - the capture file and the filter, which are the same for all records of a lane;
-/// - the store, as far as it holds the stream and its file.
+/// - the capture file, which is the same for all records of a lane;
+/// - the filter, and the store as far as it holds the stream and its file: see `afterProgress`.
 ///
 /// So a frame that agrees with a remembered one in the first three, and passes the test of the
 /// fourth, gets the conclusion drawn from that one. What differs per frame is read from it: time
 /// and position of its record, and smpCnt. The store is only added to as long as nobody else gets
-/// hold of it; after that (`forgetStreams`) a conclusion is used again once its stream and file
-/// have been found in the store, or added to it, as the plain walk does. Every other frame takes
-/// the plain walk, the only place that knows the rules.
+/// hold of it; after that a conclusion is used again once its stream and file have been found in
+/// the store, or added to it, as the plain walk does. When the filter has changed, all is
+/// forgotten. Every other frame takes the plain walk, the only place that knows the rules.
 class FastLane {
 public:
     /// @param target  what it refers to outlives the lane
     FastLane(IndexTarget const& target, bool isLittleEndian)
-        : target_(target), isLittleEndian_(isLittleEndian) {}
+        : target_(target), filterImage_(target.filter), isLittleEndian_(isLittleEndian) {}
 
     /// `indexRecord`.
     void index(Octets record, std::uint64_t position);
 
-    /// The store may no longer hold what was found in it before.
-    void forgetStreams() { ++storeAge_; }
+    /// Somebody else had hold of the store and of the filter.
+    void afterProgress();
 
     /// How many records took the plain walk.
     [[nodiscard]] std::uint64_t plainCount() const { return plainCount_; }
@@ -60,6 +61,7 @@ private:
     void learn(Octets record, std::uint64_t position, std::uint8_t kind);
 
     IndexTarget target_;
+    FilterImage filterImage_;
     bool isLittleEndian_;
     std::uint32_t storeAge_ = 0;
     std::uint64_t plainCount_ = 0;

@@ -170,14 +170,14 @@ std::uint32_t FrameMemory::findOrAddLayout(Form form, Octets mask) {
     std::uint32_t& head = headFor(form);
     std::size_t listed = 0;
     for (std::uint32_t* link = &head; *link != kNone; link = &layouts_[*link].next) {
-        if (listed++ == kMaxListed) {
-            *link = kNone;  // the oldest ones make room
-            break;
-        }
         Layout const& known = layouts_[*link];
         if (known.form == form && haveSameUnits(known.units, layout.units)) {
             forgetUnits();
             return *link;
+        }
+        if (++listed == kMaxListed) {
+            *link = kNone;  // the oldest makes room
+            break;
         }
     }
     if (positions_.size() > kMaxUnits) {

@@ -16,7 +16,7 @@ namespace TalIec61850Parser::detail {
 /// is like a remembered one when it agrees in all of them; its other octets may hold anything.
 ///
 /// It knows nothing of what is in a frame, nor of what was concluded from it: what counts is said
-/// by whoever lets it remember. It takes some 8 MiB at most, whatever it is shown. A memory that is
+/// by whoever lets it remember. It takes 12 MiB at most, whatever it is shown. A memory that is
 /// full takes in nothing more until it has failed to recognise so many frames that it starts
 /// afresh.
 class FrameMemory {

@@ -42,6 +42,7 @@ void run(std::string const& path, CaptureVariant variant, LaneSettings const& se
          LaneRun& result) {
     PcapFile file(path);
     std::atomic<bool> stopFlag = false;
+    result.store.filter = settings.filter;
     int call = 0;
     auto const watched = [&](double fraction) {
         result.progress.push_back(fraction);
@@ -51,7 +52,7 @@ void run(std::string const& path, CaptureVariant variant, LaneSettings const& se
     std::function<void(double)> progress;
     if (settings.progress) progress = watched;
     result.records = detail::indexCapture(file, isNanosecond(variant), isLittleEndian(variant),
-                                          result.store.db, settings.filter, stopFlag,
+                                          result.store.db, result.store.filter, stopFlag,
                                           std::filesystem::file_size(path), progress, lane);
 }
 

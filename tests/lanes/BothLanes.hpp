@@ -14,10 +14,13 @@
 
 namespace TalTest {
 
-/// The store that is indexed into, and those that a progress call has put in its place before.
+/// The store that is indexed into, those that a progress call has put in its place before, and what
+/// else it can get hold of.
 struct WatchedStore {
     TalIec61850Parser::Db db;
     std::list<TalIec61850Parser::Db> aside;
+    /// The filter that is being indexed with.
+    TalIec61850Parser::Filter filter = {};
     /// For a progress call to set: no record is read behind the next one.
     bool stop = false;
 };

@@ -5,6 +5,7 @@
 #include <TalIec61850Parser/store/Sv.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <string>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "lanes/StoreActions.hpp"
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
+#include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 #include "support/Sanitized.hpp"
 
@@ -138,6 +140,33 @@ TEST(LanesInCallback, StoreThatHoldsTheStreamsAlready) {
         }
     };
     EXPECT_EQ(indexByBothLanes(capture, {.filter = {}, .progress = fill}).difference, "");
+}
+
+TEST(LanesInCallback, FilterThatChanges) {
+    CaptureBuilder capture;
+    for (std::uint32_t i = 0; i < kCalls * kRecordsPerCall; ++i) {
+        GooseMessage message;
+        message.goID = i % 2 == 0 ? "one" : "other";
+        capture.add(i, 0, gooseFrame(Ethernet().withVlan(5), message));
+    }
+    std::vector<std::pair<std::string, std::function<void(Filter&)>>> const changes = {
+        {"no criteria", [](Filter& filter) { filter = Filter(); }},
+        {"another name", [](Filter& filter) { filter.gooseFilters[0].goID = "one"; }},
+        {"no name", [](Filter& filter) { filter.gooseFilters[0].goID.reset(); }},
+        {"another VLAN", [](Filter& filter) { filter.gooseFilters[0].vlan.emplace().vlanId = 6; }},
+        {"one more", [](Filter& filter) { filter.gooseFilters.emplace_back().goID = "one"; }},
+        {"no GOOSE", [](Filter& filter) { filter.parseGoose = false; }},
+    };
+    for (auto const& [name, change] : changes) {
+        LaneSettings settings;
+        settings.filter.gooseFilters.emplace_back().goID = "other";
+        settings.progress = [&change = change](WatchedStore& store, int call) {
+            if (call == 3) change(store.filter);
+        };
+        LaneOutcome const outcome = indexByBothLanes(capture.bytes(), settings);
+        EXPECT_EQ(outcome.difference, "") << name;
+        EXPECT_GT(outcome.remembered, 0U) << name;
+    }
 }
 
 }  // namespace
