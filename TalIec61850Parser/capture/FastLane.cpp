@@ -19,7 +19,7 @@ bool passesOver(Octets tail, FrameConclusion const& conclusion) {
 }
 
 /// What the records that are kept take at most, in octets.
-constexpr std::size_t kMaxRecords = std::size_t{4} << 20U;
+constexpr std::size_t kMaxRecords = std::size_t{2} << 20U;
 
 static_assert(kMaxRecords / sizeof(StreamRecord) <= std::numeric_limits<std::uint16_t>::max(),
               "a conclusion's number of its record is 16 bits wide");

@@ -7,8 +7,8 @@ namespace TalIec61850Parser::detail {
 namespace {
 
 constexpr std::size_t kWordSize = sizeof(std::uint64_t);
-constexpr std::size_t kMaxUnits = std::size_t{1} << 14U;
-constexpr std::size_t kMaxHeldUnits = std::size_t{1} << 18U;
+constexpr std::size_t kMaxUnits = std::size_t{1} << 13U;
+constexpr std::size_t kMaxHeldUnits = std::size_t{1} << 17U;
 /// Layouts in one list: a frame is hashed for each that has its form.
 constexpr std::size_t kMaxListed = 8;
 constexpr std::size_t kFirstSlotCount = 4;
@@ -271,9 +271,10 @@ bool FrameMemory::addKey(Layout& layout, std::uint32_t likeness, std::uint32_t o
         }
         std::size_t const unit = layout.units.first + index / kWordsPerUnit;
         std::size_t const word = index % kWordsPerUnit;
-        layout.keys[layout.keyCount++] = {.mask = masks_[unit][word],
-                                          .position = positions_[unit] + word * kWordSize,
-                                          .index = index};
+        layout.keys[layout.keyCount++] = {
+            .mask = masks_[unit][word],
+            .position = static_cast<std::uint32_t>(positions_[unit] + word * kWordSize),
+            .index = static_cast<std::uint32_t>(index)};
         return true;
     }
     return false;

@@ -16,7 +16,7 @@ namespace TalIec61850Parser::detail {
 /// is like a remembered one when it agrees in all of them; its other octets may hold anything.
 ///
 /// It knows nothing of what is in a frame, nor of what was concluded from it: what counts is said
-/// by whoever lets it remember. It takes 12 MiB at most, whatever it is shown. A memory that is
+/// by whoever lets it remember. It takes 8 MiB at most, whatever it is shown. A memory that is
 /// full takes in nothing more until it has failed to recognise so many frames that it starts
 /// afresh.
 class FrameMemory {
@@ -84,9 +84,9 @@ private:
     struct KeyWord {
         std::uint64_t mask = 0;
         /// Octets from the begin of a frame.
-        std::size_t position = 0;
+        std::uint32_t position = 0;
         /// Which word it is of those that are held of a likeness.
-        std::size_t index = 0;
+        std::uint32_t index = 0;
     };
     /// A place in the hash table of a layout.
     struct Slot {
