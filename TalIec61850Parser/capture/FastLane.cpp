@@ -69,6 +69,24 @@ IndexedFrame FastLane::indexPlainly(Octets record, std::uint64_t position, Frame
     return indexRecord(record, position, isLittleEndian_, target_, lesson);
 }
 
+FrameConclusion FastLane::conclude(IndexedFrame const& indexed, WalkTrace const& trace,
+                                   std::uint64_t recordPosition) const {
+    auto const narrow = [](std::uint64_t octets) { return static_cast<std::uint16_t>(octets); };
+    FrameConclusion conclusion;
+    conclusion.place = indexed.place;
+    conclusion.storeAge = storeAge_;
+    if (indexed.position != 0) {
+        conclusion.packetPosition = narrow(indexed.position - recordPosition - RecordHeader::kSize);
+    }
+    conclusion.smpCntPosition = narrow(trace.number().position);
+    conclusion.smpCntSize =
+        static_cast<std::uint8_t>(std::min(trace.number().size, sizeof(std::uint16_t)));
+    conclusion.tailPosition = narrow(trace.tail().position);
+    conclusion.smpRate = indexed.smpRate;
+    conclusion.noASDU = static_cast<std::uint8_t>(indexed.noASDU);
+    return conclusion;
+}
+
 void FastLane::learn(Octets record, std::uint64_t position, std::uint8_t kind) {
     if (record.size() > FrameMemory::kMaxFrameSize || !memory_.wantsMore()) {
         indexPlainly(record, position, nullptr);
@@ -80,19 +98,7 @@ void FastLane::learn(Octets record, std::uint64_t position, std::uint8_t kind) {
     if (trace.frame().empty()) {
         return;  // neither GOOSE nor SV: seen as fast as remembered
     }
-    auto const narrow = [](std::uint64_t octets) { return static_cast<std::uint16_t>(octets); };
-    FrameConclusion conclusion;
-    conclusion.place = indexed.place;
-    conclusion.storeAge = storeAge_;
-    if (indexed.position != 0) {
-        conclusion.packetPosition = narrow(indexed.position - position - RecordHeader::kSize);
-    }
-    conclusion.smpCntPosition = narrow(trace.number().position);
-    conclusion.smpCntSize =
-        static_cast<std::uint8_t>(std::min(trace.number().size, sizeof(std::uint16_t)));
-    conclusion.tailPosition = narrow(trace.tail().position);
-    conclusion.smpRate = indexed.smpRate;
-    conclusion.noASDU = static_cast<std::uint8_t>(indexed.noASDU);
+    FrameConclusion const conclusion = conclude(indexed, trace, position);
     if (memory_.isEmpty()) {
         records_.clear();
         recordsSize_ = 0;
@@ -103,7 +109,7 @@ void FastLane::learn(Octets record, std::uint64_t position, std::uint8_t kind) {
         recordsSize_ + recordSize(trace.frame()) <= kMaxRecords) {
         recordsSize_ += recordSize(trace.frame());
         records_.push_back(std::move(lesson_.stream));
-        remembered->record = narrow(records_.size());
+        remembered->record = static_cast<std::uint16_t>(records_.size());
     }
 }
 

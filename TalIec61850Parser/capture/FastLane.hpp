@@ -58,6 +58,8 @@ private:
     void indexUnexpected(FrameConclusion* known, Octets record, std::uint64_t position,
                          std::uint8_t kind);
     IndexedFrame indexPlainly(Octets record, std::uint64_t position, FrameLesson* lesson);
+    [[nodiscard]] FrameConclusion conclude(IndexedFrame const& indexed, WalkTrace const& trace,
+                                           std::uint64_t recordPosition) const;
     void learn(Octets record, std::uint64_t position, std::uint8_t kind);
 
     IndexTarget target_;

@@ -122,6 +122,16 @@ private:
     Octets tail_;
 };
 
+/// The level inside an element.
+/// @param above     stands behind the element
+/// @param position  where the element's value begins
+inline WalkStack::Entry levelBelow(WalkStack::Entry const& above, std::size_t position) {
+    return {.level = {.depth = above.level.depth + 1, .inAsdu = above.level.inAsdu},
+            .position = position,
+            .end = above.position,
+            .elementCount = 0};
+}
+
 /// Walks the elements of `data` depth first and shows each to the handler. An element that cannot
 /// be read ends its level quietly, the levels above go on.
 ///
@@ -171,10 +181,7 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
                 if (now.position < now.end && now.elementCount < maxElementsPerLevel) {
                     unfinished.push(now);
                 }
-                now = {.level = {.depth = now.level.depth + 1, .inAsdu = now.level.inAsdu},
-                       .position = start + element.headerSize,
-                       .end = now.position,
-                       .elementCount = 0};
+                now = levelBelow(now, start + element.headerSize);
                 break;
         }
     }

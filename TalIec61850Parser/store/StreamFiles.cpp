@@ -19,13 +19,10 @@ struct Remainder {
 
     [[nodiscard]] std::size_t middle() const { return first + count / 2; }
 
-    /// What is left when the answer lies behind the middle, or not.
-    [[nodiscard]] Remainder behindMiddle() const {
-        return {.first = middle() + 1, .count = count - count / 2 - 1};
-    }
-    [[nodiscard]] Remainder upToMiddle() const { return {.first = first, .count = count / 2}; }
+    /// What is left once it is known whether the answer lies behind the middle packet.
     [[nodiscard]] Remainder half(bool isBehind) const {
-        return isBehind ? behindMiddle() : upToMiddle();
+        return isBehind ? Remainder{.first = middle() + 1, .count = count - count / 2 - 1}
+                        : Remainder{.first = first, .count = count / 2};
     }
 };
 
