@@ -12,7 +12,9 @@ namespace TalFuzz {
 /// The octets a fuzzer is given, taken one after the other; zeros once there are none left.
 class FuzzInput {
 public:
+    /// @param octets  outlive this
     explicit FuzzInput(std::span<std::uint8_t const> octets) : octets_(octets) {}
+    explicit FuzzInput(TalTest::Bytes&& octets) = delete;
 
     [[nodiscard]] bool isEmpty() const { return octets_.empty(); }
 

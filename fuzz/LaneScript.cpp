@@ -11,11 +11,13 @@ using namespace TalTest;
 
 namespace {
 
-constexpr std::size_t kMaxFrames = 8;
+constexpr std::size_t kMaxFrames = 4;
 constexpr std::size_t kMaxFrameSize = 2000;
-constexpr std::size_t kMaxRecords = 6000;
-constexpr std::size_t kMaxCaptureSize = std::size_t{1} << 20U;
+constexpr std::size_t kMaxRecords = 1300;
+constexpr std::size_t kMaxRecordsOfFrames = 32;
 constexpr std::size_t kRecordsPerProgress = 1000;
+constexpr std::size_t kMaxRounds = 2;
+constexpr std::size_t kCounted = 4;
 
 /// None, one of those that there are, or any of them in each call.
 ProgressAction actionOf(std::uint8_t choice) {
@@ -44,7 +46,7 @@ public:
                 add(frame);
                 break;
             case kAddRound:
-                for (std::size_t round = 0; round <= choice; ++round)
+                for (std::size_t round = 0; round <= choice % kMaxRounds; ++round)
                     for (Bytes const& each : frames_) add(each);
                 break;
             case kAddChanged: {
@@ -73,22 +75,20 @@ public:
             }
             case kAddCounted: {
                 std::size_t const position = input.number();
-                for (int i = 0; i < 32; ++i) {
+                for (std::size_t i = 0; i < kCounted; ++i) {
                     frame = changed(frame, position, 1);
                     add(frame);
                 }
                 break;
             }
             case kPassToProgress:
-                do {
-                    addRecord({});
-                } while (records_ % kRecordsPerProgress != 0);
+                if (choice % 8 == 0) passToProgress();
                 break;
         }
     }
 
     [[nodiscard]] bool isFull() const {
-        return records_ >= kMaxRecords || capture_.bytes().size() >= kMaxCaptureSize;
+        return records_ >= kMaxRecords || numFrames_ >= kMaxRecordsOfFrames;
     }
     [[nodiscard]] Bytes const& capture() const { return capture_.bytes(); }
     [[nodiscard]] std::size_t numFrames() const { return numFrames_; }
@@ -101,6 +101,11 @@ private:
     void addRecord(Bytes const& frame) {
         ++records_;
         capture_.add(records_, records_ * 1000, frame);
+    }
+    void passToProgress() {
+        std::size_t const count = kRecordsPerProgress - records_ % kRecordsPerProgress;
+        capture_.addRaw(Bytes(count * recordHeaderSize));
+        records_ += static_cast<std::uint32_t>(count);
     }
     static Bytes changed(Bytes frame, std::size_t position, std::uint8_t added) {
         if (frame.empty()) return frame;

@@ -17,13 +17,14 @@ namespace TalFuzz {
 /// steps: an octet whose low three bits say which, and whose others choose a frame or a number.
 enum LaneStep : std::uint8_t {
     kAdd,         ///< a record of the frame
-    kAddRound,    ///< a record of each frame, this many times and once more
+    kAddRound,    ///< a record of each frame, once or twice
     kAddChanged,  ///< with an octet changed: position (2), what is added to it (1)
     kChange,      ///< the frame itself, from here on: position (2), what is added to it (1)
     kAddTail,     ///< with the octet at this position from the end changed (1), to this value (1)
     kAddResized,  ///< of another size: in octets (2), filled with (1)
-    kAddCounted,  ///< 32 records, with the octet at a position (2) counting up
-    kPassToProgress  ///< empty records up to where a progress call comes
+    kAddCounted,  ///< four records, with the octet at a position (2) counting up
+    kPassToProgress  ///< empty records up to where a progress call comes, if chosen by 0, 8, 16 or
+                     ///< 24
 };
 inline constexpr unsigned kLaneStepBits = 3;
 

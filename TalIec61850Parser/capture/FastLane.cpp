@@ -58,10 +58,15 @@ void FastLane::indexUnexpected(FrameConclusion* known, Octets record, std::uint6
         known->place = indexPlainly(record, position, nullptr).place;
         return;
     }
+    auto const addPacket = [&](StreamPlace const& place) {
+        known->place = place;
+        indexLike(*known, record, position);
+    };
     if (isStale) {
-        known->place = findOrAddStream(records_[known->record - 1U], target_);
+        addToSeenStream(records_[known->record - 1U], target_, addPacket);
+    } else {
+        addPacket(known->place);
     }
-    indexLike(*known, record, position);
 }
 
 IndexedFrame FastLane::indexPlainly(Octets record, std::uint64_t position, FrameLesson* lesson) {

@@ -24,16 +24,6 @@ bool admits(std::vector<Identifier> const& filters, Octets buffer, LinkLayer con
 
 WalkTrace* traceOf(FrameLesson* lesson) { return lesson == nullptr ? nullptr : &lesson->trace; }
 
-StreamPlace placeOf(Goose const& stored, IndexTarget const& target) {
-    return {
-        .file = stored.addFile(target.fileName), .packetCount = &stored.packetCount, .sv = nullptr};
-}
-
-StreamPlace placeOf(Sv const& stored, IndexTarget const& target) {
-    return {
-        .file = stored.addFile(target.fileName), .packetCount = &stored.packetCount, .sv = &stored};
-}
-
 /// Appends the packet to its stream, then counts it: a packet that found no memory is not counted.
 IndexedFrame addPacket(Package const& package, StreamPlace const& place,
                        IndexTarget const& target) {
@@ -60,8 +50,10 @@ IndexedFrame indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t buff
     if (lesson != nullptr) {
         lesson->stream = goose;
     }
-    Goose const& stored = target.db.gooseProto.addGoose(std::move(goose));
-    return addPacket(package, placeOf(stored, target), target);
+    IndexedFrame indexed;
+    addToStream(target.db.gooseProto.streams, std::move(goose), target.fileName,
+                [&](StreamPlace const& place) { indexed = addPacket(package, place, target); });
+    return indexed;
 }
 
 IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
@@ -80,9 +72,10 @@ IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferP
     if (lesson != nullptr) {
         lesson->stream = sv;
     }
-    Sv const& stored = target.db.svProto.addSv(std::move(sv));
-    IndexedFrame indexed = addPacket(package, placeOf(stored, target), target);
-    follow(stored, smpCnt, smpRate, noASDU);
+    IndexedFrame indexed;
+    addToStream(target.db.svProto.streams, std::move(sv), target.fileName,
+                [&](StreamPlace const& place) { indexed = addPacket(package, place, target); });
+    follow(*indexed.place.sv, smpCnt, smpRate, noASDU);
     indexed.smpRate = smpRate;
     indexed.noASDU = noASDU;
     return indexed;
@@ -120,16 +113,6 @@ IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferP
     }
     return isGoose ? indexGoose(buffer, *link, bufferPosition, header, target, lesson)
                    : indexSv(buffer, *link, bufferPosition, header, target, lesson);
-}
-
-StreamPlace findOrAddStream(StreamRecord const& stream, IndexTarget const& target) {
-    if (auto const* const goose = std::get_if<Goose>(&stream)) {
-        return placeOf(*target.db.gooseProto.streams.insert(*goose).first, target);
-    }
-    if (auto const* const sv = std::get_if<Sv>(&stream)) {
-        return placeOf(*target.db.svProto.streams.insert(*sv).first, target);
-    }
-    return {};
 }
 
 }  // namespace TalIec61850Parser::detail

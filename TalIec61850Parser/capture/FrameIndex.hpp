@@ -72,7 +72,15 @@ IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferP
                         PcapPacketHeader const& header, IndexTarget const& target,
                         FrameLesson* lesson = nullptr);
 
-/// Finds or adds a stream, and its packets in the target's file; adds no packet.
-StreamPlace findOrAddStream(StreamRecord const& stream, IndexTarget const& target);
+/// `addToStream` for a stream that has been seen before; does nothing for none.
+template <typename AddPacket>
+void addToSeenStream(StreamRecord const& stream, IndexTarget const& target,
+                     AddPacket const& addPacket) {
+    if (auto const* const goose = std::get_if<Goose>(&stream)) {
+        addToStream(target.db.gooseProto.streams, *goose, target.fileName, addPacket);
+    } else if (auto const* const sv = std::get_if<Sv>(&stream)) {
+        addToStream(target.db.svProto.streams, *sv, target.fileName, addPacket);
+    }
+}
 
 }  // namespace TalIec61850Parser::detail

@@ -35,6 +35,8 @@ public:
     /// @param progress  called on this thread with the fraction of the file that has been read,
     ///                  0 to 1: before records 0, 1000, 2000, ... and with 1.0 at the end, unless
     ///                  stopped; may be empty, may clear the store, may throw
+    /// @throws std::bad_alloc  when memory ends, and what `progress` throws: the store then holds
+    ///         every packet of the records before, and nothing half-made
     static void parseFile(std::string const& fileName, Db& db, Filter const& filter,
                           std::atomic<bool> const& stopFlag, std::function<void(double)> progress);
 

@@ -13,7 +13,7 @@ static_assert(sizeof(std::size_t) == 8 && sizeof(unsigned long) == 8,
 }  // namespace
 
 RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
-    : file_(file), isLittleEndian_(isLittleEndian), buffer_(kBlockSize) {
+    : file_(file), isLittleEndian_(isLittleEndian), buffer_(kFirstBlockSize) {
     file_.seekg(0);
     require(kGlobalHeaderSize);
     if (available() < kGlobalHeaderSize) {
@@ -45,13 +45,16 @@ void RecordReader::readUntil(std::size_t size) {
 }
 
 void RecordReader::makeRoom(std::size_t size) {
+    bool const isFirstBlockFull = end_ == kFirstBlockSize && end_ == buffer_.size();
     if (begin_ > 0) {
         std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
                   buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
         end_ -= begin_;
         begin_ = 0;
     }
-    if (end_ == buffer_.size()) {
+    if (isFirstBlockFull) {
+        buffer_.resize(kBlockSize);
+    } else if (end_ == buffer_.size()) {
         buffer_.resize(std::min(2 * buffer_.size(), size));  // full of one record, really there
     }
 }

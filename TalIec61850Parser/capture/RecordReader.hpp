@@ -41,6 +41,8 @@ struct RecordHeader {
 class RecordReader {
 public:
     static constexpr std::size_t kBlockSize = std::size_t{256} << 10U;
+    /// The first block: room for a small capture, so that opening many of them is cheap.
+    static constexpr std::size_t kFirstBlockSize = std::size_t{16} << 10U;
     static constexpr std::size_t kMaxPadding = std::size_t{16} << 20U;
 
     /// Goes to the start of the file and reads its global header, which is not interpreted.
@@ -95,7 +97,8 @@ private:
         }
     }
     void readUntil(std::size_t size);
-    /// Makes room behind `end_`: for a record of `size` octets, at most doubling what there is.
+    /// Makes room behind `end_`: for a block, or for a record of `size` octets, then at most
+    /// doubling what there is.
     void makeRoom(std::size_t size);
     void readBlock();
     /// What a read that failed had brought in before: how many octets from `end_` on.

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstddef>
 #include <fstream>
+#include <ios>
+#include <istream>
 #include <string_view>
 
 namespace cross {
@@ -23,12 +25,23 @@ std::string toTwoDecimals(double value) {
     return {text.data(), end};
 }
 
+/// std::getline, which keeps a lack of memory to itself unless the stream throws when it turns bad.
+/// @return false at the end of the file, or where it cannot be read
+bool readLine(std::istream& file, std::string& line) {
+    file.exceptions(std::ios_base::badbit);
+    try {
+        return static_cast<bool>(std::getline(file, line));
+    } catch (std::ios_base::failure const&) {
+        return false;
+    }
+}
+
 }  // namespace
 
 std::uint64_t MemoryInfo::getCurrentProcessMemoryUsage() {
     std::ifstream status("/proc/self/status");
     std::string line;
-    while (std::getline(status, line)) {
+    while (readLine(status, line)) {
         if (!line.starts_with(kResidentSizeLabel)) {
             continue;
         }

@@ -19,6 +19,7 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalTest;
 
+constexpr std::size_t kFirstBlock = 16UL * 1024UL;
 constexpr std::size_t kBlock = 256UL * 1024UL;
 constexpr std::size_t kFirstRecord = captureHeaderSize;
 
@@ -110,8 +111,9 @@ TEST(PcapParserRecordBoundary, EveryPlaceRelativeToABlockIsAlike) {
     Bytes const frame = svFrame(svEthernet().withVlan(5), {});
     std::size_t const recordSize = recordHeaderSize + frame.size();
     TempDir const directory;
-    for (std::size_t shift = 0; shift <= recordSize + 2 * kFirstRecord; ++shift) {
-        std::size_t const start = kBlock + kFirstRecord + 8 - shift;
+    for (std::size_t shift = 0; shift <= 2 * (recordSize + 2 * kFirstRecord) + 1; ++shift) {
+        std::size_t const boundary = shift % 2 == 0 ? kBlock : kFirstBlock;
+        std::size_t const start = boundary + kFirstRecord + 8 - shift / 2;
         CaptureBuilder capture;
         capture.add(0, 0, fillerFrame(start - kFirstRecord));
         ASSERT_EQ(capture.nextRecordPosition(), start);

@@ -12,48 +12,58 @@ using namespace TalIec61850Parser;
 
 namespace {
 
-template <typename T>
-void writeValue(std::ostream& out, T const& value) {
-    if constexpr (std::is_same_v<T, std::string>)
-        out << std::quoted(value);
-    else if constexpr (std::is_same_v<T, char>)
-        out << value;
-    else
-        out << static_cast<std::uint64_t>(value);
+// Appended to strings: images are made by the million, and streams of text are slow.
+
+std::string quoted(std::string const& value) {
+    std::string text = "\"";
+    for (char const c : value) {
+        if (c == '"' || c == '\\') text += '\\';
+        text += c;
+    }
+    return text + '"';
 }
 
 template <typename T>
-void write(std::ostream& out, char const* name, std::optional<T> const& value) {
-    out << ' ' << name << '=';
-    if (value)
-        writeValue(out, *value);
+std::string textOf(T const& value) {
+    if constexpr (std::is_same_v<T, std::string>)
+        return quoted(value);
+    else if constexpr (std::is_same_v<T, char>)
+        return std::string(1, value);
     else
-        out << '-';
+        return std::to_string(static_cast<std::uint64_t>(value));
+}
+
+template <typename T>
+void write(std::string& out, char const* name, std::optional<T> const& value) {
+    out += ' ';
+    out += name;
+    out += '=';
+    out += value ? textOf(*value) : "-";
 }
 
 template <typename Identifer>
-void writeLink(std::ostream& out, Identifer const& id) {
+void writeLink(std::string& out, Identifer const& id) {
     write(out, "srcMac", id.srcMac);
     write(out, "dstMac", id.dstMac);
-    out << " vlan" << (id.vlan ? "(" : "=-");
+    out += id.vlan ? " vlan(" : " vlan=-";
     if (id.vlan) {
         write(out, "priority", id.vlan->priority);
         write(out, "dei", id.vlan->dei);
         write(out, "vlanId", id.vlan->vlanId);
-        out << " )";
+        out += " )";
     }
-    out << " hsr" << (id.hsr ? "(" : "=-");
+    out += id.hsr ? " hsr(" : " hsr=-";
     if (id.hsr) {
         write(out, "spare1", id.hsr->hsrSpare1);
         write(out, "lanId", id.hsr->lanId);
         write(out, "spare2", id.hsr->hsrSpare2);
         write(out, "spare3", id.hsr->hsrSpare3);
-        out << " )";
+        out += " )";
     }
-    out << " prp" << (id.prp ? "(" : "=-");
+    out += id.prp ? " prp(" : " prp=-";
     if (id.prp) {
         write(out, "lanId", id.prp->lanId);
-        out << " )";
+        out += " )";
     }
     write(out, "appId", id.appId);
     write(out, "reserved1Bit0", id.reserved1Bit0);
@@ -113,25 +123,23 @@ std::ostream& operator<<(std::ostream& out, IndexImage const& image) {
 }
 
 std::string identityText(TalIec61850::GooseIdentifer const& goose) {
-    std::ostringstream out;
-    out << "goose";
+    std::string out = "goose";
     writeLink(out, goose);
     write(out, "gocbRef", goose.gocbRef);
     write(out, "datSet", goose.datSet);
     write(out, "goID", goose.goID);
     write(out, "simulation", goose.simulation);
     write(out, "confRev", goose.confRev);
-    return out.str();
+    return out;
 }
 
 std::string identityText(TalIec61850::SvIdentifer const& sv) {
-    std::ostringstream out;
-    out << "sv";
+    std::string out = "sv";
     writeLink(out, sv);
     write(out, "spareText", sv.spareText);
     write(out, "svID", sv.svID);
     write(out, "confRev", sv.confRev);
-    return out.str();
+    return out;
 }
 
 IndexImage sorted(IndexImage image) {

@@ -58,9 +58,9 @@ ScratchFile::ScratchFile(Bytes const& content) : descriptor_(memfd_create("captu
 ScratchFile::~ScratchFile() { close(descriptor_); }
 
 void ScratchFile::assign(Bytes const& content) {
-    bool const written =
-        ftruncate(descriptor_, 0) == 0 && pwrite(descriptor_, content.data(), content.size(), 0) ==
-                                              static_cast<ssize_t>(content.size());
+    auto const size = static_cast<ssize_t>(content.size());
+    bool const written = pwrite(descriptor_, content.data(), content.size(), 0) == size &&
+                         ftruncate(descriptor_, size) == 0;
     if (!written) throw std::system_error(errno, std::generic_category(), "scratch file");
 }
 

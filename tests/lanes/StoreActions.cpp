@@ -47,12 +47,13 @@ void eraseFilesOfOneStream(WatchedStore& store, int /*call*/) {
 
 /// Many, so that the table of streams grows.
 void addStreams(WatchedStore& store, int call) {
-    for (std::uint64_t i = 0; i < 40; ++i) {
+    constexpr std::uint64_t count = 14;
+    for (std::uint64_t i = 0; i < count; ++i) {
         Goose goose;
-        goose.appId = 1'000'000 + static_cast<std::uint64_t>(call) * 40 + i;
+        goose.appId = 1'000'000 + static_cast<std::uint64_t>(call) * count + i;
         store.db.gooseProto.addGoose(std::move(goose)).addFile("another");
         Sv sv;
-        sv.appId = 1'000'000 + static_cast<std::uint64_t>(call) * 40 + i;
+        sv.appId = 1'000'000 + static_cast<std::uint64_t>(call) * count + i;
         store.db.svProto.addSv(std::move(sv)).addFile("another");
     }
 }

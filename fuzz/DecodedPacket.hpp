@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "support/Bytes.hpp"
+
+namespace TalFuzz {
+
+/// Decodes what stands at a position of a file, by the library and by the decoders of the tests,
+/// and ends the program when they differ.
+/// @param octets  what the file holds
+/// @return whether there is more than an empty result
+bool isGooseDecodedRightly(std::string const& path, TalTest::Bytes const& octets,
+                           std::uint64_t position);
+bool isSvDecodedRightly(std::string const& path, TalTest::Bytes const& octets,
+                        std::uint64_t position);
+
+}  // namespace TalFuzz

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "support/Bytes.hpp"
+
+namespace TalFuzz {
+
+/// A folder of numbered files: what a fuzzer of that name begins with.
+class Seeds {
+public:
+    explicit Seeds(std::filesystem::path folder) : folder_(std::move(folder)) {
+        std::filesystem::create_directories(folder_);
+    }
+
+    void write(TalTest::Bytes const& seed) {
+        std::ofstream file(folder_ / std::to_string(count_++), std::ios_base::binary);
+        file.write(reinterpret_cast<char const*>(seed.data()),
+                   static_cast<std::streamsize>(seed.size()));
+        file.close();
+        if (!file) throw std::runtime_error("cannot write to " + folder_.string());
+    }
+
+private:
+    std::filesystem::path folder_;
+    std::size_t count_ = 0;
+};
+
+/// For fuzz-lanes.
+void writeLaneSeeds(Seeds seeds);
+
+/// For fuzz-capture and fuzz-decode: small captures of every variant, under filters.
+void writeCaptureSeeds(Seeds seeds);
+
+/// For fuzz-frame: a frame of every kind, under filters.
+void writeFrameSeeds(Seeds seeds);
+
+/// For fuzz-codec: elements and values.
+void writeCodecSeeds(Seeds seeds);
+
+/// For fuzz-positions: PDUs and sequences of ASDU, where they stand in a file.
+void writePositionSeeds(Seeds seeds);
+
+/// For fuzz-queries: lists of packets, and windows.
+void writeQuerySeeds(Seeds seeds);
+
+}  // namespace TalFuzz
