@@ -46,7 +46,7 @@ void printMachine(Settings const& settings) {
                kernel());
     fmt::print("- TalIec61850Parser {}, {}, {}{}\n", TALIEC61850PARSER_VERSION, compiler(),
                pcap_lib_version(), hasTshark() ? "" : "; tshark is not installed: left out");
-    fmt::print("- medians of {} rounds{}; ns per frame, query or call of the numerator\n\n",
+    fmt::print("- medians of {} rounds{}; ns per frame, query, call or octet of the numerator\n\n",
                settings.rounds,
                settings.divisor == 1 ? "" : ", quick: the targets mean more frames than these");
 }

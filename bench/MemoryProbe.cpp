@@ -34,6 +34,12 @@ double residentPerPacket(std::string const& path) {
     return octets;
 }
 
+double peakOfHostile(std::string const& name, std::string const& path) {
+    double octets = 0;
+    ask({"hostile", name, path}) >> octets;
+    return octets;
+}
+
 std::vector<std::pair<std::string, double>> allocationsOfJudging() {
     std::vector<std::pair<std::string, double>> out;
     auto lines = ask({"judge"});

@@ -26,6 +26,12 @@ struct Allocations {
 /// store, in octets per packet.
 [[nodiscard]] double residentPerPacket(std::string const& path);
 
+/// By how much the resident memory (VmHWM) of a process grows at most that uses an input built to
+/// hurt, in octets.
+/// @param name  of the input
+/// @param path  where it was written
+[[nodiscard]] double peakOfHostile(std::string const& name, std::string const& path);
+
 /// How often judging each of judgedFrames() takes memory from the heap, with the frame's text.
 [[nodiscard]] std::vector<std::pair<std::string, double>> allocationsOfJudging();
 

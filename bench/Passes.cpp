@@ -14,6 +14,8 @@
 #include <memory>
 #include <vector>
 
+#include "bench/PacketsIn.hpp"
+
 namespace TalBench {
 
 using TalIec61850Parser::Db;
@@ -22,17 +24,6 @@ using TalIec61850Parser::Filter;
 namespace {
 
 constexpr std::size_t blockSize = std::size_t{1} << 20;
-
-std::uint64_t packetsIn(Db const& db) {
-    std::uint64_t packets = 0;
-    for (auto const& stream : db.gooseProto.streams) {
-        packets += stream.packetCount;
-    }
-    for (auto const& stream : db.svProto.streams) {
-        packets += stream.packetCount;
-    }
-    return packets;
-}
 
 std::uint64_t readThrough(std::string const& path, std::vector<char>& block) {
     int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);

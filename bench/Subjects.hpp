@@ -31,4 +31,8 @@ void measureJudge(Settings const& settings);
 /// What the index weighs, and what indexing allocates.
 void measureMemory(Settings const& settings);
 
+/// Time and memory per octet of inputs built to hurt, against those of an ordinary capture.
+/// @throws std::runtime_error when a limit is exceeded
+void measureHostile(Settings const& settings);
+
 }  // namespace TalBench

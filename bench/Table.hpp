@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "bench/Race.hpp"
@@ -18,5 +19,13 @@ void printRatio(std::string_view measured, Rounds const& numerator, Rounds const
 
 /// A number that is no ratio of times and is the same in every round.
 void printNumber(std::string_view measured, double number);
+
+/// The same two, where exceeding the limit is a defect.
+/// @param text  says the number in another way
+/// @return whether it is within the limit
+[[nodiscard]] bool printBound(std::string_view measured, Rounds const& numerator,
+                              Rounds const& denominator, std::optional<double> limit);
+[[nodiscard]] bool printBound(std::string_view measured, double number, std::string_view text,
+                              std::optional<double> limit);
 
 }  // namespace TalBench

@@ -209,7 +209,8 @@ Workload withFrames(Workload workload, std::uint64_t frames) {
     return workload;
 }
 
-std::uint64_t writeCapture(Workload const& workload, std::string const& path) {
+std::uint64_t writeCapture(Workload const& workload, std::string const& path,
+                           FrameVisitor const& visit) {
     std::ofstream out(path, std::ios::binary);
     std::uint64_t wanted = 0;
     {
@@ -217,6 +218,9 @@ std::uint64_t writeCapture(Workload const& workload, std::string const& path) {
         TalTest::CaptureWriter writer(out, workload.variant);
         for (std::uint64_t frame = 0; frame < workload.frames; ++frame) {
             Sent const sent = traffic->next();
+            if (visit) {
+                visit(sent, writer.nextRecordPosition());
+            }
             auto const seconds = static_cast<std::uint32_t>(sent.time / TalTest::second);
             writer.add(TalTest::stationStart + seconds,
                        static_cast<std::uint32_t>(sent.time % TalTest::second), sent.frame);

@@ -51,10 +51,15 @@ struct Workload {
 /// The same traffic, more or less of it.
 [[nodiscard]] Workload withFrames(Workload workload, std::uint64_t frames);
 
+/// Called with each frame of a capture, and where its record begins in the file.
+using FrameVisitor = std::function<void(Sent const& sent, std::uint64_t position)>;
+
 /// Writes the capture of a workload, and through to the disk, so that nothing is left to be written
 /// while others are measured.
+/// @param visit  may be empty
 /// @return how many of its frames the index is to hold
 /// @throws std::runtime_error when it cannot be written
-std::uint64_t writeCapture(Workload const& workload, std::string const& path);
+std::uint64_t writeCapture(Workload const& workload, std::string const& path,
+                           FrameVisitor const& visit = {});
 
 }  // namespace TalBench

@@ -33,13 +33,14 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 6> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 7> subjects = {{
     {"index", measureIndexes},
     {"growth", measureGrowth},
     {"queries", measureQueries},
     {"decode", measureDecode},
     {"judge", measureJudge},
     {"memory", measureMemory},
+    {"hostile", measureHostile},
 }};
 
 auto findSubject(std::string_view word) {

@@ -1,25 +1,27 @@
 // Counts memory, for tal-bench:
 //   memory-probe allocations FILE  what indexing a capture allocates, and what of it is the deques'
 //   memory-probe resident FILE     how much the process grows by, in octets per packet
+//   memory-probe hostile NAME PATH  how much it grows at most by using an input built to hurt
 //   memory-probe judge             what judging each of a few frames allocates, and its text
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <TalIec61850Parser/TalIec61850Parser.hpp>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <fstream>
 #include <string>
 #include <string_view>
 
+#include "bench/HostileInput.hpp"
 #include "bench/JudgedFrames.hpp"
+#include "bench/OwnMemory.hpp"
 #include "capture/CountedHeap.hpp"
 
 namespace {
 
+using TalBench::residentOctets;
 using TalIec61850Parser::Db;
 using TalIec61850Parser::Package;
 using TalTest::heapAllocations;
@@ -62,14 +64,6 @@ void countAllocations(std::string const& path) {
     fmt::print("{} {}\n", all, ofDeques);
 }
 
-std::uint64_t residentOctets() {
-    std::ifstream status("/proc/self/statm");
-    std::uint64_t allPages = 0;
-    std::uint64_t residentPages = 0;
-    status >> allPages >> residentPages;
-    return residentPages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
-}
-
 void measureResident(std::string const& path) {
     Db db;
     std::uint64_t const before = residentOctets();
@@ -78,6 +72,13 @@ void measureResident(std::string const& path) {
     std::size_t packets = 0;
     forEachList(db, [&](auto const& list) { packets += list.size(); });
     fmt::print("{}\n", static_cast<double>(after - before) / static_cast<double>(packets));
+}
+
+void measurePeak(std::string_view name, std::string const& path) {
+    auto const input = TalBench::hostileInput(name);
+    std::uint64_t const before = residentOctets();
+    input.use(path);
+    fmt::print("{}\n", TalBench::peakResidentOctets() - before);
 }
 
 void countJudging() {
@@ -102,10 +103,14 @@ int main(int argc, char** argv) {
         countAllocations(argv[2]);
     } else if (subject == "resident" && argc == 3) {
         measureResident(argv[2]);
+    } else if (subject == "hostile" && argc == 4) {
+        measurePeak(argv[2], argv[3]);
     } else if (subject == "judge" && argc == 2) {
         countJudging();
     } else {
-        fmt::print(stderr, "usage: memory-probe allocations FILE | resident FILE | judge\n");
+        fmt::print(stderr,
+                   "usage: memory-probe allocations FILE | resident FILE | "
+                   "hostile NAME PATH | judge\n");
         return 1;
     }
     return 0;
