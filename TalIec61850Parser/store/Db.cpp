@@ -1,4 +1,5 @@
 #include <TalIec61850Parser/store/Db.hpp>
+#include <string_view>
 #include <utility>
 
 namespace TalIec61850Parser {
@@ -14,8 +15,10 @@ namespace {
 template <typename Proto>
 void forgetFile(std::string fileName, Proto& proto) {
     std::erase_if(proto.streams, [&](auto const& stream) {
-        std::erase_if(stream.files,
-                      [&](PackageFile const& file) { return file.fileName == fileName; });
+        auto const file = stream.files.find(std::string_view(fileName));
+        if (file != stream.files.end()) {
+            stream.files.erase(file);
+        }
         return stream.files.empty();
     });
 }
