@@ -50,7 +50,7 @@ HostileInput nestedBooleans(std::string name, Bytes const& behind, Bytes const& 
     return {.name = std::move(name),
             .write = writes([=] {
                 return behind.empty() ? TalTest::nested(structure, million, innermost)
-                                      : nestedAmong(structure, million, behind);
+                                      : TalTest::nestedAmong(structure, million, behind);
             }),
             .use = onSmallStack(readsBooleans(count, 1)),
             .limits = limits};

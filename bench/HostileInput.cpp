@@ -116,21 +116,6 @@ Bytes svFrameOf(Bytes const& pdu) {
                                   TalTest::apdu({.length = 0}, pdu));
 }
 
-Bytes nestedAmong(std::uint8_t tag, std::size_t levels, Bytes const& behind) {
-    // From the innermost level outwards, back to front: adding a level moves nothing.
-    Bytes reversed;
-    std::size_t size = 0;
-    for (std::size_t level = 0; level < levels; ++level) {
-        Bytes const length = TalTest::berLength(size);
-        reversed.insert(reversed.end(), length.rbegin(), length.rend());
-        reversed.push_back(tag);
-        size += 1 + length.size() + behind.size();
-    }
-    std::ranges::reverse(reversed);
-    TalTest::append(reversed, repeated(behind, levels));
-    return reversed;
-}
-
 Bytes repeated(Bytes const& octets, std::size_t times) {
     Bytes out;
     out.reserve(octets.size() * times);

@@ -86,10 +86,6 @@ void requireSo(bool isSo, std::string_view what);
 [[nodiscard]] TalTest::Bytes gooseFrameOf(TalTest::Bytes const& pdu);
 [[nodiscard]] TalTest::Bytes svFrameOf(TalTest::Bytes const& pdu);
 
-/// `levels` elements of one tag, each around the next, and `behind` that one stand these octets.
-[[nodiscard]] TalTest::Bytes nestedAmong(std::uint8_t tag, std::size_t levels,
-                                         TalTest::Bytes const& behind);
-
 /// The same octets `times` times.
 [[nodiscard]] TalTest::Bytes repeated(TalTest::Bytes const& octets, std::size_t times);
 

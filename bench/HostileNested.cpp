@@ -34,22 +34,22 @@ void addNestedInputs(std::vector<HostileInput>& inputs) {
                               [] { return TalTest::nested(structure, million, emptyPdu()); },
                               {.time = 40, .memory = 30}));
     inputs.push_back(oneFrame("goose-million-levels-and-back", gooseFrameOf,
-                              [] { return nestedAmong(structure, million, emptyPdu()); },
+                              [] { return TalTest::nestedAmong(structure, million, emptyPdu()); },
                               {.time = 110, .memory = 135}));
-    inputs.push_back(
-        oneFrame("goose-50-on-every-level", gooseFrameOf,
-                 [] { return nestedAmong(structure, million / 16, repeated(emptyPdu(), 49)); },
-                 {.time = 90, .memory = 30}));
+    inputs.push_back(oneFrame(
+        "goose-50-on-every-level", gooseFrameOf,
+        [] { return TalTest::nestedAmong(structure, million / 16, repeated(emptyPdu(), 49)); },
+        {.time = 90, .memory = 30}));
     inputs.push_back(oneFrame("sv-million-levels", svFrameOf,
                               [] { return TalTest::nested(sequence, million, emptyName()); },
                               {.time = 40, .memory = 30}));
     inputs.push_back(oneFrame("sv-million-levels-and-back", svFrameOf,
-                              [] { return nestedAmong(sequence, million, emptyName()); },
+                              [] { return TalTest::nestedAmong(sequence, million, emptyName()); },
                               {.time = 120, .memory = 135}));
-    inputs.push_back(
-        oneFrame("sv-50-on-every-level", svFrameOf,
-                 [] { return nestedAmong(sequence, million / 16, repeated(emptyName(), 49)); },
-                 {.time = 60, .memory = 30}));
+    inputs.push_back(oneFrame(
+        "sv-50-on-every-level", svFrameOf,
+        [] { return TalTest::nestedAmong(sequence, million / 16, repeated(emptyName(), 49)); },
+        {.time = 60, .memory = 30}));
 }
 
 }  // namespace TalBench

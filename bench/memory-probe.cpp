@@ -17,7 +17,7 @@
 #include "bench/HostileInput.hpp"
 #include "bench/JudgedFrames.hpp"
 #include "bench/OwnMemory.hpp"
-#include "capture/CountedHeap.hpp"
+#include "support/WatchedHeap.hpp"
 
 namespace {
 

@@ -45,12 +45,17 @@ void addBooleans(Bytes const& level, std::vector<float>& booleans) {
 
 }  // namespace
 
+std::vector<float> plainBooleans(Bytes const& allData) {
+    std::vector<float> booleans;
+    addBooleans(allData, booleans);
+    return booleans;
+}
+
 bool isGooseDecodedRightly(std::string const& path, Bytes const& octets, std::uint64_t position) {
     GoosePdu const pdu = GooseParser::parseGoosePDUFromFile(path, position);
     require(fieldsOf(pdu) == fieldsOf(expectedGoosePdu(octets, position)), "the goosePdu");
-    std::vector<float> expected;
-    addBooleans(pdu.allData, expected);
-    require(GooseParser::parseBooleanValues(pdu.allData) == expected, "the booleans");
+    require(GooseParser::parseBooleanValues(pdu.allData) == plainBooleans(pdu.allData),
+            "the booleans");
     return fieldsOf(pdu) != fieldsOf(GoosePdu());
 }
 

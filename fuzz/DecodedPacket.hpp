@@ -2,10 +2,14 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "support/Bytes.hpp"
 
 namespace TalFuzz {
+
+/// The booleans of allData as parseBooleanValues must find them.
+std::vector<float> plainBooleans(TalTest::Bytes const& allData);
 
 /// Decodes what stands at a position of a file, by the library and by the decoders of the tests,
 /// and ends the program when they differ.

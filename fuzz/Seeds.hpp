@@ -40,7 +40,7 @@ void writeCaptureSeeds(Seeds seeds);
 /// For fuzz-frame: a frame of every kind, under filters.
 void writeFrameSeeds(Seeds seeds);
 
-/// For fuzz-codec: elements and values.
+/// For fuzz-elements and fuzz-values: elements and values.
 void writeCodecSeeds(Seeds seeds);
 
 /// For fuzz-positions: PDUs and sequences of ASDU, where they stand in a file.

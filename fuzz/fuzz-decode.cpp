@@ -27,5 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
                                     : TalFuzz::isSvDecodedRightly(file.path(), capture, position);
         decoded.add(isSomething ? 1 : 0, 1);
     }
+    db.clearByFileName(file.path());
+    TalFuzz::require(db.gooseProto.getGooseCount() + db.svProto.getSvCount() == 0,
+                     "nothing is left of a file that was cleared");
     return 0;
 }

@@ -2,20 +2,19 @@
 // the input; and both roads read one identity.
 
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
-#include <TalIec61850Parser/goose/GooseParser.hpp>
-#include <TalIec61850Parser/goose/GooseParserSimple.hpp>
-#include <TalIec61850Parser/sv/SvParser.hpp>
-#include <TalIec61850Parser/sv/SvParserSimple.hpp>
+#include <TalIec61850Parser/capture/PcapPacketParser.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 
 #include "fuzz/Check.hpp"
 #include "fuzz/FilterChoice.hpp"
+#include "fuzz/FrameSteps.hpp"
 #include "fuzz/FuzzInput.hpp"
 #include "fuzz/Tally.hpp"
 #include "index/PlainVerdict.hpp"
 #include "index/PlainWalk.hpp"
+#include "support/CaptureFile.hpp"
 
 namespace {
 
@@ -30,34 +29,15 @@ Db indexOf(Bytes const& frame, Filter const& filter) {
     return db;
 }
 
-bool isIndexed(Db const& db) {
-    return !db.gooseProto.streams.empty() || !db.svProto.streams.empty();
-}
-
-/// Whether the frame's addresses and tags pass the filter list of its protocol.
-bool isAdmitted(Bytes const& frame, PlainLink const& link, Filter const& filter) {
-    EthernetHeader const header = headerOf(frame, link);
-    Goose goose;
-    Sv sv;
-    return link.etherType == etherTypeGoose
-               ? EthernetParser::_checkEthernetFilters(goose, filter.gooseFilters, header)
-               : EthernetParser::_checkEthernetFilters(sv, filter.svFilters, header);
-}
-
-void requireOneIdentity(Bytes const& frame, std::size_t offset, Filter const& filter) {
-    Goose goose;
-    Goose judgedGoose;
-    Package package;
-    bool const isGoose = GooseParser::parsePacket(frame, offset, {}, 0, goose, package, filter);
-    require(GooseParserSimple::parsePacket(frame, offset, judgedGoose, filter) == isGoose,
-            "both roads say the same of GOOSE");
-    require(GooseEqual()(goose, judgedGoose), "one GOOSE stream");
-    Sv sv;
-    Sv judgedSv;
-    bool const isSv = SvParser::parsePacket(frame, offset, {}, 0, sv, package, filter);
-    require(SvParserSimple::parsePacket(frame, offset, judgedSv, filter) == isSv,
-            "both roads say the same of SV");
-    require(SvEqual()(sv, judgedSv), "one SV stream");
+/// The index of a capture record that holds the frame.
+Db indexOfRecord(Bytes const& frame, Filter const& filter) {
+    static PcapFile file("/dev/null");
+    auto const size = static_cast<std::uint32_t>(frame.size());
+    auto const header = recordHeader(CaptureVariant::microBig, 1, 2000, size, size);
+    Db db;
+    PcapPacketParser::parsePacket(concat({{header.begin(), header.end()}, frame}), file, false,
+                                  false, filter, db);
+    return db;
 }
 
 }  // namespace
@@ -75,6 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     bool const admitted = link && isAdmitted(frame, *link, filter);
     bool const verdict = EthernetParser::parsePacketSimple(frame, filter);
     bool const indexed = isIndexed(indexOf(frame, filter));
+    require(isIndexed(indexOfRecord(frame, filter)) == indexed, "a record is its frame");
     require(verdict == verdictFor(link, filter, admitted, indexed), "the verdict is the index's");
     requireOneIdentity(frame, link ? link->payload : size, filter);
     if (whole != frame) {

@@ -14,12 +14,13 @@ int main(int argc, char** argv) try {
     }
     std::filesystem::path const folder = argv[1];
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-capture"));
-    TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-codec"));
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-decode"));
+    TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-elements"));
     TalFuzz::writeFrameSeeds(Seeds(folder / "fuzz-frame"));
     TalFuzz::writeLaneSeeds(Seeds(folder / "fuzz-lanes"));
     TalFuzz::writePositionSeeds(Seeds(folder / "fuzz-positions"));
     TalFuzz::writeQuerySeeds(Seeds(folder / "fuzz-queries"));
+    TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-values"));
     return 0;
 } catch (std::exception const& error) {
     std::cerr << "make-seeds: " << error.what() << '\n';

@@ -6,14 +6,12 @@
 #include <cstdint>
 #include <string>
 
-#include "capture/CountedHeap.hpp"
 #include "capture/FrameWalk.hpp"
 #include "support/Bytes.hpp"
 #include "support/Ethernet.hpp"
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
-
-// A program of its own, for its heap counts.
+#include "support/WatchedHeap.hpp"
 
 namespace {
 

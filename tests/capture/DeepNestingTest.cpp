@@ -28,22 +28,6 @@ using namespace TalTest;
 constexpr std::size_t kMillion = 1'000'000;
 constexpr std::uint64_t kFirstPayload = 24 + 16 + 14;
 
-/// `levels` elements, each followed, in the one around it, by an empty 61, so that every level is
-/// come back to.
-Bytes nestedWithSiblings(std::uint8_t tag, std::size_t levels) {
-    Bytes reversed;
-    Bytes behind;
-    for (std::size_t level = 0; level < levels; ++level) {
-        Bytes const length = berLength(reversed.size() + behind.size());
-        reversed.insert(reversed.end(), length.rbegin(), length.rend());
-        reversed.push_back(tag);
-        append(behind, {0x61, 0x00});
-    }
-    std::reverse(reversed.begin(), reversed.end());
-    append(reversed, behind);
-    return reversed;
-}
-
 Bytes gooseNested(Bytes const& pdu) {
     return ethernetFrame({}, etherTypeGoose, apdu({.length = 0}, pdu));
 }
@@ -88,14 +72,14 @@ TEST(DeepNesting, OfAnSvFrameIsWalkedToItsEnd) {
 
 TEST(DeepNesting, IsComeBackFromLevelByLevel) {
     for (std::size_t const levels : {1UL, 7UL, 8UL, 9UL, 1000UL, kMillion}) {
-        Bytes const pdu = nestedWithSiblings(0xA2, levels);
+        Bytes const pdu = nestedAmong(0xA2, levels, {0x61, 0x00});
         EXPECT_EQ(
             packagesOf(only(indexFrame(gooseNested(pdu)).db.gooseProto.streams)).front().position,
             kFirstPayload + 8 + pdu.size() - 2)
             << levels << " levels";
     }
     // The mark of an ASDU is taken back with the level that it was set on.
-    Bytes const sequence = ber(0x60, ber(0x30, nestedWithSiblings(0xA2, kMillion)));
+    Bytes const sequence = ber(0x60, ber(0x30, nestedAmong(0xA2, kMillion, {0x61, 0x00})));
     Indexed const result = indexFrame(svNested(concat({sequence, ber(0x80, {0x07})})));
     EXPECT_EQ(only(result.db.svProto.streams).maxNoASDU, 7U);
 }

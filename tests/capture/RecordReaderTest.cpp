@@ -19,20 +19,29 @@ using namespace TalTest;
 using TalIec61850Parser::detail::RecordReader;
 
 /// A file whose disk fails: reading past `fault` throws, as a file buffer does on an I/O error.
+/// Reading many octets at once has then moved on to the fault.
 class FaultyBuffer : public std::streambuf {
 public:
-    FaultyBuffer(Bytes content, std::size_t fault) : content_(std::move(content)), fault_(fault) {}
+    /// @param isPassing  whether reading goes well once it has failed
+    FaultyBuffer(Bytes content, std::size_t fault, bool isPassing = false)
+        : content_(std::move(content)), fault_(fault), isPassing_(isPassing) {}
 
 protected:
     std::streamsize xsgetn(char* out, std::streamsize wanted) override {
         auto const count = std::min(static_cast<std::size_t>(wanted), content_.size() - position_);
-        failBehindFault(count);
+        if (position_ + count > fault_) {
+            position_ = std::max(position_, fault_);
+            fault_ = isPassing_ ? SIZE_MAX : fault_;
+            throw std::ios_base::failure("the disk fails here");
+        }
         std::copy_n(content_.begin() + static_cast<std::ptrdiff_t>(position_), count, out);
         position_ += count;
         return static_cast<std::streamsize>(count);
     }
     int_type underflow() override {
-        failBehindFault(1);
+        if (position_ + 1 > fault_) {
+            throw std::ios_base::failure("the disk fails here");
+        }
         return position_ < content_.size() ? int_type{content_[position_]} : traits_type::eof();
     }
     int_type uflow() override {
@@ -51,14 +60,9 @@ protected:
     }
 
 private:
-    void failBehindFault(std::size_t count) const {
-        if (position_ + count > fault_) {
-            throw std::ios_base::failure("the disk fails here");
-        }
-    }
-
     Bytes content_;
     std::size_t fault_;
+    bool isPassing_;
     std::size_t position_ = 0;
 };
 
@@ -99,11 +103,66 @@ TEST(RecordReader, ShowsWhatLiesBeforeAReadFaultAtEveryOffset) {
     }
 }
 
+TEST(RecordReader, ShowsEverythingWhereAReadFaultPasses) {
+    CaptureBuilder builder(CaptureVariant::microLittle);
+    for (std::size_t i = 0; i < 100; ++i)
+        builder.add(1, 0, Bytes(RecordReader::kBlockSize / 16, 1));
+    Bytes const content = builder.bytes();
+    FaultyBuffer faultless(content, SIZE_MAX);
+    Walked const expected = walk(faultless);
+    for (std::size_t const fault : {std::size_t{0}, std::size_t{1}, RecordReader::kBlockSize - 1,
+                                    RecordReader::kBlockSize, content.size() - 1}) {
+        FaultyBuffer faulty(content, fault, true);
+        EXPECT_EQ(walk(faulty), expected) << "fault at " << fault;
+    }
+}
+
 TEST(RecordReader, ShowsNothingOfAFileCutInItsGlobalHeader) {
     for (std::size_t size = 0; size <= 24; ++size) {
         FaultyBuffer file(Bytes(size, 0xD4), SIZE_MAX);
         EXPECT_TRUE(walk(file).positions.empty()) << size;
     }
+}
+
+TEST(RecordReader, MakesOneRecordOfAHeaderCutShort) {
+    for (std::size_t size = 1; size <= 16; ++size) {
+        FaultyBuffer file(Bytes(24 + size, 0x00), SIZE_MAX);
+        EXPECT_EQ(walk(file), (Walked{{24}, {16}})) << size;
+    }
+}
+
+TEST(RecordReader, MakesOneRecordOfARecordCutShort) {
+    Bytes const content = threeRecords();
+    for (std::size_t size = 25; size <= content.size(); ++size) {
+        FaultyBuffer file(prefix(content, size), SIZE_MAX);
+        std::vector<std::uint64_t> expected = {24, 100, 216};
+        std::erase_if(expected, [&](std::uint64_t begin) { return begin >= size; });
+        EXPECT_EQ(walk(file).positions, expected) << size;
+    }
+}
+
+/// Whether the file has failed once all its records are read.
+bool failsInTheEnd(Bytes const& content) {
+    FaultyBuffer buffer(content, SIZE_MAX);
+    std::istream file(&buffer);
+    RecordReader records(file, true);
+    while (!records.atEnd()) static_cast<void>(records.next());
+    return file.fail();
+}
+
+TEST(RecordReader, LetsAFileFailThatIsCutShortAndNoOther) {
+    Bytes const content = threeRecords();
+    for (std::size_t size = 0; size <= content.size(); ++size) {
+        bool const isWhole = size == 24 || size == 100 || size == 216 || size == content.size();
+        EXPECT_EQ(failsInTheEnd(prefix(content, size)), !isWhole) << size;
+    }
+}
+
+TEST(RecordReader, ShowsNothingOfAFileThatIsBadToBeginWith) {
+    FaultyBuffer buffer(threeRecords(), SIZE_MAX);
+    std::istream file(&buffer);
+    file.setstate(std::ios_base::badbit);
+    EXPECT_TRUE(RecordReader(file, true).atEnd());
 }
 
 TEST(RecordReader, CompletesACutRecordWithZerosNotWithOctetsOfEarlierBlocks) {
@@ -128,7 +187,7 @@ TEST(RecordReader, PadsAtMostSixteenMebibytes) {
     FaultyBuffer buffer(content, SIZE_MAX);
     std::istream file(&buffer);
     RecordReader records(file, true);
-    EXPECT_EQ(records.next().size(), 16U + 10U + RecordReader::kMaxPadding);
+    EXPECT_EQ(records.next().size(), 16U + 10U + (std::size_t{16} << 20U));
     EXPECT_EQ(records.position(), 24UL + 16UL + 0xFFFFFFFFUL);
     EXPECT_TRUE(records.atEnd());
 }

@@ -89,6 +89,14 @@ bool fits(std::size_t length, unsigned count) { return (length >> (8 * count)) =
 
 constexpr std::uint8_t kOldTag = 0xEE;
 
+TEST(Asn1Tag, IsMadeEmpty) {
+    Asn1Tag const tag;
+    EXPECT_EQ(tag.tag, 0);
+    EXPECT_EQ(tag.length, 0U);
+    EXPECT_TRUE(tag.value.empty());
+    EXPECT_EQ(tag.totalLength, 0U);
+}
+
 TEST(Asn1ParserParseTag, ReadsAnEmptyElement) { expectElement(parse({0x30, 0x00}), 0x30, {}, 2); }
 
 TEST(Asn1ParserParseTag, ReadsAShortForm) {

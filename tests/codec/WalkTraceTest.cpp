@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "codec/TraceText.hpp"
 #include "support/Ber.hpp"
 #include "support/Bytes.hpp"
 
@@ -21,6 +22,7 @@ using TalIec61850Parser::detail::walkElements;
 using TalIec61850Parser::detail::WalkLevel;
 using TalIec61850Parser::detail::WalkStep;
 using TalIec61850Parser::detail::WalkTrace;
+using TalTest::lookedAt;
 
 constexpr std::uint8_t kLevel = 0x30;
 constexpr std::uint8_t kLooked = 0x01;
@@ -59,21 +61,8 @@ WalkTrace traceOf(Bytes const& data, WalkLevel const& level = {}) {
     return trace;
 }
 
-/// X for each octet that was looked at, a dot for the others.
-std::string lookedAt(WalkTrace const& trace) {
-    std::string text;
-    for (std::uint8_t const octet : trace.mask())
-        text += octet == 0xFF ? 'X' : octet == 0 ? '.' : '?';
-    return text;
-}
-
 std::string lookedAt(Bytes const& data, WalkLevel const& level = {}) {
     return lookedAt(traceOf(data, level));
-}
-
-/// Position and size, as 3+2.
-std::string text(WalkTrace::Part const& part) {
-    return std::to_string(part.position) + "+" + std::to_string(part.size);
 }
 
 Bytes const threeOctets = {7, 8, 9};
@@ -172,6 +161,13 @@ TEST(WalkTrace, LooksAtWhatIsBehindAFiftiethElementThatIsALevel) {
     append(elements, ber(kLevel, ber(kSkipped, {1})));
     EXPECT_EQ(lookedAt(concat({elements, ber(kLooked, {1})})),
               std::string(98, 'X') + "XX" + "XX." + "XXX");
+}
+
+TEST(WalkTrace, LeavesOutWhatIsBehindAFiftiethElementThatIsAnEmptyLevel) {
+    Bytes elements;
+    for (int i = 0; i < 49; ++i) append(elements, ber(kLooked, {}));
+    append(elements, ber(kLevel, {}));
+    EXPECT_EQ(lookedAt(concat({elements, ber(kLooked, {1})})), std::string(100, 'X') + "...");
 }
 
 TEST(WalkTrace, LeavesOutAllBehindARejectedElement) {

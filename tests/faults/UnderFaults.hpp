@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "faults/FailingHeap.hpp"
+#include "support/WatchedHeap.hpp"
 
 // Runs an action as often as it allocates, each time with another allocation failing.
 

@@ -31,6 +31,22 @@ inline TalIec61850Parser::EthernetHeader headerOf(Bytes const& frame, PlainLink 
     return header;
 }
 
+/// Whether the frame's addresses and tags pass the filter list of its protocol.
+inline bool isAdmitted(Bytes const& frame, PlainLink const& link,
+                       TalIec61850Parser::Filter const& filter) {
+    using TalIec61850Parser::EthernetParser;
+    TalIec61850Parser::EthernetHeader const header = headerOf(frame, link);
+    TalIec61850Parser::Goose goose;
+    TalIec61850Parser::Sv sv;
+    return link.etherType == etherTypeGoose
+               ? EthernetParser::_checkEthernetFilters(goose, filter.gooseFilters, header)
+               : EthernetParser::_checkEthernetFilters(sv, filter.svFilters, header);
+}
+
+inline bool isIndexed(TalIec61850Parser::Db const& db) {
+    return !db.gooseProto.streams.empty() || !db.svProto.streams.empty();
+}
+
 /// The answer that goes with what indexing made of the frame.
 /// @param admitted  whether its addresses and tags pass the filter
 /// @param indexed   whether it is in the index

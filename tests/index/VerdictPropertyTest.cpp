@@ -34,20 +34,6 @@ Db indexOf(Bytes const& frame, Filter const& filter) {
     return db;
 }
 
-bool isIndexed(Db const& db) {
-    return !db.gooseProto.streams.empty() || !db.svProto.streams.empty();
-}
-
-/// Whether the frame's addresses and tags pass the filter list of its protocol.
-bool isAdmitted(Bytes const& frame, PlainLink const& link, Filter const& filter) {
-    EthernetHeader const header = headerOf(frame, link);
-    Goose goose;
-    Sv sv;
-    return link.etherType == etherTypeGoose
-               ? EthernetParser::_checkEthernetFilters(goose, filter.gooseFilters, header)
-               : EthernetParser::_checkEthernetFilters(sv, filter.svFilters, header);
-}
-
 void requireVerdictOfTheIndex(Bytes const& frame, Filter const& filter) {
     std::optional<PlainLink> const link = readLink(frame);
     bool const admitted = link && isAdmitted(frame, *link, filter);

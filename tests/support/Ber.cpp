@@ -72,6 +72,20 @@ Bytes nested(std::uint8_t tag, std::size_t levels, Bytes const& innermost) {
     return backwards;
 }
 
+Bytes nestedAmong(std::uint8_t tag, std::size_t levels, Bytes const& behind) {
+    Bytes backwards;
+    Bytes allBehind;
+    for (std::size_t level = 0; level < levels; ++level) {
+        Bytes const length = berLength(backwards.size() + allBehind.size());
+        std::copy(length.rbegin(), length.rend(), std::back_inserter(backwards));
+        backwards.push_back(tag);
+        append(allBehind, behind);
+    }
+    std::reverse(backwards.begin(), backwards.end());
+    append(backwards, allBehind);
+    return backwards;
+}
+
 Bytes minimalUnsigned(std::uint64_t value) {
     std::size_t const octets = octetsNeeded(value);
     bool const looksNegative = (value >> (8 * octets - 1)) != 0;

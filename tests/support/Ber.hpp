@@ -44,6 +44,10 @@ enum class LengthForm {
 /// Takes time linear in the octets built, so that a million levels are no trouble.
 [[nodiscard]] Bytes nested(std::uint8_t tag, std::size_t levels, Bytes const& innermost = {});
 
+/// The same around nothing, with `behind` on every level behind the element inside, so that each
+/// level is come back to.
+[[nodiscard]] Bytes nestedAmong(std::uint8_t tag, std::size_t levels, Bytes const& behind);
+
 /// A number and the count of octets it is written in; 0 octets stand for the fewest a BER INTEGER
 /// that is not negative takes, which sets a zero before a leading bit that is set.
 template <std::size_t DefaultOctets>

@@ -1,11 +1,13 @@
-#include "faults/FailingHeap.hpp"
+#include "support/WatchedHeap.hpp"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-std::size_t alive = 0;
+std::atomic<std::size_t> taken = 0;
+std::atomic<std::size_t> alive = 0;
 std::size_t untilFault = 0;  // 0 for no fault to come
 bool isSticky = false;
 bool isHit = false;
@@ -19,6 +21,7 @@ bool fails() noexcept {
 }
 
 void* counted(void* memory) noexcept {
+    ++taken;
     alive += memory == nullptr ? 0 : 1;
     return memory;
 }
@@ -58,6 +61,8 @@ HeapFault::~HeapFault() {
 }
 
 bool HeapFault::wasHit() { return isHit; }
+
+std::size_t heapAllocations() { return taken; }
 
 std::size_t liveAllocations() { return alive; }
 

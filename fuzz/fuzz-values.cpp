@@ -1,16 +1,16 @@
-// Elements and renderers: parseTag against the elements that the tests read, and every text or
-// number that octets are rendered as, as far as it can be told otherwise.
+// Every number, text and time that octets are rendered as, as far as it can be told otherwise.
 
 #include <TalIec61850Parser/cli/MemoryInfo.hpp>
 #include <TalIec61850Parser/codec/Asn1Parser.hpp>
 #include <TalIec61850Parser/codec/BytesConverter.hpp>
-#include <TalIec61850Parser/goose/GooseParser.hpp>
 #include <TalIec61850Parser/sv/SvParser.hpp>
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "fuzz/Check.hpp"
 #include "index/PlainDecode.hpp"
@@ -40,34 +40,39 @@ std::string hexDump(Bytes const& octets) {
     return text;
 }
 
-/// The elements of a level up to the first that is not of definite length, which parseTag reads
-/// and the tests' reader does not.
-void requireElements(Bytes const& octets) {
-    std::size_t position = 0;
-    Asn1Tag tag;
-    for (PlainElement const& element : plainElements(octets)) {
-        std::size_t const begin = position;
-        require(Asn1Parser::parseTag(octets, position, tag), "an element is read");
-        require(tag.tag == element.tag && tag.value == element.value, "the element itself");
-        require(tag.length == tag.value.size(), "its length");
-        require(tag.totalLength == position - begin, "its size");
-    }
-    for (std::size_t last = position; position < octets.size(); last = position) {
-        bool const isRead = Asn1Parser::parseTag(octets, position, tag);
-        require(position <= octets.size() && position > last, "reading goes on, and not too far");
-        if (!isRead) break;
-    }
-}
-
 void requireNumbers(Bytes const& octets) {
     require(Asn1Parser::bytesToUint32(octets) == plainNumber(prefix(octets, 4)), "32 bits");
     std::uint64_t const two = octets.size() < 2 ? 0 : plainNumber(prefix(octets, 2));
     require(Asn1Parser::bytesToUint16(octets) == two, "16 bits");
     require(Asn1Parser::bytesToUint8(octets) == plainNumber(prefix(octets, 1)), "8 bits");
-    auto const number = static_cast<std::uint32_t>(plainNumber(prefix(octets, 4)));
-    auto const swapped = BytesConverter::convertUint32(number, false);
-    require(BytesConverter::convertUint32(swapped, false) == number, "swapped twice");
-    require(BytesConverter::convertUint32(number, true) == number, "the machine's own order");
+}
+
+/// Numbers of any width, out of the first octets: in the machine's order they stay, in the other
+/// they are reversed, twice they are what they were.
+template <typename Integer>
+void requireConversion(Bytes const& octets, Integer (*convert)(Integer, bool)) {
+    Integer number{};
+    std::copy_n(octets.begin(), std::min(octets.size(), sizeof number),
+                reinterpret_cast<std::uint8_t*>(&number));
+    bool const isLittle = BytesConverter::_isSystemLittleEndian();
+    Integer const other = convert(number, !isLittle);
+    auto const as = [](Integer value) {
+        return std::bit_cast<std::array<char, sizeof value>>(value);
+    };
+    auto const forward = as(number);
+    auto const backward = as(other);
+    require(convert(number, isLittle) == number, "a number in the machine's order");
+    require(std::equal(forward.begin(), forward.end(), backward.rbegin()), "one in the other");
+    require(convert(other, !isLittle) == number, "one that was reversed twice");
+}
+
+void requireConversions(Bytes const& octets) {
+    requireConversion(octets, BytesConverter::convertUint16);
+    requireConversion(octets, BytesConverter::convertInt16);
+    requireConversion(octets, BytesConverter::convertUint32);
+    requireConversion(octets, BytesConverter::convertInt32);
+    requireConversion(octets, BytesConverter::convertUint64);
+    requireConversion(octets, BytesConverter::convertInt64);
 }
 
 void requireTexts(Bytes const& octets) {
@@ -96,12 +101,9 @@ void requireTexts(Bytes const& octets) {
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Bytes const octets(data, data + size);
-    requireElements(octets);
     requireNumbers(octets);
+    requireConversions(octets);
     requireTexts(octets);
-    GoosePdu pdu;
-    static_cast<void>(GooseParser::_parseGoosePdu(octets, pdu));
-    static_cast<void>(GooseParser::parseBooleanValues(octets));
     SvParser::_parseSampleDataWithQuality(octets, "");
     require(!cross::MemoryInfo::bytesToString(plainNumber(prefix(octets, 8))).empty(), "a size");
     return 0;

@@ -2,14 +2,16 @@
 
 #include <cstddef>
 
+// What a program takes from the heap with `new`, the libraries it uses included. A program that
+// compiles WatchedHeap.cpp in has its allocation operators replaced.
+
 namespace TalTest {
 
 /// Which allocations fail: one alone, or all from it on.
 enum class Failing { once, fromThenOn };
 
-/// Has an allocation of the program fail, those of the libraries it uses included: the `number`th
-/// from construction on, counted from 1; none for 0. Ends with its life. A program that links this
-/// has its allocation operators replaced.
+/// Has an allocation fail: the `number`th from construction on, counted from 1; none for 0. Ends
+/// with its life. For one thread.
 class HeapFault {
 public:
     HeapFault(std::size_t number, Failing failing);
@@ -21,7 +23,10 @@ public:
     [[nodiscard]] static bool wasHit();
 };
 
-/// How many pieces of memory are taken from the heap with `new` and not given back.
+/// How often memory has been taken.
+[[nodiscard]] std::size_t heapAllocations();
+
+/// How many pieces of memory have been taken and not given back.
 [[nodiscard]] std::size_t liveAllocations();
 
 }  // namespace TalTest
