@@ -77,7 +77,7 @@ Bytes anyElement(Random& random) {
 Bytes mutatedElement(Bytes element, Random& random, unsigned depth) {
     std::uint8_t const tag = element[0];
     Bytes const value = slice(element, headerSize(element), element.size());
-    switch (random() % 10) {
+    switch (random() % 11) {
         case 0:
             element[0] = anyTag(random);
             return element;
@@ -90,8 +90,10 @@ Bytes mutatedElement(Bytes element, Random& random, unsigned depth) {
         case 4:
             return nested(anyTag(random), 1 + random() % 60, element);
         case 5:
-            return ber(tag, Bytes{});
+            return nestedAmong(anyTag(random), 1 + random() % 30, element);
         case 6:
+            return ber(tag, Bytes{});
+        case 7:
             return ber(tag, mutatedOctets(value));
         default:
             return depth < kMaxDepth ? ber(tag, mutatedElements(value, random, depth + 1))

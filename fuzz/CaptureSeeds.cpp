@@ -9,6 +9,8 @@
 #include "fuzz/PositionsInput.hpp"
 #include "fuzz/Seeds.hpp"
 #include "lanes/LaneFrames.hpp"
+#include "support/Apdu.hpp"
+#include "support/Ber.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/Ethernet.hpp"
 
@@ -45,6 +47,10 @@ void writeCaptureSeeds(Seeds seeds) {
 }
 
 void writeFrameSeeds(Seeds seeds) {
+    // Deeper than the walk's inline part, and come back to.
+    Bytes const deep = nestedAmong(0xA2, 20, ber(0x61, {}));
+    for (std::uint16_t const type : {etherTypeGoose, etherTypeSampledValues})
+        seeds.write(concat({filterChoice(0), ethernetFrame({}, type, apdu({.appId = 1}, deep))}));
     auto const frames = allFrames();
     for (std::size_t i = 0; i < frames.size(); ++i) {
         seeds.write(concat({filterChoice(i), frames[i].octets}));
@@ -60,6 +66,10 @@ void writePositionSeeds(Seeds seeds) {
         for (std::size_t at = 0; at < frame.octets.size(); ++at)
             if (frame.octets[at] == 0x61 || frame.octets[at] == 0xA2)
                 seeds.write(concat({positionOf(at), frame.octets}));
+    // An element without a length, inside one that has one.
+    seeds.write(concat({positionOf(0), ber(0x61, concat({ber(0x80, "n"), {0xAB}}))}));
+    seeds.write(concat({positionOf(0), ber(0xA2, ber(0x30, {0x80}))}));
+    seeds.write(concat({positionOf(0), ber(0xA2, {0x00, 0x30})}));
 }
 
 }  // namespace TalFuzz

@@ -14,6 +14,7 @@ namespace TalFuzz {
 using namespace TalTest;
 
 void writeCodecSeeds(Seeds seeds) {
+    seeds.write({});
     seeds.write(text("plain text"));
     seeds.write(utcTime(1'700'000'000, 250'000'000));
     seeds.write(bigEndian(0x41D954FC40000000, 8));  // a double of seconds
@@ -31,6 +32,7 @@ void writeCodecSeeds(Seeds seeds) {
     seeds.write(goosePdu({}));
     seeds.write(savPdu({}));
     seeds.write(nested(0x82, 20, ber(0x83, {1})));
+    seeds.write(nestedAmong(0x82, 12, {0x83, 0x01, 0x01}));
     GooseMessage message;
     message.setData({dataBoolean(true), dataStructure({dataBoolean(false)}), dataInteger(-3)});
     seeds.write(*message.allData);

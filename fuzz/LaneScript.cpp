@@ -19,16 +19,24 @@ constexpr std::size_t kRecordsPerProgress = 1000;
 constexpr std::size_t kMaxRounds = 2;
 constexpr std::size_t kCounted = 4;
 
+TalIec61850Parser::Filter const& filterOf(std::size_t choice) {
+    static auto const filters = laneFilters();
+    return filters[choice % filters.size()].filter;
+}
+
+void stopAtSecondCall(WatchedStore& store, int call) { store.stop = call == 1; }
+
+void changeFilter(WatchedStore& store, int call) {
+    store.filter = filterOf(static_cast<std::size_t>(call) + 1);
+}
+
 /// None, one of those that there are, or any of them in each call.
 ProgressAction actionOf(std::uint8_t choice) {
     auto const& actions = storeActions();
     if (choice == 0) return {};
+    if (choice == kStopAction) return stopAtSecondCall;
+    if (choice == kFilterAction) return changeFilter;
     return choice <= actions.size() ? actions[choice - 1U].act : randomActions(choice);
-}
-
-TalIec61850Parser::Filter const& filterOf(std::uint8_t choice) {
-    static auto const filters = laneFilters();
-    return filters[choice % filters.size()].filter;
 }
 
 /// A capture on which the steps are taken.

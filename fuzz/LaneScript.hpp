@@ -28,6 +28,11 @@ enum LaneStep : std::uint8_t {
 };
 inline constexpr unsigned kLaneStepBits = 3;
 
+/// What progress calls do, besides what storeActions() does: have indexing stopped, change the
+/// filter.
+inline constexpr std::uint8_t kStopAction = 0xFF;
+inline constexpr std::uint8_t kFilterAction = 0xFE;
+
 struct LaneCase {
     TalTest::Bytes capture;
     TalTest::LaneSettings settings;

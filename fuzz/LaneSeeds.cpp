@@ -51,7 +51,9 @@ void writeLaneSeeds(Seeds seeds) {
     std::size_t const filters = laneFilters().size();
     for (std::size_t i = 0; i < frames.size(); ++i) {
         Bytes const& frame = frames[i].octets;
-        auto const action = static_cast<std::uint8_t>(i % actions);
+        auto const action = i % 16 == 0   ? kFilterAction
+                            : i % 16 == 8 ? kStopAction
+                                          : static_cast<std::uint8_t>(i % actions);
         auto const filter = static_cast<std::uint8_t>(i % 3 == 0 ? i / 3 % filters : 0);
         auto const variant = static_cast<std::uint8_t>(i % 4);
         seeds.write(concat({laneInput(variant, 0, filter, {frame}), someSteps(i)}));

@@ -27,6 +27,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
                                     : TalFuzz::isSvDecodedRightly(file.path(), capture, position);
         decoded.add(isSomething ? 1 : 0, 1);
     }
+    db.gooseProto.addGoose();
+    TalIec61850Parser::Db::_clearProtoByFileName(file.path(), db.gooseProto);
+    db.svProto.addSv();
     db.clearByFileName(file.path());
     TalFuzz::require(db.gooseProto.getGooseCount() + db.svProto.getSvCount() == 0,
                      "nothing is left of a file that was cleared");

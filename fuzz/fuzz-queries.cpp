@@ -46,11 +46,19 @@ Expected expectedIn(PackageFile const& file, Timest const& from, Timest const& t
     return expected;
 }
 
-/// A file's packets in both kinds of stream, or in none.
+void requireSpan(PackageFile const& file) {
+    bool const isEmpty = file.packages.empty();
+    require(file.getBeginTime() == (isEmpty ? Timest{} : file.packages.front().time),
+            "when a file begins");
+    require(file.getEndTime() == (isEmpty ? Timest{} : file.packages.back().time),
+            "when a file ends");
+}
+
 void requireWindow(Goose const& goose, Sv const& sv, Timest const& from, Timest const& to) {
     auto const gooseWindow = goose.getfilteredPackages(from, to);
     auto const gooseNearest = goose.findFilesNearestPackageIterator(from);
     for (PackageFile const& file : goose.files) {
+        requireSpan(file);
         Expected const expected = expectedIn(file, from, to);
         auto const found = gooseWindow.find(&file);
         require((found == gooseWindow.end()) == file.packages.empty(), "a file with packets");
