@@ -13,6 +13,7 @@
 #include <limits>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <unordered_set>
@@ -190,6 +191,15 @@ TEST(PackageFileHash, DoesNotLookAtThePackets) {
     filled.addPackage(1, 2, 3);
     EXPECT_EQ(Hash{}(empty), Hash{}(filled));
     EXPECT_TRUE(Equal{}(empty, filled));
+}
+
+TEST(PackageFileEqual, ComparesWithANameOnEitherSide) {
+    PackageFile const file("a.pcap");
+    Equal const areEqual;
+    EXPECT_TRUE(areEqual(file, std::string_view("a.pcap")));
+    EXPECT_TRUE(areEqual(std::string_view("a.pcap"), file));
+    EXPECT_FALSE(areEqual(file, std::string_view("b.pcap")));
+    EXPECT_FALSE(areEqual(std::string_view("b.pcap"), file));
 }
 
 TEST(PackageFileEqual, ComparesTheNameOctetForOctet) {
