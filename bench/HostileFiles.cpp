@@ -120,7 +120,7 @@ void addFileInputs(std::vector<HostileInput>& inputs) {
     inputs.push_back({.name = "10000-files-index-and-clear-each",
                       .write = writeManyFiles,
                       .use = clearFiles,
-                      .limits = HostileLimits{.time = 3000, .memory = 85}});
+                      .limits = HostileLimits{.time = 600, .memory = 85}});
 }
 
 }  // namespace TalBench

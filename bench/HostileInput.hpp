@@ -25,7 +25,7 @@ namespace TalBench {
 ///   microseconds, for its 170 octets: several hundred times;
 /// - a file of one packet takes as long as opening and reading one does.
 ///
-/// None of these multiples grows with the input, but that of clearing many files one by one.
+/// None of these multiples grows with the input.
 struct HostileLimits {
     double time;
     double memory;

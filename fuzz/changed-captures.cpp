@@ -31,12 +31,19 @@ constexpr int kSkipped = 77;
 /// What is done to a capture, by its size in octets.
 struct Extent {
     std::size_t cutUpTo;
+    /// Each octet gets every other value, and in larger captures this many others.
+    std::size_t wholeUpTo;
     std::size_t changedUpTo;
-    /// Each octet gets one of this many other values.
-    unsigned values;
+    unsigned fewValues;
+
+    [[nodiscard]] unsigned valuesFor(std::size_t size) const {
+        if (size > changedUpTo) return 0;
+        return size > wholeUpTo ? fewValues : 255;
+    }
 };
-constexpr Extent kAll = {.cutUpTo = 16'000, .changedUpTo = 6'000, .values = 255};
-constexpr Extent kSlice = {.cutUpTo = 1'500, .changedUpTo = 500, .values = 3};
+constexpr Extent kAll = {
+    .cutUpTo = 16'000, .wholeUpTo = 2'000, .changedUpTo = 6'000, .fewValues = 15};
+constexpr Extent kSlice = {.cutUpTo = 1'500, .wholeUpTo = 0, .changedUpTo = 500, .fewValues = 3};
 
 void indexAndDecode(ScratchFile& file, Bytes const& capture) {
     file.assign(capture);
@@ -74,8 +81,7 @@ void tryOut(std::string const& path, Extent const& extent) {
     Bytes const capture = readFile(path);
     if (capture.size() > extent.cutUpTo) return;
     std::size_t const cuts = cutEverywhere(file, capture);
-    std::size_t const changes =
-        capture.size() > extent.changedUpTo ? 0 : changeEverywhere(file, capture, extent.values);
+    std::size_t const changes = changeEverywhere(file, capture, extent.valuesFor(capture.size()));
     std::cout << std::filesystem::path(path).filename().string() << ": " << cuts << " cuts, "
               << changes << " changes" << std::endl;
 }
