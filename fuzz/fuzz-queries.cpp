@@ -54,6 +54,7 @@ void requireSpan(PackageFile const& file) {
             "when a file ends");
 }
 
+/// Of two streams that hold the same files and packets.
 void requireWindow(Goose const& goose, Sv const& sv, Timest const& from, Timest const& to) {
     auto const gooseWindow = goose.getfilteredPackages(from, to);
     auto const gooseNearest = goose.findFilesNearestPackageIterator(from);
