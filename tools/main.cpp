@@ -12,11 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/ExitStatus.hpp"
-#include "tools/Messages.hpp"
-#include "tools/StandardOutput.hpp"
-#include "tools/StreamsCommand.hpp"
-#include "tools/TextEscape.hpp"
+#include "tools/commands/ExitStatus.hpp"
+#include "tools/commands/StreamsCommand.hpp"
+#include "tools/output/Messages.hpp"
+#include "tools/output/StandardOutput.hpp"
+#include "tools/output/TextEscape.hpp"
 
 namespace {
 

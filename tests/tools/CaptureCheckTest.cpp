@@ -6,7 +6,7 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
-#include "tools/CaptureCheck.hpp"
+#include "tools/input/CaptureCheck.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "tools/CaptureTime.hpp"
+#include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -5,9 +5,9 @@
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionProcess.hpp"
-#include "tools/ProgressBar.hpp"
 #include "tools/StreamsTraffic.hpp"
-#include "tools/TextEscape.hpp"
+#include "tools/output/ProgressBar.hpp"
+#include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
 namespace {

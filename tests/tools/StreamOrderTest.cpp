@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "tools/NamedStreams.hpp"
-#include "tools/RowFields.hpp"
-#include "tools/StreamRow.hpp"
+#include "tools/selection/RowFields.hpp"
+#include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
 namespace {

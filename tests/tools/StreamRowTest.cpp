@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "tools/NamedStreams.hpp"
-#include "tools/StreamRow.hpp"
+#include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
 namespace {

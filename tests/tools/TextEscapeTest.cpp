@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/TextEscape.hpp"
+#include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "tools/CsvWriter.hpp"
-#include "tools/JsonWriter.hpp"
-#include "tools/TableWriter.hpp"
+#include "tools/output/CsvWriter.hpp"
+#include "tools/output/JsonWriter.hpp"
+#include "tools/output/TableWriter.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/CaptureTime.hpp"
+#include "tools/selection/CaptureTime.hpp"
 
 #include <fmt/format.h>
 

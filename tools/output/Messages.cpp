@@ -1,4 +1,4 @@
-#include "tools/Messages.hpp"
+#include "tools/output/Messages.hpp"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "tools/RowFields.hpp"
+#include "tools/selection/RowFields.hpp"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "tools/StreamRow.hpp"
+#include "tools/selection/StreamRow.hpp"
 
 #include <algorithm>
 #include <tuple>

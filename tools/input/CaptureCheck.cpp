@@ -1,4 +1,4 @@
-#include "tools/CaptureCheck.hpp"
+#include "tools/input/CaptureCheck.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>

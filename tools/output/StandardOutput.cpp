@@ -1,4 +1,4 @@
-#include "tools/StandardOutput.hpp"
+#include "tools/output/StandardOutput.hpp"
 
 #include <cerrno>
 #include <cstdio>

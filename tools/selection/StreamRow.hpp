@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/CaptureTime.hpp"
+#include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
 

@@ -1,4 +1,4 @@
-#include "tools/ProgressBar.hpp"
+#include "tools/output/ProgressBar.hpp"
 
 #include <fmt/format.h>
 #include <sys/ioctl.h>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "tools/TextEscape.hpp"
+#include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
 

@@ -1,12 +1,12 @@
-#include "tools/CsvWriter.hpp"
+#include "tools/output/CsvWriter.hpp"
 
 #include <fmt/ranges.h>
 
 #include <string>
 #include <vector>
 
-#include "tools/RowFields.hpp"
-#include "tools/TextEscape.hpp"
+#include "tools/output/TextEscape.hpp"
+#include "tools/selection/RowFields.hpp"
 
 namespace TalIec61850Tools {
 

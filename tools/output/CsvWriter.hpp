@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "tools/StandardOutput.hpp"
-#include "tools/StreamRow.hpp"
+#include "tools/output/StandardOutput.hpp"
+#include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
 

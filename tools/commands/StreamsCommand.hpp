@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/ExitStatus.hpp"
+#include "tools/commands/ExitStatus.hpp"
 
 namespace CLI {
 class App;

@@ -1,4 +1,4 @@
-#include "tools/TableWriter.hpp"
+#include "tools/output/TableWriter.hpp"
 
 #include <fmt/format.h>
 
@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "tools/RowFields.hpp"
-#include "tools/TextEscape.hpp"
+#include "tools/output/TextEscape.hpp"
+#include "tools/selection/RowFields.hpp"
 
 namespace TalIec61850Tools {
 

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "tools/StreamRow.hpp"
+#include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
 

@@ -1,6 +1,6 @@
-#include "tools/JsonWriter.hpp"
+#include "tools/output/JsonWriter.hpp"
 
-#include "tools/RowFields.hpp"
+#include "tools/selection/RowFields.hpp"
 
 namespace TalIec61850Tools {
 

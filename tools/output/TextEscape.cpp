@@ -1,4 +1,4 @@
-#include "tools/TextEscape.hpp"
+#include "tools/output/TextEscape.hpp"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "tools/StreamsCommand.hpp"
+#include "tools/commands/StreamsCommand.hpp"
 
 #include <fmt/format.h>
 
@@ -8,13 +8,13 @@
 #include <memory>
 #include <set>
 
-#include "tools/CaptureCheck.hpp"
-#include "tools/CsvWriter.hpp"
-#include "tools/JsonWriter.hpp"
-#include "tools/Messages.hpp"
-#include "tools/ProgressBar.hpp"
-#include "tools/TableWriter.hpp"
-#include "tools/TextEscape.hpp"
+#include "tools/input/CaptureCheck.hpp"
+#include "tools/output/CsvWriter.hpp"
+#include "tools/output/JsonWriter.hpp"
+#include "tools/output/Messages.hpp"
+#include "tools/output/ProgressBar.hpp"
+#include "tools/output/TableWriter.hpp"
+#include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
 
