@@ -1,5 +1,5 @@
 // The companion program's command line: what it asks for is done elsewhere, one source for each
-// subcommand (StreamsCommand).
+// subcommand (StreamsCommand, PacketsCommand, ShowCommand, JudgeCommand).
 
 #include <fmt/format.h>
 
@@ -13,9 +13,13 @@
 #include <vector>
 
 #include "tools/commands/ExitStatus.hpp"
+#include "tools/commands/JudgeCommand.hpp"
+#include "tools/commands/PacketsCommand.hpp"
+#include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
+#include "tools/commands/UsageError.hpp"
 #include "tools/output/Messages.hpp"
-#include "tools/output/StandardOutput.hpp"
+#include "tools/output/Output.hpp"
 #include "tools/output/TextEscape.hpp"
 
 namespace {
@@ -24,7 +28,9 @@ using TalIec61850Tools::Action;
 using TalIec61850Tools::complain;
 using TalIec61850Tools::escapeText;
 using TalIec61850Tools::ExitStatus;
+using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
+using TalIec61850Tools::UsageError;
 
 /// What CLI11 would read as something else than a path: [a,b] is a list to it, ++ ends a
 /// subcommand. With ./ before it, such a name leads to the same file.
@@ -49,8 +55,9 @@ ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
     if (error.get_exit_code() == 0) {
         std::ostringstream text;
         program.exit(error, text, text);
-        TalIec61850Tools::writeOutput(text.str());
-        TalIec61850Tools::finishOutput();
+        Output output;
+        output.write(text.str());
+        output.finish();
         return ExitStatus::success;
     }
     std::string message;
@@ -66,10 +73,14 @@ ExitStatus runProgram(int argc, char** argv) {
                      "tal-iec61850");
     program.set_version_flag("--version", "tal-iec61850 " TALIEC61850PARSER_VERSION,
                              "Print the version and exit");
-    program.footer("Example:\n  tal-iec61850 streams capture.pcap");
+    program.footer(
+        "Each command has a --help of its own.\n\nExample:\n  tal-iec61850 streams capture.pcap");
     program.require_subcommand(0, 1);  // so a file may be called like another subcommand
     Action chosen;
     addStreamsCommand(program, chosen);
+    addPacketsCommand(program, chosen);
+    addShowCommand(program, chosen);
+    addJudgeCommand(program, chosen);
     try {
         program.parse(reversedArguments(argc, argv));
     } catch (CLI::ParseError const& error) {
@@ -89,7 +100,10 @@ int main(int argc, char** argv) {
     try {
         status = runProgram(argc, argv);
     } catch (OutputError const& error) {
-        complain("cannot write standard output: " + error.code().message());
+        complain("cannot write " + error.target() + ": " + error.code().message());
+    } catch (UsageError const& error) {
+        complain(error.what());
+        status = ExitStatus::usageError;
     } catch (std::bad_alloc const&) {
         complain("not enough memory");
     } catch (std::exception const& error) {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tools/NamedStreams.hpp"
-#include "tools/selection/RowFields.hpp"
+#include "tools/selection/StreamLayout.hpp"
 #include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
@@ -67,7 +67,8 @@ std::vector<std::string> linesOf(Db const& db) {
     std::vector<std::string> lines;
     for (StreamRow const& row : collectRows(db)) {
         auto const vlan = row.vlan.value_or(VlanInfo{});
-        lines.push_back(toFields(row).dump() + std::to_string(vlan.priority.value_or(0)));
+        lines.push_back(streamLayout().toFields(row).dump() +
+                        std::to_string(vlan.priority.value_or(0)));
     }
     return lines;
 }

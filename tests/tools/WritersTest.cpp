@@ -3,19 +3,22 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "tools/output/CsvWriter.hpp"
-#include "tools/output/JsonWriter.hpp"
-#include "tools/output/TableWriter.hpp"
+#include "tools/output/RowWriter.hpp"
+#include "tools/selection/StreamLayout.hpp"
 
 namespace TalIec61850Tools {
 namespace {
 
 using Rows = std::vector<StreamRow>;
-using Writer = void (*)(std::span<StreamRow const>, TextSink const&);
 
-std::string write(Writer writer, Rows const& rows) {
+std::string write(Format format, Rows const& rows) {
     std::string text;
-    writer(rows, [&](std::string_view piece) { text += piece; });
+    RowWriter<StreamRow> writer(format, streamLayout(),
+                                [&](std::string_view piece) { text += piece; });
+    for (StreamRow const& row : rows) {
+        writer.write(row);
+    }
+    writer.finish();
     return text;
 }
 
@@ -62,9 +65,9 @@ StreamRow rowNamed(std::string const& svID) {
     return row;
 }
 
-TEST(TableWriter, AlignsColumnsAndPutsNamesLast) {
+TEST(StreamTable, AlignsColumnsAndPutsNamesLast) {
     EXPECT_EQ(
-        write(writeTable, {gooseRow(), svRow()}),
+        write(Format::table, {gooseRow(), svRow()}),
         "PROTO  SOURCE             DESTINATION        VLAN   APPID  HSR  R1B0  CONFREV  SIM-ELEM"
         "     PACKETS  FILES  FIRST                           LAST                            "
         "PACKETS/S  SVID/GOCBREF            DATSET    GOID\n"
@@ -76,28 +79,28 @@ TEST(TableWriter, AlignsColumnsAndPutsNamesLast) {
         "        -  MU01                    -         -\n");
 }
 
-TEST(TableWriter, WritesHeadingsAboveNoRows) {
-    EXPECT_EQ(write(writeTable, {}),
+TEST(StreamTable, WritesHeadingsAboveNoRows) {
+    EXPECT_EQ(write(Format::table, {}),
               "PROTO  SOURCE  DESTINATION  VLAN  APPID  HSR  R1B0  CONFREV  SIM-ELEM  PACKETS  "
               "FILES  FIRST  LAST  PACKETS/S  SVID/GOCBREF  DATSET  GOID\n");
 }
 
-TEST(TableWriter, MakesOneLineOfEveryRowWhateverItsNames) {
-    auto const text = write(writeTable, {rowNamed("a\n\x1b[31m\xff"), rowNamed("Süd")});
+TEST(StreamTable, MakesOneLineOfEveryRowWhateverItsNames) {
+    auto const text = write(Format::table, {rowNamed("a\n\x1b[31m\xff"), rowNamed("Süd")});
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3);
     EXPECT_NE(text.find(R"(a\n\x1b[31m\xff  -  )"), std::string::npos);
     EXPECT_NE(text.find("Süd" + std::string(12, ' ') + "  -  "), std::string::npos);
 }
 
-TEST(TableWriter, SaysYesNoOrNothingOfTheSimulationElement) {
+TEST(StreamTable, SaysYesNoOrNothingOfTheSimulationElement) {
     StreamRow row = gooseRow();
     row.simulationPresent = false;
-    EXPECT_NE(write(writeTable, {row}).find("10001  no  "), std::string::npos);
+    EXPECT_NE(write(Format::table, {row}).find("10001  no  "), std::string::npos);
 }
 
-TEST(JsonWriter, WritesOneObjectPerLineWithFieldsInAFixedOrder) {
+TEST(StreamJson, WritesOneObjectPerLineWithFieldsInAFixedOrder) {
     EXPECT_EQ(
-        write(writeJson, {gooseRow(), svRow()}),
+        write(Format::json, {gooseRow(), svRow()}),
         R"({"protocol":"GOOSE","source":"00:30:a7:00:00:01","destination":"01:0c:cd:01:00:01",)"
         R"("vlanId":5,"appId":31,"hsrLane":"B","prpLane":null,"reserved1Bit0":1,"svID":null,)"
         R"("gocbRef":"RELAY1LD0/LLN0$GO$gcb1","datSet":"dataSet1","goID":"","confRev":10001,)"
@@ -114,28 +117,28 @@ TEST(JsonWriter, WritesOneObjectPerLineWithFieldsInAFixedOrder) {
         "\n");
 }
 
-TEST(JsonWriter, WritesNothingForNoRows) { EXPECT_EQ(write(writeJson, {}), ""); }
+TEST(StreamJson, WritesNothingForNoRows) { EXPECT_EQ(write(Format::json, {}), ""); }
 
-TEST(JsonWriter, GivesNamesBackAsTheyWere) {
+TEST(StreamJson, GivesNamesBackAsTheyWere) {
     std::string const name = "a\n\t\x1b[31m\x7f\"\\Süd\u202e,\x01";
-    auto const text = write(writeJson, {rowNamed(name)});
+    auto const text = write(Format::json, {rowNamed(name)});
     EXPECT_EQ(nlohmann::json::parse(text)["svID"], name);
 }
 
-TEST(JsonWriter, WritesPrintableAsciiAlone) {
-    auto const text = write(writeJson, {rowNamed("\n\x1b\x7f\xc2\x9bSüd\xff")});
+TEST(StreamJson, WritesPrintableAsciiAlone) {
+    auto const text = write(Format::json, {rowNamed("\n\x1b\x7f\xc2\x9bSüd\xff")});
     EXPECT_TRUE(
         std::all_of(text.begin(), text.end() - 1, [](char c) { return c >= ' ' && c < '\x7f'; }));
 }
 
-TEST(JsonWriter, ReplacesOctetsThatAreNoUtf8) {
-    auto const text = write(writeJson, {rowNamed("a\xff"
-                                                 "b\xe5")});
+TEST(StreamJson, ReplacesOctetsThatAreNoUtf8) {
+    auto const text = write(Format::json, {rowNamed("a\xff"
+                                                    "b\xe5")});
     EXPECT_EQ(nlohmann::json::parse(text)["svID"], "a\ufffdb\ufffd");
 }
 
-TEST(CsvWriter, WritesFieldNamesThenTheSameFieldsAsJson) {
-    EXPECT_EQ(write(writeCsv, {gooseRow(), svRow()}),
+TEST(StreamCsv, WritesFieldNamesThenTheSameFieldsAsJson) {
+    EXPECT_EQ(write(Format::csv, {gooseRow(), svRow()}),
               "protocol,source,destination,vlanId,appId,hsrLane,prpLane,reserved1Bit0,svID,gocbRef,"
               "datSet,goID,confRev,simulationPresent,packets,files,firstTime,firstTimeNs,lastTime,"
               "lastTimeNs,packetsPerSecond\n"
@@ -145,19 +148,19 @@ TEST(CsvWriter, WritesFieldNamesThenTheSameFieldsAsJson) {
               "SV,00:30:a7:00:00:02,01:0c:cd:04:00:01,,16384,,A,0,MU01,,,,1,,6000000000,2,,,,,\n");
 }
 
-TEST(CsvWriter, NamesTheFieldsEvenWithoutRows) {
-    auto const text = write(writeCsv, {});
+TEST(StreamCsv, NamesTheFieldsEvenWithoutRows) {
+    auto const text = write(Format::csv, {});
     EXPECT_TRUE(text.starts_with("protocol,source,"));
     EXPECT_TRUE(text.ends_with(",packetsPerSecond\n"));
 }
 
-TEST(CsvWriter, QuotesCommasAndDoublesQuotes) {
-    auto const text = write(writeCsv, {rowNamed(R"(a "b",c)")});
+TEST(StreamCsv, QuotesCommasAndDoublesQuotes) {
+    auto const text = write(Format::csv, {rowNamed(R"(a "b",c)")});
     EXPECT_NE(text.find(R"(,0,"a ""b"",c",,)"), std::string::npos);
 }
 
-TEST(CsvWriter, MakesOneLineOfEveryRowWhateverItsNames) {
-    auto const text = write(writeCsv, {rowNamed("a\r\n\x1b\xff\\")});
+TEST(StreamCsv, MakesOneLineOfEveryRowWhateverItsNames) {
+    auto const text = write(Format::csv, {rowNamed("a\r\n\x1b\xff\\")});
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2);
     EXPECT_NE(text.find(R"(,0,a\r\n\x1b\xff\\,,)"), std::string::npos);
 }

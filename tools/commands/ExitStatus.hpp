@@ -6,7 +6,7 @@ namespace TalIec61850Tools {
 enum class ExitStatus {
     success = 0,
     usageError = 1,  ///< the command line makes no sense; nothing was done
-    failure = 2,     ///< something could not be read or written; the rest was done
+    failure = 2,     ///< something could not be read whole, or not be written; the rest was done
 };
 
 }  // namespace TalIec61850Tools

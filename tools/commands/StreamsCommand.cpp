@@ -3,24 +3,15 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <TalIec61850Parser/TalIec61850Parser.hpp>
-#include <atomic>
+#include <algorithm>
 #include <memory>
-#include <set>
 
-#include "tools/input/CaptureCheck.hpp"
-#include "tools/output/CsvWriter.hpp"
-#include "tools/output/JsonWriter.hpp"
-#include "tools/output/Messages.hpp"
-#include "tools/output/ProgressBar.hpp"
-#include "tools/output/TableWriter.hpp"
-#include "tools/output/TextEscape.hpp"
+#include "tools/commands/CommandRun.hpp"
+#include "tools/commands/SelectionOptions.hpp"
+#include "tools/output/Plural.hpp"
+#include "tools/selection/StreamLayout.hpp"
 
 namespace TalIec61850Tools {
-
-using TalIec61850Parser::Db;
-using TalIec61850Parser::Filter;
-using TalIec61850Parser::PcapParser;
 
 namespace {
 
@@ -32,56 +23,33 @@ constexpr char const* kNotes = R"(What the columns mean:
   SIM-ELEM    GOOSE: whether frames carry the simulation element, be it true or false.
   FIRST, LAST Capture times, UTC. PACKETS/S is the mean rate between them.
 
-json writes one object per line, csv one line per stream below a line of names; both have the
-fields protocol, source, destination, vlanId, appId, hsrLane, prpLane, reserved1Bit0, svID,
-gocbRef, datSet, goID, confRev, simulationPresent, packets, files, firstTime, firstTimeNs,
-lastTime, lastTimeNs (nanoseconds since 1970), packetsPerSecond.
-Table and csv show control characters in names as \n, \x1b and the like, a backslash as \\.
+An option on streams may be given several times: one of its values must be met. With --hsr and
+--prp, packets that came over the other lane or network are left out.
 
-Exit status: 0 fine, 1 wrong usage, 2 a file could not be read or output could not be written.
+The fields of json and csv: protocol, source, destination, vlanId, appId, hsrLane, prpLane,
+reserved1Bit0, svID, gocbRef, datSet, goID, confRev, simulationPresent, packets, files,
+firstTime, firstTimeNs, lastTime, lastTimeNs (nanoseconds since 1970), packetsPerSecond.
+)";
 
-Example:
-  tal-iec61850 streams --format json bay1.pcap bay2.pcap)";
-
-/// Adds one file to the store.
-void indexFile(std::string const& path, Db& db, bool showsProgress) {
-    std::atomic<bool> const neverStop = false;
-    ProgressBar bar(path, showsProgress);
-    PcapParser::parseFile(path, db, Filter{}, neverStop,
-                          [&](double fraction) { bar.show(fraction); });
-}
-
-/// @return whether all of them could be indexed
-[[nodiscard]] bool indexFiles(StreamsOptions const& options, Db& db) {
-    bool const showsProgress = !options.quiet && isErrorTerminal();
-    bool isComplete = true;
-    std::set<std::string> refused;
-    std::set<FileIdentity> indexed;
-    for (std::string const& path : options.files) {
-        CaptureCheck const check = checkCapture(path);
-        if (!check.fault) {
-            if (indexed.insert(check.identity).second) {
-                indexFile(path, db, showsProgress);
-            }
-            continue;
-        }
-        isComplete = false;
-        if (refused.insert(path).second) {
-            complain(fmt::format("{}: {}", path.empty() ? "''" : escapeText(path), *check.fault));
+std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) {
+    std::uint64_t packets = 0;
+    std::optional<CaptureTime> first;
+    std::optional<CaptureTime> last;
+    for (StreamRow const& row : rows) {
+        packets += row.packets;
+        if (row.firstTime) {
+            first = std::min(first.value_or(*row.firstTime), *row.firstTime);
+            last = std::max(last.value_or(*row.lastTime), *row.lastTime);
         }
     }
-    return isComplete;
-}
-
-void writeRows(std::string const& format, std::vector<StreamRow> const& rows) {
-    if (format == "json") {
-        writeJson(rows, writeOutput);
-    } else if (format == "csv") {
-        writeCsv(rows, writeOutput);
-    } else {
-        writeTable(rows, writeOutput);
-    }
-    finishOutput();
+    auto const goose = static_cast<std::uint64_t>(
+        std::count_if(rows.begin(), rows.end(),
+                      [](StreamRow const& row) { return row.protocol == Protocol::goose; }));
+    std::string const span =
+        first ? fmt::format(", {} to {}", toUtcText(*first), toUtcText(*last)) : std::string();
+    return fmt::format("{} ({} GOOSE, {} SV), {} in {}{}", plural(rows.size(), "stream"), goose,
+                       rows.size() - goose, plural(packets, "packet"), plural(captures, "file"),
+                       span);
 }
 
 }  // namespace
@@ -90,20 +58,33 @@ void addStreamsCommand(CLI::App& program, Action& chosen) {
     auto const options = std::make_shared<StreamsOptions>();
     CLI::App& command =
         *program.add_subcommand("streams", "List the GOOSE and SV streams of captures.");
-    command.add_option("FILE", options->files, "Captures in the classic format")->required();
-    command.add_option("-f,--format", options->format, "What to write")
-        ->check(CLI::IsMember({"table", "json", "csv"}))
-        ->capture_default_str();
-    command.add_flag("-q,--quiet", options->quiet, "Show no progress");
-    command.footer(kNotes);
+    addCommonOptions(command, options->common);
+    command
+        .add_option("--sort", options->order.key,
+                    fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys(), ", ")))
+        ->check(CLI::IsMember(streamOrderKeys()))
+        ->option_text("KEY");
+    command.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
+    addCriteriaOptions(command, options->criteria);
+    command.footer(
+        helpFooter(kNotes, {"streams --format json bay1.pcap bay2.pcap",
+                            "streams --protocol sv --sort packets --reverse captures/"}));
     command.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
 }
 
 ExitStatus runStreams(StreamsOptions const& options) {
-    Db db;
-    bool const isComplete = indexFiles(options, db);
-    writeRows(options.format, collectRows(db));
-    return isComplete ? ExitStatus::success : ExitStatus::failure;
+    CommandRun run(options.common);
+    CaptureIndex const index = run.index(toIndexFilter(options.criteria));
+    std::vector<StreamRow> rows = collectRows(index.db);
+    std::erase_if(rows, [&](StreamRow const& row) { return !options.criteria.admit(row); });
+    sortRows(rows, options.order);
+    auto writer = run.rowWriter(streamLayout());
+    for (StreamRow const& row : rows) {
+        writer.write(row);
+    }
+    writer.finish();
+    run.writeSummary(summaryOf(rows, run.captures().size()));
+    return run.finish();
 }
 
 }  // namespace TalIec61850Tools

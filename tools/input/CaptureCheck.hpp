@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -23,8 +24,12 @@ struct FileIdentity {
 struct CaptureCheck {
     /// Why the file cannot be indexed, for people; not set when it can.
     std::optional<std::string> fault;
+    /// The file is what it says, but no capture at all; `fault` is set too.
+    bool isSomethingElse = false;
     /// Of a file that can be indexed.
     FileIdentity identity;
+    /// Octets in a file that can be indexed; 0 where only reading it would tell.
+    std::uint64_t size = 0;
 };
 
 /// Looks whether a file can be read and starts like a capture that the library indexes. Never

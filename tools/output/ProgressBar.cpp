@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "tools/output/TextEscape.hpp"
 
@@ -14,12 +16,15 @@ namespace TalIec61850Tools {
 namespace {
 
 constexpr std::size_t kBarColumns = 20;
-constexpr std::size_t kPercentColumns = 5;                               // " 100%"
-constexpr std::size_t kTailColumns = kBarColumns + 3 + kPercentColumns;  // " [...] 100%"
-constexpr std::size_t kColumnsForBar = 2 * kTailColumns;
+constexpr std::size_t kPercentColumns = 5;                                  // " 100%"
+constexpr std::size_t kBarTailColumns = kBarColumns + 3 + kPercentColumns;  // " [...] 100%"
+constexpr std::size_t kColumnsForBar = 2 * kBarTailColumns;
 constexpr std::size_t kUnknownColumns = 80;
+constexpr std::chrono::duration<double> kFirstMoment{0.1};
+/// Beyond, the time left says nothing that anybody would wait for.
+constexpr double kLongestTimeLeft = 99.0 * 3600.0;
 
-int toPercent(double fraction) { return static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100.0); }
+int toPercent(double fraction) { return static_cast<int>(fraction * 100.0); }
 
 std::size_t terminalColumns() {
     winsize size{};
@@ -27,42 +32,113 @@ std::size_t terminalColumns() {
     return isKnown ? size.ws_col : kUnknownColumns;
 }
 
+std::string clockText(std::chrono::seconds time) {
+    std::chrono::hh_mm_ss const clock(time);
+    auto const hours = clock.hours().count();
+    auto const minutes = clock.minutes().count();
+    return hours > 0 ? fmt::format("{}:{:02}:{:02}", hours, minutes, clock.seconds().count())
+                     : fmt::format("{}:{:02}", minutes, clock.seconds().count());
+}
+
+/// " 512.0 MB/s, 0:07 left", as far as it is known.
+std::string speedText(Progress const& progress) {
+    std::string text;
+    if (auto const rate = progress.rate()) {
+        text += fmt::format(" {:.1f} MB/s", *rate / 1e6);
+    }
+    if (auto const left = progress.timeLeft()) {
+        text += fmt::format(", {} left", clockText(*left));
+    }
+    return text;
+}
+
 }  // namespace
 
-std::string progressLine(std::string_view escapedName, double fraction, std::size_t columns) {
-    int const percent = toPercent(fraction);
+double Progress::fraction() const {
+    if (totalOctets == 0) {
+        return 0.0;
+    }
+    return std::clamp(static_cast<double>(doneOctets) / static_cast<double>(totalOctets), 0.0, 1.0);
+}
+
+std::optional<double> Progress::rate() const {
+    if (elapsed < kFirstMoment || doneOctets == 0) {
+        return std::nullopt;
+    }
+    return static_cast<double>(doneOctets) / elapsed.count();
+}
+
+std::optional<std::chrono::seconds> Progress::timeLeft() const {
+    auto const octetsPerSecond = rate();
+    if (!octetsPerSecond || totalOctets < doneOctets) {
+        return std::nullopt;
+    }
+    double const left = static_cast<double>(totalOctets - doneOctets) / *octetsPerSecond;
+    if (left > kLongestTimeLeft) {
+        return std::nullopt;
+    }
+    return std::chrono::seconds(std::lround(std::ceil(left)));
+}
+
+std::string progressLine(std::string_view escapedName, Progress const& progress,
+                         std::size_t columns) {
+    int const percent = toPercent(progress.fraction());
     std::size_t const usable = std::max(columns, std::size_t{1}) - 1;
     if (usable < kColumnsForBar) {
         std::size_t const forName = std::max(usable, kPercentColumns) - kPercentColumns;
         return fmt::format("{} {:3}%", keepEnd(escapedName, forName), percent);
     }
+    std::string speed = speedText(progress);
+    if (usable < kColumnsForBar + speed.size()) {
+        speed.clear();
+    }
     std::string const done(kBarColumns * static_cast<std::size_t>(percent) / 100, '#');
-    return fmt::format("{} [{:.<{}}] {:3}%", keepEnd(escapedName, usable - kTailColumns), done,
-                       kBarColumns, percent);
+    return fmt::format("{} [{:.<{}}] {:3}%{}",
+                       keepEnd(escapedName, usable - kBarTailColumns - speed.size()), done,
+                       kBarColumns, percent, speed);
 }
 
-ProgressBar::ProgressBar(std::string_view fileName, bool isShown) : isShown_(isShown) {
+ProgressBar::ProgressBar(std::uint64_t totalOctets, bool isShown)
+    : isShown_(isShown), totalOctets_(totalOctets) {
     if (isShown_) {
-        escapedName_ = escapeText(fileName);
         columns_ = terminalColumns();
     }
 }
 
-ProgressBar::~ProgressBar() {
-    if (shownPercent_) {
-        // Blanks, not an escape sequence: any terminal understands them.
-        std::fprintf(stderr, "\r%*s\r", static_cast<int>(columns_ - 1), "");
+ProgressBar::~ProgressBar() { erase(); }
+
+void ProgressBar::startFile(std::string_view fileName, std::uint64_t octets) {
+    if (isShown_) {
+        erase();
+        escapedName_ = escapeText(fileName);
+        octetsBefore_ += std::exchange(fileOctets_, octets);
     }
 }
 
 void ProgressBar::show(double fraction) {
-    int const percent = toPercent(fraction);
-    if (!isShown_ || shownPercent_ == percent) {
+    if (!isShown_) {
         return;
     }
-    std::string const line = "\r" + progressLine(escapedName_, fraction, columns_);
-    std::fwrite(line.data(), 1, line.size(), stderr);
-    shownPercent_ = percent;
+    double const ofFile = std::clamp(fraction, 0.0, 1.0) * static_cast<double>(fileOctets_);
+    Progress const progress{.doneOctets = octetsBefore_ + static_cast<std::uint64_t>(ofFile),
+                            .totalOctets = totalOctets_,
+                            .elapsed = Clock::now() - begin_};
+    std::pair const drawing(
+        toPercent(progress.fraction()),
+        std::chrono::duration_cast<std::chrono::seconds>(progress.elapsed).count());
+    if (drawn_ != drawing) {
+        std::string const line = progressLine(escapedName_, progress, columns_);
+        // A shorter line leaves nothing of the longer one before it.
+        fmt::print(stderr, "\r{:<{}}", line, columns_ - 1);
+        drawn_ = drawing;
+    }
+}
+
+void ProgressBar::erase() {
+    if (std::exchange(drawn_, std::nullopt)) {
+        // Blanks, not an escape sequence: any terminal understands them.
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(columns_ - 1), "");
+    }
 }
 
 bool isErrorTerminal() { return ::isatty(STDERR_FILENO) == 1; }

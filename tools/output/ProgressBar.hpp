@@ -1,39 +1,72 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace TalIec61850Tools {
 
-/// One line that shows how far a file has been read: its name, a bar, a percentage.
+/// How far the reading of all files has come.
+struct Progress {
+    std::uint64_t doneOctets = 0;
+    /// Of all files together; 0 when nobody knows.
+    std::uint64_t totalOctets = 0;
+    std::chrono::duration<double> elapsed{};
+
+    /// 0 to 1.
+    [[nodiscard]] double fraction() const;
+    /// Octets per second so far; none in the first moment.
+    [[nodiscard]] std::optional<double> rate() const;
+    /// What is left to do at that rate.
+    [[nodiscard]] std::optional<std::chrono::seconds> timeLeft() const;
+};
+
+/// One line that shows how far the files have been read: the name of the present one, a bar, a
+/// percentage, the rate, the time left.
 /// @param escapedName  as escapeText gave it; what is too long loses its beginning
-/// @param fraction     0 to 1
 /// @param columns      of the terminal; the line takes fewer, so that it does not wrap
-[[nodiscard]] std::string progressLine(std::string_view escapedName, double fraction,
+[[nodiscard]] std::string progressLine(std::string_view escapedName, Progress const& progress,
                                        std::size_t columns);
 
-/// Shows on standard error how far one file has been read, and leaves nothing behind.
+/// Shows on standard error how far the files have been read, and leaves nothing behind.
 class ProgressBar {
 public:
-    /// @param fileName  as it was given; escaped here
-    /// @param isShown   false for a bar that does nothing at all
-    ProgressBar(std::string_view fileName, bool isShown);
+    /// @param totalOctets  of all files together
+    /// @param isShown      false for a bar that does nothing at all
+    ProgressBar(std::uint64_t totalOctets, bool isShown);
     ProgressBar(ProgressBar const&) = delete;
     ProgressBar& operator=(ProgressBar const&) = delete;
     /// Erases the line.
     ~ProgressBar();
 
-    /// Draws the line anew when the percentage has changed.
-    /// @param fraction  0 to 1
+    [[nodiscard]] bool isShown() const { return isShown_; }
+
+    /// Goes on with the next file.
+    /// @param fileName  as it was given; escaped here
+    void startFile(std::string_view fileName, std::uint64_t octets);
+
+    /// Draws the line anew, when the percentage or the second has changed.
+    /// @param fraction  of the present file, 0 to 1
     void show(double fraction);
 
+    /// Erases the line, so that something else can be said; the next `show` draws it again.
+    void erase();
+
 private:
+    using Clock = std::chrono::steady_clock;
+
     bool isShown_;
+    Clock::time_point begin_ = Clock::now();
+    std::uint64_t totalOctets_;
+    std::uint64_t octetsBefore_ = 0;
+    std::uint64_t fileOctets_ = 0;
     std::string escapedName_;
     std::size_t columns_ = 0;
-    std::optional<int> shownPercent_;
+    /// The percentage and the second that were drawn last; empty when there is no line.
+    std::optional<std::pair<int, std::int64_t>> drawn_;
 };
 
 /// Whether standard error is a terminal, so that there is somebody to see a bar.

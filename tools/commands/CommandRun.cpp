@@ -1,0 +1,117 @@
+#include "tools/commands/CommandRun.hpp"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include <TalIec61850Parser/capture/PcapParser.hpp>
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <future>
+
+#include "tools/commands/UsageError.hpp"
+#include "tools/input/CaptureSurvey.hpp"
+#include "tools/output/Messages.hpp"
+#include "tools/output/Style.hpp"
+#include "tools/output/TextEscape.hpp"
+
+namespace TalIec61850Tools {
+
+using TalIec61850Parser::Filter;
+using TalIec61850Parser::PcapParser;
+
+namespace {
+
+void refuseToOverwrite(std::string const& path, std::vector<CaptureSource> const& captures) {
+    struct stat status {};
+    if (path.empty() || ::stat(path.c_str(), &status) != 0) {
+        return;
+    }
+    FileIdentity const identity{.device = status.st_dev, .inode = status.st_ino};
+    if (std::any_of(captures.begin(), captures.end(),
+                    [&](CaptureSource const& capture) { return capture.identity == identity; })) {
+        throw UsageError(
+            fmt::format("--output: {} is one of the captures to be read", escapeText(path)));
+    }
+}
+
+std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
+    std::uint64_t total = 0;
+    for (auto const& capture : captures) {
+        total += capture.size;
+    }
+    return total;
+}
+
+/// Adds one file to the store. Its record headers are walked at the same time: the file is in the
+/// page cache then, and the library says nothing of damage.
+CaptureSurvey indexCapture(CaptureSource const& capture, Filter const& filter,
+                           TalIec61850Parser::Db& db, ProgressBar& bar) {
+    auto survey = std::async(surveyCapture, capture.path);
+    std::atomic<bool> const neverStop = false;
+    // Without somebody to see it, no progress is asked for: that is faster.
+    std::function<void(double)> progress;
+    bar.startFile(capture.name, capture.size);
+    if (bar.isShown()) {
+        progress = [&](double fraction) { bar.show(fraction); };
+    }
+    PcapParser::parseFile(capture.path, db, filter, neverStop, progress);
+    return survey.get();
+}
+
+}  // namespace
+
+CommandRun::CommandRun(CommonOptions const& options)
+    : options_(options), found_(findCaptures(options.files)) {
+    refuseToOverwrite(options_.outputFile, found_.captures);
+    output_.emplace(options_.outputFile);
+    for (auto const& fault : found_.faults) {
+        complain(fault);
+        isComplete_ = false;
+    }
+}
+
+CaptureIndex CommandRun::index(Filter const& filter) {
+    CaptureIndex index;
+    ProgressBar bar = progressBar();
+    for (auto const& capture : captures()) {
+        index.numbers.emplace(capture.path, static_cast<std::uint32_t>(index.numbers.size()));
+        CaptureSurvey const survey = indexCapture(capture, filter, index.db, bar);
+        if (survey.begin) {
+            index.begin = std::min(index.begin.value_or(*survey.begin), *survey.begin);
+        }
+        if (survey.damage) {
+            bar.erase();
+            complainOf(capture.name, *survey.damage);
+        }
+    }
+    return index;
+}
+
+ProgressBar CommandRun::progressBar() const {
+    return {totalSize(captures()), !options_.quiet && isErrorTerminal()};
+}
+
+void CommandRun::complainOf(std::string const& captureName, std::string const& fault) {
+    complain(fmt::format("{}: {}", escapeText(captureName), fault));
+    isComplete_ = false;
+}
+
+TextSink CommandRun::sink() {
+    return [this](std::string_view text) { output_->write(text); };
+}
+
+bool CommandRun::inColour() const { return wantsColour(options_.colour, output_->isTerminal()); }
+
+void CommandRun::writeSummary(std::string const& line) {
+    if (options_.format == Format::table && !options_.quiet) {
+        output_->write("\n" + line + "\n");
+    }
+}
+
+ExitStatus CommandRun::finish() {
+    output_->finish();
+    return isComplete_ ? ExitStatus::success : ExitStatus::failure;
+}
+
+}  // namespace TalIec61850Tools

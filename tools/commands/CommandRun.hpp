@@ -1,0 +1,71 @@
+#pragma once
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/store/Db.hpp>
+#include <optional>
+#include <string>
+
+#include "tools/commands/CommonOptions.hpp"
+#include "tools/commands/ExitStatus.hpp"
+#include "tools/input/CaptureFinder.hpp"
+#include "tools/output/Output.hpp"
+#include "tools/output/ProgressBar.hpp"
+#include "tools/output/TextSink.hpp"
+#include "tools/selection/PacketSelection.hpp"
+
+namespace TalIec61850Tools {
+
+/// What the captures of a command hold.
+struct CaptureIndex {
+    TalIec61850Parser::Db db;
+    /// The number of each capture, as CommandRun::captures() counts them.
+    CaptureNumbers numbers;
+    /// The earliest first record of all captures.
+    std::optional<CaptureTime> begin;
+};
+
+/// What every command does around its own work: finds the captures, complains of what cannot be
+/// used and remembers that, indexes, shows progress, and opens and finishes the output.
+class CommandRun {
+public:
+    /// Follows the FILE arguments and opens the output.
+    /// @param options  must outlive the run
+    /// @throws UsageError   the output would overwrite a capture that is to be read
+    /// @throws OutputError  the output cannot be opened
+    explicit CommandRun(CommonOptions const& options);
+
+    [[nodiscard]] std::vector<CaptureSource> const& captures() const { return found_.captures; }
+
+    /// Indexes the captures, one after the other.
+    [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
+
+    /// A bar for the reading of all captures, that shows itself only where somebody sees it.
+    [[nodiscard]] ProgressBar progressBar() const;
+
+    /// Says that something about a capture is not as it should be; the status shows it.
+    void complainOf(std::string const& captureName, std::string const& fault);
+
+    /// A writer of rows into the output.
+    template <typename Row>
+    [[nodiscard]] RowWriter<Row> rowWriter(RowLayout<Row> const& layout) {
+        return RowWriter<Row>(options_.format, layout, sink(), inColour());
+    }
+
+    [[nodiscard]] TextSink sink();
+    [[nodiscard]] bool inColour() const;
+
+    /// Writes a last line for people, in tables only.
+    void writeSummary(std::string const& line);
+
+    /// Finishes the output.
+    /// @throws OutputError  it cannot be written
+    [[nodiscard]] ExitStatus finish();
+
+private:
+    CommonOptions const& options_;
+    FoundCaptures found_;
+    std::optional<Output> output_;
+    bool isComplete_ = true;
+};
+
+}  // namespace TalIec61850Tools

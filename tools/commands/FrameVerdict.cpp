@@ -1,0 +1,115 @@
+#include "tools/commands/FrameVerdict.hpp"
+
+#include <TalIec61850Parser/capture/EthernetParser.hpp>
+#include <algorithm>
+#include <iterator>
+
+#include "tools/inspect/FrameHeader.hpp"
+
+namespace TalIec61850Tools {
+
+using TalIec61850Parser::EthernetHeader;
+using TalIec61850Parser::EthernetParser;
+using TalIec61850Parser::Filter;
+using TalIec61850Parser::Goose;
+using TalIec61850Parser::Sv;
+
+namespace {
+
+constexpr std::uint16_t kGooseEtherType = 0x88B8;
+constexpr std::uint16_t kSvEtherType = 0x88BA;
+
+/// The header as the library knows it.
+EthernetHeader toEthernetHeader(FrameHeader const& header) {
+    EthernetHeader ethernet;
+    if (header.destination && header.source) {
+        std::copy(header.destination->begin(), header.destination->end(),
+                  std::begin(ethernet.dstMac));
+        std::copy(header.source->begin(), header.source->end(), std::begin(ethernet.srcMac));
+    }
+    ethernet.etherType = header.etherType.value_or(0);
+    ethernet.hasVlan = header.vlan.has_value();
+    ethernet.vlanId = header.vlan ? header.vlan->id : std::uint16_t{0};
+    ethernet.hasHsr = header.hsr.has_value();
+    ethernet.hsrLan = header.hsr ? header.hsr->lane() : char{0};
+    ethernet.hasPrp = header.prp.has_value();
+    ethernet.prpLan = header.prp ? header.prp->lan() : char{0};
+    return ethernet;
+}
+
+bool passesLinkLayer(Protocol protocol, EthernetHeader const& header, Filter const& filter) {
+    if (protocol == Protocol::goose) {
+        Goose goose;
+        return EthernetParser::_checkEthernetFilters(goose, filter.gooseFilters, header);
+    }
+    Sv sv;
+    return EthernetParser::_checkEthernetFilters(sv, filter.svFilters, header);
+}
+
+/// What the library answers for a wanted frame; the opposite for one that its PDU rejects.
+constexpr bool wantedAnswer(Protocol protocol) { return protocol == Protocol::goose; }
+
+constexpr bool answerTo(Protocol protocol, Verdict verdict) {
+    switch (verdict) {
+        case Verdict::wanted:
+            return wantedAnswer(protocol);
+        case Verdict::rejectedByPdu:
+            return !wantedAnswer(protocol);
+        default:
+            return verdict == Verdict::switchedOff;
+    }
+}
+
+}  // namespace
+
+std::string_view toText(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::wanted:
+            return "wanted";
+        case Verdict::rejectedByLinkLayer:
+            return "rejectedByLinkLayer";
+        case Verdict::rejectedByPdu:
+            return "rejectedByPdu";
+        case Verdict::switchedOff:
+            return "switchedOff";
+        default:
+            return "otherProtocol";
+    }
+}
+
+FrameVerdict judgeFrame(std::vector<std::uint8_t> const& frame, Filter const& filter) {
+    FrameHeader const header = readFrameHeader(frame);
+    FrameVerdict verdict;
+    verdict.answer = EthernetParser::parsePacketSimple(frame, filter);
+    if (header.etherType == kGooseEtherType || header.etherType == kSvEtherType) {
+        verdict.protocol = header.etherType == kGooseEtherType ? Protocol::goose : Protocol::sv;
+    } else {
+        return verdict;
+    }
+    bool const isOn = verdict.protocol == Protocol::goose ? filter.parseGoose : filter.parseSv;
+    if (!isOn) {
+        verdict.verdict = Verdict::switchedOff;
+    } else if (!passesLinkLayer(*verdict.protocol, toEthernetHeader(header), filter)) {
+        verdict.verdict = Verdict::rejectedByLinkLayer;
+    } else {
+        verdict.verdict = verdict.answer == wantedAnswer(*verdict.protocol)
+                              ? Verdict::wanted
+                              : Verdict::rejectedByPdu;
+    }
+    return verdict;
+}
+
+std::vector<FrameVerdict> allVerdicts() {
+    std::vector<FrameVerdict> verdicts;
+    for (Protocol const protocol : {Protocol::goose, Protocol::sv}) {
+        for (Verdict const verdict : {Verdict::wanted, Verdict::rejectedByLinkLayer,
+                                      Verdict::rejectedByPdu, Verdict::switchedOff}) {
+            verdicts.push_back(
+                {.protocol = protocol, .verdict = verdict, .answer = answerTo(protocol, verdict)});
+        }
+    }
+    verdicts.push_back({});
+    return verdicts;
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <TalIec61850Parser/capture/Filter.hpp>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "tools/selection/StreamIdentity.hpp"
+
+namespace TalIec61850Tools {
+
+/// What becomes of a frame on the library's road for single frames.
+enum class Verdict : std::uint8_t {
+    wanted,
+    rejectedByLinkLayer,  ///< by address, VLAN, HSR or PRP
+    rejectedByPdu,        ///< by header or PDU, or too short for them
+    switchedOff,          ///< of a protocol that is not asked for
+    otherProtocol,        ///< neither GOOSE nor SV
+};
+
+/// The verdict on one frame.
+struct FrameVerdict {
+    /// Not set for other protocols.
+    std::optional<Protocol> protocol;
+    Verdict verdict = Verdict::otherProtocol;
+    /// What EthernetParser::parsePacketSimple says, which differs between the protocols.
+    bool answer = false;
+
+    friend auto operator<=>(FrameVerdict const&, FrameVerdict const&) = default;
+};
+
+/// The verdict as one word: wanted, rejectedByLinkLayer, ...
+[[nodiscard]] std::string_view toText(Verdict verdict);
+
+/// Judges a frame in memory.
+/// @param frame  from the destination address on
+[[nodiscard]] FrameVerdict judgeFrame(std::vector<std::uint8_t> const& frame,
+                                      TalIec61850Parser::Filter const& filter);
+
+/// Every verdict that a frame can get: GOOSE before SV before others.
+[[nodiscard]] std::vector<FrameVerdict> allVerdicts();
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tools/commands/Action.hpp"
+#include "tools/commands/CommonOptions.hpp"
+#include "tools/selection/StreamCriteria.hpp"
+
+namespace CLI {
+class App;
+}
+
+namespace TalIec61850Tools {
+
+/// The arguments of `tal-iec61850 judge`.
+struct JudgeOptions {
+    CommonOptions common;
+    StreamCriteria criteria;
+    /// One row for each frame, not for each verdict.
+    bool listsFrames = false;
+};
+
+/// Adds the subcommand to the program.
+/// @param chosen  set while the command line is parsed, if it asks for this subcommand
+void addJudgeCommand(CLI::App& program, Action& chosen);
+
+/// Judges every frame of the captures by itself and writes how often each verdict came, or the
+/// verdict on each.
+/// @throws OutputError, UsageError  see CommandRun
+[[nodiscard]] ExitStatus runJudge(JudgeOptions const& options);
+
+}  // namespace TalIec61850Tools

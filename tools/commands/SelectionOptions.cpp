@@ -1,0 +1,183 @@
+#include "tools/commands/SelectionOptions.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "tools/commands/UsageError.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+constexpr char const* kStreamsGroup = "Which streams";
+constexpr std::size_t kAddressSize = 17;
+
+[[noreturn]] void refuse(std::string const& option, std::string const& value,
+                         std::string const& wanted) {
+    throw CLI::ValidationError(option, fmt::format("{} is not {}", value, wanted));
+}
+
+/// A decimal number, or a hexadecimal one with 0x before it.
+template <typename Number>
+Number toNumber(std::string const& option, std::string const& text, std::uint64_t max) {
+    bool const isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    char const* const begin = text.data() + (isHexadecimal ? 2 : 0);
+    char const* const end = text.data() + text.size();
+    std::uint64_t number = 0;
+    auto const [stop, error] = std::from_chars(begin, end, number, isHexadecimal ? 16 : 10);
+    if (error != std::errc{} || stop != end || number > max) {
+        refuse(option, text, fmt::format("a number from 0 to {}", max));
+    }
+    return static_cast<Number>(number);
+}
+
+/// An address as the index has it: lower case, colons.
+std::string toAddress(std::string const& option, std::string const& text) {
+    std::string address = text;
+    std::transform(address.begin(), address.end(), address.begin(), [](char c) {
+        return c == '-' ? ':' : (c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c);
+    });
+    bool isAddress = address.size() == kAddressSize;
+    for (std::size_t i = 0; isAddress && i < address.size(); ++i) {
+        bool const isSeparator = i % 3 == 2;
+        isAddress = isSeparator ? address[i] == ':'
+                                : std::string_view("0123456789abcdef").find(address[i]) !=
+                                      std::string_view::npos;
+    }
+    if (!isAddress) {
+        refuse(option, text, "an address such as 01:0c:cd:01:00:01");
+    }
+    return address;
+}
+
+char toLane(std::string const& option, std::string const& text) {
+    if (text == "A" || text == "a" || text == "B" || text == "b") {
+        return text == "A" || text == "a" ? 'A' : 'B';
+    }
+    refuse(option, text, "A or B");
+}
+
+/// Adds an option that may be given several times, each time with one value.
+/// @param convert  from option name and text to an element of `values`; refuses others
+template <typename Value, typename Convert>
+void addRepeatable(CLI::App& command, std::string const& name, std::vector<Value>& values,
+                   std::string const& valueName, std::string const& help, Convert convert) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&values, name, convert](std::vector<std::string> const& texts) {
+                for (auto const& text : texts) {
+                    values.push_back(convert(name, text));
+                }
+            },
+            help)
+        ->allow_extra_args(false)
+        ->option_text(valueName)
+        ->group(kStreamsGroup);
+}
+
+void addNumbers(CLI::App& command, StreamCriteria& c) {
+    using Text = std::string const&;
+    addRepeatable(
+        command, "--vlan", c.vlanIds, "ID", "VLAN identifier",
+        [](Text option, Text text) { return toNumber<std::uint16_t>(option, text, 0xFFF); });
+    addRepeatable(
+        command, "--appid", c.appIds, "N", "APPID, such as 0x4000",
+        [](Text option, Text text) { return toNumber<std::uint64_t>(option, text, 0xFFFF); });
+    addRepeatable(command, "--reserved1-bit0", c.reserved1Bit0, "BIT",
+                  "Bit 0 of the second octet of Reserved 1: 0 or 1",
+                  [](Text option, Text text) { return toNumber<std::uint8_t>(option, text, 1); });
+    addRepeatable(command, "--confrev", c.confRevs, "N", "confRev", [](Text option, Text text) {
+        return toNumber<std::uint64_t>(option, text, std::numeric_limits<std::uint32_t>::max());
+    });
+}
+
+void addNames(CLI::App& command, StreamCriteria& c) {
+    auto const asItIs = [](std::string const&, std::string const& text) { return text; };
+    addRepeatable(command, "--svid", c.svIDs, "NAME", "svID (SV); * and ? stand for other text",
+                  asItIs);
+    addRepeatable(command, "--gocbref", c.gocbRefs, "NAME", "gocbRef (GOOSE), likewise", asItIs);
+    addRepeatable(command, "--datset", c.datSets, "NAME", "datSet (GOOSE), likewise", asItIs);
+    addRepeatable(command, "--goid", c.goIDs, "NAME", "goID (GOOSE), likewise", asItIs);
+}
+
+TimeBound toTimeBound(std::string const& option, std::string const& text) {
+    auto const bound = parseTimeBound(text);
+    if (!bound) {
+        refuse(option, text, "a time such as 2024-03-20T10:00:00.28, 1710928800.28 or +1.5s");
+    }
+    return *bound;
+}
+
+void addBound(CLI::App& command, std::string const& name, std::optional<TimeBound>& bound,
+              std::string const& help) {
+    command
+        .add_option_function<std::string>(
+            name, [&bound, name](std::string const& text) { bound = toTimeBound(name, text); },
+            help)
+        ->option_text("TIME")
+        ->group("Which time");
+}
+
+}  // namespace
+
+void addCriteriaOptions(CLI::App& command, StreamCriteria& criteria) {
+    StreamCriteria& c = criteria;
+    command
+        .add_option_function<std::string>(
+            "--protocol",
+            [&c](std::string const& name) {
+                c.protocol = name == "goose" ? Protocol::goose : Protocol::sv;
+            },
+            "goose or sv")
+        ->transform(CLI::IsMember({"goose", "sv"}, CLI::ignore_case))
+        ->option_text("NAME")
+        ->group(kStreamsGroup);
+    addRepeatable(command, "--source", c.sources, "MAC", "Source address", toAddress);
+    addRepeatable(command, "--destination", c.destinations, "MAC", "Destination address",
+                  toAddress);
+    addNumbers(command, c);
+    addRepeatable(command, "--hsr", c.hsrLanes, "LANE", "Direction in an HSR ring: A or B", toLane);
+    addRepeatable(command, "--prp", c.prpLanes, "LAN", "PRP network: A or B", toLane);
+    addNames(command, c);
+    command
+        .add_option_function<std::string>(
+            "--simulation-element",
+            [&c](std::string const& answer) { c.simulationPresent = answer == "yes"; },
+            "Whether frames carry the simulation element (GOOSE): yes or no")
+        ->check(CLI::IsMember({"yes", "no"}))
+        ->option_text("YES|NO")
+        ->group(kStreamsGroup);
+}
+
+void WindowOptions::check() const {
+    if (from && to && from->isRelative == to->isRelative && to->time < from->time) {
+        throw UsageError("--to lies before --from");
+    }
+}
+
+TimeWindow WindowOptions::resolve(CaptureTime begin) const {
+    TimeWindow window;
+    if (from) {
+        window.from = from->resolve(begin);
+    }
+    if (to) {
+        window.to = to->resolve(begin);
+    }
+    return window;
+}
+
+void addWindowOptions(CLI::App& command, WindowOptions& window) {
+    addBound(command, "--from", window.from,
+             "Begin of the window: UTC date and time, seconds since 1970, or +1.5s from the "
+             "begin of the captures");
+    addBound(command, "--to", window.to, "End of the window, itself inside");
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace TalIec61850Tools {
+
+/// The command line can be read, but asks for something that makes no sense; nothing was done.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace TalIec61850Tools

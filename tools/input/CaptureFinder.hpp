@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/input/CaptureCheck.hpp"
+#include "tools/input/StandardInput.hpp"
+
+namespace TalIec61850Tools {
+
+/// A capture file that a command reads.
+struct CaptureSource {
+    /// What the file is opened by.
+    std::string path;
+    /// What it is called: the path as it was given or found, "-" for standard input.
+    std::string name;
+    FileIdentity identity;
+    /// Octets; 0 where only reading would tell.
+    std::uint64_t size = 0;
+};
+
+/// What the FILE arguments of a command lead to.
+struct FoundCaptures {
+    /// In the order of the arguments, a folder's by their names; no file twice.
+    std::vector<CaptureSource> captures;
+    /// One line each, safe for a terminal, on what could not be used.
+    std::vector<std::string> faults;
+    /// What "-" leads to, kept as long as it is read.
+    std::shared_ptr<StandardInput> standardInput;
+};
+
+/// Follows the FILE arguments of a command: a capture stands for itself, a folder for the captures
+/// in it and in the folders below, "-" for standard input. In a folder a file that is no capture is
+/// passed over; links to folders are not followed.
+[[nodiscard]] FoundCaptures findCaptures(std::vector<std::string> const& arguments);
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+namespace TalIec61850Tools {
+
+/// An open file of the operating system, closed at the end; or none.
+class Descriptor {
+public:
+    Descriptor() = default;
+    /// Takes over what `open` and its like return; below zero for none.
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept;
+    ~Descriptor();
+
+    [[nodiscard]] explicit operator bool() const { return number_ >= 0; }
+    [[nodiscard]] int number() const { return number_; }
+
+private:
+    int number_ = -1;
+};
+
+/// Opens a file for reading, without waiting for anybody should it be a pipe.
+/// @return none when that fails; errno says why
+[[nodiscard]] Descriptor openToRead(std::string const& path);
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "tools/inspect/Octets.hpp"
+
+namespace TalIec61850Tools {
+
+/// A time of day, with or without a date (ISO 9506-2, TimeOfDay).
+struct BinaryTime {
+    /// Since midnight.
+    std::uint32_t milliseconds = 0;
+    /// Since 1984-01-01.
+    std::optional<std::uint16_t> days;
+
+    /// Whether the milliseconds make less than a day.
+    [[nodiscard]] bool isTimeOfDay() const { return milliseconds < 86'400'000U; }
+
+    friend bool operator==(BinaryTime const&, BinaryTime const&) = default;
+};
+
+/// Nothing unless there are four octets, or six.
+[[nodiscard]] std::optional<BinaryTime> readBinaryTime(Octets const& octets);
+
+/// 1984-01-02T00:00:00.001Z, or 00:00:00.001 without a date. Milliseconds of more than a day are
+/// carried over into the date, or else count hours beyond 23.
+[[nodiscard]] std::string toIsoText(BinaryTime const& time);
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,22 @@
+#pragma once
+
+// Internal: values as text.
+
+#include <string>
+
+#include "tools/inspect/DataValue.hpp"
+#include "tools/inspect/Integer.hpp"
+#include "tools/inspect/TextTree.hpp"
+#include "tools/inspect/UtcTime.hpp"
+
+namespace TalIec61850Tools {
+
+/// Adds a value and those inside it, with their kinds.
+void addData(std::string_view name, DataValue const& value, TextTree& tree);
+
+[[nodiscard]] std::string integerText(Integer const& integer);
+
+/// The time, and in brackets what its quality says.
+[[nodiscard]] std::string timeText(UtcTime const& time);
+
+}  // namespace TalIec61850Tools

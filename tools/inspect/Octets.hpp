@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace TalIec61850Tools {
+
+/// Octets of a frame, as they stand there.
+using Octets = std::vector<std::uint8_t>;
+
+/// A value that was read as what it should be, or else its octets.
+template <typename Value>
+using Readable = std::variant<Value, Octets>;
+
+/// Lower-case hexadecimal digits, two for each octet, nothing between them.
+[[nodiscard]] std::string toHex(Octets const& octets);
+
+}  // namespace TalIec61850Tools

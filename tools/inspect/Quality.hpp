@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/inspect/BitString.hpp"
+
+namespace TalIec61850Tools {
+
+enum class Validity : std::uint8_t { good = 0, invalid = 1, reserved = 2, questionable = 3 };
+enum class Source : std::uint8_t { process = 0, substituted = 1 };
+
+/// The quality of a value (IEC 61850-7-3).
+struct Quality {
+    Validity validity = Validity::good;
+    bool overflow = false;
+    bool outOfRange = false;
+    bool badReference = false;
+    bool oscillatory = false;
+    bool failure = false;
+    bool oldData = false;
+    bool inconsistent = false;
+    bool inaccurate = false;
+    Source source = Source::process;
+    bool test = false;
+    bool operatorBlocked = false;
+
+    friend bool operator==(Quality const&, Quality const&) = default;
+};
+
+/// The bits that a quality takes as a bit-string.
+inline constexpr std::size_t kQualityBits = 13;
+
+/// Reads a bit-string as a quality; nothing unless it has exactly 13 bits.
+[[nodiscard]] std::optional<Quality> readQuality(BitString const& bits);
+
+/// Reads the bits of a number as a quality, the validity in the lowest two; those above
+/// operatorBlocked do not count.
+[[nodiscard]] Quality qualityFromBits(std::uint32_t bits);
+
+[[nodiscard]] std::string_view toText(Validity validity);
+[[nodiscard]] std::string_view toText(Source source);
+
+/// The names of the flags that are set, in their order; "substituted" stands for the source.
+[[nodiscard]] std::vector<std::string_view> setFlags(Quality const& quality);
+
+/// "good", or "questionable, oldData, test".
+[[nodiscard]] std::string toText(Quality const& quality);
+
+}  // namespace TalIec61850Tools

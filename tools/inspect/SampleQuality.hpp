@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tools/inspect/Quality.hpp"
+
+namespace TalIec61850Tools {
+
+/// The quality word of a sample: the bits of a quality from the lowest bit on, and the derived bit
+/// of 9-2LE above them.
+struct SampleQuality {
+    std::uint32_t word = 0;
+
+    [[nodiscard]] Quality quality() const;
+    /// The value was calculated, not measured.
+    [[nodiscard]] bool derived() const { return (word & 0x2000U) != 0; }
+
+    friend bool operator==(SampleQuality const&, SampleQuality const&) = default;
+};
+
+/// As that of a Quality, with "derived" at the end where it is set.
+[[nodiscard]] std::string toText(SampleQuality const& quality);
+
+}  // namespace TalIec61850Tools

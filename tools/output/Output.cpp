@@ -1,0 +1,107 @@
+#include "tools/output/Output.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "tools/output/TextEscape.hpp"
+#include "tools/output/UnfinishedFile.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t kAnybody = 0666;
+constexpr mode_t kPermissions = 07777;
+
+/// What a new file may be for: everything but what the user's mask forbids.
+mode_t newFileMode() {
+    mode_t const mask = ::umask(0);
+    ::umask(mask);
+    return kAnybody & ~mask;
+}
+
+/// Where a link leads to, so that the link stays; the path itself where it is none.
+std::string followLinks(std::string const& path) {
+    std::error_code error;
+    fs::path const target = fs::weakly_canonical(path, error);
+    return error ? path : target.string();
+}
+
+}  // namespace
+
+Output::Output() = default;
+
+Output::Output(std::string const& path) {
+    if (path.empty()) {
+        return;
+    }
+    name_ = escapeText(path);
+    struct stat status {};
+    bool const isThere = ::stat(path.c_str(), &status) == 0;
+    if (isThere && !S_ISREG(status.st_mode)) {
+        file_.reset(std::fopen(path.c_str(), "we"));
+        stream_ = file_ ? file_.get() : nullptr;
+    } else {
+        path_ = followLinks(path);
+        openUnfinished(isThere ? status.st_mode & kPermissions : newFileMode());
+    }
+    if (stream_ == nullptr) {
+        fail();
+    }
+}
+
+void Output::openUnfinished(mode_t mode) {
+    unfinishedPath_ = path_ + ".XXXXXX";
+    int const descriptor = ::mkostemp(unfinishedPath_.data(), O_CLOEXEC);
+    if (descriptor < 0) {
+        unfinishedPath_.clear();
+        fail();
+    }
+    guardUnfinishedFile(unfinishedPath_);
+    file_.reset(::fdopen(descriptor, "w"));
+    stream_ = file_.get();
+    if (::fchmod(descriptor, mode) != 0) {
+        fail();
+    }
+}
+
+Output::~Output() {
+    if (!unfinishedPath_.empty()) {
+        ::unlink(unfinishedPath_.c_str());
+        releaseUnfinishedFile();
+    }
+}
+
+void Output::fail() const { throw OutputError(name_, errno); }
+
+void Output::write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) {
+        fail();
+    }
+}
+
+void Output::finish() {
+    if (std::fflush(stream_) != 0) {
+        fail();
+    }
+    if (file_ && std::fclose(file_.release()) != 0) {
+        fail();
+    }
+    if (!unfinishedPath_.empty()) {
+        if (std::rename(unfinishedPath_.c_str(), path_.c_str()) != 0) {
+            fail();
+        }
+        unfinishedPath_.clear();
+        releaseUnfinishedFile();
+    }
+}
+
+bool Output::isTerminal() const { return !file_ && ::isatty(STDOUT_FILENO) == 1; }
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/output/CsvLines.hpp"
+#include "tools/output/JsonLines.hpp"
+#include "tools/output/RowLayout.hpp"
+#include "tools/output/TableLines.hpp"
+#include "tools/output/TextSink.hpp"
+
+namespace TalIec61850Tools {
+
+/// What a command writes its rows as.
+enum class Format {
+    table,  ///< for people
+    json,   ///< one object per line
+    csv,    ///< a line of names, then one line per row
+};
+
+/// Writes rows of one kind, in one of the formats.
+template <typename Row>
+class RowWriter {
+public:
+    /// @param layout    its columns must outlive the writer
+    /// @param inColour  a table's headings stand out
+    RowWriter(Format format, RowLayout<Row> const& layout, TextSink sink, bool inColour = false)
+        : format_(format), layout_(layout), sink_(std::move(sink)) {
+        if (format_ == Format::csv) {
+            sink_(toCsvHeading(layout_.toFields(Row())));
+        } else if (format_ == Format::table) {
+            std::vector<Heading> headings;
+            for (auto const& column : layout_.columns) {
+                headings.push_back(column.heading);
+            }
+            table_.emplace(std::move(headings), sink_, inColour);
+        }
+    }
+
+    void write(Row const& row) {
+        if (table_) {
+            std::vector<std::string> cells;
+            for (auto const& column : layout_.columns) {
+                cells.push_back(column.cell(row));
+            }
+            table_->add(std::move(cells));
+        } else {
+            Fields const fields = layout_.toFields(row);
+            sink_(format_ == Format::csv ? toCsvLine(fields) : toJsonLine(fields));
+        }
+    }
+
+    /// Writes what is held back. To be called once, behind the last row.
+    void finish() {
+        if (table_) {
+            table_->finish();
+        }
+    }
+
+private:
+    Format format_;
+    RowLayout<Row> layout_;
+    TextSink sink_;
+    std::optional<TableLines> table_;
+};
+
+}  // namespace TalIec61850Tools

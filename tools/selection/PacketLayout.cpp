@@ -1,0 +1,61 @@
+#include "tools/selection/PacketLayout.hpp"
+
+#include <array>
+
+#include "tools/output/TextEscape.hpp"
+#include "tools/selection/Cells.hpp"
+#include "tools/selection/StreamFields.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+Fields toFields(PacketRow const& row) {
+    Fields fields;
+    addPacketFields(row, fields);
+    addFields(row.stream, fields);
+    return fields;
+}
+
+using Row = PacketRow;
+
+// The place is the last one, so that it can be left out.
+constexpr std::array kColumns = {
+    Column<Row>{{"TIME"}, [](Row const& r) { return toUtcText(r.time); }},
+    Column<Row>{{"PROTO"}, [](Row const& r) { return std::string(toText(r.stream.protocol)); }},
+    Column<Row>{{"SOURCE"}, [](Row const& r) { return nameCell(r.stream.source); }},
+    Column<Row>{{"APPID", Align::right}, [](Row const& r) { return appIdCell(r.stream); }},
+    Column<Row>{{"SVID/GOCBREF"}, [](Row const& r) { return streamNameCell(r.stream); }},
+    Column<Row>{{"FILE@POSITION"},
+                [](Row const& r) { return fmt::format("{}@{}", escapeText(r.file), r.position); }},
+    Column<Row>{{"PLACE"}, [](Row const& r) { return std::string(toText(r.place)); }},
+};
+
+}  // namespace
+
+std::string_view toText(Place place) {
+    switch (place) {
+        case Place::before:
+            return "before";
+        case Place::after:
+            return "after";
+        default:
+            return "inside";
+    }
+}
+
+void addPacketFields(PacketRow const& row, Fields& fields) {
+    fields["time"] = toUtcText(row.time);
+    fields["timeNs"] = row.time.time_since_epoch().count();
+    fields["file"] = row.file;
+    fields["position"] = row.position;
+    fields["place"] = toText(row.place);
+}
+
+RowLayout<PacketRow> packetLayout(bool withPlace) {
+    std::span<Column<PacketRow> const> const columns(kColumns);
+    return {.toFields = toFields,
+            .columns = withPlace ? columns : columns.first(columns.size() - 1)};
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string_view>
+
+#include "tools/output/RowLayout.hpp"
+#include "tools/selection/StreamIdentity.hpp"
+
+namespace TalIec61850Tools {
+
+/// The protocol's name: GOOSE or SV.
+[[nodiscard]] std::string_view toText(Protocol protocol);
+
+/// Adds what tells a stream from others to the fields of a row. Names and order are stable; what a
+/// stream lacks is null. The names of a stream stand there octet for octet, valid UTF-8 or not.
+///
+///     protocol           text       GOOSE or SV
+///     source             text       MAC address, such as 00:30:a7:01:02:03
+///     destination        text       MAC address
+///     vlanId             integer    VLAN identifier, 0 for a tag with a priority alone
+///     appId              integer
+///     hsrLane            text       A or B; of a GOOSE stream that of its first packet alone
+///     prpLane            text       A or B, of the stream's first packet alone
+///     reserved1Bit0      integer    0 or 1
+///     svID               text       SV
+///     gocbRef            text       GOOSE
+///     datSet             text       GOOSE
+///     goID               text       GOOSE
+///     confRev            integer
+///     simulationPresent  true/false GOOSE: frames carry the simulation element, true or false
+void addFields(StreamIdentity const& identity, Fields& fields);
+
+}  // namespace TalIec61850Tools

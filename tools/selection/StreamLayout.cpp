@@ -1,0 +1,72 @@
+#include "tools/selection/StreamLayout.hpp"
+
+#include <array>
+
+#include "tools/output/OptionalField.hpp"
+#include "tools/selection/Cells.hpp"
+#include "tools/selection/StreamFields.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+Fields textField(std::optional<CaptureTime> const& time) {
+    return time ? Fields(toUtcText(*time)) : Fields(nullptr);
+}
+
+Fields integerField(std::optional<CaptureTime> const& time) {
+    return time ? Fields(time->time_since_epoch().count()) : Fields(nullptr);
+}
+
+Fields toFields(StreamRow const& row) {
+    Fields fields;
+    addFields(row, fields);
+    fields["packets"] = row.packets;
+    fields["files"] = row.files;
+    fields["firstTime"] = textField(row.firstTime);
+    fields["firstTimeNs"] = integerField(row.firstTime);
+    fields["lastTime"] = textField(row.lastTime);
+    fields["lastTimeNs"] = integerField(row.lastTime);
+    fields["packetsPerSecond"] = optionalField(row.packetsPerSecond());
+    return fields;
+}
+
+std::string simulationCell(StreamRow const& row) {
+    if (!row.simulationPresent) {
+        return std::string(kAbsentCell);
+    }
+    return *row.simulationPresent ? "yes" : "no";
+}
+
+std::string rateCell(StreamRow const& row) {
+    auto const rate = row.packetsPerSecond();
+    return rate ? fmt::format("{:.3f}", *rate) : std::string(kAbsentCell);
+}
+
+using Row = StreamRow;
+
+constexpr std::array kColumns = {
+    Column<Row>{{"PROTO"}, [](Row const& r) { return std::string(toText(r.protocol)); }},
+    Column<Row>{{"SOURCE"}, [](Row const& r) { return nameCell(r.source); }},
+    Column<Row>{{"DESTINATION"}, [](Row const& r) { return nameCell(r.destination); }},
+    Column<Row>{{"VLAN", Align::right}, [](Row const& r) { return vlanCell(r); }},
+    Column<Row>{{"APPID", Align::right}, [](Row const& r) { return appIdCell(r); }},
+    Column<Row>{{"HSR"}, [](Row const& r) { return hsrCell(r); }},
+    Column<Row>{{"R1B0", Align::right}, [](Row const& r) { return numberCell(r.reserved1Bit0); }},
+    Column<Row>{{"CONFREV", Align::right}, [](Row const& r) { return numberCell(r.confRev); }},
+    Column<Row>{{"SIM-ELEM"}, simulationCell},
+    Column<Row>{{"PACKETS", Align::right}, [](Row const& r) { return fmt::to_string(r.packets); }},
+    Column<Row>{{"FILES", Align::right}, [](Row const& r) { return fmt::to_string(r.files); }},
+    Column<Row>{{"FIRST"}, [](Row const& r) { return timeCell(r.firstTime); }},
+    Column<Row>{{"LAST"}, [](Row const& r) { return timeCell(r.lastTime); }},
+    Column<Row>{{"PACKETS/S", Align::right}, rateCell},
+    Column<Row>{{"SVID/GOCBREF"}, [](Row const& r) { return streamNameCell(r); }},
+    Column<Row>{{"DATSET"}, [](Row const& r) { return nameCell(r.datSet); }},
+    Column<Row>{{"GOID"}, [](Row const& r) { return nameCell(r.goID); }},
+};
+
+}  // namespace
+
+RowLayout<StreamRow> streamLayout() { return {.toFields = toFields, .columns = kColumns}; }
+
+}  // namespace TalIec61850Tools
