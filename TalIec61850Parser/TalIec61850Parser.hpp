@@ -1,6 +1,20 @@
 #pragma once
 
+/// @file
 /// All public names of the library. Each header can also be included by itself.
+
+/// @namespace TalIec61850Parser
+/// The library: indexing captures, asking the index, decoding single packets, judging single
+/// frames.
+///
+/// Names that begin with an underscore are the steps of other operations. They may be called as any
+/// other, and seldom need be.
+
+/// @namespace TalIec61850
+/// What identifies streams. TalIec61850Parser has these names as well.
+
+/// @namespace cross
+/// What is asked of the operating system.
 
 #include <TalIec61850Parser/Export.hpp>
 #include <TalIec61850Parser/Version.hpp>

@@ -24,6 +24,10 @@ public:
     /// @param offset        index in `buffer` of the frame's first octet
     /// @param file          its name keys the packet, its `recordPosition` places `buffer[0]`
     /// @param isNanosecond  the fraction in `header` is nanoseconds, not microseconds
+    /// @param header        the time of the packet; nothing else of it is used
+    /// @param filter        what to keep
+    /// @param db            the store that is added to
+    /// @throws std::bad_alloc  when memory ends; the store then holds what it held before
     static void parsePacket(std::vector<std::uint8_t> const& buffer, unsigned long offset,
                             PcapFile& file, bool isNanosecond, PcapPacketHeader const& header,
                             Filter const& filter, Db& db);
@@ -41,7 +45,9 @@ public:
     /// Deliberate: the two protocols answer differently. Any other EtherType, and a frame that ends
     /// inside its link-layer header, gives false. Keeps no state: may run on several threads at
     /// once, with one Filter that all of them read.
-    /// @param frame  the frame from its destination address on
+    /// @param frame   the frame from its destination address on
+    /// @param filter  what is wanted
+    /// @return what the table says
     static bool parsePacketSimple(std::vector<std::uint8_t> const& frame, Filter const& filter);
 
     // The steps of these operations, public like every operation of the library.
@@ -50,6 +56,7 @@ public:
     /// filter list, one criterion after the other.
     /// @param record   a fresh `Goose` or `Sv`; filled up to the criterion that fails
     /// @param filters  the list of that protocol in the caller's Filter
+    /// @param header   the frame's link layer
     /// @return false when a criterion fails
     template <typename Record, typename Identifiers>
     static bool _checkEthernetFilters(Record& record, Identifiers const& filters,

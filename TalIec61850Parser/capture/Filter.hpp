@@ -17,9 +17,13 @@ namespace TalIec61850Parser {
 ///
 /// Mind that a default `SvIdentifer` asks for APPID 0x4000; reset its `appId` to admit any.
 struct Filter {
+    /// False: no SV frame is wanted, whatever `svFilters` says.
     bool parseSv = true;
+    /// False: no GOOSE frame is wanted, whatever `gooseFilters` says.
     bool parseGoose = true;
+    /// The criteria for SV frames; none when empty.
     std::vector<TalIec61850::SvIdentifer> svFilters;
+    /// The criteria for GOOSE frames; none when empty.
     std::vector<TalIec61850::GooseIdentifer> gooseFilters;
 };
 

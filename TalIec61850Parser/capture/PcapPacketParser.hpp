@@ -18,6 +18,9 @@ public:
     /// @param file            its name keys the packet, its `recordPosition` places it
     /// @param isNanosecond    the file's time fractions are nanoseconds, not microseconds
     /// @param isLittleEndian  the byte order of the file's own fields
+    /// @param filter          what to keep
+    /// @param db              the store that is added to
+    /// @throws std::bad_alloc  when memory ends; the store then holds what it held before
     static void parsePacket(std::vector<std::uint8_t> const& record, PcapFile& file,
                             bool isNanosecond, bool isLittleEndian, Filter const& filter, Db& db);
 };

@@ -42,13 +42,23 @@ public:
 
     // The steps of parseFile, public like every operation of the library.
 
-    /// Walks the records of an open capture from the first to the last.
-    /// @param fileSize  in octets, what progress is a fraction of; 0 for no fractions
+    /// Walks the records of an open capture from the first to the last; the file's own header is
+    /// not interpreted. What is not said here is as in `parseFile`.
+    /// @param file            open; where it stands afterwards is unspecified, its
+    ///                        `recordPosition` is that of the last record that was indexed
+    /// @param isNanosecond    the file's time fractions are nanoseconds, not microseconds
+    /// @param isLittleEndian  the byte order of the file's own fields
+    /// @param db              the store that is added to
+    /// @param filter          what to keep
+    /// @param stopFlag        read before each record
+    /// @param fileSize        in octets, what progress is a fraction of; 0 for no call but the last
+    /// @param progress        may be empty
     static void _parseFilePcap(PcapFile& file, bool isNanosecond, bool isLittleEndian, Db& db,
                                Filter const& filter, std::atomic<bool> const& stopFlag,
                                unsigned long fileSize, std::function<void(double)> progress);
 
-    /// Says on standard output that next-generation captures are not implemented; no more.
+    /// Says on standard output that next-generation captures are not implemented; no more. Nothing
+    /// calls it: `parseFile` refuses them as files that are no classic captures.
     static void _parseFilePcapNg(PcapFile& file, bool isNanosecond, bool isLittleEndian, Db& db,
                                  Filter const& filter, std::atomic<bool> const& stopFlag,
                                  unsigned long fileSize, std::function<void(double)> progress);

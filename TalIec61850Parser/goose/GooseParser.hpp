@@ -22,14 +22,15 @@ public:
     ///
     /// The PDU is taken to reach to the end of `data`; the Length field is not looked at. What is
     /// malformed or cut short ends the nesting level it stands on, what was read before stays.
+    /// `goose` should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in it, an APPID or Reserved 1 bit that is rejected is not.
     /// @param data      the capture record
     /// @param offset    index in `data` of the APPID
     /// @param header    the record's time, copied into `package` unscaled
     /// @param position  offset in the capture file of `data[0]`
     /// @param goose     identity, written; on false filled up to the criterion that failed
     /// @param package   time and position of the goosePdu (0x61); untouched without one
-    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
-    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
+    /// @param filter    what is wanted
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
                             PcapPacketHeader const& header, std::uint64_t position, Goose& goose,
@@ -60,6 +61,10 @@ public:
     /// @param depth         1 for a PDU, 2 for the fields of a goosePdu, 3 and up for its data
     /// @param start         not used
     /// @param filePosition  offset in the capture file of `buffer[0]`
+    /// @param header        the record's time, copied into `package` unscaled
+    /// @param goose         the names, confRev and simulation found, written
+    /// @param package       as in `parsePacket`
+    /// @param filter        what is wanted
     /// @return false only when the filter rejects the frame
     static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
                                     std::size_t start, std::size_t filePosition,
@@ -74,6 +79,7 @@ public:
 
     /// Puts the fields of a goosePdu into `pdu`, at most 50 of them.
     /// @param content  the value of the goosePdu element
+    /// @param pdu      written; what does not occur keeps what it held
     /// @return whether 50 fields were met; false at the end of the content and at damage
     static bool _parseGoosePdu(std::vector<std::uint8_t> const& content, GoosePdu& pdu);
 

@@ -15,11 +15,13 @@ namespace TalIec61850Parser {
 class TALIEC61850PARSER_EXPORT GooseParserSimple {
 public:
     /// Takes one frame from its GOOSE header on.
+    ///
+    /// `goose` should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in it, an APPID or Reserved 1 bit that is rejected is not.
     /// @param data    the frame, up to the end of the vector
     /// @param offset  index in `data` of the APPID
     /// @param goose   its identity, written; on false filled up to the criterion that failed
-    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
-    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
+    /// @param filter  what is wanted
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
     ///         true in every other case, whatever is malformed behind the header
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Goose& goose,
@@ -31,6 +33,8 @@ public:
     /// @param buffer  the octets of the level
     /// @param depth   1 for a PDU, 2 for the fields of a goosePdu, 3 and up for its data
     /// @param start   not used
+    /// @param goose   the names, confRev and simulation found, written
+    /// @param filter  what is wanted
     /// @return false only when the filter rejects the frame
     static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
                                     std::size_t start, Goose& goose, Filter const& filter);

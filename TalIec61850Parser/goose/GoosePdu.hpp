@@ -9,10 +9,14 @@ namespace TalIec61850Parser {
 /// The fields of one goosePdu (IEC 61850-8-1) as texts for display, and its data as octets. A field
 /// that does not occur in the PDU is empty.
 struct GoosePdu {
+    /// The reference of the control block, rendered as the other names by
+    /// Asn1Parser::bytesToString.
     std::string gocbRef;
     /// Milliseconds, in decimal.
     std::string timeAllowedToLive;
+    /// The reference of the data set.
     std::string datSet;
+    /// The identifier that the publisher gave the stream.
     std::string goID;
     /// As in Asn1Parser::convertGooseTimestampToDateTime.
     std::string t;
@@ -22,6 +26,7 @@ struct GoosePdu {
     std::string sqNum;
     /// "true" or "false".
     std::string simulation;
+    /// The configuration revision, in decimal, from the first four octets.
     std::string confRev;
     /// "true" or "false".
     std::string ndsCom;

@@ -12,7 +12,9 @@ namespace TalIec61850Parser {
 /// Owns all it holds by value. References and pointers into it stay valid until their stream or
 /// file is cleared or the store is destroyed. Not synchronised: one thread at a time.
 struct TALIEC61850PARSER_EXPORT Db {
+    /// The GOOSE streams.
     GooseProto gooseProto;
+    /// The SV streams.
     SvProto svProto;
 
     /// Removes every stream, with its files and packets.

@@ -18,6 +18,7 @@ namespace TalIec61850Parser {
 struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
     /// Packets indexed for this stream, over all files; not reduced when a file is cleared.
     mutable std::uint32_t packetCount = 0;
+    /// The packets, by capture file. Indexing adds to it; clearing takes from it.
     mutable PackageFileSet files;
 
     /// Finds the packet index of a capture file in this stream, or adds an empty one.
@@ -37,13 +38,19 @@ struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
         Timest const& from, Timest const& to) const;
 
     /// The last packet of one file before a time.
-    /// @param file  one of this stream's files
+    ///
+    /// Needs the file's packets in time order, as `getfilteredPackages` does.
+    /// @param file  one of this stream's files; not null
+    /// @param time  packets of this very time do not count
     /// @return the end of the file's list when no packet lies before `time`; valid until the next
     ///         packet is added to that file
     PackageIterator findFileNearestPackageIterator(PackageFile const* file,
                                                    Timest const& time) const;
 
-    /// The last packet before a time in every file; files without one are left out.
+    /// The last packet before a time in every file.
+    /// @param time  packets of this very time do not count
+    /// @return an entry for every file that has such a packet; its iterator is valid until the next
+    ///         packet is added to that file
     [[nodiscard]] std::map<PackageFile const*, PackageIterator> findFilesNearestPackageIterator(
         Timest const& time) const;
 };
@@ -55,12 +62,14 @@ struct TALIEC61850PARSER_EXPORT Goose : TalIec61850::GooseIdentifer {
 /// Equal terms cancel (it is an exclusive-or): whoever makes up a capture can give any number of
 /// streams one hash, and then each lookup compares with all of them. A stop flag ends that.
 struct TALIEC61850PARSER_EXPORT GooseHash {
+    /// The hash of a record; its packets and statistics are no part of it.
     std::size_t operator()(Goose const& goose) const;
 };
 
 /// The identity of GOOSE streams. A member that is not set compares as zero or empty. Deliberate:
 /// VLAN, HSR and PRP are left out; `reserved1Bit0` counts here and not in GooseHash.
 struct TALIEC61850PARSER_EXPORT GooseEqual {
+    /// Whether two records compare as one stream.
     bool operator()(Goose const& a, Goose const& b) const;
 };
 

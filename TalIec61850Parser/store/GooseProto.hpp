@@ -9,6 +9,7 @@ namespace TalIec61850Parser {
 
 /// The set of GOOSE streams, told apart by GooseHash and GooseEqual.
 struct TALIEC61850PARSER_EXPORT GooseProto {
+    /// Every stream once. Node-based: references to a stream stay valid until it is erased.
     std::unordered_set<Goose, GooseHash, GooseEqual> streams;
 
     /// Finds the stream equal to the candidate, or stores the candidate.

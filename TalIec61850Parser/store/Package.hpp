@@ -12,9 +12,12 @@ namespace TalIec61850Parser {
 /// for Sampled Values. A packet in which that element does not occur has time {0, 0} and
 /// position 0.
 struct Package {
+    /// When it was captured.
     Timest time;
+    /// Where it lies in its capture file, in octets.
     std::uint64_t position = 0;
 
+    /// Time and position are equal.
     friend constexpr bool operator==(Package const&, Package const&) = default;
 };
 

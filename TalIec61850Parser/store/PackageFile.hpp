@@ -17,6 +17,7 @@ namespace TalIec61850Parser {
 /// references to a `Package` stay valid until this PackageFile is erased, iterators until the next
 /// packet is added.
 struct TALIEC61850PARSER_EXPORT PackageFile {
+    /// Has no name and no packets.
     PackageFile() = default;
 
     /// Names the capture file; no packets yet.
@@ -24,6 +25,7 @@ struct TALIEC61850PARSER_EXPORT PackageFile {
 
     /// The path exactly as it was given to `addFile`; the identity of the PackageFile.
     std::string fileName;
+    /// The packets, in the order in which they were added.
     mutable std::deque<Package> packages;
 
     /// Appends a packet. Neither order nor duplicates are checked: captures are read front to back,
@@ -46,22 +48,29 @@ using PackageIterator = std::deque<Package>::const_iterator;
 /// Hashes a PackageFile by its name alone: the standard string hash, but 0 for the empty name. Not
 /// noexcept: libstdc++ then caches the hash in each node of the set.
 struct TALIEC61850PARSER_EXPORT PackageFileHash {
+    /// Sets are searched by name, without a PackageFile being built.
     using is_transparent = void;
 
+    /// The hash of its name.
     std::size_t operator()(PackageFile const& file) const;
+    /// The hash of a name.
     std::size_t operator()(std::string_view fileName) const;
 };
 
 /// Tells PackageFiles apart by name alone, octet for octet.
 struct PackageFileEqual {
+    /// Sets are searched by name, without a PackageFile being built.
     using is_transparent = void;
 
+    /// Whether two have one name.
     bool operator()(PackageFile const& a, PackageFile const& b) const {
         return a.fileName == b.fileName;
     }
+    /// Whether it has this name.
     bool operator()(PackageFile const& file, std::string_view fileName) const {
         return file.fileName == fileName;
     }
+    /// Whether it has this name.
     bool operator()(std::string_view fileName, PackageFile const& file) const {
         return file.fileName == fileName;
     }

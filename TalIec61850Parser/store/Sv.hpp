@@ -26,6 +26,7 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
     mutable std::uint32_t packetCount = 0;
     /// The largest noASDU seen.
     mutable std::uint32_t maxNoASDU = 0;
+    /// The packets, by capture file. Indexing adds to it; clearing takes from it.
     mutable PackageFileSet files;
 
     /// Finds the packet index of a capture file in this stream, or adds an empty one.
@@ -45,13 +46,19 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
         Timest const& from, Timest const& to) const;
 
     /// The last packet of one file before a time.
-    /// @param file  one of this stream's files
+    ///
+    /// Needs the file's packets in time order, as `getfilteredPackages` does.
+    /// @param file  one of this stream's files; not null
+    /// @param time  packets of this very time do not count
     /// @return the end of the file's list when no packet lies before `time`; valid until the next
     ///         packet is added to that file
     PackageIterator findFileNearestPackageIterator(PackageFile const* file,
                                                    Timest const& time) const;
 
-    /// The last packet before a time in every file; files without one are left out.
+    /// The last packet before a time in every file.
+    /// @param time  packets of this very time do not count
+    /// @return an entry for every file that has such a packet; its iterator is valid until the next
+    ///         packet is added to that file
     [[nodiscard]] std::map<PackageFile const*, PackageIterator> findFilesNearestPackageIterator(
         Timest const& time) const;
 };
@@ -60,6 +67,7 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
 /// Not noexcept: libstdc++ then caches the hash and compares it before SvEqual.
 /// Whoever makes up a capture can give many streams one hash, see GooseHash.
 struct TALIEC61850PARSER_EXPORT SvHash {
+    /// The hash of a record; its packets and statistics are no part of it.
     std::size_t operator()(Sv const& sv) const;
 };
 
@@ -67,6 +75,7 @@ struct TALIEC61850PARSER_EXPORT SvHash {
 /// count with all their members, PRP and `spareText` not at all: the frames of one publisher are
 /// two streams over the two directions of an HSR ring, one over the two PRP LANs.
 struct TALIEC61850PARSER_EXPORT SvEqual {
+    /// Whether two records compare as one stream.
     bool operator()(Sv const& a, Sv const& b) const;
 };
 

@@ -9,6 +9,7 @@ namespace TalIec61850Parser {
 
 /// The set of SV streams, told apart by SvHash and SvEqual.
 struct TALIEC61850PARSER_EXPORT SvProto {
+    /// Every stream once. Node-based: references to a stream stay valid until it is erased.
     std::unordered_set<Sv, SvHash, SvEqual> streams;
 
     /// Finds the stream equal to the candidate, or stores the candidate.

@@ -10,18 +10,19 @@ namespace TalIec61850Parser {
 /// One decoded ASDU of a savPdu (IEC 61850-9-2). An element that does not occur, or not in
 /// the width said here, leaves its field as it was.
 struct ASDUData {
-    /// The names, octet for octet; deliberate: not rendered as the stream's svID is.
+    /// The name of the stream, octet for octet; deliberate: not rendered as the stream's svID is.
     std::string svID;
+    /// The reference of the data set, as `svID`.
     std::string datSet;
-    /// Two octets.
+    /// The number of the sample, counted by the publisher. Two octets.
     std::uint16_t smpCnt = 0;
-    /// Four octets.
+    /// The configuration revision. Four octets.
     std::uint32_t confRev = 0;
-    /// As received, normally eight octets of UtcTime.
+    /// The reference time as received, normally eight octets of UtcTime.
     std::vector<std::uint8_t> refrTm;
-    /// One octet.
+    /// How the publisher's clock is synchronised. One octet.
     std::uint8_t smpSynch = 0;
-    /// Two octets.
+    /// The sample rate as received; its unit is the publisher's choice. Two octets.
     std::uint16_t smpRate = 0;
     /// One entry for every whole eight octets of seqData.
     std::vector<SampleData> samples;

@@ -23,6 +23,8 @@ public:
     /// The savPdu is taken to reach to the end of `data`; the Length field is not looked at. What
     /// is malformed or cut short ends the nesting level it stands on, what was read before stays.
     /// Of several ASDUs each must pass the filter, and the values of the last one stay.
+    /// `sv` should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in it, an APPID or Reserved 1 bit that is rejected is not.
     /// @param data      the capture record
     /// @param offset    index in `data` of the APPID
     /// @param header    the record's time, copied into `package` unscaled
@@ -30,8 +32,7 @@ public:
     /// @param sv        identity and the frame's noASDU, smpCnt and smpRate, written; on false
     ///                  filled up to the criterion that failed
     /// @param package   time and position of the sequence of ASDU (0xA2); untouched without one
-    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
-    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
+    /// @param filter    what is wanted
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
                             PcapPacketHeader const& header, std::uint64_t position, Sv& sv,
@@ -58,6 +59,10 @@ public:
     /// @param depth         not used: what an element means is told by `inAsdu`
     /// @param start         not used
     /// @param filePosition  offset in the capture file of `buffer[0]`
+    /// @param header        the record's time, copied into `package` unscaled
+    /// @param sv            svID, confRev, noASDU, smpCnt and smpRate found, written
+    /// @param package       as in `parsePacket`
+    /// @param filter        what is wanted
     /// @param inAsdu        `buffer` is the content of an ASDU or lies below one
     /// @return false only when the filter rejects the frame
     static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
@@ -73,7 +78,8 @@ public:
 
     /// Calls `_parseQualityValidity` with the validity code of each of the first eight samples. An
     /// extension point that nothing calls.
-    /// @param data  the content of a seqData, eight octets a sample
+    /// @param data   the content of a seqData, eight octets a sample
+    /// @param label  handed on
     static void _parseSampleDataWithQuality(std::vector<std::uint8_t> const& data,
                                             std::string const& label);
 

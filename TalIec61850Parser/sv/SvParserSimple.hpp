@@ -15,12 +15,14 @@ namespace TalIec61850Parser {
 class TALIEC61850PARSER_EXPORT SvParserSimple {
 public:
     /// Takes one frame from its SV header on.
+    ///
+    /// `sv` should be fresh: what the frame does not carry keeps what it held. A name that is
+    /// rejected is in it, an APPID or Reserved 1 bit that is rejected is not.
     /// @param data    the frame, up to the end of the vector
     /// @param offset  index in `data` of the APPID
     /// @param sv      its appId, reserved1Bit0, svID and confRev, written; on false filled up to
     ///                the criterion that failed
-    /// The record should be fresh: what the frame does not carry keeps what it held. A name that is
-    /// rejected is in the record, an APPID or Reserved 1 bit that is rejected is not.
+    /// @param filter  what is wanted
     /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
     ///         true in every other case, whatever is malformed behind the header
     static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Sv& sv,
@@ -32,6 +34,8 @@ public:
     /// @param buffer  the octets of the level
     /// @param depth   not used: what an element means is told by `inAsdu`
     /// @param start   not used
+    /// @param sv      svID and confRev found, written
+    /// @param filter  what is wanted
     /// @param inAsdu  `buffer` is the content of an ASDU or lies below one. Deliberate: unlike in
     ///                SvParser, an empty ASDU does not open one for what follows it
     /// @return false only when the filter rejects the frame
