@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tools/commands/ExitStatus.hpp"
+#include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/JudgeCommand.hpp"
 #include "tools/commands/PacketsCommand.hpp"
 #include "tools/commands/ShowCommand.hpp"
@@ -81,6 +82,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addPacketsCommand(program, chosen);
     addShowCommand(program, chosen);
     addJudgeCommand(program, chosen);
+    addHelpCommands(program, chosen);
     try {
         program.parse(reversedArguments(argc, argv));
     } catch (CLI::ParseError const& error) {

@@ -14,7 +14,7 @@ namespace {
 
 using namespace TalTest;
 
-/// A line that begins with "    $ ", and the indented lines below it.
+/// A line that begins with "    $ ", and the indented lines below it, with the empty ones between.
 struct Command {
     std::string line;
     std::string output;
@@ -26,13 +26,18 @@ constexpr std::string_view kPrompt = "    $ ";
 std::vector<Command> commandsIn(std::string const& document) {
     std::ifstream file(std::string(TAL_DOCS) + "/" + document);
     std::vector<Command> commands;
+    std::string emptyLines;  // of the output only if it goes on below them
     bool inOutput = false;
     for (std::string line; std::getline(file, line);) {
         if (line.starts_with(kPrompt)) {
             commands.push_back({.line = line.substr(kPrompt.size()), .output = ""});
+            emptyLines.clear();
             inOutput = true;
+        } else if (inOutput && line.empty()) {
+            emptyLines += "\n";
         } else if (inOutput && line.starts_with(kIndent)) {
-            commands.back().output += line.substr(kIndent.size()) + "\n";
+            commands.back().output += emptyLines + line.substr(kIndent.size()) + "\n";
+            emptyLines.clear();
         } else {
             inOutput = false;
         }
@@ -56,7 +61,9 @@ TEST_P(Documents, ShowWhatTheirCommandsPrint) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Docs, Documents, testing::Values("guide.md"),
-                         [](auto const&) { return std::string("Guide"); });
+INSTANTIATE_TEST_SUITE_P(Docs, Documents, testing::Values("guide.md", "tool.md"),
+                         [](auto const& document) {
+                             return document.param.substr(0, document.param.find('.'));
+                         });
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "tools/commands/CommonOptions.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
+#include <string_view>
 
 namespace TalIec61850Tools {
 
@@ -14,7 +16,9 @@ show control characters in names as \n, \x1b and the like, a backslash as \\.
 Exit status: 0 fine; 1 wrong usage; 2 a file is damaged, could not be read, or output could not
 be written: the rest was done all the same.
 
-Example:)";
+)";
+constexpr std::string_view kExamples = "Example:";
+constexpr std::string_view kIndent = "\n  ";
 
 }  // namespace
 
@@ -42,12 +46,25 @@ void addCommonOptions(CLI::App& command, CommonOptions& options, std::string con
         ->option_text("WHEN");
 }
 
-std::string helpFooter(std::string const& notes, std::vector<std::string> const& examples) {
+std::string makeHelpFooter(std::string const& notes, std::vector<std::string> const& examples) {
     std::string footer = notes + kCommonNotes;
+    footer += kExamples;
     for (auto const& example : examples) {
-        footer += "\n  tal-iec61850 " + example;
+        footer.append(kIndent).append("tal-iec61850 ").append(example);
     }
     return footer;
+}
+
+HelpFooter splitHelpFooter(std::string const& footer) {
+    HelpFooter parts;
+    std::size_t const begin = footer.find(kExamples);
+    parts.notes = footer.substr(0, std::min(begin, footer.find(kCommonNotes)));
+    std::size_t at = begin;
+    while (at != std::string::npos && (at = footer.find(kIndent, at)) != std::string::npos) {
+        at += kIndent.size();
+        parts.examples.push_back(footer.substr(at, footer.find('\n', at) - at));
+    }
+    return parts;
 }
 
 }  // namespace TalIec61850Tools

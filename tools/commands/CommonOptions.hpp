@@ -31,9 +31,21 @@ void addCommonOptions(CLI::App& command, CommonOptions& options,
                           "Captures, folders of captures, or - for "
                           "standard input");
 
-/// How the help of every command ends: what a command's own notes say, then what all have alike.
-/// @param example  command lines, without the name of the program
-[[nodiscard]] std::string helpFooter(std::string const& notes,
-                                     std::vector<std::string> const& examples);
+/// How the help of every command ends: its own notes, what all of them have alike, command lines as
+/// examples.
+/// @param notes     ends with a line end
+/// @param examples  without the name of the program
+[[nodiscard]] std::string makeHelpFooter(std::string const& notes,
+                                         std::vector<std::string> const& examples);
+
+/// The parts of a footer.
+struct HelpFooter {
+    std::string notes;
+    /// With the name of the program.
+    std::vector<std::string> examples;
+};
+
+/// Takes a footer apart again, or one that consists of examples alone.
+[[nodiscard]] HelpFooter splitHelpFooter(std::string const& footer);
 
 }  // namespace TalIec61850Tools

@@ -176,7 +176,7 @@ void addJudgeCommand(CLI::App& program, Action& chosen) {
     addCommonOptions(command, options->common);
     command.add_flag("-l,--list", options->listsFrames, "One row for each frame, in their order");
     addCriteriaOptions(command, options->criteria);
-    command.footer(helpFooter(kNotes, {"judge --protocol goose --appid 0x0001 bay1.pcap"}));
+    command.footer(makeHelpFooter(kNotes, {"judge --protocol goose --appid 0x0001 bay1.pcap"}));
     command.callback([options, &chosen] { chosen = [options] { return runJudge(*options); }; });
 }
 

@@ -76,7 +76,7 @@ void addPacketsCommand(CLI::App& program, Action& chosen) {
         "packets", "List the packets of streams in a window of time, across captures.");
     addCommonOptions(command, options->common);
     addPacketOptions(command, *options);
-    command.footer(helpFooter(
+    command.footer(makeHelpFooter(
         kNotes, {"packets --gocbref '*gcbTrip' --from +10s --to +10.5s --context bay1.pcap",
                  "packets --svid MU01 --from 2024-03-20T10:00:00 --format csv captures/"}));
     command.callback([options, &chosen] { chosen = [options] { return runPackets(*options); }; });

@@ -186,7 +186,7 @@ void addShowCommand(CLI::App& program, Action& chosen) {
                      "Packets as FILE@POSITION, or captures, folders of captures, - for standard "
                      "input");
     addPacketOptions(command, *options);
-    command.footer(helpFooter(
+    command.footer(makeHelpFooter(
         kNotes,
         {"show bay1.pcap@4711", "show --gocbref '*gcbTrip' --from +10s --to +10.5s bay1.pcap",
          "show --format json --svid MU01 bay1.pcap | jq .sv.asdus"}));

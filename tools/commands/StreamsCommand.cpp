@@ -67,8 +67,8 @@ void addStreamsCommand(CLI::App& program, Action& chosen) {
     command.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
     addCriteriaOptions(command, options->criteria);
     command.footer(
-        helpFooter(kNotes, {"streams --format json bay1.pcap bay2.pcap",
-                            "streams --protocol sv --sort packets --reverse captures/"}));
+        makeHelpFooter(kNotes, {"streams --format json bay1.pcap bay2.pcap",
+                                "streams --protocol sv --sort packets --reverse captures/"}));
     command.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
 }
 

@@ -1,0 +1,61 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "tools/help/Completions.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+/// A text between single quotes.
+std::string quoted(std::string const& text) {
+    std::string result = "'";
+    for (char const c : text) {
+        result += c == '\'' || c == '\\' ? std::string("\\") + c : std::string(1, c);
+    }
+    return result + "'";
+}
+
+std::string optionLine(std::string const& condition, OptionDescription const& option) {
+    std::string line = fmt::format("complete -c tal-iec61850 -n {}", quoted(condition));
+    if (!option.shortName.empty()) {
+        line += " -s " + option.shortName;
+    }
+    line += " -l " + option.longName;
+    if (!option.choices.empty()) {
+        line += fmt::format(" -x -a '{}'", fmt::join(option.choices, " "));
+    } else if (!option.valueName.empty()) {
+        line += option.valueName == "FILE" ? " -r -F" : " -x";
+    }
+    return line + " -d " + quoted(option.text) + "\n";
+}
+
+std::string commandLines(CommandDescription const& command) {
+    std::string const condition = "__fish_seen_subcommand_from " + command.name;
+    std::string lines =
+        fmt::format("complete -c tal-iec61850 -n __fish_use_subcommand -f -a {} -d {}\n",
+                    command.name, quoted(command.text));
+    for (auto const& option : command.options) {
+        lines += optionLine(condition, option);
+    }
+    if (!command.argumentChoices.empty()) {
+        lines += fmt::format("complete -c tal-iec61850 -n {} -f -a '{}'\n", quoted(condition),
+                             fmt::join(command.argumentChoices, " "));
+    }
+    return lines;
+}
+
+}  // namespace
+
+std::string fishCompletion(ProgramDescription const& program) {
+    std::string script = "# Completes the command lines of tal-iec61850; fish.\n";
+    for (auto const& option : program.options) {
+        script += optionLine("__fish_use_subcommand", option);
+    }
+    for (auto const& command : program.commands) {
+        script += commandLines(command);
+    }
+    return script;
+}
+
+}  // namespace TalIec61850Tools

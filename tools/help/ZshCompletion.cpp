@@ -1,0 +1,97 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "tools/help/Completions.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+constexpr char const* kBegin = R"(#compdef tal-iec61850
+# Completes the command lines of tal-iec61850; zsh.
+_tal_iec61850() {
+    local context state state_descr line
+    typeset -A opt_args
+)";
+
+constexpr char const* kEnd = R"(    esac
+}
+if [ "$funcstack[1]" = _tal_iec61850 ]; then
+    _tal_iec61850 "$@"
+else
+    compdef _tal_iec61850 tal-iec61850
+fi
+)";
+
+/// A text between single quotes, in which _arguments reads brackets and colons.
+std::string quoted(std::string const& text) {
+    std::string result;
+    for (char const c : text) {
+        if (c == '\'') {
+            result += "'\\''";
+        } else {
+            result += c == '[' || c == ']' || c == ':' ? std::string("\\") + c : std::string(1, c);
+        }
+    }
+    return result;
+}
+
+/// How _arguments is told of what stands behind an option.
+std::string valueOf(OptionDescription const& option) {
+    if (option.valueName.empty()) {
+        return {};
+    }
+    std::string const action =
+        option.valueName == "FILE"
+            ? "_files"
+            : (option.choices.empty() ? std::string()
+                                      : fmt::format("({})", fmt::join(option.choices, " ")));
+    return fmt::format(":{}:{}", quoted(option.valueName), action);
+}
+
+std::string optionArgument(OptionDescription const& option) {
+    std::string const tail = fmt::format("[{}]{}'", quoted(option.text), valueOf(option));
+    // The value of a long option may follow =, that of a short one at once.
+    bool const takesValue = !option.valueName.empty();
+    std::string text = fmt::format("'*--{}{}{}", option.longName, takesValue ? "=" : "", tail);
+    if (!option.shortName.empty()) {
+        text += fmt::format(" '*-{}{}{}", option.shortName, takesValue ? "+" : "", tail);
+    }
+    return text;
+}
+
+std::string commandCase(CommandDescription const& command) {
+    std::string text = fmt::format("        {})\n            _arguments", command.name);
+    for (auto const& option : command.options) {
+        text += " \\\n                " + optionArgument(option);
+    }
+    std::string const action = command.argumentName == "FILE"
+                                   ? "_files"
+                                   : fmt::format("({})", fmt::join(command.argumentChoices, " "));
+    if (!command.argumentName.empty()) {
+        text += fmt::format(" \\\n                '*:{}:{}'", command.argumentName, action);
+    }
+    return text + " ;;\n";
+}
+
+}  // namespace
+
+std::string zshCompletion(ProgramDescription const& program) {
+    std::string script = kBegin;
+    script += "    _arguments -C";
+    for (auto const& option : program.options) {
+        script += " \\\n        " + optionArgument(option);
+    }
+    script += " \\\n        '1:command:((";
+    std::string cases;
+    for (auto const& command : program.commands) {
+        script += fmt::format("{}\\:\"{}\" ", command.name, quoted(command.text));
+        cases += commandCase(command);
+    }
+    script.back() = ')';
+    script += ")' \\\n        '*::argument:->arguments'\n";
+    script += "    [[ $state == arguments ]] || return 0\n    case $words[1] in\n";
+    return script + cases + kEnd;
+}
+
+}  // namespace TalIec61850Tools
