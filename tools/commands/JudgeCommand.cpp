@@ -84,7 +84,7 @@ struct JudgedFrame {
 
 Fields frameFields(JudgedFrame const& row) {
     return {{"time", toUtcText(row.record.time)},
-            {"timeNs", row.record.time.time_since_epoch().count()},
+            {"timeNs", nanosecondsSince1970(row.record.time)},
             {"file", row.file},
             {"recordPosition", row.record.position},
             {"protocol", protocolText(row.verdict.protocol)},

@@ -2,6 +2,7 @@
 
 #include <fmt/ranges.h>
 
+#include <cstdint>
 #include <vector>
 
 #include "tools/output/JsonLines.hpp"
@@ -28,6 +29,10 @@ std::string toCell(Fields const& field) {
     }
     if (field.is_string()) {
         return quoteIfNeeded(escapeText(field.get_ref<std::string const&>()));
+    }
+    // Most cells, and much faster so.
+    if (field.is_number_unsigned()) {
+        return fmt::to_string(field.get<std::uint64_t>());
     }
     std::string json = toJsonLine(field);
     json.pop_back();

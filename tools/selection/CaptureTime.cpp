@@ -10,6 +10,10 @@ CaptureTime toCaptureTime(TalIec61850Parser::Timest time) {
                        std::chrono::nanoseconds(time.nanoseconds));
 }
 
+std::uint64_t nanosecondsSince1970(CaptureTime time) {
+    return static_cast<std::uint64_t>(time.time_since_epoch().count());
+}
+
 std::string toUtcText(CaptureTime time) {
     auto const midnight = std::chrono::floor<std::chrono::days>(time);
     std::chrono::year_month_day const date(midnight);

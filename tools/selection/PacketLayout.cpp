@@ -46,7 +46,7 @@ std::string_view toText(Place place) {
 
 void addPacketFields(PacketRow const& row, Fields& fields) {
     fields["time"] = toUtcText(row.time);
-    fields["timeNs"] = row.time.time_since_epoch().count();
+    fields["timeNs"] = nanosecondsSince1970(row.time);
     fields["file"] = row.file;
     fields["position"] = row.position;
     fields["place"] = toText(row.place);

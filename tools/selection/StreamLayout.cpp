@@ -15,7 +15,7 @@ Fields textField(std::optional<CaptureTime> const& time) {
 }
 
 Fields integerField(std::optional<CaptureTime> const& time) {
-    return time ? Fields(time->time_since_epoch().count()) : Fields(nullptr);
+    return time ? Fields(nanosecondsSince1970(*time)) : Fields(nullptr);
 }
 
 Fields toFields(StreamRow const& row) {
