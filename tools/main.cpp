@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/commands/Arguments.hpp"
 #include "tools/commands/ExitStatus.hpp"
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/JudgeCommand.hpp"
@@ -26,30 +27,13 @@
 namespace {
 
 using TalIec61850Tools::Action;
+using TalIec61850Tools::argumentsFor;
 using TalIec61850Tools::complain;
 using TalIec61850Tools::escapeText;
 using TalIec61850Tools::ExitStatus;
 using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
 using TalIec61850Tools::UsageError;
-
-/// What CLI11 would read as something else than a path: [a,b] is a list to it, ++ ends a
-/// subcommand. With ./ before it, such a name leads to the same file.
-bool isMistakenForSyntax(std::string const& argument) {
-    return argument == "++" || (argument.starts_with('[') && argument.ends_with(']'));
-}
-
-/// The arguments from the last to the first, as CLI11 wants them.
-std::vector<std::string> reversedArguments(int argc, char** argv) {
-    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    for (auto& argument : arguments) {
-        if (isMistakenForSyntax(argument)) {
-            argument.insert(0, "./");
-        }
-    }
-    std::reverse(arguments.begin(), arguments.end());
-    return arguments;
-}
 
 /// Help and version are "errors" of parsing too, those with status 0.
 ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
@@ -84,7 +68,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addJudgeCommand(program, chosen);
     addHelpCommands(program, chosen);
     try {
-        program.parse(reversedArguments(argc, argv));
+        program.parse(argumentsFor(program, {argv + std::min(argc, 1), argv + argc}));
     } catch (CLI::ParseError const& error) {
         return report(program, error);
     }

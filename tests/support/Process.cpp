@@ -3,21 +3,21 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <stdlib.h>  // posix_openpt is POSIX's
-#include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <system_error>
-#include <thread>
+#include <utility>
 
+#include "support/ProcessEnds.hpp"
 #include "support/TempFile.hpp"
 
 namespace TalTest {
@@ -26,69 +26,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::minutes kPatience(5);
-
-void require(bool isDone, char const* what) {
-    if (!isDone) {
-        throw std::system_error(errno, std::generic_category(), what);
-    }
-}
-
-/// A terminal: what a program writes to its far end can be read at the near one.
-class Terminal {
-public:
-    explicit Terminal(int columns) : near_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        require(near_ >= 0 && ::grantpt(near_) == 0 && ::unlockpt(near_) == 0, "posix_openpt");
-        far_ = ::open(::ptsname(near_), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        require(far_ >= 0, "ptsname");
-        winsize size{};
-        size.ws_col = static_cast<unsigned short>(columns);
-        require(::ioctl(far_, TIOCSWINSZ, &size) == 0, "TIOCSWINSZ");
-    }
-    Terminal(Terminal const&) = delete;
-    Terminal& operator=(Terminal const&) = delete;
-    ~Terminal() {
-        ::close(far_);
-        ::close(near_);
-    }
-
-    [[nodiscard]] int farEnd() const { return far_; }
-
-    /// Takes what has arrived.
-    void readInto(std::string& text) const {
-        std::array<char, 4096> block{};
-        pollfd state{.fd = near_, .events = POLLIN, .revents = 0};
-        while (::poll(&state, 1, 0) == 1 && (state.revents & POLLIN) != 0) {
-            ssize_t const count = ::read(near_, block.data(), block.size());
-            if (count <= 0) {
-                return;
-            }
-            text.append(block.data(), static_cast<std::size_t>(count));
-        }
-    }
-
-private:
-    int near_;
-    int far_ = -1;
-};
-
-/// What a child is to do with its descriptors before it starts.
-class FileActions {
-public:
-    FileActions() { posix_spawn_file_actions_init(&actions_); }
-    FileActions(FileActions const&) = delete;
-    FileActions& operator=(FileActions const&) = delete;
-    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
-
-    void open(int number, std::string const& path, int flags) {
-        posix_spawn_file_actions_addopen(&actions_, number, path.c_str(), flags, 0600);
-    }
-    void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&actions_, from, to); }
-    void close(int number) { posix_spawn_file_actions_addclose(&actions_, number); }
-    [[nodiscard]] posix_spawn_file_actions_t const* get() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_{};
-};
 
 std::string readFile(std::string const& path) {
     std::ifstream file(path, std::ios::binary);
@@ -117,31 +54,153 @@ std::vector<char*> asArguments(std::vector<std::string>& texts) {
     return pointers;
 }
 
-void directOutput(FileActions& actions, StandardOutputIs output, std::string const& path) {
-    if (output == StandardOutputIs::closed) {
-        actions.close(STDOUT_FILENO);
-    } else {
-        bool const isFull = output == StandardOutputIs::full;
-        actions.open(STDOUT_FILENO, isFull ? "/dev/full" : path, O_WRONLY | O_CREAT);
+/// The standard descriptors of one program, and what the test has at their other ends.
+class Ends {
+public:
+    Ends(Surroundings const& surroundings, TempDir const& folder)
+        : outPath_(folder.file("out")),
+          errPath_(folder.file("err")),
+          signal_(surroundings.signalAtFirstError) {
+        directInput(surroundings);
+        directOutput(surroundings.output);
+        directErrors(surroundings.terminalColumns);
+        if (!surroundings.workingFolder.empty()) {
+            actions.changeFolder(surroundings.workingFolder);
+        }
     }
+
+    /// The child has its ends now.
+    void started() {
+        if (errors_) {
+            errors_->writing.close();
+        }
+    }
+
+    /// What to wait for.
+    [[nodiscard]] std::vector<pollfd> awaited() const {
+        std::vector<pollfd> all;
+        if (input_) {
+            all.push_back({.fd = input_->writingEnd(), .events = POLLOUT, .revents = 0});
+        }
+        for (auto const* terminal : {&outTerminal_, &errTerminal_}) {
+            if (*terminal) {
+                all.push_back({.fd = (*terminal)->nearEnd(), .events = POLLIN, .revents = 0});
+            }
+        }
+        if (errors_) {
+            all.push_back({.fd = errors_->reading.number(), .events = POLLIN, .revents = 0});
+        }
+        return all;
+    }
+
+    /// Gives and takes what the child can take and has given.
+    void serve(pid_t child, ProcessResult& result) {
+        if (input_) {
+            input_->feed();
+        }
+        if (outTerminal_) {
+            outTerminal_->readInto(result.out);
+        }
+        if (errTerminal_) {
+            errTerminal_->readInto(result.err);
+        }
+        if (errors_) {
+            takeErrors(child, result.err);
+        }
+    }
+
+    /// Takes what is left once the child has ended.
+    void finish(ProcessResult& result) const {
+        result.out += readFile(outPath_);
+        result.err += readFile(errPath_);
+    }
+
+    FileActions actions;
+
+private:
+    void directInput(Surroundings const& surroundings) {
+        if (surroundings.inputPiped) {
+            input_.emplace(*surroundings.inputPiped);
+            actions.duplicate(input_->readingEnd(), STDIN_FILENO);
+        } else {
+            actions.open(STDIN_FILENO, surroundings.inputFile, O_RDONLY);
+        }
+    }
+
+    void directOutput(StandardOutputIs output) {
+        if (output == StandardOutputIs::closed) {
+            actions.close(STDOUT_FILENO);
+        } else if (output == StandardOutputIs::terminal) {
+            outTerminal_.emplace(kColumns);
+            actions.duplicate(outTerminal_->farEnd(), STDOUT_FILENO);
+        } else {
+            bool const isFull = output == StandardOutputIs::full;
+            actions.open(STDOUT_FILENO, isFull ? "/dev/full" : outPath_, O_WRONLY | O_CREAT);
+        }
+    }
+
+    void directErrors(int terminalColumns) {
+        if (signal_ != 0) {
+            errors_.emplace();
+            actions.duplicate(errors_->writing.number(), STDERR_FILENO);
+        } else if (terminalColumns >= 0) {
+            errTerminal_.emplace(terminalColumns);
+            actions.duplicate(errTerminal_->farEnd(), STDERR_FILENO);
+        } else {
+            actions.open(STDERR_FILENO, errPath_, O_WRONLY | O_CREAT);
+        }
+    }
+
+    /// The signal is on its way before there is room for more in the pipe.
+    void takeErrors(pid_t child, std::string& text) {
+        if (signal_ != 0) {
+            char first = 0;
+            if (::read(errors_->reading.number(), &first, 1) != 1) {
+                return;
+            }
+            text += first;
+            ::kill(child, std::exchange(signal_, 0));
+        }
+        errors_->reading.readInto(text);
+    }
+
+    static constexpr int kColumns = 80;
+
+    std::string outPath_;
+    std::string errPath_;
+    int signal_;
+    std::optional<PipeFeed> input_;
+    std::optional<Terminal> outTerminal_;
+    std::optional<Terminal> errTerminal_;
+    std::optional<Pipe> errors_;
+};
+
+/// How long to wait at once: to the end of all patience, or hardly where the end of a process
+/// cannot be waited for.
+int waitingTime(Clock::time_point deadline, bool isToldOfTheEnd) {
+    auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    return isToldOfTheEnd ? static_cast<int>(std::max<std::int64_t>(left.count(), 1)) : 1;
 }
 
-/// Waits for the child, and meanwhile takes what it writes to the terminal if there is one.
-int waitFor(pid_t child, std::optional<Terminal> const& terminal, std::string& written) {
+/// Waits for the child, and meanwhile serves its other ends.
+void waitFor(pid_t child, Ends& ends, ProcessResult& result) {
     auto const deadline = Clock::now() + kPatience;
+    OwnDescriptor end;
+    end.own(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
     for (;;) {
+        auto awaited = ends.awaited();
+        awaited.push_back({.fd = end.number(), .events = POLLIN, .revents = 0});
+        ::poll(awaited.data(), awaited.size(), waitingTime(deadline, end.isOpen()));
+        ends.serve(child, result);
         int state = 0;
-        bool const hasEnded = ::waitpid(child, &state, WNOHANG) == child;
-        if (terminal) {
-            terminal->readInto(written);
-        }
-        if (hasEnded) {
-            return WIFSIGNALED(state) ? 128 + WTERMSIG(state) : WEXITSTATUS(state);
+        if (::waitpid(child, &state, WNOHANG) == child) {
+            ends.serve(child, result);
+            result.status = WIFSIGNALED(state) ? 128 + WTERMSIG(state) : WEXITSTATUS(state);
+            return;
         }
         if (Clock::now() > deadline) {
             ::kill(child, SIGKILL);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 }
 
@@ -149,27 +208,17 @@ int waitFor(pid_t child, std::optional<Terminal> const& terminal, std::string& w
 
 ProcessResult run(std::vector<std::string> const& command, Surroundings const& surroundings) {
     TempDir const folder;
-    std::optional<Terminal> terminal;
-    FileActions actions;
-    actions.open(STDIN_FILENO, "/dev/null", O_RDONLY);
-    directOutput(actions, surroundings.output, folder.file("out"));
-    if (surroundings.terminalColumns >= 0) {
-        terminal.emplace(surroundings.terminalColumns);
-        actions.duplicate(terminal->farEnd(), STDERR_FILENO);
-    } else {
-        actions.open(STDERR_FILENO, folder.file("err"), O_WRONLY | O_CREAT);
-    }
-
+    Ends ends(surroundings, folder);
     auto arguments = command;
     auto environment = environmentWith(surroundings.environment);
     pid_t child = 0;
-    errno = posix_spawn(&child, command.front().c_str(), actions.get(), nullptr,
+    errno = posix_spawn(&child, command.front().c_str(), ends.actions.get(), nullptr,
                         asArguments(arguments).data(), asArguments(environment).data());
     require(errno == 0, command.front().c_str());
+    ends.started();
     ProcessResult result;
-    result.status = waitFor(child, terminal, result.err);
-    result.out = readFile(folder.file("out"));
-    result.err += readFile(folder.file("err"));
+    waitFor(child, ends, result);
+    ends.finish(result);
     return result;
 }
 

@@ -71,6 +71,11 @@ CommandRun::CommandRun(CommonOptions const& options)
     }
 }
 
+std::optional<std::size_t> CommandRun::captureCalled(std::string const& argument) const {
+    auto const found = found_.numbers.find(argument);
+    return found == found_.numbers.end() ? std::nullopt : std::optional(found->second);
+}
+
 CaptureIndex CommandRun::index(Filter const& filter) {
     CaptureIndex index;
     ProgressBar bar = progressBar();

@@ -36,6 +36,9 @@ public:
 
     [[nodiscard]] std::vector<CaptureSource> const& captures() const { return found_.captures; }
 
+    /// Which of the captures a FILE argument led to; none for a folder, or where it led to nothing.
+    [[nodiscard]] std::optional<std::size_t> captureCalled(std::string const& argument) const;
+
     /// Indexes the captures, one after the other.
     [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
 

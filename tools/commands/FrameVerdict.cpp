@@ -19,8 +19,29 @@ namespace {
 constexpr std::uint16_t kGooseEtherType = 0x88B8;
 constexpr std::uint16_t kSvEtherType = 0x88BA;
 
+std::optional<Protocol> protocolOf(FrameHeader const& header) {
+    switch (header.etherType.value_or(0)) {
+        case kGooseEtherType:
+            return Protocol::goose;
+        case kSvEtherType:
+            return Protocol::sv;
+        default:
+            return std::nullopt;
+    }
+}
+
+/// The network of a PRP trailer, by the octets that the library looks at, whatever they belong to.
+std::optional<char> prpLanOf(std::vector<std::uint8_t> const& frame) {
+    constexpr std::size_t shortest = 18;
+    std::size_t const size = frame.size();
+    if (size < shortest || frame[size - 2] != 0x88 || frame[size - 1] != 0xFB) {
+        return std::nullopt;
+    }
+    return (frame[size - 4] & 0x10U) != 0 ? 'B' : 'A';
+}
+
 /// The header as the library knows it.
-EthernetHeader toEthernetHeader(FrameHeader const& header) {
+EthernetHeader toEthernetHeader(FrameHeader const& header, std::optional<char> prpLan) {
     EthernetHeader ethernet;
     if (header.destination && header.source) {
         std::copy(header.destination->begin(), header.destination->end(),
@@ -32,8 +53,8 @@ EthernetHeader toEthernetHeader(FrameHeader const& header) {
     ethernet.vlanId = header.vlan ? header.vlan->id : std::uint16_t{0};
     ethernet.hasHsr = header.hsr.has_value();
     ethernet.hsrLan = header.hsr ? header.hsr->lane() : char{0};
-    ethernet.hasPrp = header.prp.has_value();
-    ethernet.prpLan = header.prp ? header.prp->lan() : char{0};
+    ethernet.hasPrp = prpLan.has_value();
+    ethernet.prpLan = prpLan.value_or(0);
     return ethernet;
 }
 
@@ -80,21 +101,20 @@ std::string_view toText(Verdict verdict) {
 FrameVerdict judgeFrame(std::vector<std::uint8_t> const& frame, Filter const& filter) {
     FrameHeader const header = readFrameHeader(frame);
     FrameVerdict verdict;
+    verdict.protocol = protocolOf(header);
     verdict.answer = EthernetParser::parsePacketSimple(frame, filter);
-    if (header.etherType == kGooseEtherType || header.etherType == kSvEtherType) {
-        verdict.protocol = header.etherType == kGooseEtherType ? Protocol::goose : Protocol::sv;
-    } else {
+    if (!verdict.protocol) {
         return verdict;
     }
-    bool const isOn = verdict.protocol == Protocol::goose ? filter.parseGoose : filter.parseSv;
+    Protocol const protocol = *verdict.protocol;
+    bool const isOn = protocol == Protocol::goose ? filter.parseGoose : filter.parseSv;
     if (!isOn) {
         verdict.verdict = Verdict::switchedOff;
-    } else if (!passesLinkLayer(*verdict.protocol, toEthernetHeader(header), filter)) {
+    } else if (!passesLinkLayer(protocol, toEthernetHeader(header, prpLanOf(frame)), filter)) {
         verdict.verdict = Verdict::rejectedByLinkLayer;
     } else {
-        verdict.verdict = verdict.answer == wantedAnswer(*verdict.protocol)
-                              ? Verdict::wanted
-                              : Verdict::rejectedByPdu;
+        verdict.verdict =
+            verdict.answer == wantedAnswer(protocol) ? Verdict::wanted : Verdict::rejectedByPdu;
     }
     return verdict;
 }

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <utility>
@@ -145,24 +145,16 @@ std::vector<PacketLocator> locatorsIn(std::vector<std::string> const& arguments)
     return locators;
 }
 
-/// Whether the capture is what a locator names, be it by another path.
-bool isNamed(PacketLocator const& locator, CaptureSource const& capture) {
-    return locator.file == capture.name ||
-           (locator.file != "-" && checkCapture(locator.file).identity == capture.identity);
-}
-
 /// Leaves only the packets that are named, and complains of names without a packet.
 void keepLocated(PacketSelection& selection, std::vector<PacketLocator> const& locators,
                  CommandRun& run) {
-    using Spot = std::pair<std::uint32_t, std::uint64_t>;
+    using Spot = std::pair<std::size_t, std::uint64_t>;
     std::map<Spot, PacketLocator> wanted;
     for (auto const& locator : locators) {
-        auto const& captures = run.captures();
-        auto const capture =
-            std::find_if(captures.begin(), captures.end(),
-                         [&](CaptureSource const& source) { return isNamed(locator, source); });
-        if (capture != captures.end()) {
-            wanted.emplace(Spot(capture - captures.begin(), locator.position), locator);
+        if (auto const capture = run.captureCalled(locator.file)) {
+            wanted.emplace(Spot(*capture, locator.position), locator);
+        } else if (std::filesystem::is_directory(locator.file)) {
+            run.complainOf(locator.file, "a folder holds no packets itself");
         }
     }
     auto missing = wanted;

@@ -1,6 +1,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "tools/help/Completions.hpp"
 
 namespace TalIec61850Tools {
@@ -35,9 +38,8 @@ complete -F _tal_iec61850 tal-iec61850
 
 std::vector<std::string> optionWords(std::vector<OptionDescription> const& options) {
     std::vector<std::string> words;
-    for (auto const& option : options) {
-        words.push_back("--" + option.longName);
-    }
+    std::transform(options.begin(), options.end(), std::back_inserter(words),
+                   [](OptionDescription const& option) { return "--" + option.longName; });
     return words;
 }
 

@@ -85,7 +85,7 @@ std::string zshCompletion(ProgramDescription const& program) {
     script += " \\\n        '1:command:((";
     std::string cases;
     for (auto const& command : program.commands) {
-        script += fmt::format("{}\\:\"{}\" ", command.name, quoted(command.text));
+        script += fmt::format(R"({}\:"{}" )", command.name, quoted(command.text));
         cases += commandCase(command);
     }
     script.back() = ')';

@@ -1,11 +1,9 @@
 #include "tools/input/CaptureCheck.hpp"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstddef>
 #include <span>
 #include <system_error>
 
@@ -23,26 +21,6 @@ CaptureCheck refuse(std::string reason) {
 }
 
 CaptureCheck refuseFor(int error) { return refuse(std::generic_category().message(error)); }
-
-/// Fills `octets` from the start of the file as far as the file goes; the rest keeps its zeros.
-[[nodiscard]] bool readStart(int file, std::span<std::uint8_t> octets) {
-    std::size_t size = 0;
-    while (size < octets.size()) {
-        ssize_t const count =
-            ::pread(file, octets.data() + size, octets.size() - size, static_cast<off_t>(size));
-        if (count < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        if (count == 0) {
-            return true;
-        }
-        size += static_cast<std::size_t>(count);
-    }
-    return true;
-}
 
 CaptureCheck checkStart(std::span<std::uint8_t const, kCaptureStartSize> start) {
     CaptureKind const kind = recogniseCapture(start);
@@ -74,9 +52,14 @@ CaptureCheck checkCapture(std::string const& path) {
         return check;
     }
     Descriptor const file = openToRead(path);
-    std::array<std::uint8_t, kCaptureStartSize> start{};
-    if (!file || !readStart(file.number(), start)) {
+    if (!file) {
         return refuseFor(errno);
+    }
+    std::array<std::uint8_t, kCaptureStartSize> start{};
+    try {
+        static_cast<void>(readAt(file, 0, start));  // what is not there stays zero
+    } catch (std::system_error const& error) {
+        return refuse(error.code().message());
     }
     CaptureCheck check = checkStart(start);
     check.identity = {.device = status.st_dev, .inode = status.st_ino};

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 
@@ -41,7 +42,11 @@ private:
     void add(std::string const& path, std::string const& name, CaptureCheck const& check) {
         if (check.fault) {
             refuse(name, *check.fault);
-        } else if (known_.insert(check.identity).second) {
+            return;
+        }
+        auto const [known, isNew] = known_.emplace(check.identity, found_.captures.size());
+        found_.numbers.emplace(name, known->second);
+        if (isNew) {
             found_.captures.push_back(
                 {.path = path, .name = name, .identity = check.identity, .size = check.size});
         }
@@ -100,7 +105,7 @@ private:
     }
 
     FoundCaptures found_;
-    std::set<FileIdentity> known_;
+    std::map<FileIdentity, std::size_t> known_;
     std::set<std::string> refused_;
 };
 

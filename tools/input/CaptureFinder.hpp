@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,6 +27,8 @@ struct CaptureSource {
 struct FoundCaptures {
     /// In the order of the arguments, a folder's by their names; no file twice.
     std::vector<CaptureSource> captures;
+    /// Which of them a name leads to, be it a second name of a file.
+    std::map<std::string, std::size_t> numbers;
     /// One line each, safe for a terminal, on what could not be used.
     std::vector<std::string> faults;
     /// What "-" leads to, kept as long as it is read.

@@ -103,20 +103,8 @@ void CaptureRecords::load(std::uint64_t position, std::size_t size) {
     std::uint64_t const left = fileSize_ - std::min(position, fileSize_);
     block_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(size, left)));
     blockPosition_ = position;
-    std::size_t filled = 0;
-    while (filled < block_.size()) {
-        ssize_t const count =
-            ::pread(file_.number(), block_.data() + filled, block_.size() - filled,
-                    static_cast<off_t>(position + filled));
-        if (count < 0 && errno != EINTR) {
-            fail();
-        }
-        if (count == 0) {
-            break;  // the file has become shorter meanwhile
-        }
-        filled += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-    }
-    block_.resize(filled);
+    // Fewer, should the file have become shorter meanwhile.
+    block_.resize(readAt(file_, position, block_));
 }
 
 }  // namespace TalIec61850Tools

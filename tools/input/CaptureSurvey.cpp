@@ -16,6 +16,9 @@ CaptureSurvey surveyCapture(std::string const& path) {
             }
         }
         survey.damage = records.damage();
+        if (!survey.begin && records.cutRecord()) {
+            survey.begin = records.cutRecord()->time;
+        }
     } catch (std::system_error const& error) {
         survey.damage = error.code().message();
     }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -25,5 +28,11 @@ private:
 /// Opens a file for reading, without waiting for anybody should it be a pipe.
 /// @return none when that fails; errno says why
 [[nodiscard]] Descriptor openToRead(std::string const& path);
+
+/// Reads what the file holds at a position, up to the end of the file.
+/// @return how many of the octets were read; fewer than there are only at the end of the file
+/// @throws std::system_error  the file cannot be read
+[[nodiscard]] std::size_t readAt(Descriptor const& file, std::uint64_t position,
+                                 std::span<std::uint8_t> octets);
 
 }  // namespace TalIec61850Tools

@@ -1,6 +1,8 @@
 #include "tools/input/PacketFrames.hpp"
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 
 namespace TalIec61850Tools {
 
@@ -17,7 +19,8 @@ bool holds(CaptureRecord const& record, std::uint64_t position) {
 }  // namespace
 
 PacketFrames::PacketFrames(std::string const& path, std::vector<std::uint64_t> positions)
-    : records_(path) {
+    : path_(path) {
+    CaptureRecords records(path);
     std::sort(positions.begin(), positions.end());
     auto wanted = positions.begin();
     auto const keepIfWanted = [&](CaptureRecord const& record) {
@@ -27,14 +30,14 @@ PacketFrames::PacketFrames(std::string const& path, std::vector<std::uint64_t> p
         }
     };
     while (wanted != positions.end()) {
-        auto const record = records_.next();
+        auto const record = records.next();
         if (!record) {
             break;
         }
         keepIfWanted(*record);
     }
-    if (records_.cutRecord()) {
-        keepIfWanted(*records_.cutRecord());
+    if (records.cutRecord()) {
+        keepIfWanted(*records.cutRecord());
     }
 }
 
@@ -45,8 +48,14 @@ std::optional<CaptureRecord> PacketFrames::recordAt(std::uint64_t position) cons
     return found != found_.end() && holds(*found, position) ? std::optional(*found) : std::nullopt;
 }
 
-std::span<std::uint8_t const> PacketFrames::frameOf(CaptureRecord const& record) {
-    return records_.frameOf(record);
+std::vector<std::uint8_t> PacketFrames::frameOf(CaptureRecord const& record) const {
+    Descriptor const file = openToRead(path_);
+    if (!file) {
+        throw std::system_error(errno, std::generic_category());
+    }
+    std::vector<std::uint8_t> frame(record.capturedSize);
+    frame.resize(readAt(file, record.framePosition(), frame));
+    return frame;
 }
 
 }  // namespace TalIec61850Tools

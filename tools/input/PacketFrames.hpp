@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -24,12 +23,13 @@ public:
     /// @return none where the file has no such record
     [[nodiscard]] std::optional<CaptureRecord> recordAt(std::uint64_t position) const;
 
-    /// The captured octets of a record that `recordAt` gave; valid until the next call.
-    /// @throws std::system_error  the file cannot be read
-    [[nodiscard]] std::span<std::uint8_t const> frameOf(CaptureRecord const& record);
+    /// The captured octets of a record that `recordAt` gave. The file is opened for that alone, so
+    /// that there may be more captures than files can be open.
+    /// @throws std::system_error  the file cannot be opened or read
+    [[nodiscard]] std::vector<std::uint8_t> frameOf(CaptureRecord const& record) const;
 
 private:
-    CaptureRecords records_;
+    std::string path_;
     /// Those that hold one of the positions, in the order of the file.
     std::vector<CaptureRecord> found_;
 };

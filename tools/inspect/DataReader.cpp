@@ -29,7 +29,7 @@ private:
     // NOLINTNEXTLINE(misc-no-recursion)
     DataValue readValue(Element&& element, std::size_t depth) {
         DataValue value{.offset = element.offset,
-                        .tag = element.tag.value_or(element.value.octets.front()),
+                        .tag = element.tag ? *element.tag : element.value.octets.front(),
                         .kind = element.tag ? kindOf(*element.tag) : DataKind::unreadable,
                         .fault = {},
                         .value = {}};

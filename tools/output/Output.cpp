@@ -26,11 +26,19 @@ mode_t newFileMode() {
     return kAnybody & ~mask;
 }
 
-/// Where a link leads to, so that the link stays; the path itself where it is none.
-std::string followLinks(std::string const& path) {
-    std::error_code error;
-    fs::path const target = fs::weakly_canonical(path, error);
-    return error ? path : target.string();
+/// Where a link leads to, be there a file or not, so that the link stays; the path itself where it
+/// is none.
+fs::path followLinks(fs::path path) {
+    constexpr int mostLinks = 40;  // as many as the kernel follows
+    for (int link = 0; link < mostLinks; ++link) {
+        std::error_code error;
+        fs::path const target = fs::read_symlink(path, error);
+        if (error) {
+            break;
+        }
+        path = path.parent_path() / target;
+    }
+    return path;
 }
 
 }  // namespace
@@ -57,7 +65,8 @@ Output::Output(std::string const& path) {
 }
 
 void Output::openUnfinished(mode_t mode) {
-    unfinishedPath_ = path_ + ".XXXXXX";
+    // A name of its own length: that of the file may be as long as names can be.
+    unfinishedPath_ = fs::path(path_).parent_path() / ".tal-iec61850-XXXXXX";
     int const descriptor = ::mkostemp(unfinishedPath_.data(), O_CLOEXEC);
     if (descriptor < 0) {
         unfinishedPath_.clear();

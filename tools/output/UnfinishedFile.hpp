@@ -4,8 +4,8 @@
 
 namespace TalIec61850Tools {
 
-/// From now on, a signal that ends the program (interrupt, hangup, terminate, broken pipe) removes
-/// this file before.
+/// From now on, a signal that ends the program (interrupt, quit, terminate, hangup, broken pipe)
+/// removes this file before.
 /// @param path  one file at a time; too long a path is not guarded
 void guardUnfinishedFile(std::string const& path) noexcept;
 

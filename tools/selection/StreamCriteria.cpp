@@ -22,8 +22,21 @@ bool meets(std::vector<Value> const& wanted, std::optional<Value> const& value) 
            (value && std::find(wanted.begin(), wanted.end(), *value) != wanted.end());
 }
 
-bool meetsName(std::string const& pattern, std::string const& name) {
-    return pattern == name || ::fnmatch(pattern.c_str(), name.c_str(), FNM_NOESCAPE) == 0;
+/// What fnmatch reads as it stands but for * and ?.
+std::string toPattern(std::string const& wanted) {
+    std::string pattern;
+    for (char const c : wanted) {
+        if (c == '[' || c == '\\') {
+            pattern += '\\';
+        }
+        pattern += c;
+    }
+    return pattern;
+}
+
+bool meetsName(std::string const& wanted, std::string const& name) {
+    constexpr int noFlags = 0;
+    return wanted == name || ::fnmatch(toPattern(wanted).c_str(), name.c_str(), noFlags) == 0;
 }
 
 bool meetsPattern(std::vector<std::string> const& wanted, std::optional<std::string> const& name) {

@@ -68,7 +68,7 @@ std::optional<nanoseconds> takeLength(TimeReader& reader, nanoseconds (*unitOf)(
     auto const decimals = reader.takeDecimals();
     nanoseconds const unit = unitOf(reader.rest());
     if (!whole || !decimals || unit.count() == 0 ||
-        *whole > nanoseconds(seconds(kMaxSeconds)) / unit) {
+        *whole >= nanoseconds(seconds(kMaxSeconds)) / unit) {
         return std::nullopt;
     }
     // In two parts, so that hours with nine decimals do not overflow either.
@@ -148,7 +148,10 @@ std::optional<nanoseconds> readDateAndTime(std::string_view text) {
 }  // namespace
 
 CaptureTime TimeBound::resolve(CaptureTime begin) const {
-    return isRelative ? begin + time : CaptureTime(time);
+    if (!isRelative) {
+        return CaptureTime(time);
+    }
+    return time > CaptureTime::max() - begin ? CaptureTime::max() : begin + time;
 }
 
 std::optional<TimeBound> parseTimeBound(std::string_view text) {

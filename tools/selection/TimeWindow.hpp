@@ -15,6 +15,7 @@ struct TimeBound {
     std::chrono::nanoseconds time{};
 
     /// @param begin  of the captures
+    /// @return no later than there are times
     [[nodiscard]] CaptureTime resolve(CaptureTime begin) const;
 
     friend bool operator==(TimeBound const&, TimeBound const&) = default;

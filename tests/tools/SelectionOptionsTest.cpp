@@ -1,0 +1,110 @@
+// How the values of the options on streams and on time are read.
+
+#include <gtest/gtest.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "tools/commands/SelectionOptions.hpp"
+
+namespace TalIec61850Tools {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+/// What a command line asks for.
+struct Asked {
+    StreamCriteria criteria;
+    WindowOptions window;
+};
+
+/// @throws CLI::ParseError
+Asked ask(Arguments arguments) {
+    Asked asked;
+    CLI::App app;
+    addCriteriaOptions(app, asked.criteria);
+    addWindowOptions(app, asked.window);
+    std::reverse(arguments.begin(), arguments.end());
+    app.parse(std::move(arguments));
+    return asked;
+}
+
+void expectRefused(std::string const& option, Arguments const& values) {
+    for (auto const& value : values) {
+        EXPECT_THROW(ask({option, value}), CLI::ParseError) << option << " " << value;
+    }
+}
+
+TEST(NumberOption, RefusesWhatIsNoNumber) {
+    for (std::string const option : {"--vlan", "--appid", "--reserved1-bit0", "--confrev"}) {
+        expectRefused(option, {"", "x", "0x", "1.5", "1e3", " 1", "1 ", "-1", "+1", "0xG", "0x-1",
+                               "99999999999999999999", "18446744073709551616",
+                               "0x10000000000000000", "\xd9\xa3", "0b1", "1,2"});
+    }
+}
+
+TEST(NumberOption, TakesEveryValueThatTheFieldHolds) {
+    expectRefused("--vlan", {"4096", "0x1000", "65536"});
+    expectRefused("--appid", {"65536", "0x10000"});
+    expectRefused("--reserved1-bit0", {"2", "256"});
+    expectRefused("--confrev", {"4294967296"});
+    EXPECT_EQ(ask({"--vlan", "4095"}).criteria.vlanIds, std::vector<std::uint16_t>{4095});
+    EXPECT_EQ(ask({"--appid", "0xffff"}).criteria.appIds, std::vector<std::uint64_t>{0xFFFF});
+    EXPECT_EQ(ask({"--confrev", "4294967295"}).criteria.confRevs,
+              std::vector<std::uint64_t>{4294967295});
+    EXPECT_EQ(ask({"--vlan", "007"}).criteria.vlanIds, std::vector<std::uint16_t>{7});
+    EXPECT_EQ(ask({"--reserved1-bit0", "0", "--reserved1-bit0", "1"}).criteria.reserved1Bit0,
+              (std::vector<std::uint8_t>{0, 1}));
+}
+
+TEST(AddressOption, RefusesWhatIsNoAddress) {
+    for (std::string const option : {"--source", "--destination"}) {
+        expectRefused(option, {"", "01:0c:cd:01:00", "01:0c:cd:01:00:01:02", "010ccd010001",
+                               "01.0c.cd.01.00.01", "1:c:cd:1:0:1", "01:0c:cd:01:00:0g",
+                               "01:0c:cd:01:00:01 ", " 1:0c:cd:01:00:01",
+                               ":::::::::::::::::", "-----------------", "0x:0c:cd:01:00:01", "*"});
+    }
+}
+
+TEST(AddressOption, IsReadIntoTheIndexWriting) {
+    for (auto const* text : {"01:0c:cd:01:00:AB", "01-0C-CD-01-00-ab", "01:0c-cd:01-00:aB"}) {
+        EXPECT_EQ(ask({"--source", text}).criteria.sources,
+                  std::vector<std::string>{"01:0c:cd:01:00:ab"});
+    }
+}
+
+TEST(LaneOption, IsAOrB) {
+    expectRefused("--hsr", {"", "C", "AB", "0", "a "});
+    expectRefused("--prp", {"", "C", "BA", "1", "\xc3\x84"});
+    EXPECT_EQ(ask({"--hsr", "a", "--hsr=B"}).criteria.hsrLanes, (std::vector<char>{'A', 'B'}));
+    EXPECT_EQ(ask({"--prp", "b"}).criteria.prpLanes, std::vector<char>{'B'});
+}
+
+TEST(TimeOption, RefusesWhatIsNoTime) {
+    for (std::string const option : {"--from", "--to"}) {
+        expectRefused(option, {"", "yesterday", "-1", "1.1234567890", "2024-02-30", "+1d",
+                               "2024-03-20T10", "10:00", "99999999999"});
+    }
+    EXPECT_EQ(ask({"--from", "5"}).window.from, parseTimeBound("5"));
+    EXPECT_EQ(ask({"--to=+5ms"}).window.to, parseTimeBound("+5ms"));
+    EXPECT_FALSE(ask({}).window.from);
+}
+
+TEST(NameOption, TakesOneValueEachTime) {
+    EXPECT_EQ(ask({"--svid", "a,b", "--svid", "", "--svid=c d"}).criteria.svIDs,
+              (std::vector<std::string>{"a,b", "", "c d"}));
+    EXPECT_THROW(ask({"--svid", "a", "b"}), CLI::ParseError);
+    EXPECT_THROW(ask({"--svid"}), CLI::ParseError);
+}
+
+TEST(WindowOptions, ResolveAgainstTheBeginOfTheCaptures) {
+    auto const window = ask({"--from", "+1s", "--to", "10"}).window;
+    CaptureTime const begin(std::chrono::seconds(4));
+    EXPECT_EQ(window.resolve(begin).from, CaptureTime(std::chrono::seconds(5)));
+    EXPECT_EQ(window.resolve(begin).to, CaptureTime(std::chrono::seconds(10)));
+    EXPECT_FALSE(ask({}).window.resolve(begin).from);
+    EXPECT_NO_THROW(window.check());
+}
+
+}  // namespace
+}  // namespace TalIec61850Tools

@@ -1,0 +1,133 @@
+// Command lines that make no sense: one line says so, and nothing is done.
+
+#include <gtest/gtest.h>
+
+#include "support/TempFile.hpp"
+#include "tools/CompanionRows.hpp"
+#include "tools/StreamsTraffic.hpp"
+
+namespace TalTest {
+namespace {
+
+std::vector<std::string> const kCommands = {"streams", "packets", "show", "judge"};
+
+/// Expects each list of arguments to be refused behind a command and a file, and before the file.
+void expectRefused(std::vector<std::string> const& commands,
+                   std::vector<Arguments> const& wrongArguments) {
+    TempFile const file(smallCapture());
+    for (auto const& command : commands) {
+        for (auto const& arguments : wrongArguments) {
+            expectUsageError(joined({command, file.path()}, arguments));
+        }
+    }
+}
+
+TEST(WrongUsage, IsAnUnknownOrIncompleteOption) {
+    expectRefused(kCommands, {{"--nothing"},
+                              {"-x"},
+                              {"--format"},
+                              {"-o"},
+                              {"--output"},
+                              {"--color"},
+                              {"--svid"},
+                              {"--source"},
+                              {"--Format", "json"}});
+    expectRefused({"streams", "judge"}, {{"--from", "1"}, {"--context"}, {"-c"}});
+    expectRefused({"packets", "show", "judge"}, {{"--sort", "name"}, {"--reverse"}, {"-r"}});
+    expectRefused({"streams", "packets", "show"}, {{"--list"}, {"-l"}});
+}
+
+TEST(WrongUsage, IsAValueThatAnOptionDoesNotTake) {
+    expectRefused(kCommands, {{"--format", "xml"},
+                              {"--format", "JSON"},
+                              {"--format", ""},
+                              {"--color", "yes"},
+                              {"--protocol", "mms"},
+                              {"--simulation-element", "maybe"},
+                              {"--hsr", "C"},
+                              {"--hsr", "AB"},
+                              {"--hsr", ""},
+                              {"--prp", "1"}});
+    expectRefused({"streams"}, {{"--sort", "colour"}, {"--sort", ""}, {"--sort", "NAME"}});
+}
+
+TEST(WrongUsage, IsANumberAnAddressOrATimeThatIsNone) {
+    expectRefused(kCommands, {{"--vlan", "4096"},
+                              {"--appid", "0x"},
+                              {"--reserved1-bit0", "2"},
+                              {"--confrev", "-1"},
+                              {"--source", "01:0c:cd:01:00"}});
+    expectRefused({"packets", "show"}, {{"--from", "yesterday"}, {"--to", "2024-02-30"}});
+}
+
+TEST(WrongUsage, IsASingleOptionGivenTwice) {
+    expectRefused(kCommands, {{"-f", "json", "-f", "csv"},
+                              {"-o", "/dev/null", "-o", "/dev/null"},
+                              {"--protocol", "sv", "--protocol", "goose"},
+                              {"--simulation-element", "yes", "--simulation-element", "no"}});
+    expectRefused({"packets", "show"}, {{"--from", "1", "--from", "2"}, {"--to=3", "--to=4"}});
+}
+
+TEST(WrongUsage, IsAnOptionWithAnEmptyValueBehindItsSign) {
+    expectRefused({"packets"}, {{"--from="}, {"--to="}, {"--vlan="}, {"--format="}, {"--source="}});
+    // What stands behind is not its value.
+    TempFile const file(smallCapture());
+    for (auto const* option : {"--from=", "--format=", "--source="}) {
+        expectUsageError({"packets", option, file.path()});
+        EXPECT_EQ(runCompanion({"packets", option, file.path()}).err.find(file.path()),
+                  std::string::npos);
+    }
+    EXPECT_TRUE(rowsOf({"streams", "--svid=", file.path()}).empty());
+}
+
+TEST(WrongUsage, IsACommandWithoutAFile) {
+    for (auto const& command : kCommands) {
+        expectUsageError({command});
+        expectUsageError({command, "--quiet"});
+        expectUsageError({command, "--"});
+    }
+    expectUsageError({});
+    expectUsageError({"nothing"});
+    expectUsageError({"Streams", "a.pcap"});
+}
+
+TEST(WrongUsage, IsSaidBeforeAnythingIsRead) {
+    for (auto const& command : kCommands) {
+        auto const result = runCompanion({command, "/nonexistent", "--color", "x"});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.err.find("nonexistent"), std::string::npos);
+    }
+}
+
+TEST(Help, OfEveryCommandNamesItsOptionsAndAnExample) {
+    for (auto const& command : kCommands) {
+        for (auto const* option : {"--help", "-h"}) {
+            auto const help = runCompanion({command, option});
+            EXPECT_EQ(help.status, 0);
+            EXPECT_EQ(help.err, "");
+            for (auto const* text :
+                 {"--format", "--output", "--quiet", "--color", "--svid", "--gocbref", "--vlan",
+                  "standard input", "Exit status", "Example:\n  tal-iec61850 "}) {
+                EXPECT_NE(help.out.find(text), std::string::npos) << command << " " << text;
+            }
+        }
+    }
+}
+
+TEST(FileArguments, MayBeCalledLikeCommands) {
+    TempDir const folder;
+    for (auto const& name : kCommands) {
+        folder.write(name, smallCapture());
+    }
+    Surroundings const there{.workingFolder = folder.path()};
+    for (auto const& command : kCommands) {
+        for (auto const& name : kCommands) {
+            EXPECT_FALSE(rowsOf({command, name}, there).empty()) << command << " " << name;
+        }
+    }
+    EXPECT_EQ(fieldOf(rowsOf({"streams", "packets", "show", "judge", "streams"}, there), "files"),
+              (std::vector<Json>{4, 4}));
+}
+
+}  // namespace
+}  // namespace TalTest
