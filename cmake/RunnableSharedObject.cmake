@@ -3,16 +3,16 @@
 # The kernel runs a shared object that names an interpreter (the dynamic loader) and has an entry
 # point. The loader's path is read from an executable that this very toolchain links, so that no
 # architecture is spelled out; the entry point is the compiler's own start file for position
-# independent executables. `main` and the start file's names are hidden by a version script: who
-# links the library keeps its own.
+# independent executables. `main` and the start file's names must not be exported: who links the
+# library keeps its own. See ExportedSymbols.cmake.
 
 function(tal_find_interpreter out_path)
   if(NOT TAL_INTERPRETER)
     set(probe_dir ${CMAKE_CURRENT_BINARY_DIR}/interpreter-probe)
     file(WRITE ${probe_dir}/probe.cpp "int main() {}\n")
-    try_compile(probe_links ${probe_dir} SOURCES ${probe_dir}/probe.cpp
+    try_compile(TAL_COMPILER_LINKS ${probe_dir} SOURCES ${probe_dir}/probe.cpp
         COPY_FILE ${probe_dir}/probe)
-    if(NOT probe_links)
+    if(NOT TAL_COMPILER_LINKS)
       message(FATAL_ERROR "${CMAKE_CXX_COMPILER} cannot link a program")
     endif()
     execute_process(
@@ -20,6 +20,10 @@ function(tal_find_interpreter out_path)
                 ${probe_dir}/probe ${probe_dir}/interp
         COMMAND_ERROR_IS_FATAL ANY)
     file(STRINGS ${probe_dir}/interp interpreter LIMIT_COUNT 1)
+    if(NOT interpreter)
+      message(FATAL_ERROR "a program that ${CMAKE_CXX_COMPILER} links needs no dynamic loader: "
+          "CMAKE_EXE_LINKER_FLAGS must not be static")
+    endif()
     set(TAL_INTERPRETER ${interpreter} CACHE INTERNAL "The dynamic loader of this toolchain")
   endif()
   set(${out_path} ${TAL_INTERPRETER} PARENT_SCOPE)
@@ -35,12 +39,6 @@ function(tal_make_runnable target)
 extern const char talInterpreter[];
 __attribute__((section(".interp"), used)) const char talInterpreter[] = "@interpreter@";
 ]] @ONLY)
-  set(hidden_names ${CMAKE_CURRENT_BINARY_DIR}/${target}-hidden-names.map)
-  file(CONFIGURE OUTPUT ${hidden_names} CONTENT [[
-{ local: main; _start; _IO_stdin_used; data_start; __data_start; };
-]] @ONLY)
   target_sources(${target} PRIVATE ${source})
-  target_link_options(${target} PRIVATE
-      ${start_file} LINKER:-e,_start LINKER:--version-script=${hidden_names})
-  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${hidden_names})
+  target_link_options(${target} PRIVATE ${start_file} LINKER:-e,_start)
 endfunction()

@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
     TalIec61850Parser::Db db;
     std::atomic<bool> const stop = false;
     TalIec61850Parser::PcapParser::parseFile(argv[1], db, TalIec61850Parser::Filter{}, stop, {});
-    std::cout << TALIEC61850PARSER_VERSION << ": " << db.gooseProto.getGooseCount() << " GOOSE, "
-              << db.svProto.getSvCount() << " SV\n";
+    std::cout << "headers " << TALIEC61850PARSER_VERSION << ", library "
+              << TalIec61850Parser::libraryVersion() << ": " << db.gooseProto.getGooseCount()
+              << " GOOSE, " << db.svProto.getSvCount() << " SV\n";
 }

@@ -1,0 +1,90 @@
+# Has CPack make a Debian package of each component that Install.cmake and tools/ install, see
+# scripts/package. What Debian wants besides the project's own files is in packaging/debian.
+if(NOT TAL_INSTALL)
+  message(FATAL_ERROR "TAL_DEBIAN_PACKAGES takes TAL_INSTALL")
+endif()
+set(debian_dir ${PROJECT_SOURCE_DIR}/packaging/debian)
+set(tal_library_package libtaliec61850parser${tal_abi})
+
+# The packages' version is that of the newest entry of their changelog.
+file(STRINGS ${debian_dir}/changelog debian_version LIMIT_COUNT 1)
+if(NOT debian_version MATCHES "^[a-z0-9]+ \\((.+)-([0-9]+)\\)"
+   OR NOT CMAKE_MATCH_1 STREQUAL PROJECT_VERSION)
+  message(FATAL_ERROR "${debian_dir}/changelog begins with ${debian_version}, "
+      "but this is version ${PROJECT_VERSION}")
+endif()
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${CMAKE_MATCH_2})
+set(debian_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "TalIec61850Parser developers <developers@taliec61850parser.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+    GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS ${debian_dir}/prepare-files.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${debian_dir}/finish-packages.cmake)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SOURCE taliec61850parser)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+function(tal_install_compressed source package name)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+  set(compressed ${PROJECT_BINARY_DIR}/packaging/${package}/${name}.gz)
+  cmake_path(GET compressed PARENT_PATH dir)
+  file(MAKE_DIRECTORY ${dir})
+  execute_process(COMMAND gzip -9nc ${source} OUTPUT_FILE ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+  install(FILES ${compressed} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} ${ARGN})
+endfunction()
+
+# Makes a package of one component, and gives it its papers.
+function(tal_debian_package component package)
+  cmake_parse_arguments(arg "" "SECTION;DEPENDS" "CONTROL_EXTRA" ${ARGN})
+  set(description_file ${debian_dir}/${component}.description)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${description_file})
+  file(READ ${description_file} description)
+
+  string(TOUPPER ${component} prefix)
+  string(PREPEND prefix CPACK_DEBIAN_)
+  set(${prefix}_PACKAGE_NAME ${package} PARENT_SCOPE)
+  set(${prefix}_PACKAGE_SECTION ${arg_SECTION} PARENT_SCOPE)
+  set(${prefix}_PACKAGE_DEPENDS ${arg_DEPENDS} PARENT_SCOPE)
+  set(${prefix}_PACKAGE_CONTROL_EXTRA ${arg_CONTROL_EXTRA} PARENT_SCOPE)
+  set(${prefix}_DESCRIPTION "${description}" PARENT_SCOPE)
+  set(CPACK_COMPONENTS_ALL ${CPACK_COMPONENTS_ALL} ${component} PARENT_SCOPE)
+
+  tal_install_compressed(${debian_dir}/changelog ${package} changelog.Debian COMPONENT ${component})
+  tal_install_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${package} changelog
+      COMPONENT ${component})
+  install(FILES ${debian_dir}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
+      COMPONENT ${component})
+  install(FILES ${debian_dir}/${component}.lintian-overrides
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME ${package}
+      COMPONENT ${component})
+endfunction()
+
+# What the packages of other programs that link the library come to depend on.
+configure_file(${debian_dir}/shlibs.in ${PROJECT_BINARY_DIR}/packaging/shlibs @ONLY)
+
+tal_debian_package(library ${tal_library_package} SECTION libs
+    CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/shlibs ${debian_dir}/triggers)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+
+tal_debian_package(development libtaliec61850parser-dev SECTION libdevel
+    DEPENDS "${tal_library_package} (= ${debian_version})")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtaliec61850parser-dev COMPONENT development
+    FILES_MATCHING PATTERN *.cpp)
+
+if(TAL_BUILD_TOOLS)
+  tal_debian_package(tools tal-iec61850 SECTION net
+      DEPENDS "${tal_library_package} (= ${debian_version})")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  # The library's package is not installed where it is made.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+endif()
+
+include(CPack)

@@ -1,0 +1,116 @@
+# Installs the built project into a folder of its own, uses it from there as strangers would, and
+# again after that folder was moved.
+#
+#   cmake -D BUILD_DIR=... -D WORK_DIR=... -D VERSION=... -D ABI=... -D GENERATOR=... -D CXX=...
+#         -D CXX_FLAGS=... -D CAPTURE_MAKER=... -P InstalledPackage.cmake
+
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/Steps.cmake)
+separate_arguments(CXX_FLAGS_LIST UNIX_COMMAND "${CXX_FLAGS}")
+find_program(PKG_CONFIG NAMES pkg-config pkgconf REQUIRED)
+
+# The folder below a prefix that the shared object lies in.
+function(find_library_dir prefix out_dir)
+  file(GLOB_RECURSE library ${prefix}/*/TalIec61850Parser.so)
+  cmake_path(GET library PARENT_PATH dir)
+  set(${out_dir} ${dir} PARENT_SCOPE)
+endfunction()
+
+# Configures a project that wants a version of the package, into variables of a `run`.
+macro(configure_consumer prefix wanted_version)
+  file(REMOVE_RECURSE ${WORK_DIR}/build)
+  set(configure_command ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK_DIR}/build
+      -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${CXX_FLAGS}
+      -DCMAKE_PREFIX_PATH=${prefix} -Dwanted_version=${wanted_version})
+endmacro()
+
+function(use_by_cmake prefix)
+  configure_consumer(${prefix} 1.0)
+  run(COMMAND ${configure_command})
+  run(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+  run(COMMAND ${WORK_DIR}/build/consumer ${capture} OUTPUT output)
+  expect_streams("find_package" ${VERSION} ${VERSION} "${output}")
+endfunction()
+
+function(want_another_version prefix)
+  math(EXPR next_major "${VERSION_MAJOR} + 1")
+  foreach(wanted ${next_major}.0 ${VERSION_MAJOR}.999)
+    configure_consumer(${prefix} ${wanted})
+    expect_refusal("compatible with requested version \"${wanted}\"" ${configure_command})
+    message(STATUS "find_package refuses ${wanted}")
+  endforeach()
+endfunction()
+
+# Compiles and runs the consumer with the flags that pkg-config gives; `headers` is the version that
+# it must see in them.
+function(use_by_pkg_config prefix headers)
+  find_library_dir(${prefix} library_dir)
+  set(pkg_config ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${library_dir}/pkgconfig ${PKG_CONFIG})
+  run(COMMAND ${pkg_config} --modversion TalIec61850Parser OUTPUT output)
+  if(NOT output STREQUAL "${VERSION}\n")
+    message(FATAL_ERROR "pkg-config gives the version as ${output}")
+  endif()
+  run(COMMAND ${pkg_config} --cflags --libs TalIec61850Parser OUTPUT flags)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  run(COMMAND ${CXX} -std=c++20 ${CXX_FLAGS_LIST} ${CMAKE_CURRENT_LIST_DIR}/consumer/consumer.cpp
+      ${flags} -Wl,-rpath,${library_dir} -o ${WORK_DIR}/plain-consumer)
+  run(COMMAND ${WORK_DIR}/plain-consumer ${capture} OUTPUT output)
+  expect_streams("pkg-config" ${headers} ${VERSION} "${output}")
+endfunction()
+
+# A program that was compiled with newer headers is told the version of the library that it finds.
+function(use_with_newer_headers prefix)
+  file(COPY ${prefix}/ DESTINATION ${WORK_DIR}/newer)
+  set(header ${WORK_DIR}/newer/include/TalIec61850Parser/Version.hpp)
+  file(READ ${header} text)
+  string(REPLACE "\"${VERSION}\"" "\"${VERSION}.newer\"" text "${text}")
+  file(WRITE ${header} "${text}")
+  use_by_pkg_config(${WORK_DIR}/newer ${VERSION}.newer)
+endfunction()
+
+function(open_at_run_time prefix)
+  find_library_dir(${prefix} library_dir)
+  run(COMMAND ${CXX} -std=c++20 ${CXX_FLAGS_LIST} ${CMAKE_CURRENT_LIST_DIR}/opener.cpp
+      -ldl -o ${WORK_DIR}/opener)
+  foreach(name TalIec61850Parser.so TalIec61850Parser.so.${ABI} TalIec61850Parser.so.${VERSION})
+    run(COMMAND ${WORK_DIR}/opener ${library_dir}/${name} OUTPUT output)
+    if(NOT output STREQUAL "${VERSION}\n")
+      message(FATAL_ERROR "${name}, opened at run time, says that it is ${output}")
+    endif()
+  endforeach()
+  message(STATUS "dlopen: ${VERSION}")
+endfunction()
+
+# The shared object and the companion are programs.
+function(execute prefix)
+  find_library_dir(${prefix} library_dir)
+  execute_process(COMMAND ${library_dir}/TalIec61850Parser.so.${ABI} OUTPUT_VARIABLE output
+      RESULT_VARIABLE status)
+  if(NOT status EQUAL 1 OR NOT output MATCHES "^Usage: ")
+    message(FATAL_ERROR "the installed shared object ended with ${status}, and printed: ${output}")
+  endif()
+  if(EXISTS ${prefix}/bin/tal-iec61850)
+    run(COMMAND ${prefix}/bin/tal-iec61850 streams ${capture} OUTPUT output)
+    message(STATUS "executed: the shared object, tal-iec61850")
+  else()
+    message(STATUS "executed: the shared object")
+  endif()
+endfunction()
+
+make_empty(${WORK_DIR})
+set(capture ${WORK_DIR}/station.pcap)
+run(COMMAND ${CAPTURE_MAKER} ${capture} 5000)
+string(REGEX MATCH "^[0-9]+" VERSION_MAJOR ${VERSION})
+
+run(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/prefix)
+use_by_cmake(${WORK_DIR}/prefix)
+want_another_version(${WORK_DIR}/prefix)
+use_by_pkg_config(${WORK_DIR}/prefix ${VERSION})
+use_with_newer_headers(${WORK_DIR}/prefix)
+open_at_run_time(${WORK_DIR}/prefix)
+execute(${WORK_DIR}/prefix)
+
+file(RENAME ${WORK_DIR}/prefix ${WORK_DIR}/moved)
+use_by_cmake(${WORK_DIR}/moved)
+use_by_pkg_config(${WORK_DIR}/moved ${VERSION})
+execute(${WORK_DIR}/moved)
