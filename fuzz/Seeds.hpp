@@ -37,7 +37,7 @@ void writeLaneSeeds(Seeds seeds);
 /// For fuzz-capture and fuzz-decode: small captures of every variant, under filters.
 void writeCaptureSeeds(Seeds seeds);
 
-/// For fuzz-frame: a frame of every kind, under filters.
+/// For fuzz-frame and fuzz-inspect: a frame of every kind, under filters.
 void writeFrameSeeds(Seeds seeds);
 
 /// For fuzz-elements and fuzz-values: elements and values.

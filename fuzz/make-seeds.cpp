@@ -17,6 +17,7 @@ int main(int argc, char** argv) try {
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-decode"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-elements"));
     TalFuzz::writeFrameSeeds(Seeds(folder / "fuzz-frame"));
+    TalFuzz::writeFrameSeeds(Seeds(folder / "fuzz-inspect"));
     TalFuzz::writeLaneSeeds(Seeds(folder / "fuzz-lanes"));
     TalFuzz::writePositionSeeds(Seeds(folder / "fuzz-positions"));
     TalFuzz::writeQuerySeeds(Seeds(folder / "fuzz-queries"));
