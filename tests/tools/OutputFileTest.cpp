@@ -210,24 +210,5 @@ TEST(OutputFile, IsNotTouchedByWrongUsage) {
     EXPECT_EQ(place.entries(), std::set<std::string>{"out.txt"});
 }
 
-TEST(OutputFile, IsNeverACaptureThatIsRead) {
-    TempDir const folder;
-    auto const file = folder.write("1.pcap", smallCapture());
-    fs::create_symlink(file, folder.file("link.pcap"));
-    fs::create_hard_link(file, folder.file("hard.pcap"));
-    for (Arguments const& command : {Arguments{"streams", file},
-                                     {"packets", file},
-                                     {"judge", file},
-                                     {"show", file + "@70"},
-                                     {"streams", folder.path()},
-                                     {"streams", "/dev/null", file}}) {
-        for (auto const* name : {"1.pcap", "link.pcap", "hard.pcap", "./1.pcap"}) {
-            expectUsageError(joined(command, {"-o", folder.file(name)}));
-        }
-    }
-    expectUsageError({"streams", "-", "-o", file}, {.inputFile = file});
-    EXPECT_EQ(readFile(file), smallCapture());
-}
-
 }  // namespace
 }  // namespace TalTest

@@ -55,6 +55,16 @@ TEST(OutputFile, LeavesNothingWhenTheTerminalQuitsTheProgram) {
     EXPECT_EQ(countEntries(folder.path()), 0U);
 }
 
+TEST(OutputFile, LeavesNothingWhenItGrowsLargerThanItMay) {
+    TempFile const capture(smallCapture());
+    TempDir const folder;
+    auto const result =
+        run({"/bin/sh", "-c", "ulimit -c 0; ulimit -f 0; exec \"$0\" streams -o \"$1\" \"$2\"",
+             TAL_COMPANION_PATH, folder.file("out"), capture.path()});
+    EXPECT_NE(result.status, 0);
+    EXPECT_EQ(countEntries(folder.path()), 0U);
+}
+
 TEST(OutputFile, StaysAsItWasWhenASignalEndsTheProgram) {
     TempFile const capture(smallCapture());
     TempDir const folder;

@@ -135,6 +135,16 @@ TEST(ShowPlaces, InAFileThatCannotBeReadAreNamedOnce) {
     EXPECT_EQ(result.out, "");
 }
 
+TEST(ShowPlaces, InAFileWhoseNameNoFileCanHaveKeepNobodyFromTheOthers) {
+    TempFile const file(smallCapture());
+    auto const place = placesIn(file.path())[0];
+    auto const tooLong = std::string(300, 'x');
+    auto const result = runCompanion({"show", "-f", "json", tooLong + "@70", place});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, complaint(tooLong + ": File name too long"));
+    EXPECT_EQ(shownPlaces(jsonOf(result.out)), Arguments{place});
+}
+
 TEST(ShowPlaces, InAFolderAreNotPassedOverInSilence) {
     TempDir const folder;
     auto const file = folder.write("1.pcap", smallCapture());

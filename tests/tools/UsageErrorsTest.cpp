@@ -80,6 +80,13 @@ TEST(WrongUsage, IsAnOptionWithAnEmptyValueBehindItsSign) {
     EXPECT_TRUE(rowsOf({"streams", "--svid=", file.path()}).empty());
 }
 
+TEST(WrongUsage, IsAValueForWhatTakesNone) {
+    expectRefused(kCommands, {{"--="}, {"--quiet="}, {"--nothing="}, {"-q="}});
+    expectRefused({"judge"}, {{"--list="}});
+    expectUsageError({"streams", "--=", "/nonexistent/a.pcap"});
+    expectRefused({"packets"}, {{"--context="}});
+}
+
 TEST(WrongUsage, IsACommandWithoutAFile) {
     for (auto const& command : kCommands) {
         expectUsageError({command});

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "tools/commands/UsageError.hpp"
+
 namespace TalIec61850Tools {
 
 namespace {
@@ -20,20 +22,35 @@ bool isPacketOfStandardInput(std::string_view argument) {
            argument.find_first_not_of("0123456789", 2) == std::string_view::npos;
 }
 
-bool hasEmptyValue(std::string_view argument) {
-    return argument.starts_with("--") && argument.find('=') == argument.size() - 1;
+/// The option that goes by a name in one of the commands, where they have it alike.
+CLI::Option const* findOption(CLI::App const& program, std::string const& name) {
+    for (CLI::App const* command : program.get_subcommands(nullptr)) {
+        if (CLI::Option const* option = command->get_option_no_throw(name)) {
+            return option;
+        }
+    }
+    return nullptr;
 }
 
 /// Whether the next argument is the value of this one.
 bool takesValue(CLI::App const& program, std::string const& argument) {
-    if (!argument.starts_with('-')) {
+    CLI::Option const* const option =
+        argument.starts_with('-') ? findOption(program, argument) : nullptr;
+    return option != nullptr && option->get_items_expected_max() > 0;
+}
+
+/// --svid=
+/// @throws UsageError  for an option that takes none
+bool hasEmptyValue(CLI::App const& program, std::string const& argument) {
+    if (!argument.starts_with("--") || !argument.ends_with('=')) {
         return false;
     }
-    auto const commands = program.get_subcommands(nullptr);
-    return std::any_of(commands.begin(), commands.end(), [&](CLI::App const* command) {
-        CLI::Option const* const option = command->get_option_no_throw(argument);
-        return option != nullptr && option->get_items_expected_max() > 0;
-    });
+    std::string const name = argument.substr(0, argument.size() - 1);
+    CLI::Option const* const option = findOption(program, name);
+    if (option != nullptr && option->get_items_expected_max() == 0) {
+        throw UsageError(name + " takes no value");
+    }
+    return option != nullptr;
 }
 
 }  // namespace
@@ -51,7 +68,7 @@ std::vector<std::string> argumentsFor(CLI::App const& program,
             isBehindOptions = true;
         } else if (!isValue && isPacketOfStandardInput(argument)) {
             behindOptions.push_back(argument);
-        } else if (!isValue && hasEmptyValue(argument)) {
+        } else if (!isValue && hasEmptyValue(program, argument)) {
             ready.push_back(argument.substr(0, argument.size() - 1));
             ready.emplace_back();
         } else {

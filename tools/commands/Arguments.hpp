@@ -18,6 +18,7 @@ namespace TalIec61850Tools {
 /// @param program    has all its commands
 /// @param arguments  without the program's name
 /// @return from the last to the first, as the parser wants them
+/// @throws UsageError  an option that takes no value has an empty one, --quiet=
 [[nodiscard]] std::vector<std::string> argumentsFor(CLI::App const& program,
                                                     std::vector<std::string> const& arguments);
 

@@ -22,16 +22,28 @@ using TalIec61850Parser::PcapParser;
 
 namespace {
 
-void refuseToOverwrite(std::string const& path, std::vector<CaptureSource> const& captures) {
+std::optional<FileIdentity> identityOf(std::string const& path) {
     struct stat status {};
-    if (path.empty() || ::stat(path.c_str(), &status) != 0) {
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    return FileIdentity{.device = status.st_dev, .inode = status.st_ino};
+}
+
+/// Be it a capture or not: what was given to be read is not to be written over.
+void refuseToOverwrite(CommonOptions const& options, std::vector<CaptureSource> const& captures) {
+    auto const output = identityOf(options.outputFile);
+    if (!output) {
         return;
     }
-    FileIdentity const identity{.device = status.st_dev, .inode = status.st_ino};
-    if (std::any_of(captures.begin(), captures.end(),
-                    [&](CaptureSource const& capture) { return capture.identity == identity; })) {
-        throw UsageError(
-            fmt::format("--output: {} is one of the captures to be read", escapeText(path)));
+    bool const isRead = std::any_of(captures.begin(), captures.end(), [&](auto const& capture) {
+        return capture.identity == output;
+    });
+    bool const isGiven = std::any_of(options.files.begin(), options.files.end(),
+                                     [&](auto const& file) { return identityOf(file) == output; });
+    if (isRead || isGiven) {
+        throw UsageError(fmt::format("--output: {} is one of the files to be read",
+                                     escapeText(options.outputFile)));
     }
 }
 
@@ -63,7 +75,7 @@ CaptureSurvey indexCapture(CaptureSource const& capture, Filter const& filter,
 
 CommandRun::CommandRun(CommonOptions const& options)
     : options_(options), found_(findCaptures(options.files)) {
-    refuseToOverwrite(options_.outputFile, found_.captures);
+    refuseToOverwrite(options_, found_.captures);
     output_.emplace(options_.outputFile);
     for (auto const& fault : found_.faults) {
         complain(fault);

@@ -3,19 +3,16 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <array>
 #include <functional>
 #include <map>
 #include <memory>
 #include <system_error>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/commands/FrameVerdict.hpp"
 #include "tools/commands/SelectionOptions.hpp"
+#include "tools/commands/VerdictLayout.hpp"
 #include "tools/input/CaptureRecords.hpp"
 #include "tools/output/Plural.hpp"
-#include "tools/output/TextEscape.hpp"
-#include "tools/selection/StreamFields.hpp"
 
 namespace TalIec61850Tools {
 
@@ -42,66 +39,6 @@ meet --svid. An option may be given several times: one of its values must be met
 The fields of json and csv: protocol, verdict, answer, frames, octets (captured); with --list time,
 timeNs (nanoseconds since 1970), file, recordPosition (octets), protocol, verdict, answer.
 )";
-
-std::string protocolText(std::optional<Protocol> protocol) {
-    return protocol ? std::string(toText(*protocol)) : std::string("other");
-}
-
-std::string answerText(FrameVerdict const& verdict) { return verdict.answer ? "true" : "false"; }
-
-/// How often a verdict came.
-struct VerdictCount {
-    FrameVerdict verdict;
-    std::uint64_t frames = 0;
-    std::uint64_t octets = 0;
-};
-
-Fields countFields(VerdictCount const& row) {
-    return {{"protocol", protocolText(row.verdict.protocol)},
-            {"verdict", toText(row.verdict.verdict)},
-            {"answer", row.verdict.answer},
-            {"frames", row.frames},
-            {"octets", row.octets}};
-}
-
-constexpr std::array kCountColumns = {
-    Column<VerdictCount>{{"PROTO"}, [](auto const& r) { return protocolText(r.verdict.protocol); }},
-    Column<VerdictCount>{{"VERDICT"},
-                         [](auto const& r) { return std::string(toText(r.verdict.verdict)); }},
-    Column<VerdictCount>{{"ANSWER"}, [](auto const& r) { return answerText(r.verdict); }},
-    Column<VerdictCount>{{"FRAMES", Align::right},
-                         [](auto const& r) { return fmt::to_string(r.frames); }},
-    Column<VerdictCount>{{"OCTETS", Align::right},
-                         [](auto const& r) { return fmt::to_string(r.octets); }},
-};
-
-/// The verdict on one frame.
-struct JudgedFrame {
-    FrameVerdict verdict;
-    std::string file;
-    CaptureRecord record;
-};
-
-Fields frameFields(JudgedFrame const& row) {
-    return {{"time", toUtcText(row.record.time)},
-            {"timeNs", nanosecondsSince1970(row.record.time)},
-            {"file", row.file},
-            {"recordPosition", row.record.position},
-            {"protocol", protocolText(row.verdict.protocol)},
-            {"verdict", toText(row.verdict.verdict)},
-            {"answer", row.verdict.answer}};
-}
-
-constexpr std::array kFrameColumns = {
-    Column<JudgedFrame>{{"TIME"}, [](auto const& r) { return toUtcText(r.record.time); }},
-    Column<JudgedFrame>{{"PROTO"}, [](auto const& r) { return protocolText(r.verdict.protocol); }},
-    Column<JudgedFrame>{{"VERDICT"},
-                        [](auto const& r) { return std::string(toText(r.verdict.verdict)); }},
-    Column<JudgedFrame>{{"ANSWER"}, [](auto const& r) { return answerText(r.verdict); }},
-    Column<JudgedFrame>{{"RECORD", Align::right},
-                        [](auto const& r) { return fmt::to_string(r.record.position); }},
-    Column<JudgedFrame>{{"FILE"}, [](auto const& r) { return escapeText(r.file); }},
-};
 
 using FrameTaker = std::function<void(JudgedFrame const&)>;
 
@@ -148,7 +85,7 @@ void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take
 using Counts = std::map<FrameVerdict, VerdictCount>;
 
 void writeCounts(CommandRun& run, Counts const& counts) {
-    auto writer = run.rowWriter(RowLayout<VerdictCount>{countFields, kCountColumns});
+    auto writer = run.rowWriter(verdictCountLayout());
     for (auto const& verdict : allVerdicts()) {
         auto const found = counts.find(verdict);
         writer.write(found == counts.end() ? VerdictCount{.verdict = verdict} : found->second);
@@ -186,7 +123,7 @@ ExitStatus runJudge(JudgeOptions const& options) {
     Counts counts;
     std::optional<RowWriter<JudgedFrame>> frames;
     if (options.listsFrames) {
-        frames.emplace(run.rowWriter(RowLayout<JudgedFrame>{frameFields, kFrameColumns}));
+        frames.emplace(run.rowWriter(judgedFrameLayout()));
     }
     judgeCaptures(run, filter, [&](JudgedFrame const& frame) {
         VerdictCount& count = counts[frame.verdict];

@@ -6,16 +6,13 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "tools/commands/PacketLocator.hpp"
+#include "tools/commands/PacketWriter.hpp"
+#include "tools/commands/SelectedFrames.hpp"
 #include "tools/commands/UsageError.hpp"
-#include "tools/input/PacketFrames.hpp"
-#include "tools/inspect/PacketJson.hpp"
-#include "tools/inspect/PacketText.hpp"
-#include "tools/output/Style.hpp"
-#include "tools/output/TextEscape.hpp"
-#include "tools/selection/StreamFields.hpp"
 
 namespace TalIec61850Tools {
 
@@ -34,103 +31,6 @@ The fields of json and csv: time, timeNs (nanoseconds since 1970), file, positio
 recordPosition, capturedOctets, wireOctets, protocol, goose, sv. The last two hold the packet, one
 of them is null; csv has it as JSON in one cell.
 )";
-
-/// A packet and the frame that it came in.
-struct ShownPacket {
-    PacketRow row;
-    CaptureRecord record;
-    std::optional<GoosePacket> goose;
-    std::optional<SvPacket> sv;
-};
-
-Fields toFields(ShownPacket const& packet) {
-    Fields fields;
-    addPacketFields(packet.row, fields);
-    fields["recordPosition"] = packet.record.position;
-    fields["capturedOctets"] = packet.record.capturedSize;
-    fields["wireOctets"] = packet.record.originalSize;
-    fields["protocol"] = toText(packet.row.stream.protocol);
-    fields["goose"] = packet.goose ? toJson(*packet.goose) : Fields(nullptr);
-    fields["sv"] = packet.sv ? toJson(*packet.sv) : Fields(nullptr);
-    return fields;
-}
-
-std::string titleOf(ShownPacket const& packet) {
-    return fmt::format("{} {} {}@{}{}", toUtcText(packet.row.time),
-                       toText(packet.row.stream.protocol), escapeText(packet.row.file),
-                       packet.row.position,
-                       packet.row.place == Place::inside
-                           ? std::string()
-                           : fmt::format(" ({} the window)", toText(packet.row.place)));
-}
-
-std::string recordLineOf(CaptureRecord const& record) {
-    return fmt::format("record at {}: {} of {} octets captured\n", record.position,
-                       record.capturedSize, record.originalSize);
-}
-
-/// Writes packets, in whichever format was asked for.
-class PacketWriter {
-public:
-    PacketWriter(CommandRun& run, Format format) : sink_(run.sink()), inColour_(run.inColour()) {
-        if (format != Format::table) {
-            rows_.emplace(
-                run.rowWriter(RowLayout<ShownPacket>{.toFields = toFields, .columns = {}}));
-        }
-    }
-
-    void write(ShownPacket const& packet) {
-        if (rows_) {
-            rows_->write(packet);
-            return;
-        }
-        sink_(std::exchange(isFirst_, false) ? "" : "\n");
-        sink_(emphasise(titleOf(packet), inColour_) + "\n");
-        sink_(recordLineOf(packet.record));
-        sink_(packet.goose ? toText(*packet.goose) : toText(*packet.sv));
-    }
-
-private:
-    TextSink sink_;
-    bool inColour_;
-    bool isFirst_ = true;
-    std::optional<RowWriter<ShownPacket>> rows_;
-};
-
-/// The frames of each capture that the selection has packets in.
-class SelectedFrames {
-public:
-    SelectedFrames(CommandRun& run, PacketSelection const& selection) {
-        std::map<std::uint32_t, std::vector<std::uint64_t>> positions;
-        for (SelectedPacket const& packet : selection.packets) {
-            positions[packet.capture].push_back(packet.package->position);
-        }
-        for (auto& [capture, wanted] : positions) {
-            frames_.try_emplace(capture, run.captures()[capture].path, std::move(wanted));
-        }
-    }
-
-    /// @return none where the file is not what was indexed any more
-    std::optional<ShownPacket> read(SelectedPacket const& packet, PacketRow row) {
-        PacketFrames& frames = frames_.at(packet.capture);
-        auto const record = frames.recordAt(row.position);
-        if (!record) {
-            return std::nullopt;
-        }
-        auto const frame = frames.frameOf(*record);
-        auto const offset = static_cast<std::size_t>(row.position - record->framePosition());
-        ShownPacket shown{.row = std::move(row), .record = *record, .goose = {}, .sv = {}};
-        if (shown.row.stream.protocol == Protocol::goose) {
-            shown.goose = inspectGoose(frame, offset);
-        } else {
-            shown.sv = inspectSv(frame, offset);
-        }
-        return shown;
-    }
-
-private:
-    std::map<std::uint32_t, PacketFrames> frames_;
-};
 
 std::vector<PacketLocator> locatorsIn(std::vector<std::string> const& arguments) {
     std::vector<PacketLocator> locators;
@@ -153,7 +53,7 @@ void keepLocated(PacketSelection& selection, std::vector<PacketLocator> const& l
     for (auto const& locator : locators) {
         if (auto const capture = run.captureCalled(locator.file)) {
             wanted.emplace(Spot(*capture, locator.position), locator);
-        } else if (std::filesystem::is_directory(locator.file)) {
+        } else if (std::error_code ignored; std::filesystem::is_directory(locator.file, ignored)) {
             run.complainOf(locator.file, "a folder holds no packets itself");
         }
     }
@@ -204,12 +104,8 @@ ExitStatus runShow(PacketOptions const& options) {
     SelectedFrames frames(run, selection);
     PacketWriter writer(run, common.format);
     for (SelectedPacket const& packet : selection.packets) {
-        PacketRow row = toRow(packet, selection, run);
-        std::string const file = row.file;
-        if (auto const shown = frames.read(packet, std::move(row))) {
+        if (auto const shown = frames.read(packet)) {
             writer.write(*shown);
-        } else {
-            run.complainOf(file, "has changed while it was read");
         }
     }
     return run.finish();

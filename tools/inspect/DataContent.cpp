@@ -23,7 +23,7 @@ Reading<Content> orElse(std::optional<Value>&& value, Octets&& octets, FaultKind
 }
 
 Reading<Content> toContent(Reading<Integer>&& reading) {
-    return {std::visit([](auto&& integer) { return Content(std::move(integer)); },
+    return {std::visit([](auto&& value) { return Content(std::forward<decltype(value)>(value)); },
                        std::move(reading.value)),
             reading.fault};
 }
@@ -91,7 +91,7 @@ Reading<Content> readBits(Octets&& octets) {
 Reading<Content> readTimeOfDay(Octets&& octets) {
     auto time = readBinaryTime(octets);
     bool const isLate = time && !time->isTimeOfDay();
-    auto reading = orElse(std::move(time), std::move(octets), FaultKind::wrongLength);
+    auto reading = orElse(std::optional(time), std::move(octets), FaultKind::wrongLength);
     if (isLate) {
         reading.fault = FaultKind::wrongContent;
     }

@@ -37,14 +37,14 @@ Octets octetsBetween(std::span<std::uint8_t const> frame, std::size_t begin, std
     return {part.begin(), part.end()};
 }
 
-Octets takeTail(std::span<std::uint8_t const> frame, std::size_t end, FrameHeader& header) {
+Octets takeTail(std::span<std::uint8_t const> frame, std::size_t pduEnd, FrameHeader& header) {
     std::size_t tailEnd = frame.size();
-    if (header.prp && tailEnd - end >= kPrpTrailerSize) {
+    if (header.prp && tailEnd - pduEnd >= kPrpTrailerSize) {
         tailEnd -= kPrpTrailerSize;
     } else {
         header.prp.reset();
     }
-    return octetsBetween(frame, end, tailEnd);
+    return octetsBetween(frame, pduEnd, tailEnd);
 }
 
 void reportHeader(FrameHeader const& header, std::span<std::uint8_t const> frame,

@@ -27,18 +27,19 @@ mode_t newFileMode() {
 }
 
 /// Where a link leads to, be there a file or not, so that the link stays; the path itself where it
-/// is none.
+/// is none; nothing where links lead to each other.
 fs::path followLinks(fs::path path) {
     constexpr int mostLinks = 40;  // as many as the kernel follows
     for (int link = 0; link < mostLinks; ++link) {
         std::error_code error;
         fs::path const target = fs::read_symlink(path, error);
         if (error) {
-            break;
+            return path;
         }
         path = path.parent_path() / target;
     }
-    return path;
+    errno = ELOOP;
+    return {};
 }
 
 }  // namespace
@@ -57,6 +58,9 @@ Output::Output(std::string const& path) {
         stream_ = file_ ? file_.get() : nullptr;
     } else {
         path_ = followLinks(path);
+        if (path_.empty()) {
+            fail();
+        }
         openUnfinished(isThere ? status.st_mode & kPermissions : newFileMode());
     }
     if (stream_ == nullptr) {

@@ -31,7 +31,7 @@ void guardUnfinishedFile(std::string const& path) noexcept {
     }
     std::copy_n(path.c_str(), path.size() + 1, guardedPath.begin());
     isGuarding = 1;
-    for (int const signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
+    for (int const signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ, SIGXCPU}) {
         // What is ignored, as nohup has it, stays so.
         if (std::signal(signal, removeAndEnd) == SIG_IGN) {
             std::signal(signal, SIG_IGN);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tools/commands/FrameVerdict.hpp"
+#include "tools/input/CaptureRecords.hpp"
+#include "tools/output/RowLayout.hpp"
+
+namespace TalIec61850Tools {
+
+/// How often a verdict came.
+struct VerdictCount {
+    FrameVerdict verdict;
+    std::uint64_t frames = 0;
+    /// Captured octets of these frames.
+    std::uint64_t octets = 0;
+};
+
+/// The verdict on one frame.
+struct JudgedFrame {
+    FrameVerdict verdict;
+    /// The capture as it was given.
+    std::string file;
+    CaptureRecord record;
+};
+
+/// The fields protocol, verdict, answer, frames and octets.
+[[nodiscard]] RowLayout<VerdictCount> verdictCountLayout();
+
+/// The fields time, timeNs, file, recordPosition, protocol, verdict and answer.
+[[nodiscard]] RowLayout<JudgedFrame> judgedFrameLayout();
+
+}  // namespace TalIec61850Tools
