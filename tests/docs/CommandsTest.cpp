@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -45,25 +46,31 @@ std::vector<Command> commandsIn(std::string const& document) {
     return commands;
 }
 
+/// Runs a command line as a reader would who has the built programs on PATH.
+ProcessResult runIn(TempDir const& folder, std::string const& line) {
+    return run({"/bin/sh", "-c", "cd \"$FOLDER\" && PATH=$PROGRAMS:$PATH && " + line},
+               {{"FOLDER", folder.path()}, {"PROGRAMS", TAL_PROGRAMS}});
+}
+
 class Documents : public testing::TestWithParam<std::string> {};
 
 TEST_P(Documents, ShowWhatTheirCommandsPrint) {
     auto const commands = commandsIn(GetParam());
     ASSERT_FALSE(commands.empty());
     TempDir const folder;
+    // What scripts/demo leaves.
+    EXPECT_EQ(runIn(folder, "station-capture station.pcap 30000").status, 0);
     for (Command const& command : commands) {
-        auto const result =
-            run({"/bin/sh", "-c", "cd \"$FOLDER\" && PATH=$PROGRAMS:$PATH && " + command.line},
-                {{"FOLDER", folder.path()}, {"PROGRAMS", TAL_PROGRAMS}});
+        auto const result = runIn(folder, command.line);
         EXPECT_EQ(result.out, command.output) << command.line;
         EXPECT_EQ(result.err, "") << command.line;
         EXPECT_EQ(result.status, 0) << command.line;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Docs, Documents, testing::Values("guide.md", "tool.md"),
+INSTANTIATE_TEST_SUITE_P(Docs, Documents, testing::Values("../README.md", "guide.md", "tool.md"),
                          [](auto const& document) {
-                             return document.param.substr(0, document.param.find('.'));
+                             return std::filesystem::path(document.param).stem().string();
                          });
 
 }  // namespace
