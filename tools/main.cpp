@@ -1,7 +1,10 @@
-// The companion program's command line: what it asks for is done elsewhere, one source for each
-// subcommand (StreamsCommand, PacketsCommand, ShowCommand, JudgeCommand).
+// The companion program's command line: what it asks for is done elsewhere, by a source for each
+// subcommand (StreamsCommand, PacketsCommand, ShowCommand, JudgeCommand; HelpCommands for the
+// rest).
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <TalIec61850Parser/Version.hpp>
@@ -34,6 +37,16 @@ using TalIec61850Tools::ExitStatus;
 using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
 using TalIec61850Tools::UsageError;
+
+/// A standard stream that is closed would lend its number to a file, which what is said and written
+/// would then hit. In its place comes something that fails as it would.
+void occupyStandardStreams() {
+    for (int const number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(number, F_GETFD) < 0) {
+            static_cast<void>(::open("/dev/null", number == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
 
 /// Help and version are "errors" of parsing too, those with status 0.
 ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
@@ -82,6 +95,7 @@ ExitStatus runProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    occupyStandardStreams();
     ExitStatus status = ExitStatus::failure;
     try {
         status = runProgram(argc, argv);

@@ -94,7 +94,8 @@ TEST(ManualPage, HasNoLineThatReadsAsARequestUnlessItIsOne) {
         if (line.starts_with('.')) {
             EXPECT_TRUE(line == ".nf" || line == ".fi" || line == ".PP" || line == ".TP" ||
                         line.starts_with(".TH ") || line.starts_with(".SH ") ||
-                        line.starts_with(".SS ") || line.starts_with(".B "))
+                        line.starts_with(".SS ") || line.starts_with(".B ") ||
+                        line.starts_with(".I "))
                 << line;
         }
     }

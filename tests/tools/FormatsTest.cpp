@@ -163,7 +163,7 @@ TEST(Formats, BeginWithHeadingsEvenWithoutRows) {
         EXPECT_EQ(csvLines(written(none, "csv")).size(), 1U);
         EXPECT_EQ(linesOf(written(none, "table")).size(), 1U);
     }
-    EXPECT_EQ(written({"show", file.path(), "--svid", "none"}, "table"), "");
+    EXPECT_EQ(written({"show", file.path(), "--svid", "none", "-q"}, "table"), "");
     EXPECT_EQ(csvLines(written({"show", file.path(), "--svid", "none"}, "csv")).size(), 1U);
 }
 

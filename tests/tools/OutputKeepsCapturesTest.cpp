@@ -39,6 +39,8 @@ TEST(OutputFile, IsNeverAFileThatWasGivenToBeReadAndCouldNotBe) {
     auto const next = folder.write("next.pcapng", content);
     EXPECT_NE(runCompanion({"streams", next, "-o", next}).status, 0);
     EXPECT_EQ(readFile(next), content);
+    expectUsageError({"streams", folder.path(), "-o", next});
+    EXPECT_EQ(readFile(next), content);
 }
 
 }  // namespace

@@ -133,6 +133,24 @@ TEST(StandardInput, IsNotReadUnlessItIsGiven) {
     EXPECT_EQ(result.out, "untouched");
 }
 
+TEST(StandardInput, IsNotMistakenForAnOutputThatIsClosed) {
+    auto const result = runCompanion(
+        {"streams", "-"}, {.output = StandardOutputIs::closed, .inputPiped = smallCapture()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, complaint("cannot write standard output: Bad file descriptor"));
+}
+
+TEST(OutputFile, IsNotMistakenForAStandardErrorThatIsClosed) {
+    TempDir const folder;
+    auto const file = folder.write("1.pcap", smallCapture());
+    auto const result =
+        run({"/bin/sh", "-c", "exec \"$0\" streams -f csv -o \"$1\" missing.pcap \"$2\" 2>&-",
+             TAL_COMPANION_PATH, folder.file("out"), file});
+    EXPECT_EQ(result.status, 2);
+    auto const octets = readFile(folder.file("out"));
+    EXPECT_TRUE(std::string(octets.begin(), octets.end()).starts_with("protocol,"));
+}
+
 TEST(StandardInput, LeavesNoCopyBehind) {
     TempDir const folder;
     EXPECT_EQ(runCompanion({"streams", "-"}, {.environment = {{"TMPDIR", folder.path()}},

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <functional>
 #include <future>
+#include <set>
 
 #include "tools/commands/UsageError.hpp"
 #include "tools/input/CaptureSurvey.hpp"
@@ -22,28 +23,13 @@ using TalIec61850Parser::PcapParser;
 
 namespace {
 
-std::optional<FileIdentity> identityOf(std::string const& path) {
+/// What was given to be read, be it a capture or not, is not to be written over.
+void refuseToOverwrite(std::string const& path, std::set<FileIdentity> const& files) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return std::nullopt;
-    }
-    return FileIdentity{.device = status.st_dev, .inode = status.st_ino};
-}
-
-/// Be it a capture or not: what was given to be read is not to be written over.
-void refuseToOverwrite(CommonOptions const& options, std::vector<CaptureSource> const& captures) {
-    auto const output = identityOf(options.outputFile);
-    if (!output) {
-        return;
-    }
-    bool const isRead = std::any_of(captures.begin(), captures.end(), [&](auto const& capture) {
-        return capture.identity == output;
-    });
-    bool const isGiven = std::any_of(options.files.begin(), options.files.end(),
-                                     [&](auto const& file) { return identityOf(file) == output; });
-    if (isRead || isGiven) {
-        throw UsageError(fmt::format("--output: {} is one of the files to be read",
-                                     escapeText(options.outputFile)));
+    bool const isFile = ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    if (isFile && files.contains({.device = status.st_dev, .inode = status.st_ino})) {
+        throw UsageError(
+            fmt::format("--output: {} is one of the files to be read", escapeText(path)));
     }
 }
 
@@ -75,7 +61,7 @@ CaptureSurvey indexCapture(CaptureSource const& capture, Filter const& filter,
 
 CommandRun::CommandRun(CommonOptions const& options)
     : options_(options), found_(findCaptures(options.files)) {
-    refuseToOverwrite(options_, found_.captures);
+    refuseToOverwrite(options_.outputFile, found_.files);
     output_.emplace(options_.outputFile);
     for (auto const& fault : found_.faults) {
         complain(fault);

@@ -13,8 +13,8 @@ constexpr char const* kCommonNotes = R"(
 json writes one object per line, csv one line per row below a line of names. Table and csv
 show control characters in names as \n, \x1b and the like, a backslash as \\.
 
-Exit status: 0 fine; 1 wrong usage; 2 a file is damaged, could not be read, or output could not
-be written: the rest was done all the same.
+Exit status: 0 fine; 1 wrong usage; 2 a file is damaged, could not be read or was not found, a packet
+that was named is not there, or output could not be written: the rest was done all the same.
 
 )";
 constexpr std::string_view kExamples = "Example:";
@@ -40,8 +40,8 @@ void addCommonOptions(CLI::App& command, CommonOptions& options, std::string con
     command.add_flag("-q,--quiet", options.quiet, "Show no progress and no summary");
     command
         .add_option("--color", options.colour,
-                    "Headings in bold: auto (if not said; on a terminal, unless NO_COLOR is "
-                    "set), always or never")
+                    "Headings in bold: auto (if not said; on a terminal that is not dumb, "
+                    "unless NO_COLOR is set), always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->option_text("WHEN");
 }

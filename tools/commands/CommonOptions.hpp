@@ -11,7 +11,7 @@ class App;
 
 namespace TalIec61850Tools {
 
-/// What every command takes.
+/// What every command that reads captures takes.
 struct CommonOptions {
     /// FILE arguments: captures, folders, or - for standard input.
     std::vector<std::string> files;

@@ -16,14 +16,11 @@ using TalIec61850Parser::Sv;
 
 namespace {
 
-constexpr std::uint16_t kGooseEtherType = 0x88B8;
-constexpr std::uint16_t kSvEtherType = 0x88BA;
-
 std::optional<Protocol> protocolOf(FrameHeader const& header) {
     switch (header.etherType.value_or(0)) {
-        case kGooseEtherType:
+        case kEtherTypeGoose:
             return Protocol::goose;
-        case kSvEtherType:
+        case kEtherTypeSv:
             return Protocol::sv;
         default:
             return std::nullopt;

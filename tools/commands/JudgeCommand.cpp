@@ -34,7 +34,8 @@ ANSWER is what that operation returns, which is the other way round for SV.
 
 The options on streams are the library's filter here: names are met as they stand, without * and ?;
 a frame without VLAN tag, HSR tag or PRP trailer is not asked for it; of several ASDUs each must
-meet --svid. An option may be given several times: one of its values must be met.
+meet --svid. An option may be given several times, save --protocol and --simulation-element: one of
+its values must be met. A record that the file ends inside is not judged.
 
 The fields of json and csv: protocol, verdict, answer, frames, octets (captured); with --list time,
 timeNs (nanoseconds since 1970), file, recordPosition (octets), protocol, verdict, answer.

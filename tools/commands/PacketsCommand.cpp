@@ -16,12 +16,13 @@ constexpr char const* kNotes =
     R"(Packets come in the order of their capture times, over all files; of one time, in the order in
 which the files were given. FILE@POSITION is what `tal-iec61850 show` takes.
 
-TIME for --from and --to is one of: 2024-03-20T10:00:00.28 (UTC; less of it down to the date),
-1710928800.28 (seconds since 1970, up to nine decimals), +1.5s (from the earliest first record
+TIME for --from and --to is one of: 2024-03-20T10:00:00.28 (UTC; without the decimals, the
+seconds, or the time of day if you like), 1710928800.28 (seconds since 1970, up to nine decimals), +1.5s (from the earliest first record
 of the captures; ns, us, ms, s, min, h). Both ends lie inside the window.
 
-An option on streams may be given several times: one of its values must be met. With --hsr and
---prp, packets that came over the other lane or network are left out.
+An option on streams may be given several times, save --protocol and --simulation-element: one of
+its values must be met. With --hsr and --prp, packets that came over the other lane or network are
+left out.
 
 The fields of json and csv: time, timeNs (nanoseconds since 1970), file, position (octets),
 place (inside; with --context also before and after), protocol, source, destination, vlanId,

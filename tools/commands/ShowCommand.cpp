@@ -108,6 +108,9 @@ ExitStatus runShow(PacketOptions const& options) {
             writer.write(*shown);
         }
     }
+    if (locators.empty()) {
+        run.writeSummary(summaryOf(selection, run.captures().size()));
+    }
     return run.finish();
 }
 

@@ -18,13 +18,14 @@ namespace {
 constexpr char const* kNotes = R"(What the columns mean:
   Identity    SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0 (bit 0 of the second
               octet of Reserved 1), CONFREV, SIM-ELEM and the names tell streams apart.
-  HSR, PRP    GOOSE streams are not told apart by HSR lane, no stream is by PRP network:
-              what is shown there is that of the stream's first packet.
+  HSR         GOOSE streams are not told apart by HSR lane: what is shown is that of the
+              stream's first packet. So is the PRP network (prpLane) of any stream.
   SIM-ELEM    GOOSE: whether frames carry the simulation element, be it true or false.
   FIRST, LAST Capture times, UTC. PACKETS/S is the mean rate between them.
 
-An option on streams may be given several times: one of its values must be met. With --hsr and
---prp, packets that came over the other lane or network are left out.
+An option on streams may be given several times, save --protocol and --simulation-element: one of
+its values must be met. With --hsr and --prp, packets that came over the other lane or network are
+left out.
 
 The fields of json and csv: protocol, source, destination, vlanId, appId, hsrLane, prpLane,
 reserved1Bit0, svID, gocbRef, datSet, goID, confRev, simulationPresent, packets, files,

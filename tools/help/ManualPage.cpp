@@ -6,7 +6,13 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr char const* kEnd = R"(.SH EXIT STATUS
+constexpr char const* kEnd = R"(.SH OUTPUT
+.I json
+writes one object per line,
+.I csv
+one line per row below a line of names. Table and csv show control characters in names as \en,
+\ex1b and the like, a backslash as \e\e.
+.SH EXIT STATUS
 .TP
 .B 0
 All is well.
@@ -15,14 +21,19 @@ All is well.
 Wrong usage: the command line makes no sense, and nothing was done.
 .TP
 .B 2
-A file is damaged or could not be read, or output could not be written; it is named on standard
-error, and the rest was done all the same.
+A file is damaged, could not be read or was not found, a packet that was named is not there, or output
+could not be written; that is said on standard error, and the rest was done all the same.
 .SH ENVIRONMENT
 .TP
 .B NO_COLOR
 When set and not empty, forbids bold headings, unless
 .B \-\-color always
 is given.
+.TP
+.B TERM
+A terminal that is
+.I dumb
+gets no bold headings either.
 .TP
 .B TMPDIR
 Where standard input is copied to, when it is a pipe; the copy has no name and is gone with the

@@ -36,6 +36,20 @@ CaptureCheck checkStart(std::span<std::uint8_t const, kCaptureStartSize> start) 
     return check;
 }
 
+CaptureCheck checkContent(std::string const& path) {
+    Descriptor const file = openToRead(path);
+    if (!file) {
+        return refuseFor(errno);
+    }
+    std::array<std::uint8_t, kCaptureStartSize> start{};
+    try {
+        static_cast<void>(readAt(file, 0, start));  // what is not there stays zero
+    } catch (std::system_error const& error) {
+        return refuse(error.code().message());
+    }
+    return checkStart(start);
+}
+
 }  // namespace
 
 CaptureCheck checkCapture(std::string const& path) {
@@ -51,17 +65,7 @@ CaptureCheck checkCapture(std::string const& path) {
         check.isSomethingElse = true;
         return check;
     }
-    Descriptor const file = openToRead(path);
-    if (!file) {
-        return refuseFor(errno);
-    }
-    std::array<std::uint8_t, kCaptureStartSize> start{};
-    try {
-        static_cast<void>(readAt(file, 0, start));  // what is not there stays zero
-    } catch (std::system_error const& error) {
-        return refuse(error.code().message());
-    }
-    CaptureCheck check = checkStart(start);
+    CaptureCheck check = checkContent(path);
     check.identity = {.device = status.st_dev, .inode = status.st_ino};
     check.size = static_cast<std::uint64_t>(status.st_size);
     return check;

@@ -26,9 +26,9 @@ struct CaptureCheck {
     std::optional<std::string> fault;
     /// The file is what it says, but no capture at all; `fault` is set too.
     bool isSomethingElse = false;
-    /// Of a file that can be indexed.
+    /// Of a file that is there, and no folder, pipe or the like.
     FileIdentity identity;
-    /// Octets in a file that can be indexed; 0 where only reading it would tell.
+    /// Octets in such a file; 0 where only reading it would tell.
     std::uint64_t size = 0;
 };
 

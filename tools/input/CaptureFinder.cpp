@@ -40,6 +40,7 @@ private:
     }
 
     void add(std::string const& path, std::string const& name, CaptureCheck const& check) {
+        found_.files.insert(check.identity);
         if (check.fault) {
             refuse(name, *check.fault);
             return;

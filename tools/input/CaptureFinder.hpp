@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,8 @@ struct FoundCaptures {
     std::vector<CaptureSource> captures;
     /// Which of them a name leads to, be it a second name of a file.
     std::map<std::string, std::size_t> numbers;
+    /// Every file that was looked into, be it a capture or not.
+    std::set<FileIdentity> files;
     /// One line each, safe for a terminal, on what could not be used.
     std::vector<std::string> faults;
     /// What "-" leads to, kept as long as it is read.

@@ -12,8 +12,6 @@ using Frame = std::span<std::uint8_t const>;
 
 constexpr std::uint16_t kEtherTypeVlan = 0x8100;
 constexpr std::uint16_t kEtherTypeHsr = 0x892F;
-constexpr std::uint16_t kEtherTypeGoose = 0x88B8;
-constexpr std::uint16_t kEtherTypeSv = 0x88BA;
 constexpr std::uint16_t kPrpSuffix = 0x88FB;
 
 std::uint16_t readUint16(Frame frame, std::size_t position) {

@@ -9,6 +9,9 @@
 
 namespace TalIec61850Tools {
 
+inline constexpr std::uint16_t kEtherTypeGoose = 0x88B8;
+inline constexpr std::uint16_t kEtherTypeSv = 0x88BA;
+
 using MacAddress = std::array<std::uint8_t, 6>;
 
 /// IEEE 802.1Q, TPID 8100.

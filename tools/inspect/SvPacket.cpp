@@ -31,12 +31,15 @@ void takeSequence(Element&& sequence, SvPacket& packet, FieldReader& fields) {
     }
 }
 
-/// Whether the walk over the elements of a savPdu comes to the sequence of ASDU.
+/// Whether an element of a savPdu begins where the sequence of ASDU does.
 bool leadsTo(std::size_t asdusOffset, Element const& savPdu) {
     ElementReader reader(savPdu.value);
-    while (reader.offset() < asdusOffset && reader.next()) {
+    while (auto const element = reader.next()) {
+        if (element->offset >= asdusOffset) {
+            return element->offset == asdusOffset;
+        }
     }
-    return reader.offset() == asdusOffset;
+    return false;
 }
 
 void takeSavPdu(Element&& savPdu, std::size_t asdusOffset, SvPacket& packet, FieldReader& fields) {

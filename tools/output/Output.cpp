@@ -8,7 +8,6 @@
 #include <filesystem>
 
 #include "tools/output/TextEscape.hpp"
-#include "tools/output/UnfinishedFile.hpp"
 
 namespace TalIec61850Tools {
 
@@ -70,26 +69,23 @@ Output::Output(std::string const& path) {
 
 void Output::openUnfinished(mode_t mode) {
     // A name of its own length: that of the file may be as long as names can be.
-    unfinishedPath_ = fs::path(path_).parent_path() / ".tal-iec61850-XXXXXX";
-    int const descriptor = ::mkostemp(unfinishedPath_.data(), O_CLOEXEC);
+    std::string path = fs::path(path_).parent_path() / ".tal-iec61850-XXXXXX";
+    int const descriptor = ::mkostemp(path.data(), O_CLOEXEC);
     if (descriptor < 0) {
-        unfinishedPath_.clear();
         fail();
     }
-    guardUnfinishedFile(unfinishedPath_);
-    file_.reset(::fdopen(descriptor, "w"));
+    unfinished_.emplace(path);
+    bool const hasMode = ::fchmod(descriptor, mode) == 0;
+    file_.reset(hasMode ? ::fdopen(descriptor, "w") : nullptr);
     stream_ = file_.get();
-    if (::fchmod(descriptor, mode) != 0) {
-        fail();
+    if (stream_ == nullptr) {
+        int const error = errno;
+        ::close(descriptor);
+        throw OutputError(name_, error);
     }
 }
 
-Output::~Output() {
-    if (!unfinishedPath_.empty()) {
-        ::unlink(unfinishedPath_.c_str());
-        releaseUnfinishedFile();
-    }
-}
+Output::~Output() = default;
 
 void Output::fail() const { throw OutputError(name_, errno); }
 
@@ -106,12 +102,8 @@ void Output::finish() {
     if (file_ && std::fclose(file_.release()) != 0) {
         fail();
     }
-    if (!unfinishedPath_.empty()) {
-        if (std::rename(unfinishedPath_.c_str(), path_.c_str()) != 0) {
-            fail();
-        }
-        unfinishedPath_.clear();
-        releaseUnfinishedFile();
+    if (unfinished_ && !unfinished_->finishAs(path_)) {
+        fail();
     }
 }
 

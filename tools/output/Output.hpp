@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "tools/output/OutputError.hpp"
+#include "tools/output/UnfinishedFile.hpp"
 
 namespace TalIec61850Tools {
 
@@ -49,9 +50,9 @@ private:
     std::unique_ptr<std::FILE, CloseFile> file_;
     /// What complaints call it.
     std::string name_ = "standard output";
-    /// The file's own name and the temporary one, where there are two.
+    /// Where the file is to be in the end.
     std::string path_;
-    std::string unfinishedPath_;
+    std::optional<UnfinishedFile> unfinished_;
 };
 
 }  // namespace TalIec61850Tools

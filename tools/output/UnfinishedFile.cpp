@@ -6,6 +6,8 @@
 #include <array>
 #include <climits>
 #include <csignal>
+#include <cstdio>
+#include <utility>
 
 namespace TalIec61850Tools {
 
@@ -23,9 +25,7 @@ extern "C" void removeAndEnd(int signal) {
     std::raise(signal);
 }
 
-}  // namespace
-
-void guardUnfinishedFile(std::string const& path) noexcept {
+void guard(std::string const& path) {
     if (path.size() >= guardedPath.size()) {
         return;
     }
@@ -39,6 +39,24 @@ void guardUnfinishedFile(std::string const& path) noexcept {
     }
 }
 
-void releaseUnfinishedFile() noexcept { isGuarding = 0; }
+}  // namespace
+
+UnfinishedFile::UnfinishedFile(std::string path) : path_(std::move(path)) { guard(path_); }
+
+UnfinishedFile::~UnfinishedFile() {
+    if (!path_.empty()) {
+        ::unlink(path_.c_str());
+    }
+    isGuarding = 0;
+}
+
+bool UnfinishedFile::finishAs(std::string const& name) {
+    if (std::rename(path_.c_str(), name.c_str()) != 0) {
+        return false;
+    }
+    path_.clear();
+    isGuarding = 0;
+    return true;
+}
 
 }  // namespace TalIec61850Tools

@@ -11,7 +11,8 @@ namespace TalIec61850Tools {
 [[nodiscard]] std::string_view toText(Protocol protocol);
 
 /// Adds what tells a stream from others to the fields of a row. Names and order are stable; what a
-/// stream lacks is null. The names of a stream stand there octet for octet, valid UTF-8 or not.
+/// stream lacks is null. The names are those of the index: printable text as it stands, anything
+/// else as octets such as [4D C3 A9 31].
 ///
 ///     protocol           text       GOOSE or SV
 ///     source             text       MAC address, such as 00:30:a7:01:02:03

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "support/Apdu.hpp"
 #include "support/Ber.hpp"
 #include "support/Data.hpp"
+#include "support/Ethernet.hpp"
 #include "support/SampledValues.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
 #include "tools/inspect/SvPacket.hpp"
@@ -226,6 +228,19 @@ TEST(SvPackets, NameTheirSampleMode) {
     EXPECT_EQ(smpModText(1), "samplesPerSecond");
     EXPECT_EQ(smpModText(2), "secondsPerSample");
     EXPECT_EQ(smpModText(3), "reserved");
+}
+
+TEST(SvPackets, HaveTheirAsdusAlsoBehindASavPduThatIsTooShort) {
+    Bytes const savPdu = ber(0x60, ber(0x80, {0x01}));
+    Bytes const sequence = ber(0xA2, ber(0x30, ber(0x80, "MU01")));
+    Bytes const frame = ethernetFrame(svEthernet(), etherTypeSampledValues,
+                                      apdu({.appId = 0x4000}, savPdu, sequence));
+    constexpr std::size_t apduHeaderSize = 8;
+    SvPacket const packet =
+        inspectSv(frame, payloadOffset(svEthernet()) + apduHeaderSize + savPdu.size());
+    ASSERT_EQ(packet.asdus.size(), 1U);
+    EXPECT_EQ(packet.asdus[0].svID, "MU01");
+    EXPECT_FALSE(packet.faults.empty());
 }
 
 }  // namespace
