@@ -30,7 +30,7 @@ class CommandRun {
 public:
     /// Follows the FILE arguments and opens the output.
     /// @param options  must outlive the run
-    /// @throws UsageError   the output would overwrite a capture that is to be read
+    /// @throws UsageError   the output would overwrite a file that is to be read
     /// @throws OutputError  the output cannot be opened
     explicit CommandRun(CommonOptions const& options);
 

@@ -44,8 +44,10 @@ timeNs (nanoseconds since 1970), file, recordPosition (octets), protocol, verdic
 using FrameTaker = std::function<void(JudgedFrame const&)>;
 
 /// Judges the frames of one capture.
-void judgeCapture(CaptureSource const& capture, Filter const& filter, ProgressBar& bar,
-                  FrameTaker const& take) {
+/// @return what is wrong with it
+/// @throws std::system_error  it cannot be read
+std::optional<std::string> judgeCapture(CaptureSource const& capture, Filter const& filter,
+                                        ProgressBar& bar, FrameTaker const& take) {
     CaptureRecords records(capture.path);
     bar.startFile(capture.name, capture.size);
     std::vector<std::uint8_t> octets;
@@ -57,28 +59,24 @@ void judgeCapture(CaptureSource const& capture, Filter const& filter, ProgressBa
         octets.assign(frame.begin(), frame.end());
         take({.verdict = judgeFrame(octets, filter), .file = capture.name, .record = *record});
     }
-    if (records.damage()) {
-        throw std::runtime_error(*records.damage());
-    }
+    return records.damage();
 }
 
 /// Judges all frames of all captures, and says what is wrong with these.
 void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take) {
     ProgressBar bar = run.progressBar();
     for (auto const& capture : run.captures()) {
-        std::string fault;
+        std::optional<std::string> fault;
         try {
-            judgeCapture(capture, filter, bar, take);
+            fault = judgeCapture(capture, filter, bar, take);
         } catch (OutputError const&) {
             throw;
         } catch (std::system_error const& error) {
             fault = error.code().message();
-        } catch (std::runtime_error const& error) {
-            fault = error.what();
         }
-        if (!fault.empty()) {
+        if (fault) {
             bar.erase();
-            run.complainOf(capture.name, fault);
+            run.complainOf(capture.name, *fault);
         }
     }
 }

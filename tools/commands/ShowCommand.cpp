@@ -24,8 +24,8 @@ fraction and quality, data values typed and nested, qualities by name, each ASDU
 What a frame does not hold whole is said in its faults; octets that make no value are shown as they
 are.
 
-WHAT is either packets by their places, FILE@POSITION as `tal-iec61850 packets` lists them, or files,
-folders or -, of which the options select packets as they do there.
+FILE is either a packet by its place, FILE@POSITION as `tal-iec61850 packets` lists it, or a file, a
+folder or -, of which the options select packets as they do there; one kind or the other for all.
 
 The fields of json and csv: time, timeNs (nanoseconds since 1970), file, position, place,
 recordPosition, capturedOctets, wireOctets, protocol, goose, sv. The last two hold the packet, one

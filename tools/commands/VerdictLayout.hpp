@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <string_view>
 
 #include "tools/commands/FrameVerdict.hpp"
 #include "tools/input/CaptureRecords.hpp"
@@ -20,8 +20,8 @@ struct VerdictCount {
 /// The verdict on one frame.
 struct JudgedFrame {
     FrameVerdict verdict;
-    /// The capture as it was given.
-    std::string file;
+    /// The capture as it was given; valid as long as its name is.
+    std::string_view file;
     CaptureRecord record;
 };
 

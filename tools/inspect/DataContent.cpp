@@ -22,7 +22,8 @@ Reading<Content> orElse(std::optional<Value>&& value, Octets&& octets, FaultKind
     return {Content(std::move(octets)), fault};
 }
 
-Reading<Content> toContent(Reading<Integer>&& reading) {
+template <typename... Values>
+Reading<Content> toContent(Reading<std::variant<Values...>>&& reading) {
     return {std::visit([](auto&& value) { return Content(std::forward<decltype(value)>(value)); },
                        std::move(reading.value)),
             reading.fault};
@@ -31,7 +32,7 @@ Reading<Content> toContent(Reading<Integer>&& reading) {
 Reading<Content> readSigned(Octets&& octets) {
     Integer integer = readInteger(octets);
     auto const fault = faultOf(integer);
-    return toContent({std::move(integer), fault});
+    return toContent(Reading<Integer>{std::move(integer), fault});
 }
 
 /// The first octet tells how wide the exponent is, and so the format.
@@ -102,13 +103,6 @@ Reading<Content> readIdentifier(Octets&& octets) {
     auto const fault = octets.empty() ? FaultKind::wrongLength : FaultKind::wrongContent;
     auto id = readObjectId(octets);
     return orElse(std::move(id), std::move(octets), fault);
-}
-
-template <typename Value>
-Reading<Content> toContent(Reading<Readable<Value>>&& reading) {
-    return {std::visit([](auto&& value) { return Content(std::forward<decltype(value)>(value)); },
-                       std::move(reading.value)),
-            reading.fault};
 }
 
 }  // namespace

@@ -11,14 +11,10 @@ namespace TalIec61850Tools {
 
 namespace {
 
-std::string floatText(double number, std::string&& digits) {
-    if (std::isnan(number)) {
-        return "NaN";
-    }
-    if (std::isinf(number)) {
-        return number > 0 ? "Infinity" : "-Infinity";
-    }
-    return std::move(digits);
+template <typename Float>
+std::string floatText(Float number) {
+    auto const text = nonFiniteText(number);
+    return text ? *text : fmt::format("{}", number);
 }
 
 struct ContentText {
@@ -27,12 +23,8 @@ struct ContentText {
     std::string operator()(BitString const& bits) const { return toText(bits); }
     std::string operator()(std::int64_t number) const { return std::to_string(number); }
     std::string operator()(std::uint64_t number) const { return std::to_string(number); }
-    std::string operator()(float number) const {
-        return floatText(number, fmt::format("{}", number));
-    }
-    std::string operator()(double number) const {
-        return floatText(number, fmt::format("{}", number));
-    }
+    std::string operator()(float number) const { return floatText(number); }
+    std::string operator()(double number) const { return floatText(number); }
     std::string operator()(std::string const& text) const { return escapeText(text); }
     std::string operator()(BinaryTime const& time) const { return toIsoText(time); }
     std::string operator()(UtcTime const& time) const { return toIsoText(time); }
@@ -83,6 +75,16 @@ std::string accuracyText(std::uint8_t accuracy) {
 }
 
 }  // namespace
+
+std::optional<std::string> nonFiniteText(double number) {
+    if (std::isnan(number)) {
+        return "NaN";
+    }
+    if (std::isinf(number)) {
+        return number > 0 ? "Infinity" : "-Infinity";
+    }
+    return std::nullopt;
+}
 
 // NOLINTNEXTLINE(misc-no-recursion)
 std::string toText(DataValue const& value) { return std::visit(ContentText{}, value.value); }

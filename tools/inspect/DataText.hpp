@@ -2,7 +2,9 @@
 
 // Internal: values as text.
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "tools/inspect/DataValue.hpp"
 #include "tools/inspect/Integer.hpp"
@@ -13,6 +15,10 @@ namespace TalIec61850Tools {
 
 /// Adds a value and those inside it, with their kinds.
 void addData(std::string_view name, DataValue const& value, TextTree& tree);
+
+/// NaN, Infinity or -Infinity, for people and in JSON, which has no number for them; none for any
+/// other number.
+[[nodiscard]] std::optional<std::string> nonFiniteText(double number);
 
 [[nodiscard]] std::string integerText(Integer const& integer);
 

@@ -55,17 +55,6 @@ bool isNegative(Integer const& integer) {
     return number != nullptr && *number < 0;
 }
 
-std::optional<std::uint64_t> toUnsigned(Integer const& integer) {
-    if (auto const* const number = std::get_if<std::uint64_t>(&integer)) {
-        return *number;
-    }
-    auto const* const number = std::get_if<std::int64_t>(&integer);
-    if (number == nullptr || *number < 0) {
-        return std::nullopt;
-    }
-    return static_cast<std::uint64_t>(*number);
-}
-
 Readable<std::uint64_t> readUnsigned(Octets const& octets) {
     auto const begin = std::find_if(octets.begin(), octets.end(), [](auto o) { return o != 0; });
     if (octets.empty() || static_cast<std::size_t>(octets.end() - begin) > kMaxOctets) {

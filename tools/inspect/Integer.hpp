@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <variant>
 
 #include "tools/inspect/Octets.hpp"
@@ -17,9 +16,6 @@ using Integer = std::variant<std::int64_t, std::uint64_t, Octets>;
 [[nodiscard]] Integer readInteger(Octets const& octets);
 
 [[nodiscard]] bool isNegative(Integer const& integer);
-
-/// The number where it is not negative and fits.
-[[nodiscard]] std::optional<std::uint64_t> toUnsigned(Integer const& integer);
 
 /// Reads octets as a number without a sign, as Sampled Values have them: the octets themselves
 /// where there are none, or the number takes more than 64 bits.

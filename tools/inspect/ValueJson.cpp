@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <cmath>
 
+#include "tools/inspect/DataText.hpp"
 #include "tools/inspect/PacketJson.hpp"
 
 namespace TalIec61850Tools {
@@ -11,19 +11,11 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-/// JSON has no number for these.
-std::string notANumber(double number) {
-    if (std::isnan(number)) {
-        return "NaN";
-    }
-    return number > 0 ? "Infinity" : "-Infinity";
-}
-
 /// In as few digits as tell the number from all others of its width.
 template <typename Float>
 Json toJsonNumber(Float number) {
-    if (!std::isfinite(number)) {
-        return notANumber(number);
+    if (auto const text = nonFiniteText(number)) {
+        return *text;
     }
     auto const digits = fmt::format("{}", number);
     double read = 0;

@@ -67,14 +67,6 @@ TEST(Integers, TellWhetherTheyAreNegative) {
     EXPECT_FALSE(isNegative(octetsAlone({0xFF})));
 }
 
-TEST(Integers, AreUnsignedWhereTheyAreNotNegative) {
-    EXPECT_EQ(toUnsigned(signedNumber(5)), 5U);
-    EXPECT_EQ(toUnsigned(signedNumber(0)), 0U);
-    EXPECT_EQ(toUnsigned(signedNumber(-1)), std::nullopt);
-    EXPECT_EQ(toUnsigned(unsignedNumber(~std::uint64_t{0})), ~std::uint64_t{0});
-    EXPECT_EQ(toUnsigned(octetsAlone({1})), std::nullopt);
-}
-
 TEST(NumbersWithoutASign, AreAllTheirOctets) {
     using Number = Readable<std::uint64_t>;
     EXPECT_EQ(readUnsigned({0xFF}), Number(std::uint64_t{0xFF}));
