@@ -5,13 +5,7 @@
 namespace TalIec61850Tools {
 
 CaptureTime toCaptureTime(TalIec61850Parser::Timest time) {
-    // Both together stay below 2^62 nanoseconds.
-    return CaptureTime(std::chrono::seconds(time.seconds) +
-                       std::chrono::nanoseconds(time.nanoseconds));
-}
-
-std::uint64_t nanosecondsSince1970(CaptureTime time) {
-    return static_cast<std::uint64_t>(time.time_since_epoch().count());
+    return TalIec61850Analysis::makeCaptureTime(time.seconds, time.nanoseconds);
 }
 
 std::string toUtcText(CaptureTime time) {

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <optional>
 #include <string_view>
 
 #include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::TimeWindow;
 
 /// One end of a window of time as it was asked for: a point in time, or a distance from where the
 /// captures begin.
@@ -29,11 +32,5 @@ struct TimeBound {
 ///
 /// @return none for anything else, a date that no calendar has, or a time beyond the year 2200
 [[nodiscard]] std::optional<TimeBound> parseTimeBound(std::string_view text);
-
-/// A window of time; both ends lie inside, an end that is not set is open.
-struct TimeWindow {
-    std::optional<CaptureTime> from;
-    std::optional<CaptureTime> to;
-};
 
 }  // namespace TalIec61850Tools
