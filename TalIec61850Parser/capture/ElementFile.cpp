@@ -1,6 +1,6 @@
 #include <TalIec61850Parser/capture/ElementFile.hpp>
-#include <TalIec61850Parser/capture/OpenMode.hpp>
-#include <TalIec61850Parser/codec/ShortLength.hpp>
+#include <TalIec61850Parser/wire/OpenMode.hpp>
+#include <TalIec61850Parser/wire/ShortLength.hpp>
 #include <array>
 #include <cstddef>
 #include <fstream>
@@ -23,11 +23,11 @@ Content readContent(std::streambuf& file, std::uint64_t position, std::uint8_t t
         !readOctets(file, header.data(), 2) || header[0] != tag) {
         return std::nullopt;
     }
-    auto const further = furtherLengthOctets(header[1]);
+    auto const further = wire::furtherLengthOctets(header[1]);
     if (!further || !readOctets(file, &header[2], *further)) {
         return std::nullopt;
     }
-    std::vector<std::uint8_t> content(readShortLength(header, 1)->length);
+    std::vector<std::uint8_t> content(wire::readShortLength(header, 1)->length);
     if (!readOctets(file, content.data(), content.size())) {
         return std::nullopt;
     }
@@ -41,7 +41,7 @@ Content readElementContent(std::string const& fileName, std::uint64_t position, 
     std::array<char, 1024> buffer;  // NOLINT(*-member-init): filled before it is read
     std::filebuf file;
     file.pubsetbuf(buffer.data(), buffer.size());
-    if (file.open(fileName, openMode(fileName)) == nullptr) {
+    if (file.open(fileName, wire::openMode(fileName)) == nullptr) {
         return std::nullopt;
     }
     try {

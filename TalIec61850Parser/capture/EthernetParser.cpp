@@ -1,8 +1,9 @@
-#include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
 #include <TalIec61850Parser/capture/FrameVerdict.hpp>
 #include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
+#include <TalIec61850Parser/wire/Hex.hpp>
 
 namespace TalIec61850Parser {
 
@@ -22,7 +23,7 @@ bool EthernetParser::parsePacketSimple(std::vector<std::uint8_t> const& frame,
 template <typename Record, typename Identifiers>
 bool EthernetParser::_checkEthernetFilters(Record& record, Identifiers const& filters,
                                            EthernetHeader const& header) {
-    return detail::takeLinkLayer(header, record, filters);
+    return detail::takeLinkLayer(detail::toLinkLayer(header), record, filters);
 }
 
 template bool EthernetParser::_checkEthernetFilters(Goose&,
@@ -32,6 +33,8 @@ template bool EthernetParser::_checkEthernetFilters(Sv&,
                                                     std::vector<TalIec61850::SvIdentifer> const&,
                                                     EthernetHeader const&);
 
-std::string EthernetParser::_macToString(std::uint8_t const* mac) { return detail::macToText(mac); }
+std::string EthernetParser::_macToString(std::uint8_t const* mac) {
+    return wire::toColonHex({mac, wire::kMacSize});
+}
 
 }  // namespace TalIec61850Parser

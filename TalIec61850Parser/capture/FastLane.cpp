@@ -47,7 +47,7 @@ void FastLane::indexUnexpected(FrameConclusion* known, Octets record, std::uint6
         learn(record, position, kind);
         return;
     }
-    if (known->tailPosition != 0 && !isPlainlyUnreadable(tailOf(*known, frame)) &&
+    if (known->tailPosition != 0 && !wire::isPlainlyUnreadable(tailOf(*known, frame)) &&
         !passesOver(tailOf(*known, frame), *known)) {
         indexPlainly(record, position, nullptr);
         return;

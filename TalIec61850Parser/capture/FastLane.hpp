@@ -2,13 +2,13 @@
 
 // Internal: indexes most records without walking them, by what was concluded from earlier ones.
 
-#include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <TalIec61850Parser/capture/FilterImage.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
 #include <TalIec61850Parser/capture/FrameMemory.hpp>
 #include <TalIec61850Parser/capture/RecordReader.hpp>
-#include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <cstdint>
 #include <vector>
 
@@ -76,10 +76,10 @@ private:
 
 inline void FastLane::index(Octets record, std::uint64_t position) {
     Octets const frame = record.subspan(RecordHeader::kSize);
-    auto const kind = static_cast<std::uint8_t>(readPrpLan(record).value_or(0));
+    auto const kind = static_cast<std::uint8_t>(wire::readPrpLan(record).value_or(0));
     FrameConclusion* const known = memory_.findNextInTurn(frame, kind);
     if (known != nullptr && known->storeAge == storeAge_ &&
-        (known->tailPosition == 0 || isPlainlyUnreadable(tailOf(*known, frame)))) [[likely]] {
+        (known->tailPosition == 0 || wire::isPlainlyUnreadable(tailOf(*known, frame)))) [[likely]] {
         indexLike(*known, record, position);
     } else {
         indexUnexpected(known, record, position, kind);

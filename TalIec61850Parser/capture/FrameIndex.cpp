@@ -1,9 +1,9 @@
-#include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <TalIec61850Parser/capture/FrameIndex.hpp>
 #include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
 #include <TalIec61850Parser/capture/RecordReader.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <utility>
 #include <vector>
 
@@ -13,11 +13,11 @@ namespace {
 
 /// takeLinkLayer; a frame that is rejected here is not looked into any further.
 template <typename Record, typename Identifier>
-bool admits(std::vector<Identifier> const& filters, Octets buffer, LinkLayer const& link,
+bool admits(std::vector<Identifier> const& filters, Octets buffer, wire::LinkLayer const& link,
             Record& record, WalkTrace* trace) {
-    bool const isAdmitted = takeLinkLayer(link.header, record, filters);
+    bool const isAdmitted = takeLinkLayer(link, record, filters);
     if (!isAdmitted && trace != nullptr) {
-        trace->passOver(buffer.subspan(link.payloadPosition));
+        trace->passOver(buffer.subspan(link.payloadIndex));
     }
     return isAdmitted;
 }
@@ -37,13 +37,13 @@ IndexedFrame addPacket(Package const& package, StreamPlace const& place,
     return indexed;
 }
 
-IndexedFrame indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
+IndexedFrame indexGoose(Octets buffer, wire::LinkLayer const& link, std::uint64_t bufferPosition,
                         PcapPacketHeader const& header, IndexTarget const& target,
                         FrameLesson* lesson) {
     Goose goose;
     Package package;
     if (!admits(target.filter.gooseFilters, buffer, link, goose, traceOf(lesson)) ||
-        !readGooseFrame(buffer, link.payloadPosition, header, bufferPosition, goose, package,
+        !readGooseFrame(buffer, link.payloadIndex, header, bufferPosition, goose, package,
                         target.filter, traceOf(lesson))) {
         return {};
     }
@@ -56,14 +56,14 @@ IndexedFrame indexGoose(Octets buffer, LinkLayer const& link, std::uint64_t buff
     return indexed;
 }
 
-IndexedFrame indexSv(Octets buffer, LinkLayer const& link, std::uint64_t bufferPosition,
+IndexedFrame indexSv(Octets buffer, wire::LinkLayer const& link, std::uint64_t bufferPosition,
                      PcapPacketHeader const& header, IndexTarget const& target,
                      FrameLesson* lesson) {
     Sv sv;
     Package package;
     if (!admits(target.filter.svFilters, buffer, link, sv, traceOf(lesson)) ||
-        !readSvFrame(buffer, link.payloadPosition, header, bufferPosition, sv, package,
-                     target.filter, traceOf(lesson))) {
+        !readSvFrame(buffer, link.payloadIndex, header, bufferPosition, sv, package, target.filter,
+                     traceOf(lesson))) {
         return {};
     }
     auto const smpCnt = std::exchange(sv.maxSmpCnt, std::uint16_t{0});
@@ -96,13 +96,12 @@ IndexedFrame indexRecord(Octets record, std::uint64_t recordPosition, bool isLit
 IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
                         PcapPacketHeader const& header, IndexTarget const& target,
                         FrameLesson* lesson) {
-    auto const link = decodeLinkLayer(buffer, offset);
+    auto const link = wire::decodeLinkLayer(buffer, offset);
     if (!link) {
         return {};
     }
-    bool const isGoose =
-        link->header.etherType == wire::kEtherTypeGoose && target.filter.parseGoose;
-    bool const isSv = link->header.etherType == wire::kEtherTypeSv && target.filter.parseSv;
+    bool const isGoose = link->etherType == wire::kEtherTypeGoose && target.filter.parseGoose;
+    bool const isSv = link->etherType == wire::kEtherTypeSv && target.filter.parseSv;
     if (!isGoose && !isSv) {
         return {};
     }

@@ -5,10 +5,10 @@
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
 #include <TalIec61850Parser/capture/StreamPlace.hpp>
-#include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <TalIec61850Parser/store/Timest.hpp>
+#include <TalIec61850Parser/wire/CaptureFormat.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -28,8 +28,7 @@ struct IndexTarget {
 
 /// The time of a packet as the store keeps it, from a record of the target's file.
 inline Timest packetTime(std::uint32_t tsSec, std::uint32_t tsUsec, bool isNanosecond) {
-    constexpr std::uint32_t nanosecondsPerMicrosecond = 1000;
-    return {tsSec, tsUsec * (isNanosecond ? 1U : nanosecondsPerMicrosecond)};
+    return {tsSec, wire::toNanoseconds(tsUsec, isNanosecond)};
 }
 
 /// What one frame of an SV stream does to its statistics.

@@ -3,7 +3,7 @@
 // Internal: recognises frames that agree with an earlier one in every octet that was looked at.
 
 #include <TalIec61850Parser/capture/FrameConclusion.hpp>
-#include <TalIec61850Parser/codec/BerReader.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +11,8 @@
 #include <vector>
 
 namespace TalIec61850Parser::detail {
+
+using wire::Octets;
 
 /// Remembers frames as likenesses: a size, a kind, which octets count, and what these hold. A frame
 /// is like a remembered one when it agrees in all of them; its other octets may hold anything.

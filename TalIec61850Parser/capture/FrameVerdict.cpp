@@ -1,46 +1,46 @@
 #include <TalIec61850Parser/capture/ApplicationHeader.hpp>
-#include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <TalIec61850Parser/capture/FrameVerdict.hpp>
 #include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
 
 /// Nothing can reject a frame but a criterion, so without criteria there is nothing to walk for.
-bool isComplete(Octets frame, LinkLayer const& link) {
-    return readApplicationHeader(frame, link.payloadPosition).has_value();
+bool isComplete(Octets frame, wire::LinkLayer const& link) {
+    return wire::readApplicationHeader(frame, link.payloadIndex).has_value();
 }
 
-bool judgeGoose(Octets frame, LinkLayer const& link, Filter const& filter) {
+bool judgeGoose(Octets frame, wire::LinkLayer const& link, Filter const& filter) {
     if (filter.gooseFilters.empty()) {
         return isComplete(frame, link);
     }
     Goose goose;
-    return takeLinkLayer(link.header, goose, filter.gooseFilters) &&
-           readGooseIdentity(frame, link.payloadPosition, goose, filter);
+    return takeLinkLayer(link, goose, filter.gooseFilters) &&
+           readGooseIdentity(frame, link.payloadIndex, goose, filter);
 }
 
 /// Deliberate: true for a frame that is not wanted, false for one that is.
-bool judgeSv(Octets frame, LinkLayer const& link, Filter const& filter) {
+bool judgeSv(Octets frame, wire::LinkLayer const& link, Filter const& filter) {
     if (filter.svFilters.empty()) {
         return !isComplete(frame, link);
     }
     Sv sv;
-    return takeLinkLayer(link.header, sv, filter.svFilters) &&
-           !readSvIdentity(frame, link.payloadPosition, sv, filter);
+    return takeLinkLayer(link, sv, filter.svFilters) &&
+           !readSvIdentity(frame, link.payloadIndex, sv, filter);
 }
 
 }  // namespace
 
 bool judgeFrame(Octets frame, Filter const& filter) {
-    auto const link = decodeLinkLayer(frame, 0);
+    auto const link = wire::decodeLinkLayer(frame, 0);
     if (!link) {
         return false;
     }
-    switch (link->header.etherType) {
+    switch (link->etherType) {
         case wire::kEtherTypeGoose:
             return !filter.parseGoose || judgeGoose(frame, *link, filter);
         case wire::kEtherTypeSv:

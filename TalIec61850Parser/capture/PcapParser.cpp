@@ -1,8 +1,7 @@
 #include <TalIec61850Parser/capture/CaptureIndex.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
-#include <algorithm>
-#include <array>
-#include <cstdint>
+#include <TalIec61850Parser/wire/CaptureFormat.hpp>
+#include <cstddef>
 #include <iostream>
 #include <optional>
 #include <utility>
@@ -11,41 +10,14 @@ namespace TalIec61850Parser {
 
 namespace {
 
-/// The first four octets of a file, as they lie there.
-using Magic = std::array<std::uint8_t, 4>;
-
-struct Variant {
-    Magic magic;
-    bool isNanosecond;
-    bool isLittleEndian;
-};
-
-constexpr std::array<Variant, 4> kVariants = {{
-    {.magic = {0xD4, 0xC3, 0xB2, 0xA1}, .isNanosecond = false, .isLittleEndian = true},
-    {.magic = {0xA1, 0xB2, 0xC3, 0xD4}, .isNanosecond = false, .isLittleEndian = false},
-    {.magic = {0x4D, 0x3C, 0xB2, 0xA1}, .isNanosecond = true, .isLittleEndian = true},
-    {.magic = {0xA1, 0xB2, 0x3C, 0x4D}, .isNanosecond = true, .isLittleEndian = false},
-}};
-
-constexpr Magic kNextGenerationMagic = {0x0A, 0x0D, 0x0D, 0x0A};
-constexpr std::streamoff kNextGenerationByteOrderOffset = 8;
-
-Magic readMagic(std::istream& file) {
-    Magic magic{};
-    file.read(reinterpret_cast<char*>(magic.data()), magic.size());
-    return magic;
-}
-
-std::optional<Variant> recognise(std::istream& file) {
-    Magic magic = readMagic(file);
-    if (magic == kNextGenerationMagic) {
-        // What stands here in such a file is its byte order mark, which is none of ours.
-        file.seekg(kNextGenerationByteOrderOffset);
-        magic = readMagic(file);
-    }
-    auto const* const found = std::find_if(kVariants.begin(), kVariants.end(),
-                                           [&](auto const& v) { return v.magic == magic; });
-    return found == kVariants.end() ? std::nullopt : std::optional(*found);
+std::optional<wire::CaptureVariant> recognise(std::istream& file) {
+    auto const magicAt = [&](std::size_t fileOffset) {
+        wire::Magic magic{};
+        file.seekg(static_cast<std::streamoff>(fileOffset));
+        file.read(reinterpret_cast<char*>(magic.data()), magic.size());
+        return magic;
+    };
+    return wire::recogniseCapture(magicAt).variant;
 }
 
 }  // namespace
@@ -60,7 +32,6 @@ void PcapParser::parseFile(std::string const& fileName, Db& db, Filter const& fi
     }
     file.seekg(0, std::ios_base::end);
     auto const fileSize = static_cast<unsigned long>(std::streamoff(file.tellg()));
-    file.seekg(0);
     auto const variant = recognise(file);
     if (!variant) {
         std::cerr << "Invalid PCAP file format\n";

@@ -5,8 +5,6 @@ namespace TalIec61850Parser::detail {
 
 namespace {
 
-constexpr std::size_t kGlobalHeaderSize = 24;
-
 static_assert(sizeof(std::size_t) == 8 && sizeof(unsigned long) == 8,
               "record sizes, file positions and hashes are 64 bits wide");
 
@@ -15,14 +13,14 @@ static_assert(sizeof(std::size_t) == 8 && sizeof(unsigned long) == 8,
 RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
     : file_(file), isLittleEndian_(isLittleEndian), buffer_(kFirstBlockSize) {
     file_.seekg(0);
-    require(kGlobalHeaderSize);
-    if (available() < kGlobalHeaderSize) {
+    require(wire::kGlobalHeaderSize);
+    if (available() < wire::kGlobalHeaderSize) {
         begin_ = end_;  // cut short in there, a file holds no records
         file_.setstate(std::ios_base::failbit);
         return;
     }
-    begin_ += kGlobalHeaderSize;
-    position_ = kGlobalHeaderSize;
+    begin_ += wire::kGlobalHeaderSize;
+    position_ = wire::kGlobalHeaderSize;
 }
 
 Octets RecordReader::nextAcrossBlocks() {

@@ -2,35 +2,17 @@
 
 // Internal: reads capture records in place, out of large blocks of the file.
 
-#include <TalIec61850Parser/codec/BerReader.hpp>
-#include <TalIec61850Parser/codec/BytesConverter.hpp>
+#include <TalIec61850Parser/wire/CaptureFormat.hpp>
+#include <TalIec61850Parser/wire/Octets.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <istream>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
 
-/// The header of a capture record in host byte order, without `orig_len`, which nothing uses.
-struct RecordHeader {
-    static constexpr std::size_t kSize = 16;
-
-    std::uint32_t tsSec = 0;
-    std::uint32_t tsUsec = 0;
-    /// Captured octets that follow the header.
-    std::uint32_t inclLen = 0;
-
-    /// @pre `octets` holds at least `kSize` octets
-    static RecordHeader read(Octets octets, bool isLittleEndian) {
-        auto const field = [&](std::size_t index) {
-            std::uint32_t stored = 0;
-            std::memcpy(&stored, octets.data() + index * sizeof stored, sizeof stored);
-            return BytesConverter::convertUint32(stored, isLittleEndian);
-        };
-        return {.tsSec = field(0), .tsUsec = field(1), .inclLen = field(2)};
-    }
-};
+using wire::Octets;
+using wire::RecordHeader;
 
 /// Walks the records of an open classic capture file.
 ///

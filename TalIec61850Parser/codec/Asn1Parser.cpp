@@ -1,13 +1,13 @@
 #include <TalIec61850Parser/codec/Asn1Parser.hpp>
-#include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
 
 namespace TalIec61850Parser {
 
 bool Asn1Parser::parseTag(std::vector<std::uint8_t> const& data, std::size_t& position,
                           Asn1Tag& tag) {
-    detail::BerElement element{.tag = tag.tag, .headerSize = 0, .value = {}};
-    bool const isWhole = detail::readElement(data, position, element);
+    wire::BerElement element{.tag = tag.tag, .headerSize = 0, .value = {}};
+    bool const isWhole = wire::readElement(data, position, element);
     tag.tag = element.tag;
     if (!isWhole) {
         return false;

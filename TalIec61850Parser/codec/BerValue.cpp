@@ -1,4 +1,5 @@
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/wire/Hex.hpp>
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -17,9 +18,7 @@ constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::uint64_t kNanosecondsPerMillisecond = 1'000'000;
 
 void appendHex(std::string& text, std::uint8_t octet) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    text += digits[octet >> 4U];
-    text += digits[octet & 0x0FU];
+    wire::appendHex(text, octet, wire::kUpperHexDigits);
 }
 
 std::string toPlainHex(Octets value) {

@@ -2,22 +2,14 @@
 
 // Internal: the integers and texts in the value of a BER element, read in place.
 
-#include <TalIec61850Parser/codec/BerReader.hpp>
-#include <algorithm>
+#include <TalIec61850Parser/wire/Octets.hpp>
 #include <cstdint>
 #include <string>
 
 namespace TalIec61850Parser::detail {
 
-/// The first octets of `value`, as many as there are and the integer holds, most significant first.
-template <typename Integer>
-[[nodiscard]] constexpr Integer readBigEndian(Octets value) noexcept {
-    Integer result = 0;
-    for (std::uint8_t const octet : value.first(std::min(value.size(), sizeof(Integer)))) {
-        result = static_cast<Integer>((result << 8U) | octet);
-    }
-    return result;
-}
+using wire::Octets;
+using wire::readBigEndian;
 
 [[nodiscard]] constexpr std::uint32_t toUint32(Octets value) noexcept {
     return readBigEndian<std::uint32_t>(value);
@@ -32,7 +24,7 @@ template <typename Integer>
     return value.empty() ? std::uint8_t{0} : value.front();
 }
 
-// Texts; what each gives is said at the operation of Asn1Parser that it stands behind.
+// Texts; what each gives is said at the operation of Asn1Parser that calls it.
 
 [[nodiscard]] std::string toHexDump(Octets value);            ///< formatBytes
 [[nodiscard]] std::string toText(Octets value);               ///< bytesToString

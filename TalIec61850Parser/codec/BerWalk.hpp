@@ -2,8 +2,8 @@
 
 // Internal: the walk over nested BER elements that GOOSE and SV share.
 
-#include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/WalkTrace.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +11,10 @@
 #include <vector>
 
 namespace TalIec61850Parser::detail {
+
+using wire::BerElement;
+using wire::Octets;
+namespace ber = wire::ber;
 
 /// What a handler wants done with the element that it was shown.
 enum class WalkStep {
@@ -152,7 +156,7 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
         std::size_t const start = now.position;
         tracer.atElement(now.level, now.elementCount, start);
         bool const levelGoesOn = now.elementCount < maxElementsPerLevel &&
-                                 readElement(data.first(now.end), now.position, element);
+                                 wire::readElement(data.first(now.end), now.position, element);
         if (!levelGoesOn) {
             tracer.atLevelEnd(now.position, now.end, unfinished.empty());
             if (unfinished.empty()) {

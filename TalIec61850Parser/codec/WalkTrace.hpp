@@ -2,13 +2,15 @@
 
 // Internal: what was looked at in a frame, and so what the conclusions from it depend on.
 
-#include <TalIec61850Parser/codec/BerReader.hpp>
+#include <TalIec61850Parser/wire/Octets.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
+
+using wire::Octets;
 
 /// Which octets of a frame were looked at on its way through the plain walk.
 ///

@@ -2,7 +2,7 @@
 #include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
-#include <TalIec61850Parser/goose/GooseTags.hpp>
+#include <TalIec61850Parser/wire/GooseTags.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +10,8 @@
 namespace TalIec61850Parser::detail {
 
 namespace {
+
+using enum wire::GooseField;
 
 constexpr std::int64_t kFieldDepth = 2;
 
@@ -52,7 +54,8 @@ WalkStep takeField(BerElement const& field, Goose& goose,
 /// One primitive context-specific element inside allData: nothing there identifies the stream, but
 /// a goosePdu may lie deeper still.
 WalkStep passData(BerElement const& element) {
-    bool const isNested = element.tag == kPrimitiveArray || element.tag == kPrimitiveStructure;
+    bool const isNested =
+        element.tag == wire::kPrimitiveArray || element.tag == wire::kPrimitiveStructure;
     return isNested ? WalkStep::descend : WalkStep::skip;
 }
 
@@ -61,7 +64,7 @@ auto gooseHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Go
                   Package& package, Filter const& filter) {
     return [&, filePosition](BerElement const& element, std::size_t position,
                              WalkLevel const& current) {
-        if (element.tag == kGoosePdu) {
+        if (element.tag == wire::kGoosePdu) {
             package.time = {header.tsSec, header.tsUsec};
             package.position = filePosition + position;
             return WalkStep::descend;
@@ -72,7 +75,7 @@ auto gooseHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Go
         if (ber::isContextPrimitive(element.tag) && current.depth > kFieldDepth) {
             return passData(element);
         }
-        return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::skip;
+        return ber::isStructure(element.tag, wire::kGoosePdu) ? WalkStep::descend : WalkStep::skip;
     };
 }
 
@@ -94,7 +97,8 @@ bool walkGoosePduPassesOver(Octets tail) {
 bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, Filter const& filter) {
     auto const handle = [&](BerElement const& element, std::size_t, WalkLevel const& current) {
         if (!ber::isContextPrimitive(element.tag)) {
-            return ber::isStructure(element.tag, kGoosePdu) ? WalkStep::descend : WalkStep::skip;
+            return ber::isStructure(element.tag, wire::kGoosePdu) ? WalkStep::descend
+                                                                  : WalkStep::skip;
         }
         bool const isField =
             current.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
@@ -104,18 +108,18 @@ bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, Filter const& 
 }
 
 bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose, Filter const& filter) {
-    auto const application = readApplicationHeader(frame, offset);
+    auto const application = wire::readApplicationHeader(frame, offset);
     return application && takeApplicationHeader(*application, goose, filter.gooseFilters) &&
-           walkGooseIdentity(application->pdu, {}, goose, filter);
+           walkGooseIdentity(application->pdu(), {}, goose, filter);
 }
 
 bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
                     std::uint64_t position, Goose& goose, Package& package, Filter const& filter,
                     WalkTrace* trace) {
-    auto const application = readApplicationHeader(data, offset);
+    auto const application = wire::readApplicationHeader(data, offset);
     return application && takeApplicationHeader(*application, goose, filter.gooseFilters, trace) &&
-           walkGoosePdu(application->pdu, {}, position + offset + ApplicationHeader::kSize, header,
-                        goose, package, filter, trace);
+           walkGoosePdu(application->pdu(), {}, position + offset + wire::ApplicationHeader::kSize,
+                        header, goose, package, filter, trace);
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -3,22 +3,19 @@
 #include <TalIec61850Parser/capture/ElementFile.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/codec/BerWalk.hpp>
-#include <TalIec61850Parser/codec/ShortLength.hpp>
 #include <TalIec61850Parser/goose/GooseParser.hpp>
-#include <TalIec61850Parser/goose/GooseTags.hpp>
+#include <TalIec61850Parser/wire/GooseTags.hpp>
+#include <TalIec61850Parser/wire/ShortLength.hpp>
 #include <optional>
 
 namespace TalIec61850Parser {
 
 namespace {
 
-using detail::Octets;
-namespace ber = detail::ber;
+using wire::Octets;
+using enum wire::GooseField;
+namespace ber = wire::ber;
 
-/// allData in its usual, constructed form.
-constexpr std::uint8_t kAllDataTag = ber::kContextConstructed | detail::kAllData;
-constexpr std::uint8_t kClassMask = 0xC0;
-constexpr std::uint8_t kContextClass = 0x80;
 constexpr int kMaxFields = 50;
 
 std::string toFlag(Octets value) { return detail::toUint8(value) != 0 ? "true" : "false"; }
@@ -26,40 +23,40 @@ std::string toFlag(Octets value) { return detail::toUint8(value) != 0 ? "true" :
 /// Puts one context-specific field where its tag number says; higher numbers are passed over.
 void takeField(std::uint8_t number, Octets value, GoosePdu& pdu) {
     switch (number) {
-        case detail::kGocbRef:
+        case kGocbRef:
             pdu.gocbRef = detail::toText(value);
             break;
-        case detail::kTimeAllowedToLive:
+        case kTimeAllowedToLive:
             pdu.timeAllowedToLive = std::to_string(detail::toUint32(value));
             break;
-        case detail::kDatSet:
+        case kDatSet:
             pdu.datSet = detail::toText(value);
             break;
-        case detail::kGoID:
+        case kGoID:
             pdu.goID = detail::toText(value);
             break;
-        case detail::kEventTime:
+        case kEventTime:
             pdu.t = detail::gooseTimeToDateTime(value);
             break;
-        case detail::kStNum:
+        case kStNum:
             pdu.stNum = std::to_string(detail::toUint8(value));
             break;
-        case detail::kSqNum:
+        case kSqNum:
             pdu.sqNum = std::to_string(detail::toUint16(value));
             break;
-        case detail::kSimulation:
+        case kSimulation:
             pdu.simulation = toFlag(value);
             break;
-        case detail::kConfRev:
+        case kConfRev:
             pdu.confRev = std::to_string(detail::toUint32(value));
             break;
-        case detail::kNdsCom:
+        case kNdsCom:
             pdu.ndsCom = toFlag(value);
             break;
-        case detail::kNumDatSetEntries:
+        case kNumDatSetEntries:
             pdu.numDatSetEntries = std::to_string(detail::toUint8(value));
             break;
-        case detail::kAllData:
+        case kAllData:
             if (!value.empty()) {
                 pdu.allData.assign(value.begin(), value.end());
             }
@@ -71,17 +68,17 @@ void takeField(std::uint8_t number, Octets value, GoosePdu& pdu) {
 
 /// The length at `position`. Deliberate: only that of allData has a long form, any other length
 /// octet counts as it stands.
-std::optional<detail::ShortLength> readFieldLength(std::uint8_t tag, Octets content,
-                                                   std::size_t position) {
-    return tag == kAllDataTag ? detail::readShortLength(content, position)
-                              : detail::ShortLength{.length = content[position], .size = 1};
+std::optional<wire::ShortLength> readFieldLength(std::uint8_t tag, Octets content,
+                                                 std::size_t position) {
+    return tag == wire::kAllDataTag ? wire::readShortLength(content, position)
+                                    : wire::ShortLength{.length = content[position], .size = 1};
 }
 
 }  // namespace
 
 GoosePdu GooseParser::parseGoosePDUFromFile(std::string const& fileName, std::uint64_t position) {
     GoosePdu pdu;
-    if (auto const content = detail::readElementContent(fileName, position, detail::kGoosePdu)) {
+    if (auto const content = detail::readElementContent(fileName, position, wire::kGoosePdu)) {
         _parseGoosePdu(*content, pdu);
     }
     return pdu;
@@ -102,7 +99,7 @@ bool GooseParser::_parseGoosePdu(std::vector<std::uint8_t> const& content, Goose
         if (content.size() - valueStart < length->length) {
             return false;
         }
-        if ((tag & kClassMask) == kContextClass) {
+        if (ber::isContext(tag)) {
             takeField(ber::tagNumber(tag), Octets(content).subspan(valueStart, length->length),
                       pdu);
         }
@@ -120,16 +117,16 @@ std::vector<float> GooseParser::parseBooleanValues(std::vector<std::uint8_t> con
 void GooseParser::_extractBooleanValues(std::vector<std::uint8_t> const& data,
                                         std::vector<float>& out) {
     static_cast<void>(detail::walkElements<detail::kUnlimited>(
-        data, {}, [&](detail::BerElement const& element, std::size_t position, auto const&) {
+        data, {}, [&](wire::BerElement const& element, std::size_t position, auto const&) {
             if (data[position + 1] == ber::kLongForm) {
                 return detail::WalkStep::endLevel;  // no indefinite form here
             }
-            if (element.tag == detail::kBoolean && element.value.size() == 1) {
+            if (element.tag == wire::kBoolean && element.value.size() == 1) {
                 out.push_back(element.value.front() != 0 ? 1.0F : 0.0F);
             }
             // Deliberate: a structure in its usual, constructed form is passed over.
-            return element.tag == detail::kPrimitiveStructure ? detail::WalkStep::descend
-                                                              : detail::WalkStep::next;
+            return element.tag == wire::kPrimitiveStructure ? detail::WalkStep::descend
+                                                            : detail::WalkStep::next;
         }));
 }
 

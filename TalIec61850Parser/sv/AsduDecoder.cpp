@@ -1,11 +1,11 @@
 // The operations of SvParser that decode one packet in full.
 
 #include <TalIec61850Parser/capture/ElementFile.hpp>
-#include <TalIec61850Parser/codec/BerReader.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
-#include <TalIec61850Parser/codec/ShortLength.hpp>
 #include <TalIec61850Parser/sv/SvParser.hpp>
-#include <TalIec61850Parser/sv/SvTags.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
+#include <TalIec61850Parser/wire/ShortLength.hpp>
+#include <TalIec61850Parser/wire/SvTags.hpp>
 #include <algorithm>
 #include <bit>
 #include <optional>
@@ -14,18 +14,19 @@ namespace TalIec61850Parser {
 
 namespace {
 
-using detail::Octets;
-namespace ber = detail::ber;
+using wire::Octets;
+using enum wire::AsduField;
+using wire::kSampleSize;
+namespace ber = wire::ber;
 
 constexpr std::size_t kMaxAsdus = 50;
-constexpr std::size_t kSampleSize = 8;
 constexpr std::size_t kMaxJudgedSamples = 8;
 
 /// Sets a number whose value has exactly its own width; any other width leaves it as it was.
 template <typename Integer>
 void takeExact(Octets value, Integer& field) {
     if (value.size() == sizeof(Integer)) {
-        field = detail::readBigEndian<Integer>(value);
+        field = wire::readBigEndian<Integer>(value);
     }
 }
 
@@ -33,36 +34,36 @@ void takeSamples(Octets value, std::vector<SampleData>& samples) {
     samples.reserve(value.size() / kSampleSize);
     for (; value.size() >= kSampleSize; value = value.subspan(kSampleSize)) {
         samples.push_back(
-            {.value = std::bit_cast<std::int32_t>(detail::readBigEndian<std::uint32_t>(value)),
-             .quality = detail::readBigEndian<std::uint32_t>(value.subspan(4))});
+            {.value = std::bit_cast<std::int32_t>(wire::readBigEndian<std::uint32_t>(value)),
+             .quality = wire::readBigEndian<std::uint32_t>(value.subspan(4))});
     }
 }
 
 /// Puts one field where its tag number says; higher numbers are passed over.
 void takeField(std::uint8_t number, Octets value, ASDUData& asdu) {
     switch (number) {
-        case detail::kSvID:
+        case kSvID:
             asdu.svID.assign(value.begin(), value.end());
             break;
-        case detail::kAsduDatSet:
+        case kAsduDatSet:
             asdu.datSet.assign(value.begin(), value.end());
             break;
-        case detail::kSmpCnt:
+        case kSmpCnt:
             takeExact(value, asdu.smpCnt);
             break;
-        case detail::kAsduConfRev:
+        case kAsduConfRev:
             takeExact(value, asdu.confRev);
             break;
-        case detail::kRefrTm:
+        case kRefrTm:
             asdu.refrTm.assign(value.begin(), value.end());
             break;
-        case detail::kSmpSynch:
+        case kSmpSynch:
             takeExact(value, asdu.smpSynch);
             break;
-        case detail::kSmpRate:
+        case kSmpRate:
             takeExact(value, asdu.smpRate);
             break;
-        case detail::kSeqData:
+        case kSeqData:
             takeSamples(value, asdu.samples);
             break;
         default:
@@ -73,7 +74,7 @@ void takeField(std::uint8_t number, Octets value, ASDUData& asdu) {
 /// The value of the element at `position`, which moves past it; nullopt when its length is not
 /// readable or reaches past the end.
 std::optional<Octets> readValue(Octets data, std::size_t& position) {
-    auto const length = detail::readShortLength(data, position + 1);
+    auto const length = wire::readShortLength(data, position + 1);
     if (!length) {
         return std::nullopt;
     }
@@ -109,7 +110,7 @@ std::vector<ASDUData> decodeSequence(Octets content) {
     std::vector<ASDUData> asdus;
     std::size_t position = 0;
     while (position + 1 < content.size() && asdus.size() < kMaxAsdus) {
-        if (content[position] != ber::kSequence) {
+        if (content[position] != wire::kAsdu) {
             ++position;
             continue;
         }
@@ -126,7 +127,7 @@ std::vector<ASDUData> decodeSequence(Octets content) {
 
 std::vector<ASDUData> SvParser::parseASDUFromFile(std::string const& fileName,
                                                   std::size_t position) {
-    auto const content = detail::readElementContent(fileName, position, detail::kSequenceOfAsdu);
+    auto const content = detail::readElementContent(fileName, position, wire::kSequenceOfAsdu);
     return content ? decodeSequence(*content) : std::vector<ASDUData>{};
 }
 

@@ -2,12 +2,14 @@
 #include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
-#include <TalIec61850Parser/sv/SvTags.hpp>
+#include <TalIec61850Parser/wire/SvTags.hpp>
 #include <vector>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
+
+using enum wire::AsduField;
 
 /// The identity among the fields of an ASDU: stored, then matched.
 WalkStep takeIdentity(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
@@ -43,7 +45,7 @@ WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer>
 
 /// One primitive field outside every ASDU.
 WalkStep takePduField(BerElement const& field, Sv& sv) {
-    if (ber::tagNumber(field.tag) == kNoAsdu) {
+    if (ber::tagNumber(field.tag) == wire::kNoAsdu) {
         sv.maxNoASDU = toUint8(field.value);
         return WalkStep::next;
     }
@@ -55,7 +57,7 @@ auto svHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Sv& s
                Filter const& filter, WalkTrace* trace) {
     return [&, filePosition, trace](BerElement const& element, std::size_t position,
                                     WalkLevel& current) {
-        if (element.tag == kSequenceOfAsdu) {
+        if (element.tag == wire::kSequenceOfAsdu) {
             package.time = {header.tsSec, header.tsUsec};
             package.position = filePosition + position;
             return WalkStep::descend;
@@ -66,7 +68,7 @@ auto svHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Sv& s
         }
         // Deliberate: from the first ASDU on, whatever follows on its level counts as in one.
         current.inAsdu = current.inAsdu || element.tag == ber::kSequence;
-        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::skip;
+        return ber::isStructure(element.tag, wire::kSavPdu) ? WalkStep::descend : WalkStep::skip;
     };
 }
 
@@ -93,24 +95,24 @@ bool walkSvIdentity(Octets pdu, WalkLevel level, Sv& sv, Filter const& filter) {
         // Deliberate: unlike above, an empty ASDU opens nothing.
         current.inAsdu =
             current.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
-        return ber::isStructure(element.tag, kSavPdu) ? WalkStep::descend : WalkStep::skip;
+        return ber::isStructure(element.tag, wire::kSavPdu) ? WalkStep::descend : WalkStep::skip;
     };
     return walkElements(pdu, level, handle);
 }
 
 bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter) {
-    auto const application = readApplicationHeader(frame, offset);
+    auto const application = wire::readApplicationHeader(frame, offset);
     return application && takeApplicationHeader(*application, sv, filter.svFilters) &&
-           walkSvIdentity(application->pdu, {}, sv, filter);
+           walkSvIdentity(application->pdu(), {}, sv, filter);
 }
 
 bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
                  std::uint64_t position, Sv& sv, Package& package, Filter const& filter,
                  WalkTrace* trace) {
-    auto const application = readApplicationHeader(data, offset);
+    auto const application = wire::readApplicationHeader(data, offset);
     return application && takeApplicationHeader(*application, sv, filter.svFilters, trace) &&
-           walkSavPdu(application->pdu, {}, position + offset + ApplicationHeader::kSize, header,
-                      sv, package, filter, trace);
+           walkSavPdu(application->pdu(), {}, position + offset + wire::ApplicationHeader::kSize,
+                      header, sv, package, filter, trace);
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
-#include <TalIec61850Parser/capture/EthernetDecoder.hpp>
 #include <TalIec61850Parser/codec/BerWalk.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -145,29 +145,29 @@ TEST(PassedOverTail, OfAnythingLookedAtIsNot) {
 
 TEST(PrpLan, IsNamedFourOctetsBeforeTheEnd) {
     Bytes frame(60, 0x00);
-    EXPECT_EQ(readPrpLan(frame), std::nullopt);
+    EXPECT_EQ(wire::readPrpLan(frame), std::nullopt);
     frame[58] = 0x88;
     frame[59] = 0xFB;
     for (unsigned octet = 0; octet < 256; ++octet) {
         frame[56] = static_cast<std::uint8_t>(octet);
-        EXPECT_EQ(readPrpLan(frame), (octet & 0x10U) != 0 ? 'B' : 'A') << octet;
+        EXPECT_EQ(wire::readPrpLan(frame), (octet & 0x10U) != 0 ? 'B' : 'A') << octet;
     }
     for (std::size_t i = 0; i < 56; ++i) frame[i] = 0xFF;
     frame[57] = 0x77;
-    EXPECT_EQ(readPrpLan(frame), 'B');
+    EXPECT_EQ(wire::readPrpLan(frame), 'B');
     frame[59] = 0xFA;
-    EXPECT_EQ(readPrpLan(frame), std::nullopt);
+    EXPECT_EQ(wire::readPrpLan(frame), std::nullopt);
     frame[59] = 0xFB;
     frame[58] = 0x89;
-    EXPECT_EQ(readPrpLan(frame), std::nullopt);
+    EXPECT_EQ(wire::readPrpLan(frame), std::nullopt);
 }
 
 TEST(PrpLan, IsLookedForInMoreThanSeventeenOctets) {
     for (std::size_t size = 0; size < 30; ++size) {
         Bytes const frame = concat({Bytes(size), {0x10, 0x00, 0x88, 0xFB}});
-        EXPECT_EQ(readPrpLan(frame).has_value(), frame.size() > 17) << frame.size();
+        EXPECT_EQ(wire::readPrpLan(frame).has_value(), frame.size() > 17) << frame.size();
     }
-    EXPECT_EQ(readPrpLan({}), std::nullopt);
+    EXPECT_EQ(wire::readPrpLan({}), std::nullopt);
 }
 
 TEST(PrpLan, IsWhatTheLinkLayerSays) {
@@ -175,11 +175,9 @@ TEST(PrpLan, IsWhatTheLinkLayerSays) {
         for (int i = 0; i < 20; ++i) {
             Bytes frame = *anyFrame();
             if (oneIn(2)) append(frame, {anyOctet(), anyOctet(), 0x88, 0xFB});
-            auto const link = decodeLinkLayer(frame, 0);
+            auto const link = wire::decodeLinkLayer(frame, 0);
             if (!link) continue;
-            auto const lan = readPrpLan(frame);
-            RC_ASSERT(link->header.hasPrp == lan.has_value());
-            if (lan) RC_ASSERT(link->header.prpLan == *lan);
+            RC_ASSERT(link->prpLan == wire::readPrpLan(frame));
         }
     }));
 }

@@ -1,6 +1,7 @@
-#include <TalIec61850Parser/codec/ShortLength.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
+#include <TalIec61850Parser/wire/ShortLength.hpp>
 
-namespace TalIec61850Parser::detail {
+namespace TalIec61850Parser::wire {
 
 namespace {
 
@@ -18,20 +19,20 @@ std::optional<std::size_t> furtherLengthOctets(std::uint8_t first) {
                : std::nullopt;
 }
 
-std::optional<ShortLength> readShortLength(Octets data, std::size_t position) {
-    if (position >= data.size()) {
+std::optional<ShortLength> readShortLength(Octets data, std::size_t index) {
+    if (index >= data.size()) {
         return std::nullopt;
     }
-    std::uint8_t const first = data[position];
+    std::uint8_t const first = data[index];
     auto const further = furtherLengthOctets(first);
-    if (!further || data.size() - position - 1 < *further) {
+    if (!further || data.size() - index - 1 < *further) {
         return std::nullopt;
     }
     std::size_t length = *further == 0 ? first : 0;
-    for (std::uint8_t const octet : data.subspan(position + 1, *further)) {
+    for (std::uint8_t const octet : data.subspan(index + 1, *further)) {
         length = length << 8U | octet;
     }
     return ShortLength{.length = length, .size = 1 + *further};
 }
 
-}  // namespace TalIec61850Parser::detail
+}  // namespace TalIec61850Parser::wire

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <TalIec61850Parser/codec/ShortLength.hpp>
+#include <TalIec61850Parser/wire/ShortLength.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -13,8 +13,8 @@
 namespace {
 
 using namespace TalTest;
-using TalIec61850Parser::detail::furtherLengthOctets;
-using TalIec61850Parser::detail::readShortLength;
+using TalIec61850Parser::wire::furtherLengthOctets;
+using TalIec61850Parser::wire::readShortLength;
 
 /// Length and size, as 300 in 3; "none" for none.
 std::string lengthAt(Bytes const& data, std::size_t position = 0) {
