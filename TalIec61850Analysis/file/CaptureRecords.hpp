@@ -16,23 +16,24 @@ namespace TalIec61850Analysis {
 /// Walks the records of a classic capture from the first to the last. The file is read in blocks of
 /// 1 MiB, or one frame where that is larger; memory is taken for octets that the file holds, never
 /// for what a header claims.
-class TALIEC61850ANALYSIS_EXPORT CaptureRecords {
+class CaptureRecords {
 public:
     /// Opens the file, and reads what it starts with.
     /// @throws std::system_error  it cannot be opened or read
-    explicit CaptureRecords(std::string const& path);
+    TALIEC61850ANALYSIS_EXPORT explicit CaptureRecords(std::string const& path);
 
     /// The next record. It claims no octet that the file does not hold.
     /// @return none after the last record, and where the file is damaged: see `damage`
     /// @throws std::system_error  the file cannot be read
-    [[nodiscard]] std::optional<CaptureRecord> next();
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<CaptureRecord> next();
 
     /// The captured octets of a record of this file.
     /// @param record  what `next` gave, or `cutRecord`
     /// @return valid until the next call of either; fewer octets than the record has where the file
     ///         became shorter meanwhile
     /// @throws std::system_error  the file cannot be read
-    [[nodiscard]] std::span<std::uint8_t const> frameOf(CaptureRecord const& record);
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::span<std::uint8_t const> frameOf(
+        CaptureRecord const& record);
 
     /// What is wrong with the file. It is known once `next` gave none; not set for a whole file.
     [[nodiscard]] std::optional<CaptureDamage> const& damage() const noexcept { return damage_; }

@@ -6,7 +6,7 @@
 namespace TalIec61850Analysis {
 
 /// An open file of the operating system, closed when this object is destroyed; or none.
-class TALIEC61850ANALYSIS_EXPORT Descriptor {
+class Descriptor {
 public:
     /// None.
     Descriptor() = default;
@@ -16,8 +16,8 @@ public:
     /// Leaves the other without a file.
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     /// Closes the file that was held, and leaves the other without one.
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    ~Descriptor();
+    TALIEC61850ANALYSIS_EXPORT Descriptor& operator=(Descriptor&& other) noexcept;
+    TALIEC61850ANALYSIS_EXPORT ~Descriptor();
 
     /// Whether there is a file.
     [[nodiscard]] explicit operator bool() const noexcept { return number_ >= 0; }

@@ -11,24 +11,27 @@
 namespace TalIec61850Analysis {
 
 /// The frames of a capture that hold given offsets, as those of indexed packets.
-class TALIEC61850ANALYSIS_EXPORT PacketFrames {
+class PacketFrames {
 public:
     /// Walks the record headers of the capture once.
     /// @param path         a classic capture; of a damaged one, what comes before the damage
     /// @param fileOffsets  in octets, in any order; those that no frame holds are ignored
     /// @throws std::system_error  the file cannot be opened or read
-    PacketFrames(std::string const& path, std::vector<std::uint64_t> fileOffsets);
+    TALIEC61850ANALYSIS_EXPORT PacketFrames(std::string const& path,
+                                            std::vector<std::uint64_t> fileOffsets);
 
     /// The record in whose captured octets an offset is.
     /// @param fileOffset  one of those given
     /// @return none where the file has no such record
-    [[nodiscard]] std::optional<CaptureRecord> recordAt(std::uint64_t fileOffset) const;
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<CaptureRecord> recordAt(
+        std::uint64_t fileOffset) const;
 
     /// The captured octets of a record that `recordAt` gave. The file is opened for that, unless it
     /// is still open, and stays open.
     /// @return fewer octets than the record has where the file became shorter meanwhile
     /// @throws std::system_error  the file cannot be opened or read
-    [[nodiscard]] std::vector<std::uint8_t> frameOf(CaptureRecord const& record);
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::vector<std::uint8_t> frameOf(
+        CaptureRecord const& record);
 
     /// Closes the file until `frameOf` is called again, so that there may be more captures than
     /// files can be open.
