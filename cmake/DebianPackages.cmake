@@ -16,6 +16,7 @@ if(NOT debian_version MATCHES "^[a-z0-9]+ \\((.+)-([0-9]+)\\)"
 endif()
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${CMAKE_MATCH_2})
 set(debian_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+set(same "(= ${debian_version})")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -80,7 +81,7 @@ tal_debian_package(library ${tal_library_package} SECTION libs
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
 
 tal_debian_package(development libtaliec61850parser-dev SECTION libdevel
-    DEPENDS "${tal_library_package} (= ${debian_version})")
+    DEPENDS "${tal_library_package} ${same}")
 tal_install_pages(${CMAKE_INSTALL_DATADIR}/doc/libtaliec61850parser-dev development)
 tal_install_examples(${CMAKE_INSTALL_DATADIR}/doc/libtaliec61850parser-dev development)
 
@@ -90,12 +91,12 @@ if(TAL_BUILD_ANALYSIS)
   set(CPACK_DEBIAN_ANALYSIS_PACKAGE_SHLIBDEPS ON)
   # CMake finds it as a component of the first library's package, where the pages are too.
   tal_debian_package(analysis_development libtaliec61850analysis-dev SECTION libdevel
-      DEPENDS "${tal_analysis_package} (= ${debian_version}), libtaliec61850parser-dev (= ${debian_version})")
+      DEPENDS "${tal_analysis_package} ${same}, libtaliec61850parser-dev ${same}")
 endif()
 
 if(TAL_BUILD_TOOLS)
   tal_debian_package(tools tal-iec61850 SECTION net
-      DEPENDS "${tal_library_package} (= ${debian_version}), ${tal_analysis_package} (= ${debian_version})")
+      DEPENDS "${tal_library_package} ${same}, ${tal_analysis_package} ${same}")
   tal_install_pages(${CMAKE_INSTALL_DATADIR}/doc/tal-iec61850 tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
   # The libraries' packages are not installed where they are made.

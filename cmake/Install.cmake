@@ -1,12 +1,12 @@
-# Components, for packages that are installed one without the other: `library` and `analysis` are what
-# programs run with, `development` and `analysis_development` what they are built with, `documents` the
-# licence, the pages and the examples; tools/ has one more, `tools`.
+# Components, for packages that are installed one without the other: `library` and `analysis` are
+# what programs run with, `development` and `analysis_development` what they are built with,
+# `documents` the licence, the pages and the examples; tools/ has one more, `tools`.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TalIec61850Parser)
 
-# Writes and installs the file by which pkg-config finds a library. Its folders are given relative to
-# the file itself, so that the installed tree can be moved.
+# Writes and installs the file by which pkg-config finds a library. Its folders are given relative
+# to the file itself, so that the installed tree can be moved.
 #   LINK  how the linker is told the library
 function(tal_install_pkgconfig name)
   cmake_parse_arguments(arg "" "VERSION;DESCRIPTION;LINK;COMPONENT" "" ${ARGN})

@@ -18,6 +18,7 @@ enum class CaptureDamageKind {
 
 /// Damage in a capture, with its place. What comes before it is read; nothing after it is.
 struct CaptureDamage {
+    /// What is wrong.
     CaptureDamageKind kind = CaptureDamageKind::notCapture;
     /// Where the header starts that is cut, or the record, in octets from the start of the file.
     std::uint64_t fileOffset = 0;
@@ -26,6 +27,7 @@ struct CaptureDamage {
     /// Of a record that is cut: how many of these the file does not hold.
     std::uint64_t missingSize = 0;
 
+    /// Member by member.
     friend bool operator==(CaptureDamage const&, CaptureDamage const&) = default;
 };
 

@@ -18,6 +18,7 @@ struct CaptureRecord {
     /// Octets of the frame on the wire, as the header says.
     std::uint32_t originalSize = 0;
 
+    /// Member by member.
     friend bool operator==(CaptureRecord const&, CaptureRecord const&) = default;
 };
 

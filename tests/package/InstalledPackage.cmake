@@ -2,7 +2,8 @@
 # again after that folder was moved.
 #
 #   cmake -D BUILD_DIR=... -D WORK_DIR=... -D VERSION=... -D ABI=...
-#         -D ANALYSIS_VERSION=... -D GENERATOR=... -D MAKE_PROGRAM=... -D CXX=... -D CXX_FLAGS=... -D CAPTURE_MAKER=... -P InstalledPackage.cmake
+#         -D ANALYSIS_VERSION=... -D GENERATOR=... -D MAKE_PROGRAM=... -D CXX=...
+#         -D CXX_FLAGS=... -D CAPTURE_MAKER=... -P InstalledPackage.cmake
 
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Steps.cmake)
@@ -42,7 +43,7 @@ endfunction()
 
 function(want_another_component prefix)
   configure_consumer(${prefix} analysis wanted_component=Synthesis)
-  expect_refusal("missing: Synthesis" ${configure_command})
+  expect_refusal("component Synthesis is not installed" ${configure_command})
   message(STATUS "find_package refuses a component that there is not")
 endfunction()
 
