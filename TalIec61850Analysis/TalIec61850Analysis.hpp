@@ -10,5 +10,13 @@
 
 #include <TalIec61850Analysis/Export.hpp>
 #include <TalIec61850Analysis/Version.hpp>
+#include <TalIec61850Analysis/file/CaptureCheck.hpp>
+#include <TalIec61850Analysis/file/CaptureDamage.hpp>
+#include <TalIec61850Analysis/file/CaptureRecord.hpp>
+#include <TalIec61850Analysis/file/CaptureRecords.hpp>
+#include <TalIec61850Analysis/file/CaptureSurvey.hpp>
+#include <TalIec61850Analysis/file/Descriptor.hpp>
+#include <TalIec61850Analysis/file/FileIdentity.hpp>
+#include <TalIec61850Analysis/file/PacketFrames.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>

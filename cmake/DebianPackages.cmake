@@ -5,6 +5,7 @@ if(NOT TAL_INSTALL)
 endif()
 set(debian_dir ${PROJECT_SOURCE_DIR}/packaging/debian)
 set(tal_library_package libtaliec61850parser${tal_abi})
+set(tal_analysis_package libtaliec61850analysis${tal_analysis_abi})
 
 # The packages' version is that of the newest entry of their changelog.
 file(STRINGS ${debian_dir}/changelog debian_version LIMIT_COUNT 1)
@@ -15,6 +16,7 @@ if(NOT debian_version MATCHES "^[a-z0-9]+ \\((.+)-([0-9]+)\\)"
 endif()
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${CMAKE_MATCH_2})
 set(debian_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+set(same "(= ${debian_version})")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -66,24 +68,38 @@ function(tal_debian_package component package)
       COMPONENT ${component})
 endfunction()
 
-# What the packages of other programs that link the library come to depend on.
-configure_file(${debian_dir}/shlibs.in ${PROJECT_BINARY_DIR}/packaging/shlibs @ONLY)
+# What the packages of other programs that link a library come to depend on: one file for each
+# library, as Debian names it. A program that uses the second library is built anew for each version
+# of it, while its ABI number is 0.
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packaging/library/shlibs CONTENT
+    "TalIec61850Parser ${tal_abi} ${tal_library_package} (>= ${PROJECT_VERSION})\n")
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packaging/analysis/shlibs CONTENT
+    "libTalIec61850Analysis ${tal_analysis_abi} ${tal_analysis_package} (= ${debian_version})\n")
 
 tal_debian_package(library ${tal_library_package} SECTION libs
-    CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/shlibs ${debian_dir}/triggers)
+    CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/library/shlibs ${debian_dir}/triggers)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
 
 tal_debian_package(development libtaliec61850parser-dev SECTION libdevel
-    DEPENDS "${tal_library_package} (= ${debian_version})")
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtaliec61850parser-dev COMPONENT development
-    FILES_MATCHING PATTERN *.cpp)
+    DEPENDS "${tal_library_package} ${same}")
+tal_install_pages(${CMAKE_INSTALL_DATADIR}/doc/libtaliec61850parser-dev development)
+tal_install_examples(${CMAKE_INSTALL_DATADIR}/doc/libtaliec61850parser-dev development)
+
+if(TAL_BUILD_ANALYSIS)
+  tal_debian_package(analysis ${tal_analysis_package} SECTION libs
+      CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/analysis/shlibs ${debian_dir}/triggers)
+  set(CPACK_DEBIAN_ANALYSIS_PACKAGE_SHLIBDEPS ON)
+  # CMake finds it as a component of the first library's package, where the pages are too.
+  tal_debian_package(analysis_development libtaliec61850analysis-dev SECTION libdevel
+      DEPENDS "${tal_analysis_package} ${same}, libtaliec61850parser-dev ${same}")
+endif()
 
 if(TAL_BUILD_TOOLS)
   tal_debian_package(tools tal-iec61850 SECTION net
-      DEPENDS "${tal_library_package} (= ${debian_version})")
+      DEPENDS "${tal_library_package} ${same}, ${tal_analysis_package} ${same}")
+  tal_install_pages(${CMAKE_INSTALL_DATADIR}/doc/tal-iec61850 tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-  # The library's package is not installed where it is made.
+  # The libraries' packages are not installed where they are made.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 endif()
 

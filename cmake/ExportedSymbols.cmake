@@ -1,11 +1,11 @@
 # What a shared object exports: what its export macro marks, and of that only names of the library's
-# own namespaces. Code of standard templates that happens to be compiled into it stays inside: which
-# that is changes with the compiler and its options. Each library's PublicSymbols.txt lists the names,
-# and a test compares.
+# own namespaces. Code of standard templates that is compiled into it stays inside: which that is
+# changes with the compiler and its options. Each library's PublicSymbols.txt lists the names, and a
+# test compares.
 
-# Writes the header that defines a library's export macro, TALIEC61850PARSER_EXPORT for the target of
-# that name. CMake's module would try what the compiler can do, and keep that in a cache that may be
-# another project's: g++ and clang++ can do all of it.
+# Writes the header that defines a library's export macro, TALIEC61850PARSER_EXPORT for the target
+# of that name. CMake's module would try what the compiler can do, and keep that in a cache that may
+# be another project's: g++ and clang++ can do all of it.
 function(tal_generate_export_header target header)
   include(GenerateExportHeader)
   foreach(feature HIDDEN_VISIBILITY HIDDEN_INLINE_VISIBILITY DEPRECATED_ATTR)

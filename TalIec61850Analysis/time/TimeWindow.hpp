@@ -17,6 +17,7 @@ struct TimeWindow {
         return (!from || *from <= time) && (!to || time <= *to);
     }
 
+    /// Whether both have the same ends.
     friend bool operator==(TimeWindow const&, TimeWindow const&) = default;
 };
 

@@ -1,7 +1,8 @@
 # Installs the built project into a folder of its own, uses it from there as strangers would, and
 # again after that folder was moved.
 #
-#   cmake -D BUILD_DIR=... -D WORK_DIR=... -D VERSION=... -D ABI=... -D GENERATOR=... -D CXX=...
+#   cmake -D BUILD_DIR=... -D WORK_DIR=... -D VERSION=... -D ABI=...
+#         -D ANALYSIS_VERSION=... -D GENERATOR=... -D MAKE_PROGRAM=... -D CXX=...
 #         -D CXX_FLAGS=... -D CAPTURE_MAKER=... -P InstalledPackage.cmake
 
 cmake_minimum_required(VERSION 3.25)
@@ -16,26 +17,40 @@ function(find_library_dir prefix out_dir)
   set(${out_dir} ${dir} PARENT_SCOPE)
 endfunction()
 
-# Configures a project that wants a version of the package, into variables of a `run`.
-macro(configure_consumer prefix wanted_version)
+# Makes the command that configures a project, which is told what it wants of the package.
+macro(configure_consumer prefix project what_it_wants)
   file(REMOVE_RECURSE ${WORK_DIR}/build)
-  set(configure_command ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK_DIR}/build
-      -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${CXX_FLAGS}
-      -DCMAKE_PREFIX_PATH=${prefix} -Dwanted_version=${wanted_version})
+  set(configure_command ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/${project}
+      -B ${WORK_DIR}/build -G ${GENERATOR} -DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}
+      -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${CXX_FLAGS}
+      -DCMAKE_PREFIX_PATH=${prefix} -D${what_it_wants})
 endmacro()
 
 function(use_by_cmake prefix)
-  configure_consumer(${prefix} 1.0)
+  configure_consumer(${prefix} consumer wanted_version=1.0)
   run(COMMAND ${configure_command})
   run(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
   run(COMMAND ${WORK_DIR}/build/consumer ${capture} OUTPUT output)
   expect_streams("find_package" ${VERSION} ${VERSION} "${output}")
+  if(ANALYSIS_VERSION)
+    configure_consumer(${prefix} analysis wanted_component=Analysis)
+    run(COMMAND ${configure_command})
+    run(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+    run(COMMAND ${WORK_DIR}/build/analysis-consumer ${capture} OUTPUT output)
+    expect_records("find_package, COMPONENTS Analysis" ${ANALYSIS_VERSION} "${output}")
+  endif()
+endfunction()
+
+function(want_another_component prefix)
+  configure_consumer(${prefix} analysis wanted_component=Synthesis)
+  expect_refusal("component Synthesis is not installed" ${configure_command})
+  message(STATUS "find_package refuses a component that there is not")
 endfunction()
 
 function(want_another_version prefix)
   math(EXPR next_major "${VERSION_MAJOR} + 1")
   foreach(wanted ${next_major}.0 ${VERSION_MAJOR}.999)
-    configure_consumer(${prefix} ${wanted})
+    configure_consumer(${prefix} consumer wanted_version=${wanted})
     expect_refusal("compatible with requested version \"${wanted}\"" ${configure_command})
     message(STATUS "find_package refuses ${wanted}")
   endforeach()
@@ -56,6 +71,31 @@ function(use_by_pkg_config prefix headers)
       ${flags} -Wl,-rpath,${library_dir} -o ${WORK_DIR}/plain-consumer)
   run(COMMAND ${WORK_DIR}/plain-consumer ${capture} OUTPUT output)
   expect_streams("pkg-config" ${headers} ${VERSION} "${output}")
+endfunction()
+
+function(use_analysis_by_pkg_config prefix)
+  find_library_dir(${prefix} library_dir)
+  set(pkg_config ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${library_dir}/pkgconfig ${PKG_CONFIG})
+  run(COMMAND ${pkg_config} --modversion TalIec61850Analysis OUTPUT output)
+  if(NOT output STREQUAL "${ANALYSIS_VERSION}\n")
+    message(FATAL_ERROR "pkg-config gives the version of the second library as ${output}")
+  endif()
+  run(COMMAND ${pkg_config} --cflags --libs TalIec61850Analysis OUTPUT flags)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  run(COMMAND ${CXX} -std=c++20 ${CXX_FLAGS_LIST} ${CMAKE_CURRENT_LIST_DIR}/analysis/analysis.cpp
+      ${flags} -Wl,-rpath,${library_dir} -o ${WORK_DIR}/plain-analysis)
+  run(COMMAND ${WORK_DIR}/plain-analysis ${capture} OUTPUT output)
+  expect_records("pkg-config, the second library" ${ANALYSIS_VERSION} "${output}")
+endfunction()
+
+# The licence, and the pages that a user reads.
+function(read_documents prefix)
+  foreach(file LICENSE README.md CHANGELOG.md SECURITY.md docs/guide.md docs/tool.md
+      examples/index-and-decode.cpp)
+    if(NOT EXISTS ${prefix}/share/doc/TalIec61850Parser/${file})
+      message(FATAL_ERROR "${file} is not installed")
+    endif()
+  endforeach()
 endfunction()
 
 # A program that was compiled with newer headers is told the version of the library that it finds.
@@ -112,7 +152,9 @@ string(REGEX MATCH "^[0-9]+" VERSION_MAJOR ${VERSION})
 run(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/prefix)
 use_by_cmake(${WORK_DIR}/prefix)
 want_another_version(${WORK_DIR}/prefix)
+want_another_component(${WORK_DIR}/prefix)
 use_by_pkg_config(${WORK_DIR}/prefix ${VERSION})
+read_documents(${WORK_DIR}/prefix)
 use_with_newer_headers(${WORK_DIR}/prefix)
 open_at_run_time(${WORK_DIR}/prefix)
 execute(${WORK_DIR}/prefix)
@@ -120,4 +162,7 @@ execute(${WORK_DIR}/prefix)
 file(RENAME ${WORK_DIR}/prefix ${WORK_DIR}/moved)
 use_by_cmake(${WORK_DIR}/moved)
 use_by_pkg_config(${WORK_DIR}/moved ${VERSION})
+if(ANALYSIS_VERSION)
+  use_analysis_by_pkg_config(${WORK_DIR}/moved)
+endif()
 execute(${WORK_DIR}/moved)

@@ -1,6 +1,6 @@
 # Compares what the shared object exports with the list that is kept.
 #
-#   cmake -D LIBRARY=... -D LIST=... -D FOUND=... -D NM=... -P PublicSymbols.cmake
+#   cmake -D LIBRARY=... -D LIST=... -D FOUND=... -D NM=... -D ADVICE=... -P PublicSymbols.cmake
 #
 # What was found is written to FOUND, below the kept list's comments, to be copied over it.
 
@@ -50,7 +50,7 @@ if(gone OR new OR NOT found STREQUAL kept)
   text_of("${gone};${new}" changes)
   message(FATAL_ERROR "The library exports other symbols than ${LIST} lists:\n${changes}\n"
       "Where that is wanted:\n  cp ${FOUND} ${LIST}\n"
-      "and, before the next release, raise tal_abi in CMakeLists.txt if any is gone.")
+      "${ADVICE}")
 endif()
 list(LENGTH found count)
 message(STATUS "${count} symbols, as listed")

@@ -29,6 +29,15 @@ function(expect_streams what headers library output)
   message(STATUS "${what}: ${output}")
 endfunction()
 
+# The same for the program that takes the second library.
+function(expect_records what version output)
+  string(REPLACE "." "\\." expected "headers ${version}, library ${version}")
+  if(NOT output MATCHES "^${expected}: 5000 records, [1-9][0-9]* octets\n$")
+    message(FATAL_ERROR "${what} printed: ${output}")
+  endif()
+  message(STATUS "${what}: ${output}")
+endfunction()
+
 # Makes a folder anew, empty.
 function(make_empty folder)
   file(REMOVE_RECURSE ${folder})

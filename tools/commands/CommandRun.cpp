@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <algorithm>
 #include <atomic>
@@ -11,13 +12,14 @@
 #include <set>
 
 #include "tools/commands/UsageError.hpp"
-#include "tools/input/CaptureSurvey.hpp"
 #include "tools/output/Messages.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
 
+using TalIec61850Analysis::CaptureSurvey;
 using TalIec61850Parser::Filter;
 using TalIec61850Parser::PcapParser;
 
@@ -45,7 +47,7 @@ std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
 /// page cache then, and the library says nothing of damage.
 CaptureSurvey indexCapture(CaptureSource const& capture, Filter const& filter,
                            TalIec61850Parser::Db& db, ProgressBar& bar) {
-    auto survey = std::async(surveyCapture, capture.path);
+    auto survey = std::async(TalIec61850Analysis::surveyCapture, capture.path);
     std::atomic<bool> const neverStop = false;
     // Without somebody to see it, no progress is asked for: that is faster.
     std::function<void(double)> progress;
@@ -80,12 +82,12 @@ CaptureIndex CommandRun::index(Filter const& filter) {
     for (auto const& capture : captures()) {
         index.numbers.emplace(capture.path, static_cast<std::uint32_t>(index.numbers.size()));
         CaptureSurvey const survey = indexCapture(capture, filter, index.db, bar);
-        if (survey.begin) {
-            index.begin = std::min(index.begin.value_or(*survey.begin), *survey.begin);
+        if (survey.start) {
+            index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);
         }
-        if (survey.damage) {
+        if (auto const fault = faultText(survey)) {
             bar.erase();
-            complainOf(capture.name, *survey.damage);
+            complainOf(capture.name, *fault);
         }
     }
     return index;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <TalIec61850Analysis/file/CaptureRecords.hpp>
 #include <functional>
 #include <map>
 #include <memory>
@@ -11,8 +12,8 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/SelectionOptions.hpp"
 #include "tools/commands/VerdictLayout.hpp"
-#include "tools/input/CaptureRecords.hpp"
 #include "tools/output/Plural.hpp"
+#include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -48,18 +49,18 @@ using FrameTaker = std::function<void(JudgedFrame const&)>;
 /// @throws std::system_error  it cannot be read
 std::optional<std::string> judgeCapture(CaptureSource const& capture, Filter const& filter,
                                         ProgressBar& bar, FrameTaker const& take) {
-    CaptureRecords records(capture.path);
+    TalIec61850Analysis::CaptureRecords records(capture.path);
     bar.startFile(capture.name, capture.size);
     std::vector<std::uint8_t> octets;
     for (std::uint64_t count = 0; auto const record = records.next(); ++count) {
         if (count % kRecordsPerProgress == 0) {
-            bar.show(static_cast<double>(record->position) / static_cast<double>(capture.size));
+            bar.show(static_cast<double>(record->fileOffset) / static_cast<double>(capture.size));
         }
         auto const frame = records.frameOf(*record);
         octets.assign(frame.begin(), frame.end());
         take({.verdict = judgeFrame(octets, filter), .file = capture.name, .record = *record});
     }
-    return records.damage();
+    return records.damage() ? std::optional(damageText(*records.damage())) : std::nullopt;
 }
 
 /// Judges all frames of all captures, and says what is wrong with these.

@@ -17,7 +17,7 @@ namespace {
 Fields toFields(ShownPacket const& packet) {
     Fields fields;
     addPacketFields(packet.row, fields);
-    fields["recordPosition"] = packet.record.position;
+    fields["recordPosition"] = packet.record.fileOffset;
     fields["capturedOctets"] = packet.record.capturedSize;
     fields["wireOctets"] = packet.record.originalSize;
     fields["protocol"] = toText(packet.row.stream.protocol);
@@ -35,8 +35,8 @@ std::string titleOf(ShownPacket const& packet) {
                            : fmt::format(" ({} the window)", toText(packet.row.place)));
 }
 
-std::string recordLineOf(CaptureRecord const& record) {
-    return fmt::format("record at {}: {} of {} octets captured\n", record.position,
+std::string recordLineOf(TalIec61850Analysis::CaptureRecord const& record) {
+    return fmt::format("record at {}: {} of {} octets captured\n", record.fileOffset,
                        record.capturedSize, record.originalSize);
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/CaptureRecord.hpp>
 #include <optional>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/input/CaptureRecords.hpp"
 #include "tools/inspect/GoosePacket.hpp"
 #include "tools/inspect/SvPacket.hpp"
 #include "tools/output/RowWriter.hpp"
@@ -14,7 +14,7 @@ namespace TalIec61850Tools {
 /// A packet in full, and the record that it came in.
 struct ShownPacket {
     PacketRow row;
-    CaptureRecord record;
+    TalIec61850Analysis::CaptureRecord record;
     /// That of the packet's protocol is set.
     std::optional<GoosePacket> goose;
     std::optional<SvPacket> sv;

@@ -8,6 +8,8 @@
 
 namespace TalIec61850Tools {
 
+using TalIec61850Analysis::PacketFrames;
+
 SelectedFrames::SelectedFrames(CommandRun& run, PacketSelection const& selection)
     : run_(run), selection_(selection) {
     for (SelectedPacket const& packet : selection.packets) {
@@ -28,23 +30,29 @@ std::optional<ShownPacket> SelectedFrames::read(SelectedPacket const& packet) {
     }
 }
 
-PacketFrames const& SelectedFrames::framesOf(std::uint32_t capture) {
-    auto const found = frames_.find(capture);
-    return found != frames_.end() ? found->second
-                                  : frames_
-                                        .try_emplace(capture, run_.captures()[capture].path,
-                                                     std::exchange(positions_[capture], {}))
-                                        .first->second;
+PacketFrames& SelectedFrames::framesOf(std::uint32_t capture) {
+    auto found = frames_.find(capture);
+    if (found == frames_.end()) {
+        found = frames_
+                    .try_emplace(capture, run_.captures()[capture].path,
+                                 std::exchange(positions_[capture], {}))
+                    .first;
+    }
+    if (open_ != nullptr && open_ != &found->second) {
+        open_->close();
+    }
+    open_ = &found->second;
+    return *open_;
 }
 
-ShownPacket SelectedFrames::readFrom(PacketFrames const& frames, SelectedPacket const& packet) {
+ShownPacket SelectedFrames::readFrom(PacketFrames& frames, SelectedPacket const& packet) {
     std::uint64_t const position = packet.package->position;
     auto const record = frames.recordAt(position);
     if (!record) {
         throw std::system_error(ESTALE, std::generic_category());
     }
     auto const frame = frames.frameOf(*record);
-    auto const offset = static_cast<std::size_t>(position - record->framePosition());
+    auto const offset = static_cast<std::size_t>(position - record->frameOffset);
     ShownPacket shown{
         .row = toRow(packet, selection_, run_), .record = *record, .goose = {}, .sv = {}};
     if (shown.row.stream.protocol == Protocol::goose) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/PacketFrames.hpp>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -8,7 +9,6 @@
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/PacketWriter.hpp"
-#include "tools/input/PacketFrames.hpp"
 #include "tools/selection/PacketSelection.hpp"
 
 namespace TalIec61850Tools {
@@ -25,14 +25,17 @@ public:
     [[nodiscard]] std::optional<ShownPacket> read(SelectedPacket const& packet);
 
 private:
-    [[nodiscard]] PacketFrames const& framesOf(std::uint32_t capture);
-    [[nodiscard]] ShownPacket readFrom(PacketFrames const& frames, SelectedPacket const& packet);
+    [[nodiscard]] TalIec61850Analysis::PacketFrames& framesOf(std::uint32_t capture);
+    [[nodiscard]] ShownPacket readFrom(TalIec61850Analysis::PacketFrames& frames,
+                                       SelectedPacket const& packet);
 
     CommandRun& run_;
     PacketSelection const& selection_;
     /// The selected positions in each capture, until its records have been walked.
     std::map<std::uint32_t, std::vector<std::uint64_t>> positions_;
-    std::map<std::uint32_t, PacketFrames> frames_;
+    std::map<std::uint32_t, TalIec61850Analysis::PacketFrames> frames_;
+    /// The one of them that may be open: there may be more captures than files can be.
+    TalIec61850Analysis::PacketFrames* open_ = nullptr;
     std::set<std::uint32_t> lost_;
 };
 

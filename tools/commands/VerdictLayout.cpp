@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tools/output/TextEscape.hpp"
+#include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/StreamFields.hpp"
 
 namespace TalIec61850Tools {
@@ -41,7 +42,7 @@ Fields frameFields(JudgedFrame const& row) {
     return {{"time", toUtcText(row.record.time)},
             {"timeNs", nanosecondsSince1970(row.record.time)},
             {"file", row.file},
-            {"recordPosition", row.record.position},
+            {"recordPosition", row.record.fileOffset},
             {"protocol", protocolText(row.verdict.protocol)},
             {"verdict", toText(row.verdict.verdict)},
             {"answer", row.verdict.answer}};
@@ -54,7 +55,7 @@ constexpr std::array kFrameColumns = {
                         [](auto const& r) { return std::string(toText(r.verdict.verdict)); }},
     Column<JudgedFrame>{{"ANSWER"}, [](auto const& r) { return answerText(r.verdict); }},
     Column<JudgedFrame>{{"RECORD", Align::right},
-                        [](auto const& r) { return fmt::to_string(r.record.position); }},
+                        [](auto const& r) { return fmt::to_string(r.record.fileOffset); }},
     Column<JudgedFrame>{{"FILE"}, [](auto const& r) { return escapeText(r.file); }},
 };
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/CaptureRecord.hpp>
 #include <cstdint>
 #include <string_view>
 
 #include "tools/commands/FrameVerdict.hpp"
-#include "tools/input/CaptureRecords.hpp"
 #include "tools/output/RowLayout.hpp"
 
 namespace TalIec61850Tools {
@@ -22,7 +22,7 @@ struct JudgedFrame {
     FrameVerdict verdict;
     /// The capture as it was given; valid as long as its name is.
     std::string_view file;
-    CaptureRecord record;
+    TalIec61850Analysis::CaptureRecord record;
 };
 
 /// The fields protocol, verdict, answer, frames and octets.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -9,12 +10,22 @@
 #include <system_error>
 
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::CaptureCheck;
+using TalIec61850Analysis::CaptureFault;
+using TalIec61850Analysis::checkCapture;
 
 namespace {
 
 namespace fs = std::filesystem;
+
+/// A file that is read without a fault, but is no capture.
+bool isSomethingElse(CaptureCheck const& check) {
+    return check.fault == CaptureFault::notCapture || check.fault == CaptureFault::notRegularFile;
+}
 
 class Finder {
 public:
@@ -42,7 +53,7 @@ private:
     void add(std::string const& path, std::string const& name, CaptureCheck const& check) {
         found_.files.insert(check.identity);
         if (check.fault) {
-            refuse(name, *check.fault);
+            refuse(name, faultText(check));
             return;
         }
         auto const [known, isNew] = known_.emplace(check.identity, found_.captures.size());
@@ -70,7 +81,7 @@ private:
         bool hasCapture = false;
         for (auto const& path : filesBelow(folder)) {
             CaptureCheck const check = checkCapture(path);
-            if (!check.isSomethingElse) {
+            if (!isSomethingElse(check)) {
                 hasCapture = true;
                 add(path, path, check);
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/FileIdentity.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -8,10 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/input/CaptureCheck.hpp"
 #include "tools/input/StandardInput.hpp"
 
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::FileIdentity;
 
 /// A capture file that a command reads.
 struct CaptureSource {

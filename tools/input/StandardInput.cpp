@@ -13,6 +13,8 @@
 
 namespace TalIec61850Tools {
 
+using TalIec61850Analysis::Descriptor;
+
 namespace {
 
 constexpr std::size_t kBlockSize = std::size_t{1} << 18U;

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/Descriptor.hpp>
 #include <string>
-
-#include "tools/input/Descriptor.hpp"
 
 namespace TalIec61850Tools {
 
@@ -19,7 +18,7 @@ public:
     [[nodiscard]] std::string const& path() const { return path_; }
 
 private:
-    Descriptor copy_;
+    TalIec61850Analysis::Descriptor copy_;
     std::string path_;
 };
 

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
+#include <sys/stat.h>
 
-#include <TalIec61850Parser/store/Db.hpp>
+#include <TalIec61850Analysis/file/CaptureRecords.hpp>
+#include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <algorithm>
 #include <filesystem>
 
@@ -11,22 +13,35 @@
 #include "index/RandomPicks.hpp"
 #include "index/TrafficGenerators.hpp"
 #include "support/CaptureFile.hpp"
-#include "support/Goose.hpp"
-#include "tools/input/CaptureRecords.hpp"
-#include "tools/input/CaptureSurvey.hpp"
-#include "tools/input/PacketFrames.hpp"
+#include "support/TempFile.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Analysis {
 namespace {
 
 using TalTest::below;
 using TalTest::Bytes;
-using TalTest::oneIn;
 using TalTest::prefix;
 using TalTest::ScratchFile;
 
 std::int64_t timeOf(TalTest::CaptureRecord const& record) {
     return std::int64_t{record.seconds} * 1'000'000'000 + record.nanoseconds;
+}
+
+/// @param end  where the last whole record ends
+void requireDamage(Bytes const& capture, std::uint64_t end,
+                   std::optional<CaptureDamage> const& damage) {
+    std::uint64_t const rest = capture.size() < end ? 0 : capture.size() - end;
+    RC_ASSERT(damage.has_value() == (end != capture.size()));
+    if (capture.size() < 24) {
+        RC_ASSERT(damage->kind == CaptureDamageKind::fileHeaderCut);
+        RC_ASSERT(damage->fileOffset == 0U);
+    } else if (damage) {
+        bool const isInHeader = rest < 16;
+        RC_ASSERT(damage->kind ==
+                  (isInHeader ? CaptureDamageKind::recordHeaderCut : CaptureDamageKind::recordCut));
+        RC_ASSERT(damage->fileOffset == end);
+        RC_ASSERT(damage->claimedSize - damage->missingSize == (isInHeader ? 0 : rest - 16));
+    }
 }
 
 /// Walks a file, and expects the records that a plain reading finds.
@@ -38,8 +53,8 @@ void requireRecordsOf(Bytes const& capture) {
     while (auto const record = records.next()) {
         RC_ASSERT(count < expected.size());
         TalTest::CaptureRecord const& plain = expected[count++];
-        RC_ASSERT(record->position == plain.position);
-        RC_ASSERT(record->framePosition() == plain.position + 16);
+        RC_ASSERT(record->fileOffset == plain.position);
+        RC_ASSERT(record->frameOffset == plain.position + 16);
         RC_ASSERT(record->time.time_since_epoch().count() == timeOf(plain));
         RC_ASSERT(record->capturedSize == plain.inclLen);
         RC_ASSERT(record->originalSize == plain.origLen);
@@ -49,13 +64,13 @@ void requireRecordsOf(Bytes const& capture) {
     RC_ASSERT(count == expected.size());
     auto const end = expected.empty() ? std::uint64_t{24}
                                       : expected.back().position + 16 + expected.back().inclLen;
-    RC_ASSERT(records.damage().has_value() == (end != capture.size()));
+    requireDamage(capture, end, records.damage());
     RC_ASSERT(records.cutRecord().has_value() == (capture.size() >= end + 16));
     RC_ASSERT(!records.next());
     CaptureSurvey const survey = surveyCapture(file.path());
     RC_ASSERT(survey.damage == records.damage());
     if (!expected.empty()) {
-        RC_ASSERT(survey.begin.value().time_since_epoch().count() == timeOf(expected[0]));
+        RC_ASSERT(survey.start.value().time_since_epoch().count() == timeOf(expected[0]));
     }
 }
 
@@ -110,9 +125,60 @@ TEST(CaptureRecords, TakeNoMemoryThatAHeaderMerelyClaims) {
     EXPECT_EQ(records.frameOf(*records.cutRecord()).size(), 10U);
 }
 
+TEST(CaptureRecords, TellWhatARecordClaimsAndWhatOfItIsMissing) {
+    ScratchFile const file(
+        TalTest::CaptureBuilder().add(1, 0, {1, 2}).addClaiming(1, 0, 1000, Bytes(10)).bytes());
+    CaptureRecords records(file.path());
+    EXPECT_TRUE(records.next());
+    EXPECT_FALSE(records.damage());
+    EXPECT_FALSE(records.next());
+    EXPECT_EQ(records.damage(), (CaptureDamage{.kind = CaptureDamageKind::recordCut,
+                                               .fileOffset = 24 + 18,
+                                               .claimedSize = 1000,
+                                               .missingSize = 990}));
+}
+
+TEST(CaptureRecords, OfAFileThatIsNoCaptureAreNone) {
+    for (Bytes const& content : {Bytes(), TalTest::text("a text, longer than any header is")}) {
+        ScratchFile const file(content);
+        CaptureRecords records(file.path());
+        EXPECT_FALSE(records.next());
+        EXPECT_EQ(records.damage(), CaptureDamage{});
+        EXPECT_EQ(records.damage()->kind, CaptureDamageKind::notCapture);
+    }
+}
+
 TEST(CaptureRecords, OfAFileThatIsGoneCannotBeRead) {
     EXPECT_THROW(CaptureRecords("/nonexistent/a.pcap"), std::system_error);
-    EXPECT_TRUE(surveyCapture("/nonexistent/a.pcap").damage);
+}
+
+TEST(CaptureRecords, OfAPipeAreRefusedWithoutWaitingForAWriter) {
+    TalTest::TempDir const folder;
+    ASSERT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    EXPECT_THROW(CaptureRecords(folder.file("pipe")), std::system_error);
+}
+
+TEST(CaptureSurvey, TellsWhyAFileCannotBeRead) {
+    CaptureSurvey const survey = surveyCapture("/nonexistent/a.pcap");
+    EXPECT_EQ(survey.error, std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(survey.damage);
+    EXPECT_FALSE(survey.start);
+}
+
+TEST(CaptureSurvey, OfACaptureWithoutRecordsHasNoStart) {
+    ScratchFile const file(TalTest::CaptureBuilder().bytes());
+    CaptureSurvey const survey = surveyCapture(file.path());
+    EXPECT_FALSE(survey.start);
+    EXPECT_FALSE(survey.damage);
+    EXPECT_FALSE(survey.error);
+}
+
+TEST(CaptureSurvey, StartsWithARecordThatIsCutWhereThereIsNoOther) {
+    ScratchFile const file(TalTest::CaptureBuilder().addClaiming(7, 0, 1000, {}).bytes());
+    CaptureSurvey const survey = surveyCapture(file.path());
+    EXPECT_EQ(survey.start, makeCaptureTime(7, 0));
+    ASSERT_TRUE(survey.damage);
+    EXPECT_EQ(survey.damage->missingSize, 1000U);
 }
 
 TEST(CaptureRecords, OfAFileThatBecomesShorterEndThere) {
@@ -128,82 +194,5 @@ TEST(CaptureRecords, OfAFileThatBecomesShorterEndThere) {
     EXPECT_TRUE(records.damage());
 }
 
-// --- The frames of packets -----------------------------------------------------------------------
-
-RC_GTEST_PROP(AnyPositions, AreFoundInTheRecordsThatHoldThem, ()) {
-    Bytes const whole = anyCapture();
-    Bytes const capture =
-        oneIn(3) ? prefix(whole, 24 + below(static_cast<unsigned>(whole.size()) - 23)) : whole;
-    std::vector<std::uint64_t> positions(below(20));
-    std::generate(positions.begin(), positions.end(),
-                  [&] { return below(static_cast<unsigned>(capture.size()) + 20); });
-    ScratchFile const file(capture);
-    PacketFrames frames(file.path(), positions);
-    auto records = TalTest::readCapture(capture);
-    CaptureRecords walk(file.path());
-    while (walk.next()) {
-    }
-    for (std::uint64_t const position : positions) {
-        auto const holder = std::find_if(records.begin(), records.end(), [&](auto const& record) {
-            return record.position + 16 <= position &&
-                   position < record.position + 16 + record.inclLen;
-        });
-        auto const found = frames.recordAt(position);
-        bool const isInCut = walk.cutRecord() && walk.cutRecord()->framePosition() <= position &&
-                             position < capture.size();
-        RC_ASSERT(found.has_value() == (holder != records.end() || isInCut));
-        if (holder != records.end()) {
-            RC_ASSERT(found->position == holder->position);
-            auto const frame = frames.frameOf(*found);
-            RC_ASSERT(
-                std::equal(frame.begin(), frame.end(), holder->frame.begin(), holder->frame.end()));
-        } else if (isInCut) {
-            RC_ASSERT(frames.frameOf(*found).size() ==
-                      capture.size() - walk.cutRecord()->framePosition());
-        }
-    }
-}
-
-RC_GTEST_PROP(AnyPositions, OfIndexedPacketsAreFound, ()) {
-    Bytes whole = captureOf(*TalTest::recordsOf(TalTest::validFrame()), *TalTest::anyVariant());
-    Bytes const capture =
-        oneIn(3) ? prefix(whole, 24 + below(static_cast<unsigned>(whole.size()) - 23)) : whole;
-    ScratchFile const file(capture);
-    TalIec61850Parser::Db db;
-    TalTest::indexInto(db, file.path());
-    auto const packets = TalTest::packetsByPosition(db);
-    std::vector<std::uint64_t> positions;
-    for (auto const& [position, packet] : packets) {
-        positions.push_back(position);
-    }
-    std::reverse(positions.begin(), positions.end());
-    PacketFrames const frames(file.path(), positions);
-    for (auto const& [position, packet] : packets) {
-        auto const record = frames.recordAt(position);
-        RC_ASSERT(record.has_value());
-        RC_ASSERT(record->time == toCaptureTime(packet.package.time));
-    }
-}
-
-TEST(PacketFrames, AreFoundBehindAClassicMagicInANextGenerationOne) {
-    // The library indexes such a file.
-    Bytes capture = TalTest::CaptureBuilder().bytes();
-    Bytes const magic = prefix(capture, 4);
-    capture = TalTest::concat({{0x0A, 0x0D, 0x0D, 0x0A, 0x1C, 0, 0, 0}, magic, Bytes(12)});
-    TalTest::CaptureBuilder records;
-    records.add(7, 0, gooseFrame(TalTest::Ethernet(), TalTest::GooseMessage()));
-    Bytes const behind(records.bytes().begin() + 24, records.bytes().end());
-    TalTest::append(capture, behind);
-    ScratchFile const file(capture);
-    TalIec61850Parser::Db db;
-    TalTest::indexInto(db, file.path());
-    auto const packets = TalTest::packetsByPosition(db);
-    ASSERT_EQ(packets.size(), 1U);
-    PacketFrames const frames(file.path(), {packets.begin()->first});
-    ASSERT_TRUE(frames.recordAt(packets.begin()->first));
-    EXPECT_EQ(frames.recordAt(packets.begin()->first)->time,
-              toCaptureTime(packets.begin()->second.package.time));
-}
-
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Analysis
