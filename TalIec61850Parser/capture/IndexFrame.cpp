@@ -1,102 +1,96 @@
-#include <TalIec61850Parser/capture/FrameIndex.hpp>
-#include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
-#include <TalIec61850Parser/capture/RecordReader.hpp>
+#include <TalIec61850Parser/capture/IndexFrame.hpp>
+#include <TalIec61850Parser/frame/Admission.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
-#include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <utility>
-#include <vector>
 
 namespace TalIec61850Parser::detail {
 
 namespace {
 
-/// takeLinkLayer; a frame that is rejected here is not looked into any further.
-template <typename Record, typename Identifier>
-bool admits(std::vector<Identifier> const& filters, Octets buffer, wire::LinkLayer const& link,
-            Record& record, WalkTrace* trace) {
-    bool const isAdmitted = takeLinkLayer(link, record, filters);
-    if (!isAdmitted && trace != nullptr) {
-        trace->passOver(buffer.subspan(link.payloadIndex));
-    }
-    return isAdmitted;
-}
+/// How GOOSE frames are indexed where that differs from SV.
+struct GooseIndexing {
+    using Record = Goose;
+    static auto& streams(Db& db) { return db.gooseProto.streams; }
+    static GooseFilters const& filters(Filter const& filter) { return filter.gooseFilters; }
+    static bool walk(Octets pdu, GooseWalk const& walk) { return walkGoosePdu(pdu, {}, walk); }
+    static SvFigures takeFigures(Goose const& /*record*/) { return {}; }
+};
 
-WalkTrace* traceOf(FrameLesson* lesson) { return lesson == nullptr ? nullptr : &lesson->trace; }
+struct SvIndexing {
+    using Record = Sv;
+    static auto& streams(Db& db) { return db.svProto.streams; }
+    static SvFilters const& filters(Filter const& filter) { return filter.svFilters; }
+    static bool walk(Octets pdu, SvWalk const& walk) { return walkSavPdu(pdu, {}, walk); }
+    /// A stored stream has statistics of its own: those of the frame leave the record.
+    static SvFigures takeFigures(Sv const& record) {
+        return {.smpCnt = std::exchange(record.maxSmpCnt, std::uint16_t{0}),
+                .smpRate = std::exchange(record.smpRate, std::uint16_t{0}),
+                .noASDU = std::exchange(record.maxNoASDU, std::uint32_t{0})};
+    }
+};
 
 /// Appends the packet to its stream, then counts it: a packet that found no memory is not counted.
-IndexedFrame addPacket(Package const& package, StreamPlace const& place,
-                       IndexTarget const& target) {
+void addPacket(Package const& package, StreamPlace const& place, IndexTarget const& target) {
     Timest const time =
-        packetTime(package.time.seconds, package.time.nanoseconds, target.isNanosecond);
+        packetTime(package.time.seconds, package.time.nanoseconds, target.variant.isNanosecond);
     place.file->addPackage(time.seconds, time.nanoseconds, package.position);
     ++*place.packetCount;
-    IndexedFrame indexed;
-    indexed.place = place;
-    indexed.position = package.position;
-    return indexed;
 }
 
-IndexedFrame indexGoose(Octets buffer, wire::LinkLayer const& link, std::uint64_t bufferPosition,
-                        PcapPacketHeader const& header, IndexTarget const& target,
-                        FrameLesson* lesson) {
-    Goose goose;
+template <typename Indexing>
+IndexedFrame indexPdu(CapturedFrame const& frame, wire::LinkLayer const& link,
+                      IndexTarget const& target, TracedFrame* traced) {
+    typename Indexing::Record record;
     Package package;
-    if (!admits(target.filter.gooseFilters, buffer, link, goose, traceOf(lesson)) ||
-        !readGooseFrame(buffer, link.payloadIndex, header, bufferPosition, goose, package,
-                        target.filter, traceOf(lesson))) {
+    auto const& filters = Indexing::filters(target.filter);
+    WalkTrace* const trace = traced == nullptr ? nullptr : &traced->trace;
+    auto const pdu = admitFrame(frame.buffer, link, record, filters, trace);
+    if (!pdu || !Indexing::walk(*pdu, {.record = record,
+                                       .filters = filters,
+                                       .package = package,
+                                       .time = {frame.tsSec, frame.tsUsec},
+                                       .fileOffset = frame.fileOffset + link.payloadIndex +
+                                                     wire::ApplicationHeader::kSize,
+                                       .trace = trace})) {
         return {};
     }
-    if (lesson != nullptr) {
-        lesson->stream = goose;
-    }
     IndexedFrame indexed;
-    addToStream(target.db.gooseProto.streams, std::move(goose), target.fileName,
-                [&](StreamPlace const& place) { indexed = addPacket(package, place, target); });
-    return indexed;
-}
-
-IndexedFrame indexSv(Octets buffer, wire::LinkLayer const& link, std::uint64_t bufferPosition,
-                     PcapPacketHeader const& header, IndexTarget const& target,
-                     FrameLesson* lesson) {
-    Sv sv;
-    Package package;
-    if (!admits(target.filter.svFilters, buffer, link, sv, traceOf(lesson)) ||
-        !readSvFrame(buffer, link.payloadIndex, header, bufferPosition, sv, package, target.filter,
-                     traceOf(lesson))) {
-        return {};
+    indexed.fileOffset = package.position;
+    indexed.figures = Indexing::takeFigures(record);
+    if (traced != nullptr) {
+        traced->stream = record;
     }
-    auto const smpCnt = std::exchange(sv.maxSmpCnt, std::uint16_t{0});
-    auto const smpRate = std::exchange(sv.smpRate, std::uint16_t{0});
-    auto const noASDU = std::exchange(sv.maxNoASDU, std::uint32_t{0});
-    if (lesson != nullptr) {
-        lesson->stream = sv;
+    addToStream(Indexing::streams(target.db), std::move(record), target.fileName,
+                [&](StreamPlace const& place) {
+                    addPacket(package, place, target);
+                    indexed.place = place;
+                });
+    if (indexed.place.sv != nullptr) {
+        follow(*indexed.place.sv, indexed.figures);
     }
-    IndexedFrame indexed;
-    addToStream(target.db.svProto.streams, std::move(sv), target.fileName,
-                [&](StreamPlace const& place) { indexed = addPacket(package, place, target); });
-    follow(*indexed.place.sv, smpCnt, smpRate, noASDU);
-    indexed.smpRate = smpRate;
-    indexed.noASDU = noASDU;
     return indexed;
 }
 
 }  // namespace
 
-IndexedFrame indexRecord(Octets record, std::uint64_t recordPosition, bool isLittleEndian,
-                         IndexTarget const& target, FrameLesson* lesson) {
-    if (record.size() <= RecordHeader::kSize) {
+IndexedFrame indexRecord(Octets record, std::uint64_t fileOffset, IndexTarget const& target,
+                         TracedFrame* traced) {
+    if (record.size() <= wire::RecordHeader::kSize) {
         return {};
     }
-    auto const header = RecordHeader::read(record, isLittleEndian);
-    return indexFrame(record, RecordHeader::kSize, recordPosition,
-                      {.tsSec = header.tsSec, .tsUsec = header.tsUsec}, target, lesson);
+    auto const header = wire::RecordHeader::read(record, target.variant.isLittleEndian);
+    return indexFrame({.buffer = record,
+                       .index = wire::RecordHeader::kSize,
+                       .fileOffset = fileOffset,
+                       .tsSec = header.tsSec,
+                       .tsUsec = header.tsUsec},
+                      target, traced);
 }
 
-IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
-                        PcapPacketHeader const& header, IndexTarget const& target,
-                        FrameLesson* lesson) {
-    auto const link = wire::decodeLinkLayer(buffer, offset);
+IndexedFrame indexFrame(CapturedFrame const& frame, IndexTarget const& target,
+                        TracedFrame* traced) {
+    auto const link = wire::decodeLinkLayer(frame.buffer, frame.index);
     if (!link) {
         return {};
     }
@@ -105,13 +99,13 @@ IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferP
     if (!isGoose && !isSv) {
         return {};
     }
-    if (lesson != nullptr) {
-        lesson->trace.begin(buffer.subspan(offset));
-        lesson->trace.passOver(link->unread);
-        lesson->stream = {};
+    if (traced != nullptr) {
+        traced->trace.begin(frame.buffer.subspan(frame.index));
+        traced->trace.passOver(link->unread);
+        traced->stream = {};
     }
-    return isGoose ? indexGoose(buffer, *link, bufferPosition, header, target, lesson)
-                   : indexSv(buffer, *link, bufferPosition, header, target, lesson);
+    return isGoose ? indexPdu<GooseIndexing>(frame, *link, target, traced)
+                   : indexPdu<SvIndexing>(frame, *link, target, traced);
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -1,8 +1,8 @@
 // The operations of GooseParser that decode one packet in full.
 
-#include <TalIec61850Parser/capture/ElementFile.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/codec/BerWalk.hpp>
+#include <TalIec61850Parser/codec/ReadElementContent.hpp>
 #include <TalIec61850Parser/goose/GooseParser.hpp>
 #include <TalIec61850Parser/wire/GooseTags.hpp>
 #include <TalIec61850Parser/wire/ShortLength.hpp>

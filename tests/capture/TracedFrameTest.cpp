@@ -1,8 +1,8 @@
-// What the road of a frame into the store teaches about frames like it.
+// What the outcome of a frame depends on, and the stream that it is of.
 
 #include <gtest/gtest.h>
 
-#include <TalIec61850Parser/capture/FrameIndex.hpp>
+#include <TalIec61850Parser/capture/IndexFrame.hpp>
 #include <cstddef>
 #include <string>
 #include <variant>
@@ -19,19 +19,18 @@ namespace {
 using namespace TalIec61850Parser;
 using namespace TalIec61850Parser::detail;
 
-/// Frames that go into one store, and what the last of them taught.
-struct Lessons {
+/// Frames that go into one store, and what the last of them depended on.
+struct Traces {
     Db db;
     Filter filter;
-    FrameLesson last;
-    std::string const fileName = "lessons.pcap";
+    TracedFrame last;
+    std::string const fileName = "traces.pcap";
 
     /// @return what was looked at of the frame, X for each octet
     std::string mask(Bytes const& frame) {
-        IndexTarget const target{
-            .fileName = fileName, .isNanosecond = false, .filter = filter, .db = db};
+        IndexTarget const target{.fileName = fileName, .variant = {}, .filter = filter, .db = db};
         last.trace.reset();
-        indexFrame(frame, 0, 0, {}, target, &last);
+        indexFrame({.buffer = frame}, target, &last);
         return last.trace.frame().empty() ? "none" : lookedAt(last.trace);
     }
 };
@@ -39,58 +38,58 @@ struct Lessons {
 std::string looked(std::size_t octets) { return std::string(octets, 'X'); }
 std::string passedOver(std::size_t octets) { return std::string(octets, '.'); }
 
-TEST(FrameLesson, HoldsTheStreamOfTheLastFrameAlone) {
-    Lessons lessons;
-    EXPECT_NE(lessons.mask(gooseFrame(Ethernet(), {})), "none");
-    ASSERT_TRUE(std::holds_alternative<Goose>(lessons.last.stream));
-    EXPECT_EQ(std::get<Goose>(lessons.last.stream).gocbRef, GooseMessage().gocbRef);
-    EXPECT_NE(lessons.mask(svFrame(svEthernet(), {})), "none");
-    ASSERT_TRUE(std::holds_alternative<Sv>(lessons.last.stream));
-    EXPECT_EQ(std::get<Sv>(lessons.last.stream).svID, "MU01");
-    lessons.filter.svFilters.emplace_back().svID = "MU02";
-    EXPECT_NE(lessons.mask(svFrame(svEthernet(), {})), "none");
-    EXPECT_TRUE(std::holds_alternative<std::monostate>(lessons.last.stream));
+TEST(TracedFrame, HoldsTheStreamOfTheLastFrameAlone) {
+    Traces traces;
+    EXPECT_NE(traces.mask(gooseFrame(Ethernet(), {})), "none");
+    ASSERT_TRUE(std::holds_alternative<Goose>(traces.last.stream));
+    EXPECT_EQ(std::get<Goose>(traces.last.stream).gocbRef, GooseMessage().gocbRef);
+    EXPECT_NE(traces.mask(svFrame(svEthernet(), {})), "none");
+    ASSERT_TRUE(std::holds_alternative<Sv>(traces.last.stream));
+    EXPECT_EQ(std::get<Sv>(traces.last.stream).svID, "MU01");
+    traces.filter.svFilters.emplace_back().svID = "MU02";
+    EXPECT_NE(traces.mask(svFrame(svEthernet(), {})), "none");
+    EXPECT_TRUE(std::holds_alternative<std::monostate>(traces.last.stream));
 }
 
-TEST(FrameLesson, HoldsAStreamWithoutItsStatistics) {
+TEST(TracedFrame, HoldsAStreamWithoutItsStatistics) {
     SvMessage message;
     message.asdus[0].smpCnt = 7;
     message.asdus[0].smpRate = 80;
-    Lessons lessons;
-    EXPECT_NE(lessons.mask(svFrame(svEthernet(), message)), "none");
-    Sv const& stream = std::get<Sv>(lessons.last.stream);
+    Traces traces;
+    EXPECT_NE(traces.mask(svFrame(svEthernet(), message)), "none");
+    Sv const& stream = std::get<Sv>(traces.last.stream);
     EXPECT_EQ(stream.maxSmpCnt, 0U);
     EXPECT_EQ(stream.smpRate, 0U);
     EXPECT_EQ(stream.maxNoASDU, 0U);
-    Sv const& stored = *lessons.db.svProto.streams.begin();
+    Sv const& stored = *traces.db.svProto.streams.begin();
     EXPECT_EQ(stored.maxSmpCnt, 7U);
     EXPECT_EQ(stored.smpRate, 80U);
     EXPECT_EQ(stored.maxNoASDU, 1U);
 }
 
-TEST(FrameLesson, PassesOverSizeAndSequenceOfAnHsrTag) {
-    Lessons lessons;
-    std::string const mask = lessons.mask(gooseFrame(Ethernet().withHsr('A', 5), {}));
+TEST(TracedFrame, PassesOverSizeAndSequenceOfAnHsrTag) {
+    Traces traces;
+    std::string const mask = traces.mask(gooseFrame(Ethernet().withHsr('A', 5), {}));
     EXPECT_EQ(mask.substr(0, 20), looked(15) + passedOver(3) + looked(2));
-    EXPECT_EQ(lessons.mask(gooseFrame(Ethernet().withVlan(5), {})).substr(0, 18), looked(18));
+    EXPECT_EQ(traces.mask(gooseFrame(Ethernet().withVlan(5), {})).substr(0, 18), looked(18));
 }
 
-TEST(FrameLesson, PassesOverAllBehindALinkLayerThatIsRejected) {
-    Lessons lessons;
-    lessons.filter.gooseFilters.emplace_back().srcMac = "02:00:00:00:00:99";
+TEST(TracedFrame, PassesOverAllBehindALinkLayerThatIsRejected) {
+    Traces traces;
+    traces.filter.gooseFilters.emplace_back().srcMac = "02:00:00:00:00:99";
     Bytes const frame = gooseFrame(Ethernet().withVlan(5), {});
-    EXPECT_EQ(lessons.mask(frame), looked(18) + passedOver(frame.size() - 18));
+    EXPECT_EQ(traces.mask(frame), looked(18) + passedOver(frame.size() - 18));
 }
 
-TEST(FrameLesson, IsNoneOfOtherFramesAndOfProtocolsSwitchedOff) {
-    Lessons lessons;
-    EXPECT_EQ(lessons.mask(ethernetFrame(Ethernet(), 0x0800, Bytes(60))), "none");
-    EXPECT_EQ(lessons.mask(Bytes(13)), "none");
-    lessons.filter.parseGoose = false;
-    EXPECT_EQ(lessons.mask(gooseFrame(Ethernet(), {})), "none");
-    EXPECT_NE(lessons.mask(svFrame(svEthernet(), {})), "none");
-    lessons.filter.parseSv = false;
-    EXPECT_EQ(lessons.mask(svFrame(svEthernet(), {})), "none");
+TEST(TracedFrame, IsNoneOfOtherFramesAndOfProtocolsSwitchedOff) {
+    Traces traces;
+    EXPECT_EQ(traces.mask(ethernetFrame(Ethernet(), 0x0800, Bytes(60))), "none");
+    EXPECT_EQ(traces.mask(Bytes(13)), "none");
+    traces.filter.parseGoose = false;
+    EXPECT_EQ(traces.mask(gooseFrame(Ethernet(), {})), "none");
+    EXPECT_NE(traces.mask(svFrame(svEthernet(), {})), "none");
+    traces.filter.parseSv = false;
+    EXPECT_EQ(traces.mask(svFrame(svEthernet(), {})), "none");
 }
 
 }  // namespace

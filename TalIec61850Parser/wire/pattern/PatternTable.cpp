@@ -1,25 +1,22 @@
-#include <TalIec61850Parser/capture/FrameMemory.hpp>
+#include <TalIec61850Parser/wire/pattern/PatternTable.hpp>
 #include <algorithm>
 #include <utility>
 
-namespace TalIec61850Parser::detail {
+namespace TalIec61850Parser::wire {
 
 namespace {
 
-constexpr std::size_t kWordSize = sizeof(std::uint64_t);
-constexpr std::size_t kMaxUnits = std::size_t{1} << 13U;
-constexpr std::size_t kMaxHeldUnits = std::size_t{1} << 17U;
-/// Layouts in one list: a frame is hashed for each that has its form.
+constexpr std::size_t kMaxMaskBlocks = std::size_t{1} << 13U;
+constexpr std::size_t kMaxHeldBlocks = std::size_t{1} << 17U;
+/// Shapes in one list: a frame is hashed for each that has its key.
 constexpr std::size_t kMaxListed = 8;
 constexpr std::size_t kFirstSlotCount = 4;
-/// Neighbouring slots in which a likeness may lie.
+/// Neighbouring slots in which a pattern may be.
 constexpr std::size_t kMaxProbes = 16;
-/// Unknown frames after which a full memory starts afresh: several times as many as filled it.
-constexpr std::size_t kPatience = 4 * FrameMemory::kMaxLikenesses;
 
-/// Spreads key words over 64 bits. Each has a factor of its own, so that the products do not wait
-/// for one another.
-class KeyHash {
+/// Spreads words over 64 bits. Each has a factor of its own, so that the products do not wait for
+/// one another.
+class WordHash {
 public:
     void add(std::uint64_t word) {
         sum_ += (word ^ word >> 32U) * factor_;
@@ -36,9 +33,9 @@ private:
 /// What a slot keeps of a hash: the half that does not say where the slot is.
 std::uint32_t upperHalf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32U); }
 
-/// The slots in which something of this hash may lie, one after the other.
+/// Visits the slots in which something of this hash may be, one after the other.
 /// @param slots  as many as a power of two
-/// @return the first of them that `isIt` says yes to; null when there is none
+/// @return the first of them that `isIt` accepts; null when there is none
 template <typename Slots, typename Predicate>
 auto* probe(Slots& slots, std::uint64_t hash, Predicate const& isIt) {
     for (std::size_t i = 0; i < kMaxProbes; ++i) {
@@ -52,127 +49,64 @@ auto* probe(Slots& slots, std::uint64_t hash, Predicate const& isIt) {
 
 }  // namespace
 
-// --- Finding -----------------------------------------------------------------------------------
-
-FrameConclusion* FrameMemory::find(Octets frame, std::uint8_t kind) {
-    std::uint32_t const found = lookUp(frame, kind);
-    if (found == kNone) {
-        return nullptr;
-    }
-    noteTurn(found);
-    return &likenesses_[found].conclusion;
-}
-
-std::uint32_t FrameMemory::lookUp(Octets frame, std::uint8_t kind) {
-    Form const form = formOf(frame, kind);
-    for (std::uint32_t index = headFor(form); index != kNone; index = layouts_[index].next) {
-        Layout const& layout = layouts_[index];
-        if (layout.form != form) {
+std::uint32_t PatternTable::find(Octets frame, std::uint8_t prpLan) const {
+    ShapeKey const key = keyOf(frame, prpLan);
+    for (std::uint32_t number = heads_[listOf(key)]; number != kNone;
+         number = shapes_[number].next) {
+        Shape const& shape = shapes_[number];
+        if (shape.key != key) {
             continue;
         }
-        KeyHash hash;
-        for (std::size_t i = 0; i < layout.keyCount; ++i) {
-            KeyWord const& key = layout.keys[i];
-            hash.add(load<std::uint64_t>(frame.data() + key.position) & key.mask);
+        WordHash hash;
+        for (std::size_t i = 0; i < shape.hashedWordCount; ++i) {
+            MaskedBlocks::MaskedWord const& word = shape.hashedWords[i].word;
+            hash.add(MaskedBlocks::load<std::uint64_t>(frame.data() + word.index) & word.mask);
         }
-        // No two likenesses here have one hash.
-        Slot const* const slot = probe(layout.slots, hash.result(), [&](Slot const& each) {
-            return each.likeness == kNone || each.hash == upperHalf(hash.result());
+        // No two patterns of a shape have one hash.
+        Slot const* const slot = probe(shape.slots, hash.result(), [&](Slot const& each) {
+            return each.pattern == kNone || each.hash == upperHalf(hash.result());
         });
-        if (slot != nullptr && slot->likeness != kNone &&
-            agrees(frame.data(), likenesses_[slot->likeness])) {
-            return slot->likeness;
+        if (slot != nullptr && slot->pattern != kNone && matches(slot->pattern, frame, prpLan)) {
+            return slot->pattern;
         }
     }
     return kNone;
 }
 
-/// Learns in which order likenesses take turns. One that comes between two that keep their order
-/// does not disturb it.
-void FrameMemory::noteTurn(std::uint32_t found) {
-    if (last_ == kNone) {
-        last_ = found;
-        return;
+std::uint32_t PatternTable::add(Octets frame, Octets mask, std::uint8_t prpLan) {
+    if (frame.size() < MaskedBlocks::kBlockSize || frame.size() > kMaxFrameSize) {
+        return kNone;
     }
-    std::uint32_t& successor = likenesses_[last_].successor;
-    trust_ = std::clamp(trust_ + (successor == found ? 1 : -1), -kMostTrust, kMostTrust);
-    if (successor == kNone) {
-        successor = found;
-    }
-    if (successor == found) {
-        last_ = found;
-        between_ = kNone;
-    } else if (between_ == kNone) {
-        between_ = found;
-    } else {
-        successor = between_;
-        likenesses_[between_].successor = found;
-        last_ = found;
-        between_ = kNone;
-    }
-    expected_ = trust_ < 0 ? kNone : likenesses_[last_].successor;
-}
-
-// --- Remembering -------------------------------------------------------------------------------
-
-bool FrameMemory::wantsMore() {
-    if (isFull_ && ++unknownSinceFull_ > kPatience) {
-        *this = FrameMemory();
-    }
-    return !isFull_;
-}
-
-FrameConclusion* FrameMemory::remember(Octets frame, Octets mask, std::uint8_t kind,
-                                       FrameConclusion const& conclusion) {
-    if (frame.size() < sizeof(Unit) || frame.size() > kMaxFrameSize) {
-        return nullptr;
-    }
-    Form const form = formOf(frame, kind);
-    std::uint32_t const layoutIndex = findOrAddLayout(form, mask);
-    isFull_ = layoutIndex == kNone || likenesses_.size() == kMaxLikenesses ||
-              held_.size() + layouts_[layoutIndex].units.count > kMaxHeldUnits;
+    ShapeKey const key = keyOf(frame, prpLan);
+    std::uint32_t const shapeNumber = findOrAddShape(key, mask);
+    isFull_ = shapeNumber == kNone || patterns_.size() == kMaxPatterns ||
+              blocks_.heldBlockCount() + shapes_[shapeNumber].mask.count > kMaxHeldBlocks;
     if (isFull_) {
-        return nullptr;
+        return kNone;
     }
-    Layout& layout = layouts_[layoutIndex];
-    Likeness likeness;
-    likeness.form = form;
-    likeness.units = layout.units;
-    likeness.firstHeld = static_cast<std::uint32_t>(held_.size());
-    likeness.conclusion = conclusion;
-    for (std::size_t i = 0; i < layout.units.count; ++i) {
-        std::size_t const unit = layout.units.first + i;
-        held_.push_back(load<Unit>(frame.data() + positions_[unit]) & masks_[unit]);
+    Shape& shape = shapes_[shapeNumber];
+    auto const number = static_cast<std::uint32_t>(patterns_.size());
+    Pattern const pattern{
+        .key = key, .mask = shape.mask, .firstHeld = blocks_.hold(frame, shape.mask)};
+    patterns_.push_back(pattern);
+    if (!insert(shape, number)) {
+        patterns_.pop_back();
+        blocks_.releaseFrom(pattern.firstHeld);
+        return kNone;
     }
-    auto const index = static_cast<std::uint32_t>(likenesses_.size());
-    likenesses_.push_back(likeness);
-    if (!insert(layout, index)) {
-        likenesses_.pop_back();
-        held_.resize(likeness.firstHeld);
-        return nullptr;
-    }
-    noteTurn(index);
-    return &likenesses_.back().conclusion;
+    return number;
 }
 
-std::uint32_t FrameMemory::findOrAddLayout(Form form, Octets mask) {
-    std::size_t const oldUnitCount = positions_.size();
-    addUnits(mask);
-    Layout layout;
-    layout.form = form;
-    layout.units = {.first = static_cast<std::uint16_t>(oldUnitCount),
-                    .count = static_cast<std::uint16_t>(positions_.size() - oldUnitCount)};
-    auto const forgetUnits = [&] {
-        positions_.resize(oldUnitCount);
-        masks_.resize(oldUnitCount);
-    };
-
-    std::uint32_t& head = headFor(form);
+std::uint32_t PatternTable::findOrAddShape(ShapeKey key, Octets mask) {
+    Shape shape;
+    shape.key = key;
+    shape.mask = blocks_.addMask(mask);
+    std::uint32_t& head = heads_[listOf(key)];
     std::size_t listed = 0;
-    for (std::uint32_t* link = &head; *link != kNone; link = &layouts_[*link].next) {
-        Layout const& known = layouts_[*link];
-        if (known.form == form && haveSameUnits(known.units, layout.units)) {
-            forgetUnits();
+    for (std::uint32_t* link = &head; *link != kNone; link = &shapes_[*link].next) {
+        Shape const& known = shapes_[*link];
+        if (known.key == key && blocks_.areEqual(known.mask, shape.mask)) {
+            blocks_.removeLast(shape.mask);
             return *link;
         }
         if (++listed == kMaxListed) {
@@ -180,123 +114,87 @@ std::uint32_t FrameMemory::findOrAddLayout(Form form, Octets mask) {
             break;
         }
     }
-    if (positions_.size() > kMaxUnits) {
-        forgetUnits();
+    if (blocks_.maskBlockCount() > kMaxMaskBlocks) {
+        blocks_.removeLast(shape.mask);
         return kNone;
     }
-    layout.next = head;
-    layout.slots.resize(kFirstSlotCount);
-    head = static_cast<std::uint32_t>(layouts_.size());
-    layouts_.push_back(std::move(layout));
+    shape.next = head;
+    shape.slots.resize(kFirstSlotCount);
+    head = static_cast<std::uint32_t>(shapes_.size());
+    shapes_.push_back(std::move(shape));
     return head;
 }
 
-/// Covers all octets that count with units.
-void FrameMemory::addUnits(Octets mask) {
-    for (std::size_t i = 0; i < mask.size();) {
-        if (mask[i] == 0) {
-            ++i;
-            continue;
-        }
-        std::size_t const position = std::min(i, mask.size() - sizeof(Unit));
-        positions_.push_back(static_cast<std::uint32_t>(position));
-        masks_.push_back(load<Unit>(mask.data() + position));
-        i = position + sizeof(Unit);
-    }
-}
-
-bool FrameMemory::haveSameUnits(UnitRange a, UnitRange b) const {
-    if (a.count != b.count) {
-        return false;
-    }
-    Unit different{};
-    for (std::size_t i = 0; i < a.count; ++i) {
-        different |= masks_[a.first + i] ^ masks_[b.first + i];
-        different[0] |= positions_[a.first + i] ^ positions_[b.first + i];
-    }
-    return (different[0] | different[1]) == 0;
-}
-
-std::uint64_t FrameMemory::heldWord(Likeness const& likeness, std::size_t index) const {
-    return held_[likeness.firstHeld + index / kWordsPerUnit][index % kWordsPerUnit];
-}
-
-std::uint64_t FrameMemory::hashOf(Layout const& layout, Likeness const& likeness) const {
-    KeyHash hash;
-    for (std::size_t i = 0; i < layout.keyCount; ++i) {
-        hash.add(heldWord(likeness, layout.keys[i].index));
+std::uint64_t PatternTable::hashOf(Shape const& shape, Pattern const& pattern) const {
+    WordHash hash;
+    for (std::size_t i = 0; i < shape.hashedWordCount; ++i) {
+        hash.add(blocks_.heldWord(pattern.firstHeld, shape.hashedWords[i].number));
     }
     return hash.result();
 }
 
-/// @return false when the likeness cannot be told apart from another one, or has no place
-bool FrameMemory::insert(Layout& layout, std::uint32_t likeness) {
-    if (2 * (layout.likenessCount + 1) > layout.slots.size()) {
-        rehash(layout, 2 * layout.slots.size());
+/// @return false when the pattern cannot be told apart from another one, or finds no slot
+bool PatternTable::insert(Shape& shape, std::uint32_t pattern) {
+    if (2 * (shape.patternCount + 1) > shape.slots.size()) {
+        rehash(shape, 2 * shape.slots.size());
     }
     for (;;) {
-        std::uint64_t const hash = hashOf(layout, likenesses_[likeness]);
-        Slot* const slot = probe(layout.slots, hash, [&](Slot const& each) {
-            return each.likeness == kNone || each.hash == upperHalf(hash);
+        std::uint64_t const hash = hashOf(shape, patterns_[pattern]);
+        Slot* const slot = probe(shape.slots, hash, [&](Slot const& each) {
+            return each.pattern == kNone || each.hash == upperHalf(hash);
         });
         if (slot == nullptr) {
             return false;
         }
-        if (slot->likeness == kNone) {
-            *slot = {.hash = upperHalf(hash), .likeness = likeness};
-            ++layout.likenessCount;
+        if (slot->pattern == kNone) {
+            *slot = {.hash = upperHalf(hash), .pattern = pattern};
+            ++shape.patternCount;
             return true;
         }
-        if (!addKey(layout, likeness, slot->likeness)) {
+        if (!addHashedWord(shape, patterns_[pattern], patterns_[slot->pattern])) {
             return false;
         }
-        rehash(layout, layout.slots.size());
+        rehash(shape, shape.slots.size());
     }
 }
 
-/// Adds a word in which two likenesses of one hash differ.
+/// Adds a word in which two patterns of one hash differ.
 /// @return false when there is none, or no room for it
-bool FrameMemory::addKey(Layout& layout, std::uint32_t likeness, std::uint32_t other) const {
-    if (layout.keyCount == layout.keys.size()) {
+bool PatternTable::addHashedWord(Shape& shape, Pattern const& a, Pattern const& b) const {
+    if (shape.hashedWordCount == shape.hashedWords.size()) {
         return false;
     }
-    Likeness const& a = likenesses_[likeness];
-    Likeness const& b = likenesses_[other];
-    for (std::size_t index = 0; index < kWordsPerUnit * layout.units.count; ++index) {
-        auto const isKey = [&](KeyWord const& key) { return key.index == index; };
-        if (heldWord(a, index) == heldWord(b, index) ||
-            std::any_of(layout.keys.begin(), std::next(layout.keys.begin(), layout.keyCount),
-                        isKey)) {
-            continue;
+    auto const end = std::next(shape.hashedWords.begin(), shape.hashedWordCount);
+    for (std::size_t number = 0; number < blocks_.wordCount(shape.mask); ++number) {
+        auto const isHashed = [&](HashedWord const& each) { return each.number == number; };
+        if (blocks_.heldWord(a.firstHeld, number) != blocks_.heldWord(b.firstHeld, number) &&
+            std::none_of(shape.hashedWords.begin(), end, isHashed)) {
+            *end = {.word = blocks_.wordOf(shape.mask, number),
+                    .number = static_cast<std::uint32_t>(number)};
+            ++shape.hashedWordCount;
+            return true;
         }
-        std::size_t const unit = layout.units.first + index / kWordsPerUnit;
-        std::size_t const word = index % kWordsPerUnit;
-        layout.keys[layout.keyCount++] = {
-            .mask = masks_[unit][word],
-            .position = static_cast<std::uint32_t>(positions_[unit] + word * kWordSize),
-            .index = static_cast<std::uint32_t>(index)};
-        return true;
     }
     return false;
 }
 
-/// A likeness that finds no place any more is no longer recognised.
-void FrameMemory::rehash(Layout& layout, std::size_t slotCount) const {
+/// A pattern that finds no slot any more is no longer found.
+void PatternTable::rehash(Shape& shape, std::size_t slotCount) const {
     std::vector<Slot> slots(slotCount);
-    layout.likenessCount = 0;
-    for (Slot const& old : layout.slots) {
-        if (old.likeness == kNone) {
+    shape.patternCount = 0;
+    for (Slot const& old : shape.slots) {
+        if (old.pattern == kNone) {
             continue;
         }
-        std::uint64_t const hash = hashOf(layout, likenesses_[old.likeness]);
+        std::uint64_t const hash = hashOf(shape, patterns_[old.pattern]);
         Slot* const free =
-            probe(slots, hash, [](Slot const& each) { return each.likeness == kNone; });
+            probe(slots, hash, [](Slot const& each) { return each.pattern == kNone; });
         if (free != nullptr) {
-            *free = {.hash = upperHalf(hash), .likeness = old.likeness};
-            ++layout.likenessCount;
+            *free = {.hash = upperHalf(hash), .pattern = old.pattern};
+            ++shape.patternCount;
         }
     }
-    layout.slots = std::move(slots);
+    shape.slots = std::move(slots);
 }
 
-}  // namespace TalIec61850Parser::detail
+}  // namespace TalIec61850Parser::wire
