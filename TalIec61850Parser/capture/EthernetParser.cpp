@@ -1,6 +1,6 @@
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
-#include <TalIec61850Parser/capture/IndexFrame.hpp>
 #include <TalIec61850Parser/capture/JudgeFrame.hpp>
+#include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 #include <TalIec61850Parser/frame/Admission.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <TalIec61850Parser/wire/Hex.hpp>

@@ -1,5 +1,5 @@
-#include <TalIec61850Parser/capture/IndexFrame.hpp>
 #include <TalIec61850Parser/capture/PcapPacketParser.hpp>
+#include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 
 namespace TalIec61850Parser {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <TalIec61850Parser/capture/IndexFrame.hpp>
+#include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 #include <cstddef>
 #include <string>
 #include <variant>

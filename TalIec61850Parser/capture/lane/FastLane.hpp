@@ -2,7 +2,7 @@
 
 // Internal: indexes most records without walking them, by the results of earlier walks.
 
-#include <TalIec61850Parser/capture/IndexFrame.hpp>
+#include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 #include <TalIec61850Parser/capture/lane/FilterImage.hpp>
 #include <TalIec61850Parser/capture/lane/WalkResult.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>

@@ -2,7 +2,7 @@
 
 // Internal: what the walk of a frame resulted in, for frames of the same pattern.
 
-#include <TalIec61850Parser/capture/StreamPlace.hpp>
+#include <TalIec61850Parser/capture/index/StreamPlace.hpp>
 #include <cstdint>
 
 namespace TalIec61850Parser::detail {

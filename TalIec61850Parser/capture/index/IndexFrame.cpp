@@ -1,4 +1,4 @@
-#include <TalIec61850Parser/capture/IndexFrame.hpp>
+#include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 #include <TalIec61850Parser/frame/Admission.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>

@@ -3,7 +3,7 @@
 // Internal: one capture record on its way into the store, on octets in place.
 
 #include <TalIec61850Parser/capture/Filter.hpp>
-#include <TalIec61850Parser/capture/StreamPlace.hpp>
+#include <TalIec61850Parser/capture/index/StreamPlace.hpp>
 #include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <TalIec61850Parser/store/Timest.hpp>
