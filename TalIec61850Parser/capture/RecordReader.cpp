@@ -53,8 +53,7 @@ void RecordReader::makeRoom(std::size_t size) {
     if (isFirstBlockFull) {
         buffer_.resize(kBlockSize);
     } else if (end_ == buffer_.size()) {
-        buffer_.resize(
-            std::min(2 * buffer_.size(), size));  // all of it is one record that the file holds
+        buffer_.resize(std::min(2 * buffer_.size(), size));  // one record fills all of it
     }
 }
 

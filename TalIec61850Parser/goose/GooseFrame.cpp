@@ -50,7 +50,7 @@ WalkStep takeField(BerElement const& field, Goose& goose, GooseFilters const& fi
 }
 
 /// One primitive context-specific element inside allData: nothing there identifies the stream, but
-/// a goosePdu may lie deeper still.
+/// a goosePdu may be deeper still.
 WalkStep passData(BerElement const& element) {
     bool const isNested =
         element.tag == wire::kPrimitiveArray || element.tag == wire::kPrimitiveStructure;
