@@ -30,7 +30,6 @@ constexpr std::array targets = {
     Target{"sv16: allocations per frame but the deques'", 0},
     Target{"goose64: allocations per frame but the deques'", 0},
     Target{"mix1000: allocations per frame but the deques'", 0},
-    Target{"window of 100: 10^7 packets / 10^4 packets", 2.5},
     Target{"decode GOOSE / open, lseek, read, close", 2},
     Target{"decode SV / open, lseek, read, close", 2},
     Target{"judge GOOSE, no filter entry: allocations per frame", 0},

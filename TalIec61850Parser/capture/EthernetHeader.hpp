@@ -10,7 +10,7 @@ struct EthernetHeader {
     std::uint8_t dstMac[6] = {};
     /// The source address, octets in the order of the frame.
     std::uint8_t srcMac[6] = {};
-    /// The EtherType of the payload, behind a VLAN and an HSR tag.
+    /// The EtherType of the payload, after a VLAN and an HSR tag.
     std::uint16_t etherType = 0;
     /// The 12-bit VLAN identifier; 0 when untagged.
     std::uint16_t vlanId = 0;

@@ -15,7 +15,7 @@ namespace TalIec61850Parser {
 /// Decodes Ethernet frames and hands them on by EtherType: 0x88B8 GOOSE, 0x88BA SV.
 ///
 /// Reads one IEEE 802.1Q tag (TPID 0x8100), an HSR tag (0x892F) and a PRP trailer (suffix 0x88FB).
-/// Other tags, service tags (0x88A8) among them, are EtherTypes that nobody wants.
+/// Other tags, service tags (0x88A8) among them, are EtherTypes that are not wanted.
 class TALIEC61850PARSER_EXPORT EthernetParser {
 public:
     /// Indexes one frame, when it is a wanted GOOSE or SV frame; otherwise the store stays as it
@@ -48,7 +48,8 @@ public:
     /// @param frame   the frame from its destination address on
     /// @param filter  what is wanted
     /// @return what the table says
-    static bool parsePacketSimple(std::vector<std::uint8_t> const& frame, Filter const& filter);
+    [[nodiscard]] static bool parsePacketSimple(std::vector<std::uint8_t> const& frame,
+                                                Filter const& filter);
 
     // The steps of these operations, public like every operation of the library.
 
@@ -59,12 +60,12 @@ public:
     /// @param header   the frame's link layer
     /// @return false when a criterion fails
     template <typename Record, typename Identifiers>
-    static bool _checkEthernetFilters(Record& record, Identifiers const& filters,
-                                      EthernetHeader const& header);
+    [[nodiscard]] static bool _checkEthernetFilters(Record& record, Identifiers const& filters,
+                                                    EthernetHeader const& header);
 
     /// Six octets as lower-case hexadecimal pairs joined by colons, 17 characters.
     /// @param mac  points to six octets
-    static std::string _macToString(std::uint8_t const* mac);
+    [[nodiscard]] static std::string _macToString(std::uint8_t const* mac);
 };
 
 extern template TALIEC61850PARSER_EXPORT bool EthernetParser::_checkEthernetFilters(

@@ -7,10 +7,10 @@
 
 namespace TalIec61850Parser {
 
-/// An open capture file: an input stream that knows its name and the record it stands at.
+/// An open capture file: an input stream that knows its name and its current record.
 struct TALIEC61850PARSER_EXPORT PcapFile : std::ifstream {
     /// Opens the file for binary reading; whether that succeeded is the stream's state.
-    /// A named pipe is opened without waiting for somebody to write to it, which takes the
+    /// A named pipe is opened without waiting for a writer, which takes the
     /// permission to write to it.
     explicit PcapFile(std::string const& path);
 

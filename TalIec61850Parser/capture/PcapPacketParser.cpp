@@ -1,5 +1,5 @@
-#include <TalIec61850Parser/capture/FrameIndex.hpp>
 #include <TalIec61850Parser/capture/PcapPacketParser.hpp>
+#include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 
 namespace TalIec61850Parser {
 
@@ -7,8 +7,11 @@ void PcapPacketParser::parsePacket(std::vector<std::uint8_t> const& record, Pcap
                                    bool isNanosecond, bool isLittleEndian, Filter const& filter,
                                    Db& db) {
     detail::indexRecord(
-        record, file.recordPosition, isLittleEndian,
-        {.fileName = file.fileName, .isNanosecond = isNanosecond, .filter = filter, .db = db});
+        record, file.recordPosition,
+        {.fileName = file.fileName,
+         .variant = {.isNanosecond = isNanosecond, .isLittleEndian = isLittleEndian},
+         .filter = filter,
+         .db = db});
 }
 
 }  // namespace TalIec61850Parser

@@ -13,7 +13,7 @@ namespace TalIec61850Parser {
 class TALIEC61850PARSER_EXPORT PcapPacketParser {
 public:
     /// Indexes the frame of one capture record, when it is a wanted GOOSE or SV frame.
-    /// @param record          the 16 header octets as they lie in the file, then the frame; a
+    /// @param record          the 16 header octets as they are in the file, then the frame; a
     ///                        record without a frame is ignored
     /// @param file            its name keys the packet, its `recordPosition` places it
     /// @param isNanosecond    the file's time fractions are nanoseconds, not microseconds

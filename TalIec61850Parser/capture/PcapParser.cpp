@@ -1,5 +1,6 @@
-#include <TalIec61850Parser/capture/CaptureIndex.hpp>
+#include <TalIec61850Parser/capture/IndexCapture.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
+#include <TalIec61850Parser/capture/lane/FastLane.hpp>
 #include <TalIec61850Parser/wire/CaptureFormat.hpp>
 #include <cstddef>
 #include <iostream>
@@ -45,8 +46,13 @@ void PcapParser::parseFile(std::string const& fileName, Db& db, Filter const& fi
 void PcapParser::_parseFilePcap(PcapFile& file, bool isNanosecond, bool isLittleEndian, Db& db,
                                 Filter const& filter, std::atomic<bool> const& stopFlag,
                                 unsigned long fileSize, std::function<void(double)> progress) {
-    detail::indexCapture(file, isNanosecond, isLittleEndian, db, filter, stopFlag, fileSize,
-                         progress, detail::Lane::fast);
+    detail::FastLane lane(
+        {.fileName = file.fileName,
+         .variant = {.isNanosecond = isNanosecond, .isLittleEndian = isLittleEndian},
+         .filter = filter,
+         .db = db});
+    detail::indexCapture(file, isLittleEndian,
+                         {.stopFlag = stopFlag, .fileSize = fileSize, .progress = progress}, lane);
 }
 
 void PcapParser::_parseFilePcapNg(PcapFile& /*file*/, bool /*isNanosecond*/,

@@ -23,7 +23,7 @@ public:
     ///
     /// A file that cannot be opened gives "Error opening file: " and its path, any file that is
     /// not a classic capture "Invalid PCAP file format", on standard error; the store is then
-    /// unchanged. A file is read as it stands: what is appended to it meanwhile may be missed.
+    /// unchanged. A file is read as it is: what is appended to it meanwhile may be missed.
     /// Damaged records and frames are passed over in silence. A last record that the
     /// file cuts short is completed with zeros, at most 16 MiB of them.
     ///
@@ -44,7 +44,7 @@ public:
 
     /// Walks the records of an open capture from the first to the last; the file's own header is
     /// not interpreted. What is not said here is as in `parseFile`.
-    /// @param file            open; where it stands afterwards is unspecified, its
+    /// @param file            open; its position afterwards is unspecified, its
     ///                        `recordPosition` is that of the last record that was indexed
     /// @param isNanosecond    the file's time fractions are nanoseconds, not microseconds
     /// @param isLittleEndian  the byte order of the file's own fields

@@ -20,7 +20,7 @@ RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
         return;
     }
     begin_ += wire::kGlobalHeaderSize;
-    position_ = wire::kGlobalHeaderSize;
+    fileOffset_ = wire::kGlobalHeaderSize;
 }
 
 Octets RecordReader::nextAcrossBlocks() {
@@ -53,7 +53,7 @@ void RecordReader::makeRoom(std::size_t size) {
     if (isFirstBlockFull) {
         buffer_.resize(kBlockSize);
     } else if (end_ == buffer_.size()) {
-        buffer_.resize(std::min(2 * buffer_.size(), size));  // full of one record, really there
+        buffer_.resize(std::min(2 * buffer_.size(), size));  // one record fills all of it
     }
 }
 
@@ -72,7 +72,7 @@ void RecordReader::readBlock() {
 }
 
 std::size_t RecordReader::salvage(std::istream::pos_type from) {
-    // A failing read loses count of what came before the fault; octet by octet, nothing is lost.
+    // A failing read does not say how much came before the fault; octet by octet, nothing is lost.
     std::size_t count = 0;
     file_.clear();
     file_.seekg(from);

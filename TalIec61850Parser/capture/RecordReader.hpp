@@ -16,7 +16,7 @@ using wire::RecordHeader;
 
 /// Walks the records of an open classic capture file.
 ///
-/// Reads through the file's own stream in blocks and shows each record where it lies; the part of
+/// Reads through the file's own stream in blocks and shows each record in place; the part of
 /// a record that a block cuts off is moved to the front of the next one. Memory follows what the
 /// file holds, never what a record header claims: room is made as octets arrive, and a record
 /// that the file cuts short is completed with zeros, with at most `kMaxPadding` of them.
@@ -28,17 +28,17 @@ public:
     static constexpr std::size_t kMaxPadding = std::size_t{16} << 20U;
 
     /// Goes to the start of the file and reads its global header, which is not interpreted.
-    /// @param file  outlives the reader; where its own position stands afterwards is unspecified
+    /// @param file  outlives the reader; its own position afterwards is unspecified
     RecordReader(std::istream& file, bool isLittleEndian);
 
-    /// Whether the file holds no further octet. Octets too few for a record still make one.
+    /// True at end of file. A trailing fragment still counts as a (padded) record.
     [[nodiscard]] bool atEnd() {
         require(1);
         return available() == 0;
     }
 
     /// Offset in the file of the next record's header.
-    [[nodiscard]] std::uint64_t position() const { return position_; }
+    [[nodiscard]] std::uint64_t fileOffset() const { return fileOffset_; }
 
     /// The next record, header and captured octets in one; valid until the next call.
     /// @pre not atEnd()
@@ -56,7 +56,7 @@ public:
 private:
     [[nodiscard]] std::size_t available() const { return end_ - begin_; }
 
-    /// inclLen of the header that begins the available octets.
+    /// inclLen of the header at the start of the available octets.
     [[nodiscard]] std::size_t inclLen() const {
         return RecordHeader::read(Octets(buffer_).subspan(begin_), isLittleEndian_).inclLen;
     }
@@ -65,7 +65,7 @@ private:
     Octets take(std::size_t size, std::size_t sizeInFile) {
         Octets const record = Octets(buffer_).subspan(begin_, size);
         begin_ += size;
-        position_ += sizeInFile;
+        fileOffset_ += sizeInFile;
         return record;
     }
 
@@ -79,7 +79,7 @@ private:
         }
     }
     void readUntil(std::size_t size);
-    /// Makes room behind `end_`: for a block, or for a record of `size` octets, then at most
+    /// Makes room after `end_`: for a block, or for a record of `size` octets, then at most
     /// doubling what there is.
     void makeRoom(std::size_t size);
     void readBlock();
@@ -90,7 +90,7 @@ private:
     std::istream& file_;
     bool isLittleEndian_;
     bool fileEnded_ = false;
-    std::uint64_t position_ = 0;
+    std::uint64_t fileOffset_ = 0;
     // buffer_[begin_, end_) has been read from the file and not yet been shown.
     std::vector<std::uint8_t> buffer_;
     std::size_t begin_ = 0;

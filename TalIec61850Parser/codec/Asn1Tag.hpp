@@ -8,7 +8,7 @@ namespace TalIec61850Parser {
 
 /// One BER element as `Asn1Parser::parseTag` reads it.
 struct Asn1Tag {
-    /// The identifier octet as it stands: class, constructed bit and tag number together.
+    /// The identifier octet as it is read: class, constructed bit and tag number together.
     std::uint8_t tag = 0;
     /// Octets in the value.
     std::uint32_t length = 0;

@@ -60,7 +60,7 @@ std::string secondsToDateTime(std::int64_t seconds, Octets value) {
     return calendar ? *std::move(calendar) : toPlainHex(value);
 }
 
-/// Day and time of day, one octet each, behind two octets of milliseconds; nothing is checked.
+/// Day and time of day, one octet each, after two octets of milliseconds; nothing is checked.
 std::string dayTimeToDateTime(Octets value) {
     std::array<char, 100> text{};
     std::snprintf(text.data(), text.size(), "1984-01-%02d %02d:%02d:%02d.%03d UTC", value[5],

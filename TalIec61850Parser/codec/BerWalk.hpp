@@ -18,7 +18,7 @@ namespace ber = wire::ber;
 
 /// What a handler wants done with the element that it was shown.
 enum class WalkStep {
-    next,      ///< go on with the element behind it
+    next,      ///< go on with the element after it
     skip,      ///< the same, and nothing depends on what its value holds
     descend,   ///< walk its value one level deeper, unless that is empty, then go on
     endLevel,  ///< look at no further element of this level, go on above it
@@ -38,14 +38,14 @@ struct WalkLevel {
     friend bool operator==(WalkLevel const&, WalkLevel const&) = default;
 };
 
-/// The unfinished levels above the one being walked. They lie in place up to the nesting that real
-/// frames have, on the heap beyond it, and never on the call stack: how deep a frame nests is up to
-/// whoever sent it.
+/// The unfinished levels above the one being walked. They are kept in place up to the nesting that
+/// real frames have, on the heap beyond it, and never on the call stack: the sender decides how
+/// deep a frame nests.
 class WalkStack {
 public:
     struct Entry {
         WalkLevel level;
-        std::size_t position = 0;
+        std::size_t index = 0;
         std::size_t end = 0;
         std::uint32_t elementCount = 0;
     };
@@ -77,11 +77,12 @@ private:
     std::size_t size_ = 0;
 };
 
-/// Elements of one level that the frame walks look at; those behind them are not.
+/// Elements of one level that the frame walks look at; those after them are not.
 inline constexpr std::uint32_t kMaxElementsPerLevel = 50;
 inline constexpr std::uint32_t kUnlimited = std::numeric_limits<std::uint32_t>::max();
 
-/// The most octets behind a PDU that are a tail: so few that no walk comes to its bound in them.
+/// Longest run of octets after the PDU treated as a tail. Short enough that it cannot hold
+/// kMaxElementsPerLevel elements.
 inline constexpr std::size_t kMaxTailSize = std::size_t{2} * (kMaxElementsPerLevel - 1);
 
 /// Tells a WalkTrace, if there is one, what a walk passes over.
@@ -90,12 +91,12 @@ public:
     WalkTracer(WalkTrace* trace, Octets data) : trace_(trace), data_(data) {}
 
     /// The walk is about to read an element.
-    void atElement(WalkLevel const& level, std::uint32_t elementCount, std::size_t position) {
+    void atElement(WalkLevel const& level, std::uint32_t elementCount, std::size_t index) {
         if (trace_ != nullptr && elementCount == 1 && level == WalkLevel{}) {
-            tail_ = data_.subspan(position);
+            tail_ = data_.subspan(index);
         }
     }
-    void afterElement(WalkStep step, BerElement const& element, std::size_t position) {
+    void afterElement(WalkStep step, BerElement const& element, std::size_t index) {
         if (trace_ == nullptr) {
             return;
         }
@@ -105,15 +106,15 @@ public:
             tail_ = {};
         }
         if (step == WalkStep::reject) {
-            trace_->passOver(data_.subspan(position));
+            trace_->passOver(data_.subspan(index));
         }
     }
     /// The octets of a level that the walk leaves unread.
-    void atLevelEnd(std::size_t position, std::size_t end, bool isLast) {
+    void atLevelEnd(std::size_t index, std::size_t end, bool isLast) {
         if (trace_ == nullptr) {
             return;
         }
-        trace_->passOver(data_.subspan(position, end - position));
+        trace_->passOver(data_.subspan(index, end - index));
         if (isLast && tail_.size() <= kMaxTailSize) {
             trace_->endAt(tail_);
         }
@@ -127,12 +128,12 @@ private:
 };
 
 /// The level inside an element.
-/// @param above     stands behind the element
-/// @param position  where the element's value begins
-inline WalkStack::Entry levelBelow(WalkStack::Entry const& above, std::size_t position) {
+/// @param above     after the element
+/// @param index  where the element's value starts
+inline WalkStack::Entry levelBelow(WalkStack::Entry const& above, std::size_t index) {
     return {.level = {.depth = above.level.depth + 1, .inAsdu = above.level.inAsdu},
-            .position = position,
-            .end = above.position,
+            .index = index,
+            .end = above.index,
             .elementCount = 0};
 }
 
@@ -141,8 +142,8 @@ inline WalkStack::Entry levelBelow(WalkStack::Entry const& above, std::size_t po
 ///
 /// @param data     the octets of the first level
 /// @param level    the state of the first level
-/// @param handler  `WalkStep handler(BerElement const&, std::size_t position, WalkLevel&)`, where
-///                 `position` is the index in `data` of the element's identifier octet
+/// @param handler  `WalkStep handler(BerElement const&, std::size_t index, WalkLevel&)`, where
+///                 `index` is the index in `data` of the element's identifier octet
 /// @param trace    told what was passed over, unless null; `data` is part of its frame
 /// @return false only when the handler rejected
 template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Handler>
@@ -150,15 +151,15 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
                                 WalkTrace* trace = nullptr) {
     WalkTracer tracer(trace, data);
     WalkStack unfinished;
-    WalkStack::Entry now{.level = level, .position = 0, .end = data.size(), .elementCount = 0};
+    WalkStack::Entry now{.level = level, .index = 0, .end = data.size(), .elementCount = 0};
     for (;;) {
         BerElement element;
-        std::size_t const start = now.position;
+        std::size_t const start = now.index;
         tracer.atElement(now.level, now.elementCount, start);
         bool const levelGoesOn = now.elementCount < maxElementsPerLevel &&
-                                 wire::readElement(data.first(now.end), now.position, element);
+                                 wire::readElement(data.first(now.end), now.index, element);
         if (!levelGoesOn) {
-            tracer.atLevelEnd(now.position, now.end, unfinished.empty());
+            tracer.atLevelEnd(now.index, now.end, unfinished.empty());
             if (unfinished.empty()) {
                 return true;
             }
@@ -167,13 +168,13 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
         }
         ++now.elementCount;
         WalkStep const step = handler(element, start, now.level);
-        tracer.afterElement(step, element, now.position);
+        tracer.afterElement(step, element, now.index);
         switch (step) {
             case WalkStep::next:
             case WalkStep::skip:
                 break;
             case WalkStep::endLevel:
-                now.position = now.end;
+                now.index = now.end;
                 break;
             case WalkStep::reject:
                 return false;
@@ -181,8 +182,9 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
                 if (element.value.empty()) {
                     break;
                 }
-                // A level with nothing left need not be come back to: pure nesting costs no memory.
-                if (now.position < now.end && now.elementCount < maxElementsPerLevel) {
+                // A level with nothing left to read is not pushed, so a chain of single children
+                // needs no memory.
+                if (now.index < now.end && now.elementCount < maxElementsPerLevel) {
                     unfinished.push(now);
                 }
                 now = levelBelow(now, start + element.headerSize);
@@ -191,13 +193,13 @@ template <std::uint32_t maxElementsPerLevel = kMaxElementsPerLevel, typename Han
     }
 }
 
-/// Whether a walk that came to these octets behind a PDU would pass over all of them.
+/// Whether a walk that came to these octets after a PDU would pass over all of them.
 /// @param tail  at most `kMaxTailSize` octets
 template <typename Handler>
 [[nodiscard]] bool passesOverTail(Octets tail, Handler const& handler) {
     return walkElements(tail, {},
-                        [&](BerElement const& element, std::size_t position, WalkLevel& level) {
-                            return nextIf(handler(element, position, level) == WalkStep::skip);
+                        [&](BerElement const& element, std::size_t index, WalkLevel& level) {
+                            return nextIf(handler(element, index, level) == WalkStep::skip);
                         });
 }
 

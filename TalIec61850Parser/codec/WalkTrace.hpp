@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: what was looked at in a frame, and so what the conclusions from it depend on.
+// Internal: what was looked at in a frame, and so what the result of its walk depends on.
 
 #include <TalIec61850Parser/wire/Octets.hpp>
 #include <algorithm>
@@ -14,18 +14,19 @@ using wire::Octets;
 
 /// Which octets of a frame were looked at on its way through the plain walk.
 ///
-/// Every octet counts as looked at until somebody says that it was passed over: who forgets to say
-/// so costs time, never truth. Two places are passed over with a reservation, see `readAgain` and
-/// `endAt`.
+/// Every octet is assumed to matter until `passOver` says otherwise, so a missing call makes the
+/// fast lane slower, never wrong. Two kinds of octets are skipped conditionally, see `readAgain`
+/// and `endAt`.
 class WalkTrace {
 public:
-    /// Octets of the frame, counted from its begin.
+    /// Octets of the frame.
     struct Part {
-        std::size_t position = 0;
+        /// In the frame, of the first one.
+        std::size_t index = 0;
         std::size_t size = 0;
     };
 
-    /// Begins a frame, of which no octet has been passed over.
+    /// Starts a frame, of which no octet has been passed over.
     /// @param frame  outlives what is said about it
     void begin(Octets frame) {
         frame_ = frame;
@@ -41,19 +42,20 @@ public:
     /// @param octets  part of the frame
     void passOver(Octets octets) {
         Part const part = partOf(octets);
-        std::fill_n(mask_.begin() + static_cast<std::ptrdiff_t>(part.position), part.size,
+        std::fill_n(mask_.begin() + static_cast<std::ptrdiff_t>(part.index), part.size,
                     kPassedOver);
     }
 
-    /// A number was read here that nothing depends on; in a like frame it is to be read again. Only
+    /// A number was read here that nothing depends on; it is to be read anew in a frame of the same
+    /// pattern. Only
     /// the last such number counts.
     void readAgain(Octets octets) {
         passOver(octets);
         number_ = partOf(octets);
     }
 
-    /// These octets, which follow the PDU, were passed over all the way to the end of the walk. A
-    /// like frame comes to the same end if the walk passes over them there too.
+    /// These octets, which follow the PDU, were passed over all the way to the end of the walk. In
+    /// a frame of the same pattern the walk ends the same way if it passes over them there too.
     void endAt(Octets octets) {
         passOver(octets);
         tail_ = partOf(octets);
@@ -76,7 +78,7 @@ private:
         if (octets.empty()) {
             return {};
         }
-        return {.position = static_cast<std::size_t>(octets.data() - frame_.data()),
+        return {.index = static_cast<std::size_t>(octets.data() - frame_.data()),
                 .size = octets.size()};
     }
 

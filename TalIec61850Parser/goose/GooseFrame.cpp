@@ -1,6 +1,5 @@
-#include <TalIec61850Parser/capture/ApplicationHeader.hpp>
-#include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/frame/Admission.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/wire/GooseTags.hpp>
 #include <optional>
@@ -16,15 +15,14 @@ using enum wire::GooseField;
 constexpr std::int64_t kFieldDepth = 2;
 
 /// Stores a name, then matches it: a rejected record shows what it was rejected for.
-WalkStep takeName(Octets value, Goose& goose, std::vector<GooseIdentifer> const& filters,
+WalkStep takeName(Octets value, Goose& goose, GooseFilters const& filters,
                   std::optional<std::string> GooseIdentifer::*name) {
     goose.*name = toText(value);
     return nextIf(passes(filters, name, *(goose.*name)));
 }
 
 /// One primitive field of a goosePdu.
-WalkStep takeField(BerElement const& field, Goose& goose,
-                   std::vector<GooseIdentifer> const& filters) {
+WalkStep takeField(BerElement const& field, Goose& goose, GooseFilters const& filters) {
     switch (ber::tagNumber(field.tag)) {
         case kGocbRef:
             return takeName(field.value, goose, filters, &GooseIdentifer::gocbRef);
@@ -52,25 +50,22 @@ WalkStep takeField(BerElement const& field, Goose& goose,
 }
 
 /// One primitive context-specific element inside allData: nothing there identifies the stream, but
-/// a goosePdu may lie deeper still.
+/// a goosePdu may be deeper still.
 WalkStep passData(BerElement const& element) {
     bool const isNested =
         element.tag == wire::kPrimitiveArray || element.tag == wire::kPrimitiveStructure;
     return isNested ? WalkStep::descend : WalkStep::skip;
 }
 
-/// What walkGoosePdu does with each element. Refers to its arguments.
-auto gooseHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Goose& goose,
-                  Package& package, Filter const& filter) {
-    return [&, filePosition](BerElement const& element, std::size_t position,
-                             WalkLevel const& current) {
+/// What walkGoosePdu does with each element. Refers to its argument.
+auto gooseHandler(GooseWalk const& walk) {
+    return [&walk](BerElement const& element, std::size_t index, WalkLevel const& current) {
         if (element.tag == wire::kGoosePdu) {
-            package.time = {header.tsSec, header.tsUsec};
-            package.position = filePosition + position;
+            walk.package = {.time = walk.time, .position = walk.fileOffset + index};
             return WalkStep::descend;
         }
         if (ber::isContextPrimitive(element.tag) && current.depth == kFieldDepth) {
-            return takeField(element, goose, filter.gooseFilters);
+            return takeField(element, walk.record, walk.filters);
         }
         if (ber::isContextPrimitive(element.tag) && current.depth > kFieldDepth) {
             return passData(element);
@@ -81,20 +76,19 @@ auto gooseHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Go
 
 }  // namespace
 
-bool walkGoosePdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
-                  PcapPacketHeader const& header, Goose& goose, Package& package,
-                  Filter const& filter, WalkTrace* trace) {
-    return walkElements(pdu, level, gooseHandler(filePosition, header, goose, package, filter),
-                        trace);
+bool walkGoosePdu(Octets pdu, WalkLevel level, GooseWalk const& walk) {
+    return walkElements(pdu, level, gooseHandler(walk), walk.trace);
 }
 
 bool walkGoosePduPassesOver(Octets tail) {
     Goose goose;
     Package package;
-    return passesOverTail(tail, gooseHandler(0, {}, goose, package, {}));
+    GooseFilters const none;
+    GooseWalk const walk{.record = goose, .filters = none, .package = package};
+    return passesOverTail(tail, gooseHandler(walk));
 }
 
-bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, Filter const& filter) {
+bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, GooseFilters const& filters) {
     auto const handle = [&](BerElement const& element, std::size_t, WalkLevel const& current) {
         if (!ber::isContextPrimitive(element.tag)) {
             return ber::isStructure(element.tag, wire::kGoosePdu) ? WalkStep::descend
@@ -102,24 +96,15 @@ bool walkGooseIdentity(Octets pdu, WalkLevel level, Goose& goose, Filter const& 
         }
         bool const isField =
             current.depth == kFieldDepth && ber::tagNumber(element.tag) != kAllData;
-        return isField ? takeField(element, goose, filter.gooseFilters) : WalkStep::skip;
+        return isField ? takeField(element, goose, filters) : WalkStep::skip;
     };
     return walkElements(pdu, level, handle);
 }
 
-bool readGooseIdentity(Octets frame, std::size_t offset, Goose& goose, Filter const& filter) {
-    auto const application = wire::readApplicationHeader(frame, offset);
-    return application && takeApplicationHeader(*application, goose, filter.gooseFilters) &&
-           walkGooseIdentity(application->pdu(), {}, goose, filter);
-}
-
-bool readGooseFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
-                    std::uint64_t position, Goose& goose, Package& package, Filter const& filter,
-                    WalkTrace* trace) {
-    auto const application = wire::readApplicationHeader(data, offset);
-    return application && takeApplicationHeader(*application, goose, filter.gooseFilters, trace) &&
-           walkGoosePdu(application->pdu(), {}, position + offset + wire::ApplicationHeader::kSize,
-                        header, goose, package, filter, trace);
+bool readGooseIdentity(Octets frame, std::size_t index, Goose& goose, GooseFilters const& filters) {
+    auto const header = wire::readApplicationHeader(frame, index);
+    return header && admitApplicationHeader(*header, goose, filters) &&
+           walkGooseIdentity(header->pdu(), {}, goose, filters);
 }
 
 }  // namespace TalIec61850Parser::detail

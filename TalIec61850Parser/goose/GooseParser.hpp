@@ -21,7 +21,7 @@ public:
     /// Takes one frame from its GOOSE header on (APPID, Length, Reserved 1 and 2, goosePdu).
     ///
     /// The PDU is taken to reach to the end of `data`; the Length field is not looked at. What is
-    /// malformed or cut short ends the nesting level it stands on, what was read before stays.
+    /// malformed or cut short ends its nesting level, what was read before stays.
     /// `goose` should be fresh: what the frame does not carry keeps what it held. A name that is
     /// rejected is in it, an APPID or Reserved 1 bit that is rejected is not.
     /// @param data      the capture record
@@ -31,10 +31,10 @@ public:
     /// @param goose     identity, written; on false filled up to the criterion that failed
     /// @param package   time and position of the goosePdu (0x61); untouched without one
     /// @param filter    what is wanted
-    /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
-    static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
-                            PcapPacketHeader const& header, std::uint64_t position, Goose& goose,
-                            Package& package, Filter const& filter);
+    /// @return false when fewer than nine octets are at `offset` or the filter rejects the frame
+    [[nodiscard]] static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
+                                          PcapPacketHeader const& header, std::uint64_t position,
+                                          Goose& goose, Package& package, Filter const& filter);
 
     /// Decodes one indexed packet in full, read again from its capture file.
     ///
@@ -42,17 +42,19 @@ public:
     /// several threads at once.
     /// @param fileName  path of the capture file
     /// @param position  the `position` of the packet's Package: that of its goosePdu (0x61)
-    /// @return empty when the file cannot be read, no goosePdu stands there, its length is in the
-    ///         indefinite form or takes more than two octets behind the first, or the file cuts it
+    /// @return empty when the file cannot be read, no goosePdu is there, its length is in the
+    ///         indefinite form or takes more than two octets after the first, or the file cuts it
     ///         short; fields up to the first damaged one otherwise
-    static GoosePdu parseGoosePDUFromFile(std::string const& fileName, std::uint64_t position);
+    [[nodiscard]] static GoosePdu parseGoosePDUFromFile(std::string const& fileName,
+                                                        std::uint64_t position);
 
     /// The booleans at the top level of allData, 1.0 for true and 0.0 for false, in order; and
     /// those inside structures in primitive form (0x82). Deliberate: other structures (0xA2) and
     /// arrays are passed over.
     /// @param allData  normally `GoosePdu::allData`
     /// @return those before the first damaged element
-    static std::vector<float> parseBooleanValues(std::vector<std::uint8_t> const& allData);
+    [[nodiscard]] static std::vector<float> parseBooleanValues(
+        std::vector<std::uint8_t> const& allData);
 
     // The steps of these operations, public like every operation of the library.
 
@@ -66,22 +68,25 @@ public:
     /// @param package       as in `parsePacket`
     /// @param filter        what is wanted
     /// @return false only when the filter rejects the frame
-    static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
-                                    std::size_t start, std::size_t filePosition,
-                                    PcapPacketHeader const& header, Goose& goose, Package& package,
-                                    Filter const& filter);
+    [[nodiscard]] static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer,
+                                                  int depth, std::size_t start,
+                                                  std::size_t filePosition,
+                                                  PcapPacketHeader const& header, Goose& goose,
+                                                  Package& package, Filter const& filter);
 
     /// The same as `_parseAsn1Structure`.
-    static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,
-                                        std::size_t start, std::size_t filePosition,
-                                        PcapPacketHeader const& header, Goose& goose,
-                                        Package& package, Filter const& filter);
+    [[nodiscard]] static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer,
+                                                      int depth, std::size_t start,
+                                                      std::size_t filePosition,
+                                                      PcapPacketHeader const& header, Goose& goose,
+                                                      Package& package, Filter const& filter);
 
     /// Puts the fields of a goosePdu into `pdu`, at most 50 of them.
     /// @param content  the value of the goosePdu element
     /// @param pdu      written; what does not occur keeps what it held
     /// @return whether 50 fields were met; false at the end of the content and at damage
-    static bool _parseGoosePdu(std::vector<std::uint8_t> const& content, GoosePdu& pdu);
+    [[nodiscard]] static bool _parseGoosePdu(std::vector<std::uint8_t> const& content,
+                                             GoosePdu& pdu);
 
     /// `parseBooleanValues`, appended to `out`.
     static void _extractBooleanValues(std::vector<std::uint8_t> const& data,

@@ -5,13 +5,14 @@ namespace TalIec61850Parser {
 
 bool GooseParserSimple::parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
                                     Goose& goose, Filter const& filter) {
-    return detail::readGooseIdentity(data, offset, goose, filter);
+    return detail::readGooseIdentity(data, offset, goose, filter.gooseFilters);
 }
 
 bool GooseParserSimple::_parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
                                             std::size_t /*start*/, Goose& goose,
                                             Filter const& filter) {
-    return detail::walkGooseIdentity(buffer, {.depth = depth, .inAsdu = false}, goose, filter);
+    return detail::walkGooseIdentity(buffer, {.depth = depth, .inAsdu = false}, goose,
+                                     filter.gooseFilters);
 }
 
 bool GooseParserSimple::_processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,

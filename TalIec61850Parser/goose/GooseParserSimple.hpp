@@ -22,10 +22,10 @@ public:
     /// @param offset  index in `data` of the APPID
     /// @param goose   its identity, written; on false filled up to the criterion that failed
     /// @param filter  what is wanted
-    /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
-    ///         true in every other case, whatever is malformed behind the header
-    static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Goose& goose,
-                            Filter const& filter);
+    /// @return false when fewer than nine octets are at `offset` or the filter rejects the frame;
+    ///         true in every other case, whatever is malformed after the header
+    [[nodiscard]] static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
+                                          Goose& goose, Filter const& filter);
 
     // The steps of parsePacket, public like every operation of the library.
 
@@ -36,12 +36,14 @@ public:
     /// @param goose   the names, confRev and simulation found, written
     /// @param filter  what is wanted
     /// @return false only when the filter rejects the frame
-    static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
-                                    std::size_t start, Goose& goose, Filter const& filter);
+    [[nodiscard]] static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer,
+                                                  int depth, std::size_t start, Goose& goose,
+                                                  Filter const& filter);
 
     /// The same as `_parseAsn1Structure`.
-    static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,
-                                        std::size_t start, Goose& goose, Filter const& filter);
+    [[nodiscard]] static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer,
+                                                      int depth, std::size_t start, Goose& goose,
+                                                      Filter const& filter);
 };
 
 }  // namespace TalIec61850Parser

@@ -11,7 +11,7 @@ void Db::clear() {
 
 namespace {
 
-/// @param fileName  a copy: the caller's may lie in a record that is erased
+/// @param fileName  a copy: the caller's may be in a record that is erased
 template <typename Proto>
 void forgetFile(std::string fileName, Proto& proto) {
     std::erase_if(proto.streams, [&](auto const& stream) {

@@ -9,11 +9,11 @@ namespace TalIec61850Parser {
 ///
 /// The pointers lead into the stream's PackageFile and stay valid until that file is erased.
 struct FilteredPackagesResult {
-    /// Every packet from the begin to the end of the window, both included, in list order.
+    /// Every packet from the start to the end of the window, both included, in list order.
     std::vector<Package const*> packages;
     /// The last packet before the window; null when there is none.
     Package const* previousPackage = nullptr;
-    /// The first packet behind the window; null when there is none.
+    /// The first packet after the window; null when there is none.
     Package const* nextPackage = nullptr;
 };
 

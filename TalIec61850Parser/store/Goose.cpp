@@ -30,8 +30,8 @@ std::map<PackageFile const*, FilteredPackagesResult> Goose::getfilteredPackages(
         if (window.first != file.packages.begin()) {
             result.previousPackage = &*std::prev(window.first);
         }
-        if (window.behind != file.packages.end()) {
-            result.nextPackage = &*window.behind;
+        if (window.after != file.packages.end()) {
+            result.nextPackage = &*window.after;
         }
     }
     return found;

@@ -5,7 +5,7 @@
 
 namespace TalIec61850Parser {
 
-/// One indexed packet: when it was captured and where it lies in its capture file.
+/// One indexed packet: when it was captured and where it is in its capture file.
 ///
 /// `position` is the offset, in octets from the start of the file, of the identifier octet from
 /// which the packet can be decoded again: goosePdu (0x61) for GOOSE, the sequence of ASDU (0xA2)
@@ -14,7 +14,7 @@ namespace TalIec61850Parser {
 struct Package {
     /// When it was captured.
     Timest time;
-    /// Where it lies in its capture file, in octets.
+    /// Where it is in its capture file, in octets.
     std::uint64_t position = 0;
 
     /// Time and position are equal.

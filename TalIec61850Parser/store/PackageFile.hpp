@@ -52,9 +52,9 @@ struct TALIEC61850PARSER_EXPORT PackageFileHash {
     using is_transparent = void;
 
     /// The hash of its name.
-    std::size_t operator()(PackageFile const& file) const;
+    [[nodiscard]] std::size_t operator()(PackageFile const& file) const;
     /// The hash of a name.
-    std::size_t operator()(std::string_view fileName) const;
+    [[nodiscard]] std::size_t operator()(std::string_view fileName) const;
 };
 
 /// Tells PackageFiles apart by name alone, octet for octet.
@@ -63,15 +63,15 @@ struct PackageFileEqual {
     using is_transparent = void;
 
     /// Whether two have one name.
-    bool operator()(PackageFile const& a, PackageFile const& b) const {
+    [[nodiscard]] bool operator()(PackageFile const& a, PackageFile const& b) const {
         return a.fileName == b.fileName;
     }
     /// Whether it has this name.
-    bool operator()(PackageFile const& file, std::string_view fileName) const {
+    [[nodiscard]] bool operator()(PackageFile const& file, std::string_view fileName) const {
         return file.fileName == fileName;
     }
     /// Whether it has this name.
-    bool operator()(std::string_view fileName, PackageFile const& file) const {
+    [[nodiscard]] bool operator()(std::string_view fileName, PackageFile const& file) const {
         return file.fileName == fileName;
     }
 };

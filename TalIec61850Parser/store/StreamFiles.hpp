@@ -18,10 +18,10 @@ PackageFile const* findOrAddFile(PackageFileSet& files, std::string const& fileN
 struct PackageWindow {
     /// The first packet not before the window.
     PackageIterator first;
-    /// The first packet behind the window; before `first` when the window ends before it begins.
-    PackageIterator behind;
+    /// The first packet after the window; before `first` when the window ends before it starts.
+    PackageIterator after;
 
-    /// The packets inside; none when the window ends before it begins.
+    /// The packets inside; none when the window ends before it starts.
     [[nodiscard]] std::vector<Package const*> packages() const;
 };
 

@@ -32,13 +32,13 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
     /// Finds the packet index of a capture file in this stream, or adds an empty one.
     /// @param fileName  the file's path; compared octet for octet
     /// @return never null; valid until that file is cleared or the stream is erased
-    PackageFile const* addFile(std::string const& fileName) const;
+    [[nodiscard]] PackageFile const* addFile(std::string const& fileName) const;
 
     /// The packets of a time window, per capture file.
     ///
     /// Needs every file's packets in time order; where they are not, the result is that of a binary
-    /// search. A window that ends before it begins holds no packets.
-    /// @param from  begin of the window, itself inside
+    /// search. A window that ends before it starts holds no packets.
+    /// @param from  start of the window, itself inside
     /// @param to    end of the window, itself inside
     /// @return an entry for every file with a packet in the window; the pointers stay valid until
     ///         the file is cleared
@@ -50,10 +50,10 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
     /// Needs the file's packets in time order, as `getfilteredPackages` does.
     /// @param file  one of this stream's files; not null
     /// @param time  packets of this very time do not count
-    /// @return the end of the file's list when no packet lies before `time`; valid until the next
+    /// @return the end of the file's list when no packet is before `time`; valid until the next
     ///         packet is added to that file
-    PackageIterator findFileNearestPackageIterator(PackageFile const* file,
-                                                   Timest const& time) const;
+    [[nodiscard]] PackageIterator findFileNearestPackageIterator(PackageFile const* file,
+                                                                 Timest const& time) const;
 
     /// The last packet before a time in every file.
     /// @param time  packets of this very time do not count
@@ -65,10 +65,10 @@ struct TALIEC61850PARSER_EXPORT Sv : TalIec61850::SvIdentifer {
 
 /// The hash by which SV streams are found. Deliberate: HSR is left out here and counts in SvEqual.
 /// Not noexcept: libstdc++ then caches the hash and compares it before SvEqual.
-/// Whoever makes up a capture can give many streams one hash, see GooseHash.
+/// A capture can be made that gives many streams one hash, see GooseHash.
 struct TALIEC61850PARSER_EXPORT SvHash {
     /// The hash of a record; its packets and statistics are no part of it.
-    std::size_t operator()(Sv const& sv) const;
+    [[nodiscard]] std::size_t operator()(Sv const& sv) const;
 };
 
 /// The identity of SV streams. A member that is not set compares as zero or empty. VLAN and HSR
@@ -76,7 +76,7 @@ struct TALIEC61850PARSER_EXPORT SvHash {
 /// two streams over the two directions of an HSR ring, one over the two PRP LANs.
 struct TALIEC61850PARSER_EXPORT SvEqual {
     /// Whether two records compare as one stream.
-    bool operator()(Sv const& a, Sv const& b) const;
+    [[nodiscard]] bool operator()(Sv const& a, Sv const& b) const;
 };
 
 }  // namespace TalIec61850Parser

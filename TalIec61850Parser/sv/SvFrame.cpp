@@ -1,6 +1,5 @@
-#include <TalIec61850Parser/capture/ApplicationHeader.hpp>
-#include <TalIec61850Parser/capture/FilterRule.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/frame/Admission.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
 #include <TalIec61850Parser/wire/SvTags.hpp>
 #include <vector>
@@ -12,7 +11,7 @@ namespace {
 using enum wire::AsduField;
 
 /// The identity among the fields of an ASDU: stored, then matched.
-WalkStep takeIdentity(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters) {
+WalkStep takeIdentity(BerElement const& field, Sv& sv, SvFilters const& filters) {
     switch (ber::tagNumber(field.tag)) {
         case kSvID:
             sv.svID = toText(field.value);
@@ -26,20 +25,19 @@ WalkStep takeIdentity(BerElement const& field, Sv& sv, std::vector<SvIdentifer> 
 }
 
 /// One primitive field of an ASDU.
-WalkStep takeAsduField(BerElement const& field, Sv& sv, std::vector<SvIdentifer> const& filters,
-                       WalkTrace* trace) {
+WalkStep takeAsduField(BerElement const& field, SvWalk const& walk) {
     switch (ber::tagNumber(field.tag)) {
         case kSmpCnt:
-            sv.maxSmpCnt = toUint16(field.value);
-            if (trace != nullptr) {
-                trace->readAgain(field.value);
+            walk.record.maxSmpCnt = toUint16(field.value);
+            if (walk.trace != nullptr) {
+                walk.trace->readAgain(field.value);
             }
             return WalkStep::next;
         case kSmpRate:
-            sv.smpRate = toUint16(field.value);
+            walk.record.smpRate = toUint16(field.value);
             return WalkStep::next;
         default:
-            return takeIdentity(field, sv, filters);
+            return takeIdentity(field, walk.record, walk.filters);
     }
 }
 
@@ -52,67 +50,53 @@ WalkStep takePduField(BerElement const& field, Sv& sv) {
     return WalkStep::skip;
 }
 
-/// What walkSavPdu does with each element. Refers to its arguments.
-auto svHandler(std::uint64_t filePosition, PcapPacketHeader const& header, Sv& sv, Package& package,
-               Filter const& filter, WalkTrace* trace) {
-    return [&, filePosition, trace](BerElement const& element, std::size_t position,
-                                    WalkLevel& current) {
+/// What walkSavPdu does with each element. Refers to its argument.
+auto svHandler(SvWalk const& walk) {
+    return [&walk](BerElement const& element, std::size_t index, WalkLevel& current) {
         if (element.tag == wire::kSequenceOfAsdu) {
-            package.time = {header.tsSec, header.tsUsec};
-            package.position = filePosition + position;
+            walk.package = {.time = walk.time, .position = walk.fileOffset + index};
             return WalkStep::descend;
         }
         if (ber::isContextPrimitive(element.tag)) {
-            return current.inAsdu ? takeAsduField(element, sv, filter.svFilters, trace)
-                                  : takePduField(element, sv);
+            return current.inAsdu ? takeAsduField(element, walk)
+                                  : takePduField(element, walk.record);
         }
         // Deliberate: from the first ASDU on, whatever follows on its level counts as in one.
-        current.inAsdu = current.inAsdu || element.tag == ber::kSequence;
+        current.inAsdu = current.inAsdu || element.tag == wire::kAsdu;
         return ber::isStructure(element.tag, wire::kSavPdu) ? WalkStep::descend : WalkStep::skip;
     };
 }
 
 }  // namespace
 
-bool walkSavPdu(Octets pdu, WalkLevel level, std::uint64_t filePosition,
-                PcapPacketHeader const& header, Sv& sv, Package& package, Filter const& filter,
-                WalkTrace* trace) {
-    return walkElements(pdu, level, svHandler(filePosition, header, sv, package, filter, trace),
-                        trace);
+bool walkSavPdu(Octets pdu, WalkLevel level, SvWalk const& walk) {
+    return walkElements(pdu, level, svHandler(walk), walk.trace);
 }
 
 bool walkSavPduPassesOver(Octets tail) {
     Sv sv;
     Package package;
-    return passesOverTail(tail, svHandler(0, {}, sv, package, {}, nullptr));
+    SvFilters const none;
+    SvWalk const walk{.record = sv, .filters = none, .package = package};
+    return passesOverTail(tail, svHandler(walk));
 }
 
-bool walkSvIdentity(Octets pdu, WalkLevel level, Sv& sv, Filter const& filter) {
+bool walkSvIdentity(Octets pdu, WalkLevel level, Sv& sv, SvFilters const& filters) {
     auto const handle = [&](BerElement const& element, std::size_t, WalkLevel& current) {
         if (ber::isContextPrimitive(element.tag)) {
-            return current.inAsdu ? takeIdentity(element, sv, filter.svFilters) : WalkStep::skip;
+            return current.inAsdu ? takeIdentity(element, sv, filters) : WalkStep::skip;
         }
         // Deliberate: unlike above, an empty ASDU opens nothing.
-        current.inAsdu =
-            current.inAsdu || (element.tag == ber::kSequence && !element.value.empty());
+        current.inAsdu = current.inAsdu || (element.tag == wire::kAsdu && !element.value.empty());
         return ber::isStructure(element.tag, wire::kSavPdu) ? WalkStep::descend : WalkStep::skip;
     };
     return walkElements(pdu, level, handle);
 }
 
-bool readSvIdentity(Octets frame, std::size_t offset, Sv& sv, Filter const& filter) {
-    auto const application = wire::readApplicationHeader(frame, offset);
-    return application && takeApplicationHeader(*application, sv, filter.svFilters) &&
-           walkSvIdentity(application->pdu(), {}, sv, filter);
-}
-
-bool readSvFrame(Octets data, std::size_t offset, PcapPacketHeader const& header,
-                 std::uint64_t position, Sv& sv, Package& package, Filter const& filter,
-                 WalkTrace* trace) {
-    auto const application = wire::readApplicationHeader(data, offset);
-    return application && takeApplicationHeader(*application, sv, filter.svFilters, trace) &&
-           walkSavPdu(application->pdu(), {}, position + offset + wire::ApplicationHeader::kSize,
-                      header, sv, package, filter, trace);
+bool readSvIdentity(Octets frame, std::size_t index, Sv& sv, SvFilters const& filters) {
+    auto const header = wire::readApplicationHeader(frame, index);
+    return header && admitApplicationHeader(*header, sv, filters) &&
+           walkSvIdentity(header->pdu(), {}, sv, filters);
 }
 
 }  // namespace TalIec61850Parser::detail

@@ -21,7 +21,7 @@ public:
     /// Takes one frame from its SV header on (APPID, Length, Reserved 1 and 2, savPdu).
     ///
     /// The savPdu is taken to reach to the end of `data`; the Length field is not looked at. What
-    /// is malformed or cut short ends the nesting level it stands on, what was read before stays.
+    /// is malformed or cut short ends its nesting level, what was read before stays.
     /// Of several ASDUs each must pass the filter, and the values of the last one stay.
     /// `sv` should be fresh: what the frame does not carry keeps what it held. A name that is
     /// rejected is in it, an APPID or Reserved 1 bit that is rejected is not.
@@ -33,10 +33,10 @@ public:
     ///                  filled up to the criterion that failed
     /// @param package   time and position of the sequence of ASDU (0xA2); untouched without one
     /// @param filter    what is wanted
-    /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame
-    static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
-                            PcapPacketHeader const& header, std::uint64_t position, Sv& sv,
-                            Package& package, Filter const& filter);
+    /// @return false when fewer than nine octets are at `offset` or the filter rejects the frame
+    [[nodiscard]] static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
+                                          PcapPacketHeader const& header, std::uint64_t position,
+                                          Sv& sv, Package& package, Filter const& filter);
 
     /// Decodes the ASDUs of one indexed packet, read again from its capture file.
     ///
@@ -45,12 +45,12 @@ public:
     /// @param fileName  path of the capture file
     /// @param position  the `position` of the packet's Package: that of its 0xA2
     /// @return at most 50 ASDUs, in the order in which they occur; empty when the file cannot be
-    ///         read, no sequence of ASDU stands there, its length is in the indefinite form or
-    ///         takes more than two octets behind the first, or the file cuts it short. An ASDU
+    ///         read, no sequence of ASDU is there, its length is in the indefinite form or
+    ///         takes more than two octets after the first, or the file cuts it short. An ASDU
     ///         without a readable length ends the list; a damaged element ends its ASDU, which
     ///         keeps the fields before it.
-    static std::vector<ASDUData> parseASDUFromFile(std::string const& fileName,
-                                                   std::size_t position);
+    [[nodiscard]] static std::vector<ASDUData> parseASDUFromFile(std::string const& fileName,
+                                                                 std::size_t position);
 
     // The steps of these operations, public like every operation of the library.
 
@@ -63,18 +63,22 @@ public:
     /// @param sv            svID, confRev, noASDU, smpCnt and smpRate found, written
     /// @param package       as in `parsePacket`
     /// @param filter        what is wanted
-    /// @param inAsdu        `buffer` is the content of an ASDU or lies below one
+    /// @param inAsdu        `buffer` is the content of an ASDU or below one
     /// @return false only when the filter rejects the frame
-    static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
-                                    std::size_t start, std::size_t filePosition,
-                                    PcapPacketHeader const& header, Sv& sv, Package& package,
-                                    Filter const& filter, bool inAsdu);
+    [[nodiscard]] static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer,
+                                                  int depth, std::size_t start,
+                                                  std::size_t filePosition,
+                                                  PcapPacketHeader const& header, Sv& sv,
+                                                  Package& package, Filter const& filter,
+                                                  bool inAsdu);
 
     /// The same as `_parseAsn1Structure`.
-    static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,
-                                        std::size_t start, std::size_t filePosition,
-                                        PcapPacketHeader const& header, Sv& sv, Package& package,
-                                        Filter const& filter, bool inAsdu);
+    [[nodiscard]] static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer,
+                                                      int depth, std::size_t start,
+                                                      std::size_t filePosition,
+                                                      PcapPacketHeader const& header, Sv& sv,
+                                                      Package& package, Filter const& filter,
+                                                      bool inAsdu);
 
     /// Calls `_parseQualityValidity` with the validity code of each of the first eight samples. An
     /// extension point that nothing calls.

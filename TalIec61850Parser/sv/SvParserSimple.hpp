@@ -23,10 +23,10 @@ public:
     /// @param sv      its appId, reserved1Bit0, svID and confRev, written; on false filled up to
     ///                the criterion that failed
     /// @param filter  what is wanted
-    /// @return false when fewer than nine octets stand at `offset` or the filter rejects the frame;
-    ///         true in every other case, whatever is malformed behind the header
-    static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset, Sv& sv,
-                            Filter const& filter);
+    /// @return false when fewer than nine octets are at `offset` or the filter rejects the frame;
+    ///         true in every other case, whatever is malformed after the header
+    [[nodiscard]] static bool parsePacket(std::vector<std::uint8_t> const& data, std::size_t offset,
+                                          Sv& sv, Filter const& filter);
 
     // The steps of parsePacket, public like every operation of the library.
 
@@ -36,16 +36,17 @@ public:
     /// @param start   not used
     /// @param sv      svID and confRev found, written
     /// @param filter  what is wanted
-    /// @param inAsdu  `buffer` is the content of an ASDU or lies below one. Deliberate: unlike in
+    /// @param inAsdu  `buffer` is the content of an ASDU or below one. Deliberate: unlike in
     ///                SvParser, an empty ASDU does not open one for what follows it
     /// @return false only when the filter rejects the frame
-    static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer, int depth,
-                                    std::size_t start, Sv& sv, Filter const& filter, bool inAsdu);
+    [[nodiscard]] static bool _parseAsn1Structure(std::vector<std::uint8_t> const& buffer,
+                                                  int depth, std::size_t start, Sv& sv,
+                                                  Filter const& filter, bool inAsdu);
 
     /// The same as `_parseAsn1Structure`.
-    static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer, int depth,
-                                        std::size_t start, Sv& sv, Filter const& filter,
-                                        bool inAsdu);
+    [[nodiscard]] static bool _processNestedStructure(std::vector<std::uint8_t> const& buffer,
+                                                      int depth, std::size_t start, Sv& sv,
+                                                      Filter const& filter, bool inAsdu);
 };
 
 }  // namespace TalIec61850Parser

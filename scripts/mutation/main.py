@@ -1,4 +1,4 @@
-"""Changes the codec and the walks in many small ways, and sees whether the tests notice.
+"""Changes the library in many small ways, and sees whether the tests notice.
 
 Works on a copy of the project in WORK_DIR, where results.tsv takes a line per mutant: a run that
 was interrupted goes on where it stopped. Mutants that change nothing a test could see stand in
@@ -21,12 +21,22 @@ from workbench import LIBRARY, PROGRAMS, NotBuilt, Outcome, Workbench  # noqa: E
 PROJECT = Path(__file__).resolve().parents[2]
 # Sources, then headers.
 FILES = [f"TalIec61850Parser/{name}" for name in (
-    "codec/Asn1Parser.cpp", "codec/BerValue.cpp", "codec/ShortLength.cpp", "goose/GooseFrame.cpp",
-    "goose/GoosePduDecoder.cpp", "sv/SvFrame.cpp", "sv/AsduDecoder.cpp",
-    "capture/EthernetDecoder.cpp", "capture/FrameIndex.cpp", "capture/RecordReader.cpp",
-    "capture/RecordReader.hpp", "codec/Asn1Tag.hpp", "codec/BerValue.hpp", "codec/ShortLength.hpp",
-    "codec/WalkTrace.hpp", "codec/BytesConverter.hpp", "capture/EthernetDecoder.hpp",
-    "codec/BerWalk.hpp", "codec/BerReader.hpp")]
+    "wire/Ethernet.cpp", "wire/Hex.cpp", "wire/ShortLength.cpp", "wire/pattern/MaskedBlocks.cpp",
+    "wire/pattern/PatternTable.cpp", "codec/Asn1Parser.cpp", "codec/BerValue.cpp",
+    "codec/ReadElementContent.cpp", "store/Db.cpp", "store/Goose.cpp", "store/PackageFile.cpp",
+    "store/StreamFiles.cpp", "store/Sv.cpp", "goose/GooseFrame.cpp", "goose/GooseParser.cpp",
+    "goose/DecodeGoosePdu.cpp", "sv/SvFrame.cpp", "sv/SvParser.cpp", "sv/DecodeAsdu.cpp",
+    "capture/EthernetParser.cpp", "capture/JudgeFrame.cpp", "capture/PcapParser.cpp",
+    "capture/RecordReader.cpp", "capture/index/IndexFrame.cpp", "capture/lane/FastLane.cpp",
+    "wire/ApplicationHeader.hpp", "wire/BerReader.hpp", "wire/CaptureFormat.hpp",
+    "wire/Ethernet.hpp", "wire/GooseTags.hpp", "wire/Octets.hpp", "wire/OptionalGroup.hpp",
+    "wire/ShortLength.hpp", "wire/SvTags.hpp",
+    "wire/pattern/FrameMemory.hpp", "wire/pattern/MaskedBlocks.hpp",
+    "wire/pattern/PatternTable.hpp", "wire/pattern/TurnPredictor.hpp", "codec/Asn1Tag.hpp",
+    "codec/BerValue.hpp", "codec/BerWalk.hpp", "codec/BytesConverter.hpp", "codec/WalkTrace.hpp",
+    "store/Payload.hpp", "frame/Admission.hpp", "frame/FilterRule.hpp",
+    "capture/IndexCapture.hpp", "capture/RecordReader.hpp", "capture/index/IndexFrame.hpp",
+    "capture/index/StreamPlace.hpp", "capture/lane/FastLane.hpp", "capture/lane/FilterImage.hpp")]
 
 
 def arguments():

@@ -15,8 +15,10 @@ HEADERS = ["algorithm", "array", "bit", "cstdint", "cstdio", "cstring", "ctime",
 # At the end of the copy's CMakeLists.txt. A change of one source is compiled fastest where each
 # source is a unit of its own, a change of a header where all of them are one unit.
 COMPILATION = """
-target_precompile_headers(TalIec61850ParserObjects PRIVATE {headers})
-set_target_properties(TalIec61850ParserObjects PROPERTIES
+foreach(objects TalIec61850Wire TalIec61850ParserObjects)
+  target_precompile_headers(${{objects}} PRIVATE {headers})
+endforeach()
+set_target_properties(TalIec61850Wire TalIec61850ParserObjects PROPERTIES
     UNITY_BUILD ${{TAL_ONE_UNIT}} UNITY_BUILD_BATCH_SIZE 0)
 """
 LIBRARY = "TalIec61850Parser"
@@ -26,6 +28,7 @@ PROGRAMS = {
     "library-tests": "*Nesting*:*NeedNoStack:*HoweverDeep:AsduSequence.IsSearchedOctetByOctet",
     "internal-tests": "",
     "index-tests": "",
+    "fault-tests": "",
     "lane-tests": "FullMemory.*:LanesInCallback.*:*ThroughFilters:*OfOddFrames",
 }
 # Of a test program, in octets: a mutant that takes memory without end fails soon.

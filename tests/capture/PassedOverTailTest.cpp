@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
+#include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/codec/BerWalk.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
@@ -37,14 +38,24 @@ std::string placeOf(Package const& package) {
 std::string gooseOf(Bytes const& pdu, Filter const& filter = {}) {
     Goose goose;
     Package package;
-    bool const accepted = walkGoosePdu(pdu, {}, 100, {.tsSec = 9}, goose, package, filter);
+    bool const accepted = walkGoosePdu(pdu, {},
+                                       {.record = goose,
+                                        .filters = filter.gooseFilters,
+                                        .package = package,
+                                        .time = {9, 0},
+                                        .fileOffset = 100});
     return (accepted ? "yes" : "no") + placeOf(package) + identityText(goose);
 }
 
 std::string svOf(Bytes const& pdu, Filter const& filter = {}) {
     Sv sv;
     Package package;
-    bool const accepted = walkSavPdu(pdu, {}, 100, {.tsSec = 9}, sv, package, filter);
+    bool const accepted = walkSavPdu(pdu, {},
+                                     {.record = sv,
+                                      .filters = filter.svFilters,
+                                      .package = package,
+                                      .time = {9, 0},
+                                      .fileOffset = 100});
     std::ostringstream text;
     text << (accepted ? "yes" : "no") << placeOf(package) << identityText(sv) << ' ' << sv.maxSmpCnt
          << ' ' << sv.smpRate << ' ' << sv.maxNoASDU;

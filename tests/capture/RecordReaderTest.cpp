@@ -77,7 +77,7 @@ Walked walk(std::streambuf& buffer) {
     RecordReader records(file, true);
     Walked walked;
     while (!records.atEnd()) {
-        walked.positions.push_back(records.position());
+        walked.positions.push_back(records.fileOffset());
         walked.sizes.push_back(records.next().size());
     }
     return walked;
@@ -188,7 +188,7 @@ TEST(RecordReader, PadsAtMostSixteenMebibytes) {
     std::istream file(&buffer);
     RecordReader records(file, true);
     EXPECT_EQ(records.next().size(), 16U + 10U + (std::size_t{16} << 20U));
-    EXPECT_EQ(records.position(), 24UL + 16UL + 0xFFFFFFFFUL);
+    EXPECT_EQ(records.fileOffset(), 24UL + 16UL + 0xFFFFFFFFUL);
     EXPECT_TRUE(records.atEnd());
 }
 

@@ -14,9 +14,9 @@ inline std::string lookedAt(TalIec61850Parser::detail::WalkTrace const& trace) {
     return text;
 }
 
-/// Position and size, as 3+2.
+/// Index and size, as 3+2.
 inline std::string text(TalIec61850Parser::detail::WalkTrace::Part const& part) {
-    return std::to_string(part.position) + "+" + std::to_string(part.size);
+    return std::to_string(part.index) + "+" + std::to_string(part.size);
 }
 
 }  // namespace TalTest

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <TalIec61850Parser/capture/StreamPlace.hpp>
+#include <TalIec61850Parser/capture/index/StreamPlace.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <stdexcept>
 #include <string>

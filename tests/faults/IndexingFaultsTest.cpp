@@ -199,8 +199,8 @@ TEST(IndexingUnderFaults, KeepsAStreamThatTheCallerAddedWithoutFiles) {
 TEST(IndexingUnderFaults, KeepsAFileThatTheCallerAddedWithoutPackets) {
     expectPreparedStoreKept([](auto const& stream, std::string const& fileName) {
         stream.files.clear();
-        stream.addFile(fileName);
-        stream.addFile("another file");
+        static_cast<void>(stream.addFile(fileName));
+        static_cast<void>(stream.addFile("another file"));
         stream.packetCount = 7;
     });
 }

@@ -21,7 +21,10 @@ std::string stepAt(std::int64_t depth, std::uint8_t tag) {
     return stepTaken(tag, [&](Bytes const& data, WalkTrace& trace) {
         Goose goose;
         Package package;
-        EXPECT_TRUE(walkGoosePdu(data, {.depth = depth}, 0, {}, goose, package, {}, &trace));
+        GooseFilters const none;
+        EXPECT_TRUE(
+            walkGoosePdu(data, {.depth = depth},
+                         {.record = goose, .filters = none, .package = package, .trace = &trace}));
     });
 }
 

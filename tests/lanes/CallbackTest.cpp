@@ -136,7 +136,7 @@ TEST(LanesInCallback, StoreThatHoldsTheStreamsAlready) {
             known.svID = name;
             known.maxSmpCnt = 3000;
             known.maxNoASDU = 2;
-            store.db.svProto.addSv(std::move(known)).addFile("earlier");
+            static_cast<void>(store.db.svProto.addSv(std::move(known)).addFile("earlier"));
         }
     };
     EXPECT_EQ(indexByBothLanes(capture, {.filter = {}, .progress = fill}).difference, "");

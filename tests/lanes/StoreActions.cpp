@@ -51,10 +51,10 @@ void addStreams(WatchedStore& store, int call) {
     for (std::uint64_t i = 0; i < count; ++i) {
         Goose goose;
         goose.appId = 1'000'000 + static_cast<std::uint64_t>(call) * count + i;
-        store.db.gooseProto.addGoose(std::move(goose)).addFile("another");
+        static_cast<void>(store.db.gooseProto.addGoose(std::move(goose)).addFile("another"));
         Sv sv;
         sv.appId = 1'000'000 + static_cast<std::uint64_t>(call) * count + i;
-        store.db.svProto.addSv(std::move(sv)).addFile("another");
+        static_cast<void>(store.db.svProto.addSv(std::move(sv)).addFile("another"));
     }
 }
 
@@ -62,7 +62,8 @@ void addFiles(WatchedStore& store, int call) {
     withStreams(store.db, [call](auto& streams) {
         for (auto const& stream : streams)
             for (int i = 0; i < 6; ++i)
-                stream.addFile("file " + std::to_string(call) + " " + std::to_string(i));
+                static_cast<void>(
+                    stream.addFile("file " + std::to_string(call) + " " + std::to_string(i)));
     });
 }
 

@@ -72,7 +72,7 @@ TEST(SvParserSimple, LeavesTheRestOfTheRecordAlone) {
     sv.maxSmpCnt = 80;
     sv.smpRate = 90;
     sv.packetCount = 100;
-    sv.addFile("a.pcap");
+    static_cast<void>(sv.addFile("a.pcap"));
     EXPECT_TRUE(SvParserSimple::parsePacket(svApdu(message), 0, sv, {}));
     EXPECT_EQ(sv.svID, "MU01");
     EXPECT_EQ(sv.srcMac, "source");

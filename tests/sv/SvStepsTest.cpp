@@ -22,7 +22,9 @@ using namespace TalIec61850Parser::detail;
 bool walk(Bytes const& data, WalkLevel const& level, WalkTrace& trace) {
     Sv sv;
     Package package;
-    return walkSavPdu(data, level, 0, {}, sv, package, {}, &trace);
+    SvFilters const none;
+    return walkSavPdu(data, level,
+                      {.record = sv, .filters = none, .package = package, .trace = &trace});
 }
 
 std::string stepAt(WalkLevel const& level, std::uint8_t tag) {
@@ -75,7 +77,9 @@ TEST(SvSteps, DescendIntoNoField) {
         Sv sv;
         Package package;
         Bytes const data = concat({ber(0x80, "MU"), ber(static_cast<std::uint8_t>(tag), fields)});
-        EXPECT_TRUE(walkSavPdu(data, {.depth = 3, .inAsdu = true}, 0, {}, sv, package, {}));
+        SvFilters const none;
+        EXPECT_TRUE(walkSavPdu(data, {.depth = 3, .inAsdu = true},
+                               {.record = sv, .filters = none, .package = package}));
         EXPECT_EQ(sv.svID, "MU") << tag;
         EXPECT_EQ(sv.confRev, std::nullopt) << tag;
     }

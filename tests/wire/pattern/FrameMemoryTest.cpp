@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include <TalIec61850Parser/capture/FrameMemory.hpp>
+#include <TalIec61850Parser/wire/pattern/FrameMemory.hpp>
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,30 +19,32 @@
 namespace {
 
 using namespace TalTest;
-using TalIec61850Parser::detail::FrameConclusion;
-using TalIec61850Parser::detail::FrameMemory;
+/// As large as what the fast lane remembers.
+struct Result {
+    std::array<std::uint64_t, 4> unused{};
+    std::uint16_t number = 0;
+};
+using FrameMemory = TalIec61850Parser::wire::FrameMemory<Result>;
 
 /// A memory of numbered frames.
 class Memory {
 public:
     void remember(Bytes const& frame, Bytes const& mask, std::uint16_t number,
-                  std::uint8_t kind = 0) {
-        FrameConclusion conclusion;
-        conclusion.smpRate = number;
-        memory_->remember(frame, mask, kind, conclusion);
+                  std::uint8_t prpLan = 0) {
+        memory_->remember(frame, mask, prpLan, {.unused = {}, .number = number});
     }
-    [[nodiscard]] std::optional<std::uint16_t> find(Bytes const& frame, std::uint8_t kind = 0) {
-        return numberOf(memory_->find(frame, kind));
+    [[nodiscard]] std::optional<std::uint16_t> find(Bytes const& frame, std::uint8_t prpLan = 0) {
+        return numberOf(memory_->find(frame, prpLan));
     }
     [[nodiscard]] std::optional<std::uint16_t> findNextInTurn(Bytes const& frame,
-                                                              std::uint8_t kind = 0) {
-        return numberOf(memory_->findNextInTurn(frame, kind));
+                                                              std::uint8_t prpLan = 0) {
+        return numberOf(memory_->findNextInTurn(frame, prpLan));
     }
     [[nodiscard]] bool wantsMore() { return memory_->wantsMore(); }
 
 private:
-    static std::optional<std::uint16_t> numberOf(FrameConclusion const* conclusion) {
-        return conclusion == nullptr ? std::nullopt : std::optional(conclusion->smpRate);
+    static std::optional<std::uint16_t> numberOf(Result const* result) {
+        return result == nullptr ? std::nullopt : std::optional(result->number);
     }
 
     std::unique_ptr<FrameMemory> memory_ = std::make_unique<FrameMemory>();
@@ -99,7 +102,7 @@ TEST(FrameMemory, FindsAFrameWhoseCountingOctetsAgree) {
     }
 }
 
-TEST(FrameMemory, FindsNoFrameOfAnotherSizeOrKind) {
+TEST(FrameMemory, FindsNoFrameOfAnotherSizeOrLan) {
     for (std::size_t const size : {16U, 60U, 2000U}) {
         Memory memory;
         memory.remember(Bytes(size), Bytes(size, 0xFF), 7, 'A');
@@ -109,11 +112,11 @@ TEST(FrameMemory, FindsNoFrameOfAnotherSizeOrKind) {
         // Sizes that are held as fewer bits would be mistaken for this one.
         for (std::size_t const more : {1U, 16U, 2048U, 1U << 16U, 1U << 24U})
             EXPECT_EQ(memory.find(Bytes(size + more), 'A'), std::nullopt) << more;
-        for (unsigned kind = 0; kind < 256; ++kind)
+        for (unsigned prpLan = 0; prpLan < 256; ++prpLan)
             for (std::size_t const less : {0U, 1U, 2U})
                 EXPECT_EQ(
-                    memory.find(Bytes(size - less), static_cast<std::uint8_t>(kind)).has_value(),
-                    less == 0 && kind == 'A');
+                    memory.find(Bytes(size - less), static_cast<std::uint8_t>(prpLan)).has_value(),
+                    less == 0 && prpLan == 'A');
     }
 }
 
@@ -122,11 +125,11 @@ TEST(FrameMemory, FindsNoLargerFrameThatBeginsLikeIt) {
     Memory memory;
     memory.remember(Bytes(60), Bytes(60, 0xFF), 7);
     for (std::size_t size = 61; size < 12'000; ++size)
-        for (std::uint8_t const kind : Bytes{0, 'A', 'B'})
-            ASSERT_EQ(memory.find(Bytes(size), kind), std::nullopt) << size;
+        for (std::uint8_t const prpLan : Bytes{0, 'A', 'B'})
+            ASSERT_EQ(memory.find(Bytes(size), prpLan), std::nullopt) << size;
 }
 
-TEST(FrameMemory, ExpectsNoFrameOfAnotherSizeOrKind) {
+TEST(FrameMemory, ExpectsNoFrameOfAnotherSizeOrLan) {
     Memory memory;
     memory.remember(Bytes(60), Bytes(60, 0xFF), 7, 'A');
     auto const expectIt = [&memory] {
@@ -135,9 +138,9 @@ TEST(FrameMemory, ExpectsNoFrameOfAnotherSizeOrKind) {
     };
     expectIt();
     EXPECT_EQ(memory.findNextInTurn(Bytes(60), 'A'), 7);
-    for (std::uint8_t const kind : {std::uint8_t{0}, std::uint8_t{'B'}}) {
+    for (std::uint8_t const prpLan : {std::uint8_t{0}, std::uint8_t{'B'}}) {
         expectIt();
-        EXPECT_EQ(memory.findNextInTurn(Bytes(60), kind), std::nullopt);
+        EXPECT_EQ(memory.findNextInTurn(Bytes(60), prpLan), std::nullopt);
     }
     for (std::size_t const size :
          {std::size_t{0}, std::size_t{59}, std::size_t{61}, std::size_t{60} + (1U << 8U),
@@ -147,15 +150,15 @@ TEST(FrameMemory, ExpectsNoFrameOfAnotherSizeOrKind) {
     }
 }
 
-TEST(FrameMemory, KeepsKindsApart) {
+TEST(FrameMemory, KeepsLansApart) {
     Memory memory;
-    for (std::uint8_t const kind : Bytes{0, 'A', 'B'})
-        memory.remember(Bytes(60), Bytes(60, 0xFF), kind, kind);
-    for (std::uint8_t const kind : Bytes{0, 'A', 'B'})
-        EXPECT_EQ(memory.find(Bytes(60), kind), kind);
+    for (std::uint8_t const prpLan : Bytes{0, 'A', 'B'})
+        memory.remember(Bytes(60), Bytes(60, 0xFF), prpLan, prpLan);
+    for (std::uint8_t const prpLan : Bytes{0, 'A', 'B'})
+        EXPECT_EQ(memory.find(Bytes(60), prpLan), prpLan);
 }
 
-TEST(FrameMemory, KeepsLayoutsOfOneSizeApart) {
+TEST(FrameMemory, KeepsShapesOfOneSizeApart) {
     Memory memory;
     Bytes first(60, 0xFF);
     Bytes second(60, 0xFF);
@@ -185,7 +188,7 @@ TEST(FrameMemory, NeverMistakesOneForAnother) {
     struct Remembered {
         Bytes frame;
         Bytes mask;
-        std::uint8_t kind;
+        std::uint8_t prpLan;
     };
     std::vector<Remembered> all;
     Memory memory;
@@ -194,19 +197,19 @@ TEST(FrameMemory, NeverMistakesOneForAnother) {
         Bytes frame(size);
         for (int changes = 0; changes < 2; ++changes)
             frame[random() % size] = static_cast<std::uint8_t>(random() % 3);
-        auto const kind = static_cast<std::uint8_t>(random() % 2);
-        auto number = memory.findNextInTurn(frame, kind);
-        if (!number) number = memory.find(frame, kind);
+        auto const prpLan = static_cast<std::uint8_t>(random() % 2);
+        auto number = memory.findNextInTurn(frame, prpLan);
+        if (!number) number = memory.find(frame, prpLan);
         if (!number) {
             if (!memory.wantsMore()) continue;
-            Remembered const next = {frame, masks[random() % masks.size()], kind};
-            memory.remember(next.frame, next.mask, static_cast<std::uint16_t>(all.size()), kind);
+            Remembered const next = {frame, masks[random() % masks.size()], prpLan};
+            memory.remember(next.frame, next.mask, static_cast<std::uint16_t>(all.size()), prpLan);
             all.push_back(next);
             continue;
         }
         ++found;
         Remembered const& like = all.at(*number);
-        ASSERT_EQ(like.kind, kind);
+        ASSERT_EQ(like.prpLan, prpLan);
         for (std::size_t at = 0; at < size; ++at)
             ASSERT_TRUE(like.mask[at] == 0 || like.frame[at] == frame[at]) << at;
     }
@@ -289,8 +292,8 @@ TEST(FrameMemory, TakesInNothingMoreWhenFull) {
         ++count;
     }
     // Not all of them find a place.
-    EXPECT_LT(count, FrameMemory::kMaxLikenesses * 5 / 4);
-    EXPECT_GT(count, FrameMemory::kMaxLikenesses / 2);
+    EXPECT_LT(count, FrameMemory::kMaxPatterns * 5 / 4);
+    EXPECT_GT(count, FrameMemory::kMaxPatterns / 2);
     EXPECT_EQ(memory.find(numbered(5)), 5);
     EXPECT_FALSE(memory.wantsMore());
 }
@@ -303,16 +306,16 @@ TEST(FrameMemory, StartsAfreshOnceItHasFailedOften) {
     std::size_t failures = 0;
     while (!memory.wantsMore()) {
         ASSERT_EQ(memory.find(numbered(5)), 5);
-        ASSERT_LT(++failures, 10 * FrameMemory::kMaxLikenesses);
+        ASSERT_LT(++failures, 10 * FrameMemory::kMaxPatterns);
     }
-    EXPECT_GE(failures, 2 * FrameMemory::kMaxLikenesses);
+    EXPECT_GE(failures, 2 * FrameMemory::kMaxPatterns);
     EXPECT_EQ(memory.findNextInTurn(numbered(5)), std::nullopt);
     EXPECT_EQ(memory.find(numbered(5)), std::nullopt);
     memory.remember(numbered(5), mask, 6);
     EXPECT_EQ(memory.find(numbered(5)), 6);
 }
 
-TEST(FrameMemory, FillsUpWithLayoutsToo) {
+TEST(FrameMemory, FillsUpWithShapesToo) {
     Memory memory;
     std::mt19937 random(1);
     std::uint32_t count = 0;
@@ -350,7 +353,7 @@ TEST(FrameMemory, TakesAtMostEightMiB) {
     };
     std::size_t const before = heapInUse();
     Memory memory;
-    // As many layouts as there is room for, then as many likenesses of one.
+    // As many shapes as there is room for, then as many patterns of one.
     for (std::size_t size = 20; size < 8000; ++size) {
         Bytes mask(size);
         std::fill_n(mask.begin(), 16, std::uint8_t{0xFF});
@@ -366,7 +369,7 @@ TEST(FrameMemory, TakesAtMostEightMiB) {
     EXPECT_LT(heapInUse() - before, std::size_t{8} << 20U);
 }
 
-TEST(FrameMemory, KeepsTheLatestLayoutsOfASize) {
+TEST(FrameMemory, KeepsTheLatestShapesOfASize) {
     Memory memory;
     auto const maskOf = [](std::size_t number) {
         Bytes mask(60, 0xFF);

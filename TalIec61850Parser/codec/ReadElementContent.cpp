@@ -1,4 +1,4 @@
-#include <TalIec61850Parser/capture/ElementFile.hpp>
+#include <TalIec61850Parser/codec/ReadElementContent.hpp>
 #include <TalIec61850Parser/wire/OpenMode.hpp>
 #include <TalIec61850Parser/wire/ShortLength.hpp>
 #include <array>
@@ -16,8 +16,8 @@ bool readOctets(std::streambuf& file, std::uint8_t* octets, std::size_t count) {
     return file.sgetn(reinterpret_cast<char*>(octets), wanted) == wanted;
 }
 
-Content readContent(std::streambuf& file, std::uint64_t position, std::uint8_t tag) {
-    auto const offset = static_cast<std::streamoff>(position);
+Content readContent(std::streambuf& file, std::uint64_t fileOffset, std::uint8_t tag) {
+    auto const offset = static_cast<std::streamoff>(fileOffset);
     std::array<std::uint8_t, 4> header{};
     if (file.pubseekoff(offset, std::ios_base::beg, std::ios_base::in) == std::streamoff(-1) ||
         !readOctets(file, header.data(), 2) || header[0] != tag) {
@@ -36,7 +36,8 @@ Content readContent(std::streambuf& file, std::uint64_t position, std::uint8_t t
 
 }  // namespace
 
-Content readElementContent(std::string const& fileName, std::uint64_t position, std::uint8_t tag) {
+Content readElementContent(std::string const& fileName, std::uint64_t fileOffset,
+                           std::uint8_t tag) {
     // Most packets fit in: one read brings in header and content, and no buffer is allocated.
     std::array<char, 1024> buffer;  // NOLINT(*-member-init): filled before it is read
     std::filebuf file;
@@ -45,7 +46,7 @@ Content readElementContent(std::string const& fileName, std::uint64_t position, 
         return std::nullopt;
     }
     try {
-        return readContent(file, position, tag);
+        return readContent(file, fileOffset, tag);
     } catch (std::ios_base::failure const&) {
         return std::nullopt;  // what a stream would have turned into its bad state
     }

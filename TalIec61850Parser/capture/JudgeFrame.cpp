@@ -1,9 +1,7 @@
-#include <TalIec61850Parser/capture/ApplicationHeader.hpp>
-#include <TalIec61850Parser/capture/FrameVerdict.hpp>
-#include <TalIec61850Parser/capture/LinkLayerFilter.hpp>
+#include <TalIec61850Parser/capture/JudgeFrame.hpp>
+#include <TalIec61850Parser/frame/Admission.hpp>
 #include <TalIec61850Parser/goose/GooseFrame.hpp>
 #include <TalIec61850Parser/sv/SvFrame.hpp>
-#include <TalIec61850Parser/wire/Ethernet.hpp>
 
 namespace TalIec61850Parser::detail {
 
@@ -19,8 +17,8 @@ bool judgeGoose(Octets frame, wire::LinkLayer const& link, Filter const& filter)
         return isComplete(frame, link);
     }
     Goose goose;
-    return takeLinkLayer(link, goose, filter.gooseFilters) &&
-           readGooseIdentity(frame, link.payloadIndex, goose, filter);
+    return admitLinkLayer(link, goose, filter.gooseFilters) &&
+           readGooseIdentity(frame, link.payloadIndex, goose, filter.gooseFilters);
 }
 
 /// Deliberate: true for a frame that is not wanted, false for one that is.
@@ -29,8 +27,8 @@ bool judgeSv(Octets frame, wire::LinkLayer const& link, Filter const& filter) {
         return !isComplete(frame, link);
     }
     Sv sv;
-    return takeLinkLayer(link, sv, filter.svFilters) &&
-           !readSvIdentity(frame, link.payloadIndex, sv, filter);
+    return admitLinkLayer(link, sv, filter.svFilters) &&
+           !readSvIdentity(frame, link.payloadIndex, sv, filter.svFilters);
 }
 
 }  // namespace

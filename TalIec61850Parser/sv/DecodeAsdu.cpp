@@ -1,7 +1,7 @@
 // The operations of SvParser that decode one packet in full.
 
-#include <TalIec61850Parser/capture/ElementFile.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
+#include <TalIec61850Parser/codec/ReadElementContent.hpp>
 #include <TalIec61850Parser/sv/SvParser.hpp>
 #include <TalIec61850Parser/wire/BerReader.hpp>
 #include <TalIec61850Parser/wire/ShortLength.hpp>

@@ -1,14 +1,14 @@
 #pragma once
 
-// Internal: the road of one capture record into the store, on octets in place.
+// Internal: one capture record on its way into the store, on octets in place.
 
 #include <TalIec61850Parser/capture/Filter.hpp>
-#include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
-#include <TalIec61850Parser/capture/StreamPlace.hpp>
+#include <TalIec61850Parser/capture/index/StreamPlace.hpp>
 #include <TalIec61850Parser/codec/WalkTrace.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <TalIec61850Parser/store/Timest.hpp>
 #include <TalIec61850Parser/wire/CaptureFormat.hpp>
+#include <TalIec61850Parser/wire/Octets.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -21,9 +21,21 @@ namespace TalIec61850Parser::detail {
 /// maker owns.
 struct IndexTarget {
     std::string const& fileName;
-    bool isNanosecond = false;
+    wire::CaptureVariant variant;
     Filter const& filter;
     Db& db;
+};
+
+/// A frame in a buffer, and where both come from.
+struct CapturedFrame {
+    Octets buffer;
+    /// In `buffer`, of the frame's first octet; the frame reaches to the buffer's end.
+    std::size_t index = 0;
+    /// Of `buffer[0]` in the capture file.
+    std::uint64_t fileOffset = 0;
+    std::uint32_t tsSec = 0;
+    /// In the file's own unit.
+    std::uint32_t tsUsec = 0;
 };
 
 /// The time of a packet as the store keeps it, from a record of the target's file.
@@ -31,19 +43,24 @@ inline Timest packetTime(std::uint32_t tsSec, std::uint32_t tsUsec, bool isNanos
     return {tsSec, wire::toNanoseconds(tsUsec, isNanosecond)};
 }
 
-/// What one frame of an SV stream does to its statistics.
-inline void follow(Sv const& stream, std::uint16_t smpCnt, std::uint16_t smpRate,
-                   std::uint32_t noASDU) {
-    stream.maxSmpCnt = std::max(stream.maxSmpCnt, smpCnt);
-    stream.smpRate = smpRate;
-    stream.maxNoASDU = std::max(stream.maxNoASDU, noASDU);
+/// What one frame of an SV stream adds to its statistics.
+struct SvFigures {
+    std::uint16_t smpCnt = 0;
+    std::uint16_t smpRate = 0;
+    std::uint32_t noASDU = 0;
+};
+
+inline void follow(Sv const& stream, SvFigures const& figures) {
+    stream.maxSmpCnt = std::max(stream.maxSmpCnt, figures.smpCnt);
+    stream.smpRate = figures.smpRate;
+    stream.maxNoASDU = std::max(stream.maxNoASDU, figures.noASDU);
 }
 
 /// A stream as one frame states it, without packets and statistics; none when it is not wanted.
 using StreamRecord = std::variant<std::monostate, Goose, Sv>;
 
-/// What a frame teaches about frames like it.
-struct FrameLesson {
+/// What the outcome of a frame depended on, and the stream that it was found to be of.
+struct TracedFrame {
     WalkTrace trace;
     StreamRecord stream;
 };
@@ -52,24 +69,22 @@ struct FrameLesson {
 struct IndexedFrame {
     /// None when the frame is not wanted.
     StreamPlace place;
-    /// Of the packet in the capture file.
-    std::uint64_t position = 0;
-    std::uint16_t smpRate = 0;
-    std::uint32_t noASDU = 0;
+    /// Of the packet in the capture file; 0 when the frame has no element to decode it from.
+    std::uint64_t fileOffset = 0;
+    /// Of an SV frame.
+    SvFigures figures;
 };
 
 /// PcapPacketParser::parsePacket.
-/// @param recordPosition  offset in the capture file of `record[0]`
-/// @param lesson          given for a GOOSE or SV frame that the filter does not switch off, unless
-///                        null: its trace is begun for no other frame
-IndexedFrame indexRecord(Octets record, std::uint64_t recordPosition, bool isLittleEndian,
-                         IndexTarget const& target, FrameLesson* lesson = nullptr);
+/// @param fileOffset  of `record[0]`
+/// @param traced      given for a GOOSE or SV frame that the filter does not switch off, unless
+///                    null: its trace is begun for no other frame
+IndexedFrame indexRecord(Octets record, std::uint64_t fileOffset, IndexTarget const& target,
+                         TracedFrame* traced = nullptr);
 
 /// EthernetParser::parsePacket.
-/// @param bufferPosition  offset in the capture file of `buffer[0]`
-IndexedFrame indexFrame(Octets buffer, std::size_t offset, std::uint64_t bufferPosition,
-                        PcapPacketHeader const& header, IndexTarget const& target,
-                        FrameLesson* lesson = nullptr);
+IndexedFrame indexFrame(CapturedFrame const& frame, IndexTarget const& target,
+                        TracedFrame* traced = nullptr);
 
 /// `addToStream` for a stream that has been seen before; does nothing for none.
 template <typename AddPacket>
