@@ -99,7 +99,7 @@ std::vector<KnownCapture> capturesNamed(std::initializer_list<char const*> names
 
 void PrintTo(KnownCapture const& capture, std::ostream* out) {
     *out << capture.name;
-    if (capture.isOwn) *out << ", made with seed " << ownCaptureSeed;
+    if (capture.isOwn) *out << ", made with seed " << kOwnCaptureSeed;
 }
 
 std::vector<ThirteenAsdus> capturesOfThirteenAsdus() {

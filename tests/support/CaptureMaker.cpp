@@ -8,8 +8,8 @@
 namespace TalTest {
 namespace {
 
-constexpr std::size_t apduHeaderSize = 8;
-constexpr std::string_view goosePrefix = "goose";
+constexpr std::size_t kApduHeaderSize = 8;
+constexpr std::string_view kGoosePrefix = "goose";
 
 /// What both protocols have in common.
 template <typename Message>
@@ -32,7 +32,7 @@ std::uint64_t firstFourOctets(MinimalUnsigned const& number) {
 std::size_t count(std::vector<MadePacket> const& packets, bool isGoose) {
     return static_cast<std::size_t>(
         std::count_if(packets.begin(), packets.end(), [isGoose](MadePacket const& packet) {
-            return packet.stream.starts_with(goosePrefix) == isGoose;
+            return packet.stream.starts_with(kGoosePrefix) == isGoose;
         }));
 }
 
@@ -55,7 +55,7 @@ std::size_t MadeCapture::withoutPosition() const {
 
 std::string streamText(Ethernet const& ethernet, GooseMessage const& message) {
     std::ostringstream out;
-    out << goosePrefix << ' ' << linkText(ethernet, message) << " gocbRef "
+    out << kGoosePrefix << ' ' << linkText(ethernet, message) << " gocbRef "
         << message.gocbRef.value_or("") << " datSet " << message.datSet.value_or("") << " goID "
         << message.goID.value_or("") << " simulation " << message.simulation.has_value()
         << " confRev " << (message.confRev ? firstFourOctets(*message.confRev) : 0);
@@ -114,13 +114,13 @@ CaptureMaker& CaptureMaker::addOther(Bytes const& frame) {
 }
 
 CaptureMaker& CaptureMaker::add(Ethernet const& ethernet, GooseMessage const& message) {
-    return add(streamText(ethernet, message), payloadOffset(ethernet) + apduHeaderSize,
+    return add(streamText(ethernet, message), payloadOffset(ethernet) + kApduHeaderSize,
                gooseFrame(ethernet, message));
 }
 
 CaptureMaker& CaptureMaker::add(Ethernet const& ethernet, SvMessage const& message) {
     return add(streamText(ethernet, message),
-               payloadOffset(ethernet) + apduHeaderSize + sequenceOffset(message),
+               payloadOffset(ethernet) + kApduHeaderSize + sequenceOffset(message),
                svFrame(ethernet, message));
 }
 
@@ -157,7 +157,7 @@ CaptureMaker& CaptureMaker::addFrom(StationDevices& devices, std::size_t frames)
         Ethernet ethernet;
         ethernet.vlanId = stream.vlanId;
         ethernet.hsrLan = stream.hsrLan;
-        auto const start = static_cast<std::ptrdiff_t>(payloadOffset(ethernet) + apduHeaderSize);
+        auto const start = static_cast<std::ptrdiff_t>(payloadOffset(ethernet) + kApduHeaderSize);
         auto const element = std::find(octets.begin() + start, octets.end(), tag);
         add(streamText(stream), static_cast<std::size_t>(element - octets.begin()), octets);
     }

@@ -12,9 +12,9 @@ namespace {
 
 using namespace OwnCaptureMakers;
 
-constexpr char const* firstOfItsStream =
+constexpr char const* kFirstOfItsStream =
     "a stream keeps the link layer of its first frame, and none is as good as VLAN 0";
-constexpr char const* losesItsPlace =
+constexpr char const* kLosesItsPlace =
     "tshark reads nothing after an element that it does not know or misses";
 
 std::vector<OwnCapture> gooseCaptures() {
@@ -43,14 +43,14 @@ std::vector<OwnCapture> gooseCaptures() {
          .streams = 2,
          .make = goosePriorityTag,
          .dissected = Dissected::inCounts,
-         .whyDissected = firstOfItsStream},
+         .whyDissected = kFirstOfItsStream},
         {.name = "own-goose-odd-elements.pcap",
          .gooseFrames = 17,
          .streams = 7,
          .make = gooseOddElements,
          .withoutPosition = 1,
          .dissected = Dissected::inCounts,
-         .whyDissected = losesItsPlace},
+         .whyDissected = kLosesItsPlace},
         {.name = "own-goose-snapped.pcap",
          .gooseFrames = 10,
          .streams = 2,
@@ -84,12 +84,12 @@ std::vector<OwnCapture> svCaptures() {
          .streams = 3,
          .make = svOddElements,
          .dissected = Dissected::inCounts,
-         .whyDissected = losesItsPlace,
+         .whyDissected = kLosesItsPlace,
          .whyNotDecoded = "noASDU is left out, while others of the stream have it"},
     };
 }
 
-std::vector<OwnCapture> fileCaptures() {
+std::vector<OwnCapture> mixedCaptures() {
     auto const repeated = [](char const* name, MadeCapture (*make)()) {
         return OwnCapture{.name = name,
                           .gooseFrames = 12,
@@ -103,6 +103,11 @@ std::vector<OwnCapture> fileCaptures() {
         repeated("own-mixed-be-us.pcap", mixedMicroBig),
         repeated("own-mixed-le-ns.pcap", mixedNanoLittle),
         repeated("own-mixed-be-ns.pcap", mixedNanoBig),
+    };
+}
+
+std::vector<OwnCapture> fileCaptures() {
+    return {
         {.name = "own-viewpoint-a.pcap",
          .gooseFrames = 45,
          .svFrames = 15,
@@ -146,7 +151,7 @@ std::vector<OwnCapture> fileCaptures() {
 std::vector<OwnCapture> const& ownCaptures() {
     static std::vector<OwnCapture> const captures = [] {
         std::vector<OwnCapture> all = gooseCaptures();
-        for (auto const& more : {svCaptures(), fileCaptures()})
+        for (auto const& more : {svCaptures(), mixedCaptures(), fileCaptures()})
             all.insert(all.end(), more.begin(), more.end());
         return all;
     }();

@@ -14,7 +14,7 @@
 namespace TalTest {
 
 /// What the values in their data sets and samples are drawn with.
-inline constexpr std::uint32_t ownCaptureSeed = 61850;
+inline constexpr std::uint32_t kOwnCaptureSeed = 61850;
 
 /// How far a capture may be compared with what tshark dissects.
 enum class Dissected {

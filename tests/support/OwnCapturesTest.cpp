@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -89,6 +91,15 @@ TEST(OwnTimesBackwards, GoBackwards) {
         return std::pair(a.seconds, a.nanoseconds) < std::pair(b.seconds, b.nanoseconds);
     };
     EXPECT_FALSE(std::is_sorted(records.begin(), records.end(), before));
+}
+
+TEST(OwnRetransmissions, HoldTwoChangesOfStateOfEachRelay) {
+    std::map<Bytes, std::set<std::size_t>> statesOf;
+    for (Bytes const& frame : framesOf("own-goose-retransmissions.pcap"))
+        for (auto const state : std::vector<std::uint8_t>{1, 2, 3})
+            if (find(frame, {0x85, 1, state, 0x86})) statesOf[prefix(frame, 12)].insert(state);
+    ASSERT_EQ(statesOf.size(), 3U);
+    for (auto const& [addresses, states] : statesOf) EXPECT_EQ(states.size(), 3U);
 }
 
 TEST(OwnCutCaptures, EndInsideARecord) {

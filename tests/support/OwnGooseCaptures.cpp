@@ -12,7 +12,8 @@
 namespace TalTest::OwnCaptureMakers {
 namespace {
 
-constexpr std::uint16_t signedBySomebody = 0x0020;  // Reserved 2: octets of signature
+/// Octets of a signature, as Reserved 2 tells them.
+constexpr std::uint16_t kSignatureSize = 32;
 
 /// The message of a relay of this number, the state of which is `state`.
 GooseMessage messageOf(unsigned relay, std::uint32_t state, std::uint32_t sequence) {
@@ -36,7 +37,7 @@ Ethernet linkOf(unsigned relay) {
 }
 
 Bytes signature(std::uint8_t first = 0x5A) {
-    Bytes octets(32);
+    Bytes octets(kSignatureSize);
     for (std::size_t i = 0; i < octets.size(); ++i)
         octets[i] = static_cast<std::uint8_t>(first + 7 * i);
     return octets;
@@ -114,7 +115,7 @@ MadeCapture gooseRetransmissions() {
 }
 
 MadeCapture gooseEveryType() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker(CaptureVariant::nanoLittle);
     for (unsigned frame = 0; frame < 24; ++frame) {
         unsigned const relay = 1 + frame % 2;
@@ -204,7 +205,7 @@ MadeCapture gooseSigned() {
         maker.add(linkOf(1), message);
         maker.add(linkOf(1).withVlan(100), message);
         maker.add(linkOf(1).withVlan(4095, 7, true), message);
-        message.reserved2 = signedBySomebody;
+        message.reserved2 = kSignatureSize;
         message.trailing = signature();
         maker.add(linkOf(1), message);
         // Outside a goosePdu no element names a stream.
@@ -226,7 +227,7 @@ MadeCapture gooseTrailersAsElements() {
         maker.add(streamText(link, plain), frame.size() - prpTrailerSize, frame);
     }
     GooseMessage message = plain;
-    message.reserved2 = signedBySomebody;
+    message.reserved2 = kSignatureSize;
     message.trailing = ber(0x61, ber(0x82, "SIGNED/AS$datSet"));
     GooseMessage readAs = plain;
     readAs.datSet = "SIGNED/AS$datSet";

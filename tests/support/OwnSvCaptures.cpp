@@ -11,8 +11,9 @@
 namespace TalTest::OwnCaptureMakers {
 namespace {
 
-constexpr std::uint16_t signedBySomebody = 0x0020;  // Reserved 2: octets of signature
-constexpr std::uint16_t samplesPerSecond = 4000;
+/// Octets of a signature, as Reserved 2 tells them.
+constexpr std::uint16_t kSignatureSize = 32;
+constexpr std::uint16_t kSamplesPerSecond = 4000;
 
 Ethernet linkOf(unsigned unit) {
     std::string const last = std::to_string(10 + unit);
@@ -32,12 +33,12 @@ std::vector<Sample> channels(std::minstd_rand& random, std::size_t count) {
 SvMessage messageOf(unsigned unit, std::size_t sample, std::minstd_rand& random) {
     SvMessage message =
         message92le("BAY" + std::to_string(unit) + "_MU",
-                    static_cast<std::uint16_t>(sample % samplesPerSecond), channels(random, 8));
+                    static_cast<std::uint16_t>(sample % kSamplesPerSecond), channels(random, 8));
     message.appId = static_cast<std::uint16_t>(0x4000 + unit);
     return message;
 }
 
-Bytes signature() { return repeat(0x5A, 32); }
+Bytes signature() { return repeat(0x5A, kSignatureSize); }
 
 }  // namespace
 
@@ -69,7 +70,7 @@ MadeCapture svMergingUnits() {
 }
 
 MadeCapture svManyAsdus() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
     for (std::size_t sample = 0; sample < 3; ++sample) {
         for (unsigned count = 1; count <= 13; ++count) {
@@ -94,7 +95,7 @@ MadeCapture svManyAsdus() {
 }
 
 MadeCapture svTwelveOctets() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
     for (std::size_t sample = 0; sample < 5; ++sample) {
         SvMessage message = messageOf(1, sample, random);
@@ -109,7 +110,7 @@ MadeCapture svTwelveOctets() {
 }
 
 MadeCapture svHsr() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
     for (std::uint16_t sample = 0; sample < 10; ++sample) {
         for (unsigned const unit : {1U, 2U}) {
@@ -122,9 +123,9 @@ MadeCapture svHsr() {
 }
 
 MadeCapture svPrp() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
-    std::size_t sample = samplesPerSecond - 4U;
+    std::size_t sample = kSamplesPerSecond - 4U;
     // The last ones look like elements, which change nothing outside an ASDU.
     constexpr std::array<std::uint16_t, 10> sequences = {0xFFFE, 0xFFFF, 0x0000, 0x0001, 0x6103,
                                                          0x6003, 0x3003, 0x8105, 0x82FF, 0x88BA};
@@ -137,15 +138,15 @@ MadeCapture svPrp() {
 }
 
 MadeCapture svSigned() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
     for (std::size_t sample = 0; sample < 4; ++sample) {
         SvMessage message = messageOf(1, sample, random);
         message.asdus.front().refrTm = utcTime(stationStart, 0x123456);
-        message.asdus.front().smpRate = samplesPerSecond;
+        message.asdus.front().smpRate = kSamplesPerSecond;
         maker.add(linkOf(1), message);
         maker.add(linkOf(1).withVlan(50), message);
-        message.reserved2 = signedBySomebody;
+        message.reserved2 = kSignatureSize;
         message.trailing = signature();
         maker.add(linkOf(1), message);
     }
@@ -153,7 +154,7 @@ MadeCapture svSigned() {
 }
 
 MadeCapture svTrailersAsElements() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
     constexpr std::size_t prpTrailerSize = 6;
     SvMessage const plain = messageOf(1, 1, random);
@@ -167,7 +168,7 @@ MadeCapture svTrailersAsElements() {
         maker.add(stream, frame.size() - prpTrailerSize, frame);
     }
     SvMessage message = plain;
-    message.reserved2 = signedBySomebody;
+    message.reserved2 = kSignatureSize;
     message.trailing = ber(0xA2, {});
     Bytes const frame = svFrame(linkOf(1), message);
     maker.add(stream, frame.size() - 2, frame);
@@ -181,7 +182,7 @@ MadeCapture svTrailersAsElements() {
 }
 
 MadeCapture svOddElements() {
-    std::minstd_rand random(ownCaptureSeed);
+    std::minstd_rand random(kOwnCaptureSeed);
     CaptureMaker maker;
     auto const add = [&](auto&& change) {
         SvMessage message = messageOf(1, 7, random);
