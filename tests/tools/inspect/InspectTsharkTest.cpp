@@ -136,6 +136,7 @@ protected:
 };
 
 class InspectedSvAsTsharkDoes : public InspectedAsTsharkDoes {};
+class InspectedTrailersAsTsharkDoes : public InspectedAsTsharkDoes {};
 
 bool isCompared(KnownCapture const& capture) {
     return capture.frames() != 0 && capture.dissected == Dissected::inFull;
@@ -146,6 +147,15 @@ INSTANTIATE_TEST_SUITE_P(Captures, InspectedAsTsharkDoes,
 INSTANTIATE_TEST_SUITE_P(Captures, InspectedSvAsTsharkDoes,
                          testing::ValuesIn(capturesWith([](KnownCapture const& capture) {
                              return isCompared(capture) && capture.svFrames > 0;
+                         })),
+                         testName);
+
+INSTANTIATE_TEST_SUITE_P(Captures, InspectedTrailersAsTsharkDoes,
+                         testing::ValuesIn(capturesWith([](KnownCapture const& capture) {
+                             bool const hasTrailers =
+                                 capture.name.find("-prp-") != std::string::npos ||
+                                 capture.name.find("-signed-") != std::string::npos;
+                             return isCompared(capture) && (hasTrailers || !capture.isOwn);
                          })),
                          testName);
 
@@ -193,7 +203,7 @@ TEST_P(InspectedSvAsTsharkDoes, InEverySample) {
     }
 }
 
-TEST_P(InspectedAsTsharkDoes, InTheTrailer) {
+TEST_P(InspectedTrailersAsTsharkDoes, InTheLanAndTheSequence) {
     // In this order; tshark looks for trailers only where it is told to.
     std::vector<std::string> const fields = {"frame.number", "prp.trailer.prp_sequence_nr",
                                              "prp.trailer.prp_lan", "prp.trailer.prp_size"};
