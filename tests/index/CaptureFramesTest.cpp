@@ -1,54 +1,36 @@
-// Captures with tags and trailers, packet by packet, against what the octets say at fixed offsets;
-// and captures that share their traffic with another one.
+// The frames of captures, packet by packet, against what their octets say; and captures that share
+// their traffic with another one.
 
 #include <gtest/gtest.h>
 
 #include <TalIec61850Parser/store/Db.hpp>
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "index/IndexImage.hpp"
 #include "index/Indexing.hpp"
+#include "index/KnownCaptures.hpp"
+#include "index/PlainDecode.hpp"
 #include "support/CaptureFile.hpp"
-#include "support/Captures.hpp"
 
 namespace TalTest {
 namespace {
 
 using namespace TalIec61850Parser;
 
-/// A recorded capture, indexed, beside its records.
-struct Indexed {
-    explicit Indexed(std::string const& path) : records(readCapture(path)) {
-        indexInto(db, path);
-        packets = packetsByPosition(db);
-    }
-
-    Db db;
-    std::vector<CaptureRecord> records;
-    std::map<std::uint64_t, IndexedPacket> packets;
-};
-
 unsigned twoOctets(Bytes const& frame, std::size_t at) {
     return frame.at(at) * 256U + frame.at(at + 1);
 }
 
-std::string characters(Bytes const& frame, std::size_t at, std::size_t count) {
-    auto const first = frame.begin() + static_cast<std::ptrdiff_t>(at);
-    return {first, first + static_cast<std::ptrdiff_t>(count)};
-}
-
-/// The packet that must stand at this index into the record's frame, with the record's time.
-IndexedPacket packetAt(Indexed const& indexed, CaptureRecord const& record, std::size_t index) {
-    auto const found = indexed.packets.find(record.position + recordHeaderSize + index);
-    if (found == indexed.packets.end()) {
-        ADD_FAILURE() << "no packet for the record at " << record.position;
-        return {};
-    }
-    EXPECT_EQ(found->second.package.time, (Timest{record.seconds, record.nanoseconds}));
-    return found->second;
+Bytes from(Bytes const& frame, std::size_t at) {
+    return {frame.begin() + static_cast<std::ptrdiff_t>(at), frame.end()};
 }
 
 std::string macAt(Bytes const& frame, std::size_t at) {
@@ -62,192 +44,318 @@ std::string macAt(Bytes const& frame, std::size_t at) {
     return text;
 }
 
+/// Tags and trailer of a frame as they are written.
+struct Link {
+    std::optional<unsigned> vlanId = {};
+    std::optional<char> hsrLan = {};
+    std::optional<char> prpLan = {};
+    unsigned etherType = 0;
+    std::size_t apdu = 0;
+
+    [[nodiscard]] bool isGoose() const { return etherType == 0x88B8; }
+    [[nodiscard]] bool isSv() const { return etherType == 0x88BA; }
+};
+
+Link linkOf(Bytes const& frame) {
+    Link link;
+    std::size_t at = 12;
+    auto const lane = [&frame](std::size_t octet) {
+        return (frame.at(octet) & 0x10U) != 0 ? 'B' : 'A';
+    };
+    if (twoOctets(frame, at) == 0x8100) {
+        link.vlanId = twoOctets(frame, at + 2) & 0xFFFU;
+        at += 4;
+    }
+    if (twoOctets(frame, at) == 0x892F) {
+        link.hsrLan = lane(at + 2);
+        at += 6;
+    }
+    if (twoOctets(frame, frame.size() - 2) == 0x88FB) link.prpLan = lane(frame.size() - 4);
+    link.etherType = twoOctets(frame, at);
+    link.apdu = at + 2;
+    return link;
+}
+
 template <typename Id>
-void expectHeader(Id const& id, Bytes const& frame, std::size_t apdu) {
+void expectHeader(Id const& id, Bytes const& frame, Link const& link) {
     EXPECT_EQ(id.dstMac, macAt(frame, 0));
     EXPECT_EQ(id.srcMac, macAt(frame, 6));
-    EXPECT_EQ(id.appId, std::uint64_t{twoOctets(frame, apdu)});
-    EXPECT_EQ(id.reserved1Bit0, frame.at(apdu + 5) & 1);
+    EXPECT_EQ(id.vlan.has_value(), link.vlanId.has_value());
+    if (id.vlan && link.vlanId) {
+        EXPECT_EQ(id.vlan->vlanId, *link.vlanId);
+    }
+    EXPECT_EQ(id.appId, std::uint64_t{twoOctets(frame, link.apdu)});
+    EXPECT_EQ(id.reserved1Bit0, frame.at(link.apdu + 5) & 1);
 }
 
-constexpr std::size_t signedRecord = 2;  // the third of three frames in the synthetic captures
+/// Capture by capture, the packet of each GOOSE and SV frame.
+class IndexedFrames : public KnownCaptureTest {
+protected:
+    void SetUp() override {
+        KnownCaptureTest::SetUp();
+        if (HasFatalFailure()) return;
+        indexInto(db, path());
+        records = readCapture(wholePath());
+        packets = packetsByPosition(db);
+    }
 
-TEST(SyntheticGoose, IndexesPlainTaggedAndSignedFramesByTheirOctets) {
-    auto const path = capture("goose-synthetic-vlan-signed-trailer.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of signed GOOSE frames";
-    Indexed const indexed(*path);
-    ASSERT_EQ(indexed.records.size(), 3U);
-    ASSERT_EQ(indexed.packets.size(), 3U);
-    for (CaptureRecord const& record : indexed.records) {
-        bool const tagged = twoOctets(record.frame, 12) == 0x8100;
-        std::size_t const apdu = tagged ? 18 : 14;
-        ASSERT_EQ(record.frame.at(apdu + 8), 0x61);
-        IndexedPacket const packet = packetAt(indexed, record, apdu + 8);
-        ASSERT_NE(packet.goose, nullptr);
-        expectHeader(*packet.goose, record.frame, apdu);
-        EXPECT_EQ(packet.goose->vlan.has_value(), tagged);
-        if (tagged) {
-            EXPECT_EQ(packet.goose->vlan->vlanId, twoOctets(record.frame, 14) & 0xFFFU);
+    /// The packet that must have its position at this index into the record's frame.
+    [[nodiscard]] IndexedPacket packetAt(CaptureRecord const& record, std::size_t index) const {
+        auto const found = packets.find(record.position + recordHeaderSize + index);
+        if (found == packets.end()) {
+            ADD_FAILURE() << "no packet for the record at " << record.position;
+            return {};
         }
-        EXPECT_EQ(packet.goose->gocbRef, characters(record.frame, apdu + 12, 21));
-        EXPECT_EQ(packet.goose->datSet, characters(record.frame, apdu + 39, 16));
-        EXPECT_EQ(packet.goose->goID, characters(record.frame, apdu + 57, 5));
+        EXPECT_EQ(found->second.package.time, (Timest{record.seconds, record.nanoseconds}));
+        return found->second;
     }
+
+    /// The packet in a record.
+    [[nodiscard]] IndexedPacket packetIn(CaptureRecord const& record) const {
+        auto const found = packets.lower_bound(record.position);
+        bool const isInside = found != packets.end() &&
+                              found->first < record.position + recordHeaderSize + record.inclLen;
+        if (!isInside) throw std::runtime_error("no packet in the record");
+        return found->second;
+    }
+
+    void expectGoose(CaptureRecord const& record, Link const& link) const {
+        Goose const* const goose = packetAt(record, link.apdu + 8).goose;
+        ASSERT_NE(goose, nullptr) << "record at " << record.position;
+        expectHeader(*goose, record.frame, link);
+        auto fields = plainFields(plainElements(from(record.frame, link.apdu + 8)).at(0).value);
+        EXPECT_EQ(text(goose->gocbRef.value_or("")), fields[0x80]);
+        EXPECT_EQ(text(goose->datSet.value_or("")), fields[0x82]);
+        EXPECT_EQ(text(goose->goID.value_or("")), fields[0x83]);
+    }
+
+    void expectSv(CaptureRecord const& record, Link const& link) const {
+        // The savPdu holds noASDU and the sequence of ASDU, the last of its elements.
+        Bytes const content = plainElements(from(record.frame, link.apdu + 8)).at(0).value;
+        auto const found = find(record.frame, content);
+        ASSERT_TRUE(found);
+        std::size_t const noAsdu = content.at(1) + std::size_t{2};
+        Sv const* const sv = packetAt(record, *found + noAsdu).sv;
+        ASSERT_NE(sv, nullptr) << "record at " << record.position;
+        expectHeader(*sv, record.frame, link);
+        auto asdus = plainAsdus(record.frame, *found + noAsdu);
+        EXPECT_EQ(text(sv->svID.value_or("")), asdus.back()[0x80]);
+        EXPECT_EQ(sv->maxNoASDU, asdus.size());
+        EXPECT_EQ(sv->confRev, plainNumber(asdus.back()[0x83]));
+        EXPECT_GE(sv->maxSmpCnt, plainNumber(asdus.back()[0x82]));
+    }
+
+    Db db;
+    std::vector<CaptureRecord> records;
+    std::map<std::uint64_t, IndexedPacket> packets;
+};
+
+INSTANTIATE_TEST_SUITE_P(Captures, IndexedFrames,
+                         testing::ValuesIn(capturesWith([](KnownCapture const& capture) {
+                             return capture.frames() != 0 && capture.withoutPosition == 0 &&
+                                    capture.dissected <= Dissected::repeated;
+                         })),
+                         testName);
+
+TEST_P(IndexedFrames, AreKnownByTheirOctets) {
+    std::size_t compared = 0;
+    for (CaptureRecord const& record : records) {
+        if (record.frame.size() < 22) continue;
+        Link const link = linkOf(record.frame);
+        if (link.isGoose()) expectGoose(record, link);
+        if (link.isSv()) expectSv(record, link);
+        if (link.isGoose() || link.isSv()) ++compared;
+        if (HasFailure()) return;
+    }
+    EXPECT_EQ(compared, GetParam().frames());
 }
 
-TEST(SyntheticGoose, LeavesTheSignatureOutOfTheIdentity) {
-    auto const path = capture("goose-synthetic-vlan-signed-trailer.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of signed GOOSE frames";
-    Indexed const indexed(*path);
-    CaptureRecord const& record = indexed.records.at(signedRecord);
-    ASSERT_EQ(twoOctets(record.frame, 20), 0x0020U) << "Reserved 2: octets of signature";
-    ASSERT_EQ(record.frame.size(), 14U + 8U + 2U + record.frame.at(23) + 32U);
-    EXPECT_EQ(packetAt(indexed, record, 22).goose,
-              packetAt(indexed, indexed.records.at(0), 22).goose);
-}
+class RedundantFrames : public IndexedFrames {};
 
-TEST(SyntheticSv, IndexesPlainTaggedAndSignedFramesByTheirOctets) {
-    auto const path = capture("sv-synthetic-refrtm-vlan-signed-trailer.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of signed SV frames";
-    Indexed const indexed(*path);
-    ASSERT_EQ(indexed.records.size(), 3U);
-    ASSERT_EQ(indexed.packets.size(), 3U);
-    for (CaptureRecord const& record : indexed.records) {
-        bool const tagged = twoOctets(record.frame, 12) == 0x8100;
-        std::size_t const apdu = tagged ? 18 : 14;
-        ASSERT_EQ(record.frame.at(apdu + 13), 0xA2) << "behind 60, its length and noASDU";
-        IndexedPacket const packet = packetAt(indexed, record, apdu + 13);
-        ASSERT_NE(packet.sv, nullptr);
-        expectHeader(*packet.sv, record.frame, apdu);
-        EXPECT_EQ(packet.sv->vlan.has_value(), tagged);
-        if (tagged) {
-            EXPECT_EQ(packet.sv->vlan->vlanId, twoOctets(record.frame, 14) & 0xFFFU);
+INSTANTIATE_TEST_SUITE_P(
+    Captures, RedundantFrames,
+    testing::ValuesIn(capturesNamed({"own-goose-hsr-both-ways.pcap", "own-goose-prp-both-lans.pcap",
+                                     "own-sv-hsr-both-ways.pcap", "own-sv-prp-both-lans.pcap",
+                                     "derived-goose-hsr-both-ring-directions.pcap",
+                                     "derived-sv-prp-both-lans.pcap"})),
+    testName);
+
+TEST_P(RedundantFrames, AreOneStreamUnlessSvGoesBothWaysRoundARing) {
+    std::map<char, std::size_t> framesOfLan;
+    std::size_t ownLan = 0;
+    for (CaptureRecord const& record : records) {
+        Link const link = linkOf(record.frame);
+        IndexedPacket const packet = packetIn(record);
+        auto const& hsr = packet.goose != nullptr ? packet.goose->hsr : packet.sv->hsr;
+        auto const& prp = packet.goose != nullptr ? packet.goose->prp : packet.sv->prp;
+        ASSERT_EQ(hsr.has_value(), link.hsrLan.has_value());
+        ASSERT_EQ(prp.has_value(), link.prpLan.has_value());
+        char const lan = link.hsrLan ? *link.hsrLan : link.prpLan.value();
+        char const kept = hsr ? *hsr->lanId : *prp->lanId;
+        ++framesOfLan[lan];
+        if (kept == lan) ++ownLan;
+        if (packet.sv == nullptr || !hsr) {
+            EXPECT_EQ(kept, 'A') << "the stream's first frame";
         }
-        EXPECT_EQ(packet.sv->svID, characters(record.frame, apdu + 19, 4));
-        EXPECT_EQ(packet.sv->maxNoASDU, record.frame.at(apdu + 12));
-        EXPECT_EQ(packet.sv->smpRate, 4000);
     }
+    std::size_t const half = GetParam().frames() / 2;
+    EXPECT_EQ(framesOfLan, (std::map<char, std::size_t>{{'A', half}, {'B', half}}));
+    bool const isSvInRing = GetParam().svFrames != 0 && db.svProto.streams.begin()->hsr.has_value();
+    EXPECT_EQ(ownLan, isSvInRing ? 2 * half : half);
 }
 
-TEST(SyntheticSv, LeavesTheSignatureOutOfTheIdentity) {
-    auto const path = capture("sv-synthetic-refrtm-vlan-signed-trailer.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of signed SV frames";
-    Indexed const indexed(*path);
-    CaptureRecord const& record = indexed.records.at(signedRecord);
-    ASSERT_EQ(twoOctets(record.frame, 20), 0x0020U) << "Reserved 2: octets of signature";
-    IndexedPacket const packet = packetAt(indexed, record, 27);
-    EXPECT_EQ(packet.sv, packetAt(indexed, indexed.records.at(0), 27).sv);
-    EXPECT_EQ(packet.sv->maxSmpCnt, twoOctets(record.frame, 14 + 25));
-}
-
-TEST(HsrGoose, IndexesEveryFrameOfBothRingDirectionsByItsOctets) {
-    auto const path = capture("derived-goose-hsr-both-ring-directions.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of GOOSE over HSR";
-    Indexed const indexed(*path);
-    ASSERT_EQ(indexed.records.size(), 120U);
-    ASSERT_EQ(indexed.packets.size(), 120U);
-    std::map<char, int> framesOfLan;
-    for (CaptureRecord const& record : indexed.records) {
-        ASSERT_EQ(twoOctets(record.frame, 12), 0x8100U);
-        ASSERT_EQ(twoOctets(record.frame, 16), 0x892FU);
-        ASSERT_EQ(twoOctets(record.frame, 22), 0x88B8U);
-        ++framesOfLan[(record.frame.at(18) & 0x10) != 0 ? 'B' : 'A'];
-        IndexedPacket const packet = packetAt(indexed, record, 32);
-        ASSERT_NE(packet.goose, nullptr);
-        expectHeader(*packet.goose, record.frame, 24);
-        EXPECT_EQ(packet.goose->vlan->vlanId, twoOctets(record.frame, 14) & 0xFFFU);
-        EXPECT_EQ(packet.goose->gocbRef, characters(record.frame, 37, 27));
-        EXPECT_EQ(packet.goose->hsr->lanId, 'A') << "the direction of the stream's first frame";
-    }
-    EXPECT_EQ(framesOfLan, (std::map<char, int>{{'A', 60}, {'B', 60}}));
-}
-
-TEST(HsrGoose, KeepsOnlyTheRingDirectionThatIsAskedFor) {
-    auto const path = capture("derived-goose-hsr-both-ring-directions.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of GOOSE over HSR";
+TEST_P(RedundantFrames, AreKeptByTheLanThatIsAskedFor) {
     Filter filter;
-    filter.gooseFilters.emplace_back().hsr.emplace().lanId = 'B';
-    IndexImage const image = libraryImage({*path}, filter);
-    std::size_t packets = 0;
-    for (StreamImage const& stream : image.streams) {
+    bool const isHsr = linkOf(records.at(0).frame).hsrLan.has_value();
+    auto const ask = [isHsr](auto& id) {
+        id.appId.reset();
+        if (isHsr) {
+            id.hsr.emplace().lanId = 'B';
+        } else {
+            id.prp.emplace().lanId = 'B';
+        }
+    };
+    ask(filter.gooseFilters.emplace_back());
+    ask(filter.svFilters.emplace_back());
+    std::size_t kept = 0;
+    for (StreamImage const& stream : libraryImage({path()}, filter).streams) {
         EXPECT_NE(stream.identity.find("lanId=B"), std::string::npos) << stream;
-        packets += stream.packetCount;
+        kept += stream.packetCount;
     }
-    EXPECT_EQ(packets, 60U);
+    EXPECT_EQ(kept, GetParam().frames() / 2);
 }
 
-TEST(PrpSv, IndexesEveryFrameOfBothNetworksByItsOctets) {
-    auto const path = capture("derived-sv-prp-both-lans.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of SV over PRP";
-    Indexed const indexed(*path);
-    ASSERT_EQ(indexed.records.size(), 400U);
-    ASSERT_EQ(indexed.packets.size(), 400U);
-    std::map<char, int> framesOfLan;
-    unsigned maxSmpCnt = 0;
-    for (CaptureRecord const& record : indexed.records) {
-        std::size_t const size = record.frame.size();
-        ASSERT_EQ(twoOctets(record.frame, size - 2), 0x88FBU);
-        ASSERT_EQ(twoOctets(record.frame, 16), 0x88BAU);
-        ++framesOfLan[(record.frame.at(size - 4) & 0x10) != 0 ? 'B' : 'A'];
-        IndexedPacket const packet = packetAt(indexed, record, 31);
-        ASSERT_NE(packet.sv, nullptr);
-        expectHeader(*packet.sv, record.frame, 18);
-        EXPECT_EQ(packet.sv->svID, characters(record.frame, 37, 16));
-        EXPECT_EQ(packet.sv->prp->lanId, 'A') << "the network of the stream's first frame";
-        maxSmpCnt = std::max(maxSmpCnt, twoOctets(record.frame, 55));
+class SnappedFrames : public IndexedFrames {};
+
+INSTANTIATE_TEST_SUITE_P(Captures, SnappedFrames,
+                         testing::ValuesIn(capturesNamed({"own-goose-snapped.pcap",
+                                                          "snapped-90-goose-interlocking.pcap"})),
+                         testName);
+
+TEST_P(SnappedFrames, AreIdentifiedByAddressesAndAppIdAlone) {
+    for (Goose const& stream : db.gooseProto.streams) {
+        EXPECT_TRUE(stream.appId.has_value());
+        EXPECT_FALSE(stream.gocbRef || stream.datSet || stream.goID || stream.confRev);
+        for (Package const& package : stream.files.begin()->packages)
+            EXPECT_EQ(package, Package()) << "the goosePdu runs past the captured octets";
     }
-    EXPECT_EQ(framesOfLan, (std::map<char, int>{{'A', 200}, {'B', 200}}));
-    EXPECT_EQ(indexed.packets.begin()->second.sv->maxSmpCnt, maxSmpCnt);
+}
+
+// --- Elements in trailers and signatures -------------------------------------------------------
+
+TEST(SvTrailers, ThatLookLikeNoAsduAreReadAsIt) {
+    Db db;
+    indexInto(db, ownCapture("own-sv-trailers-as-elements.pcap"));
+    std::map<std::string, std::uint32_t> noAsdus;
+    for (Sv const& stream : db.svProto.streams) noAsdus[*stream.svID] = stream.maxNoASDU;
+    // A0 is what a PRP trailer of LAN A and fewer than 256 octets has after the sequence number,
+    // B0 that of LAN B.
+    EXPECT_EQ(noAsdus, (std::map<std::string, std::uint32_t>{{"BAY1_MU", 0xB0}, {"SIGNED", 1}}));
 }
 
 // --- Captures that belong together -------------------------------------------------------------
 
-/// Two captures of the same four streams, taken at two nodes.
-struct Viewpoints : testing::Test {
+/// Two captures of the same streams, taken at two nodes.
+using ViewpointNames = std::pair<char const*, char const*>;
+
+class Viewpoints : public testing::TestWithParam<ViewpointNames> {
+protected:
     void SetUp() override {
-        auto const found = capture("goose-testbed-viewpoint-a.pcap");
-        auto const other = capture("goose-testbed-viewpoint-b.pcap");
-        if (!found || !other) GTEST_SKIP() << "no recorded captures of two viewpoints";
-        a = *found;
-        b = *other;
+        auto const captures = capturesNamed({GetParam().first, GetParam().second});
+        ASSERT_EQ(captures.size(), 2U);
+        a = pathOf(captures[0]);
+        b = pathOf(captures[1]);
+        numStreams = captures[0].streams;
         indexInto(db, a);
         indexInto(db, b);
     }
 
+    [[nodiscard]] std::size_t streams() const {
+        return db.gooseProto.getGooseCount() + db.svProto.getSvCount();
+    }
+
     std::string a;
     std::string b;
+    std::size_t numStreams = 0;
     Db db;
 };
 
-TEST_F(Viewpoints, ShareTheirStreams) {
-    EXPECT_EQ(db.gooseProto.getGooseCount(), 4U);
-    for (Goose const& stream : db.gooseProto.streams) {
+std::vector<ViewpointNames> viewpoints() {
+    std::vector<ViewpointNames> pairs = {{"own-viewpoint-a.pcap", "own-viewpoint-b.pcap"}};
+    ViewpointNames const recorded = {"goose-testbed-viewpoint-a.pcap",
+                                     "goose-testbed-viewpoint-b.pcap"};
+    if (capturesNamed({recorded.first, recorded.second}).size() == 2) pairs.push_back(recorded);
+    return pairs;
+}
+
+INSTANTIATE_TEST_SUITE_P(Captures, Viewpoints, testing::ValuesIn(viewpoints()),
+                         [](auto const& instance) {
+                             return captureTestName(instance.param.first);
+                         });
+
+template <typename Streams>
+void expectBothFiles(Streams const& streams) {
+    for (auto const& stream : streams) {
         EXPECT_EQ(stream.files.size(), 2U);
         std::size_t packets = 0;
         for (PackageFile const& file : stream.files) packets += file.packages.size();
         EXPECT_EQ(stream.packetCount, packets);
     }
+}
+
+TEST_P(Viewpoints, ShareTheirStreams) {
+    EXPECT_EQ(streams(), numStreams);
+    expectBothFiles(db.gooseProto.streams);
+    expectBothFiles(db.svProto.streams);
     EXPECT_EQ(difference(imageOf(db), plainImage({a, b})), "");
 }
 
-TEST_F(Viewpoints, KeepTheOtherFileWhenOneIsCleared) {
+TEST_P(Viewpoints, KeepTheOtherFileWhenOneIsCleared) {
     db.clearByFileName(b);
     EXPECT_EQ(difference(withoutStatistics(imageOf(db)), withoutStatistics(libraryImage({a}))), "");
     db.clearByFileName(a);
-    EXPECT_EQ(db.gooseProto.getGooseCount(), 0U);
+    EXPECT_EQ(streams(), 0U);
 }
 
-TEST_F(Viewpoints, KeepTheLaterFileWhenTheEarlierIsCleared) {
+TEST_P(Viewpoints, KeepTheLaterFileWhenTheEarlierIsCleared) {
     db.clearByFileName(a);
     EXPECT_EQ(difference(withoutStatistics(imageOf(db)), withoutStatistics(libraryImage({b}))), "");
 }
 
-TEST_F(Viewpoints, AddAFileAgainAfterItWasCleared) {
+TEST_P(Viewpoints, AddAFileAgainAfterItWasCleared) {
     IndexImage const before = imageOf(db);
     db.clearByFileName(b);
     indexInto(db, b);
     EXPECT_EQ(difference(withoutStatistics(imageOf(db)), withoutStatistics(before)), "");
 }
+
+/// A capture that indexes to what the first records of another one do.
+struct Copy {
+    char const* name;
+    char const* source;
+    std::size_t records;
+};
+
+class CopiedCapture : public testing::TestWithParam<Copy> {};
+
+std::vector<Copy> copies() {
+    std::vector<Copy> all;
+    for (Copy const& copy : std::initializer_list<Copy>{
+             {"own-mixed-be-us.pcap", "own-mixed-le-us.pcap", 36},
+             {"own-mixed-le-ns.pcap", "own-mixed-le-us.pcap", 36},
+             {"own-mixed-be-ns.pcap", "own-mixed-le-us.pcap", 36},
+             {"reencoded-be-us-goose-interlocking.pcap",
+              "goose-interlocking-three-publishers-vlan0.pcap", 60},
+             {"reencoded-le-ns-sv-92le.pcap", "sv-92le-4000hz-three-phase-fault.pcap", 300},
+             // Its last record, which is cut, is of another protocol.
+             {"cut-mid-last-record-goose-nested.pcap", "goose-nested-structures-two-relays.pcap",
+              79}})
+        if (capturesNamed({copy.name, copy.source}).size() == 2) all.push_back(copy);
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Captures, CopiedCapture, testing::ValuesIn(copies()),
+                         [](auto const& instance) { return captureTestName(instance.param.name); });
 
 /// The first records of a capture as a capture of their own.
 Bytes firstRecords(std::string const& path, std::size_t count) {
@@ -255,42 +363,13 @@ Bytes firstRecords(std::string const& path, std::size_t count) {
     return prefix(readFile(path), last.position + recordHeaderSize + last.inclLen);
 }
 
-void expectFirstRecords(std::string const& name, std::string const& source, std::size_t count) {
-    auto const copy = capture(name);
-    auto const original = capture(source);
-    if (!copy || !original) GTEST_SKIP() << "no recorded capture " << name << " or its source";
-    ScratchFile const first(firstRecords(*original, count));
-    EXPECT_EQ(difference(withFileName(libraryImage({*copy}), "capture"),
+TEST_P(CopiedCapture, EqualsTheFirstRecordsOfItsSource) {
+    std::string const copy = pathOf(capturesNamed({GetParam().name}).at(0));
+    std::string const source = pathOf(capturesNamed({GetParam().source}).at(0));
+    ScratchFile const first(firstRecords(source, GetParam().records));
+    EXPECT_EQ(difference(withFileName(libraryImage({copy}), "capture"),
                          withFileName(libraryImage({first.path()}), "capture")),
               "");
-}
-
-TEST(ReencodedCapture, OfTheOtherByteOrderEqualsItsSource) {
-    expectFirstRecords("reencoded-be-us-goose-interlocking.pcap",
-                       "goose-interlocking-three-publishers-vlan0.pcap", 60);
-}
-
-TEST(ReencodedCapture, WithNanosecondsEqualsItsSource) {
-    expectFirstRecords("reencoded-le-ns-sv-92le.pcap", "sv-92le-4000hz-three-phase-fault.pcap",
-                       300);
-}
-
-TEST(CutCapture, HoldsAllPacketsWhenTheLastRecordIsOfAnotherProtocol) {
-    expectFirstRecords("cut-mid-last-record-goose-nested.pcap",
-                       "goose-nested-structures-two-relays.pcap", 79);
-}
-
-TEST(SnappedCapture, IdentifiesStreamsByAddressesAndAppIdAlone) {
-    auto const path = capture("snapped-90-goose-interlocking.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of snapped frames";
-    Db db;
-    indexInto(db, *path);
-    for (Goose const& stream : db.gooseProto.streams) {
-        EXPECT_EQ(stream.appId, 0x3001U);
-        EXPECT_FALSE(stream.gocbRef || stream.datSet || stream.goID || stream.confRev);
-        for (Package const& package : stream.files.begin()->packages)
-            EXPECT_EQ(package, Package()) << "the goosePdu runs past the captured octets";
-    }
 }
 
 }  // namespace

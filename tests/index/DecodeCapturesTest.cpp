@@ -1,4 +1,4 @@
-// Every packet of the recorded captures decoded, against its stream's record and the octets of its
+// Every packet of the captures decoded, against its stream's record and the octets of its
 // frame; and packets of captures that were damaged after they had been indexed.
 
 #include <gtest/gtest.h>
@@ -16,10 +16,9 @@
 
 #include "goose/GoosePduText.hpp"
 #include "index/Indexing.hpp"
+#include "index/KnownCaptures.hpp"
 #include "index/PlainDecode.hpp"
-#include "index/RecordedCaptures.hpp"
 #include "support/CaptureFile.hpp"
-#include "support/Captures.hpp"
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 #include "sv/AsduText.hpp"
@@ -29,18 +28,14 @@ namespace {
 
 using namespace TalIec61850Parser;
 
-/// Captures whose frames are indexed without a position, and why.
-std::map<std::string, std::string> const withoutPositions = {
-    {"snapped-90-goose-interlocking.pcap", "every goosePdu runs past the captured octets"}};
-
-class DecodedCapture : public RecordedCaptureTest {
+class DecodedCapture : public KnownCaptureTest {
 protected:
     void SetUp() override {
-        RecordedCaptureTest::SetUp();
-        if (IsSkipped()) return;
+        KnownCaptureTest::SetUp();
+        if (HasFatalFailure()) return;
         indexInto(db, path());
         packets = packetsByPosition(db);
-        if (!packets.empty()) records = readCapture(path());
+        if (!packets.empty()) records = readCapture(wholePath());
     }
 
     /// The record that holds a position.
@@ -62,10 +57,8 @@ protected:
 
 std::string orNone(std::optional<std::string> const& text) { return text.value_or(""); }
 
-TEST_P(DecodedCapture, HasAPositionForEveryFrame) {
-    bool const none = withoutPositions.count(GetParam().name) != 0;
-    std::size_t const frames = GetParam().gooseFrames + GetParam().svFrames;
-    EXPECT_EQ(packets.size(), none ? 0 : frames);
+TEST_P(DecodedCapture, HasAPositionForEveryFrameWithAWholePdu) {
+    EXPECT_EQ(packets.size(), GetParam().frames() - GetParam().withoutPosition);
 }
 
 TEST_P(DecodedCapture, HoldsInItsGooseFramesWhatTheirStreamsAreKnownBy) {
@@ -152,29 +145,84 @@ TEST_P(DecodedCapture, GivesNothingForThePacketsOfTheOtherProtocolOrWithoutAPosi
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Recorded, DecodedCapture, testing::ValuesIn(recordedCaptures()), testName);
+INSTANTIATE_TEST_SUITE_P(Captures, DecodedCapture,
+                         testing::ValuesIn(capturesWith([](KnownCapture const& capture) {
+                             return capture.whyNotDecoded.empty();
+                         })),
+                         testName);
 
-TEST(DecodedTestbed, HoldsThirteenNamedAsdusInAnSvFrame) {
-    auto const path = capture("sv-13asdu-goose-mixed-testbed.pcap");
-    if (!path) GTEST_SKIP() << "no recorded capture of frames with 13 ASDUs";
+/// Captures that are not decoded to what their frames hold.
+class OtherwiseDecodedCapture : public DecodedCapture {};
+
+INSTANTIATE_TEST_SUITE_P(Captures, OtherwiseDecodedCapture,
+                         testing::ValuesIn(capturesWith([](KnownCapture const& capture) {
+                             return !capture.whyNotDecoded.empty();
+                         })),
+                         testName);
+
+TEST_P(OtherwiseDecodedCapture, HoldsWhatStandsAtItsPositions) {
+    Bytes const file = readFile(path());
+    for (auto const& [position, packet] : packets) {
+        EXPECT_EQ(textOf(GooseParser::parseGoosePDUFromFile(path(), position)),
+                  textOf(expectedGoosePdu(file, position)));
+        EXPECT_EQ(textOf(SvParser::parseASDUFromFile(path(), position)),
+                  textOf(expectedAsdus(file, position)));
+    }
+}
+
+/// The names of the data sets in all packets of an own capture, in the order of the file.
+std::vector<std::string> decodedDataSets(std::string const& capture) {
+    std::string const path = ownCapture(capture);
     Db db;
-    indexInto(db, *path);
-    std::vector<std::string> const names = {"66kV1",   "66kV2",   "66kV3",    "XFMR1W1",  "XFMR2W1",
-                                            "XFMR1W2", "XFMR2W2", "CB_XFMR1", "CB_XFMR2", "F_66kV1",
-                                            "F_66kV2", "F_XFMR1", "F_XFMR2"};
+    indexInto(db, path);
+    std::vector<std::string> names;
+    for (auto const& [position, packet] : packetsByPosition(db))
+        names.push_back(GooseParser::parseGoosePDUFromFile(path, position).datSet);
+    return names;
+}
+
+TEST(DecodedCutRecord, HoldsNothing) {
+    std::vector<std::string> names(8, "BAY1_PROTLD0/LLN0$dsTrip");
+    for (std::size_t frame = 1; frame < names.size(); frame += 2) names[frame][3] = '2';
+    names.back() = "";
+    EXPECT_EQ(decodedDataSets("own-goose-cut-last-record.pcap"), names);
+}
+
+TEST(DecodedLengths, OfThreeOctetsAndMoreHoldNothing) {
+    EXPECT_EQ(decodedDataSets("own-goose-longest-lengths.pcap"), std::vector<std::string>(2));
+}
+
+TEST(DecodedTrailers, HoldTheirOwnElementsAlone) {
+    EXPECT_EQ(
+        decodedDataSets("own-goose-trailers-as-elements.pcap"),
+        (std::vector<std::string>{"BAY1_PROTLD0/LLN0$dsTrip", "", "", "SIGNED/AS$datSet", ""}));
+}
+
+class DecodedFrames : public testing::TestWithParam<ThirteenAsdus> {};
+
+TEST_P(DecodedFrames, OfThirteenAsdusHoldTheirNames) {
+    std::string const path = pathOf(GetParam().capture);
+    std::vector<std::string> const& names = GetParam().svIDs;
+    Db db;
+    indexInto(db, path);
     std::size_t frames = 0;
     for (auto const& [position, packet] : packetsByPosition(db)) {
         if (packet.sv == nullptr || packet.sv->svID != names.back()) continue;
         std::vector<std::string> found;
-        for (ASDUData const& asdu : SvParser::parseASDUFromFile(*path, position)) {
+        for (ASDUData const& asdu : SvParser::parseASDUFromFile(path, position)) {
             found.push_back(asdu.svID);
             ASSERT_EQ(asdu.samples.size(), 1U) << "12 octets";
         }
         ASSERT_EQ(found, names) << "at " << position;
         ++frames;
     }
-    EXPECT_GT(frames, 0U);
+    EXPECT_EQ(frames, GetParam().frames);
 }
+
+INSTANTIATE_TEST_SUITE_P(Captures, DecodedFrames, testing::ValuesIn(capturesOfThirteenAsdus()),
+                         [](auto const& instance) {
+                             return captureTestName(instance.param.capture.name);
+                         });
 
 /// A small capture of two GOOSE and two SV frames, and the positions of their PDUs.
 class DamagedAfterIndexing : public testing::Test {

@@ -60,6 +60,21 @@ CaptureRecord readHeader(Bytes const& capture, std::size_t position, CaptureVari
     return record;
 }
 
+Bytes littleEndian(std::uint32_t value, std::size_t octets) {
+    Bytes out(octets);
+    putNumber(out.data(), value, octets, true);
+    return out;
+}
+
+/// A block of a next-generation file: its type, its length before and after the content.
+Bytes block(std::uint32_t type, Bytes const& content) {
+    std::size_t const padding = (4 - content.size() % 4) % 4;
+    constexpr std::size_t typeAndLengths = 12;
+    auto const size = static_cast<std::uint32_t>(typeAndLengths + content.size() + padding);
+    return concat({littleEndian(type, 4), littleEndian(size, 4), content, Bytes(padding),
+                   littleEndian(size, 4)});
+}
+
 }  // namespace
 
 bool isNanosecond(CaptureVariant variant) {
@@ -164,6 +179,21 @@ void CaptureWriter::put(std::span<std::uint8_t const> octets) {
     position_ += octets.size();
 }
 
+Bytes nextGenerationCapture(std::vector<Bytes> const& frames) {
+    constexpr std::uint32_t section = 0x0A0D0D0A;
+    constexpr std::uint32_t interface = 1;
+    constexpr std::uint32_t enhancedPacket = 6;
+    Bytes out =
+        block(section, concat({littleEndian(0x1A2B3C4D, 4), {1, 0, 0, 0}, repeat(0xFF, 8)}));
+    append(out, block(interface, concat({littleEndian(linkTypeEthernet, 4), littleEndian(0, 4)})));
+    for (Bytes const& frame : frames) {
+        auto const size = static_cast<std::uint32_t>(frame.size());
+        append(out, block(enhancedPacket, concat({Bytes(12), littleEndian(size, 4),
+                                                  littleEndian(size, 4), frame})));
+    }
+    return out;
+}
+
 std::vector<CaptureRecord> readCapture(Bytes const& capture) {
     auto const variant = recognise(capture);
     if (!variant) {
@@ -187,6 +217,17 @@ std::vector<CaptureRecord> readCapture(Bytes const& capture) {
 
 std::vector<CaptureRecord> readCapture(std::string const& path) {
     return readCapture(readFile(path));
+}
+
+Bytes completedCapture(Bytes const& capture) {
+    std::vector<CaptureRecord> const records = readCapture(capture);
+    std::size_t end = captureHeaderSize;
+    if (!records.empty()) end = records.back().position + recordHeaderSize + records.back().inclLen;
+    if (end + recordHeaderSize > capture.size()) return capture;
+    CaptureRecord const cut = readHeader(capture, end, *recognise(capture));
+    Bytes whole = capture;
+    whole.resize(end + recordHeaderSize + cut.inclLen);
+    return whole;
 }
 
 Bytes readFile(std::string const& path) {

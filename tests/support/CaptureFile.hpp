@@ -102,6 +102,10 @@ private:
     std::uint64_t position_ = 0;
 };
 
+/// A next-generation file of these frames, little-endian, their times 0: what is no classic
+/// capture.
+[[nodiscard]] Bytes nextGenerationCapture(std::vector<Bytes> const& frames);
+
 /// One record as readCapture() found it.
 struct CaptureRecord {
     /// Offset in the file of the record's header.
@@ -123,6 +127,11 @@ struct CaptureRecord {
 /// The same for a file.
 /// @throws std::runtime_error as well when the file cannot be read
 [[nodiscard]] std::vector<CaptureRecord> readCapture(std::string const& path);
+
+/// The capture with its last record made whole: zeros for the octets of the frame that are missing.
+/// As it is when no record is cut after its header.
+/// @throws std::runtime_error as readCapture()
+[[nodiscard]] Bytes completedCapture(Bytes const& capture);
 
 /// All octets of a file.
 /// @throws std::runtime_error when it cannot be read

@@ -116,5 +116,28 @@ TEST(ReadCapture, ReadsAFile) {
     EXPECT_EQ(readCapture(file.path())[0].frame, (Bytes{0x00, 0x0A, 0x0D, 0xFF}));
 }
 
+TEST(NextGenerationCapture, HasTheFramesInBlocksThatTellTheirLengthTwice) {
+    Bytes const capture = nextGenerationCapture({Bytes(5, 0xEE)});
+    EXPECT_EQ(prefix(capture, 4), (Bytes{0x0A, 0x0D, 0x0D, 0x0A}));
+    EXPECT_THROW((void)readCapture(capture), std::runtime_error);
+    std::size_t blocks = 0;
+    for (std::size_t at = 0; at < capture.size(); ++blocks) {
+        std::size_t const size = capture.at(at + 4);
+        EXPECT_EQ(size % 4, 0U);
+        EXPECT_EQ(capture.at(at + size - 4), size);
+        at += size;
+    }
+    EXPECT_EQ(blocks, 3U);
+    EXPECT_NE(find(capture, Bytes(5, 0xEE)), std::nullopt);
+}
+
+TEST(CompletedCapture, FillsTheRecordThatIsCutAndNothingElse) {
+    Bytes const whole = CaptureBuilder().add(1, 2, Bytes(9, 0xEE)).add(3, 4, Bytes(7, 0)).bytes();
+    EXPECT_EQ(completedCapture(whole), whole);
+    EXPECT_EQ(completedCapture(prefix(whole, whole.size() - 7)), whole);
+    EXPECT_EQ(completedCapture(prefix(whole, whole.size() - 8)), prefix(whole, whole.size() - 8))
+        << "cut in the record's header";
+}
+
 }  // namespace
 }  // namespace TalTest

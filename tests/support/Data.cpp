@@ -27,9 +27,28 @@ Bytes dataFloat(float value) {
     return ber(0x87, concat({{exponentWidth}, bigEndian(std::bit_cast<std::uint32_t>(value), 4)}));
 }
 
+Bytes dataDouble(double value) {
+    constexpr std::uint8_t exponentWidth = 11;
+    return ber(0x87, concat({{exponentWidth}, bigEndian(std::bit_cast<std::uint64_t>(value), 8)}));
+}
+
 Bytes dataOctetString(Bytes const& value) { return ber(0x89, value); }
 
 Bytes dataVisibleString(std::string_view value) { return ber(0x8A, value); }
+
+Bytes dataBinaryTime(std::uint32_t milliseconds, std::optional<std::uint16_t> days) {
+    return ber(0x8C, concat({bigEndian(milliseconds, 4), days ? bigEndian(*days, 2) : Bytes{}}));
+}
+
+Bytes dataBcd(std::uint8_t value) { return ber(0x8D, {value}); }
+
+Bytes dataBooleanArray(Bytes const& bits, std::uint8_t unusedBits) {
+    return ber(0x8E, concat({{unusedBits}, bits}));
+}
+
+Bytes dataObjectId(Bytes const& content) { return ber(0x8F, content); }
+
+Bytes dataMmsString(std::string_view value) { return ber(0x90, value); }
 
 Bytes dataUtcTime(std::uint32_t seconds, std::uint32_t fraction24, std::uint8_t quality) {
     return ber(0x91, utcTime(seconds, fraction24, quality));

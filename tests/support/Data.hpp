@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string_view>
 
 #include "support/Bytes.hpp"
@@ -32,11 +33,30 @@ namespace TalTest {
 /// 87: a floating-point number, single precision: the exponent's width (8) and IEEE 754.
 [[nodiscard]] Bytes dataFloat(float value);
 
+/// 87: a floating-point number, double precision: the exponent's width (11) and IEEE 754.
+[[nodiscard]] Bytes dataDouble(double value);
+
 /// 89: an octet string.
 [[nodiscard]] Bytes dataOctetString(Bytes const& value);
 
 /// 8A: a visible string.
 [[nodiscard]] Bytes dataVisibleString(std::string_view value);
+
+/// 8C: a time of day in milliseconds, and the days since 1984 where they are told.
+[[nodiscard]] Bytes dataBinaryTime(std::uint32_t milliseconds,
+                                   std::optional<std::uint16_t> days = {});
+
+/// 8D: a binary-coded number, here below 128.
+[[nodiscard]] Bytes dataBcd(std::uint8_t value);
+
+/// 8E: an array of booleans; `unusedBits` of the last octet do not count.
+[[nodiscard]] Bytes dataBooleanArray(Bytes const& bits, std::uint8_t unusedBits = 0);
+
+/// 8F: an object identifier, as its content is encoded.
+[[nodiscard]] Bytes dataObjectId(Bytes const& content);
+
+/// 90: a string in UTF-8.
+[[nodiscard]] Bytes dataMmsString(std::string_view value);
 
 /// 91: a time stamp; the arguments are those of utcTime().
 [[nodiscard]] Bytes dataUtcTime(std::uint32_t seconds, std::uint32_t fraction24 = 0,

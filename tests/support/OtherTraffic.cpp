@@ -31,11 +31,15 @@ std::uint64_t checksum(Bytes const& octets) {
     return ~sum & 0xFFFF;
 }
 
-Bytes ipv4Header(std::uint32_t number, std::size_t payloadSize, std::uint64_t sum) {
+constexpr std::uint8_t protocolTcp = 6;
+constexpr std::uint8_t protocolUdp = 17;
+
+Bytes ipv4Header(std::uint8_t protocol, std::uint32_t number, std::size_t payloadSize,
+                 std::uint64_t sum) {
     return concat({{0x45, 0x00},
                    bigEndian(20 + payloadSize, 2),
                    bigEndian(number, 2),
-                   {0x40, 0x00, 64, 6},
+                   {0x40, 0x00, 64, protocol},
                    bigEndian(sum, 2),
                    clientIp,
                    serverIp});
@@ -95,12 +99,38 @@ Bytes tcpSegment(std::uint32_t number) {
     Bytes const payload = text("measurement " + std::to_string(10'000'000 + number));
     std::uint64_t const sequence = 1 + std::uint64_t{number} * payload.size();
     std::size_t const size = tcpHeader(0, 0).size() + payload.size();
-    Bytes const pseudoHeader = concat({clientIp, serverIp, {0, 6}, bigEndian(size, 2)});
+    Bytes const pseudoHeader = concat({clientIp, serverIp, {0, protocolTcp}, bigEndian(size, 2)});
     std::uint64_t const tcpSum = checksum(concat({pseudoHeader, tcpHeader(sequence, 0), payload}));
-    std::uint64_t const ipSum = checksum(ipv4Header(number, size, 0));
+    std::uint64_t const ipSum = checksum(ipv4Header(protocolTcp, number, size, 0));
+    return ethernetFrame(between("02:00:00:00:00:11", "02:00:00:00:00:d0"), etherTypeIpv4,
+                         concat({ipv4Header(protocolTcp, number, size, ipSum),
+                                 tcpHeader(sequence, tcpSum), payload}));
+}
+
+Bytes udpDatagram(std::uint32_t number) {
+    constexpr std::uint16_t port = 49'400;
+    constexpr std::size_t headerSize = 8;
+    Bytes const payload = text("log line " + std::to_string(number));
+    std::size_t const size = headerSize + payload.size();
+    std::uint64_t const ipSum = checksum(ipv4Header(protocolUdp, number, size, 0));
+    // A checksum of 0 says that there is none.
     return ethernetFrame(
         between("02:00:00:00:00:11", "02:00:00:00:00:d0"), etherTypeIpv4,
-        concat({ipv4Header(number, size, ipSum), tcpHeader(sequence, tcpSum), payload}));
+        concat({ipv4Header(protocolUdp, number, size, ipSum), bigEndian(port, 2),
+                bigEndian(port, 2), bigEndian(size, 2), bigEndian(0, 2), payload}));
+}
+
+Bytes spanningTreeHello() {
+    Bytes const bridge = concat({{0x80, 0x00}, macAddress("02:00:00:00:00:b1")});
+    Bytes const message = concat({{0x42, 0x42, 0x03},
+                                  {0x00, 0x00, 0x00, 0x00, 0x00},
+                                  bridge,
+                                  bigEndian(0, 4),
+                                  bridge,
+                                  {0x80, 0x01},
+                                  {0x00, 0x00, 0x14, 0x00, 0x02, 0x00, 0x0F, 0x00}});
+    return ethernetFrame(between("01:80:c2:00:00:00", "02:00:00:00:00:b1"),
+                         static_cast<std::uint16_t>(message.size()), message);
 }
 
 }  // namespace TalTest

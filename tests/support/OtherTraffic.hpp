@@ -33,4 +33,11 @@ private:
 /// A TCP segment over IPv4 with a few octets of payload.
 [[nodiscard]] Bytes tcpSegment(std::uint32_t number);
 
+/// A UDP datagram over IPv4 with a few octets of payload.
+[[nodiscard]] Bytes udpDatagram(std::uint32_t number);
+
+/// A configuration message of the spanning tree protocol (IEEE 802.1D): an IEEE 802.3 frame, which
+/// has a length and LLC where others have an EtherType.
+[[nodiscard]] Bytes spanningTreeHello();
+
 }  // namespace TalTest

@@ -11,6 +11,7 @@
 #include "index/TrafficGenerators.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
+#include "support/OwnCaptures.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
@@ -221,19 +222,21 @@ TEST(Judge, TakesNamesAsTheyStand) {
     EXPECT_EQ(wanted("MU0?"), 0);
 }
 
-TEST(Judge, OfRecordedCapturesIsRecounted) {
-    for (auto const* name :
-         {"goose-mms-mixed-station-bus.pcap", "sv-13asdu-goose-mixed-testbed.pcap",
-          "derived-sv-prp-both-lans.pcap", "derived-goose-hsr-both-ring-directions.pcap",
-          "snapped-90-goose-interlocking.pcap", "reencoded-be-us-goose-interlocking.pcap"}) {
-        auto const path = capture(name);
-        if (!path) {
-            GTEST_SKIP() << "no recorded captures here";
-        }
+TEST(Judge, OfWholeCapturesIsRecounted) {
+    auto paths =
+        recorded({"goose-mms-mixed-station-bus.pcap", "sv-13asdu-goose-mixed-testbed.pcap",
+                  "derived-sv-prp-both-lans.pcap", "derived-goose-hsr-both-ring-directions.pcap",
+                  "snapped-90-goose-interlocking.pcap", "reencoded-be-us-goose-interlocking.pcap"});
+    for (auto const* name : {"own-goose-retransmissions.pcap", "own-sv-1-to-13-asdus.pcap",
+                             "own-sv-prp-both-lans.pcap", "own-goose-hsr-both-ways.pcap",
+                             "own-goose-snapped.pcap", "own-mixed-be-us.pcap"}) {
+        paths.push_back(ownCapture(name));
+    }
+    for (auto const& path : paths) {
         for (std::size_t const number : {0U, 2U, 4U, 5U}) {
             Wish const wish = wishes()[number];
-            EXPECT_EQ(counted(joined({*path}, wish.options)), recounted({*path}, wish.filter))
-                << name << testing::PrintToString(wish.options);
+            EXPECT_EQ(counted(joined({path}, wish.options)), recounted({path}, wish.filter))
+                << path << testing::PrintToString(wish.options);
         }
     }
 }

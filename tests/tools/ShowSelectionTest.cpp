@@ -6,6 +6,7 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
+#include "support/OwnCaptures.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
@@ -138,17 +139,18 @@ TEST(ShowSelection, HasThePacketThatTheFileIsCutIn) {
     EXPECT_EQ(jsonOf(runCompanion({"show", "-f", "json", place}).out), std::vector<Json>{rows[1]});
 }
 
-TEST(ShowSelection, OfRecordedCapturesIsWhatIsListed) {
-    for (auto const* name :
-         {"goose-nested-structures-two-relays.pcap", "sv-13asdu-goose-mixed-testbed.pcap",
-          "goose-single-vlan-five-octet-integers.pcap", "reencoded-le-ns-sv-92le.pcap"}) {
-        auto const path = capture(name);
-        if (!path) {
-            GTEST_SKIP() << "no recorded captures here";
-        }
-        EXPECT_EQ(headsOf(rowsOf({"show", *path, "--to", "+200ms"})),
-                  headsOf(rowsOf({"packets", *path, "--to", "+200ms"})))
-            << name;
+TEST(ShowSelection, OfWholeCapturesIsWhatIsListed) {
+    auto paths =
+        recorded({"goose-nested-structures-two-relays.pcap", "sv-13asdu-goose-mixed-testbed.pcap",
+                  "goose-single-vlan-five-octet-integers.pcap", "reencoded-le-ns-sv-92le.pcap"});
+    for (auto const* name : {"own-goose-every-type.pcap", "own-sv-1-to-13-asdus.pcap",
+                             "own-goose-five-octet-integers.pcap", "own-mixed-be-ns.pcap"}) {
+        paths.push_back(ownCapture(name));
+    }
+    for (auto const& path : paths) {
+        EXPECT_EQ(headsOf(rowsOf({"show", path, "--to", "+200ms"})),
+                  headsOf(rowsOf({"packets", path, "--to", "+200ms"})))
+            << path;
     }
 }
 

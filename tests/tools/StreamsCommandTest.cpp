@@ -6,6 +6,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
 #include "support/Goose.hpp"
+#include "support/OwnCaptures.hpp"
 #include "support/SampledValues.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionProcess.hpp"
@@ -157,18 +158,24 @@ TEST(Streams, DoNotDependOnTimeZoneOrLocale) {
               runCompanion({"streams", capture.path()}).out);
 }
 
-TEST(Streams, OfARecordedCaptureAreAllThere) {
-    auto const path = capture("sv-13asdu-goose-mixed-testbed.pcap");
-    if (!path) {
-        GTEST_SKIP() << "no recorded captures here";
-    }
-    auto const rows = streamsOf({*path});
-    ASSERT_EQ(rows.size(), 5U);
+/// The packets of each stream, in the order of the table.
+std::vector<int> packetsOf(std::vector<Json> const& rows) {
     std::vector<int> packets;
     std::transform(rows.begin(), rows.end(), std::back_inserter(packets),
                    [](Json const& row) { return row["packets"].get<int>(); });
-    EXPECT_EQ(packets, (std::vector<int>{56, 48, 48, 947, 901}));
-    EXPECT_EQ(rows[3]["svID"], "F_XFMR2");
+    return packets;
+}
+
+TEST(Streams, OfWholeCapturesAreAllThere) {
+    auto const own = streamsOf({ownCapture("own-viewpoint-b.pcap")});
+    EXPECT_EQ(packetsOf(own), (std::vector<int>{17, 17, 17, 17}));
+    EXPECT_EQ(own.back()["svID"], "NODE_MU");
+    for (auto const& path : recorded({"sv-13asdu-goose-mixed-testbed.pcap"})) {
+        auto const rows = streamsOf({path});
+        ASSERT_EQ(rows.size(), 5U);
+        EXPECT_EQ(packetsOf(rows), (std::vector<int>{56, 48, 48, 947, 901}));
+        EXPECT_EQ(rows[3]["svID"], "F_XFMR2");
+    }
 }
 
 }  // namespace
