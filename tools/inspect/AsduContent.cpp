@@ -14,7 +14,7 @@ namespace {
 
 /// Makes a number of a field that has a width of its own.
 auto numberOf(std::size_t width) {
-    return [width](Octets&& octets) -> Reading<Readable<std::uint64_t>> {
+    return [width](OctetString&& octets) -> Reading<Readable<std::uint64_t>> {
         auto number = readUnsigned(octets);
         auto const fault =
             octets.size() == width ? std::nullopt : std::optional(FaultKind::wrongLength);
@@ -22,14 +22,14 @@ auto numberOf(std::size_t width) {
     };
 }
 
-Reading<Octets> readIdentity(Octets&& octets) {
+Reading<OctetString> readIdentity(OctetString&& octets) {
     constexpr std::size_t kIdentitySize = 8;
     auto const fault =
         octets.size() == kIdentitySize ? std::nullopt : std::optional(FaultKind::wrongLength);
     return {std::move(octets), fault};
 }
 
-Reading<SequenceOfData> readSequenceOfData(Octets&& octets) {
+Reading<SequenceOfData> readSequenceOfData(OctetString&& octets) {
     constexpr std::size_t kSampleSize = 8;
     if (octets.size() % kSampleSize != 0) {
         return {std::move(octets)};

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 #include "tools/inspect/RawElement.hpp"
 #include "tools/inspect/SampleQuality.hpp"
 #include "tools/inspect/UtcTime.hpp"
@@ -25,7 +25,7 @@ struct ChannelSample {
 
 /// The channels where seqData is made of eight octets each; any other length stays octets, for then
 /// the data set is of another make.
-using SequenceOfData = std::variant<std::vector<ChannelSample>, Octets>;
+using SequenceOfData = std::variant<std::vector<ChannelSample>, OctetString>;
 
 /// One ASDU (IEC 61850-9-2). A field that does not occur whole is not set; one that does not make a
 /// value of its type holds its octets.
@@ -43,7 +43,7 @@ struct AsduContent {
     std::optional<SequenceOfData> seqData;
     std::optional<Readable<std::uint64_t>> smpMod;  ///< two octets
     /// Of the clock; eight octets.
-    std::optional<Octets> gmIdentity;
+    std::optional<OctetString> gmIdentity;
     /// Elements that are none of these fields, in their order: unknown, repeated or damaged ones.
     std::vector<RawElement> others;
 

@@ -16,7 +16,7 @@ std::string clockText(std::chrono::milliseconds time) {
 
 }  // namespace
 
-std::optional<BinaryTime> readBinaryTime(Octets const& octets) {
+std::optional<BinaryTime> readBinaryTime(OctetString const& octets) {
     if (octets.size() != 4 && octets.size() != 6) {
         return std::nullopt;
     }

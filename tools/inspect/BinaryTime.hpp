@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 
 namespace TalIec61850Tools {
 
@@ -22,7 +22,7 @@ struct BinaryTime {
 };
 
 /// Nothing unless there are four octets, or six.
-[[nodiscard]] std::optional<BinaryTime> readBinaryTime(Octets const& octets);
+[[nodiscard]] std::optional<BinaryTime> readBinaryTime(OctetString const& octets);
 
 /// 1984-01-02T00:00:00.001Z, or 00:00:00.001 without a date. Milliseconds of more than a day are
 /// carried over into the date, or else count hours beyond 23.

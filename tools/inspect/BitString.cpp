@@ -4,7 +4,7 @@
 
 namespace TalIec61850Tools {
 
-std::optional<BitString> readBitString(Octets const& octets) {
+std::optional<BitString> readBitString(OctetString const& octets) {
     if (octets.empty() || octets.front() > 7 || (octets.front() > 0 && octets.size() == 1)) {
         return std::nullopt;
     }

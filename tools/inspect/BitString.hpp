@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 
 namespace TalIec61850Tools {
 
 /// A string of bits; the first is the highest bit of the first octet.
 struct BitString {
-    Octets octets;
+    OctetString octets;
     /// Bits of the last octet that do not count, 0 to 7.
     std::uint8_t unusedBits = 0;
 
@@ -26,7 +26,7 @@ struct BitString {
 
 /// Reads the value octets of a BIT STRING, the first of which counts the bits that are not used;
 /// nothing where it is missing, above 7, or counts bits that are not there.
-[[nodiscard]] std::optional<BitString> readBitString(Octets const& octets);
+[[nodiscard]] std::optional<BitString> readBitString(OctetString const& octets);
 
 /// The bits as 0 and 1.
 [[nodiscard]] std::string toText(BitString const& bits);

@@ -15,7 +15,7 @@ using Content = DataValue::Content;
 
 /// What was read of the octets, or else they with a fault.
 template <typename Value>
-Reading<Content> orElse(std::optional<Value>&& value, Octets&& octets, FaultKind fault) {
+Reading<Content> orElse(std::optional<Value>&& value, OctetString&& octets, FaultKind fault) {
     if (value) {
         return {Content(std::move(*value))};
     }
@@ -29,14 +29,14 @@ Reading<Content> toContent(Reading<std::variant<Values...>>&& reading) {
             reading.fault};
 }
 
-Reading<Content> readSigned(Octets&& octets) {
+Reading<Content> readSigned(OctetString&& octets) {
     Integer integer = readInteger(octets);
     auto const fault = faultOf(integer);
     return toContent(Reading<Integer>{std::move(integer), fault});
 }
 
 /// The first octet tells how wide the exponent is, and so the format.
-Reading<Content> readFloat(Octets&& octets) {
+Reading<Content> readFloat(OctetString&& octets) {
     constexpr std::uint8_t kSingleExponent = 8;
     constexpr std::uint8_t kDoubleExponent = 11;
     if (octets.size() != 1 + sizeof(float) && octets.size() != 1 + sizeof(double)) {
@@ -63,7 +63,7 @@ std::string firstArcs(std::uint64_t number) {
 }
 
 /// Nothing where a number does not end, begins with zero bits alone, or takes more than 64 bits.
-std::optional<ObjectId> readObjectId(Octets const& octets) {
+std::optional<ObjectId> readObjectId(OctetString const& octets) {
     constexpr std::uint8_t kMore = 0x80;
     constexpr std::uint64_t kMaxBeforeShift = std::numeric_limits<std::uint64_t>::max() >> 7U;
     ObjectId id;
@@ -83,13 +83,13 @@ std::optional<ObjectId> readObjectId(Octets const& octets) {
     return isInside || id.dotted.empty() ? std::nullopt : std::optional(std::move(id));
 }
 
-Reading<Content> readBits(Octets&& octets) {
+Reading<Content> readBits(OctetString&& octets) {
     auto const fault = octets.empty() ? FaultKind::wrongLength : FaultKind::wrongContent;
     auto bits = readBitString(octets);
     return orElse(std::move(bits), std::move(octets), fault);
 }
 
-Reading<Content> readTimeOfDay(Octets&& octets) {
+Reading<Content> readTimeOfDay(OctetString&& octets) {
     auto time = readBinaryTime(octets);
     bool const isLate = time && !time->isTimeOfDay();
     auto reading = orElse(std::optional(time), std::move(octets), FaultKind::wrongLength);
@@ -99,7 +99,7 @@ Reading<Content> readTimeOfDay(Octets&& octets) {
     return reading;
 }
 
-Reading<Content> readIdentifier(Octets&& octets) {
+Reading<Content> readIdentifier(OctetString&& octets) {
     auto const fault = octets.empty() ? FaultKind::wrongLength : FaultKind::wrongContent;
     auto id = readObjectId(octets);
     return orElse(std::move(id), std::move(octets), fault);
@@ -107,7 +107,7 @@ Reading<Content> readIdentifier(Octets&& octets) {
 
 }  // namespace
 
-Reading<DataValue::Content> readContent(DataKind kind, Octets&& octets) {
+Reading<DataValue::Content> readContent(DataKind kind, OctetString&& octets) {
     switch (kind) {
         case DataKind::boolean:
             return toContent(readBoolean(std::move(octets)));

@@ -18,7 +18,7 @@ std::string floatText(Float number) {
 }
 
 struct ContentText {
-    std::string operator()(Octets const& octets) const { return toHex(octets); }
+    std::string operator()(OctetString const& octets) const { return toHex(octets); }
     std::string operator()(bool flag) const { return flag ? "true" : "false"; }
     std::string operator()(BitString const& bits) const { return toText(bits); }
     std::string operator()(std::int64_t number) const { return std::to_string(number); }

@@ -11,7 +11,7 @@
 #include "tools/inspect/BinaryTime.hpp"
 #include "tools/inspect/BitString.hpp"
 #include "tools/inspect/Fault.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 #include "tools/inspect/UtcTime.hpp"
 
 namespace TalIec61850Tools {
@@ -47,7 +47,7 @@ struct ObjectId {
 /// One value of a data set (ISO 9506-2, Data), with those inside it.
 struct DataValue {
     using Members = std::vector<DataValue>;
-    using Content = std::variant<Octets, bool, BitString, std::int64_t, std::uint64_t, float,
+    using Content = std::variant<OctetString, bool, BitString, std::int64_t, std::uint64_t, float,
                                  double, std::string, BinaryTime, UtcTime, ObjectId, Members>;
 
     /// Index in the frame of its identifier octet.
@@ -59,18 +59,19 @@ struct DataValue {
     std::optional<FaultKind> fault;
     /// By the kind:
     ///
-    /// - array, structure: Members; Octets beyond the depth that is read
+    /// - array, structure: Members; OctetString beyond the depth that is read
     /// - boolean: bool
     /// - bitString, booleanArray: BitString
-    /// - integer, unsignedNumber, bcd: std::int64_t; std::uint64_t above its range; Octets beyond
+    /// - integer, unsignedNumber, bcd: std::int64_t; std::uint64_t above its range; OctetString
+    /// beyond
     ///   64 bits
     /// - floatingPoint: float or double
-    /// - octetString, unknown: Octets
+    /// - octetString, unknown: OctetString
     /// - visibleString, mmsString: std::string, octet for octet
     /// - binaryTime: BinaryTime; utcTime: UtcTime; objectId: ObjectId
-    /// - unreadable: Octets, from the identifier to the end of what the value stands in
+    /// - unreadable: OctetString, from the identifier to the end of what the value stands in
     ///
-    /// Any kind holds its Octets where they make no value of it, or are not all there.
+    /// Any kind holds its OctetString where they make no value of it, or are not all there.
     Content value;
 
     friend bool operator==(DataValue const&, DataValue const&) = default;

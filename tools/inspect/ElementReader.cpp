@@ -17,7 +17,7 @@ constexpr std::uint8_t kMaxLengthOctets = 4;
 }  // namespace
 
 std::optional<Element> ElementReader::next() {
-    Octets const& octets = level_.octets;
+    OctetString const& octets = level_.octets;
     std::size_t const start = position_;
     if (start == octets.size()) {
         return std::nullopt;
@@ -41,7 +41,7 @@ std::optional<Element> ElementReader::next() {
 }
 
 Element ElementReader::cutElement(std::size_t start, std::size_t stopped) {
-    Octets const& octets = level_.octets;
+    OctetString const& octets = level_.octets;
     std::size_t const end = level_.offset + octets.size();
     auto const fault = [&](std::size_t elementEnd) {
         return elementEnd > level_.claimedEnd ? FaultKind::pastParent : FaultKind::pastCapture;
@@ -76,7 +76,7 @@ Element ElementReader::cutElement(std::size_t start, std::size_t stopped) {
 }
 
 Element ElementReader::rest(std::size_t start, FaultKind fault) {
-    Octets const& octets = level_.octets;
+    OctetString const& octets = level_.octets;
     position_ = octets.size();
     return {.offset = level_.offset + start,
             .tag = {},

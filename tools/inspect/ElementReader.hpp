@@ -8,14 +8,14 @@
 #include <optional>
 
 #include "tools/inspect/Fault.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 #include "tools/inspect/RawElement.hpp"
 
 namespace TalIec61850Tools {
 
 /// The octets of one nesting level, as far as they were captured.
 struct Level {
-    Octets octets;
+    OctetString octets;
     /// Index in the frame of the first of them.
     std::size_t offset = 0;
     /// Index in the frame of the end that the level has by its own length; the frame itself could

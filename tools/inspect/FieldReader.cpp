@@ -2,16 +2,16 @@
 
 namespace TalIec61850Tools {
 
-Reading<std::string> readText(Octets&& octets) { return {{octets.begin(), octets.end()}}; }
+Reading<std::string> readText(OctetString&& octets) { return {{octets.begin(), octets.end()}}; }
 
-Reading<Readable<bool>> readBoolean(Octets&& octets) {
+Reading<Readable<bool>> readBoolean(OctetString&& octets) {
     if (octets.size() != 1) {
         return {std::move(octets), FaultKind::wrongLength};
     }
     return {octets.front() != 0};
 }
 
-Reading<Readable<UtcTime>> readTime(Octets&& octets) {
+Reading<Readable<UtcTime>> readTime(OctetString&& octets) {
     if (auto const time = readUtcTime(octets)) {
         return {*time};
     }
@@ -19,13 +19,13 @@ Reading<Readable<UtcTime>> readTime(Octets&& octets) {
 }
 
 std::optional<FaultKind> faultOf(Integer const& integer) {
-    if (auto const* const octets = std::get_if<Octets>(&integer)) {
+    if (auto const* const octets = std::get_if<OctetString>(&integer)) {
         return octets->empty() ? FaultKind::wrongLength : FaultKind::tooWide;
     }
     return std::nullopt;
 }
 
-Reading<Integer> readCounter(Octets&& octets) {
+Reading<Integer> readCounter(OctetString&& octets) {
     Integer integer = readInteger(octets);
     auto const fault = isNegative(integer) ? FaultKind::negative : faultOf(integer);
     return {std::move(integer), fault};

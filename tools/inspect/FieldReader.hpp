@@ -10,7 +10,7 @@
 #include "tools/inspect/ElementReader.hpp"
 #include "tools/inspect/Fault.hpp"
 #include "tools/inspect/Integer.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 #include "tools/inspect/RawElement.hpp"
 #include "tools/inspect/UtcTime.hpp"
 
@@ -25,11 +25,11 @@ struct Reading {
 
 // What fields are made of.
 
-[[nodiscard]] Reading<std::string> readText(Octets&& octets);
-[[nodiscard]] Reading<Readable<bool>> readBoolean(Octets&& octets);
-[[nodiscard]] Reading<Readable<UtcTime>> readTime(Octets&& octets);
+[[nodiscard]] Reading<std::string> readText(OctetString&& octets);
+[[nodiscard]] Reading<Readable<bool>> readBoolean(OctetString&& octets);
+[[nodiscard]] Reading<Readable<UtcTime>> readTime(OctetString&& octets);
 /// An INTEGER that counts something, so that it is not negative.
-[[nodiscard]] Reading<Integer> readCounter(Octets&& octets);
+[[nodiscard]] Reading<Integer> readCounter(OctetString&& octets);
 
 /// Why an INTEGER is not what it should be.
 [[nodiscard]] std::optional<FaultKind> faultOf(Integer const& integer);

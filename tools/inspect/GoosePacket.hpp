@@ -11,7 +11,7 @@
 #include "tools/inspect/Fault.hpp"
 #include "tools/inspect/FrameHeader.hpp"
 #include "tools/inspect/Integer.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 #include "tools/inspect/RawElement.hpp"
 #include "tools/inspect/UtcTime.hpp"
 
@@ -42,9 +42,9 @@ struct GoosePacket {
     /// as security (8C), and those that are repeated or damaged.
     std::vector<RawElement> others;
     /// What stands between the header and the goosePdu; normally nothing.
-    Octets leading;
+    OctetString leading;
     /// What stands behind the goosePdu, before a PRP trailer: padding, a signature.
-    Octets trailing;
+    OctetString trailing;
     /// All that is wrong, that of single values included, front to back.
     Faults faults;
 

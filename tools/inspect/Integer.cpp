@@ -10,12 +10,12 @@ namespace {
 
 constexpr std::size_t kMaxOctets = sizeof(std::uint64_t);
 
-using Iterator = Octets::const_iterator;
+using Iterator = OctetString::const_iterator;
 
 bool hasSign(std::uint8_t octet) { return (octet & 0x80U) != 0; }
 
 /// Where the octets begin that are not mere repetitions of the sign in front of them.
-Iterator skipSign(Octets const& octets) {
+Iterator skipSign(OctetString const& octets) {
     std::uint8_t const filling = hasSign(octets.front()) ? 0xFF : 0x00;
     auto begin = octets.begin();
     while (octets.end() - begin > 1 && *begin == filling &&
@@ -34,7 +34,7 @@ std::uint64_t join(Iterator begin, Iterator end, std::uint64_t first) {
 
 }  // namespace
 
-Integer readInteger(Octets const& octets) {
+Integer readInteger(OctetString const& octets) {
     if (octets.empty()) {
         return octets;
     }
@@ -55,7 +55,7 @@ bool isNegative(Integer const& integer) {
     return number != nullptr && *number < 0;
 }
 
-Readable<std::uint64_t> readUnsigned(Octets const& octets) {
+Readable<std::uint64_t> readUnsigned(OctetString const& octets) {
     auto const begin = std::find_if(octets.begin(), octets.end(), [](auto o) { return o != 0; });
     if (octets.empty() || static_cast<std::size_t>(octets.end() - begin) > kMaxOctets) {
         return octets;

@@ -14,7 +14,7 @@ Json fieldJson(bool flag) { return flag; }
 Json fieldJson(std::uint16_t number) { return number; }
 Json fieldJson(std::uint64_t number) { return number; }
 Json fieldJson(std::string const& text) { return text; }
-Json fieldJson(Octets const& octets) { return {{"octets", toHex(octets)}}; }
+Json fieldJson(OctetString const& octets) { return {{"octets", toHex(octets)}}; }
 Json fieldJson(MacAddress const& address) { return toText(address); }
 Json fieldJson(Integer const& integer) { return toJson(integer); }
 Json fieldJson(UtcTime const& time) { return toJson(time); }

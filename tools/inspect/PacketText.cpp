@@ -15,11 +15,11 @@ namespace {
 std::string fieldText(bool flag) { return flag ? "true" : "false"; }
 std::string fieldText(std::uint64_t number) { return std::to_string(number); }
 std::string fieldText(std::string const& text) { return escapeText(text); }
-std::string fieldText(Octets const& octets) { return "octets " + toHex(octets); }
+std::string fieldText(OctetString const& octets) { return "octets " + toHex(octets); }
 std::string fieldText(MacAddress const& address) { return toText(address); }
 std::string fieldText(UtcTime const& time) { return timeText(time); }
 std::string fieldText(Integer const& integer) {
-    auto const* const octets = std::get_if<Octets>(&integer);
+    auto const* const octets = std::get_if<OctetString>(&integer);
     return octets != nullptr ? fieldText(*octets) : integerText(integer);
 }
 
@@ -108,7 +108,7 @@ void addRest(Packet const& packet, TextTree& tree) {
 }
 
 void addSamples(SequenceOfData const& data, TextTree& tree) {
-    if (auto const* const octets = std::get_if<Octets>(&data)) {
+    if (auto const* const octets = std::get_if<OctetString>(&data)) {
         tree.add("seqData", fieldText(*octets));
         return;
     }

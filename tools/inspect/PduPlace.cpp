@@ -29,7 +29,7 @@ std::size_t endOf(Element const& element) {
     return element.value.offset + element.value.octets.size();
 }
 
-Octets octetsBetween(std::span<std::uint8_t const> frame, std::size_t begin, std::size_t end) {
+OctetString octetsBetween(std::span<std::uint8_t const> frame, std::size_t begin, std::size_t end) {
     if (end <= begin) {
         return {};
     }
@@ -37,7 +37,7 @@ Octets octetsBetween(std::span<std::uint8_t const> frame, std::size_t begin, std
     return {part.begin(), part.end()};
 }
 
-Octets takeTail(std::span<std::uint8_t const> frame, std::size_t pduEnd, FrameHeader& header) {
+OctetString takeTail(std::span<std::uint8_t const> frame, std::size_t pduEnd, FrameHeader& header) {
     std::size_t tailEnd = frame.size();
     if (header.prp && tailEnd - pduEnd >= kPrpTrailerSize) {
         tailEnd -= kPrpTrailerSize;

@@ -10,7 +10,7 @@
 #include "tools/inspect/ElementReader.hpp"
 #include "tools/inspect/FieldReader.hpp"
 #include "tools/inspect/FrameHeader.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 
 namespace TalIec61850Tools {
 
@@ -28,13 +28,13 @@ void reportUnread(std::span<std::uint8_t const> frame, FieldReader& fields);
 [[nodiscard]] std::size_t endOf(Element const& element);
 
 /// Octets of the frame; none where `end` is not behind `begin`.
-[[nodiscard]] Octets octetsBetween(std::span<std::uint8_t const> frame, std::size_t begin,
-                                   std::size_t end);
+[[nodiscard]] OctetString octetsBetween(std::span<std::uint8_t const> frame, std::size_t begin,
+                                        std::size_t end);
 
 /// The octets behind a PDU that ends at `end`, without the PRP trailer. A trailer that would begin
 /// within the PDU is none, and is taken out of the header.
-[[nodiscard]] Octets takeTail(std::span<std::uint8_t const> frame, std::size_t end,
-                              FrameHeader& header);
+[[nodiscard]] OctetString takeTail(std::span<std::uint8_t const> frame, std::size_t end,
+                                   FrameHeader& header);
 
 /// Notes a header that is not all there or not that of a GOOSE or SV frame.
 void reportHeader(FrameHeader const& header, std::span<std::uint8_t const> frame,

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "tools/inspect/Fault.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 
 namespace TalIec61850Tools {
 
@@ -17,7 +17,7 @@ struct RawElement {
     std::optional<std::uint8_t> tag;
     /// The value, as much of it as was captured. Where there is no tag, everything up to the end of
     /// what the element stands in.
-    Octets octets;
+    OctetString octets;
     /// Not set for an element that is merely unknown.
     std::optional<FaultKind> fault;
 

@@ -17,7 +17,7 @@ constexpr std::uint8_t kSavPdu = 0x60;
 constexpr std::uint8_t kSequenceOfAsdu = 0xA2;
 constexpr std::uint8_t kAsdu = 0x30;
 
-Reading<Octets> readAny(Octets&& octets) { return {std::move(octets)}; }
+Reading<OctetString> readAny(OctetString&& octets) { return {std::move(octets)}; }
 
 void takeSequence(Element&& sequence, SvPacket& packet, FieldReader& fields) {
     fields.report(sequence.offset, sequence.fault);

@@ -10,7 +10,7 @@
 #include "tools/inspect/Fault.hpp"
 #include "tools/inspect/FrameHeader.hpp"
 #include "tools/inspect/Integer.hpp"
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 #include "tools/inspect/RawElement.hpp"
 
 namespace TalIec61850Tools {
@@ -19,7 +19,7 @@ namespace TalIec61850Tools {
 struct SvPacket {
     FrameHeader header;
     std::optional<Integer> noASDU;
-    std::optional<Octets> security;
+    std::optional<OctetString> security;
     /// As many as there are.
     std::vector<AsduContent> asdus;
 
@@ -27,9 +27,9 @@ struct SvPacket {
     std::vector<RawElement> others;
     /// What stands between the header and the savPdu, or before the sequence of ASDU where no
     /// savPdu leads to it; normally nothing.
-    Octets leading;
+    OctetString leading;
     /// What stands behind the savPdu, before a PRP trailer: padding, a signature.
-    Octets trailing;
+    OctetString trailing;
     /// All that is wrong, that of single fields included, front to back.
     Faults faults;
 

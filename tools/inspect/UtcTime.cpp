@@ -9,7 +9,7 @@ std::uint32_t UtcTime::nanoseconds() const {
     return static_cast<std::uint32_t>(fraction * kNanosecondsPerSecond >> 24U);
 }
 
-std::optional<UtcTime> readUtcTime(Octets const& octets) {
+std::optional<UtcTime> readUtcTime(OctetString const& octets) {
     if (octets.size() != kUtcTimeSize) {
         return std::nullopt;
     }

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 
 namespace TalIec61850Tools {
 
@@ -33,7 +33,7 @@ struct UtcTime {
 inline constexpr std::size_t kUtcTimeSize = 8;
 
 /// Nothing unless there are eight octets.
-[[nodiscard]] std::optional<UtcTime> readUtcTime(Octets const& octets);
+[[nodiscard]] std::optional<UtcTime> readUtcTime(OctetString const& octets);
 
 /// The time as 2023-11-14T22:13:20.123456789Z.
 [[nodiscard]] std::string toIsoText(UtcTime const& time);

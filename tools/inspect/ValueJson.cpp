@@ -23,7 +23,7 @@ Json toJsonNumber(Float number) {
     return read;
 }
 
-Json octetsJson(Octets const& octets) { return {{"octets", toHex(octets)}}; }
+Json octetsJson(OctetString const& octets) { return {{"octets", toHex(octets)}}; }
 
 Json toJson(BinaryTime const& time) {
     return {{"time", toIsoText(time)},
@@ -35,7 +35,7 @@ Json toJson(BinaryTime const& time) {
 struct ContentAdder {
     Json& json;
 
-    void operator()(Octets const& octets) const { json["octets"] = toHex(octets); }
+    void operator()(OctetString const& octets) const { json["octets"] = toHex(octets); }
     void operator()(bool flag) const { json["value"] = flag; }
     void operator()(BitString const& bits) const { json["bits"] = toText(bits); }
     void operator()(std::int64_t number) const { json["value"] = number; }
@@ -97,7 +97,7 @@ Json toJson(std::vector<DataValue> const& values) {
 }
 
 Json toJson(Integer const& integer) {
-    if (auto const* const octets = std::get_if<Octets>(&integer)) {
+    if (auto const* const octets = std::get_if<OctetString>(&integer)) {
         return octetsJson(*octets);
     }
     if (auto const* const number = std::get_if<std::uint64_t>(&integer)) {

@@ -25,7 +25,7 @@ bool agrees(DataValue const& cut, DataValue const& whole) {
     }
     auto const* const members = std::get_if<DataValue::Members>(&cut.value);
     if (!cut.fault || members == nullptr) {
-        return cut.fault ? std::holds_alternative<Octets>(cut.value) : cut == whole;
+        return cut.fault ? std::holds_alternative<OctetString>(cut.value) : cut == whole;
     }
     auto const& all = std::get<DataValue::Members>(whole.value);
     return members->size() <= all.size() &&
@@ -157,7 +157,7 @@ TEST(CutSv, BeforeItsAsdusHasWhatStandsBeforeThem) {
     PlacedFrame const sv = richSv();
     SvPacket const packet = inspectSv(prefix(sv.frame, sv.offset));
     EXPECT_EQ(packet.noASDU, Integer(std::int64_t{2}));
-    EXPECT_EQ(packet.security, (Octets{0x30, 0x00}));
+    EXPECT_EQ(packet.security, (OctetString{0x30, 0x00}));
     EXPECT_EQ(kinds(packet.faults), (std::vector{FaultKind::pastCapture, FaultKind::notThere}));
     EXPECT_EQ(packet.faults.back().offset, sv.offset);
 }
@@ -169,7 +169,7 @@ TEST(Damage, OfAnElementThatRunsPastItsParentIsTold) {
     auto const& members = std::get<DataValue::Members>(packet.allData->at(0).value);
     ASSERT_EQ(members.size(), 2U);
     EXPECT_EQ(members[1].kind, DataKind::integer);
-    EXPECT_EQ(members[1].value, DataValue::Content(Octets{0x01, 0x02}));
+    EXPECT_EQ(members[1].value, DataValue::Content(OctetString{0x01, 0x02}));
     EXPECT_EQ(packet.allData->at(0).fault, std::nullopt);
 }
 
@@ -203,7 +203,7 @@ TEST(Damage, LeavesAnElementItsTagWhereTheLengthIsThere) {
     DataValue const value = onlyValue({0x83, 0x81, 0x05});
     EXPECT_EQ(value.kind, DataKind::boolean);
     EXPECT_EQ(value.fault, FaultKind::pastParent);
-    EXPECT_EQ(value.value, DataValue::Content(Octets{}));
+    EXPECT_EQ(value.value, DataValue::Content(OctetString{}));
 }
 
 TEST(Damage, CountsMoreThanRepetition) {
@@ -213,7 +213,7 @@ TEST(Damage, CountsMoreThanRepetition) {
         GoosePacket const packet = inspected(message);
         ASSERT_EQ(packet.others.size(), 1U);
         EXPECT_EQ(packet.others[0].fault, FaultKind::pastParent);
-        EXPECT_EQ(packet.others[0].octets, Octets{0x61});
+        EXPECT_EQ(packet.others[0].octets, OctetString{0x61});
         EXPECT_EQ(packet.goID, message.goID);
     }
 }

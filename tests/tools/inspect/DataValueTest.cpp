@@ -27,22 +27,22 @@ DataValue sound(Bytes const& element, DataKind kind) {
 }
 
 /// The octets of the only value, which is faulty; its kind is named all the same.
-Octets faulty(Bytes const& element, DataKind kind, FaultKind fault) {
+OctetString faulty(Bytes const& element, DataKind kind, FaultKind fault) {
     DataValue const value = onlyValue(element);
     EXPECT_EQ(value.kind, kind);
     EXPECT_EQ(value.fault, fault);
-    auto const* const octets = std::get_if<Octets>(&value.value);
+    auto const* const octets = std::get_if<OctetString>(&value.value);
     EXPECT_NE(octets, nullptr);
-    return octets == nullptr ? Octets{0xEE, 0xEE} : *octets;
+    return octets == nullptr ? OctetString{0xEE, 0xEE} : *octets;
 }
 
 TEST(DataValues, AreBooleans) {
     EXPECT_EQ(sound(ber(0x83, {0x00}), DataKind::boolean).value, Content(false));
     EXPECT_EQ(sound(ber(0x83, {0x01}), DataKind::boolean).value, Content(true));
     EXPECT_EQ(sound(ber(0x83, {0xFF}), DataKind::boolean).value, Content(true));
-    EXPECT_EQ(faulty(ber(0x83, {}), DataKind::boolean, FaultKind::wrongLength), Octets{});
+    EXPECT_EQ(faulty(ber(0x83, {}), DataKind::boolean, FaultKind::wrongLength), OctetString{});
     EXPECT_EQ(faulty(ber(0x83, {0x00, 0x01}), DataKind::boolean, FaultKind::wrongLength),
-              (Octets{0x00, 0x01}));
+              (OctetString{0x00, 0x01}));
 }
 
 TEST(DataValues, AreBitStrings) {
@@ -50,11 +50,11 @@ TEST(DataValues, AreBitStrings) {
               Content(BitString{.octets = {0x40}, .unusedBits = 6}));
     EXPECT_EQ(sound(ber(0x8E, {0x00, 0x81}), DataKind::booleanArray).value,
               Content(BitString{.octets = {0x81}, .unusedBits = 0}));
-    EXPECT_EQ(faulty(ber(0x84, {}), DataKind::bitString, FaultKind::wrongLength), Octets{});
+    EXPECT_EQ(faulty(ber(0x84, {}), DataKind::bitString, FaultKind::wrongLength), OctetString{});
     EXPECT_EQ(faulty(ber(0x84, {0x08, 0x00}), DataKind::bitString, FaultKind::wrongContent),
-              (Octets{0x08, 0x00}));
+              (OctetString{0x08, 0x00}));
     EXPECT_EQ(faulty(ber(0x8E, {0x01}), DataKind::booleanArray, FaultKind::wrongContent),
-              Octets{0x01});
+              OctetString{0x01});
 }
 
 TEST(DataValues, AreIntegers) {
@@ -63,9 +63,9 @@ TEST(DataValues, AreIntegers) {
               Content(std::int64_t{0xFFFFFFFF}));
     EXPECT_EQ(sound(dataInteger(std::numeric_limits<std::int64_t>::min()), DataKind::integer).value,
               Content(std::numeric_limits<std::int64_t>::min()));
-    EXPECT_EQ(faulty(ber(0x85, {}), DataKind::integer, FaultKind::wrongLength), Octets{});
+    EXPECT_EQ(faulty(ber(0x85, {}), DataKind::integer, FaultKind::wrongLength), OctetString{});
     EXPECT_EQ(faulty(ber(0x85, Bytes(9, 0x01)), DataKind::integer, FaultKind::tooWide),
-              Octets(9, 0x01));
+              OctetString(9, 0x01));
 }
 
 TEST(DataValues, AreUnsigned) {
@@ -75,7 +75,7 @@ TEST(DataValues, AreUnsigned) {
               Content(~std::uint64_t{0}));
     EXPECT_EQ(sound(ber(0x8D, {0x12}), DataKind::bcd).value, Content(std::int64_t{0x12}));
     EXPECT_EQ(faulty(ber(0x86, Bytes(10, 0x01)), DataKind::unsignedNumber, FaultKind::tooWide),
-              Octets(10, 0x01));
+              OctetString(10, 0x01));
 }
 
 TEST(DataValues, SayWhereAnUnsignedIsNegative) {
@@ -97,21 +97,22 @@ TEST(DataValues, AreFloatingPointOfTwoWidths) {
 }
 
 TEST(DataValues, TakeTheWidthOfAFloatFromItsExponentToo) {
-    for (Octets const& octets : {Octets{11, 0, 0, 0, 0}, Octets{8, 0, 0, 0, 0, 0, 0, 0, 0}}) {
+    for (OctetString const& octets :
+         {OctetString{11, 0, 0, 0, 0}, OctetString{8, 0, 0, 0, 0, 0, 0, 0, 0}}) {
         EXPECT_EQ(faulty(ber(0x87, octets), DataKind::floatingPoint, FaultKind::wrongContent),
                   octets);
     }
     for (std::size_t const size : {0U, 1U, 4U, 6U, 8U, 10U}) {
         EXPECT_EQ(
             faulty(ber(0x87, Bytes(size, 8)), DataKind::floatingPoint, FaultKind::wrongLength),
-            Octets(size, 8));
+            OctetString(size, 8));
     }
 }
 
 TEST(DataValues, AreOctetsAndTexts) {
     EXPECT_EQ(sound(dataOctetString({0, 255}), DataKind::octetString).value,
-              Content(Octets{0, 255}));
-    EXPECT_EQ(sound(ber(0x89, {}), DataKind::octetString).value, Content(Octets{}));
+              Content(OctetString{0, 255}));
+    EXPECT_EQ(sound(ber(0x89, {}), DataKind::octetString).value, Content(OctetString{}));
     EXPECT_EQ(sound(dataVisibleString("trip"), DataKind::visibleString).value,
               Content(std::string("trip")));
     EXPECT_EQ(sound(ber(0x90, text("öff\xFFnen")), DataKind::mmsString).value,
@@ -121,12 +122,14 @@ TEST(DataValues, AreOctetsAndTexts) {
 TEST(DataValues, AreTimes) {
     EXPECT_EQ(sound(dataUtcTime(7, 8, 9), DataKind::utcTime).value,
               Content(UtcTime{.seconds = 7, .fraction = 8, .quality = 9}));
-    EXPECT_EQ(faulty(ber(0x91, Bytes(7)), DataKind::utcTime, FaultKind::wrongLength), Octets(7));
+    EXPECT_EQ(faulty(ber(0x91, Bytes(7)), DataKind::utcTime, FaultKind::wrongLength),
+              OctetString(7));
     EXPECT_EQ(sound(ber(0x8C, {0, 0, 0, 9}), DataKind::binaryTime).value,
               Content(BinaryTime{.milliseconds = 9, .days = {}}));
     EXPECT_EQ(sound(ber(0x8C, {0, 0, 0, 9, 0, 2}), DataKind::binaryTime).value,
               Content(BinaryTime{.milliseconds = 9, .days = 2}));
-    EXPECT_EQ(faulty(ber(0x8C, Bytes(5)), DataKind::binaryTime, FaultKind::wrongLength), Octets(5));
+    EXPECT_EQ(faulty(ber(0x8C, Bytes(5)), DataKind::binaryTime, FaultKind::wrongLength),
+              OctetString(5));
 }
 
 TEST(DataValues, SayWhereATimeOfDayIsBeyondTheDay) {
@@ -153,13 +156,14 @@ TEST(DataValues, AreObjectIdentifiers) {
 }
 
 TEST(DataValues, KeepTheOctetsOfADamagedObjectIdentifier) {
-    auto const octets = {Octets{0x2B, 0x86},        // does not end
-                         Octets{0x2B, 0x80, 0x01},  // begins with seven bits of nothing
-                         Octets{0x2A, 0x82, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x00}};
-    for (Octets const& damaged : octets) {
+    auto const octets = {
+        OctetString{0x2B, 0x86},        // does not end
+        OctetString{0x2B, 0x80, 0x01},  // begins with seven bits of nothing
+        OctetString{0x2A, 0x82, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x00}};
+    for (OctetString const& damaged : octets) {
         EXPECT_EQ(faulty(ber(0x8F, damaged), DataKind::objectId, FaultKind::wrongContent), damaged);
     }
-    EXPECT_EQ(faulty(ber(0x8F, {}), DataKind::objectId, FaultKind::wrongLength), Octets{});
+    EXPECT_EQ(faulty(ber(0x8F, {}), DataKind::objectId, FaultKind::wrongLength), OctetString{});
 }
 
 TEST(DataValues, OfUnknownTagsAreOctets) {
@@ -168,7 +172,7 @@ TEST(DataValues, OfUnknownTagsAreOctets) {
         DataValue const value = onlyValue(ber(static_cast<std::uint8_t>(tag), {0x00, 0x07}));
         EXPECT_EQ(value.tag, tag);
         if (kindOf(value.tag) == DataKind::unknown) {
-            EXPECT_EQ(value.value, Content(Octets{0x00, 0x07}));
+            EXPECT_EQ(value.value, Content(OctetString{0x00, 0x07}));
             EXPECT_EQ(value.fault, std::nullopt);
         }
     }

@@ -88,8 +88,8 @@ TEST(GoosePackets, KeepTheOctetsOfCountsBeyond64Bits) {
     message.extraLast = concat({ber(0x85, Bytes(9, 0x7F)), ber(0x86, {})});
     message.sqNum.reset();
     GoosePacket const packet = inspected(message);
-    EXPECT_EQ(packet.stNum, Integer(Octets(9, 0x7F)));
-    EXPECT_EQ(packet.sqNum, Integer(Octets{}));
+    EXPECT_EQ(packet.stNum, Integer(OctetString(9, 0x7F)));
+    EXPECT_EQ(packet.sqNum, Integer(OctetString{}));
     EXPECT_EQ(kinds(packet.faults), (std::vector{FaultKind::tooWide, FaultKind::wrongLength}));
 }
 
@@ -99,8 +99,8 @@ TEST(GoosePackets, KeepTheOctetsOfFieldsOfTheWrongLength) {
     message.simulation.reset();
     message.extraLast = ber(0x87, {0x01, 0x00});
     GoosePacket const packet = inspected(message);
-    EXPECT_EQ(packet.t, Readable<UtcTime>(Octets(6, 0x11)));
-    EXPECT_EQ(packet.simulation, Readable<bool>(Octets{0x01, 0x00}));
+    EXPECT_EQ(packet.t, Readable<UtcTime>(OctetString(6, 0x11)));
+    EXPECT_EQ(packet.simulation, Readable<bool>(OctetString{0x01, 0x00}));
     EXPECT_EQ(kinds(packet.faults), (std::vector{FaultKind::wrongLength, FaultKind::wrongLength}));
 }
 
@@ -112,11 +112,11 @@ TEST(GoosePackets, KeepWhatTheyDoNotKnowInItsOrder) {
     GoosePacket const packet = inspected(message);
     ASSERT_EQ(packet.others.size(), 3U);
     EXPECT_EQ(packet.others[0].tag, 0x04);
-    EXPECT_EQ(packet.others[0].octets, Octets{0x09});
+    EXPECT_EQ(packet.others[0].octets, OctetString{0x09});
     EXPECT_EQ(packet.others[1].tag, 0xAC);
-    EXPECT_EQ(packet.others[1].octets, (Octets{0x80, 0x01, 0x01}));
+    EXPECT_EQ(packet.others[1].octets, (OctetString{0x80, 0x01, 0x01}));
     EXPECT_EQ(packet.others[2].tag, 0x8C);
-    EXPECT_EQ(packet.others[2].octets, (Octets{0x0A, 0x0B}));
+    EXPECT_EQ(packet.others[2].octets, (OctetString{0x0A, 0x0B}));
     for (RawElement const& other : packet.others) EXPECT_EQ(other.fault, std::nullopt);
     EXPECT_TRUE(packet.faults.empty());
     EXPECT_TRUE(packet.allData.has_value());
@@ -163,7 +163,7 @@ TEST(GoosePackets, TakeNoTrailerFromThePdu) {
 
 TEST(GoosePackets, AreReadFromWhereTheyStand) {
     PlacedFrame goose = placed(GooseMessage());
-    Octets const inFront = {0x01, 0x01, 0x00};
+    OctetString const inFront = {0x01, 0x01, 0x00};
     goose.frame.insert(goose.frame.begin() + static_cast<std::ptrdiff_t>(goose.offset),
                        inFront.begin(), inFront.end());
     GoosePacket const packet = inspectGoose(goose.frame, goose.offset + 3);

@@ -193,7 +193,7 @@ TEST_P(InspectedSvAsTsharkDoes, InEverySample) {
         expectAgreement(frame, leftOut);
         if (!frame.isSv()) continue;
         for (AsduContent const& asdu : frame.sv().asdus)
-            EXPECT_EQ(std::holds_alternative<Octets>(asdu.seqData.value()), !isOfSamples);
+            EXPECT_EQ(std::holds_alternative<OctetString>(asdu.seqData.value()), !isOfSamples);
         if (HasFailure()) return;
     }
 }

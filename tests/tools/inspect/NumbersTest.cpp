@@ -17,7 +17,7 @@ using TalTest::Bytes;
 
 Integer signedNumber(std::int64_t number) { return number; }
 Integer unsignedNumber(std::uint64_t number) { return number; }
-Integer octetsAlone(Octets const& octets) { return octets; }
+Integer octetsAlone(OctetString const& octets) { return octets; }
 
 TEST(Integers, AreTwosComplement) {
     EXPECT_EQ(readInteger({0x00}), signedNumber(0));
@@ -49,9 +49,9 @@ TEST(Integers, ReachTheEndsOf64Bits) {
 }
 
 TEST(Integers, StayOctetsBeyond64Bits) {
-    for (Octets const& octets :
-         {Octets{0x01, 0, 0, 0, 0, 0, 0, 0, 0}, Octets{0xFF, 0x7F, 0, 0, 0, 0, 0, 0, 0},
-          Octets{0x00, 0x01, 0, 0, 0, 0, 0, 0, 0, 0}, Octets{}}) {
+    for (OctetString const& octets :
+         {OctetString{0x01, 0, 0, 0, 0, 0, 0, 0, 0}, OctetString{0xFF, 0x7F, 0, 0, 0, 0, 0, 0, 0},
+          OctetString{0x00, 0x01, 0, 0, 0, 0, 0, 0, 0, 0}, OctetString{}}) {
         EXPECT_EQ(readInteger(octets), octetsAlone(octets));
     }
 }
@@ -73,8 +73,8 @@ TEST(NumbersWithoutASign, AreAllTheirOctets) {
     EXPECT_EQ(readUnsigned({0x0F, 0x9F}), Number(std::uint64_t{3999}));
     EXPECT_EQ(readUnsigned(Bytes(8, 0xFF)), Number(~std::uint64_t{0}));
     EXPECT_EQ(readUnsigned({0, 0, 0, 0, 0, 0, 0, 0, 0x80}), Number(std::uint64_t{0x80}));
-    EXPECT_EQ(readUnsigned(Bytes(9, 0x01)), Number(Octets(9, 0x01)));
-    EXPECT_EQ(readUnsigned({}), Number(Octets{}));
+    EXPECT_EQ(readUnsigned(Bytes(9, 0x01)), Number(OctetString(9, 0x01)));
+    EXPECT_EQ(readUnsigned({}), Number(OctetString{}));
     EXPECT_EQ(readUnsigned(Bytes(12, 0x00)), Number(std::uint64_t{0}));
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 /// A bit-string of zeros and ones.
 BitString bits(std::string const& text) {
-    BitString string{.octets = Octets((text.size() + 7) / 8), .unusedBits = 0};
+    BitString string{.octets = OctetString((text.size() + 7) / 8), .unusedBits = 0};
     string.unusedBits = static_cast<std::uint8_t>(8 * string.octets.size() - text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '1') {

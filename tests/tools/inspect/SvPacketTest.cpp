@@ -29,8 +29,8 @@ TEST(SvPackets, HaveEveryField) {
     PlacedFrame const sv = richSv();
     SvPacket const packet = inspectSv(sv.frame, sv.offset);
     EXPECT_EQ(packet.noASDU, Integer(std::int64_t{2}));
-    EXPECT_EQ(packet.security, (Octets{0x30, 0x00}));
-    EXPECT_EQ(packet.trailing, Octets(4, 0xCD));
+    EXPECT_EQ(packet.security, (OctetString{0x30, 0x00}));
+    EXPECT_EQ(packet.trailing, OctetString(4, 0xCD));
     EXPECT_TRUE(packet.faults.empty());
     ASSERT_EQ(packet.asdus.size(), 2U);
     AsduContent const& first = packet.asdus[0];
@@ -46,10 +46,10 @@ TEST(SvPackets, HaveEveryField) {
     EXPECT_EQ(first.seqData,
               SequenceOfData(std::vector<ChannelSample>{{-1, {0x1FFF}}, {5, {0x2000}}}));
     EXPECT_EQ(first.smpMod, number(1));
-    EXPECT_EQ(first.gmIdentity, (Octets{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(first.gmIdentity, (OctetString{1, 2, 3, 4, 5, 6, 7, 8}));
     ASSERT_EQ(first.others.size(), 1U);
     EXPECT_EQ(first.others[0].tag, 0x8F);
-    EXPECT_EQ(first.others[0].octets, Octets{0x11});
+    EXPECT_EQ(first.others[0].octets, OctetString{0x11});
     AsduContent const& second = packet.asdus[1];
     EXPECT_EQ(second.svID, "MU02");
     EXPECT_EQ(second.smpCnt, number(0));
@@ -102,7 +102,7 @@ TEST(SvPackets, KeepDataOfAnotherMakeAsOctets) {
     Asdu asdu;
     for (std::size_t const size : {1U, 4U, 7U, 9U, 12U}) {
         asdu.seqData = Bytes(size, 0x5A);
-        EXPECT_EQ(onlyAsdu(asdu).seqData, SequenceOfData(Octets(size, 0x5A)));
+        EXPECT_EQ(onlyAsdu(asdu).seqData, SequenceOfData(OctetString(size, 0x5A)));
         EXPECT_TRUE(inspected(messageOf(asdu)).faults.empty());
     }
     asdu.seqData = Bytes{};
@@ -129,9 +129,9 @@ TEST(SvPackets, KeepTheOctetsOfFieldsThatMakeNoValue) {
     asdu.refrTm = Bytes(4, 0x01);
     asdu.extraLast = concat({ber(0x82, Bytes(9, 0x01)), ber(0x89, {0x01})});
     SvPacket const packet = inspected(messageOf(asdu));
-    EXPECT_EQ(packet.asdus.at(0).smpCnt, Number(Octets(9, 0x01)));
-    EXPECT_EQ(packet.asdus.at(0).refrTm, Readable<UtcTime>(Octets(4, 0x01)));
-    EXPECT_EQ(packet.asdus.at(0).gmIdentity, Octets{0x01});
+    EXPECT_EQ(packet.asdus.at(0).smpCnt, Number(OctetString(9, 0x01)));
+    EXPECT_EQ(packet.asdus.at(0).refrTm, Readable<UtcTime>(OctetString(4, 0x01)));
+    EXPECT_EQ(packet.asdus.at(0).gmIdentity, OctetString{0x01});
     EXPECT_EQ(kinds(packet.faults), std::vector(3, FaultKind::wrongLength));
 }
 
@@ -145,7 +145,7 @@ TEST(SvPackets, KeepWhatTheyDoNotKnowAndWhatIsRepeated) {
     ASSERT_EQ(packet.others.size(), 3U);
     EXPECT_EQ(packet.others[0].tag, 0x8E);
     EXPECT_EQ(packet.others[1].fault, FaultKind::repeated);
-    EXPECT_EQ(packet.others[1].octets, Octets{0x09});
+    EXPECT_EQ(packet.others[1].octets, OctetString{0x09});
     EXPECT_EQ(packet.others[2].tag, 0x31);
     EXPECT_EQ(packet.noASDU, Integer(std::int64_t{1}));
     ASSERT_EQ(packet.asdus.size(), 1U);

@@ -56,7 +56,7 @@ TEST(UtcTimes, HaveEachPartOfTheirQuality) {
 
 TEST(UtcTimes, HaveEightOctets) {
     for (std::size_t size = 0; size < 20; ++size) {
-        EXPECT_EQ(readUtcTime(Octets(size)).has_value(), size == 8) << size;
+        EXPECT_EQ(readUtcTime(OctetString(size)).has_value(), size == 8) << size;
     }
 }
 
@@ -69,7 +69,7 @@ TEST(BinaryTimes, AreMillisecondsOfADayAndPerhapsADate) {
 
 TEST(BinaryTimes, HaveFourOctetsOrSix) {
     for (std::size_t size = 0; size < 20; ++size) {
-        EXPECT_EQ(readBinaryTime(Octets(size)).has_value(), size == 4 || size == 6) << size;
+        EXPECT_EQ(readBinaryTime(OctetString(size)).has_value(), size == 4 || size == 6) << size;
     }
 }
 

@@ -46,7 +46,7 @@ public:
                                clock.hours().count(), clock.minutes().count(),
                                clock.seconds().count(), time.nanoseconds()));
     }
-    void add(std::string const& field, Octets const& octets) { add(field, toHex(octets)); }
+    void add(std::string const& field, OctetString const& octets) { add(field, toHex(octets)); }
     template <typename... Alternatives>
     void add(std::string const& field, std::variant<Alternatives...> const& value) {
         std::visit([&](auto const& alternative) { add(field, alternative); }, value);
@@ -167,8 +167,8 @@ void addSample(ChannelSample const& sample, Terms& terms) {
     terms.add(part + "derived", sample.quality.derived());
 }
 
-Octets octetsOf(std::vector<ChannelSample> const& samples) {
-    Octets octets;
+OctetString octetsOf(std::vector<ChannelSample> const& samples) {
+    OctetString octets;
     for (ChannelSample const& sample : samples) {
         append(octets, bigEndian(static_cast<std::uint32_t>(sample.value), 4));
         append(octets, bigEndian(sample.quality.word, 4));
@@ -189,7 +189,7 @@ void addAsdu(AsduContent const& asdu, Terms& terms) {
     if (!asdu.seqData) return;
     auto const* const samples = std::get_if<std::vector<ChannelSample>>(&*asdu.seqData);
     terms.add("sv.seqData",
-              samples != nullptr ? octetsOf(*samples) : std::get<Octets>(*asdu.seqData));
+              samples != nullptr ? octetsOf(*samples) : std::get<OctetString>(*asdu.seqData));
     if (samples == nullptr) return;
     for (ChannelSample const& sample : *samples) addSample(sample, terms);
 }

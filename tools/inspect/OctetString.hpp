@@ -7,14 +7,14 @@
 
 namespace TalIec61850Tools {
 
-/// Octets of a frame, as they stand there.
-using Octets = std::vector<std::uint8_t>;
+/// Octets of a frame, copied out of it.
+using OctetString = std::vector<std::uint8_t>;
 
 /// A value that was read as what it should be, or else its octets.
 template <typename Value>
-using Readable = std::variant<Value, Octets>;
+using Readable = std::variant<Value, OctetString>;
 
 /// Lower-case hexadecimal digits, two for each octet, nothing between them.
-[[nodiscard]] std::string toHex(Octets const& octets);
+[[nodiscard]] std::string toHex(OctetString const& octets);
 
 }  // namespace TalIec61850Tools

@@ -1,10 +1,10 @@
-#include "tools/inspect/Octets.hpp"
+#include "tools/inspect/OctetString.hpp"
 
 #include <string_view>
 
 namespace TalIec61850Tools {
 
-std::string toHex(Octets const& octets) {
+std::string toHex(OctetString const& octets) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string text;
     text.reserve(2 * octets.size());
