@@ -11,8 +11,8 @@
 #include "fuzz/FilterChoice.hpp"
 #include "fuzz/FuzzInput.hpp"
 #include "fuzz/Tally.hpp"
-#include "tools/inspect/PacketJson.hpp"
-#include "tools/inspect/PacketText.hpp"
+#include "tools/render/PacketJson.hpp"
+#include "tools/render/PacketText.hpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include "tools/inspect/PacketJson.hpp"
-#include "tools/inspect/PacketText.hpp"
+#include "tools/render/PacketJson.hpp"
+#include "tools/render/PacketText.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/selection/StreamFields.hpp"

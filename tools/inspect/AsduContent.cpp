@@ -1,7 +1,5 @@
 #include "tools/inspect/AsduContent.hpp"
 
-#include <fmt/format.h>
-
 #include <utility>
 
 #include "tools/inspect/AsduReader.hpp"
@@ -85,35 +83,6 @@ AsduContent readAsdu(Element&& element, Faults& faults) {
         takeField(std::move(*field), asdu, fields);
     }
     return asdu;
-}
-
-std::string smpSynchText(std::uint64_t smpSynch) {
-    constexpr std::uint64_t kFirstClock = 5;
-    constexpr std::uint64_t kLastClock = 254;
-    if (smpSynch == 0) {
-        return "none";
-    }
-    if (smpSynch == 1) {
-        return "local";
-    }
-    if (smpSynch == 2) {
-        return "global";
-    }
-    bool const isClock = smpSynch >= kFirstClock && smpSynch <= kLastClock;
-    return isClock ? fmt::format("clock {}", smpSynch) : "reserved";
-}
-
-std::string_view smpModText(std::uint64_t smpMod) {
-    switch (smpMod) {
-        case 0:
-            return "samplesPerPeriod";
-        case 1:
-            return "samplesPerSecond";
-        case 2:
-            return "secondsPerSample";
-        default:
-            return "reserved";
-    }
 }
 
 }  // namespace TalIec61850Tools

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -49,11 +48,5 @@ struct AsduContent {
 
     friend bool operator==(AsduContent const&, AsduContent const&) = default;
 };
-
-/// What a smpSynch says: none, local, global, "clock 17" for 5 to 254, or reserved.
-[[nodiscard]] std::string smpSynchText(std::uint64_t smpSynch);
-
-/// What a smpMod says: samplesPerPeriod, samplesPerSecond, secondsPerSample, or reserved.
-[[nodiscard]] std::string_view smpModText(std::uint64_t smpMod);
 
 }  // namespace TalIec61850Tools

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
 #include "tools/inspect/OctetString.hpp"
 
@@ -23,9 +22,5 @@ struct BinaryTime {
 
 /// Nothing unless there are four octets, or six.
 [[nodiscard]] std::optional<BinaryTime> readBinaryTime(OctetString const& octets);
-
-/// 1984-01-02T00:00:00.001Z, or 00:00:00.001 without a date. Milliseconds of more than a day are
-/// carried over into the date, or else count hours beyond 23.
-[[nodiscard]] std::string toIsoText(BinaryTime const& time);
 
 }  // namespace TalIec61850Tools

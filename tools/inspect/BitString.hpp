@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <string_view>
 
 #include "tools/inspect/OctetString.hpp"
 
@@ -27,12 +25,5 @@ struct BitString {
 /// Reads the value octets of a BIT STRING, the first of which counts the bits that are not used;
 /// nothing where it is missing, above 7, or counts bits that are not there.
 [[nodiscard]] std::optional<BitString> readBitString(OctetString const& octets);
-
-/// The bits as 0 and 1.
-[[nodiscard]] std::string toText(BitString const& bits);
-
-/// Two bits read as a double point position: intermediate-state, off, on or bad-state. Empty for
-/// any other number of bits.
-[[nodiscard]] std::string_view dbposReading(BitString const& bits);
 
 }  // namespace TalIec61850Tools

@@ -1,7 +1,5 @@
 #include "tools/inspect/DataContent.hpp"
 
-#include <fmt/format.h>
-
 #include <bit>
 #include <limits>
 
@@ -57,9 +55,9 @@ Reading<Content> readFloat(OctetString&& octets) {
 }
 
 /// The first number holds two: the first of them is 0 to 2.
-std::string firstArcs(std::uint64_t number) {
+void addFirstArcs(std::uint64_t number, ObjectId& id) {
     std::uint64_t const first = number < 80 ? number / 40 : 2;
-    return fmt::format("{}.{}", first, number - 40 * first);
+    id.arcs = {first, number - 40 * first};
 }
 
 /// Nothing where a number does not end, begins with zero bits alone, or takes more than 64 bits.
@@ -76,11 +74,15 @@ std::optional<ObjectId> readObjectId(OctetString const& octets) {
         number = number << 7U | (octet & 0x7FU);
         isInside = (octet & kMore) != 0;
         if (!isInside) {
-            id.dotted += id.dotted.empty() ? firstArcs(number) : fmt::format(".{}", number);
+            if (id.arcs.empty()) {
+                addFirstArcs(number, id);
+            } else {
+                id.arcs.push_back(number);
+            }
             number = 0;
         }
     }
-    return isInside || id.dotted.empty() ? std::nullopt : std::optional(std::move(id));
+    return isInside || id.arcs.empty() ? std::nullopt : std::optional(std::move(id));
 }
 
 Reading<Content> readBits(OctetString&& octets) {

@@ -1,51 +1,42 @@
 #include "tools/inspect/DataValue.hpp"
 
-#include <algorithm>
-#include <array>
-
 namespace TalIec61850Tools {
 
-namespace {
-
-struct KnownKind {
-    DataKind kind;
-    std::uint8_t tag;
-    std::string_view name;
-};
-
-constexpr std::array<KnownKind, 15> kKnownKinds = {{
-    {DataKind::array, 0xA1, "array"},
-    {DataKind::structure, 0xA2, "structure"},
-    {DataKind::boolean, 0x83, "boolean"},
-    {DataKind::bitString, 0x84, "bit-string"},
-    {DataKind::integer, 0x85, "integer"},
-    {DataKind::unsignedNumber, 0x86, "unsigned"},
-    {DataKind::floatingPoint, 0x87, "floating-point"},
-    {DataKind::octetString, 0x89, "octet-string"},
-    {DataKind::visibleString, 0x8A, "visible-string"},
-    {DataKind::binaryTime, 0x8C, "binary-time"},
-    {DataKind::bcd, 0x8D, "bcd"},
-    {DataKind::booleanArray, 0x8E, "booleanArray"},
-    {DataKind::objectId, 0x8F, "objId"},
-    {DataKind::mmsString, 0x90, "mMSString"},
-    {DataKind::utcTime, 0x91, "utc-time"},
-}};
-
-}  // namespace
-
 DataKind kindOf(std::uint8_t tag) {
-    auto const* const known = std::find_if(kKnownKinds.begin(), kKnownKinds.end(),
-                                           [&](auto const& k) { return k.tag == tag; });
-    return known == kKnownKinds.end() ? DataKind::unknown : known->kind;
-}
-
-std::string_view toText(DataKind kind) {
-    auto const* const known = std::find_if(kKnownKinds.begin(), kKnownKinds.end(),
-                                           [&](auto const& k) { return k.kind == kind; });
-    if (known != kKnownKinds.end()) {
-        return known->name;
+    switch (tag) {
+        case 0xA1:
+            return DataKind::array;
+        case 0xA2:
+            return DataKind::structure;
+        case 0x83:
+            return DataKind::boolean;
+        case 0x84:
+            return DataKind::bitString;
+        case 0x85:
+            return DataKind::integer;
+        case 0x86:
+            return DataKind::unsignedNumber;
+        case 0x87:
+            return DataKind::floatingPoint;
+        case 0x89:
+            return DataKind::octetString;
+        case 0x8A:
+            return DataKind::visibleString;
+        case 0x8C:
+            return DataKind::binaryTime;
+        case 0x8D:
+            return DataKind::bcd;
+        case 0x8E:
+            return DataKind::booleanArray;
+        case 0x8F:
+            return DataKind::objectId;
+        case 0x90:
+            return DataKind::mmsString;
+        case 0x91:
+            return DataKind::utcTime;
+        default:
+            return DataKind::unknown;
     }
-    return kind == DataKind::unknown ? "unknown" : "unreadable";
 }
 
 }  // namespace TalIec61850Tools

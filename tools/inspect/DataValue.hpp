@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -37,9 +36,9 @@ enum class DataKind : std::uint8_t {
     unreadable,      ///< octets that make no element: no identifier of one octet and length
 };
 
-/// An object identifier in dotted form.
+/// An object identifier: the numbers of its dotted form.
 struct ObjectId {
-    std::string dotted;
+    std::vector<std::uint64_t> arcs;
 
     friend bool operator==(ObjectId const&, ObjectId const&) = default;
 };
@@ -63,8 +62,7 @@ struct DataValue {
     /// - boolean: bool
     /// - bitString, booleanArray: BitString
     /// - integer, unsignedNumber, bcd: std::int64_t; std::uint64_t above its range; OctetString
-    /// beyond
-    ///   64 bits
+    ///   beyond 64 bits
     /// - floatingPoint: float or double
     /// - octetString, unknown: OctetString
     /// - visibleString, mmsString: std::string, octet for octet
@@ -83,12 +81,5 @@ inline constexpr std::size_t kMaxDataDepth = 32;
 
 /// The kind of a value by its identifier octet.
 [[nodiscard]] DataKind kindOf(std::uint8_t tag);
-
-/// The name of a kind as it stands in the protocol: "bit-string", "unsigned", "utc-time".
-[[nodiscard]] std::string_view toText(DataKind kind);
-
-/// A value in one line, without its kind: true, 0110, -5, 1.5, "text" without the quotes, a time,
-/// octets in hexadecimal; members in braces with commas between. Safe for a terminal.
-[[nodiscard]] std::string toText(DataValue const& value);
 
 }  // namespace TalIec61850Tools

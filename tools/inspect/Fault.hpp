@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
 namespace TalIec61850Tools {
@@ -35,8 +34,5 @@ struct Fault {
 };
 
 using Faults = std::vector<Fault>;
-
-/// The fault in a few words, such as "runs past the captured octets".
-[[nodiscard]] std::string_view toText(FaultKind kind);
 
 }  // namespace TalIec61850Tools

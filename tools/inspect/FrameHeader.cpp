@@ -1,7 +1,5 @@
 #include "tools/inspect/FrameHeader.hpp"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace TalIec61850Tools {
@@ -120,11 +118,6 @@ FrameHeader readFrameHeader(std::span<std::uint8_t const> frame) {
     HeaderReader(frame, header).read();
     header.prp = readPrpTrailer(frame.subspan(header.size));
     return header;
-}
-
-std::string toText(MacAddress const& address) {
-    return fmt::format("{:02x}:{:02x}:{:02x}:{:02x}:{:02x}:{:02x}", address[0], address[1],
-                       address[2], address[3], address[4], address[5]);
 }
 
 }  // namespace TalIec61850Tools

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 
 namespace TalIec61850Tools {
 
@@ -81,8 +80,5 @@ struct FrameHeader {
 
 /// Reads tags as the library's EthernetParser does: one 802.1Q tag, then an HSR tag.
 [[nodiscard]] FrameHeader readFrameHeader(std::span<std::uint8_t const> frame);
-
-/// 01:0c:cd:01:00:01
-[[nodiscard]] std::string toText(MacAddress const& address);
 
 }  // namespace TalIec61850Tools

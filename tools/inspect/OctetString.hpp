@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <variant>
 #include <vector>
 
@@ -13,8 +12,5 @@ using OctetString = std::vector<std::uint8_t>;
 /// A value that was read as what it should be, or else its octets.
 template <typename Value>
 using Readable = std::variant<Value, OctetString>;
-
-/// Lower-case hexadecimal digits, two for each octet, nothing between them.
-[[nodiscard]] std::string toHex(OctetString const& octets);
 
 }  // namespace TalIec61850Tools

@@ -3,9 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "tools/inspect/BitString.hpp"
 
@@ -41,14 +38,5 @@ inline constexpr std::size_t kQualityBits = 13;
 /// Reads the bits of a number as a quality, the validity in the lowest two; those above
 /// operatorBlocked do not count.
 [[nodiscard]] Quality qualityFromBits(std::uint32_t bits);
-
-[[nodiscard]] std::string_view toText(Validity validity);
-[[nodiscard]] std::string_view toText(Source source);
-
-/// The names of the flags that are set, in their order; "substituted" stands for the source.
-[[nodiscard]] std::vector<std::string_view> setFlags(Quality const& quality);
-
-/// "good", or "questionable, oldData, test".
-[[nodiscard]] std::string toText(Quality const& quality);
 
 }  // namespace TalIec61850Tools

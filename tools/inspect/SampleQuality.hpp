@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "tools/inspect/Quality.hpp"
 
@@ -18,8 +17,5 @@ struct SampleQuality {
 
     friend bool operator==(SampleQuality const&, SampleQuality const&) = default;
 };
-
-/// As that of a Quality, with "derived" at the end where it is set.
-[[nodiscard]] std::string toText(SampleQuality const& quality);
 
 }  // namespace TalIec61850Tools

@@ -1,7 +1,5 @@
 #include "tools/inspect/UtcTime.hpp"
 
-#include "tools/selection/CaptureTime.hpp"
-
 namespace TalIec61850Tools {
 
 std::uint32_t UtcTime::nanoseconds() const {
@@ -17,10 +15,6 @@ std::optional<UtcTime> readUtcTime(OctetString const& octets) {
     return UtcTime{.seconds = octet(0) << 24U | octet(1) << 16U | octet(2) << 8U | octet(3),
                    .fraction = octet(4) << 16U | octet(5) << 8U | octet(6),
                    .quality = octets[7]};
-}
-
-std::string toIsoText(UtcTime const& time) {
-    return toUtcText(toCaptureTime({time.seconds, time.nanoseconds()}));
 }
 
 }  // namespace TalIec61850Tools

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
 #include "tools/inspect/OctetString.hpp"
 
@@ -34,8 +33,5 @@ inline constexpr std::size_t kUtcTimeSize = 8;
 
 /// Nothing unless there are eight octets.
 [[nodiscard]] std::optional<UtcTime> readUtcTime(OctetString const& octets);
-
-/// The time as 2023-11-14T22:13:20.123456789Z.
-[[nodiscard]] std::string toIsoText(UtcTime const& time);
 
 }  // namespace TalIec61850Tools

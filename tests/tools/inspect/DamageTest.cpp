@@ -4,14 +4,15 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "support/Ber.hpp"
 #include "support/Data.hpp"
 #include "tools/inspect/GoosePacket.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
-#include "tools/inspect/PacketJson.hpp"
-#include "tools/inspect/PacketText.hpp"
 #include "tools/inspect/SvPacket.hpp"
+#include "tools/render/PacketJson.hpp"
+#include "tools/render/PacketText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -10,6 +10,8 @@
 #include "support/Data.hpp"
 #include "tools/inspect/DataValue.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
+#include "tools/render/DataText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -139,7 +141,7 @@ TEST(DataValues, SayWhereATimeOfDayIsBeyondTheDay) {
 }
 
 std::string objectId(std::initializer_list<std::uint8_t> octets) {
-    return std::get<ObjectId>(sound(ber(0x8F, octets), DataKind::objectId).value).dotted;
+    return toText(std::get<ObjectId>(sound(ber(0x8F, octets), DataKind::objectId).value));
 }
 
 TEST(DataValues, AreObjectIdentifiers) {

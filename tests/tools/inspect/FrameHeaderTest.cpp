@@ -4,6 +4,7 @@
 #include "support/Goose.hpp"
 #include "tools/inspect/FrameHeader.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

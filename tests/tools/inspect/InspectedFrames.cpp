@@ -7,6 +7,7 @@
 #include "support/Apdu.hpp"
 #include "support/Ber.hpp"
 #include "support/Data.hpp"
+#include "tools/render/FaultText.hpp"
 
 namespace TalTest {
 

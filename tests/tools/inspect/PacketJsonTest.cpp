@@ -1,12 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "support/Ber.hpp"
 #include "support/Data.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
-#include "tools/inspect/PacketJson.hpp"
+#include "tools/render/PacketJson.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -5,7 +5,7 @@
 #include "support/Ber.hpp"
 #include "support/Data.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
-#include "tools/inspect/PacketText.hpp"
+#include "tools/render/PacketText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -6,6 +6,8 @@
 #include "tools/inspect/BitString.hpp"
 #include "tools/inspect/Quality.hpp"
 #include "tools/inspect/SampleQuality.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -7,6 +7,8 @@
 #include "support/SampledValues.hpp"
 #include "tools/inspect/InspectedFrames.hpp"
 #include "tools/inspect/SvPacket.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -6,6 +6,7 @@
 #include "support/Data.hpp"
 #include "tools/inspect/BinaryTime.hpp"
 #include "tools/inspect/UtcTime.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -14,6 +14,9 @@
 #include <variant>
 
 #include "support/Bytes.hpp"
+#include "tools/render/DataText.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalTest {
 
@@ -131,7 +134,7 @@ struct ContentTerms {
         if (time.days) append(octets, bigEndian(*time.days, 2));
         terms.add(field, octets);
     }
-    void operator()(ObjectId const& id) const { terms.add(field, id.dotted); }
+    void operator()(ObjectId const& id) const { terms.add(field, toText(id)); }
     void operator()(DataValue::Members const& members) const { addMembers(field, members, terms); }
     template <typename Other>
     void operator()(Other const& other) const {

@@ -1,9 +1,13 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <nlohmann/json.hpp>
 
-#include "tools/inspect/DataText.hpp"
-#include "tools/inspect/PacketJson.hpp"
+#include "tools/render/DataText.hpp"
+#include "tools/render/FaultText.hpp"
+#include "tools/render/PacketJson.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -43,7 +47,7 @@ struct ContentAdder {
     void operator()(std::string const& text) const { json["value"] = text; }
     void operator()(BinaryTime const& time) const { json["value"] = toJson(time); }
     void operator()(UtcTime const& time) const { json["value"] = TalIec61850Tools::toJson(time); }
-    void operator()(ObjectId const& id) const { json["value"] = id.dotted; }
+    void operator()(ObjectId const& id) const { json["value"] = toText(id); }
     // NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than kMaxDataDepth
     void operator()(DataValue::Members const& members) const {
         json["members"] = TalIec61850Tools::toJson(members);

@@ -1,6 +1,11 @@
-#include "tools/inspect/PacketJson.hpp"
+#include "tools/render/PacketJson.hpp"
 
 #include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tools/render/FaultText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -8,10 +8,14 @@
 
 #include "tools/inspect/DataValue.hpp"
 #include "tools/inspect/Integer.hpp"
-#include "tools/inspect/TextTree.hpp"
 #include "tools/inspect/UtcTime.hpp"
+#include "tools/render/TextTree.hpp"
 
 namespace TalIec61850Tools {
+
+/// A value in one line, without its kind: true, 0110, -5, 1.5, "text" without the quotes, a time,
+/// octets in hexadecimal; members in braces with commas between. Safe for a terminal.
+[[nodiscard]] std::string toText(DataValue const& value);
 
 /// Adds a value and those inside it, with their kinds.
 void addData(std::string_view name, DataValue const& value, TextTree& tree);

@@ -1,10 +1,13 @@
-#include "tools/inspect/PacketText.hpp"
+#include "tools/render/PacketText.hpp"
 
 #include <fmt/format.h>
 
-#include "tools/inspect/DataText.hpp"
-#include "tools/inspect/TextTree.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/DataText.hpp"
+#include "tools/render/FaultText.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/TextTree.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -1,11 +1,13 @@
-#include "tools/inspect/DataText.hpp"
+#include "tools/render/DataText.hpp"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-#include "tools/inspect/Quality.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/FaultText.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -28,7 +30,7 @@ struct ContentText {
     std::string operator()(std::string const& text) const { return escapeText(text); }
     std::string operator()(BinaryTime const& time) const { return toIsoText(time); }
     std::string operator()(UtcTime const& time) const { return toIsoText(time); }
-    std::string operator()(ObjectId const& id) const { return id.dotted; }
+    std::string operator()(ObjectId const& id) const { return toText(id); }
     // NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than kMaxDataDepth
     std::string operator()(DataValue::Members const& members) const {
         std::string text;

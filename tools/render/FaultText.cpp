@@ -1,4 +1,4 @@
-#include "tools/inspect/Fault.hpp"
+#include "tools/render/FaultText.hpp"
 
 namespace TalIec61850Tools {
 
