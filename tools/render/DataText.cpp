@@ -11,6 +11,8 @@
 
 namespace TalIec61850Tools {
 
+using namespace TalIec61850Analysis;
+
 namespace {
 
 template <typename Float>
@@ -50,7 +52,7 @@ std::string remarkOn(DataValue const& value) {
     if (value.kind != DataKind::bitString || bits == nullptr) {
         return {};
     }
-    if (auto const quality = readQuality(*bits)) {
+    if (auto const quality = readQuality(toView(*bits))) {
         return fmt::format(" (quality: {})", toText(*quality));
     }
     auto const position = dbposReading(*bits);

@@ -2,16 +2,20 @@
 
 // Internal: values as text.
 
+#include <TalIec61850Analysis/packet/DataValue.hpp>
+#include <TalIec61850Analysis/packet/Integer.hpp>
+#include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "tools/inspect/DataValue.hpp"
-#include "tools/inspect/Integer.hpp"
-#include "tools/inspect/UtcTime.hpp"
 #include "tools/render/TextTree.hpp"
 
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::DataValue;
+using TalIec61850Analysis::Integer;
+using TalIec61850Analysis::UtcTime;
 
 /// A value in one line, without its kind: true, 0110, -5, 1.5, "text" without the quotes, a time,
 /// octets in hexadecimal; members in braces with commas between. Safe for a terminal.

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <TalIec61850Analysis/packet/Fault.hpp>
 #include <string_view>
 
-#include "tools/inspect/Fault.hpp"
-
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::Fault;
+using TalIec61850Analysis::FaultKind;
+using TalIec61850Analysis::Faults;
 
 /// The fault in a few words, such as "runs past the captured octets".
 [[nodiscard]] std::string_view toText(FaultKind kind);

@@ -9,6 +9,7 @@
 
 namespace TalIec61850Tools {
 
+using namespace TalIec61850Analysis;
 using Json = nlohmann::ordered_json;
 
 namespace {

@@ -1,14 +1,25 @@
 #pragma once
 
+#include <TalIec61850Analysis/packet/GoosePacket.hpp>
+#include <TalIec61850Analysis/packet/Quality.hpp>
+#include <TalIec61850Analysis/packet/SampleQuality.hpp>
+#include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <nlohmann/json_fwd.hpp>
 #include <vector>
 
-#include "tools/inspect/GoosePacket.hpp"
-#include "tools/inspect/Quality.hpp"
-#include "tools/inspect/SampleQuality.hpp"
-#include "tools/inspect/SvPacket.hpp"
-
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::AsduContent;
+using TalIec61850Analysis::DataValue;
+using TalIec61850Analysis::Faults;
+using TalIec61850Analysis::FrameHeader;
+using TalIec61850Analysis::GoosePacket;
+using TalIec61850Analysis::Integer;
+using TalIec61850Analysis::Quality;
+using TalIec61850Analysis::RawElement;
+using TalIec61850Analysis::SampleQuality;
+using TalIec61850Analysis::SvPacket;
+using TalIec61850Analysis::UtcTime;
 
 // Packets for other programs. Names and order of the fields are stable and listed in
 // docs/inspect.md; a field of the protocol that a packet lacks is null. Texts from the frame stand

@@ -11,6 +11,8 @@
 
 namespace TalIec61850Tools {
 
+using namespace TalIec61850Analysis;
+
 namespace {
 
 // What a field of a packet can hold.

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <TalIec61850Analysis/packet/GoosePacket.hpp>
+#include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <string>
 
-#include "tools/inspect/GoosePacket.hpp"
-#include "tools/inspect/SvPacket.hpp"
-
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::GoosePacket;
+using TalIec61850Analysis::SvPacket;
 
 // Packets for people: one value a line, what it holds indented below it, each line ended. What a
 // packet lacks is left out. Safe for a terminal.

@@ -1,13 +1,17 @@
 #pragma once
 
+#include <TalIec61850Analysis/packet/Quality.hpp>
+#include <TalIec61850Analysis/packet/SampleQuality.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tools/inspect/Quality.hpp"
-#include "tools/inspect/SampleQuality.hpp"
-
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::Quality;
+using TalIec61850Analysis::SampleQuality;
+using TalIec61850Analysis::Source;
+using TalIec61850Analysis::Validity;
 
 [[nodiscard]] std::string_view toText(Validity validity);
 [[nodiscard]] std::string_view toText(Source source);

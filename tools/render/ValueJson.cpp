@@ -11,6 +11,7 @@
 
 namespace TalIec61850Tools {
 
+using namespace TalIec61850Analysis;
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -64,8 +65,8 @@ struct ContentAdder {
 
 /// What a bit-string of the right length says, where it is one of these types.
 void addReadings(BitString const& bits, Json& json) {
-    if (auto const quality = readQuality(bits)) {
-        json["quality"] = toJson(*quality);
+    if (auto const quality = readQuality(toView(bits))) {
+        json["quality"] = TalIec61850Tools::toJson(*quality);
     }
     if (auto const position = dbposReading(bits); !position.empty()) {
         json["dbposReading"] = position;

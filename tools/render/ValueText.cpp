@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <TalIec61850Analysis/packet/DoublePoint.hpp>
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -48,10 +49,8 @@ std::string toText(BitString const& bits) {
 std::string_view dbposReading(BitString const& bits) {
     constexpr std::array<std::string_view, 4> kPositions = {"intermediate-state", "off", "on",
                                                             "bad-state"};
-    if (bits.size() != 2) {
-        return {};
-    }
-    return kPositions[(bits[0] ? 2U : 0U) + (bits[1] ? 1U : 0U)];
+    auto const position = TalIec61850Analysis::readDoublePoint(toView(bits));
+    return position ? kPositions[static_cast<std::size_t>(*position)] : std::string_view();
 }
 
 std::string toText(ObjectId const& id) { return fmt::format("{}", fmt::join(id.arcs, ".")); }

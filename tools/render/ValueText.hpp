@@ -1,17 +1,25 @@
 #pragma once
 
+#include <TalIec61850Analysis/packet/BinaryTime.hpp>
+#include <TalIec61850Analysis/packet/BitString.hpp>
+#include <TalIec61850Analysis/packet/DataKind.hpp>
+#include <TalIec61850Analysis/packet/FrameHeader.hpp>
+#include <TalIec61850Analysis/packet/ObjectId.hpp>
+#include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "tools/inspect/BinaryTime.hpp"
-#include "tools/inspect/BitString.hpp"
-#include "tools/inspect/DataValue.hpp"
-#include "tools/inspect/FrameHeader.hpp"
-#include "tools/inspect/OctetString.hpp"
-#include "tools/inspect/UtcTime.hpp"
-
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::BinaryTime;
+using TalIec61850Analysis::BitString;
+using TalIec61850Analysis::DataKind;
+using TalIec61850Analysis::MacAddress;
+using TalIec61850Analysis::ObjectId;
+using TalIec61850Analysis::OctetString;
+using TalIec61850Analysis::UtcTime;
 
 /// Lower-case hexadecimal digits, two for each octet, nothing between them.
 [[nodiscard]] std::string toHex(OctetString const& octets);
