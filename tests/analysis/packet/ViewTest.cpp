@@ -242,7 +242,7 @@ TEST(ViewFaults, InDataHaveTheirKindAndPlace) {
 
 TEST(ViewFaults, OfAFrameHaveTheirKindAndPlace) {
     GooseMessage message;
-    message.extraLast = dataBoolean(true);  // not a field
+    message.extraLast = ber(0x8C, {0x01});  // no field
     PlacedFrame const goose = placed(message);
     EXPECT_TRUE(faultsOf(viewGoose(goose.frame)).empty());
     EXPECT_EQ(faultsOf(viewGoose(prefix(goose.frame, 3))),
