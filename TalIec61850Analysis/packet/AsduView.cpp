@@ -45,9 +45,9 @@ std::optional<FaultKind> setField(ElementView const& element, AsduView& view) no
 
 void AsduView::visitOthers(ElementSink sink) const {
     FieldFilter filter(kAsduFields);
-    for (ElementView field : element.members()) {
+    for (ElementView const& field : element.members()) {
         if (!filter.takes(field)) {
-            sink(field);
+            filter.handOn(field, sink);
         }
     }
 }
@@ -56,8 +56,9 @@ void AsduView::visitFaults(FaultSink sink) const {
     reportFault(element.offset, element.fault, sink);
     AsduView again;
     FieldFilter filter(kAsduFields);
-    for (ElementView field : element.members()) {
-        reportFault(field.offset, filter.takes(field) ? setField(field, again) : field.fault, sink);
+    for (ElementView const& field : element.members()) {
+        reportFault(field.offset,
+                    filter.takes(field) ? setField(field, again) : filter.faultOf(field), sink);
     }
 }
 
@@ -65,7 +66,7 @@ AsduView viewAsdu(ElementView const& element) noexcept {
     AsduView view;
     view.element = element;
     FieldFilter filter(kAsduFields);
-    for (ElementView field : element.members()) {
+    for (ElementView const& field : element.members()) {
         if (filter.takes(field)) {
             static_cast<void>(setField(field, view));
         }
@@ -74,7 +75,7 @@ AsduView viewAsdu(ElementView const& element) noexcept {
 }
 
 void AsduViews::Iterator::passOverOthers() noexcept {
-    while (element_ != end_ && element_->tag != wire::kAsdu) {
+    while (element_ != std::default_sentinel && element_->tag != wire::kAsdu) {
         ++element_;
     }
 }

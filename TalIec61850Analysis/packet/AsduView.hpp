@@ -55,7 +55,7 @@ public:
     explicit AsduViews(Elements const& elements) noexcept : elements_(elements) {}
 
     [[nodiscard]] Iterator begin() const noexcept;
-    [[nodiscard]] Iterator end() const noexcept;
+    [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
 private:
     Elements elements_;
@@ -87,27 +87,22 @@ public:
     friend bool operator==(Iterator const& a, Iterator const& b) noexcept {
         return a.element_ == b.element_;
     }
+    friend bool operator==(Iterator const& a, std::default_sentinel_t end) noexcept {
+        return a.element_ == end;
+    }
 
 private:
     friend class AsduViews;
 
-    Iterator(Elements::Iterator const& element, Elements::Iterator const& end) noexcept
-        : element_(element), end_(end) {
+    explicit Iterator(Elements::Iterator const& element) noexcept : element_(element) {
         passOverOthers();
     }
 
     void passOverOthers() noexcept;
 
     Elements::Iterator element_;
-    Elements::Iterator end_;
 };
 
-inline AsduViews::Iterator AsduViews::begin() const noexcept {
-    return {elements_.begin(), elements_.end()};
-}
-
-inline AsduViews::Iterator AsduViews::end() const noexcept {
-    return {elements_.end(), elements_.end()};
-}
+inline AsduViews::Iterator AsduViews::begin() const noexcept { return Iterator(elements_.begin()); }
 
 }  // namespace TalIec61850Analysis

@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/packet/DataView.hpp>
 #include <TalIec61850Analysis/packet/ReadContent.hpp>
+#include <TalIec61850Analysis/packet/Reading.hpp>
 
 namespace TalIec61850Analysis {
 
@@ -7,27 +8,25 @@ namespace {
 
 bool holdsValues(DataKind kind) { return kind == DataKind::array || kind == DataKind::structure; }
 
-Reading<DataView::Content> readMembers(ElementView const& element, std::size_t depth) {
-    if (depth < kMaxDataDepth || element.octets.empty()) {
-        return {DataViews(element.members(), depth + 1)};
-    }
-    return {element.octets, FaultKind::tooDeep};
-}
-
 }  // namespace
 
 DataView viewData(ElementView const& element, std::size_t depth) noexcept {
-    DataView view{.offset = element.offset,
-                  .tag = element.tag.value_or(element.octets.empty() ? 0 : element.octets.front()),
-                  .kind = element.tag ? kindOf(*element.tag) : DataKind::unreadable,
-                  .fault = element.fault,
-                  .value = element.octets};
-    bool const isContainer = holdsValues(view.kind);
-    if (isContainer || !element.fault) {
-        auto const content =
-            isContainer ? readMembers(element, depth) : readContent(view.kind, element.octets);
-        view.value = content.value;
-        view.fault = content.fault ? content.fault : element.fault;
+    DataView view;
+    view.offset = element.offset;
+    view.tag = element.tag.value_or(element.octets.empty() ? 0 : element.octets.front());
+    view.kind = element.tag ? kindOf(*element.tag) : DataKind::unreadable;
+    view.fault = element.fault;
+    if (holdsValues(view.kind)) {
+        if (depth < kMaxDataDepth || element.octets.empty()) {
+            view.value = DataViews(element.members(), depth + 1);
+        } else {
+            view.value = element.octets;
+            view.fault = FaultKind::tooDeep;
+        }
+    } else if (element.fault) {
+        view.value = element.octets;
+    } else {
+        readContent(element.octets, view);
     }
     return view;
 }

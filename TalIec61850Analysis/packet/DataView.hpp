@@ -33,7 +33,7 @@ public:
         : elements_(elements), depth_(depth) {}
 
     [[nodiscard]] Iterator begin() const noexcept;
-    [[nodiscard]] Iterator end() const noexcept;
+    [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
     [[nodiscard]] bool empty() const noexcept { return elements_.empty(); }
 
     /// Hands on all that is wrong with the values and those inside them, front to back.
@@ -105,6 +105,9 @@ public:
     friend bool operator==(Iterator const& a, Iterator const& b) noexcept {
         return a.element_ == b.element_;
     }
+    friend bool operator==(Iterator const& a, std::default_sentinel_t end) noexcept {
+        return a.element_ == end;
+    }
 
 private:
     friend class DataViews;
@@ -117,7 +120,5 @@ private:
 };
 
 inline DataViews::Iterator DataViews::begin() const noexcept { return {elements_.begin(), depth_}; }
-
-inline DataViews::Iterator DataViews::end() const noexcept { return {elements_.end(), depth_}; }
 
 }  // namespace TalIec61850Analysis

@@ -7,71 +7,63 @@ namespace TalIec61850Analysis {
 namespace {
 
 using TalIec61850Parser::wire::BerForm;
+using TalIec61850Parser::wire::BerHeader;
 
-/// The element at the start of `rest`, which is not empty.
-ElementView readElement(Octets rest, std::size_t offset, std::size_t levelEnd) noexcept {
-    auto const header = TalIec61850Parser::wire::readBerHeader(rest);
-    auto const pastEnd = [&](std::size_t elementEnd) {
-        return elementEnd > levelEnd ? FaultKind::pastParent : FaultKind::pastCapture;
-    };
-    auto const unreadable = [&](FaultKind fault) {
-        return ElementView{.offset = offset,
-                           .tag = {},
-                           .octets = rest,
-                           .valueOffset = offset,
-                           .claimedEnd = levelEnd,
-                           .fault = fault};
-    };
-    switch (header.form) {
+/// @param end  of the level, as far as it was captured
+FaultKind faultOf(BerForm form, std::size_t end, std::size_t levelEnd) {
+    switch (form) {
         case BerForm::longIdentifier:
-            return unreadable(FaultKind::longIdentifier);
+            return FaultKind::longIdentifier;
         case BerForm::indefiniteLength:
-            return unreadable(FaultKind::indefiniteLength);
+            return FaultKind::indefiniteLength;
         case BerForm::longLength:
-            return unreadable(FaultKind::longLength);
-        case BerForm::cut:
-            return unreadable(pastEnd(offset + rest.size() + 1));
-        case BerForm::readable:
-            break;
+            return FaultKind::longLength;
+        default:
+            return end < levelEnd ? FaultKind::pastCapture : FaultKind::pastParent;
     }
-    Octets const value = rest.subspan(header.size);
-    std::size_t const valueOffset = offset + header.size;
-    ElementView element{.offset = offset,
-                        .tag = header.tag,
-                        .octets = value.first(std::min<std::size_t>(header.length, value.size())),
-                        .valueOffset = valueOffset,
-                        .claimedEnd = valueOffset + header.length,
-                        .fault = {}};
-    if (header.length > value.size()) {
-        element.fault = pastEnd(element.claimedEnd);
-    }
-    return element;
 }
 
 }  // namespace
 
 Elements::Iterator Elements::begin() const noexcept { return {octets_, offset_, claimedEnd_}; }
 
-Elements::Iterator Elements::end() const noexcept {
-    return {octets_.last(0), offset_ + octets_.size(), claimedEnd_};
-}
-
-Elements::Iterator::Iterator(Octets rest, std::size_t offset, std::size_t claimedEnd) noexcept
-    : rest_(rest), levelEnd_(claimedEnd) {
-    element_.valueOffset = offset;
-    read();
+Elements::Iterator::Iterator(Octets rest, std::size_t offset, std::size_t levelEnd) noexcept
+    : rest_(rest), levelEnd_(levelEnd) {
+    read(offset);
 }
 
 Elements::Iterator& Elements::Iterator::operator++() noexcept {
-    rest_ = rest_.last(static_cast<std::size_t>(rest_.data() + rest_.size() -
-                                                (element_.octets.data() + element_.octets.size())));
-    read();
+    std::size_t const end = element_.end();
+    rest_ = rest_.subspan(end - element_.offset);
+    read(end);
     return *this;
 }
 
-void Elements::Iterator::read() noexcept {
-    if (!rest_.empty()) {
-        element_ = readElement(rest_, element_.end(), levelEnd_);
+// In place: copies of an element just written cost more than reading it.
+void Elements::Iterator::read(std::size_t offset) noexcept {
+    if (rest_.empty()) {
+        return;
+    }
+    BerHeader const header = TalIec61850Parser::wire::readBerHeader(rest_);
+    std::size_t const end = offset + rest_.size();
+    element_.offset = offset;
+    if (header.form != BerForm::readable) {
+        element_.tag.reset();
+        element_.octets = rest_;
+        element_.valueOffset = offset;
+        element_.claimedEnd = levelEnd_;
+        element_.fault = faultOf(header.form, end, levelEnd_);
+        return;
+    }
+    element_.tag = header.tag;
+    element_.valueOffset = offset + header.size;
+    element_.claimedEnd = element_.valueOffset + header.length;
+    element_.octets =
+        rest_.subspan(header.size, std::min(element_.claimedEnd, end) - element_.valueOffset);
+    element_.fault.reset();
+    if (element_.claimedEnd > end) {
+        element_.fault =
+            element_.claimedEnd > levelEnd_ ? FaultKind::pastParent : FaultKind::pastCapture;
     }
 }
 

@@ -58,7 +58,7 @@ public:
         : octets_(octets), offset_(offset), claimedEnd_(claimedEnd) {}
 
     [[nodiscard]] Iterator begin() const noexcept;
-    [[nodiscard]] Iterator end() const noexcept;
+    [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
     [[nodiscard]] bool empty() const noexcept { return octets_.empty(); }
     [[nodiscard]] Octets octets() const noexcept { return octets_; }
@@ -93,12 +93,16 @@ public:
     friend bool operator==(Iterator const& a, Iterator const& b) noexcept {
         return a.rest_.size() == b.rest_.size();
     }
+    friend bool operator==(Iterator const& a, std::default_sentinel_t /*end*/) noexcept {
+        return a.rest_.empty();
+    }
 
 private:
     friend class Elements;
 
-    Iterator(Octets rest, std::size_t offset, std::size_t claimedEnd) noexcept;
-    void read() noexcept;
+    Iterator(Octets rest, std::size_t offset, std::size_t levelEnd) noexcept;
+    /// Reads the element at the start of the rest, if there is one.
+    void read(std::size_t offset) noexcept;
 
     /// From the element on.
     Octets rest_;

@@ -24,32 +24,42 @@ class FieldFilter {
 public:
     explicit FieldFilter(KnownFields known) : known_(known) {}
 
-    /// Whether a field is made of the element. Notes in one that comes too late that it is
-    /// repeated.
-    [[nodiscard]] bool takes(ElementView& element) noexcept {
+    /// Whether a field is made of the element.
+    [[nodiscard]] bool takes(ElementView const& element) noexcept {
         namespace ber = TalIec61850Parser::wire::ber;
+        isRepeated_ = false;
         if (!element.tag) {
             return false;
         }
-        bool const isConstructed = element.tag == known_.constructed;
-        bool const isPrimitive = ber::isContextPrimitive(*element.tag) &&
-                                 ber::tagNumber(*element.tag) < known_.primitiveEnd;
+        std::uint8_t const tag = *element.tag;
+        bool const isConstructed = tag == known_.constructed;
+        bool const isPrimitive =
+            ber::isContextPrimitive(tag) && ber::tagNumber(tag) < known_.primitiveEnd;
         if (!isConstructed && (!isPrimitive || element.fault)) {
             return false;
         }
-        std::uint32_t const bit = std::uint32_t{1} << ber::tagNumber(*element.tag);
-        if ((taken_ & bit) != 0) {
-            element.fault = element.fault.value_or(FaultKind::repeated);
-            return false;
-        }
+        std::uint32_t const bit = std::uint32_t{1} << ber::tagNumber(tag);
+        isRepeated_ = (taken_ & bit) != 0;
         taken_ |= bit;
-        return true;
+        return !isRepeated_;
+    }
+
+    /// The fault of the element that was shown last, and not taken.
+    [[nodiscard]] std::optional<FaultKind> faultOf(ElementView const& element) const noexcept {
+        return !element.fault && isRepeated_ ? FaultKind::repeated : element.fault;
+    }
+
+    /// Hands on the element that was shown last, and not taken.
+    void handOn(ElementView element, ElementSink sink) const {
+        element.fault = faultOf(element);
+        sink(element);
     }
 
 private:
     KnownFields known_;
     /// A bit for each tag number; primitive and constructed fields share none.
     std::uint32_t taken_ = 0;
+    bool isRepeated_ = false;
 };
 
 }  // namespace TalIec61850Analysis

@@ -54,9 +54,9 @@ void GooseView::visitOthers(ElementSink sink) const {
         return;
     }
     FieldFilter filter(kGooseFields);
-    for (ElementView element : pdu->members()) {
+    for (ElementView const& element : pdu->members()) {
         if (!filter.takes(element)) {
-            sink(element);
+            filter.handOn(element, sink);
         }
     }
 }
@@ -69,9 +69,10 @@ void GooseView::visitFaults(FaultSink sink) const {
         reportFault(pdu->offset, pdu->fault, sink);
         GooseView again;
         FieldFilter filter(kGooseFields);
-        for (ElementView element : pdu->members()) {
+        for (ElementView const& element : pdu->members()) {
             bool const isField = filter.takes(element);
-            reportFault(element.offset, isField ? setField(element, again) : element.fault, sink);
+            reportFault(element.offset,
+                        isField ? setField(element, again) : filter.faultOf(element), sink);
             if (isField && element.tag == kGooseFields.constructed) {
                 again.allData->visitFaults(sink);
             }
@@ -92,7 +93,7 @@ GooseView viewGoose(Octets frame, std::size_t pduOffset) noexcept {
         end = view.pdu->end();
         view.leading = octetsBetween(readable, view.header.size, pduOffset);
         FieldFilter filter(kGooseFields);
-        for (ElementView element : view.pdu->members()) {
+        for (ElementView const& element : view.pdu->members()) {
             if (filter.takes(element)) {
                 static_cast<void>(setField(element, view));
             }

@@ -28,8 +28,6 @@ std::optional<std::uint64_t> readNumber(Octets& octets) noexcept {
 
 ObjectIdView::Iterator ObjectIdView::begin() const noexcept { return Iterator(octets_); }
 
-ObjectIdView::Iterator ObjectIdView::end() const noexcept { return {}; }
-
 ObjectIdView::Iterator::Iterator(Octets octets) noexcept : rest_(octets) {
     if (auto const number = readNumber(rest_)) {
         // The first arc is 0 to 2, and only below 2 is the second one less than 40.
@@ -53,6 +51,14 @@ std::optional<ObjectIdView> readObjectId(Octets octets) noexcept {
     while (readNumber(rest)) {
     }
     return octets.empty() || !rest.empty() ? std::nullopt : std::optional(ObjectIdView(octets));
+}
+
+ObjectId toOwned(ObjectIdView const& id) {
+    ObjectId owned;
+    for (std::uint64_t const arc : id) {
+        owned.arcs.push_back(arc);
+    }
+    return owned;
 }
 
 }  // namespace TalIec61850Analysis

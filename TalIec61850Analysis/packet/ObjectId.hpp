@@ -26,7 +26,7 @@ public:
     ObjectIdView() = default;
 
     [[nodiscard]] Iterator begin() const noexcept;
-    [[nodiscard]] Iterator end() const noexcept;
+    [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
 private:
     friend std::optional<ObjectIdView> readObjectId(Octets octets) noexcept;
@@ -58,6 +58,9 @@ public:
     friend bool operator==(Iterator const& a, Iterator const& b) noexcept {
         return a.rest_.size() == b.rest_.size() && a.second_ == b.second_ && a.isEnd_ == b.isEnd_;
     }
+    friend bool operator==(Iterator const& a, std::default_sentinel_t /*end*/) noexcept {
+        return a.isEnd_;
+    }
 
 private:
     friend class ObjectIdView;
@@ -77,8 +80,6 @@ private:
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ObjectIdView> readObjectId(
     Octets octets) noexcept;
 
-[[nodiscard]] inline ObjectId toOwned(ObjectIdView const& id) {
-    return {.arcs = {id.begin(), id.end()}};
-}
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT ObjectId toOwned(ObjectIdView const& id);
 
 }  // namespace TalIec61850Analysis

@@ -14,8 +14,8 @@ std::optional<ElementView> elementAt(Octets frame, std::size_t offset, std::uint
     if (offset >= frame.size() || frame[offset] != tag) {
         return std::nullopt;
     }
-    ElementView const element = *Elements(frame.subspan(offset), offset).begin();
-    return element.tag ? std::optional(element) : std::nullopt;
+    auto const element = Elements(frame.subspan(offset), offset).begin();
+    return element->tag ? std::optional(*element) : std::nullopt;
 }
 
 Octets octetsBetween(Octets frame, std::size_t start, std::size_t end) noexcept {

@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/packet/ReadContent.hpp>
+#include <TalIec61850Analysis/packet/Reading.hpp>
 #include <TalIec61850Parser/wire/Octets.hpp>
 #include <bit>
 
@@ -6,80 +7,87 @@ namespace TalIec61850Analysis {
 
 namespace {
 
-using Content = DataView::Content;
 using TalIec61850Parser::wire::readBigEndian;
 
-/// What was read of the octets, or else they with a fault.
+void setOctets(Octets octets, FaultKind fault, DataView& view) {
+    view.value = octets;
+    view.fault = fault;
+}
+
+/// Sets what was read of the octets, or else they with a fault.
 template <typename Value>
-Reading<Content> orElse(std::optional<Value> const& value, Octets octets) {
+void setOrElse(std::optional<Value> const& value, Octets octets, DataView& view) {
     if (value) {
-        return {*value};
+        view.value = *value;
+    } else {
+        setOctets(octets, octets.empty() ? FaultKind::wrongLength : FaultKind::wrongContent, view);
     }
-    return {octets, octets.empty() ? FaultKind::wrongLength : FaultKind::wrongContent};
 }
 
 template <typename... Values>
-Reading<Content> toContent(Reading<std::variant<Values...>> const& reading) {
-    return {std::visit([](auto const& value) { return Content(value); }, reading.value),
-            reading.fault};
+void set(Reading<std::variant<Values...>> const& reading, DataView& view) {
+    std::visit([&](auto const& value) { view.value = value; }, reading.value);
+    view.fault = reading.fault;
 }
 
 /// The first octet tells how wide the exponent is, and so the format.
-Reading<Content> readFloat(Octets octets) {
+void readFloat(Octets octets, DataView& view) {
     constexpr std::uint8_t kSingleExponent = 8;
     constexpr std::uint8_t kDoubleExponent = 11;
     if (octets.size() != 1 + sizeof(float) && octets.size() != 1 + sizeof(double)) {
-        return {octets, FaultKind::wrongLength};
+        return setOctets(octets, FaultKind::wrongLength, view);
     }
     bool const isSingle = octets.size() == 1 + sizeof(float);
     if (octets.front() != (isSingle ? kSingleExponent : kDoubleExponent)) {
-        return {octets, FaultKind::wrongContent};
+        return setOctets(octets, FaultKind::wrongContent, view);
     }
     Octets const number = octets.subspan(1);
     if (isSingle) {
-        return {std::bit_cast<float>(readBigEndian<std::uint32_t>(number))};
+        view.value = std::bit_cast<float>(readBigEndian<std::uint32_t>(number));
+    } else {
+        view.value = std::bit_cast<double>(readBigEndian<std::uint64_t>(number));
     }
-    return {std::bit_cast<double>(readBigEndian<std::uint64_t>(number))};
 }
 
-Reading<Content> readTimeOfDay(Octets octets) {
+void readTimeOfDay(Octets octets, DataView& view) {
     auto const time = readBinaryTime(octets);
     if (!time) {
-        return {octets, FaultKind::wrongLength};
+        return setOctets(octets, FaultKind::wrongLength, view);
     }
+    view.value = *time;
     if (!time->isTimeOfDay()) {
-        return {*time, FaultKind::wrongContent};
+        view.fault = FaultKind::wrongContent;
     }
-    return {*time};
 }
 
 }  // namespace
 
-Reading<DataView::Content> readContent(DataKind kind, Octets octets) noexcept {
-    switch (kind) {
+void readContent(Octets octets, DataView& view) noexcept {
+    switch (view.kind) {
         case DataKind::boolean:
-            return toContent(readBoolean(octets));
+            return set(readBoolean(octets), view);
         case DataKind::bitString:
         case DataKind::booleanArray:
-            return orElse(readBitString(octets), octets);
+            return setOrElse(readBitString(octets), octets, view);
         case DataKind::integer:
-            return toContent(readSigned(octets));
+            return set(readSigned(octets), view);
         case DataKind::unsignedNumber:
         case DataKind::bcd:
-            return toContent(readCounter(octets));
+            return set(readCounter(octets), view);
         case DataKind::floatingPoint:
-            return readFloat(octets);
+            return readFloat(octets, view);
         case DataKind::visibleString:
         case DataKind::mmsString:
-            return {readText(octets).value};
+            view.value = readText(octets).value;
+            return;
         case DataKind::binaryTime:
-            return readTimeOfDay(octets);
+            return readTimeOfDay(octets, view);
         case DataKind::objectId:
-            return orElse(readObjectId(octets), octets);
+            return setOrElse(readObjectId(octets), octets, view);
         case DataKind::utcTime:
-            return toContent(readTime(octets));
+            return set(readTime(octets), view);
         default:
-            return {octets};
+            view.value = octets;
     }
 }
 

@@ -16,21 +16,24 @@ constexpr KnownFields kSavPduFields = {.primitiveEnd = wire::kSecurity + 1};
 enum class Role { field, sequence, other };
 
 /// Shows the elements of the savPdu, or the sequence of ASDU alone where no savPdu leads to it.
-/// @param handler  void handler(Role, ElementView const&)
+/// @param handler  void handler(Role, ElementView const&, std::optional<FaultKind>), the fault
+///                 being that of the element as a whole
 template <typename Handler>
 void walkPdu(SvView const& view, Handler const& handler) {
     if (!view.pdu) {
         if (view.sequence) {
-            handler(Role::sequence, *view.sequence);
+            handler(Role::sequence, *view.sequence, view.sequence->fault);
         }
         return;
     }
     FieldFilter filter(kSavPduFields);
-    for (ElementView element : view.pdu->members()) {
+    for (ElementView const& element : view.pdu->members()) {
         if (element.offset == view.asdusOffset) {
-            handler(Role::sequence, element);
+            handler(Role::sequence, element, element.fault);
+        } else if (filter.takes(element)) {
+            handler(Role::field, element, element.fault);
         } else {
-            handler(filter.takes(element) ? Role::field : Role::other, element);
+            handler(Role::other, element, filter.faultOf(element));
         }
     }
 }
@@ -73,8 +76,9 @@ std::size_t findSequence(Octets frame) noexcept {
 }  // namespace
 
 void SvView::visitOthers(ElementSink sink) const {
-    walkPdu(*this, [&](Role role, ElementView const& element) {
+    walkPdu(*this, [&](Role role, ElementView element, std::optional<FaultKind> fault) {
         if (role == Role::other) {
+            element.fault = fault;
             sink(element);
         } else if (role == Role::sequence) {
             for (ElementView const& member : element.members()) {
@@ -95,9 +99,8 @@ void SvView::visitFaults(FaultSink sink) const {
         sink({header.size, FaultKind::notThere});
     }
     SvView again;
-    walkPdu(*this, [&](Role role, ElementView const& element) {
-        reportFault(element.offset, role == Role::field ? setField(element, again) : element.fault,
-                    sink);
+    walkPdu(*this, [&](Role role, ElementView const& element, std::optional<FaultKind> fault) {
+        reportFault(element.offset, role == Role::field ? setField(element, again) : fault, sink);
         if (role != Role::sequence) {
             return;
         }
@@ -132,16 +135,14 @@ SvView viewSv(Octets frame, std::size_t asdusOffset) noexcept {
         view.leading = octetsBetween(readable, start, asdusOffset);
         end = view.sequence->end();
     }
-    std::optional<ElementView> sequence;
-    walkPdu(view, [&](Role role, ElementView const& element) {
+    walkPdu(view, [&](Role role, ElementView const& element, std::optional<FaultKind> /*fault*/) {
         if (role == Role::sequence) {
-            sequence = element;
+            view.sequence = element;
+            view.asdus = AsduViews(element.members());
         } else if (role == Role::field) {
             static_cast<void>(setField(element, view));
         }
     });
-    view.sequence = sequence;
-    view.asdus = sequence ? AsduViews(sequence->members()) : AsduViews();
     view.trailing = takeTail(readable, end, view.header);
     return view;
 }

@@ -22,9 +22,9 @@ namespace {
 
 using namespace TalTest;
 
-static_assert(std::ranges::forward_range<Elements> && std::ranges::common_range<Elements>);
-static_assert(std::ranges::forward_range<DataViews> && std::ranges::common_range<DataViews>);
-static_assert(std::ranges::forward_range<AsduViews> && std::ranges::common_range<AsduViews>);
+static_assert(std::ranges::forward_range<Elements>);
+static_assert(std::ranges::forward_range<DataViews>);
+static_assert(std::ranges::forward_range<AsduViews>);
 static_assert(std::ranges::forward_range<ObjectIdView>);
 static_assert(std::is_trivially_copyable_v<GooseView> && std::is_trivially_copyable_v<SvView>);
 
