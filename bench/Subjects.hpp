@@ -25,6 +25,10 @@ void measureQueries(Settings const& settings);
 /// Decoding one packet from its file, against reading its octets.
 void measureDecode(Settings const& settings);
 
+/// Decoding frames in memory with the analysis library: as views, as owning forms, and with tshark.
+/// @throws std::runtime_error when a limit is exceeded
+void measurePackets(Settings const& settings);
+
 /// Judging a single frame, against copying it; and what it allocates.
 void measureJudge(Settings const& settings);
 

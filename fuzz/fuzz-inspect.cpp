@@ -11,12 +11,13 @@
 #include "fuzz/FilterChoice.hpp"
 #include "fuzz/FuzzInput.hpp"
 #include "fuzz/Tally.hpp"
-#include "tools/inspect/PacketJson.hpp"
-#include "tools/inspect/PacketText.hpp"
+#include "tools/render/PacketJson.hpp"
+#include "tools/render/PacketText.hpp"
 
 namespace {
 
 using namespace TalFuzz;
+using namespace TalIec61850Analysis;
 using namespace TalIec61850Tools;
 using TalTest::Bytes;
 
@@ -44,11 +45,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     Bytes const frame = input.octets(size);
     std::size_t const anywhere = choice.empty() ? 0 : choice.front() % (frame.size() + 1);
 
-    GoosePacket const goose = inspectGoose(frame);
+    GoosePacket const goose = decodeGoose(frame);
     requireSound(goose, frame);
-    requireSound(inspectGoose(frame, anywhere), frame);
-    requireSound(inspectSv(frame), frame);
-    requireSound(inspectSv(frame, anywhere), frame);
+    requireSound(decodeGoose(frame, anywhere), frame);
+    requireSound(decodeSv(frame), frame);
+    requireSound(decodeSv(frame, anywhere), frame);
     whole.add(goose.faults.empty() ? 1 : 0, 1);
     return 0;
 }

@@ -1,13 +1,13 @@
 #include "tools/commands/FrameVerdict.hpp"
 
+#include <TalIec61850Analysis/packet/FrameHeader.hpp>
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <algorithm>
 #include <iterator>
 
-#include "tools/inspect/FrameHeader.hpp"
-
 namespace TalIec61850Tools {
 
+using TalIec61850Analysis::FrameHeader;
 using TalIec61850Parser::EthernetHeader;
 using TalIec61850Parser::EthernetParser;
 using TalIec61850Parser::Filter;
@@ -17,14 +17,10 @@ using TalIec61850Parser::Sv;
 namespace {
 
 std::optional<Protocol> protocolOf(FrameHeader const& header) {
-    switch (header.etherType.value_or(0)) {
-        case kEtherTypeGoose:
-            return Protocol::goose;
-        case kEtherTypeSv:
-            return Protocol::sv;
-        default:
-            return std::nullopt;
+    if (header.isGoose()) {
+        return Protocol::goose;
     }
+    return header.isSv() ? std::optional(Protocol::sv) : std::nullopt;
 }
 
 /// The network of a PRP trailer, by the octets that the library looks at, whatever they belong to.
@@ -96,7 +92,7 @@ std::string_view toText(Verdict verdict) {
 }
 
 FrameVerdict judgeFrame(std::vector<std::uint8_t> const& frame, Filter const& filter) {
-    FrameHeader const header = readFrameHeader(frame);
+    FrameHeader const header = TalIec61850Analysis::readFrameHeader(frame);
     FrameVerdict verdict;
     verdict.protocol = protocolOf(header);
     verdict.answer = EthernetParser::parsePacketSimple(frame, filter);

@@ -4,10 +4,10 @@
 
 #include <utility>
 
-#include "tools/inspect/PacketJson.hpp"
-#include "tools/inspect/PacketText.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/PacketJson.hpp"
+#include "tools/render/PacketText.hpp"
 #include "tools/selection/StreamFields.hpp"
 
 namespace TalIec61850Tools {

@@ -1,15 +1,18 @@
 #pragma once
 
 #include <TalIec61850Analysis/file/CaptureRecord.hpp>
+#include <TalIec61850Analysis/packet/GoosePacket.hpp>
+#include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <optional>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/inspect/GoosePacket.hpp"
-#include "tools/inspect/SvPacket.hpp"
 #include "tools/output/RowWriter.hpp"
 #include "tools/selection/PacketLayout.hpp"
 
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::GoosePacket;
+using TalIec61850Analysis::SvPacket;
 
 /// A packet in full, and the record that it came in.
 struct ShownPacket {

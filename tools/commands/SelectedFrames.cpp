@@ -56,9 +56,9 @@ ShownPacket SelectedFrames::readFrom(PacketFrames& frames, SelectedPacket const&
     ShownPacket shown{
         .row = toRow(packet, selection_, run_), .record = *record, .goose = {}, .sv = {}};
     if (shown.row.stream.protocol == Protocol::goose) {
-        shown.goose = inspectGoose(frame, offset);
+        shown.goose = TalIec61850Analysis::decodeGoose(frame, offset);
     } else {
-        shown.sv = inspectSv(frame, offset);
+        shown.sv = TalIec61850Analysis::decodeSv(frame, offset);
     }
     return shown;
 }

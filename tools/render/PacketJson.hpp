@@ -1,0 +1,44 @@
+#pragma once
+
+#include <TalIec61850Analysis/packet/GoosePacket.hpp>
+#include <TalIec61850Analysis/packet/Quality.hpp>
+#include <TalIec61850Analysis/packet/SampleQuality.hpp>
+#include <TalIec61850Analysis/packet/SvPacket.hpp>
+#include <nlohmann/json_fwd.hpp>
+#include <vector>
+
+namespace TalIec61850Tools {
+
+using TalIec61850Analysis::AsduContent;
+using TalIec61850Analysis::DataValue;
+using TalIec61850Analysis::Faults;
+using TalIec61850Analysis::FrameHeader;
+using TalIec61850Analysis::GoosePacket;
+using TalIec61850Analysis::Integer;
+using TalIec61850Analysis::Quality;
+using TalIec61850Analysis::RawElement;
+using TalIec61850Analysis::SampleQuality;
+using TalIec61850Analysis::SvPacket;
+using TalIec61850Analysis::UtcTime;
+
+// Packets for other programs. Names and order of the fields are stable and listed in
+// docs/inspect.md; a field of the protocol that a packet lacks is null. Texts from the frame stand
+// there octet for octet, so that the writer has to replace those that are no UTF-8.
+
+[[nodiscard]] nlohmann::ordered_json toJson(GoosePacket const& packet);
+[[nodiscard]] nlohmann::ordered_json toJson(SvPacket const& packet);
+
+// Their parts.
+
+[[nodiscard]] nlohmann::ordered_json toJson(FrameHeader const& header);
+[[nodiscard]] nlohmann::ordered_json toJson(AsduContent const& asdu);
+[[nodiscard]] nlohmann::ordered_json toJson(DataValue const& value);
+[[nodiscard]] nlohmann::ordered_json toJson(std::vector<DataValue> const& values);
+[[nodiscard]] nlohmann::ordered_json toJson(Integer const& integer);
+[[nodiscard]] nlohmann::ordered_json toJson(UtcTime const& time);
+[[nodiscard]] nlohmann::ordered_json toJson(Quality const& quality);
+[[nodiscard]] nlohmann::ordered_json toJson(SampleQuality const& quality);
+[[nodiscard]] nlohmann::ordered_json toJson(RawElement const& element);
+[[nodiscard]] nlohmann::ordered_json toJson(Faults const& faults);
+
+}  // namespace TalIec61850Tools

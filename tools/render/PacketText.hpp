@@ -1,0 +1,18 @@
+#pragma once
+
+#include <TalIec61850Analysis/packet/GoosePacket.hpp>
+#include <TalIec61850Analysis/packet/SvPacket.hpp>
+#include <string>
+
+namespace TalIec61850Tools {
+
+using TalIec61850Analysis::GoosePacket;
+using TalIec61850Analysis::SvPacket;
+
+// Packets for people: one value a line, what it holds indented below it, each line ended. What a
+// packet lacks is left out. Safe for a terminal.
+
+[[nodiscard]] std::string toText(GoosePacket const& packet);
+[[nodiscard]] std::string toText(SvPacket const& packet);
+
+}  // namespace TalIec61850Tools
