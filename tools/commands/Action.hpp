@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "tools/commands/ExitStatus.hpp"
+#include "tools/options/ExitStatus.hpp"
 
 namespace TalIec61850Tools {
 

@@ -10,9 +10,9 @@
 #include <future>
 #include <set>
 
-#include "tools/commands/UsageError.hpp"
 #include "tools/input/CaptureSurvey.hpp"
-#include "tools/output/Messages.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/Complain.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
 

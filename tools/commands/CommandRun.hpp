@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "tools/commands/CommonOptions.hpp"
-#include "tools/commands/ExitStatus.hpp"
 #include "tools/input/CaptureFinder.hpp"
+#include "tools/options/CommonOptions.hpp"
+#include "tools/options/ExitStatus.hpp"
 #include "tools/output/Output.hpp"
 #include "tools/output/ProgressBar.hpp"
 #include "tools/output/TextSink.hpp"

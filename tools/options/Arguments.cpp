@@ -1,10 +1,10 @@
-#include "tools/commands/Arguments.hpp"
+#include "tools/options/Arguments.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <string_view>
 
-#include "tools/commands/UsageError.hpp"
+#include "tools/options/UsageError.hpp"
 
 namespace TalIec61850Tools {
 
