@@ -30,7 +30,7 @@ std::string toCell(Fields const& field) {
     if (field.is_string()) {
         return quoteIfNeeded(escapeText(field.get_ref<std::string const&>()));
     }
-    // Most cells, and much faster so.
+    // Most cells; much faster than by JSON.
     if (field.is_number_unsigned()) {
         return fmt::to_string(field.get<std::uint64_t>());
     }

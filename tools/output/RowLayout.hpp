@@ -36,7 +36,7 @@ struct Column {
     std::string (*cell)(Row const& row);
 };
 
-/// How the rows of one kind are written.
+/// The output of the rows of one type.
 template <typename Row>
 struct RowLayout {
     std::vector<Field<Row>> fields;
