@@ -76,7 +76,7 @@ std::optional<std::string> judgeCapture(CaptureSource const& capture, Filter con
     return records.damage();
 }
 
-/// Judges all frames of all captures, and says what is wrong with these.
+/// Judges all frames of all captures, and reports damaged captures.
 void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take) {
     ProgressBar bar = run.progressBar();
     for (auto const& capture : run.captures()) {

@@ -16,7 +16,8 @@ constexpr std::size_t kFieldColumns = 95;
 
 // Adjacent literals are one line of the help.
 constexpr char const* kNotes =
-    R"(Packets come in the order of their capture times, over all files; of one time, in the order in
+    "Packets come in the order of their capture times, over all files; of one time, "
+    R"(in the order in
 which the files were given. FILE@POSITION is what `tal-iec61850 show` takes.
 
 TIME for --from and --to is one of: 2024-03-20T10:00:00.28 (UTC; without the decimals, the
