@@ -1,6 +1,5 @@
-// The companion program's command line: what it asks for is done elsewhere, by a source for each
-// subcommand (StreamsCommand, PacketsCommand, ShowCommand, JudgeCommand; HelpCommands for the
-// rest).
+// The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
+// PacketsCommand, ShowCommand, JudgeCommand; HelpCommands has the rest.
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -15,15 +14,17 @@
 #include <string>
 #include <vector>
 
-#include "tools/commands/Arguments.hpp"
-#include "tools/commands/ExitStatus.hpp"
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/JudgeCommand.hpp"
 #include "tools/commands/PacketsCommand.hpp"
 #include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
-#include "tools/commands/UsageError.hpp"
-#include "tools/output/Messages.hpp"
+#include "tools/help/HelpFooter.hpp"
+#include "tools/options/Arguments.hpp"
+#include "tools/options/CommandDefinition.hpp"
+#include "tools/options/ExitStatus.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/Complain.hpp"
 #include "tools/output/Output.hpp"
 #include "tools/output/TextEscape.hpp"
 
@@ -36,10 +37,11 @@ using TalIec61850Tools::escapeText;
 using TalIec61850Tools::ExitStatus;
 using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
+using TalIec61850Tools::ProgramDefinition;
 using TalIec61850Tools::UsageError;
 
-/// A standard stream that is closed would lend its number to a file, which what is said and written
-/// would then hit. In its place comes something that fails as it would.
+/// The number of a closed standard stream would be given to the next file that is opened, and
+/// messages and rows would be written into that file. Each is replaced by one that fails.
 void occupyStandardStreams() {
     for (int const number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(number, F_GETFD) < 0) {
@@ -75,11 +77,13 @@ ExitStatus runProgram(int argc, char** argv) {
         "Each command has a --help of its own.\n\nExample:\n  tal-iec61850 streams capture.pcap");
     program.require_subcommand(0, 1);  // so a file may be called like another subcommand
     Action chosen;
-    addStreamsCommand(program, chosen);
-    addPacketsCommand(program, chosen);
-    addShowCommand(program, chosen);
-    addJudgeCommand(program, chosen);
-    addHelpCommands(program, chosen);
+    ProgramDefinition definition{.parser = program, .commands = {}};
+    addStreamsCommand(definition, chosen);
+    addPacketsCommand(definition, chosen);
+    addShowCommand(definition, chosen);
+    addJudgeCommand(definition, chosen);
+    addHelpCommands(definition, chosen);
+    addHelpFooters(definition);
     try {
         program.parse(argumentsFor(program, {argv + std::min(argc, 1), argv + argc}));
     } catch (CLI::ParseError const& error) {

@@ -68,6 +68,20 @@ TEST(BashCompletion, OffersTheValuesOfAnOption) {
     EXPECT_EQ(offeredByBash("tal-iec61850 show --format = js"), Words{"json"});
 }
 
+TEST(BashCompletion, OffersTheValuesOfEveryOptionThatHasChoices) {
+    for (std::string const command : {"streams", "packets", "show", "judge"}) {
+        auto const offered = [&](std::string const& option) {
+            return offeredByBash("tal-iec61850 " + command + " " + option + " ''");
+        };
+        EXPECT_EQ(offered("--color"), (Words{"auto", "always", "never"}));
+        EXPECT_EQ(offered("--protocol"), (Words{"goose", "sv"}));
+        EXPECT_EQ(offered("--simulation-element"), (Words{"yes", "no"}));
+    }
+    EXPECT_EQ(offeredByBash("tal-iec61850 streams --sort ''"),
+              (Words{"identity", "source", "destination", "appid", "name", "packets", "rate",
+                     "first", "last"}));
+}
+
 TEST(BashCompletion, OffersNothingForAValueOfTheUsers) {
     EXPECT_EQ(offeredByBash("tal-iec61850 show --appid ''"), Words{""});
 }

@@ -18,9 +18,10 @@ using namespace TalTest;
 /// A program with one command.
 ProgramDescription describedProgram() {
     CLI::App program("A text.", "tal-iec61850");
+    ProgramDefinition definition{.parser = program, .commands = {}};
     Action chosen;
-    addStreamsCommand(program, chosen);
-    return describe(program);
+    addStreamsCommand(definition, chosen);
+    return describe(definition);
 }
 
 OptionDescription const& optionOf(CommandDescription const& command, std::string const& name) {

@@ -84,6 +84,49 @@ TEST(Output, ThatCannotBeMadeSaysWhyAndWhere) {
     EXPECT_THROW(Output{folder.path()}, OutputError);
 }
 
+std::string failureOf(Output& output) {
+    try {
+        output.finish();
+    } catch (OutputError const& error) {
+        return error.target() + ": " + error.code().message();
+    }
+    return "none";
+}
+
+TEST(Output, WhoseFolderIsGoneWhenItIsFinishedSaysSo) {
+    TempDir const folder;
+    fs::create_directory(folder.file("sub"));
+    Output output(folder.file("sub/out"));
+    output.write("x");
+    fs::remove_all(folder.file("sub"));
+    EXPECT_EQ(failureOf(output), folder.file("sub/out") + ": No such file or directory");
+}
+
+TEST(Output, WhoseNameIsAFolderByNowSaysSoAndLeavesNothing) {
+    TempDir const folder;
+    {
+        Output output(folder.file("out"));
+        output.write("x");
+        fs::create_directory(folder.file("out"));
+        EXPECT_EQ(failureOf(output), folder.file("out") + ": Is a directory");
+    }
+    EXPECT_EQ(entriesOf(folder), std::set<std::string>{"out"});
+    EXPECT_TRUE(fs::is_empty(folder.file("out")));
+}
+
+TEST(Output, ByLinksThatLeadToEachOtherCannotBeMade) {
+    TempDir const folder;
+    fs::create_symlink("b", folder.file("a"));
+    fs::create_symlink("a", folder.file("b"));
+    try {
+        Output const output(folder.file("a"));
+        FAIL();
+    } catch (OutputError const& error) {
+        EXPECT_EQ(error.code().value(), ELOOP);
+    }
+    EXPECT_EQ(entriesOf(folder), (std::set<std::string>{"a", "b"}));
+}
+
 TEST(Output, OnAFullDeviceFailsAtTheLatestWhenItIsFinished) {
     Output output("/dev/full");
     EXPECT_THROW(

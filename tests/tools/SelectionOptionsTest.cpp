@@ -5,7 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "tools/commands/SelectionOptions.hpp"
+#include "tools/options/SelectionOptions.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -22,8 +22,10 @@ struct Asked {
 Asked ask(Arguments arguments) {
     Asked asked;
     CLI::App app;
-    addCriteriaOptions(app, asked.criteria);
-    addWindowOptions(app, asked.window);
+    CommandDefinition command{
+        .parser = &app, .notes = {}, .examples = {}, .readsCaptures = false, .choices = {}};
+    addCriteriaOptions(command, asked.criteria);
+    addWindowOptions(command, asked.window);
     std::reverse(arguments.begin(), arguments.end());
     app.parse(std::move(arguments));
     return asked;

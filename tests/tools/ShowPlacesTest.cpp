@@ -10,7 +10,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
-#include "tools/commands/PacketLocator.hpp"
+#include "tools/options/PacketLocator.hpp"
 
 namespace TalTest {
 namespace {

@@ -67,7 +67,7 @@ std::vector<std::string> linesOf(Db const& db) {
     std::vector<std::string> lines;
     for (StreamRow const& row : collectRows(db)) {
         auto const vlan = row.vlan.value_or(VlanInfo{});
-        lines.push_back(streamLayout().toFields(row).dump() +
+        lines.push_back(toFields(streamLayout(), row).dump() +
                         std::to_string(vlan.priority.value_or(0)));
     }
     return lines;

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "tools/selection/TimeWindow.hpp"
+#include "tools/options/TimeBound.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <functional>
 
-#include "tools/commands/ExitStatus.hpp"
+#include "tools/options/ExitStatus.hpp"
 
 namespace TalIec61850Tools {
 
-/// What a command line asks for, once it has been understood; empty before.
+/// The command that the command line asks for; empty until it has been parsed.
 using Action = std::function<ExitStatus()>;
 
 }  // namespace TalIec61850Tools

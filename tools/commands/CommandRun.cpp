@@ -11,8 +11,9 @@
 #include <future>
 #include <set>
 
-#include "tools/commands/UsageError.hpp"
-#include "tools/output/Messages.hpp"
+#include "tools/commands/NumberCaptures.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/Complain.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/CaptureText.hpp"
@@ -25,7 +26,7 @@ using TalIec61850Parser::PcapParser;
 
 namespace {
 
-/// What was given to be read, be it a capture or not, is not to be written over.
+/// Files that were given to be read, captures or not, are not overwritten.
 void refuseToOverwrite(std::string const& path, std::set<FileIdentity> const& files) {
     struct stat status {};
     bool const isFile = ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
@@ -43,13 +44,13 @@ std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
     return total;
 }
 
-/// Adds one file to the store. Its record headers are walked at the same time: the file is in the
-/// page cache then, and the library says nothing of damage.
+/// Adds one file to the store. Its record headers are walked at the same time, for damage that the
+/// library does not report: the file is in the page cache then.
 CaptureSurvey indexCapture(CaptureSource const& capture, Filter const& filter,
                            TalIec61850Parser::Db& db, ProgressBar& bar) {
     auto survey = std::async(TalIec61850Analysis::surveyCapture, capture.path);
     std::atomic<bool> const neverStop = false;
-    // Without somebody to see it, no progress is asked for: that is faster.
+    // Indexing is faster without progress calls.
     std::function<void(double)> progress;
     bar.startFile(capture.name, capture.size);
     if (bar.isShown()) {
@@ -78,9 +79,9 @@ std::optional<std::size_t> CommandRun::captureCalled(std::string const& argument
 
 CaptureIndex CommandRun::index(Filter const& filter) {
     CaptureIndex index;
+    index.numbers = numberCaptures(captures());
     ProgressBar bar = progressBar();
     for (auto const& capture : captures()) {
-        index.numbers.emplace(capture.path, static_cast<std::uint32_t>(index.numbers.size()));
         CaptureSurvey const survey = indexCapture(capture, filter, index.db, bar);
         if (survey.start) {
             index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "tools/commands/CommonOptions.hpp"
-#include "tools/commands/ExitStatus.hpp"
 #include "tools/input/CaptureFinder.hpp"
+#include "tools/options/CommonOptions.hpp"
+#include "tools/options/ExitStatus.hpp"
 #include "tools/output/Output.hpp"
 #include "tools/output/ProgressBar.hpp"
 #include "tools/output/TextSink.hpp"
@@ -15,17 +15,18 @@
 
 namespace TalIec61850Tools {
 
-/// What the captures of a command hold.
+/// The index of all captures of a command.
 struct CaptureIndex {
     TalIec61850Parser::Db db;
-    /// The number of each capture, as CommandRun::captures() counts them.
+    /// The number of each capture: its index in CommandRun::captures().
     CaptureNumbers numbers;
     /// The earliest first record of all captures.
     std::optional<CaptureTime> begin;
 };
 
-/// What every command does around its own work: finds the captures, complains of what cannot be
-/// used and remembers that, indexes, shows progress, and opens and finishes the output.
+/// The part that all commands that read captures have in common: finds the captures, reports those
+/// that cannot be used (the exit status shows it), indexes, shows progress, and opens and finishes
+/// the output.
 class CommandRun {
 public:
     /// Follows the FILE arguments and opens the output.
@@ -36,16 +37,17 @@ public:
 
     [[nodiscard]] std::vector<CaptureSource> const& captures() const { return found_.captures; }
 
-    /// Which of the captures a FILE argument led to; none for a folder, or where it led to nothing.
+    /// The number of the capture that a FILE argument led to; none for a folder, and if it led to
+    /// no capture.
     [[nodiscard]] std::optional<std::size_t> captureCalled(std::string const& argument) const;
 
     /// Indexes the captures, one after the other.
     [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
 
-    /// A bar for the reading of all captures, that shows itself only where somebody sees it.
+    /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;
 
-    /// Says that something about a capture is not as it should be; the status shows it.
+    /// Reports a fault of a capture on standard error; the exit status shows it.
     void complainOf(std::string const& captureName, std::string const& fault);
 
     /// A writer of rows into the output.

@@ -23,7 +23,7 @@ std::optional<Protocol> protocolOf(FrameHeader const& header) {
     return header.isSv() ? std::optional(Protocol::sv) : std::nullopt;
 }
 
-/// The network of a PRP trailer, by the octets that the library looks at, whatever they belong to.
+/// The network of a PRP trailer, by the octets that the library reads, even if they are none.
 std::optional<char> prpLanOf(std::vector<std::uint8_t> const& frame) {
     constexpr std::size_t shortest = 18;
     std::size_t const size = frame.size();
@@ -60,7 +60,7 @@ bool passesLinkLayer(Protocol protocol, EthernetHeader const& header, Filter con
     return EthernetParser::_checkEthernetFilters(sv, filter.svFilters, header);
 }
 
-/// What the library answers for a wanted frame; the opposite for one that its PDU rejects.
+/// The library's answer for a wanted frame; it is the opposite for one that its PDU rejects.
 constexpr bool wantedAnswer(Protocol protocol) { return protocol == Protocol::goose; }
 
 constexpr bool answerTo(Protocol protocol, Verdict verdict) {

@@ -10,7 +10,7 @@
 
 namespace TalIec61850Tools {
 
-/// What becomes of a frame on the library's road for single frames.
+/// The result of the library's operation on single frames, and its reason.
 enum class Verdict : std::uint8_t {
     wanted,
     rejectedByLinkLayer,  ///< by address, VLAN, HSR or PRP
@@ -24,7 +24,7 @@ struct FrameVerdict {
     /// Not set for other protocols.
     std::optional<Protocol> protocol;
     Verdict verdict = Verdict::otherProtocol;
-    /// What EthernetParser::parsePacketSimple says, which differs between the protocols.
+    /// The result of EthernetParser::parsePacketSimple. Its meaning differs between the protocols.
     bool answer = false;
 
     // clang-tidy 14 takes the 0 that a rewritten < compares with for a null pointer.
@@ -36,7 +36,7 @@ struct FrameVerdict {
 [[nodiscard]] std::string_view toText(Verdict verdict);
 
 /// Judges a frame in memory.
-/// @param frame  from the destination address on
+/// @param frame  starts with the destination address
 [[nodiscard]] FrameVerdict judgeFrame(std::vector<std::uint8_t> const& frame,
                                       TalIec61850Parser::Filter const& filter);
 

@@ -29,22 +29,21 @@ std::string completionFor(std::string const& shell, ProgramDescription const& pr
 
 }  // namespace
 
-void addHelpCommands(CLI::App& program, Action& chosen) {
+void addHelpCommands(ProgramDefinition& program, Action& chosen) {
     auto const shell = std::make_shared<std::string>();
-    CLI::App& completion = *program.add_subcommand(
-        "completion", "Print a script that has a shell complete command lines.");
-    completion.add_option("SHELL", *shell, "bash, zsh or fish")
-        ->required()
-        ->check(CLI::IsMember({"bash", "zsh", "fish"}))
-        ->option_text(" ");
-    completion.footer("Example:\n  source <(tal-iec61850 completion bash)");
-    completion.callback([&program, &chosen, shell] {
+    CommandDefinition& completion = addCommand(
+        program, "completion", "Print a script that has a shell complete command lines.");
+    CLI::Option& name = *completion.parser->add_option("SHELL", *shell, "bash, zsh or fish");
+    name.required()->option_text(" ");
+    allowOnly(completion, name, {"bash", "zsh", "fish"});
+    completion.examples = {"source <(tal-iec61850 completion bash)"};
+    completion.parser->callback([&program, &chosen, shell] {
         chosen = [&program, shell] { return print(completionFor(*shell, describe(program))); };
     });
 
-    CLI::App& manual = *program.add_subcommand("manual", "Print the manual page.");
-    manual.footer("Example:\n  tal-iec61850 manual | man -l -");
-    manual.callback([&program, &chosen] {
+    CommandDefinition& manual = addCommand(program, "manual", "Print the manual page.");
+    manual.examples = {"tal-iec61850 manual | man -l -"};
+    manual.parser->callback([&program, &chosen] {
         chosen = [&program] {
             return print(manualPage(describe(program), TALIEC61850PARSER_VERSION));
         };

@@ -1,16 +1,13 @@
 #pragma once
 
 #include "tools/commands/Action.hpp"
-
-namespace CLI {
-class App;
-}
+#include "tools/options/CommandDefinition.hpp"
 
 namespace TalIec61850Tools {
 
 /// Adds the subcommands that print completions for a shell and the manual page.
-/// @param program  must have all its commands when the chosen one is run, and outlive that
+/// @param program  must have all its commands when the chosen one runs, and outlive that
 /// @param chosen   set while the command line is parsed, if it asks for one of them
-void addHelpCommands(CLI::App& program, Action& chosen);
+void addHelpCommands(ProgramDefinition& program, Action& chosen);
 
 }  // namespace TalIec61850Tools

@@ -10,8 +10,10 @@
 #include <system_error>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/commands/SelectionOptions.hpp"
 #include "tools/commands/VerdictLayout.hpp"
+#include "tools/help/FieldList.hpp"
+#include "tools/help/WrapText.hpp"
+#include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
 #include "tools/render/CaptureText.hpp"
 
@@ -22,9 +24,12 @@ using TalIec61850Parser::Filter;
 namespace {
 
 constexpr std::uint64_t kRecordsPerProgress = 1000;
+constexpr std::size_t kFieldColumns = 100;
 
+// Adjacent literals are one line of the help.
 constexpr char const* kNotes =
-    R"(Asks the library about each frame by itself, as EthernetParser::parsePacketSimple does: without an
+    "Asks the library about each frame by itself, as EthernetParser::parsePacketSimple does: "
+    R"(without an
 index, and without a file. Verdicts:
   wanted               meets the options on streams
   rejectedByLinkLayer  by address, VLAN, HSR or PRP
@@ -38,9 +43,18 @@ a frame without VLAN tag, HSR tag or PRP trailer is not asked for it; of several
 meet --svid. An option may be given several times, save --protocol and --simulation-element: one of
 its values must be met. A record that the file ends inside is not judged.
 
-The fields of json and csv: protocol, verdict, answer, frames, octets (captured); with --list time,
-timeNs (nanoseconds since 1970), file, recordPosition (octets), protocol, verdict, answer.
 )";
+
+std::string notes() {
+    auto const counts = listFields(fieldNames(verdictCountLayout()), {{"octets", "captured"}});
+    auto const frames =
+        listFields(fieldNames(judgedFrameLayout()),
+                   {{"timeNs", "nanoseconds since 1970"}, {"recordPosition", "octets"}});
+    return kNotes +
+           wrapText(fmt::format("The fields of json and csv: {}; with --list {}.", counts, frames),
+                    kFieldColumns) +
+           "\n";
+}
 
 using FrameTaker = std::function<void(JudgedFrame const&)>;
 
@@ -63,7 +77,7 @@ std::optional<std::string> judgeCapture(CaptureSource const& capture, Filter con
     return records.damage() ? std::optional(damageText(*records.damage())) : std::nullopt;
 }
 
-/// Judges all frames of all captures, and says what is wrong with these.
+/// Judges all frames of all captures, and reports damaged captures.
 void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take) {
     ProgressBar bar = run.progressBar();
     for (auto const& capture : run.captures()) {
@@ -106,15 +120,18 @@ std::string summaryOf(Counts const& counts, std::size_t captures) {
 
 }  // namespace
 
-void addJudgeCommand(CLI::App& program, Action& chosen) {
+void addJudgeCommand(ProgramDefinition& program, Action& chosen) {
     auto const options = std::make_shared<JudgeOptions>();
-    CLI::App& command = *program.add_subcommand(
-        "judge", "Count which frames the library's road for single frames accepts.");
+    CommandDefinition& command = addCommand(
+        program, "judge", "Count which frames the library's road for single frames accepts.");
     addCommonOptions(command, options->common);
-    command.add_flag("-l,--list", options->listsFrames, "One row for each frame, in their order");
+    command.parser->add_flag("-l,--list", options->listsFrames,
+                             "One row for each frame, in their order");
     addCriteriaOptions(command, options->criteria);
-    command.footer(makeHelpFooter(kNotes, {"judge --protocol goose --appid 0x0001 bay1.pcap"}));
-    command.callback([options, &chosen] { chosen = [options] { return runJudge(*options); }; });
+    command.notes = notes();
+    command.examples = {"tal-iec61850 judge --protocol goose --appid 0x0001 bay1.pcap"};
+    command.parser->callback(
+        [options, &chosen] { chosen = [options] { return runJudge(*options); }; });
 }
 
 ExitStatus runJudge(JudgeOptions const& options) {

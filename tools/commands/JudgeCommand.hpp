@@ -1,12 +1,8 @@
 #pragma once
 
 #include "tools/commands/Action.hpp"
-#include "tools/commands/CommonOptions.hpp"
+#include "tools/options/CommonOptions.hpp"
 #include "tools/selection/StreamCriteria.hpp"
-
-namespace CLI {
-class App;
-}
 
 namespace TalIec61850Tools {
 
@@ -20,10 +16,10 @@ struct JudgeOptions {
 
 /// Adds the subcommand to the program.
 /// @param chosen  set while the command line is parsed, if it asks for this subcommand
-void addJudgeCommand(CLI::App& program, Action& chosen);
+void addJudgeCommand(ProgramDefinition& program, Action& chosen);
 
-/// Judges every frame of the captures by itself and writes how often each verdict came, or the
-/// verdict on each.
+/// Judges every frame of the captures by itself and writes the number of frames of each verdict, or
+/// the verdict on each frame.
 /// @throws OutputError, UsageError  see CommandRun
 [[nodiscard]] ExitStatus runJudge(JudgeOptions const& options);
 

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "tools/inspect/PacketText.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/PacketJson.hpp"
@@ -13,18 +14,6 @@
 namespace TalIec61850Tools {
 
 namespace {
-
-Fields toFields(ShownPacket const& packet) {
-    Fields fields;
-    addPacketFields(packet.row, fields);
-    fields["recordPosition"] = packet.record.fileOffset;
-    fields["capturedOctets"] = packet.record.capturedSize;
-    fields["wireOctets"] = packet.record.originalSize;
-    fields["protocol"] = toText(packet.row.stream.protocol);
-    fields["goose"] = packet.goose ? toJson(*packet.goose) : Fields(nullptr);
-    fields["sv"] = packet.sv ? toJson(*packet.sv) : Fields(nullptr);
-    return fields;
-}
 
 std::string titleOf(ShownPacket const& packet) {
     return fmt::format("{} {} {}@{}{}", toUtcText(packet.row.time),
@@ -45,7 +34,7 @@ std::string recordLineOf(TalIec61850Analysis::CaptureRecord const& record) {
 PacketWriter::PacketWriter(CommandRun& run, Format format)
     : sink_(run.sink()), inColour_(run.inColour()) {
     if (format != Format::table) {
-        rows_.emplace(run.rowWriter(RowLayout<ShownPacket>{.toFields = toFields, .columns = {}}));
+        rows_.emplace(run.rowWriter(shownPacketLayout()));
     }
 }
 

@@ -6,22 +6,10 @@
 #include <optional>
 
 #include "tools/commands/CommandRun.hpp"
+#include "tools/commands/ShownPacketLayout.hpp"
 #include "tools/output/RowWriter.hpp"
-#include "tools/selection/PacketLayout.hpp"
 
 namespace TalIec61850Tools {
-
-using TalIec61850Analysis::GoosePacket;
-using TalIec61850Analysis::SvPacket;
-
-/// A packet in full, and the record that it came in.
-struct ShownPacket {
-    PacketRow row;
-    TalIec61850Analysis::CaptureRecord record;
-    /// That of the packet's protocol is set.
-    std::optional<GoosePacket> goose;
-    std::optional<SvPacket> sv;
-};
 
 /// Writes packets in full: a tree of lines for people, or rows.
 class PacketWriter {

@@ -9,17 +9,24 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/commands/PacketLocator.hpp"
 #include "tools/commands/PacketWriter.hpp"
-#include "tools/commands/SelectedFrames.hpp"
-#include "tools/commands/UsageError.hpp"
+#include "tools/commands/ShownPackets.hpp"
+#include "tools/commands/WantedPackets.hpp"
+#include "tools/help/FieldList.hpp"
+#include "tools/help/WrapText.hpp"
+#include "tools/options/PacketLocator.hpp"
+#include "tools/options/UsageError.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
 
+constexpr std::size_t kFieldColumns = 100;
+
+// Adjacent literals are one line of the help.
 constexpr char const* kNotes =
-    R"(Shows packets whole, as they stand in the file: all counters at their full width, time stamps with
+    "Shows packets whole, as they stand in the file: all counters at their full width, "
+    R"(time stamps with
 fraction and quality, data values typed and nested, qualities by name, each ASDU with its samples.
 What a frame does not hold whole is said in its faults; octets that make no value are shown as they
 are.
@@ -27,10 +34,18 @@ are.
 FILE is either a packet by its place, FILE@POSITION as `tal-iec61850 packets` lists it, or a file, a
 folder or -, of which the options select packets as they do there; one kind or the other for all.
 
-The fields of json and csv: time, timeNs (nanoseconds since 1970), file, position, place,
-recordPosition, capturedOctets, wireOctets, protocol, goose, sv. The last two hold the packet, one
-of them is null; csv has it as JSON in one cell.
 )";
+
+std::string notes() {
+    auto const fields =
+        listFields(fieldNames(shownPacketLayout()), {{"timeNs", "nanoseconds since 1970"}});
+    return kNotes +
+           wrapText("The fields of json and csv: " + fields +
+                        ". The last two hold the packet, one of them is null; csv has it as JSON "
+                        "in one cell.",
+                    kFieldColumns) +
+           "\n";
+}
 
 std::vector<PacketLocator> locatorsIn(std::vector<std::string> const& arguments) {
     std::vector<PacketLocator> locators;
@@ -71,18 +86,19 @@ void keepLocated(PacketSelection& selection, std::vector<PacketLocator> const& l
 
 }  // namespace
 
-void addShowCommand(CLI::App& program, Action& chosen) {
+void addShowCommand(ProgramDefinition& program, Action& chosen) {
     auto const options = std::make_shared<PacketOptions>();
-    CLI::App& command = *program.add_subcommand("show", "Show packets in full.");
+    CommandDefinition& command = addCommand(program, "show", "Show packets in full.");
     addCommonOptions(command, options->common,
                      "Packets as FILE@POSITION, or captures, folders of captures, - for standard "
                      "input");
     addPacketOptions(command, *options);
-    command.footer(makeHelpFooter(
-        kNotes,
-        {"show bay1.pcap@4711", "show --gocbref '*gcbTrip' --from +10s --to +10.5s bay1.pcap",
-         "show --format json --svid MU01 bay1.pcap | jq .sv.asdus"}));
-    command.callback([options, &chosen] { chosen = [options] { return runShow(*options); }; });
+    command.notes = notes();
+    command.examples = {"tal-iec61850 show bay1.pcap@4711",
+                        "tal-iec61850 show --gocbref '*gcbTrip' --from +10s --to +10.5s bay1.pcap",
+                        "tal-iec61850 show --format json --svid MU01 bay1.pcap | jq .sv.asdus"};
+    command.parser->callback(
+        [options, &chosen] { chosen = [options] { return runShow(*options); }; });
 }
 
 ExitStatus runShow(PacketOptions const& options) {
@@ -101,10 +117,10 @@ ExitStatus runShow(PacketOptions const& options) {
     if (!locators.empty()) {
         keepLocated(selection, locators, run);
     }
-    SelectedFrames frames(run, selection);
+    ShownPackets packets(run, selection);
     PacketWriter writer(run, common.format);
     for (SelectedPacket const& packet : selection.packets) {
-        if (auto const shown = frames.read(packet)) {
+        if (auto const shown = packets.read(packet)) {
             writer.write(*shown);
         }
     }

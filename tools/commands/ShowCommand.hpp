@@ -1,13 +1,13 @@
 #pragma once
 
 #include "tools/commands/Action.hpp"
-#include "tools/commands/PacketsCommand.hpp"
+#include "tools/options/PacketOptions.hpp"
 
 namespace TalIec61850Tools {
 
 /// Adds the subcommand to the program.
 /// @param chosen  set while the command line is parsed, if it asks for this subcommand
-void addShowCommand(CLI::App& program, Action& chosen);
+void addShowCommand(ProgramDefinition& program, Action& chosen);
 
 /// Indexes the captures and writes the wanted packets in full, in time order.
 /// @param options  its FILE arguments are files, or all of them FILE@POSITION

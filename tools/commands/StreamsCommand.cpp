@@ -7,13 +7,17 @@
 #include <memory>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/commands/SelectionOptions.hpp"
+#include "tools/help/FieldList.hpp"
+#include "tools/help/WrapText.hpp"
+#include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
 #include "tools/selection/StreamLayout.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
+
+constexpr std::size_t kFieldColumns = 95;
 
 constexpr char const* kNotes = R"(What the columns mean:
   Identity    SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0 (bit 0 of the second
@@ -27,10 +31,13 @@ An option on streams may be given several times, save --protocol and --simulatio
 its values must be met. With --hsr and --prp, packets that came over the other lane or network are
 left out.
 
-The fields of json and csv: protocol, source, destination, vlanId, appId, hsrLane, prpLane,
-reserved1Bit0, svID, gocbRef, datSet, goID, confRev, simulationPresent, packets, files,
-firstTime, firstTimeNs, lastTime, lastTimeNs (nanoseconds since 1970), packetsPerSecond.
 )";
+
+std::string notes() {
+    auto const fields =
+        listFields(fieldNames(streamLayout()), {{"lastTimeNs", "nanoseconds since 1970"}});
+    return kNotes + wrapText("The fields of json and csv: " + fields + ".", kFieldColumns) + "\n";
+}
 
 std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) {
     std::uint64_t packets = 0;
@@ -55,22 +62,23 @@ std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) 
 
 }  // namespace
 
-void addStreamsCommand(CLI::App& program, Action& chosen) {
+void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
     auto const options = std::make_shared<StreamsOptions>();
-    CLI::App& command =
-        *program.add_subcommand("streams", "List the GOOSE and SV streams of captures.");
+    CommandDefinition& command =
+        addCommand(program, "streams", "List the GOOSE and SV streams of captures.");
+    CLI::App& parser = *command.parser;
     addCommonOptions(command, options->common);
-    command
-        .add_option("--sort", options->order.key,
-                    fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys(), ", ")))
-        ->check(CLI::IsMember(streamOrderKeys()))
-        ->option_text("KEY");
-    command.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
+    CLI::Option& sort = *parser.add_option(
+        "--sort", options->order.key,
+        fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys(), ", ")));
+    sort.option_text("KEY");
+    allowOnly(command, sort, streamOrderKeys());
+    parser.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
     addCriteriaOptions(command, options->criteria);
-    command.footer(
-        makeHelpFooter(kNotes, {"streams --format json bay1.pcap bay2.pcap",
-                                "streams --protocol sv --sort packets --reverse captures/"}));
-    command.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
+    command.notes = notes();
+    command.examples = {"tal-iec61850 streams --format json bay1.pcap bay2.pcap",
+                        "tal-iec61850 streams --protocol sv --sort packets --reverse captures/"};
+    parser.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
 }
 
 ExitStatus runStreams(StreamsOptions const& options) {

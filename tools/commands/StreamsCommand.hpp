@@ -1,13 +1,9 @@
 #pragma once
 
 #include "tools/commands/Action.hpp"
-#include "tools/commands/CommonOptions.hpp"
+#include "tools/options/CommonOptions.hpp"
 #include "tools/selection/StreamCriteria.hpp"
 #include "tools/selection/StreamOrder.hpp"
-
-namespace CLI {
-class App;
-}
 
 namespace TalIec61850Tools {
 
@@ -20,7 +16,7 @@ struct StreamsOptions {
 
 /// Adds the subcommand to the program.
 /// @param chosen  set while the command line is parsed, if it asks for this subcommand
-void addStreamsCommand(CLI::App& program, Action& chosen);
+void addStreamsCommand(ProgramDefinition& program, Action& chosen);
 
 /// Indexes the captures and writes one row per wanted stream, then a summary.
 /// @throws OutputError, UsageError  see CommandRun

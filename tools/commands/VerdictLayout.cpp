@@ -19,14 +19,6 @@ std::string protocolText(std::optional<Protocol> protocol) {
 
 std::string answerText(FrameVerdict const& verdict) { return verdict.answer ? "true" : "false"; }
 
-Fields countFields(VerdictCount const& row) {
-    return {{"protocol", protocolText(row.verdict.protocol)},
-            {"verdict", toText(row.verdict.verdict)},
-            {"answer", row.verdict.answer},
-            {"frames", row.frames},
-            {"octets", row.octets}};
-}
-
 constexpr std::array kCountColumns = {
     Column<VerdictCount>{{"PROTO"}, [](auto const& r) { return protocolText(r.verdict.protocol); }},
     Column<VerdictCount>{{"VERDICT"},
@@ -37,16 +29,6 @@ constexpr std::array kCountColumns = {
     Column<VerdictCount>{{"OCTETS", Align::right},
                          [](auto const& r) { return fmt::to_string(r.octets); }},
 };
-
-Fields frameFields(JudgedFrame const& row) {
-    return {{"time", toUtcText(row.record.time)},
-            {"timeNs", nanosecondsSince1970(row.record.time)},
-            {"file", row.file},
-            {"recordPosition", row.record.fileOffset},
-            {"protocol", protocolText(row.verdict.protocol)},
-            {"verdict", toText(row.verdict.verdict)},
-            {"answer", row.verdict.answer}};
-}
 
 constexpr std::array kFrameColumns = {
     Column<JudgedFrame>{{"TIME"}, [](auto const& r) { return toUtcText(r.record.time); }},
@@ -62,11 +44,25 @@ constexpr std::array kFrameColumns = {
 }  // namespace
 
 RowLayout<VerdictCount> verdictCountLayout() {
-    return {.toFields = countFields, .columns = kCountColumns};
+    using Row = VerdictCount const&;
+    return {.fields = {{"protocol", [](Row r) { return protocolText(r.verdict.protocol); }},
+                       {"verdict", [](Row r) { return toText(r.verdict.verdict); }},
+                       {"answer", [](Row r) { return r.verdict.answer; }},
+                       {"frames", [](Row r) { return r.frames; }},
+                       {"octets", [](Row r) { return r.octets; }}},
+            .columns = kCountColumns};
 }
 
 RowLayout<JudgedFrame> judgedFrameLayout() {
-    return {.toFields = frameFields, .columns = kFrameColumns};
+    using Row = JudgedFrame const&;
+    return {.fields = {{"time", [](Row r) { return toUtcText(r.record.time); }},
+                       {"timeNs", [](Row r) { return nanosecondsSince1970(r.record.time); }},
+                       {"file", [](Row r) { return r.file; }},
+                       {"recordPosition", [](Row r) { return r.record.fileOffset; }},
+                       {"protocol", [](Row r) { return protocolText(r.verdict.protocol); }},
+                       {"verdict", [](Row r) { return toText(r.verdict.verdict); }},
+                       {"answer", [](Row r) { return r.verdict.answer; }}},
+            .columns = kFrameColumns};
 }
 
 }  // namespace TalIec61850Tools

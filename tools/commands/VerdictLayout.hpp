@@ -25,10 +25,10 @@ struct JudgedFrame {
     TalIec61850Analysis::CaptureRecord record;
 };
 
-/// The fields protocol, verdict, answer, frames and octets.
+/// The rows of `judge`: one for each verdict.
 [[nodiscard]] RowLayout<VerdictCount> verdictCountLayout();
 
-/// The fields time, timeNs, file, recordPosition, protocol, verdict and answer.
+/// The rows of `judge --list`: one for each frame.
 [[nodiscard]] RowLayout<JudgedFrame> judgedFrameLayout();
 
 }  // namespace TalIec61850Tools

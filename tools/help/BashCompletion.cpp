@@ -43,7 +43,7 @@ std::vector<std::string> optionWords(std::vector<OptionDescription> const& optio
     return words;
 }
 
-/// What stands behind an option that takes a value.
+/// What is offered after an option that takes a value.
 std::string valueCase(std::string const& command, OptionDescription const& option) {
     std::string names = fmt::format("{}:--{}", command, option.longName);
     if (!option.shortName.empty()) {
@@ -55,7 +55,7 @@ std::string valueCase(std::string const& command, OptionDescription const& optio
     return fmt::format("        {}) {} ;;\n", names, action);
 }
 
-/// What stands anywhere else behind a command.
+/// What is offered anywhere else after a command.
 std::string commandCase(CommandDescription const& command) {
     std::string const arguments =
         command.argumentName == "FILE"

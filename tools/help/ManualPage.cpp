@@ -2,28 +2,24 @@
 
 #include <fmt/format.h>
 
+#include "tools/help/WrapText.hpp"
+#include "tools/options/ExitStatus.hpp"
+
 namespace TalIec61850Tools {
 
 namespace {
 
-constexpr char const* kEnd = R"(.SH OUTPUT
+constexpr std::size_t kStatusColumns = 102;
+
+constexpr char const* kOutput = R"(.SH OUTPUT
 .I json
 writes one object per line,
 .I csv
 one line per row below a line of names. Table and csv show control characters in names as \en,
 \ex1b and the like, a backslash as \e\e.
-.SH EXIT STATUS
-.TP
-.B 0
-All is well.
-.TP
-.B 1
-Wrong usage: the command line makes no sense, and nothing was done.
-.TP
-.B 2
-A file is damaged, could not be read or was not found, a packet that was named is not there, or output
-could not be written; that is said on standard error, and the rest was done all the same.
-.SH ENVIRONMENT
+)";
+
+constexpr char const* kEnvironment = R"(.SH ENVIRONMENT
 .TP
 .B NO_COLOR
 When set and not empty, forbids bold headings, unless
@@ -91,9 +87,18 @@ std::string optionParagraphs(std::vector<OptionDescription> const& options) {
     return text;
 }
 
-/// Lines as they stand.
+/// Lines that are not wrapped.
 std::string verbatim(std::string_view lines) {
     return fmt::format(".PP\n.nf\n{}\n.fi\n", escaped(lines));
+}
+
+std::string exitStatusSection() {
+    std::string section = ".SH EXIT STATUS\n";
+    for (ExitStatusText const& status : exitStatusTexts()) {
+        section += fmt::format(".TP\n.B {}\n{}\n", static_cast<int>(status.status),
+                               escaped(wrapText(status.full, kStatusColumns)));
+    }
+    return section;
 }
 
 std::string commandSection(CommandDescription const& command) {
@@ -127,7 +132,8 @@ std::string manualPage(ProgramDescription const& program, std::string_view versi
             examples += (examples.empty() ? "" : "\n") + example;
         }
     }
-    return page + kEnd + ".SH EXAMPLES\n" + verbatim(examples);
+    page += kOutput + exitStatusSection() + kEnvironment;
+    return page + ".SH EXAMPLES\n" + verbatim(examples);
 }
 
 }  // namespace TalIec61850Tools

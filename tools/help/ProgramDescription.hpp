@@ -3,20 +3,18 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
+#include "tools/options/CommandDefinition.hpp"
 
 namespace TalIec61850Tools {
 
 /// An option of the program or of a command.
 struct OptionDescription {
-    /// Without its dashes; empty where it has none.
+    /// Without its dashes; empty if it has none.
     std::string shortName;
     std::string longName;
-    /// What stands for its value; empty where it takes none.
+    /// The name of its value; empty if it takes none.
     std::string valueName;
-    /// The values that it may have; empty where any may be.
+    /// The values that it may have; empty if any value is allowed.
     std::vector<std::string> choices;
     std::string text;
 };
@@ -26,16 +24,16 @@ struct CommandDescription {
     std::string name;
     std::string text;
     std::vector<OptionDescription> options;
-    /// The name of its arguments, and what they are; empty where it takes none.
+    /// The name of its arguments, and what they are; empty if it takes none.
     std::string argumentName;
     std::string argumentText;
     std::vector<std::string> argumentChoices;
-    /// What its help says below the options: its own notes, and whole command lines.
+    /// What its help has after the options: its own notes, and whole command lines.
     std::string notes;
     std::vector<std::string> examples;
 };
 
-/// All that help, manual page and completions say of the program.
+/// What manual page and completions are made of.
 struct ProgramDescription {
     std::string name;
     std::string text;
@@ -43,7 +41,8 @@ struct ProgramDescription {
     std::vector<CommandDescription> commands;
 };
 
-/// Asks the command line parser, so that what it takes is said once.
-[[nodiscard]] ProgramDescription describe(CLI::App const& program);
+/// Describes the program by its parser and its definition, so that nothing is written twice.
+/// @param program  has all its commands
+[[nodiscard]] ProgramDescription describe(ProgramDefinition const& program);
 
 }  // namespace TalIec61850Tools

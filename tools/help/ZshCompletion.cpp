@@ -36,7 +36,7 @@ std::string quoted(std::string const& text) {
     return result;
 }
 
-/// How _arguments is told of what stands behind an option.
+/// The value of an option, as _arguments reads it.
 std::string valueOf(OptionDescription const& option) {
     if (option.valueName.empty()) {
         return {};

@@ -30,7 +30,7 @@ std::string toCell(Fields const& field) {
     if (field.is_string()) {
         return quoteIfNeeded(escapeText(field.get_ref<std::string const&>()));
     }
-    // Most cells, and much faster so.
+    // Most cells; much faster than by JSON.
     if (field.is_number_unsigned()) {
         return fmt::to_string(field.get<std::uint64_t>());
     }
@@ -39,18 +39,10 @@ std::string toCell(Fields const& field) {
     return quoteIfNeeded(json);
 }
 
-std::string joinCells(std::vector<std::string> const& cells) {
-    return fmt::format("{}\n", fmt::join(cells, ","));
-}
-
 }  // namespace
 
-std::string toCsvHeading(Fields const& anyRow) {
-    std::vector<std::string> cells;
-    for (auto const& field : anyRow.items()) {
-        cells.push_back(field.key());
-    }
-    return joinCells(cells);
+std::string toCsvHeading(std::vector<std::string_view> const& names) {
+    return fmt::format("{}\n", fmt::join(names, ","));
 }
 
 std::string toCsvLine(Fields const& fields) {
@@ -58,7 +50,7 @@ std::string toCsvLine(Fields const& fields) {
     for (auto const& field : fields) {
         cells.push_back(toCell(field));
     }
-    return joinCells(cells);
+    return fmt::format("{}\n", fmt::join(cells, ","));
 }
 
 }  // namespace TalIec61850Tools

@@ -6,8 +6,8 @@
 
 namespace TalIec61850Tools {
 
-/// One JSON object and its line end. Names are not altered, save that octets which are no UTF-8
-/// become U+FFFD. The text itself is ASCII.
+/// One JSON object and its line end, in ASCII. Names are not altered, except that octets that are
+/// no UTF-8 become U+FFFD.
 [[nodiscard]] std::string toJsonLine(Fields const& fields);
 
 }  // namespace TalIec61850Tools

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <utility>
 
 #include "tools/output/TextEscape.hpp"
 
@@ -18,15 +19,15 @@ namespace fs = std::filesystem;
 constexpr mode_t kAnybody = 0666;
 constexpr mode_t kPermissions = 07777;
 
-/// What a new file may be for: everything but what the user's mask forbids.
+/// The permissions of a new file: all but those that the user's mask forbids.
 mode_t newFileMode() {
     mode_t const mask = ::umask(0);
     ::umask(mask);
     return kAnybody & ~mask;
 }
 
-/// Where a link leads to, be there a file or not, so that the link stays; the path itself where it
-/// is none; nothing where links lead to each other.
+/// The target of a link, which need not exist, so that the link stays; the path itself if it is no
+/// link; empty if links lead to each other.
 fs::path followLinks(fs::path path) {
     constexpr int mostLinks = 40;  // as many as the kernel follows
     for (int link = 0; link < mostLinks; ++link) {
@@ -74,7 +75,7 @@ void Output::openUnfinished(mode_t mode) {
     if (descriptor < 0) {
         fail();
     }
-    unfinished_.emplace(path);
+    unfinished_.emplace(std::move(path));
     bool const hasMode = ::fchmod(descriptor, mode) == 0;
     file_.reset(hasMode ? ::fdopen(descriptor, "w") : nullptr);
     stream_ = file_.get();

@@ -13,9 +13,9 @@
 
 namespace TalIec61850Tools {
 
-/// Where a command's output goes: standard output, or a file. A file is written under a temporary
-/// name beside it and takes its own name when all is there, so that nobody ever finds half of it;
-/// a device or a pipe is written to as it is.
+/// The output of a command: standard output, or a file. A file is written under a temporary name in
+/// the same folder and takes its own name when it is complete, so that it never exists in part. A
+/// device or a pipe is written directly.
 class Output {
 public:
     /// Standard output.
@@ -28,11 +28,10 @@ public:
     /// Removes a file that is not finished.
     ~Output();
 
-    /// @throws OutputError  it is closed, full, or nobody reads it any more
+    /// @throws OutputError  it is closed, full, or a pipe without a reader
     void write(std::string_view text);
 
-    /// Hands on what is held back, and gives a file its name. To be called once, behind the last
-    /// piece.
+    /// Flushes the output and gives a file its name. To be called once, after the last piece.
     /// @throws OutputError  as write
     void finish();
 
@@ -48,9 +47,9 @@ private:
 
     std::FILE* stream_ = stdout;
     std::unique_ptr<std::FILE, CloseFile> file_;
-    /// What complaints call it.
+    /// Its name in messages.
     std::string name_ = "standard output";
-    /// Where the file is to be in the end.
+    /// The path of the complete file.
     std::string path_;
     std::optional<UnfinishedFile> unfinished_;
 };

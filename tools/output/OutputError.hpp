@@ -6,10 +6,10 @@
 
 namespace TalIec61850Tools {
 
-/// Standard output or a file did not take what was written; the code says why.
+/// Standard output or a file could not be written; the code says why.
 class OutputError : public std::system_error {
 public:
-    /// @param target  what was written to, safe for a terminal
+    /// @param target  the file or stream, safe for a terminal
     OutputError(std::string target, int error)
         : std::system_error(error, std::generic_category()), target_(std::move(target)) {}
 

@@ -9,7 +9,7 @@
 namespace TalIec61850Tools {
 
 /// "1 file", "2 files".
-/// @param noun  of something single
+/// @param noun  in the singular
 [[nodiscard]] inline std::string plural(std::uint64_t count, std::string_view noun) {
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }

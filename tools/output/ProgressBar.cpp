@@ -21,7 +21,7 @@ constexpr std::size_t kBarTailColumns = kBarColumns + 3 + kPercentColumns;  // "
 constexpr std::size_t kColumnsForBar = 2 * kBarTailColumns;
 constexpr std::size_t kUnknownColumns = 80;
 constexpr std::chrono::duration<double> kFirstMoment{0.1};
-/// Beyond, the time left says nothing that anybody would wait for.
+/// A longer time left is not shown.
 constexpr double kLongestTimeLeft = 99.0 * 3600.0;
 
 int toPercent(double fraction) { return static_cast<int>(fraction * 100.0); }
@@ -40,7 +40,7 @@ std::string clockText(std::chrono::seconds time) {
                      : fmt::format("{}:{:02}", minutes, clock.seconds().count());
 }
 
-/// " 512.0 MB/s, 0:07 left", as far as it is known.
+/// " 512.0 MB/s, 0:07 left"; each part only if it is known.
 std::string speedText(Progress const& progress) {
     std::string text;
     if (auto const rate = progress.rate()) {

@@ -12,7 +12,7 @@ namespace TalIec61850Tools {
 /// How far the reading of all files has come.
 struct Progress {
     std::uint64_t doneOctets = 0;
-    /// Of all files together; 0 when nobody knows.
+    /// Of all files together; 0 if that is not known.
     std::uint64_t totalOctets = 0;
     std::chrono::duration<double> elapsed{};
 
@@ -20,22 +20,22 @@ struct Progress {
     [[nodiscard]] double fraction() const;
     /// Octets per second so far; none in the first moment.
     [[nodiscard]] std::optional<double> rate() const;
-    /// What is left to do at that rate.
+    /// The time that the rest takes at that rate.
     [[nodiscard]] std::optional<std::chrono::seconds> timeLeft() const;
 };
 
-/// One line that shows how far the files have been read: the name of the present one, a bar, a
+/// One line that shows how far the files have been read: the name of the current one, a bar, a
 /// percentage, the rate, the time left.
-/// @param escapedName  as escapeText gave it; what is too long loses its beginning
+/// @param escapedName  a result of escapeText; a long one loses its start
 /// @param columns      of the terminal; the line takes fewer, so that it does not wrap
 [[nodiscard]] std::string progressLine(std::string_view escapedName, Progress const& progress,
                                        std::size_t columns);
 
-/// Shows on standard error how far the files have been read, and leaves nothing behind.
+/// Shows on standard error how far the files have been read, and erases the line at the end.
 class ProgressBar {
 public:
     /// @param totalOctets  of all files together
-    /// @param isShown      false for a bar that does nothing at all
+    /// @param isShown      false for a bar that does nothing
     ProgressBar(std::uint64_t totalOctets, bool isShown);
     ProgressBar(ProgressBar const&) = delete;
     ProgressBar& operator=(ProgressBar const&) = delete;
@@ -44,15 +44,15 @@ public:
 
     [[nodiscard]] bool isShown() const { return isShown_; }
 
-    /// Goes on with the next file.
-    /// @param fileName  as it was given; escaped here
+    /// Continues with the next file.
+    /// @param fileName  not escaped
     void startFile(std::string_view fileName, std::uint64_t octets);
 
-    /// Draws the line anew, when the percentage or the second has changed.
-    /// @param fraction  of the present file, 0 to 1
+    /// Draws the line again if the percentage or the second has changed.
+    /// @param fraction  of the current file, 0 to 1
     void show(double fraction);
 
-    /// Erases the line, so that something else can be said; the next `show` draws it again.
+    /// Erases the line, so that a message can be written; the next `show` draws it again.
     void erase();
 
 private:
@@ -69,7 +69,7 @@ private:
     std::optional<std::pair<int, std::int64_t>> drawn_;
 };
 
-/// Whether standard error is a terminal, so that there is somebody to see a bar.
+/// Whether standard error is a terminal, where a bar can be seen.
 [[nodiscard]] bool isErrorTerminal();
 
 }  // namespace TalIec61850Tools

@@ -14,7 +14,7 @@
 
 namespace TalIec61850Tools {
 
-/// What a command writes its rows as.
+/// The form in which a command writes its rows.
 enum class Format {
     table,  ///< for people
     json,   ///< one object per line
@@ -25,12 +25,11 @@ enum class Format {
 template <typename Row>
 class RowWriter {
 public:
-    /// @param layout    its columns must outlive the writer
-    /// @param inColour  a table's headings stand out
-    RowWriter(Format format, RowLayout<Row> const& layout, TextSink sink, bool inColour = false)
-        : format_(format), layout_(layout), sink_(std::move(sink)) {
+    /// @param inColour  bold headings in a table
+    RowWriter(Format format, RowLayout<Row> layout, TextSink sink, bool inColour = false)
+        : format_(format), layout_(std::move(layout)), sink_(std::move(sink)) {
         if (format_ == Format::csv) {
-            sink_(toCsvHeading(layout_.toFields(Row())));
+            sink_(toCsvHeading(fieldNames(layout_)));
         } else if (format_ == Format::table) {
             std::vector<Heading> headings;
             for (auto const& column : layout_.columns) {
@@ -48,12 +47,12 @@ public:
             }
             table_->add(std::move(cells));
         } else {
-            Fields const fields = layout_.toFields(row);
+            Fields const fields = toFields(layout_, row);
             sink_(format_ == Format::csv ? toCsvLine(fields) : toJsonLine(fields));
         }
     }
 
-    /// Writes what is held back. To be called once, behind the last row.
+    /// Writes the rows that are held back. To be called once, after the last row.
     void finish() {
         if (table_) {
             table_->finish();

@@ -6,12 +6,12 @@
 namespace TalIec61850Tools {
 
 /// The text in bold, for a terminal.
-/// @param inColour  false gives the text as it is
+/// @param inColour  false leaves the text unchanged
 [[nodiscard]] std::string emphasise(std::string_view text, bool inColour);
 
-/// Whether output is to have colours.
-/// @param wish        auto, always or never; auto asks the environment too: NO_COLOR, when not
-///                    empty, and a dumb terminal forbid them
+/// Whether output has colours.
+/// @param wish        auto, always or never; with auto, the environment forbids them by a NO_COLOR
+///                    that is not empty, and by a dumb terminal
 /// @param isTerminal  whether the output goes to one
 [[nodiscard]] bool wantsColour(std::string_view wish, bool isTerminal);
 

@@ -10,24 +10,24 @@
 
 namespace TalIec61850Tools {
 
-/// What stands in a cell for what a row does not have.
+/// The text of a cell for what a row does not have.
 inline constexpr std::string_view kAbsentCell = "-";
 
 /// Writes a table for people: a line of headings, then one line per row, columns aligned.
 ///
 /// The width of a column is that of its widest cell among the first rows (see kRowsForWidths); they
-/// are held back until then, and a wider cell behind them pushes the rest of its line.
+/// are held back until then, and a wider cell after them moves the rest of its line.
 class TableLines {
 public:
     static constexpr std::size_t kRowsForWidths = 10'000;
 
-    /// @param inColour  the headings stand out
+    /// @param inColour  bold headings
     TableLines(std::vector<Heading> headings, TextSink sink, bool inColour);
 
     /// @param cells  one for each heading, safe for a terminal
     void add(std::vector<std::string> cells);
 
-    /// Writes what is held back.
+    /// Writes the rows that are held back.
     void finish();
 
 private:

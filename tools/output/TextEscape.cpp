@@ -21,13 +21,13 @@ std::string_view lastCharacter(std::string_view text) {
     return text.substr(start);
 }
 
-/// What stays as it is, save that no character beyond ASCII is looked at closely.
+/// True only for characters that need no escape; false is inconclusive.
 bool isPlain(char character) { return character >= ' ' && character < 0x7F && character != '\\'; }
 
 }  // namespace
 
 std::string escapeText(std::string_view text) {
-    // Nearly every name: that saves most of the time that long lists take.
+    // Nearly every name is plain. This saves most of the time that long lists take.
     if (std::all_of(text.begin(), text.end(), isPlain)) {
         return std::string(text);
     }
@@ -53,18 +53,18 @@ std::size_t countColumns(std::string_view escaped) {
 std::string keepEnd(std::string_view escaped, std::size_t maxColumns) {
     constexpr std::string_view kLeftOut = "...";
     std::size_t columns = 0;
-    std::size_t kept = escaped.size();            // where what fits begins
-    std::size_t keptBehindDots = escaped.size();  // the same, with room for the dots
+    std::size_t kept = escaped.size();           // start of the part that fits
+    std::size_t keptAfterDots = escaped.size();  // the same, with room for the dots
     while (kept > 0) {
         auto const character = lastCharacter(escaped.substr(0, kept));
         columns += widestColumns(character);
         if (columns > maxColumns) {
             return std::string(kLeftOut.substr(0, maxColumns))
-                .append(escaped.substr(keptBehindDots));
+                .append(escaped.substr(keptAfterDots));
         }
         kept -= character.size();
         if (columns + kLeftOut.size() <= maxColumns) {
-            keptBehindDots = kept;
+            keptAfterDots = kept;
         }
     }
     return std::string(escaped);

@@ -6,17 +6,18 @@
 
 namespace TalIec61850Tools {
 
-/// Makes a text from outside (a name in a frame, a path) safe to show: control characters and
+/// Makes a text from outside (a name in a frame, a path) safe to show. Control characters and
 /// others that are not printed become \n, \t, \x1b, \u202e and the like, octets that are no UTF-8
-/// become \xff, a backslash is doubled. Anything else stays, so the result is valid UTF-8.
+/// become \xff, a backslash is doubled. The rest is kept, so the result is valid UTF-8.
 [[nodiscard]] std::string escapeText(std::string_view text);
 
-/// The columns that a text which `escapeText` gave takes on a terminal, one for each character.
+/// The columns of a text on a terminal, one for each character.
+/// @param escaped  a result of `escapeText`
 [[nodiscard]] std::size_t countColumns(std::string_view escaped);
 
-/// The last characters of a text that `escapeText` gave, "..." for what is left out. Characters
-/// beyond ASCII are taken to be two columns wide, so that the result never takes more.
-/// @param maxColumns  how many columns there are
+/// The last characters of a text, after "..." if some are left out. Characters beyond ASCII count
+/// as two columns, so that the result never takes more than `maxColumns`.
+/// @param escaped  a result of `escapeText`
 [[nodiscard]] std::string keepEnd(std::string_view escaped, std::size_t maxColumns);
 
 }  // namespace TalIec61850Tools

@@ -5,7 +5,7 @@
 
 namespace TalIec61850Tools {
 
-/// Takes an output piece by piece.
+/// Receives an output in pieces.
 using TextSink = std::function<void(std::string_view)>;
 
 }  // namespace TalIec61850Tools

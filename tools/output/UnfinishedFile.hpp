@@ -4,15 +4,15 @@
 
 namespace TalIec61850Tools {
 
-/// A file that is to be gone unless it is finished: also when a signal ends the program (interrupt,
-/// quit, terminate, hangup, broken pipe, a limit). There may be one at a time.
+/// A file that is removed unless it is finished, also when a signal ends the program (interrupt,
+/// quit, terminate, hangup, broken pipe, a limit), on any thread. There may be one at a time.
 class UnfinishedFile {
 public:
-    /// @param path  of a file that is there; too long a path is not guarded against signals
+    /// @param path  of an existing file
     explicit UnfinishedFile(std::string path);
     UnfinishedFile(UnfinishedFile const&) = delete;
     UnfinishedFile& operator=(UnfinishedFile const&) = delete;
-    /// Removes the file.
+    /// Removes the file unless it is finished.
     ~UnfinishedFile();
 
     /// Gives the file its name, under which it stays.

@@ -10,13 +10,6 @@ namespace TalIec61850Tools {
 
 namespace {
 
-Fields toFields(PacketRow const& row) {
-    Fields fields;
-    addPacketFields(row, fields);
-    addFields(row.stream, fields);
-    return fields;
-}
-
 using Row = PacketRow;
 
 // The place is the last one, so that it can be left out.
@@ -44,18 +37,22 @@ std::string_view toText(Place place) {
     }
 }
 
-void addPacketFields(PacketRow const& row, Fields& fields) {
-    fields["time"] = toUtcText(row.time);
-    fields["timeNs"] = nanosecondsSince1970(row.time);
-    fields["file"] = row.file;
-    fields["position"] = row.position;
-    fields["place"] = toText(row.place);
+std::vector<Field<PacketRow>> packetFields() {
+    return {{"time", [](Row const& r) { return toUtcText(r.time); }},
+            {"timeNs", [](Row const& r) { return nanosecondsSince1970(r.time); }},
+            {"file", [](Row const& r) { return r.file; }},
+            {"position", [](Row const& r) { return r.position; }},
+            {"place", [](Row const& r) { return toText(r.place); }}};
 }
 
 RowLayout<PacketRow> packetLayout(bool withPlace) {
     std::span<Column<PacketRow> const> const columns(kColumns);
-    return {.toFields = toFields,
-            .columns = withPlace ? columns : columns.first(columns.size() - 1)};
+    RowLayout<PacketRow> layout{.fields = packetFields(),
+                                .columns = withPlace ? columns : columns.first(columns.size() - 1)};
+    appendFields<PacketRow, StreamIdentity>(
+        layout.fields, streamFields(),
+        [](Row const& r) -> StreamIdentity const& { return r.stream; });
+    return layout;
 }
 
 }  // namespace TalIec61850Tools

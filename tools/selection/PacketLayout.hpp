@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/output/RowLayout.hpp"
 #include "tools/selection/PacketSelection.hpp"
@@ -22,14 +23,14 @@ struct PacketRow {
 /// inside, before or after.
 [[nodiscard]] std::string_view toText(Place place);
 
-/// Adds when and where a packet was captured.
+/// The fields for when and where a packet was captured.
 ///
 ///     time               text       capture time, UTC, 2023-11-14T22:13:20.123456789Z
 ///     timeNs             integer    the same in nanoseconds since 1970
 ///     file               text       the capture as it was given, - for standard input
 ///     position           integer    offset in the file, in octets, as `show` takes it
 ///     place              text       inside the window, or before or after it
-void addPacketFields(PacketRow const& row, Fields& fields);
+[[nodiscard]] std::vector<Field<PacketRow>> packetFields();
 
 /// How packets are written: those fields, then those of the stream (see StreamFields).
 /// @param withPlace  a table tells the place too

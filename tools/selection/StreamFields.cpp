@@ -18,21 +18,23 @@ Fields laneField(std::optional<Group> const& group) {
 
 std::string_view toText(Protocol protocol) { return protocol == Protocol::goose ? "GOOSE" : "SV"; }
 
-void addFields(StreamIdentity const& identity, Fields& fields) {
-    fields["protocol"] = toText(identity.protocol);
-    fields["source"] = optionalField(identity.source);
-    fields["destination"] = optionalField(identity.destination);
-    fields["vlanId"] = identity.vlan ? optionalField(identity.vlan->vlanId) : Fields(nullptr);
-    fields["appId"] = optionalField(identity.appId);
-    fields["hsrLane"] = laneField(identity.hsr);
-    fields["prpLane"] = laneField(identity.prp);
-    fields["reserved1Bit0"] = optionalField(identity.reserved1Bit0);
-    fields["svID"] = optionalField(identity.svID);
-    fields["gocbRef"] = optionalField(identity.gocbRef);
-    fields["datSet"] = optionalField(identity.datSet);
-    fields["goID"] = optionalField(identity.goID);
-    fields["confRev"] = optionalField(identity.confRev);
-    fields["simulationPresent"] = optionalField(identity.simulationPresent);
+std::vector<Field<StreamIdentity>> streamFields() {
+    using Stream = StreamIdentity const&;
+    return {{"protocol", [](Stream s) { return toText(s.protocol); }},
+            {"source", [](Stream s) { return optionalField(s.source); }},
+            {"destination", [](Stream s) { return optionalField(s.destination); }},
+            {"vlanId",
+             [](Stream s) { return s.vlan ? optionalField(s.vlan->vlanId) : Fields(nullptr); }},
+            {"appId", [](Stream s) { return optionalField(s.appId); }},
+            {"hsrLane", [](Stream s) { return laneField(s.hsr); }},
+            {"prpLane", [](Stream s) { return laneField(s.prp); }},
+            {"reserved1Bit0", [](Stream s) { return optionalField(s.reserved1Bit0); }},
+            {"svID", [](Stream s) { return optionalField(s.svID); }},
+            {"gocbRef", [](Stream s) { return optionalField(s.gocbRef); }},
+            {"datSet", [](Stream s) { return optionalField(s.datSet); }},
+            {"goID", [](Stream s) { return optionalField(s.goID); }},
+            {"confRev", [](Stream s) { return optionalField(s.confRev); }},
+            {"simulationPresent", [](Stream s) { return optionalField(s.simulationPresent); }}};
 }
 
 }  // namespace TalIec61850Tools

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "tools/output/RowLayout.hpp"
 #include "tools/selection/StreamIdentity.hpp"
@@ -10,7 +11,7 @@ namespace TalIec61850Tools {
 /// The protocol's name: GOOSE or SV.
 [[nodiscard]] std::string_view toText(Protocol protocol);
 
-/// Adds what tells a stream from others to the fields of a row. Names and order are stable; what a
+/// The fields for what tells a stream from others. Names and order are stable; what a
 /// stream lacks is null. The names are those of the index: printable text as it stands, anything
 /// else as octets such as [4D C3 A9 31].
 ///
@@ -28,6 +29,6 @@ namespace TalIec61850Tools {
 ///     goID               text       GOOSE
 ///     confRev            integer
 ///     simulationPresent  true/false GOOSE: frames carry the simulation element, true or false
-void addFields(StreamIdentity const& identity, Fields& fields);
+[[nodiscard]] std::vector<Field<StreamIdentity>> streamFields();
 
 }  // namespace TalIec61850Tools

@@ -18,19 +18,6 @@ Fields integerField(std::optional<CaptureTime> const& time) {
     return time ? Fields(nanosecondsSince1970(*time)) : Fields(nullptr);
 }
 
-Fields toFields(StreamRow const& row) {
-    Fields fields;
-    addFields(row, fields);
-    fields["packets"] = row.packets;
-    fields["files"] = row.files;
-    fields["firstTime"] = textField(row.firstTime);
-    fields["firstTimeNs"] = integerField(row.firstTime);
-    fields["lastTime"] = textField(row.lastTime);
-    fields["lastTimeNs"] = integerField(row.lastTime);
-    fields["packetsPerSecond"] = optionalField(row.packetsPerSecond());
-    return fields;
-}
-
 std::string simulationCell(StreamRow const& row) {
     if (!row.simulationPresent) {
         return std::string(kAbsentCell);
@@ -67,6 +54,20 @@ constexpr std::array kColumns = {
 
 }  // namespace
 
-RowLayout<StreamRow> streamLayout() { return {.toFields = toFields, .columns = kColumns}; }
+RowLayout<StreamRow> streamLayout() {
+    RowLayout<StreamRow> layout{.fields = {}, .columns = kColumns};
+    appendFields<StreamRow, StreamIdentity>(
+        layout.fields, streamFields(), [](Row const& r) -> StreamIdentity const& { return r; });
+    layout.fields.insert(
+        layout.fields.end(),
+        {{"packets", [](Row const& r) { return r.packets; }},
+         {"files", [](Row const& r) { return r.files; }},
+         {"firstTime", [](Row const& r) { return textField(r.firstTime); }},
+         {"firstTimeNs", [](Row const& r) { return integerField(r.firstTime); }},
+         {"lastTime", [](Row const& r) { return textField(r.lastTime); }},
+         {"lastTimeNs", [](Row const& r) { return integerField(r.lastTime); }},
+         {"packetsPerSecond", [](Row const& r) { return optionalField(r.packetsPerSecond()); }}});
+    return layout;
+}
 
 }  // namespace TalIec61850Tools

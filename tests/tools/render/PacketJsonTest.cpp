@@ -135,7 +135,8 @@ TEST(PacketJson, NamesTheKindOfEveryValue) {
 {"type":"octet-string","octets":"00ff"}
 {"type":"visible-string","value":"closed"}
 {"type":"binary-time","value":{"time":"00:00:00.001","milliseconds":1,"days":null}}
-{"type":"binary-time","value":{"time":"2024-01-31T23:59:59.999Z","milliseconds":86399999,"days":14640}}
+{"type":"binary-time","value":{"time":"2024-01-31T23:59:59.999Z",)"
+                   R"("milliseconds":86399999,"days":14640}}
 {"type":"bcd","value":18}
 {"type":"booleanArray","bits":"1010"}
 {"type":"objId","value":"1.3.6.1.524"}

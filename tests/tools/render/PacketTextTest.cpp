@@ -28,7 +28,9 @@ constexpr char const* treeOfGoose = R"(GOOSE
   timeAllowedtoLive: 2000
   datSet: RELAY1LD0/LLN0$dataSet1
   goID: RELAY1_gcb1
-  t: 2023-11-14T22:13:20.500000000Z (leapSecondsKnown, clockFailure, clockNotSynchronized, accuracy 10 bits)
+  t: 2023-11-14T22:13:20.500000000Z ()"
+                                    R"(leapSecondsKnown, clockFailure, clockNotSynchronized, )"
+                                    R"(accuracy 10 bits)
   stNum: 1
   sqNum: 0
   simulation: true
@@ -77,7 +79,9 @@ TEST(PacketText, IsATreeOfAnSvPacket) {
     smpSynch: 5 (clock 5)
     smpRate: 80
     seqData:
-      1: -1, quality: questionable, overflow, outOfRange, badReference, oscillatory, failure, oldData, inconsistent, inaccurate, substituted, test, operatorBlocked
+      1: -1, quality: questionable, overflow, outOfRange, badReference, oscillatory, )"
+                             R"(failure, oldData, inconsistent, inaccurate, substituted, test, )"
+                             R"(operatorBlocked
       2: 5, quality: good, derived
     smpMod: 1 (samplesPerSecond)
     gmIdentity: octets 0102030405060708

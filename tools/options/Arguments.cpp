@@ -1,10 +1,10 @@
-#include "tools/commands/Arguments.hpp"
+#include "tools/options/Arguments.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <string_view>
 
-#include "tools/commands/UsageError.hpp"
+#include "tools/options/UsageError.hpp"
 
 namespace TalIec61850Tools {
 
@@ -22,7 +22,7 @@ bool isPacketOfStandardInput(std::string_view argument) {
            argument.find_first_not_of("0123456789", 2) == std::string_view::npos;
 }
 
-/// The option that goes by a name in one of the commands, where they have it alike.
+/// The option of this name in any of the commands: options of one name are alike in all.
 CLI::Option const* findOption(CLI::App const& program, std::string const& name) {
     for (CLI::App const* command : program.get_subcommands(nullptr)) {
         if (CLI::Option const* option = command->get_option_no_throw(name)) {
@@ -58,27 +58,27 @@ bool hasEmptyValue(CLI::App const& program, std::string const& argument) {
 std::vector<std::string> argumentsFor(CLI::App const& program,
                                       std::vector<std::string> const& arguments) {
     std::vector<std::string> ready;
-    std::vector<std::string> behindOptions;
+    std::vector<std::string> afterOptions;
     bool isValue = false;
-    bool isBehindOptions = false;
+    bool isAfterOptions = false;
     for (std::string const& argument : arguments) {
-        if (isBehindOptions) {
-            behindOptions.push_back(isMistakenForSyntax(argument) ? "./" + argument : argument);
+        if (isAfterOptions) {
+            afterOptions.push_back(isMistakenForSyntax(argument) ? "./" + argument : argument);
         } else if (!isValue && argument == kEndOfOptions) {
-            isBehindOptions = true;
+            isAfterOptions = true;
         } else if (!isValue && isPacketOfStandardInput(argument)) {
-            behindOptions.push_back(argument);
+            afterOptions.push_back(argument);
         } else if (!isValue && hasEmptyValue(program, argument)) {
             ready.push_back(argument.substr(0, argument.size() - 1));
             ready.emplace_back();
         } else {
             ready.push_back(!isValue && isMistakenForSyntax(argument) ? "./" + argument : argument);
         }
-        isValue = !isValue && !isBehindOptions && takesValue(program, argument);
+        isValue = !isValue && !isAfterOptions && takesValue(program, argument);
     }
-    if (isBehindOptions || !behindOptions.empty()) {
+    if (isAfterOptions || !afterOptions.empty()) {
         ready.emplace_back(kEndOfOptions);
-        ready.insert(ready.end(), behindOptions.begin(), behindOptions.end());
+        ready.insert(ready.end(), afterOptions.begin(), afterOptions.end());
     }
     std::reverse(ready.begin(), ready.end());
     return ready;

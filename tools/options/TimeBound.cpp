@@ -1,4 +1,4 @@
-#include "tools/selection/TimeWindow.hpp"
+#include "tools/options/TimeBound.hpp"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@ using std::chrono::nanoseconds;
 using std::chrono::seconds;
 
 constexpr std::size_t kDecimals = 9;
-/// The begin of the year 2201.
+/// The start of the year 2201.
 constexpr std::int64_t kMaxSeconds = 7'289'654'400;
 
 /// Reads a text from its front to its end.
@@ -32,7 +32,7 @@ public:
         return true;
     }
 
-    /// Takes the digits that stand here, if there are `minDigits` to `maxDigits`.
+    /// Takes the digits at the front, if there are `minDigits` to `maxDigits`.
     std::optional<std::int64_t> takeNumber(std::size_t minDigits, std::size_t maxDigits) {
         auto const digits = rest_.substr(0, rest_.find_first_not_of("0123456789"));
         std::int64_t number = 0;
@@ -44,7 +44,7 @@ public:
         return number;
     }
 
-    /// Takes a point and the decimals behind it; 0 where no point stands.
+    /// Takes a point and the decimals after it; 0 if there is no point.
     /// @return in units of 10^-9
     std::optional<std::int64_t> takeDecimals() {
         if (!take('.')) {
@@ -62,7 +62,7 @@ private:
     std::string_view rest_;
 };
 
-/// A number of units with decimals, in nanoseconds; none where that is too long.
+/// A number of units with decimals, in nanoseconds; none if that is too long.
 std::optional<nanoseconds> takeLength(TimeReader& reader, nanoseconds (*unitOf)(std::string_view)) {
     auto const whole = reader.takeNumber(1, 18);
     auto const decimals = reader.takeDecimals();
@@ -113,7 +113,7 @@ std::optional<nanoseconds> takeDate(TimeReader& reader) {
                      : std::nullopt;
 }
 
-/// Hours and minutes, and seconds with decimals where they stand.
+/// Hours and minutes, and seconds with decimals if there are any.
 std::optional<nanoseconds> takeClock(TimeReader& reader) {
     auto const hour = reader.takeNumber(2, 2);
     bool const hasMinute = hour && reader.take(':');

@@ -2,33 +2,35 @@
 
 #include <optional>
 
+#include "tools/options/CommandDefinition.hpp"
+#include "tools/options/TimeBound.hpp"
 #include "tools/selection/StreamCriteria.hpp"
 #include "tools/selection/TimeWindow.hpp"
 
-namespace CLI {
-class App;
-}
-
 namespace TalIec61850Tools {
+
+/// The heading of the options on time in a help.
+inline constexpr char const* kWindowGroup = "Which time";
 
 /// Adds an option for each member of a stream's identity.
 /// @param criteria  written while the command line is parsed
-void addCriteriaOptions(CLI::App& command, StreamCriteria& criteria);
+void addCriteriaOptions(CommandDefinition& command, StreamCriteria& criteria);
 
-/// A window of time as it was asked for.
+/// A window of time as the user gives it.
 struct WindowOptions {
     std::optional<TimeBound> from;
     std::optional<TimeBound> to;
 
-    /// @throws UsageError  the window ends before it begins, as far as that can be told already
+    /// @throws UsageError  the window ends before it starts, as far as that is known without the
+    ///                     captures
     void check() const;
 
-    /// @param begin  where the captures begin
+    /// @param begin  start of the captures
     [[nodiscard]] TimeWindow resolve(CaptureTime begin) const;
 };
 
 /// Adds --from and --to.
 /// @param window  written while the command line is parsed
-void addWindowOptions(CLI::App& command, WindowOptions& window);
+void addWindowOptions(CommandDefinition& command, WindowOptions& window);
 
 }  // namespace TalIec61850Tools

@@ -4,8 +4,8 @@
 
 namespace TalIec61850Tools {
 
-/// Writes "tal-iec61850: ", `text` and a line end to standard error. Takes no memory, so that
-/// it can tell that there is none.
+/// Writes "tal-iec61850: ", `text` and a line end to standard error. Allocates nothing, so that it
+/// can also report that memory ran out.
 /// @param text  one line, safe for a terminal (see escapeText)
 void complain(std::string_view text) noexcept;
 

@@ -4,7 +4,7 @@
 
 namespace TalIec61850Tools {
 
-/// The command line can be read, but asks for something that makes no sense; nothing was done.
+/// The command line is well-formed but makes no sense; nothing was done.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -1,4 +1,4 @@
-#include "tools/commands/SelectionOptions.hpp"
+#include "tools/options/SelectionOptions.hpp"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/commands/UsageError.hpp"
+#include "tools/options/UsageError.hpp"
 
 namespace TalIec61850Tools {
 
@@ -66,10 +66,10 @@ char toLane(std::string const& option, std::string const& text) {
 /// Adds an option that may be given several times, each time with one value.
 /// @param convert  from option name and text to an element of `values`; refuses others
 template <typename Value, typename Convert>
-void addRepeatable(CLI::App& command, std::string const& name, std::vector<Value>& values,
+void addRepeatable(CommandDefinition& command, std::string const& name, std::vector<Value>& values,
                    std::string const& valueName, std::string const& help, Convert convert) {
-    command
-        .add_option_function<std::vector<std::string>>(
+    command.parser
+        ->add_option_function<std::vector<std::string>>(
             name,
             [&values, name, convert](std::vector<std::string> const& texts) {
                 for (auto const& text : texts) {
@@ -82,7 +82,7 @@ void addRepeatable(CLI::App& command, std::string const& name, std::vector<Value
         ->group(kStreamsGroup);
 }
 
-void addNumbers(CLI::App& command, StreamCriteria& c) {
+void addNumbers(CommandDefinition& command, StreamCriteria& c) {
     using Text = std::string const&;
     addRepeatable(
         command, "--vlan", c.vlanIds, "ID", "VLAN identifier",
@@ -98,7 +98,7 @@ void addNumbers(CLI::App& command, StreamCriteria& c) {
     });
 }
 
-void addNames(CLI::App& command, StreamCriteria& c) {
+void addNames(CommandDefinition& command, StreamCriteria& c) {
     auto const asItIs = [](std::string const&, std::string const& text) { return text; };
     addRepeatable(command, "--svid", c.svIDs, "NAME", "svID (SV); * and ? stand for other text",
                   asItIs);
@@ -115,30 +115,28 @@ TimeBound toTimeBound(std::string const& option, std::string const& text) {
     return *bound;
 }
 
-void addBound(CLI::App& command, std::string const& name, std::optional<TimeBound>& bound,
+void addBound(CommandDefinition& command, std::string const& name, std::optional<TimeBound>& bound,
               std::string const& help) {
-    command
-        .add_option_function<std::string>(
+    command.parser
+        ->add_option_function<std::string>(
             name, [&bound, name](std::string const& text) { bound = toTimeBound(name, text); },
             help)
         ->option_text("TIME")
-        ->group("Which time");
+        ->group(kWindowGroup);
 }
 
 }  // namespace
 
-void addCriteriaOptions(CLI::App& command, StreamCriteria& criteria) {
+void addCriteriaOptions(CommandDefinition& command, StreamCriteria& criteria) {
     StreamCriteria& c = criteria;
-    command
-        .add_option_function<std::string>(
-            "--protocol",
-            [&c](std::string const& name) {
-                c.protocol = name == "goose" ? Protocol::goose : Protocol::sv;
-            },
-            "goose or sv")
-        ->transform(CLI::IsMember({"goose", "sv"}, CLI::ignore_case))
-        ->option_text("NAME")
-        ->group(kStreamsGroup);
+    CLI::Option& protocol = *command.parser->add_option_function<std::string>(
+        "--protocol",
+        [&c](std::string const& name) {
+            c.protocol = name == "goose" ? Protocol::goose : Protocol::sv;
+        },
+        "goose or sv");
+    protocol.option_text("NAME")->group(kStreamsGroup);
+    allowOnly(command, protocol, {"goose", "sv"}, LetterCase::ignored);
     addRepeatable(command, "--source", c.sources, "MAC", "Source address", toAddress);
     addRepeatable(command, "--destination", c.destinations, "MAC", "Destination address",
                   toAddress);
@@ -146,14 +144,12 @@ void addCriteriaOptions(CLI::App& command, StreamCriteria& criteria) {
     addRepeatable(command, "--hsr", c.hsrLanes, "LANE", "Direction in an HSR ring: A or B", toLane);
     addRepeatable(command, "--prp", c.prpLanes, "LAN", "PRP network: A or B", toLane);
     addNames(command, c);
-    command
-        .add_option_function<std::string>(
-            "--simulation-element",
-            [&c](std::string const& answer) { c.simulationPresent = answer == "yes"; },
-            "Whether frames carry the simulation element (GOOSE): yes or no")
-        ->check(CLI::IsMember({"yes", "no"}))
-        ->option_text("YES|NO")
-        ->group(kStreamsGroup);
+    CLI::Option& simulation = *command.parser->add_option_function<std::string>(
+        "--simulation-element",
+        [&c](std::string const& answer) { c.simulationPresent = answer == "yes"; },
+        "Whether frames carry the simulation element (GOOSE): yes or no");
+    simulation.option_text("YES|NO")->group(kStreamsGroup);
+    allowOnly(command, simulation, {"yes", "no"});
 }
 
 void WindowOptions::check() const {
@@ -173,7 +169,7 @@ TimeWindow WindowOptions::resolve(CaptureTime begin) const {
     return window;
 }
 
-void addWindowOptions(CLI::App& command, WindowOptions& window) {
+void addWindowOptions(CommandDefinition& command, WindowOptions& window) {
     addBound(command, "--from", window.from,
              "Begin of the window: UTC date and time, seconds since 1970, or +1.5s from the "
              "begin of the captures");

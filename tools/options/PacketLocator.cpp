@@ -1,4 +1,4 @@
-#include "tools/commands/PacketLocator.hpp"
+#include "tools/options/PacketLocator.hpp"
 
 #include <charconv>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "tools/output/Messages.hpp"
+#include "tools/output/Complain.hpp"
 
 #include <cstdio>
 

@@ -1,0 +1,40 @@
+#include "tools/commands/WantedPackets.hpp"
+
+#include <fmt/format.h>
+
+#include <set>
+
+#include "tools/output/Plural.hpp"
+
+namespace TalIec61850Tools {
+
+PacketSelection selectWanted(CaptureIndex const& index, PacketOptions const& options) {
+    PacketWish const wish{.criteria = options.criteria,
+                          .window = options.window.resolve(index.begin.value_or(CaptureTime())),
+                          .withContext = options.withContext};
+    return selectPackets(index.db, index.numbers, wish);
+}
+
+PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
+                CommandRun const& run) {
+    return {.stream = selection.streams[packet.stream],
+            .time = toCaptureTime(packet.package->time),
+            .file = run.captures()[packet.capture].name,
+            .position = packet.package->position,
+            .place = packet.place};
+}
+
+std::string summaryOf(PacketSelection const& selection, std::size_t captures) {
+    std::set<std::uint32_t> streams;
+    for (SelectedPacket const& packet : selection.packets) {
+        streams.insert(packet.stream);
+    }
+    std::string const unplaced = selection.unplaced == 0
+                                     ? std::string()
+                                     : fmt::format("; {} without a place in its file left out",
+                                                   plural(selection.unplaced, "packet"));
+    return fmt::format("{} of {} in {}{}", plural(selection.packets.size(), "packet"),
+                       plural(streams.size(), "stream"), plural(captures, "file"), unplaced);
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,51 @@
+#include "tools/help/HelpFooter.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/help/WrapText.hpp"
+#include "tools/options/ExitStatus.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+constexpr std::size_t kStatusColumns = 102;
+
+constexpr char const* kFormats = R"(
+json writes one object per line, csv one line per row below a line of names. Table and csv
+show control characters in names as \n, \x1b and the like, a backslash as \\.
+
+)";
+
+std::string exitStatusParagraph() {
+    std::string text;
+    for (ExitStatusText const& status : exitStatusTexts()) {
+        text += fmt::format("{} {} {}", text.empty() ? "Exit status:" : ";",
+                            static_cast<int>(status.status), status.brief);
+    }
+    return wrapText(text + ".", kStatusColumns) + "\n\n";
+}
+
+}  // namespace
+
+std::string helpFooter(CommandDefinition const& command) {
+    std::string footer = command.notes;
+    if (command.readsCaptures) {
+        footer += kFormats + exitStatusParagraph();
+    }
+    footer += "Example:";
+    for (auto const& example : command.examples) {
+        footer += "\n  " + example;
+    }
+    return footer;
+}
+
+void addHelpFooters(ProgramDefinition& program) {
+    for (CommandDefinition const& command : program.commands) {
+        command.parser->footer(helpFooter(command));
+    }
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <list>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace TalIec61850Tools {
+
+/// The values that options may have; an option that is not listed may have any.
+using OptionChoices = std::map<CLI::Option const*, std::vector<std::string>>;
+
+/// A subcommand: its parser, and what help, manual page and completions say that the parser does
+/// not keep.
+struct CommandDefinition {
+    /// Owned by the program's parser.
+    CLI::App* parser = nullptr;
+    /// What its rows mean; empty, or lines that end with a line end.
+    std::string notes;
+    /// Whole command lines.
+    std::vector<std::string> examples;
+    /// Whether it has the output formats and exit statuses of the commands that read captures.
+    bool readsCaptures = false;
+    OptionChoices choices;
+};
+
+enum class LetterCase {
+    exact,
+    ignored,  ///< the value is changed to the letter case of the choice
+};
+
+/// Lets the parser refuse every value of an option but these.
+/// @param option  one of the command's
+void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices,
+               LetterCase letterCase = LetterCase::exact);
+
+/// The program with its subcommands, in the order of the help.
+struct ProgramDefinition {
+    /// Must outlive the definition.
+    CLI::App& parser;
+    /// References to these stay valid when more are added.
+    std::list<CommandDefinition> commands;
+};
+
+/// Adds a subcommand.
+/// @param text  what it does, in a sentence
+/// @return valid as long as the program
+CommandDefinition& addCommand(ProgramDefinition& program, std::string const& name,
+                              std::string const& text);
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,33 @@
+#include "tools/options/CommonOptions.hpp"
+
+#include <CLI/CLI.hpp>
+#include <map>
+
+namespace TalIec61850Tools {
+
+void addCommonOptions(CommandDefinition& command, CommonOptions& options,
+                      std::string const& filesHelp) {
+    static std::map<std::string, Format> const formats = {
+        {"table", Format::table}, {"json", Format::json}, {"csv", Format::csv}};
+    command.readsCaptures = true;
+    CLI::App& parser = *command.parser;
+    parser.add_option("FILE", options.files, filesHelp)->required()->option_text("...");
+    CLI::Option& format = *parser.add_option_function<std::string>(
+        "-f,--format", [&options](std::string const& name) { options.format = formats.at(name); },
+        "What to write: table (if not said), json or csv");
+    format.option_text("FORMAT");
+    allowOnly(command, format, {"table", "json", "csv"});
+    parser
+        .add_option("-o,--output", options.outputFile,
+                    "Write into FILE, which appears when all is written")
+        ->option_text("FILE");
+    parser.add_flag("-q,--quiet", options.quiet, "Show no progress and no summary");
+    CLI::Option& colour =
+        *parser.add_option("--color", options.colour,
+                           "Headings in bold: auto (if not said; on a terminal that is not dumb, "
+                           "unless NO_COLOR is set), always or never");
+    colour.option_text("WHEN");
+    allowOnly(command, colour, {"auto", "always", "never"});
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/options/CommandDefinition.hpp"
+#include "tools/output/RowWriter.hpp"
+
+namespace TalIec61850Tools {
+
+/// The options of every command that reads captures.
+struct CommonOptions {
+    /// FILE arguments: captures, folders, or - for standard input.
+    std::vector<std::string> files;
+    Format format = Format::table;
+    /// Empty for standard output.
+    std::string outputFile;
+    bool quiet = false;
+    /// auto, always or never
+    std::string colour = "auto";
+};
+
+/// Adds the options, and the FILE arguments.
+/// @param options    written while the command line is parsed
+/// @param filesHelp  what the FILE arguments are
+void addCommonOptions(CommandDefinition& command, CommonOptions& options,
+                      std::string const& filesHelp =
+                          "Captures, folders of captures, or - for "
+                          "standard input");
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,19 @@
+#include "tools/options/ExitStatus.hpp"
+
+namespace TalIec61850Tools {
+
+std::vector<ExitStatusText> exitStatusTexts() {
+    std::string const failures =
+        " file is damaged, could not be read or was not found, a packet that was named is not "
+        "there, or output could not be written";
+    std::string const rest = "the rest was done all the same";
+    return {{.status = ExitStatus::success, .brief = "fine", .full = "All is well."},
+            {.status = ExitStatus::usageError,
+             .brief = "wrong usage",
+             .full = "Wrong usage: the command line makes no sense, and nothing was done."},
+            {.status = ExitStatus::failure,
+             .brief = "a" + failures + ": " + rest,
+             .full = "A" + failures + "; that is said on standard error, and " + rest + "."}};
+}
+
+}  // namespace TalIec61850Tools

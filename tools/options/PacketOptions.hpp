@@ -1,0 +1,21 @@
+#pragma once
+
+#include "tools/options/CommonOptions.hpp"
+#include "tools/options/SelectionOptions.hpp"
+
+namespace TalIec61850Tools {
+
+/// Which packets a command reads: those of which streams, in which window.
+struct PacketOptions {
+    CommonOptions common;
+    StreamCriteria criteria;
+    WindowOptions window;
+    /// With the packets next to the window, of each GOOSE stream in each file.
+    bool withContext = false;
+};
+
+/// Adds the options that select packets, without those of addCommonOptions.
+/// @param options  written while the command line is parsed
+void addPacketOptions(CommandDefinition& command, PacketOptions& options);
+
+}  // namespace TalIec61850Tools
