@@ -20,7 +20,9 @@ struct AsduView {
     /// The ASDU (30), as much of it as was captured.
     ElementView element;
 
+    /// The stream.
     std::optional<std::string_view> svID;
+    /// The data set.
     std::optional<std::string_view> datSet;
     // Numbers without a sign, whatever their width; one that is not the standard's has a fault.
     std::optional<ReadableView<std::uint64_t>> smpCnt;    ///< two octets
@@ -28,6 +30,7 @@ struct AsduView {
     std::optional<ReadableView<UtcTime>> refrTm;          ///< eight octets
     std::optional<ReadableView<std::uint64_t>> smpSynch;  ///< one octet
     std::optional<ReadableView<std::uint64_t>> smpRate;   ///< two octets
+    /// The sample.
     std::optional<SamplesView> seqData;
     std::optional<ReadableView<std::uint64_t>> smpMod;  ///< two octets
     /// Of the clock; eight octets.
@@ -46,7 +49,7 @@ struct AsduView {
 
 /// The ASDUs of a message: a forward range of AsduView that reads an ASDU when it comes to it, and
 /// allocates nothing.
-class TALIEC61850ANALYSIS_EXPORT AsduViews {
+class AsduViews {
 public:
     class Iterator;
 
@@ -54,15 +57,19 @@ public:
     /// @param elements  those of the sequence of ASDU; any that is none is passed over
     explicit AsduViews(Elements const& elements) noexcept : elements_(elements) {}
 
+    /// The first, or the end where there is none.
     [[nodiscard]] Iterator begin() const noexcept;
+    /// What ends the range.
     [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
 private:
     Elements elements_;
 };
 
-class TALIEC61850ANALYSIS_EXPORT AsduViews::Iterator {
+/// Where a walk over the range is: a forward iterator of the standard library.
+class AsduViews::Iterator {
 public:
+    /// @cond
     using iterator_category = std::input_iterator_tag;
     using iterator_concept = std::forward_iterator_tag;
     using value_type = AsduView;
@@ -90,6 +97,7 @@ public:
     friend bool operator==(Iterator const& a, std::default_sentinel_t end) noexcept {
         return a.element_ == end;
     }
+    /// @endcond
 
 private:
     friend class AsduViews;
@@ -98,7 +106,7 @@ private:
         passOverOthers();
     }
 
-    void passOverOthers() noexcept;
+    TALIEC61850ANALYSIS_EXPORT void passOverOthers() noexcept;
 
     Elements::Iterator element_;
 };

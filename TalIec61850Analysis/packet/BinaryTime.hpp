@@ -17,6 +17,7 @@ struct BinaryTime {
     /// Whether the milliseconds make less than a day.
     [[nodiscard]] bool isTimeOfDay() const { return milliseconds < 86'400'000U; }
 
+    /// Member by member.
     friend bool operator==(BinaryTime const&, BinaryTime const&) = default;
 };
 

@@ -12,20 +12,25 @@ namespace TalIec61850Analysis {
 /// @tparam Storage  Octets or OctetString
 template <typename Storage>
 struct BasicBitString {
+    /// The bits, eight in each octet.
     Storage octets;
     /// Bits of the last octet that do not count, 0 to 7.
     std::uint8_t unusedBits = 0;
 
+    /// How many bits there are.
     [[nodiscard]] std::size_t size() const { return 8 * octets.size() - unusedBits; }
     /// @param index  below size()
     [[nodiscard]] bool operator[](std::size_t index) const {
         return (octets[index / 8] >> (7 - index % 8) & 1U) != 0;
     }
 
+    /// Member by member.
     friend bool operator==(BasicBitString const&, BasicBitString const&) = default;
 };
 
+/// A string of bits in a frame.
 using BitStringView = BasicBitString<Octets>;
+/// A string of bits with octets of its own.
 using BitString = BasicBitString<OctetString>;
 
 /// Reads the value octets of a BIT STRING, the first of which counts the bits that are not used;
@@ -33,6 +38,7 @@ using BitString = BasicBitString<OctetString>;
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<BitStringView> readBitString(
     Octets octets) noexcept;
 
+/// A copy with octets of its own.
 [[nodiscard]] inline BitString toOwned(BitStringView const& bits) {
     return {.octets = toOwned(bits.octets), .unusedBits = bits.unusedBits};
 }

@@ -12,9 +12,12 @@ namespace TalIec61850Analysis {
 
 /// One channel of one sample, as received: nothing is scaled.
 struct ChannelSample {
+    /// As the sender counts it.
     std::int32_t value = 0;
+    /// The quality word after it.
     SampleQuality quality;
 
+    /// Member by member.
     friend bool operator==(ChannelSample const&, ChannelSample const&) = default;
 };
 
@@ -23,8 +26,10 @@ struct ChannelSample {
 class SamplesView {
 public:
     SamplesView() = default;
+    /// @param octets  of seqData; must outlive the view
     explicit SamplesView(Octets octets) noexcept : octets_(octets) {}
 
+    /// All octets of seqData.
     [[nodiscard]] Octets octets() const noexcept { return octets_; }
     /// Whether the octets are made of eight for each channel; with any other length the data set is
     /// of another make. Another make can have such a length too.
@@ -42,6 +47,7 @@ private:
 /// The channels where seqData holds them, or else its octets.
 using SequenceOfData = std::variant<std::vector<ChannelSample>, OctetString>;
 
+/// A copy with octets of its own.
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT SequenceOfData toOwned(SamplesView const& samples);
 
 }  // namespace TalIec61850Analysis

@@ -22,7 +22,7 @@ struct DataView;
 
 /// The values of a data set, or those inside a structure or array: a forward range of DataView that
 /// decodes a value when it comes to it, and allocates nothing.
-class TALIEC61850ANALYSIS_EXPORT DataViews {
+class DataViews {
 public:
     class Iterator;
 
@@ -32,12 +32,15 @@ public:
     explicit DataViews(Elements const& elements, std::size_t depth = 1) noexcept
         : elements_(elements), depth_(depth) {}
 
+    /// The first, or the end where there is none.
     [[nodiscard]] Iterator begin() const noexcept;
+    /// What ends the range.
     [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
+    /// Whether there is none.
     [[nodiscard]] bool empty() const noexcept { return elements_.empty(); }
 
     /// Hands on all that is wrong with the values and those inside them, front to back.
-    void visitFaults(FaultSink sink) const;
+    TALIEC61850ANALYSIS_EXPORT void visitFaults(FaultSink sink) const;
 
 private:
     Elements elements_;
@@ -46,6 +49,7 @@ private:
 
 /// One value of a data set (ISO 9506-2, Data). Points into the frame.
 struct DataView {
+    /// All that a value can hold.
     using Content =
         std::variant<Octets, bool, BitStringView, std::int64_t, std::uint64_t, float, double,
                      std::string_view, BinaryTime, UtcTime, ObjectIdView, DataViews>;
@@ -54,6 +58,7 @@ struct DataView {
     std::size_t offset = 0;
     /// The identifier octet.
     std::uint8_t tag = 0;
+    /// By the tag.
     DataKind kind = DataKind::unknown;
     /// Why the value is not what its kind should hold; mostly it is then octets.
     std::optional<FaultKind> fault;
@@ -80,8 +85,10 @@ struct DataView {
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT DataView viewData(ElementView const& element,
                                                            std::size_t depth = 1) noexcept;
 
+/// Where a walk over the range is: a forward iterator of the standard library.
 class DataViews::Iterator {
 public:
+    /// @cond
     using iterator_category = std::input_iterator_tag;
     using iterator_concept = std::forward_iterator_tag;
     using value_type = DataView;
@@ -108,6 +115,7 @@ public:
     friend bool operator==(Iterator const& a, std::default_sentinel_t end) noexcept {
         return a.element_ == end;
     }
+    /// @endcond
 
 private:
     friend class DataViews;

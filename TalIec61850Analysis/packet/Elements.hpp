@@ -42,7 +42,7 @@ using ElementSink = Sink<ElementView>;
 
 /// The elements of one nesting level: a forward range that reads as it goes on, and allocates
 /// nothing. Damage ends the level: its rest is the last element.
-class TALIEC61850ANALYSIS_EXPORT Elements {
+class Elements {
 public:
     class Iterator;
 
@@ -57,10 +57,14 @@ public:
                       std::size_t claimedEnd = kNoEnd) noexcept
         : octets_(octets), offset_(offset), claimedEnd_(claimedEnd) {}
 
-    [[nodiscard]] Iterator begin() const noexcept;
+    /// The first, or the end where there is none.
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT Iterator begin() const noexcept;
+    /// What ends the range.
     [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
+    /// Whether there is none.
     [[nodiscard]] bool empty() const noexcept { return octets_.empty(); }
+    /// The octets of the level, as far as they were captured.
     [[nodiscard]] Octets octets() const noexcept { return octets_; }
     /// Index in the frame of the first octet.
     [[nodiscard]] std::size_t offset() const noexcept { return offset_; }
@@ -71,8 +75,10 @@ private:
     std::size_t claimedEnd_ = kNoEnd;
 };
 
-class TALIEC61850ANALYSIS_EXPORT Elements::Iterator {
+/// Where a walk over the range is: a forward iterator of the standard library.
+class Elements::Iterator {
 public:
+    /// @cond
     using iterator_category = std::forward_iterator_tag;
     using value_type = ElementView;
     using difference_type = std::ptrdiff_t;
@@ -83,7 +89,7 @@ public:
 
     [[nodiscard]] reference operator*() const noexcept { return element_; }
     [[nodiscard]] pointer operator->() const noexcept { return &element_; }
-    Iterator& operator++() noexcept;
+    TALIEC61850ANALYSIS_EXPORT Iterator& operator++() noexcept;
     Iterator operator++(int) noexcept {
         Iterator const old = *this;
         ++*this;
@@ -96,6 +102,7 @@ public:
     friend bool operator==(Iterator const& a, std::default_sentinel_t /*end*/) noexcept {
         return a.rest_.empty();
     }
+    /// @endcond
 
 private:
     friend class Elements;

@@ -29,11 +29,14 @@ enum class FaultKind : std::uint8_t {
 struct Fault {
     /// Index in the frame of the element's identifier octet.
     std::size_t offset = 0;
+    /// What is wrong.
     FaultKind kind = FaultKind::notThere;
 
+    /// Member by member.
     friend bool operator==(Fault const&, Fault const&) = default;
 };
 
+/// Faults, front to back.
 using Faults = std::vector<Fault>;
 
 /// Takes faults without a list of them.

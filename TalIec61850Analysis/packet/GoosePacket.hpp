@@ -19,27 +19,42 @@ namespace TalIec61850Analysis {
 /// One GOOSE message in full, with octets of its own; see GooseView, of which it is made. Its
 /// members are those of the view.
 struct GoosePacket {
+    /// What is around the PDU.
     FrameHeader header;
+    /// The control block that sends the message.
     std::optional<std::string> gocbRef;
     std::optional<Integer> timeAllowedtoLive;  ///< milliseconds
+    /// The data set.
     std::optional<std::string> datSet;
+    /// The message, as its publisher names it.
     std::optional<std::string> goID;
+    /// When stNum was last raised.
     std::optional<Readable<UtcTime>> t;
+    /// The number of the state, raised when a value of the data set changes.
     std::optional<Integer> stNum;
+    /// The number of the message within its state.
     std::optional<Integer> sqNum;
+    /// Whether the values are simulated. Named test in the first edition.
     std::optional<Readable<bool>> simulation;
+    /// The revision of the data set.
     std::optional<Integer> confRev;
+    /// Whether the control block needs commissioning.
     std::optional<Readable<bool>> ndsCom;
+    /// How many values the message says that it has.
     std::optional<Integer> numDatSetEntries;
+    /// The values of the data set.
     std::optional<std::vector<DataValue>> allData;
 
     /// See GooseView::visitOthers.
     std::vector<RawElement> others;
+    /// What is between the header and the PDU; normally nothing.
     OctetString leading;
+    /// What is after the PDU, before a PRP trailer.
     OctetString trailing;
     /// See GooseView::visitFaults.
     Faults faults;
 
+    /// Member by member.
     friend bool operator==(GoosePacket const&, GoosePacket const&) = default;
 };
 

@@ -20,21 +20,31 @@ namespace TalIec61850Analysis {
 struct GooseView {
     /// As it was given.
     Octets frame;
+    /// What is around the PDU.
     FrameHeader header;
 
     // Names are octets of the frame, whatever they hold. Numbers are BER INTEGERs: one that its
     // sender wrote without the leading zero octet is negative, as it was sent, and has a fault.
+    /// The control block that sends the message.
     std::optional<std::string_view> gocbRef;
     std::optional<IntegerView> timeAllowedtoLive;  ///< milliseconds
+    /// The data set.
     std::optional<std::string_view> datSet;
+    /// The message, as its publisher names it.
     std::optional<std::string_view> goID;
+    /// When stNum was last raised.
     std::optional<ReadableView<UtcTime>> t;
+    /// The number of the state, raised when a value of the data set changes.
     std::optional<IntegerView> stNum;
+    /// The number of the message within its state.
     std::optional<IntegerView> sqNum;
     /// Named test in the first edition.
     std::optional<ReadableView<bool>> simulation;
+    /// The revision of the data set.
     std::optional<IntegerView> confRev;
+    /// Whether the control block needs commissioning.
     std::optional<ReadableView<bool>> ndsCom;
+    /// How many values the message says that it has.
     std::optional<IntegerView> numDatSetEntries;
     /// As many values as were captured.
     std::optional<DataViews> allData;

@@ -18,6 +18,7 @@ using IntegerView = std::variant<std::int64_t, std::uint64_t, Octets>;
 /// all give no octets.
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT IntegerView readInteger(Octets octets) noexcept;
 
+/// Whether a number is below zero; one that is too wide counts as none.
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT bool isNegative(IntegerView const& integer) noexcept;
 
 /// Reads octets as a number without a sign, as Sampled Values have them: the octets themselves
@@ -25,6 +26,7 @@ using IntegerView = std::variant<std::int64_t, std::uint64_t, Octets>;
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT ReadableView<std::uint64_t> readUnsigned(
     Octets octets) noexcept;
 
+/// A copy with octets of its own.
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT Integer toOwned(IntegerView const& integer);
 
 }  // namespace TalIec61850Analysis

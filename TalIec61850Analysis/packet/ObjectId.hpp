@@ -12,32 +12,39 @@ namespace TalIec61850Analysis {
 
 /// An object identifier: the numbers of its dotted form.
 struct ObjectId {
+    /// From the first on.
     std::vector<std::uint64_t> arcs;
 
+    /// Member by member.
     friend bool operator==(ObjectId const&, ObjectId const&) = default;
 };
 
 /// The same as a forward range of std::uint64_t over the octets of a frame.
-class TALIEC61850ANALYSIS_EXPORT ObjectIdView {
+class ObjectIdView {
 public:
     class Iterator;
 
     /// An identifier of no numbers.
     ObjectIdView() = default;
 
-    [[nodiscard]] Iterator begin() const noexcept;
+    /// The first, or the end where there is none.
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT Iterator begin() const noexcept;
+    /// What ends the range.
     [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
 private:
-    friend std::optional<ObjectIdView> readObjectId(Octets octets) noexcept;
+    friend TALIEC61850ANALYSIS_EXPORT std::optional<ObjectIdView> readObjectId(
+        Octets octets) noexcept;
 
     explicit ObjectIdView(Octets octets) noexcept : octets_(octets) {}
 
     Octets octets_;
 };
 
-class TALIEC61850ANALYSIS_EXPORT ObjectIdView::Iterator {
+/// Where a walk over the range is: a forward iterator of the standard library.
+class ObjectIdView::Iterator {
 public:
+    /// @cond
     using iterator_category = std::input_iterator_tag;
     using iterator_concept = std::forward_iterator_tag;
     using value_type = std::uint64_t;
@@ -48,7 +55,7 @@ public:
     Iterator() = default;
 
     [[nodiscard]] std::uint64_t operator*() const noexcept { return arc_; }
-    Iterator& operator++() noexcept;
+    TALIEC61850ANALYSIS_EXPORT Iterator& operator++() noexcept;
     Iterator operator++(int) noexcept {
         Iterator const old = *this;
         ++*this;
@@ -61,6 +68,7 @@ public:
     friend bool operator==(Iterator const& a, std::default_sentinel_t /*end*/) noexcept {
         return a.isEnd_;
     }
+    /// @endcond
 
 private:
     friend class ObjectIdView;
@@ -80,6 +88,7 @@ private:
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ObjectIdView> readObjectId(
     Octets octets) noexcept;
 
+/// A copy with octets of its own.
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT ObjectId toOwned(ObjectIdView const& id);
 
 }  // namespace TalIec61850Analysis

@@ -21,9 +21,11 @@ struct RawElement {
     /// Not set for an element that is merely unknown.
     std::optional<FaultKind> fault;
 
+    /// Member by member.
     friend bool operator==(RawElement const&, RawElement const&) = default;
 };
 
+/// A copy with octets of its own.
 [[nodiscard]] inline RawElement toOwned(ElementView const& element) {
     return {.offset = element.offset,
             .tag = element.tag,

@@ -21,6 +21,7 @@ public:
               (*static_cast<std::remove_reference_t<Call>*>(target))(item);
           }) {}
 
+    /// Hands on an item.
     void operator()(Item const& item) const { call_(target_, item); }
 
 private:

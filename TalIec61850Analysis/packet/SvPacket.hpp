@@ -17,18 +17,25 @@ namespace TalIec61850Analysis {
 /// One Sampled Values message in full, with octets of its own; see SvView, of which it is made. Its
 /// members are those of the view.
 struct SvPacket {
+    /// What is around the PDU.
     FrameHeader header;
+    /// How many ASDUs the message says that it has.
     std::optional<Integer> noASDU;
+    /// The security element, as it was sent.
     std::optional<OctetString> security;
+    /// All that there are.
     std::vector<AsduContent> asdus;
 
     /// See SvView::visitOthers.
     std::vector<RawElement> others;
+    /// What is between the header and the PDU; normally nothing.
     OctetString leading;
+    /// What is after the PDU, before a PRP trailer.
     OctetString trailing;
     /// See SvView::visitFaults.
     Faults faults;
 
+    /// Member by member.
     friend bool operator==(SvPacket const&, SvPacket const&) = default;
 };
 

@@ -17,8 +17,11 @@ namespace TalIec61850Analysis {
 struct SvView {
     /// As it was given.
     Octets frame;
+    /// What is around the PDU.
     FrameHeader header;
+    /// How many ASDUs the message says that it has.
     std::optional<IntegerView> noASDU;
+    /// The security element, as it was sent.
     std::optional<Octets> security;
     /// As many as were captured.
     AsduViews asdus;

@@ -20,12 +20,16 @@ struct UtcTime {
     /// The fraction in nanoseconds, cut: at most one nanosecond early, while the unit is 60.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::uint32_t nanoseconds() const noexcept;
 
+    /// The clock takes leap seconds into account.
     [[nodiscard]] bool leapSecondsKnown() const { return (quality & 0x80U) != 0; }
+    /// The clock has failed.
     [[nodiscard]] bool clockFailure() const { return (quality & 0x40U) != 0; }
+    /// The clock is not synchronized.
     [[nodiscard]] bool clockNotSynchronized() const { return (quality & 0x20U) != 0; }
     /// Bits of the fraction that count, 0 to 24; 25 to 30 are invalid, 31 leaves it unspecified.
     [[nodiscard]] std::uint8_t accuracy() const { return quality & 0x1FU; }
 
+    /// Member by member.
     friend bool operator==(UtcTime const&, UtcTime const&) = default;
 };
 
