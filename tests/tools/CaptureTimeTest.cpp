@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "tools/render/UtcText.hpp"
 #include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {

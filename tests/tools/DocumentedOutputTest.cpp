@@ -11,8 +11,8 @@
 #include "tools/commands/ShownPacketLayout.hpp"
 #include "tools/commands/VerdictLayout.hpp"
 #include "tools/options/ExitStatus.hpp"
-#include "tools/selection/PacketLayout.hpp"
-#include "tools/selection/StreamLayout.hpp"
+#include "tools/render/PacketLayout.hpp"
+#include "tools/render/StreamLayout.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tools/NamedStreams.hpp"
-#include "tools/selection/StreamLayout.hpp"
+#include "tools/render/StreamLayout.hpp"
 #include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tools/options/TimeBound.hpp"
+#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

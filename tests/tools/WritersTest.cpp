@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/output/RowWriter.hpp"
-#include "tools/selection/StreamLayout.hpp"
+#include "tools/render/StreamLayout.hpp"
 
 namespace TalIec61850Tools {
 namespace {

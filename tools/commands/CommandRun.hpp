@@ -11,6 +11,7 @@
 #include "tools/output/Output.hpp"
 #include "tools/output/ProgressBar.hpp"
 #include "tools/output/TextSink.hpp"
+#include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/PacketSelection.hpp"
 
 namespace TalIec61850Tools {

@@ -4,12 +4,12 @@
 
 #include <utility>
 
-#include "tools/inspect/PacketText.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/PacketJson.hpp"
 #include "tools/render/PacketText.hpp"
-#include "tools/selection/StreamFields.hpp"
+#include "tools/render/StreamFields.hpp"
+#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 

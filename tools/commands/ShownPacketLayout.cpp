@@ -1,7 +1,7 @@
 #include "tools/commands/ShownPacketLayout.hpp"
 
 #include "tools/render/PacketJson.hpp"
-#include "tools/selection/StreamFields.hpp"
+#include "tools/render/StreamFields.hpp"
 
 namespace TalIec61850Tools {
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "tools/output/RowLayout.hpp"
-#include "tools/selection/PacketLayout.hpp"
+#include "tools/render/PacketLayout.hpp"
 
 namespace TalIec61850Tools {
 

@@ -11,7 +11,8 @@
 #include "tools/help/WrapText.hpp"
 #include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
-#include "tools/selection/StreamLayout.hpp"
+#include "tools/render/StreamLayout.hpp"
+#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -6,8 +6,9 @@
 #include <optional>
 
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/StreamFields.hpp"
+#include "tools/render/UtcText.hpp"
 #include "tools/selection/CaptureTime.hpp"
-#include "tools/selection/StreamFields.hpp"
 
 namespace TalIec61850Tools {
 

@@ -5,7 +5,7 @@
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/options/PacketOptions.hpp"
-#include "tools/selection/PacketLayout.hpp"
+#include "tools/render/PacketLayout.hpp"
 
 namespace TalIec61850Tools {
 

@@ -158,8 +158,8 @@ void WindowOptions::check() const {
     }
 }
 
-TimeWindow WindowOptions::resolve(CaptureTime begin) const {
-    TimeWindow window;
+TalIec61850Analysis::TimeWindow WindowOptions::resolve(CaptureTime begin) const {
+    TalIec61850Analysis::TimeWindow window;
     if (from) {
         window.from = from->resolve(begin);
     }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <optional>
 
 #include "tools/options/CommandDefinition.hpp"
 #include "tools/options/TimeBound.hpp"
 #include "tools/selection/StreamCriteria.hpp"
-#include "tools/selection/TimeWindow.hpp"
 
 namespace TalIec61850Tools {
 
@@ -26,7 +26,7 @@ struct WindowOptions {
     void check() const;
 
     /// @param begin  start of the captures
-    [[nodiscard]] TimeWindow resolve(CaptureTime begin) const;
+    [[nodiscard]] TalIec61850Analysis::TimeWindow resolve(CaptureTime begin) const;
 };
 
 /// Adds --from and --to.

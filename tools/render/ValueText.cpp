@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 
+#include "tools/render/UtcText.hpp"
 #include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/PlacedPackets.hpp"
 
 namespace TalIec61850Tools {

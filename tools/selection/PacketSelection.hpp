@@ -1,13 +1,14 @@
 #pragma once
 
+#include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/StreamCriteria.hpp"
-#include "tools/selection/TimeWindow.hpp"
 
 namespace TalIec61850Tools {
 
@@ -40,7 +41,7 @@ struct PacketSelection {
 /// What to select.
 struct PacketWish {
     StreamCriteria criteria;
-    TimeWindow window;
+    TalIec61850Analysis::TimeWindow window;
     /// With the packet before and the packet behind the window, of each GOOSE stream in each file.
     bool withContext = false;
 };

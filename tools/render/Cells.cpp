@@ -1,6 +1,7 @@
-#include "tools/selection/Cells.hpp"
+#include "tools/render/Cells.hpp"
 
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -1,10 +1,11 @@
-#include "tools/selection/PacketLayout.hpp"
+#include "tools/render/PacketLayout.hpp"
 
 #include <array>
 
 #include "tools/output/TextEscape.hpp"
-#include "tools/selection/Cells.hpp"
-#include "tools/selection/StreamFields.hpp"
+#include "tools/render/Cells.hpp"
+#include "tools/render/StreamFields.hpp"
+#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 

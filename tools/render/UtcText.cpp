@@ -1,14 +1,12 @@
-#include "tools/selection/CaptureTime.hpp"
+#include "tools/render/UtcText.hpp"
 
 #include <fmt/format.h>
 
+#include <chrono>
+
 namespace TalIec61850Tools {
 
-CaptureTime toCaptureTime(TalIec61850Parser::Timest time) {
-    return TalIec61850Analysis::makeCaptureTime(time.seconds, time.nanoseconds);
-}
-
-std::string toUtcText(CaptureTime time) {
+std::string toUtcText(TalIec61850Analysis::CaptureTime time) {
     auto const midnight = std::chrono::floor<std::chrono::days>(time);
     std::chrono::year_month_day const date(midnight);
     std::chrono::hh_mm_ss const clock(time - midnight);

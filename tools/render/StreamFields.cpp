@@ -1,4 +1,4 @@
-#include "tools/selection/StreamFields.hpp"
+#include "tools/render/StreamFields.hpp"
 
 #include <optional>
 #include <string>

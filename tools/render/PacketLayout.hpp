@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/output/RowLayout.hpp"
+#include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/PacketSelection.hpp"
 
 namespace TalIec61850Tools {

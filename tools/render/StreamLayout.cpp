@@ -1,10 +1,11 @@
-#include "tools/selection/StreamLayout.hpp"
+#include "tools/render/StreamLayout.hpp"
 
 #include <array>
 
 #include "tools/output/OptionalField.hpp"
-#include "tools/selection/Cells.hpp"
-#include "tools/selection/StreamFields.hpp"
+#include "tools/render/Cells.hpp"
+#include "tools/render/StreamFields.hpp"
+#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 
