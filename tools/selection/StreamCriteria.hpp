@@ -10,8 +10,8 @@
 
 namespace TalIec61850Tools {
 
-/// Which streams a command is about. Of each criterion one of the values must be met; a criterion
-/// without values admits anything. What a stream lacks meets no value.
+/// The streams that a command reads. Of each criterion one of the values must be met; a criterion
+/// without values admits every stream. A value that a stream lacks meets none.
 struct StreamCriteria {
     std::optional<Protocol> protocol;
     /// Lower-case hexadecimal pairs joined by colons.
@@ -35,12 +35,12 @@ struct StreamCriteria {
     [[nodiscard]] bool admit(StreamIdentity const& stream) const;
 };
 
-/// The library's filter for these criteria, as near as it comes: it lets through whatever a stream
-/// that meets them consists of, and of the streams over both lanes or networks only what came over
-/// the wanted one. Streams are to be asked with `admit` still.
+/// A library filter that is a superset of these criteria: it may let other streams through, which
+/// `admit` then refuses, and of redundant streams it keeps only the packets of the wanted lane or
+/// network.
 [[nodiscard]] TalIec61850Parser::Filter toIndexFilter(StreamCriteria const& criteria);
 
-/// The library's filter for these criteria, name for name: an entry for every value.
+/// The library's filter for exactly these criteria, without patterns: an entry for every value.
 [[nodiscard]] TalIec61850Parser::Filter toFrameFilter(StreamCriteria const& criteria);
 
 }  // namespace TalIec61850Tools
