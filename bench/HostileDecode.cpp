@@ -11,7 +11,6 @@
 
 namespace TalBench {
 
-using TalIec61850Parser::ASDUData;
 using TalIec61850Parser::GooseParser;
 using TalIec61850Parser::GoosePdu;
 using TalTest::Bytes;

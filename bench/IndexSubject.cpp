@@ -34,7 +34,7 @@ void measureIndex(std::string_view name, Settings const& settings) {
     Workload const listed = workload(name);
     Workload const whole = withFrames(listed, listed.frames / settings.divisor);
     Workload const cut = withFrames(listed, tsharkFrames / settings.divisor);
-    bool const asksTshark = contains(withTshark, name) && hasTshark();
+    bool const asksTshark = settings.withPrograms && contains(withTshark, name) && hasTshark();
     bool const reports = contains(withProgress, name);
 
     CaptureOnDisk const capture(whole);

@@ -46,9 +46,10 @@ void printMachine(Settings const& settings) {
                kernel());
     fmt::print("- TalIec61850Parser {}, {}, {}{}\n", TALIEC61850PARSER_VERSION, compiler(),
                pcap_lib_version(), hasTshark() ? "" : "; tshark is not installed: left out");
-    fmt::print("- medians of {} rounds{}; ns per frame, query, call or octet of the numerator\n\n",
-               settings.rounds,
-               settings.divisor == 1 ? "" : ", quick: the targets mean more frames than these");
+    fmt::print(
+        "- medians of {} rounds{}; ns per frame, query, call or octet of the numerator\n\n",
+        settings.rounds,
+        settings.divisor == 1 ? "" : ", quick, processor time: the targets mean more frames");
 }
 
 }  // namespace TalBench

@@ -57,6 +57,7 @@ std::uint64_t walkRecords(std::string const& path) {
 /// @return whether it ended well
 bool runSilently(std::vector<std::string> command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (auto& argument : command) {
         arguments.push_back(argument.data());
     }

@@ -16,7 +16,6 @@ namespace TalBench {
 using TalIec61850Parser::Db;
 using TalIec61850Parser::FilteredPackagesResult;
 using TalIec61850Parser::Package;
-using TalIec61850Parser::PackageFile;
 using TalIec61850Parser::PcapParser;
 using TalIec61850Parser::Timest;
 

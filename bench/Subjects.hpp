@@ -10,8 +10,8 @@ namespace TalBench {
 
 /// Indexing one workload, against reading the file, libpcap's loop and, for some, tshark; for some
 /// also with a progress callback against without.
-/// @param workload  the name of one of them
-void measureIndex(std::string_view workload, Settings const& settings);
+/// @param name  of one of the workloads
+void measureIndex(std::string_view name, Settings const& settings);
 
 /// `measureIndex` of every workload but those whose streams grow in number.
 void measureIndexes(Settings const& settings);

@@ -10,3 +10,17 @@ function(tal_compile_options target)
       $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
       $<$<BOOL:${TAL_WARNINGS_AS_ERRORS}>:-Werror>)
 endfunction()
+
+# Defines a path of this build, for those sources of a target that name it: all others are compiled
+# the same in every folder, and so are found by the compiler's cache. Called after all sources are
+# added; a source that comes to name it is seen when CMake runs again.
+function(tal_define_path target name path)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source)
+    file(STRINGS ${source} uses REGEX ${name} LIMIT_COUNT 1)
+    if(uses)
+      set_property(SOURCE ${source} APPEND PROPERTY COMPILE_DEFINITIONS ${name}="${path}")
+    endif()
+  endforeach()
+endfunction()

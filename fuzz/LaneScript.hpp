@@ -40,7 +40,7 @@ struct LaneCase {
     std::size_t frames = 0;
 };
 
-LaneCase laneCase(std::span<std::uint8_t const> input);
+LaneCase laneCase(std::span<std::uint8_t const> octets);
 
 /// How an input for fuzz-lanes begins; the steps are to be put behind it.
 TalTest::Bytes laneInput(std::uint8_t variant, std::uint8_t action, std::uint8_t filter,

@@ -58,8 +58,11 @@ template <typename Row>
 template <typename Row>
 [[nodiscard]] Fields toFields(RowLayout<Row> const& layout, Row const& row) {
     Fields fields = Fields::object();
+    auto& members = fields.template get_ref<Fields::object_t&>();
+    members.reserve(layout.fields.size());
     for (auto const& field : layout.fields) {
-        fields[std::string(field.name)] = field.value(row);
+        // Without a search for the name, which occurs once in a layout.
+        members.emplace_back(std::string(field.name), field.value(row));
     }
     return fields;
 }

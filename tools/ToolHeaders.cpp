@@ -1,0 +1,1 @@
+// Nothing but the precompiled headers of the companion, see CMakeLists.txt.
