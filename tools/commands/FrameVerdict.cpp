@@ -2,6 +2,7 @@
 
 #include <TalIec61850Analysis/packet/FrameHeader.hpp>
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
 #include <iterator>
 
@@ -13,6 +14,7 @@ using TalIec61850Parser::EthernetParser;
 using TalIec61850Parser::Filter;
 using TalIec61850Parser::Goose;
 using TalIec61850Parser::Sv;
+using TalIec61850Parser::wire::readPrpLan;
 
 namespace {
 
@@ -21,16 +23,6 @@ std::optional<Protocol> protocolOf(FrameHeader const& header) {
         return Protocol::goose;
     }
     return header.isSv() ? std::optional(Protocol::sv) : std::nullopt;
-}
-
-/// The network of a PRP trailer, by the octets that the library reads, even if they are none.
-std::optional<char> prpLanOf(std::vector<std::uint8_t> const& frame) {
-    constexpr std::size_t shortest = 18;
-    std::size_t const size = frame.size();
-    if (size < shortest || frame[size - 2] != 0x88 || frame[size - 1] != 0xFB) {
-        return std::nullopt;
-    }
-    return (frame[size - 4] & 0x10U) != 0 ? 'B' : 'A';
 }
 
 /// The header as the library knows it.
@@ -103,7 +95,7 @@ FrameVerdict judgeFrame(std::vector<std::uint8_t> const& frame, Filter const& fi
     bool const isOn = protocol == Protocol::goose ? filter.parseGoose : filter.parseSv;
     if (!isOn) {
         verdict.verdict = Verdict::switchedOff;
-    } else if (!passesLinkLayer(protocol, toEthernetHeader(header, prpLanOf(frame)), filter)) {
+    } else if (!passesLinkLayer(protocol, toEthernetHeader(header, readPrpLan(frame)), filter)) {
         verdict.verdict = Verdict::rejectedByLinkLayer;
     } else {
         verdict.verdict =

@@ -40,7 +40,7 @@ struct FoundCaptures {
     std::shared_ptr<StandardInput> standardInput;
 };
 
-/// Follows the FILE arguments of a command: a capture stands for itself, a folder for the captures
+/// Follows the FILE arguments of a command: a capture is itself, a folder is the captures
 /// in it and in the folders below, "-" for standard input. In a folder a file that is no capture is
 /// passed over; links to folders are not followed.
 [[nodiscard]] FoundCaptures findCaptures(std::vector<std::string> const& arguments);

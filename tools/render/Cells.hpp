@@ -9,7 +9,7 @@
 #include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/StreamIdentity.hpp"
 
-// What stands in the cells of a table for the values that rows are made of; see kAbsentCell.
+// The text of table cells for the values that rows are made of; see kAbsentCell.
 
 namespace TalIec61850Tools {
 

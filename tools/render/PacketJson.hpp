@@ -22,8 +22,8 @@ using TalIec61850Analysis::SvPacket;
 using TalIec61850Analysis::UtcTime;
 
 // Packets for other programs. Names and order of the fields are stable and listed in
-// docs/inspect.md; a field of the protocol that a packet lacks is null. Texts from the frame stand
-// there octet for octet, so that the writer has to replace those that are no UTF-8.
+// docs/inspect.md; a field of the protocol that a packet lacks is null. Texts from the frame are
+// given octet for octet, so that the writer has to replace those that are no UTF-8.
 
 [[nodiscard]] nlohmann::ordered_json toJson(GoosePacket const& packet);
 [[nodiscard]] nlohmann::ordered_json toJson(SvPacket const& packet);

@@ -12,7 +12,7 @@ namespace TalIec61850Tools {
 [[nodiscard]] std::string_view toText(Protocol protocol);
 
 /// The fields for what tells a stream from others. Names and order are stable; what a
-/// stream lacks is null. The names are those of the index: printable text as it stands, anything
+/// stream lacks is null. The names are those of the index: printable text as it is, anything
 /// else as octets such as [4D C3 A9 31].
 ///
 ///     protocol           text       GOOSE or SV

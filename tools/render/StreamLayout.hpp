@@ -5,7 +5,7 @@
 
 namespace TalIec61850Tools {
 
-/// How streams are written. The fields behind those of StreamFields:
+/// How streams are written. The fields after those of StreamFields:
 ///
 ///     packets            integer
 ///     files              integer    files that hold packets of the stream

@@ -16,7 +16,7 @@ namespace TalIec61850Tools {
 enum class Place : std::uint8_t {
     inside,
     before,  ///< the last one of its stream and file before the window
-    after,   ///< the first one behind it
+    after,   ///< the first one after it
 };
 
 /// A packet of the index that was asked for.
@@ -42,7 +42,7 @@ struct PacketSelection {
 struct PacketWish {
     StreamCriteria criteria;
     TalIec61850Analysis::TimeWindow window;
-    /// With the packet before and the packet behind the window, of each GOOSE stream in each file.
+    /// With the packet before and the packet after the window, of each GOOSE stream in each file.
     bool withContext = false;
 };
 

@@ -22,7 +22,7 @@ bool meets(std::vector<Value> const& wanted, std::optional<Value> const& value) 
            (value && std::find(wanted.begin(), wanted.end(), *value) != wanted.end());
 }
 
-/// What fnmatch reads as it stands but for * and ?.
+/// A pattern in which fnmatch gives no character but * and ? a meaning of its own.
 std::string toPattern(std::string const& wanted) {
     std::string pattern;
     for (char const c : wanted) {

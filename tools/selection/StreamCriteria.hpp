@@ -23,7 +23,7 @@ struct StreamCriteria {
     std::vector<char> hsrLanes;
     std::vector<char> prpLanes;
     std::vector<std::uint8_t> reserved1Bit0;
-    /// Names, in which * stands for any text and ? for any character.
+    /// Names, in which * matches any text and ? any character.
     std::vector<std::string> svIDs;
     std::vector<std::string> gocbRefs;
     std::vector<std::string> datSets;
