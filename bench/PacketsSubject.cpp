@@ -42,9 +42,9 @@ struct PacketKind {
 };
 
 constexpr std::array packetKinds = {
-    PacketKind{"goose64", "GOOSE, 16 values", false, 0.25, 0.25},
-    PacketKind{"sv16", "SV, 1 ASDU", true, 0.5, 0.1},
-    PacketKind{"sv8asdu", "SV, 8 ASDUs", true, 0.5, 0.2},
+    PacketKind{"goose64", "GOOSE, 16 values", false, 0.5, 0.2},
+    PacketKind{"sv16", "SV, 1 ASDU", true, 0.7, 0.1},
+    PacketKind{"sv8asdu", "SV, 8 ASDUs", true, 0.5, 0.25},
 };
 
 // Each looks at every value of a packet, and gives a number that depends on all of them.
