@@ -56,7 +56,7 @@ TEST(AddToStream, TakesBackANewFileOfAnOldStream) {
 
 TEST(AddToStream, LeavesAnOldFileOfAnOldStream) {
     Db db;
-    db.gooseProto.addGoose(stream("old")).addFile(fileName);
+    static_cast<void>(db.gooseProto.addGoose(stream("old")).addFile(fileName));
     expectNothingLeft(db, stream("old"));
     add(db, stream("old"), false);
     expectNothingLeft(db, stream("old"));

@@ -69,7 +69,7 @@ TEST(GooseParserSimple, LeavesTheRestOfTheRecordAlone) {
     Goose goose;
     goose.srcMac = "source";
     goose.packetCount = 7;
-    goose.addFile("a.pcap");
+    static_cast<void>(goose.addFile("a.pcap"));
     EXPECT_TRUE(GooseParserSimple::parsePacket(gooseApdu({}), 0, goose, {}));
     EXPECT_EQ(goose.srcMac, "source");
     EXPECT_FALSE(goose.dstMac || goose.vlan || goose.hsr || goose.prp);
