@@ -185,7 +185,7 @@ TYPED_TEST(TimeWindow, KeepsItsPointersWhilePacketsAndFilesAreAdded) {
     auto const window = stream.getfilteredPackages({1, 0}, {3, 0});
     Pointers const& packages = inside(window.at(&file));
     fill(stream, Times(100'000, Timest{4, 0}));
-    static_cast<void>(for (int i = 0; i < 1000; ++i) stream.addFile("file " + std::to_string(i)));
+    for (int i = 0; i < 1000; ++i) static_cast<void>(stream.addFile("file " + std::to_string(i)));
     ASSERT_EQ(packages.size(), 3U);
     for (std::uint32_t i = 0; i < 3; ++i) {
         EXPECT_EQ(packages[i], &file.packages[i]);
