@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -99,7 +100,8 @@ TEST(FieldNames, AreTheSameWhateverTheRow) {
     StreamRow row;
     auto const fieldsOf = [](StreamRow const& r) {
         std::vector<std::string> names;
-        for (auto const& field : toFields(streamLayout(), r).items()) {
+        Fields const fields = toFields(streamLayout(), r);
+        for (auto const& field : fields.items()) {
             names.push_back(field.key());
         }
         return names;
