@@ -49,18 +49,12 @@ constexpr std::array packetKinds = {
 
 // Each looks at every value of a packet, and gives a number that depends on all of them.
 
-std::uint64_t look(DataViews const& values);
-
-std::uint64_t look(DataView const& value) {
-    auto const* const members = std::get_if<DataViews>(&value.value);
-    return value.value.index() + (members != nullptr ? look(*members) : 0);
-}
-
 // NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than kMaxDataDepth
 std::uint64_t look(DataViews const& values) {
     std::uint64_t sum = 0;
     for (DataView const& value : values) {
-        sum += look(value);
+        auto const* const members = std::get_if<DataViews>(&value.value);
+        sum += value.value.index() + (members != nullptr ? look(*members) : 0);
     }
     return sum;
 }
