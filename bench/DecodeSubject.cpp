@@ -73,7 +73,7 @@ Race::Body readOctets(std::string const& path, std::uint64_t position, std::size
     };
 }
 
-Race::Body decodeGoose(std::string const& path, std::uint64_t position) {
+Race::Body gooseFromFile(std::string const& path, std::uint64_t position) {
     return [=](benchmark::State& state) {
         for (auto _ : state) {
             auto pdu = TalIec61850Parser::GooseParser::parseGoosePDUFromFile(path, position);
@@ -85,7 +85,7 @@ Race::Body decodeGoose(std::string const& path, std::uint64_t position) {
     };
 }
 
-Race::Body decodeSv(std::string const& path, std::uint64_t position) {
+Race::Body svFromFile(std::string const& path, std::uint64_t position) {
     return [=](benchmark::State& state) {
         for (auto _ : state) {
             auto asdus = TalIec61850Parser::SvParser::parseASDUFromFile(path, position);
@@ -108,9 +108,9 @@ void measureDecode(Settings const& settings) {
     Race race("decode");
     race.addShort("read-goose",
                   readOctets(goose.path(), goosePosition, goose.octetsAt(goosePosition)));
-    race.addShort("goose", decodeGoose(goose.path(), goosePosition));
+    race.addShort("goose", gooseFromFile(goose.path(), goosePosition));
     race.addShort("read-sv", readOctets(sv.path(), svPosition, sv.octetsAt(svPosition)));
-    race.addShort("sv", decodeSv(sv.path(), svPosition));
+    race.addShort("sv", svFromFile(sv.path(), svPosition));
     auto taken = race.run(settings.rounds);
     printRatio("decode GOOSE / open, lseek, read, close", taken["goose"], taken["read-goose"]);
     printRatio("decode SV / open, lseek, read, close", taken["sv"], taken["read-sv"]);

@@ -17,7 +17,6 @@ using TalTest::Bytes;
 
 namespace {
 
-constexpr std::size_t million = 1'000'000;
 /// What two length octets can say.
 constexpr std::size_t maxContent = 65'535;
 constexpr std::uint64_t manyTimes = 100;

@@ -49,6 +49,9 @@ struct HostileInput {
     int maxRounds = std::numeric_limits<int>::max();
 };
 
+/// The levels of the deepest inputs, and their elements.
+constexpr std::size_t million = 1'000'000;
+
 /// What the others are compared with: SV of 16 streams.
 [[nodiscard]] HostileInput ordinaryInput();
 

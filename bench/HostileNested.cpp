@@ -11,7 +11,6 @@ using TalTest::Bytes;
 
 namespace {
 
-constexpr std::size_t million = 1'000'000;
 constexpr std::uint8_t structure = 0xA2;
 constexpr std::uint8_t sequence = 0x30;
 

@@ -21,7 +21,6 @@ namespace {
 constexpr std::array<std::string_view, 4> withTshark = {"sv16", "goose64", "sv8asdu", "mix1000"};
 constexpr std::array<std::string_view, 2> withProgress = {"sv16", "mix1000"};
 /// tshark takes seconds.
-constexpr int tsharkRounds = 3;
 constexpr std::uint64_t tsharkFrames = 200'000;
 
 bool contains(auto const& names, std::string_view name) {
@@ -49,7 +48,7 @@ void measureIndex(std::string_view name, Settings const& settings) {
                  indexPass(capture.path(), whole.filter, capture.packets(), [](double) {}));
     }
     if (forTshark) {
-        race.add("tshark", forTshark->frames(), tsharkPass(forTshark->path()), tsharkRounds);
+        race.add("tshark", forTshark->frames(), tsharkPass(forTshark->path()), kTsharkRounds);
     }
 
     auto taken = race.run(settings.rounds);

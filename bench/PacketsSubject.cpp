@@ -27,8 +27,7 @@ using namespace TalIec61850Analysis;
 using TalTest::Bytes;
 
 /// tshark takes seconds.
-constexpr int tsharkRounds = 3;
-constexpr std::uint64_t tsharkFrames = 100'000;
+constexpr std::uint64_t comparedFrames = 100'000;
 /// As many as stay in the caches, so that decoding is measured and not memory.
 constexpr std::size_t maxFrames = 500;
 
@@ -127,7 +126,7 @@ std::vector<Bytes> firstFrames(std::string const& path) {
 /// @return whether all is within its limits
 bool measureKind(PacketKind const& kind, Settings const& settings) {
     CaptureOnDisk const capture(
-        withFrames(workload(kind.workload), tsharkFrames / settings.divisor));
+        withFrames(workload(kind.workload), comparedFrames / settings.divisor));
     auto const frames = firstFrames(capture.path());
     Race race(fmt::format("packets-{}", kind.workload));
     bool const isSv = kind.isSv;
@@ -136,7 +135,7 @@ bool measureKind(PacketKind const& kind, Settings const& settings) {
                   eachFrame(frames, [=](auto const& f) { return lookForFaults(f, isSv); }));
     race.addShort("owning", eachFrame(frames, [=](auto const& f) { return decodeWhole(f, isSv); }));
     if (hasTshark()) {
-        race.add("tshark", capture.frames(), tsharkPass(capture.path()), tsharkRounds);
+        race.add("tshark", capture.frames(), tsharkPass(capture.path()), kTsharkRounds);
     }
     auto taken = race.run(settings.rounds);
     auto const row = [&](std::string_view what) {

@@ -25,6 +25,9 @@ namespace TalBench {
 /// Walks the records with libpcap's pcap_next_ex, and does nothing with them.
 [[nodiscard]] Race::Body libpcapPass(std::string const& path, std::uint64_t frames);
 
+/// Rounds of a race in which tshark takes part: it is slow, and steady.
+constexpr int kTsharkRounds = 3;
+
 /// Has tshark print time, svID and smpCnt of each frame to nowhere.
 [[nodiscard]] Race::Body tsharkPass(std::string const& path);
 

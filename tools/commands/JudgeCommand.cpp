@@ -24,10 +24,10 @@ using TalIec61850Parser::Filter;
 namespace {
 
 constexpr std::uint64_t kRecordsPerProgress = 1000;
-constexpr std::size_t kFieldColumns = 100;
+constexpr std::size_t kJudgeFieldColumns = 100;
 
 // Adjacent literals are one line of the help.
-constexpr char const* kNotes =
+constexpr char const* kJudgeNotes =
     "Asks the library about each frame by itself, as EthernetParser::parsePacketSimple does: "
     R"(without an
 index, and without a file. Verdicts:
@@ -45,14 +45,14 @@ its values must be met. A record that the file ends inside is not judged.
 
 )";
 
-std::string notes() {
+std::string judgeNotes() {
     auto const counts = listFields(fieldNames(verdictCountLayout()), {{"octets", "captured"}});
     auto const frames =
         listFields(fieldNames(judgedFrameLayout()),
                    {{"timeNs", "nanoseconds since 1970"}, {"recordPosition", "octets"}});
-    return kNotes +
+    return kJudgeNotes +
            wrapText(fmt::format("The fields of json and csv: {}; with --list {}.", counts, frames),
-                    kFieldColumns) +
+                    kJudgeFieldColumns) +
            "\n";
 }
 
@@ -128,7 +128,7 @@ void addJudgeCommand(ProgramDefinition& program, Action& chosen) {
     command.parser->add_flag("-l,--list", options->listsFrames,
                              "One row for each frame, in their order");
     addCriteriaOptions(command, options->criteria);
-    command.notes = notes();
+    command.notes = judgeNotes();
     command.examples = {"tal-iec61850 judge --protocol goose --appid 0x0001 bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runJudge(*options); }; });

@@ -12,10 +12,10 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kFieldColumns = 95;
+constexpr std::size_t kPacketsFieldColumns = 95;
 
 // Adjacent literals are one line of the help.
-constexpr char const* kNotes =
+constexpr char const* kPacketsNotes =
     "Packets come in the order of their capture times, over all files; of one time, "
     R"(in the order in
 which the files were given. FILE@POSITION is what `tal-iec61850 show` takes.
@@ -33,15 +33,15 @@ left out.
 
 )";
 
-std::string notes() {
+std::string packetsNotes() {
     auto const fields = listFields(fieldNames(packetLayout(true)),
                                    {{"timeNs", "nanoseconds since 1970"},
                                     {"position", "octets"},
                                     {"place", "inside; with --context also before and after"}});
-    return kNotes +
+    return kPacketsNotes +
            wrapText("The fields of json and csv: " + fields +
                         ". What follows protocol is the stream's, as `streams` lists it.",
-                    kFieldColumns) +
+                    kPacketsFieldColumns) +
            "\n";
 }
 
@@ -53,7 +53,7 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
         program, "packets", "List the packets of streams in a window of time, across captures.");
     addCommonOptions(command, options->common);
     addPacketOptions(command, *options);
-    command.notes = notes();
+    command.notes = packetsNotes();
     command.examples = {
         "tal-iec61850 packets --gocbref '*gcbTrip' --from +10s --to +10.5s --context bay1.pcap",
         "tal-iec61850 packets --svid MU01 --from 2024-03-20T10:00:00 --format csv captures/"};

@@ -21,10 +21,10 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kFieldColumns = 100;
+constexpr std::size_t kShowFieldColumns = 100;
 
 // Adjacent literals are one line of the help.
-constexpr char const* kNotes =
+constexpr char const* kShowNotes =
     "Shows packets whole, as they stand in the file: all counters at their full width, "
     R"(time stamps with
 fraction and quality, data values typed and nested, qualities by name, each ASDU with its samples.
@@ -36,14 +36,14 @@ folder or -, of which the options select packets as they do there; one kind or t
 
 )";
 
-std::string notes() {
+std::string showNotes() {
     auto const fields =
         listFields(fieldNames(shownPacketLayout()), {{"timeNs", "nanoseconds since 1970"}});
-    return kNotes +
+    return kShowNotes +
            wrapText("The fields of json and csv: " + fields +
                         ". The last two hold the packet, one of them is null; csv has it as JSON "
                         "in one cell.",
-                    kFieldColumns) +
+                    kShowFieldColumns) +
            "\n";
 }
 
@@ -93,7 +93,7 @@ void addShowCommand(ProgramDefinition& program, Action& chosen) {
                      "Packets as FILE@POSITION, or captures, folders of captures, - for standard "
                      "input");
     addPacketOptions(command, *options);
-    command.notes = notes();
+    command.notes = showNotes();
     command.examples = {"tal-iec61850 show bay1.pcap@4711",
                         "tal-iec61850 show --gocbref '*gcbTrip' --from +10s --to +10.5s bay1.pcap",
                         "tal-iec61850 show --format json --svid MU01 bay1.pcap | jq .sv.asdus"};

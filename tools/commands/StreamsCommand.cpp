@@ -18,9 +18,9 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kFieldColumns = 95;
+constexpr std::size_t kStreamsFieldColumns = 95;
 
-constexpr char const* kNotes = R"(What the columns mean:
+constexpr char const* kStreamsNotes = R"(What the columns mean:
   Identity    SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0 (bit 0 of the second
               octet of Reserved 1), CONFREV, SIM-ELEM and the names tell streams apart.
   HSR         GOOSE streams are not told apart by HSR lane: what is shown is that of the
@@ -34,10 +34,11 @@ left out.
 
 )";
 
-std::string notes() {
+std::string streamsNotes() {
     auto const fields =
         listFields(fieldNames(streamLayout()), {{"lastTimeNs", "nanoseconds since 1970"}});
-    return kNotes + wrapText("The fields of json and csv: " + fields + ".", kFieldColumns) + "\n";
+    return kStreamsNotes +
+           wrapText("The fields of json and csv: " + fields + ".", kStreamsFieldColumns) + "\n";
 }
 
 std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) {
@@ -76,7 +77,7 @@ void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
     allowOnly(command, sort, streamOrderKeys());
     parser.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
     addCriteriaOptions(command, options->criteria);
-    command.notes = notes();
+    command.notes = streamsNotes();
     command.examples = {"tal-iec61850 streams --format json bay1.pcap bay2.pcap",
                         "tal-iec61850 streams --protocol sv --sort packets --reverse captures/"};
     parser.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });

@@ -8,7 +8,7 @@ namespace TalIec61850Tools {
 namespace {
 
 /// A text between single quotes.
-std::string quoted(std::string const& text) {
+std::string fishQuoted(std::string const& text) {
     std::string result = "'";
     for (char const c : text) {
         result += c == '\'' || c == '\\' ? std::string("\\") + c : std::string(1, c);
@@ -17,7 +17,7 @@ std::string quoted(std::string const& text) {
 }
 
 std::string optionLine(std::string const& condition, OptionDescription const& option) {
-    std::string line = fmt::format("complete -c tal-iec61850 -n {}", quoted(condition));
+    std::string line = fmt::format("complete -c tal-iec61850 -n {}", fishQuoted(condition));
     if (!option.shortName.empty()) {
         line += " -s " + option.shortName;
     }
@@ -27,19 +27,19 @@ std::string optionLine(std::string const& condition, OptionDescription const& op
     } else if (!option.valueName.empty()) {
         line += option.valueName == "FILE" ? " -r -F" : " -x";
     }
-    return line + " -d " + quoted(option.text) + "\n";
+    return line + " -d " + fishQuoted(option.text) + "\n";
 }
 
 std::string commandLines(CommandDescription const& command) {
     std::string const condition = "__fish_seen_subcommand_from " + command.name;
     std::string lines =
         fmt::format("complete -c tal-iec61850 -n __fish_use_subcommand -f -a {} -d {}\n",
-                    command.name, quoted(command.text));
+                    command.name, fishQuoted(command.text));
     for (auto const& option : command.options) {
         lines += optionLine(condition, option);
     }
     if (!command.argumentChoices.empty()) {
-        lines += fmt::format("complete -c tal-iec61850 -n {} -f -a '{}'\n", quoted(condition),
+        lines += fmt::format("complete -c tal-iec61850 -n {} -f -a '{}'\n", fishQuoted(condition),
                              fmt::join(command.argumentChoices, " "));
     }
     return lines;

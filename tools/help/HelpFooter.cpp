@@ -11,8 +11,6 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kStatusColumns = 102;
-
 constexpr char const* kFormats = R"(
 json writes one object per line, csv one line per row below a line of names. Table and csv
 show control characters in names as \n, \x1b and the like, a backslash as \\.

@@ -9,8 +9,6 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kStatusColumns = 102;
-
 constexpr char const* kOutput = R"(.SH OUTPUT
 .I json
 writes one object per line,

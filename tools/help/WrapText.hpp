@@ -6,6 +6,9 @@
 
 namespace TalIec61850Tools {
 
+/// The width of the paragraph about exit statuses, in octets.
+constexpr std::size_t kStatusColumns = 102;
+
 /// Breaks a paragraph into lines. A word that is longer than a line has one for itself.
 /// @param text     words separated by blanks or line ends
 /// @param columns  the most octets of a line

@@ -24,7 +24,7 @@ fi
 )";
 
 /// A text between single quotes, in which _arguments reads brackets and colons.
-std::string quoted(std::string const& text) {
+std::string zshQuoted(std::string const& text) {
     std::string result;
     for (char const c : text) {
         if (c == '\'') {
@@ -46,11 +46,11 @@ std::string valueOf(OptionDescription const& option) {
             ? "_files"
             : (option.choices.empty() ? std::string()
                                       : fmt::format("({})", fmt::join(option.choices, " ")));
-    return fmt::format(":{}:{}", quoted(option.valueName), action);
+    return fmt::format(":{}:{}", zshQuoted(option.valueName), action);
 }
 
 std::string optionArgument(OptionDescription const& option) {
-    std::string const tail = fmt::format("[{}]{}'", quoted(option.text), valueOf(option));
+    std::string const tail = fmt::format("[{}]{}'", zshQuoted(option.text), valueOf(option));
     // The value of a long option may follow =, that of a short one at once.
     bool const takesValue = !option.valueName.empty();
     std::string text = fmt::format("'*--{}{}{}", option.longName, takesValue ? "=" : "", tail);
@@ -85,7 +85,7 @@ std::string zshCompletion(ProgramDescription const& program) {
     script += " \\\n        '1:command:((";
     std::string cases;
     for (auto const& command : program.commands) {
-        script += fmt::format(R"({}\:"{}" )", command.name, quoted(command.text));
+        script += fmt::format(R"({}\:"{}" )", command.name, zshQuoted(command.text));
         cases += commandCase(command);
     }
     script.back() = ')';

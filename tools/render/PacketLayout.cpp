@@ -11,18 +11,20 @@ namespace TalIec61850Tools {
 
 namespace {
 
-using Row = PacketRow;
-
 // The place is the last one, so that it can be left out.
-constexpr std::array kColumns = {
-    Column<Row>{{"TIME"}, [](Row const& r) { return toUtcText(r.time); }},
-    Column<Row>{{"PROTO"}, [](Row const& r) { return std::string(toText(r.stream.protocol)); }},
-    Column<Row>{{"SOURCE"}, [](Row const& r) { return nameCell(r.stream.source); }},
-    Column<Row>{{"APPID", Align::right}, [](Row const& r) { return appIdCell(r.stream); }},
-    Column<Row>{{"SVID/GOCBREF"}, [](Row const& r) { return streamNameCell(r.stream); }},
-    Column<Row>{{"FILE@POSITION"},
-                [](Row const& r) { return fmt::format("{}@{}", escapeText(r.file), r.position); }},
-    Column<Row>{{"PLACE"}, [](Row const& r) { return std::string(toText(r.place)); }},
+constexpr std::array kPacketColumns = {
+    Column<PacketRow>{{"TIME"}, [](PacketRow const& r) { return toUtcText(r.time); }},
+    Column<PacketRow>{{"PROTO"},
+                      [](PacketRow const& r) { return std::string(toText(r.stream.protocol)); }},
+    Column<PacketRow>{{"SOURCE"}, [](PacketRow const& r) { return nameCell(r.stream.source); }},
+    Column<PacketRow>{{"APPID", Align::right},
+                      [](PacketRow const& r) { return appIdCell(r.stream); }},
+    Column<PacketRow>{{"SVID/GOCBREF"},
+                      [](PacketRow const& r) { return streamNameCell(r.stream); }},
+    Column<PacketRow>{
+        {"FILE@POSITION"},
+        [](PacketRow const& r) { return fmt::format("{}@{}", escapeText(r.file), r.position); }},
+    Column<PacketRow>{{"PLACE"}, [](PacketRow const& r) { return std::string(toText(r.place)); }},
 };
 
 }  // namespace
@@ -39,20 +41,20 @@ std::string_view toText(Place place) {
 }
 
 std::vector<Field<PacketRow>> packetFields() {
-    return {{"time", [](Row const& r) { return toUtcText(r.time); }},
-            {"timeNs", [](Row const& r) { return nanosecondsSince1970(r.time); }},
-            {"file", [](Row const& r) { return r.file; }},
-            {"position", [](Row const& r) { return r.position; }},
-            {"place", [](Row const& r) { return toText(r.place); }}};
+    return {{"time", [](PacketRow const& r) { return toUtcText(r.time); }},
+            {"timeNs", [](PacketRow const& r) { return nanosecondsSince1970(r.time); }},
+            {"file", [](PacketRow const& r) { return r.file; }},
+            {"position", [](PacketRow const& r) { return r.position; }},
+            {"place", [](PacketRow const& r) { return toText(r.place); }}};
 }
 
 RowLayout<PacketRow> packetLayout(bool withPlace) {
-    std::span<Column<PacketRow> const> const columns(kColumns);
+    std::span<Column<PacketRow> const> const columns(kPacketColumns);
     RowLayout<PacketRow> layout{.fields = packetFields(),
                                 .columns = withPlace ? columns : columns.first(columns.size() - 1)};
     appendFields<PacketRow, StreamIdentity>(
         layout.fields, streamFields(),
-        [](Row const& r) -> StreamIdentity const& { return r.stream; });
+        [](PacketRow const& r) -> StreamIdentity const& { return r.stream; });
     return layout;
 }
 

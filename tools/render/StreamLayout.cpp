@@ -31,43 +31,48 @@ std::string rateCell(StreamRow const& row) {
     return rate ? fmt::format("{:.3f}", *rate) : std::string(kAbsentCell);
 }
 
-using Row = StreamRow;
-
-constexpr std::array kColumns = {
-    Column<Row>{{"PROTO"}, [](Row const& r) { return std::string(toText(r.protocol)); }},
-    Column<Row>{{"SOURCE"}, [](Row const& r) { return nameCell(r.source); }},
-    Column<Row>{{"DESTINATION"}, [](Row const& r) { return nameCell(r.destination); }},
-    Column<Row>{{"VLAN", Align::right}, [](Row const& r) { return vlanCell(r); }},
-    Column<Row>{{"APPID", Align::right}, [](Row const& r) { return appIdCell(r); }},
-    Column<Row>{{"HSR"}, [](Row const& r) { return hsrCell(r); }},
-    Column<Row>{{"R1B0", Align::right}, [](Row const& r) { return numberCell(r.reserved1Bit0); }},
-    Column<Row>{{"CONFREV", Align::right}, [](Row const& r) { return numberCell(r.confRev); }},
-    Column<Row>{{"SIM-ELEM"}, simulationCell},
-    Column<Row>{{"PACKETS", Align::right}, [](Row const& r) { return fmt::to_string(r.packets); }},
-    Column<Row>{{"FILES", Align::right}, [](Row const& r) { return fmt::to_string(r.files); }},
-    Column<Row>{{"FIRST"}, [](Row const& r) { return timeCell(r.firstTime); }},
-    Column<Row>{{"LAST"}, [](Row const& r) { return timeCell(r.lastTime); }},
-    Column<Row>{{"PACKETS/S", Align::right}, rateCell},
-    Column<Row>{{"SVID/GOCBREF"}, [](Row const& r) { return streamNameCell(r); }},
-    Column<Row>{{"DATSET"}, [](Row const& r) { return nameCell(r.datSet); }},
-    Column<Row>{{"GOID"}, [](Row const& r) { return nameCell(r.goID); }},
+constexpr std::array kStreamColumns = {
+    Column<StreamRow>{{"PROTO"},
+                      [](StreamRow const& r) { return std::string(toText(r.protocol)); }},
+    Column<StreamRow>{{"SOURCE"}, [](StreamRow const& r) { return nameCell(r.source); }},
+    Column<StreamRow>{{"DESTINATION"}, [](StreamRow const& r) { return nameCell(r.destination); }},
+    Column<StreamRow>{{"VLAN", Align::right}, [](StreamRow const& r) { return vlanCell(r); }},
+    Column<StreamRow>{{"APPID", Align::right}, [](StreamRow const& r) { return appIdCell(r); }},
+    Column<StreamRow>{{"HSR"}, [](StreamRow const& r) { return hsrCell(r); }},
+    Column<StreamRow>{{"R1B0", Align::right},
+                      [](StreamRow const& r) { return numberCell(r.reserved1Bit0); }},
+    Column<StreamRow>{{"CONFREV", Align::right},
+                      [](StreamRow const& r) { return numberCell(r.confRev); }},
+    Column<StreamRow>{{"SIM-ELEM"}, simulationCell},
+    Column<StreamRow>{{"PACKETS", Align::right},
+                      [](StreamRow const& r) { return fmt::to_string(r.packets); }},
+    Column<StreamRow>{{"FILES", Align::right},
+                      [](StreamRow const& r) { return fmt::to_string(r.files); }},
+    Column<StreamRow>{{"FIRST"}, [](StreamRow const& r) { return timeCell(r.firstTime); }},
+    Column<StreamRow>{{"LAST"}, [](StreamRow const& r) { return timeCell(r.lastTime); }},
+    Column<StreamRow>{{"PACKETS/S", Align::right}, rateCell},
+    Column<StreamRow>{{"SVID/GOCBREF"}, [](StreamRow const& r) { return streamNameCell(r); }},
+    Column<StreamRow>{{"DATSET"}, [](StreamRow const& r) { return nameCell(r.datSet); }},
+    Column<StreamRow>{{"GOID"}, [](StreamRow const& r) { return nameCell(r.goID); }},
 };
 
 }  // namespace
 
 RowLayout<StreamRow> streamLayout() {
-    RowLayout<StreamRow> layout{.fields = {}, .columns = kColumns};
+    RowLayout<StreamRow> layout{.fields = {}, .columns = kStreamColumns};
     appendFields<StreamRow, StreamIdentity>(
-        layout.fields, streamFields(), [](Row const& r) -> StreamIdentity const& { return r; });
+        layout.fields, streamFields(),
+        [](StreamRow const& r) -> StreamIdentity const& { return r; });
     layout.fields.insert(
         layout.fields.end(),
-        {{"packets", [](Row const& r) { return r.packets; }},
-         {"files", [](Row const& r) { return r.files; }},
-         {"firstTime", [](Row const& r) { return textField(r.firstTime); }},
-         {"firstTimeNs", [](Row const& r) { return integerField(r.firstTime); }},
-         {"lastTime", [](Row const& r) { return textField(r.lastTime); }},
-         {"lastTimeNs", [](Row const& r) { return integerField(r.lastTime); }},
-         {"packetsPerSecond", [](Row const& r) { return optionalField(r.packetsPerSecond()); }}});
+        {{"packets", [](StreamRow const& r) { return r.packets; }},
+         {"files", [](StreamRow const& r) { return r.files; }},
+         {"firstTime", [](StreamRow const& r) { return textField(r.firstTime); }},
+         {"firstTimeNs", [](StreamRow const& r) { return integerField(r.firstTime); }},
+         {"lastTime", [](StreamRow const& r) { return textField(r.lastTime); }},
+         {"lastTimeNs", [](StreamRow const& r) { return integerField(r.lastTime); }},
+         {"packetsPerSecond",
+          [](StreamRow const& r) { return optionalField(r.packetsPerSecond()); }}});
     return layout;
 }
 
