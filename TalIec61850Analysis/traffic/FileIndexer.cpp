@@ -263,7 +263,7 @@ FileIndexer::Collected& FileIndexer::streamOf(StreamKey key) {
     if (found != byKey_.end()) {
         return *found->second;
     }
-    Collected& stream = streams_.emplace_back();
+    Collected& stream = streams_.emplace_back(key.protocol);
     try {
         stream.key = &byKey_.emplace(std::move(key), &stream).first->first;
     } catch (...) {
@@ -339,18 +339,18 @@ void FileIndexer::addFrame(Result const& result, Target const* others, SourceVie
     }
 }
 
-inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) {
+inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
     if (target.stream == nullptr) {
         return;
     }
     Collected& stream = *target.stream;
-    std::size_t const packet = stream.rows.size();
+    std::size_t const packet = stream.packets.size();
     if (stream.attributes != target.attributes) [[unlikely]] {
         stream.changes.push_back(
             {.firstPacket = static_cast<std::uint32_t>(packet), .attributes = target.attributes});
         stream.attributes = target.attributes;
     }
-    PacketRow& added = stream.rows.add();
+    PacketRow& added = stream.packets.add(file_.summary.fileSize, row.frameOffset);
     added.time = row.time;
     added.frameOffset = row.frameOffset;
     added.pduOffset = row.pduOffset;
@@ -379,7 +379,7 @@ inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, O
 void FileIndexer::readOddCounters(Target const& target, Octets frame, PacketRow& row) {
     Collected& stream = *target.stream;
     bool const isGoose = stream.key->protocol == StreamProtocol::goose;
-    auto const packet = static_cast<std::uint32_t>(stream.rows.size() - 1);
+    auto const packet = static_cast<std::uint32_t>(stream.packets.size() - 1);
     auto const read = [&](CounterPlace const& place, std::uint32_t largest, bool isSecond) {
         auto state = CounterState::absent;
         std::uint32_t value = 0;
@@ -425,8 +425,7 @@ std::vector<TrafficStream> FileIndexer::takeStreams(std::uint32_t number) {
         stream.key = *collected->key;
         StreamPart& part = stream.parts.emplace_back();
         part.file = number;
-        part.packets = ColumnsWriter::make(stream.key.protocol, collected->rows,
-                                           std::exchange(collected->wide, {}));
+        part.packets = collected->packets.take(std::exchange(collected->wide, {}));
         part.changes = std::exchange(collected->changes, {});
         part.changes.shrink_to_fit();
     }

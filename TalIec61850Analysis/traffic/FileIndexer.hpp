@@ -50,10 +50,12 @@ public:
 private:
     /// A stream as it is collected.
     struct Collected {
+        explicit Collected(StreamProtocol protocol) : packets(protocol) {}
+
         StreamKey const* key = nullptr;
         bool isKept = true;
         std::uint32_t attributes = std::numeric_limits<std::uint32_t>::max();
-        PacketRows rows;
+        ColumnsWriter packets;
         std::vector<AttributeChange> changes;
         std::vector<WideRow> wide;
     };
@@ -93,7 +95,7 @@ private:
     [[nodiscard]] Collected& streamOf(StreamKey key);
     [[nodiscard]] std::uint32_t numberOf(StreamAttributes const& attributes);
     void addFrame(Result const& result, Target const* others, SourceView const& view);
-    static void addPacket(Target const& target, PacketRow const& row, Octets frame);
+    void addPacket(Target const& target, PacketRow const& row, Octets frame) const;
     static void readOddCounters(Target const& target, Octets frame, PacketRow& row);
 
     std::function<bool(StreamKey const&)> const& keeps_;

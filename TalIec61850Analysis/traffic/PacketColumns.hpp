@@ -202,7 +202,7 @@ private:
     /// @param before  octets of a packet in the columns before this one
     template <typename Value>
     [[nodiscard]] std::span<Value const> column(std::size_t before) const noexcept {
-        return {reinterpret_cast<Value const*>(block_.get() + before * size_), size_};
+        return {reinterpret_cast<Value const*>(block_.get() + before * capacity_), size_};
     }
     [[nodiscard]] OctetString const* findWide(std::size_t packet, bool isSecond) const noexcept;
 
@@ -210,6 +210,9 @@ private:
     bool hasTimes_ = false;
     bool hasRedundancy_ = false;
     std::size_t size_ = 0;
+    /// Packets that there is room for in each column. What is not used was never written, so that
+    /// the system gives no memory for it.
+    std::size_t capacity_ = 0;
     /// One column after the other, wider ones first, so that each is aligned.
     std::unique_ptr<std::byte[]> block_;
     std::vector<std::uint32_t> order_;

@@ -4,12 +4,9 @@
 
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
-#include <new>
 #include <span>
 #include <vector>
 
@@ -35,68 +32,28 @@ struct WideRow {
     OctetString octets;
 };
 
-/// Grows without a copy of what it holds, and takes memory as packets come.
-class PacketRows {
-public:
-    /// Room for one more, not initialised.
-    [[nodiscard]] PacketRow& add() {
-        if (next_ == end_) [[unlikely]] {
-            grow();
-        }
-        return *next_++;
-    }
-    [[nodiscard]] std::size_t size() const {
-        return full_ + (chunks_.empty() ? 0 : static_cast<std::size_t>(next_ - start()));
-    }
-
-    /// Shows each chunk of rows, and gives its memory back.
-    /// @param use  void use(std::span<PacketRow const>)
-    template <typename Use>
-    void consume(Use const& use) {
-        for (Chunk& chunk : chunks_) {
-            bool const isLast = &chunk == &chunks_.back();
-            use(std::span<PacketRow const>(
-                chunk.rows.get(), isLast ? static_cast<std::size_t>(next_ - start()) : chunk.size));
-            chunk.rows.reset();
-        }
-        *this = PacketRows();
-    }
-
-private:
-    struct Chunk {
-        std::unique_ptr<PacketRow[]> rows;
-        std::size_t size = 0;
-    };
-
-    [[nodiscard]] PacketRow const* start() const { return chunks_.back().rows.get(); }
-
-    void grow() {
-        constexpr std::size_t kFirstSize = 2;
-        constexpr std::size_t kMaxSize = 2048;
-        std::size_t const last = chunks_.empty() ? 0 : chunks_.back().size;
-        if (full_ + last > std::numeric_limits<std::uint32_t>::max() - kMaxSize) {
-            throw std::bad_alloc();  // packets have numbers of 32 bits
-        }
-        std::size_t const size = std::clamp(2 * last, kFirstSize, kMaxSize);
-        chunks_.push_back({std::make_unique_for_overwrite<PacketRow[]>(size), size});
-        full_ += last;
-        next_ = chunks_.back().rows.get();
-        end_ = next_ + size;
-    }
-
-    PacketRow* next_ = nullptr;
-    PacketRow* end_ = nullptr;
-    /// Rows in all chunks but the last.
-    std::size_t full_ = 0;
-    std::vector<Chunk> chunks_;
-};
-
-/// Makes columns, and changes their flags.
+/// Collects the packets of one stream. Each is written as a row; full rows become columns a few at
+/// a time, since a packet's place in every column would be another page.
 class ColumnsWriter {
 public:
-    /// @param rows  empty afterwards
-    [[nodiscard]] static PacketColumns make(StreamProtocol protocol, PacketRows& rows,
-                                            std::vector<WideRow> wide);
+    /// A stream that has few packets takes little room.
+    explicit ColumnsWriter(StreamProtocol protocol) { columns_.protocol_ = protocol; }
+
+    /// Room for one more packet, not initialised.
+    /// @param fileSize    octets of the file; 0 where that is not known
+    /// @param fileOffset  of the packet: how much of the file has been read
+    [[nodiscard]] PacketRow& add(std::uint64_t fileSize, std::uint64_t fileOffset) {
+        if (staged_ == stageSize_) [[unlikely]] {
+            makeRoom(fileSize, fileOffset);
+        }
+        return stage_[staged_++];
+    }
+    /// How many packets were added.
+    [[nodiscard]] std::size_t size() const { return columns_.size_ + staged_; }
+
+    /// To be called last.
+    /// @param wide  by packet, the first counter before the second
+    [[nodiscard]] PacketColumns take(std::vector<WideRow> wide);
 
     static std::span<PacketFlags> flags(PacketColumns& columns) {
         auto const all = columns.flags();
@@ -104,7 +61,21 @@ public:
     }
 
 private:
+    static constexpr std::size_t kMaxStageSize = 16;
+
+    void makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset);
+    /// Puts the staged rows into the columns, which have room for them.
+    void flush();
+    void reserve(std::size_t capacity);
     static void sort(PacketColumns& columns);
+
+    PacketColumns columns_;
+    std::unique_ptr<PacketRow[]> stage_;
+    std::uint32_t staged_ = 0;
+    std::uint32_t stageSize_ = 0;
+    bool isSorted_ = true;
+    std::uint16_t allFlags_ = 0;
+    std::int64_t lastTime_ = kNoTime;
 };
 
 }  // namespace TalIec61850Analysis::detail
