@@ -44,3 +44,10 @@
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>
+#include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
+#include <TalIec61850Analysis/traffic/PacketColumns.hpp>
+#include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
+#include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Analysis/traffic/TrafficOptions.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>

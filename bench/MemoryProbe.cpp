@@ -28,6 +28,12 @@ Allocations allocationsOfIndexing(std::string const& path) {
     return counted;
 }
 
+double residentPerTruePacket(std::string const& path) {
+    double octets = 0;
+    ask({"true-resident", path}) >> octets;
+    return octets;
+}
+
 double residentPerPacket(std::string const& path) {
     double octets = 0;
     ask({"resident", path}) >> octets;

@@ -26,6 +26,9 @@ struct Allocations {
 /// store, in octets per packet.
 [[nodiscard]] double residentPerPacket(std::string const& path);
 
+/// The same of the index true to the wire, in octets per packet of its streams.
+[[nodiscard]] double residentPerTruePacket(std::string const& path);
+
 /// By how much the resident memory (VmHWM) of a process grows at most that uses an input built to
 /// hurt, in octets.
 /// @param name  of the input

@@ -29,6 +29,9 @@ void measureDecode(Settings const& settings);
 /// @throws std::runtime_error when a limit is exceeded
 void measurePackets(Settings const& settings);
 
+/// The index true to the wire: against the given library's, its memory, and several threads.
+void measureTraffic(Settings const& settings);
+
 /// Judging a single frame, against copying it; and what it allocates.
 void measureJudge(Settings const& settings);
 

@@ -34,12 +34,13 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 8> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 9> subjects = {{
     {"index", measureIndexes},
     {"growth", measureGrowth},
     {"queries", measureQueries},
     {"decode", measureDecode},
     {"packets", measurePackets},
+    {"traffic", measureTraffic},
     {"judge", measureJudge},
     {"memory", measureMemory},
     {"hostile", measureHostile},

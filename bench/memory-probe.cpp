@@ -1,11 +1,13 @@
 // Counts memory, for tal-bench:
 //   memory-probe allocations FILE  what indexing a capture allocates, and what of it is the deques'
 //   memory-probe resident FILE     how much the process grows by, in octets per packet
+//   memory-probe true-resident FILE  the same of the index true to the wire
 //   memory-probe hostile NAME PATH  how much it grows at most by using an input built to hurt
 //   memory-probe judge             what judging each of a few frames allocates, and its text
 
 #include <fmt/format.h>
 
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Parser/TalIec61850Parser.hpp>
 #include <atomic>
 #include <cstddef>
@@ -74,6 +76,17 @@ void measureResident(std::string const& path) {
     fmt::print("{}\n", static_cast<double>(after - before) / static_cast<double>(packets));
 }
 
+void measureTrueResident(std::string const& path) {
+    std::uint64_t const before = residentOctets();
+    auto const index = TalIec61850Analysis::indexCapture(path);
+    std::uint64_t const after = residentOctets();
+    std::uint64_t packets = 0;
+    for (auto const& stream : index.streams()) {
+        packets += stream.size();
+    }
+    fmt::print("{}\n", static_cast<double>(after - before) / static_cast<double>(packets));
+}
+
 void measurePeak(std::string_view name, std::string const& path) {
     auto const input = TalBench::hostileInput(name);
     std::uint64_t const before = residentOctets();
@@ -103,13 +116,15 @@ int main(int argc, char** argv) {
         countAllocations(argv[2]);
     } else if (subject == "resident" && argc == 3) {
         measureResident(argv[2]);
+    } else if (subject == "true-resident" && argc == 3) {
+        measureTrueResident(argv[2]);
     } else if (subject == "hostile" && argc == 4) {
         measurePeak(argv[2], argv[3]);
     } else if (subject == "judge" && argc == 2) {
         countJudging();
     } else {
         fmt::print(stderr,
-                   "usage: memory-probe allocations FILE | resident FILE | "
+                   "usage: memory-probe allocations FILE | resident FILE | true-resident FILE | "
                    "hostile NAME PATH | judge\n");
         return 1;
     }

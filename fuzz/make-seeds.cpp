@@ -21,6 +21,7 @@ int main(int argc, char** argv) try {
     TalFuzz::writeLaneSeeds(Seeds(folder / "fuzz-lanes"));
     TalFuzz::writePositionSeeds(Seeds(folder / "fuzz-positions"));
     TalFuzz::writeQuerySeeds(Seeds(folder / "fuzz-queries"));
+    TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-traffic"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-values"));
     return 0;
 } catch (std::exception const& error) {

@@ -22,7 +22,7 @@ enum class FaultKind : std::uint8_t {
     wrongContent,      ///< octets that make no value of its kind
     tooWide,           ///< a number that takes more than 64 bits
     tooLong,           ///< what follows is beyond the octets that are read
-    negative,          ///< a negative number where none has a meaning
+    negative,          ///< a number with the sign bit set where none is negative
 };
 
 /// One thing that is wrong with a packet, and where.

@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/packet/FrameHeader.hpp>
+#include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Parser/wire/ApplicationHeader.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
@@ -15,12 +16,21 @@ class HeaderReader {
 public:
     HeaderReader(Octets frame, FrameHeader& header) : frame_(frame), header_(header) {}
 
-    void read() {
-        takeAddress(header_.destination);
-        takeAddress(header_.source);
-        takeEtherType();
-        if (header_.etherType == wire::kEtherTypeVlan) {
-            takeVlan();
+    void read(std::uint16_t linkType) {
+        if (linkType == kLinkTypeEthernet) {
+            takeAddress(header_.destination);
+            takeAddress(header_.source);
+            takeEtherType();
+        } else if (linkType == kLinkTypeCooked) {
+            takeCooked(wire::kCooked);
+        } else if (linkType == kLinkTypeCooked2) {
+            takeCooked(wire::kCooked2);
+        } else {
+            return;
+        }
+        while (header_.etherType && wire::isVlanTpid(*header_.etherType) &&
+               header_.vlanTags.size() < kMaxVlanTags) {
+            takeVlan(*header_.etherType);
         }
         if (header_.etherType == wire::kEtherTypeHsr) {
             takeHsr();
@@ -52,10 +62,26 @@ private:
         }
     }
 
-    void takeVlan() {
+    /// The source is set where the address has the size of one.
+    void takeCooked(wire::CookedLayout const& layout) {
+        Octets const octets = take(layout.size);
+        if (octets.empty()) {
+            return;
+        }
+        auto const size = wire::readBigEndian<std::uint16_t>(
+            octets.subspan(layout.addressSizeOffset, layout.addressSizeWidth));
+        if (size == wire::kMacSize) {
+            Octets const address = octets.subspan(layout.addressOffset, wire::kMacSize);
+            std::copy(address.begin(), address.end(), header_.source.emplace().begin());
+        }
+        header_.etherType = wire::readUint16(octets, layout.protocolOffset);
+    }
+
+    void takeVlan(std::uint16_t tpid) {
         if (Octets const octets = take(wire::kVlanTagSize); !octets.empty()) {
             auto const tag = wire::toVlanTag(wire::readUint16(octets, 0));
-            header_.vlan = {.priority = tag.priority, .dei = tag.dei, .id = tag.id};
+            header_.vlanTags.add(
+                {.tpid = tpid, .priority = tag.priority, .dei = tag.dei, .id = tag.id});
         }
         takeEtherType();
     }
@@ -103,13 +129,18 @@ bool FrameHeader::simulated() const noexcept {
     return (reserved1.value_or(0) & ApplicationHeader::kSimulationBit) != 0;
 }
 
-FrameHeader readFrameHeader(Octets frame) noexcept {
-    FrameHeader header;
-    HeaderReader(frame, header).read();
-    if (auto const trailer = wire::readPrpTrailer(frame.subspan(header.size))) {
-        header.prp = {
-            .sequence = trailer->sequence, .lanId = trailer->path, .lsduSize = trailer->lsduSize};
+FrameHeader readFrameHeader(Octets frame, FrameOrigin const& origin) noexcept {
+    FrameHeader const header = readFrameStart(frame, origin.linkType);
+    FrameHeader whole = header;
+    if (auto const trailer = findPrpTrailer(frame, pduEndOf(frame, header), header, origin)) {
+        whole.prp = trailer->trailer;
     }
+    return whole;
+}
+
+FrameHeader readFrameStart(Octets frame, std::uint16_t linkType) noexcept {
+    FrameHeader header;
+    HeaderReader(frame, header).read(linkType);
     return header;
 }
 

@@ -23,10 +23,12 @@ GoosePacket toOwned(GooseView const& view) {
             .faults = ownedFaults(view)};
 }
 
-GoosePacket decodeGoose(Octets frame, std::size_t pduOffset) {
-    return toOwned(viewGoose(frame, pduOffset));
+GoosePacket decodeGoose(Octets frame, std::size_t pduOffset, FrameOrigin const& origin) {
+    return toOwned(viewGoose(frame, pduOffset, origin));
 }
 
-GoosePacket decodeGoose(Octets frame) { return toOwned(viewGoose(frame)); }
+GoosePacket decodeGoose(Octets frame, FrameOrigin const& origin) {
+    return toOwned(viewGoose(frame, origin));
+}
 
 }  // namespace TalIec61850Analysis

@@ -65,9 +65,11 @@ struct GoosePacket {
 /// Reads one frame; see viewGoose.
 /// @throws std::bad_alloc
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT GoosePacket decodeGoose(Octets frame,
-                                                                 std::size_t pduOffset);
+                                                                 std::size_t pduOffset,
+                                                                 FrameOrigin const& origin = {});
 
 /// The same with the goosePdu looked for where it should start, after the header.
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT GoosePacket decodeGoose(Octets frame);
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT GoosePacket decodeGoose(Octets frame,
+                                                                 FrameOrigin const& origin = {});
 
 }  // namespace TalIec61850Analysis

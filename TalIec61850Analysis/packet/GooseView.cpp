@@ -2,6 +2,7 @@
 #include <TalIec61850Analysis/packet/GooseView.hpp>
 #include <TalIec61850Analysis/packet/PduFrame.hpp>
 #include <TalIec61850Analysis/packet/Reading.hpp>
+#include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Parser/wire/GooseTags.hpp>
 
 namespace TalIec61850Analysis {
@@ -62,7 +63,7 @@ void GooseView::visitOthers(ElementSink sink) const {
 }
 
 void GooseView::visitFaults(FaultSink sink) const {
-    reportHeader(header, readablePart(frame), sink);
+    reportHeader(header, readablePart(frame), origin, sink);
     if (!pdu) {
         sink({pduOffset, FaultKind::notThere});
     } else {
@@ -81,11 +82,12 @@ void GooseView::visitFaults(FaultSink sink) const {
     reportUnread(frame, sink);
 }
 
-GooseView viewGoose(Octets frame, std::size_t pduOffset) noexcept {
+GooseView viewGoose(Octets frame, std::size_t pduOffset, FrameOrigin const& origin) noexcept {
     Octets const readable = readablePart(frame);
     GooseView view;
     view.frame = frame;
-    view.header = readFrameHeader(readable);
+    view.origin = origin;
+    view.header = readFrameStart(readable, origin.linkType);
     view.pduOffset = pduOffset;
     view.pdu = elementAt(readable, pduOffset, wire::kGoosePdu);
     std::size_t end = view.header.size;
@@ -99,10 +101,12 @@ GooseView viewGoose(Octets frame, std::size_t pduOffset) noexcept {
             }
         }
     }
-    view.trailing = takeTail(readable, end, view.header);
+    view.trailing = takeTail(readable, end, origin, view.header);
     return view;
 }
 
-GooseView viewGoose(Octets frame) noexcept { return viewGoose(frame, readFrameHeader(frame).size); }
+GooseView viewGoose(Octets frame, FrameOrigin const& origin) noexcept {
+    return viewGoose(frame, readFrameStart(readablePart(frame), origin.linkType).size, origin);
+}
 
 }  // namespace TalIec61850Analysis

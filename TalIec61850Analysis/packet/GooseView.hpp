@@ -20,11 +20,13 @@ namespace TalIec61850Analysis {
 struct GooseView {
     /// As it was given.
     Octets frame;
+    /// As it was given.
+    FrameOrigin origin;
     /// What is around the PDU.
     FrameHeader header;
 
     // Names are octets of the frame, whatever they hold. Numbers are BER INTEGERs: one that its
-    // sender wrote without the leading zero octet is negative, as it was sent, and has a fault.
+    // sender wrote without the leading zero octet is read without a sign, and has a fault.
     /// The control block that sends the message.
     std::optional<std::string_view> gocbRef;
     std::optional<IntegerView> timeAllowedtoLive;  ///< milliseconds
@@ -55,7 +57,7 @@ struct GooseView {
     std::optional<ElementView> pdu;
     /// What is between the header and the goosePdu; normally nothing.
     Octets leading;
-    /// What is after the goosePdu, before a PRP trailer: padding, a signature.
+    /// What is after the goosePdu, before the PRP trailer: padding, a signature.
     Octets trailing;
 
     /// Hands on the elements of the goosePdu that no field takes, in their order: unknown ones,
@@ -72,11 +74,13 @@ struct GooseView {
 ///                   view
 /// @param pduOffset  index in `frame` of the goosePdu (61), as the index of a capture places it:
 ///                   the `position` of a Package less that of its frame
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT GooseView viewGoose(Octets frame,
-                                                             std::size_t pduOffset) noexcept;
+/// @param origin     what the capture says of the frame
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT GooseView
+viewGoose(Octets frame, std::size_t pduOffset, FrameOrigin const& origin = {}) noexcept;
 
 /// The same where nothing is known of the place: the goosePdu is looked for where it should start,
 /// after the header.
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT GooseView viewGoose(Octets frame) noexcept;
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT GooseView
+viewGoose(Octets frame, FrameOrigin const& origin = {}) noexcept;
 
 }  // namespace TalIec61850Analysis

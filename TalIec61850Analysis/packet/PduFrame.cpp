@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/packet/PduFrame.hpp>
+#include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
 
@@ -22,22 +23,31 @@ Octets octetsBetween(Octets frame, std::size_t start, std::size_t end) noexcept 
     return end <= start ? Octets() : frame.subspan(start, end - start);
 }
 
-Octets takeTail(Octets frame, std::size_t pduEnd, FrameHeader& header) noexcept {
+Octets takeTail(Octets frame, std::size_t pduEnd, FrameOrigin const& origin,
+                FrameHeader& header) noexcept {
+    header.prp.reset();
     std::size_t tailEnd = frame.size();
-    if (header.prp && tailEnd - pduEnd >= wire::kPrpTrailerSize) {
-        tailEnd -= wire::kPrpTrailerSize;
-    } else {
-        header.prp.reset();
+    if (auto const found = findPrpTrailer(frame, pduEnd, header, origin)) {
+        header.prp = found->trailer;
+        tailEnd = found->offset;
     }
     return octetsBetween(frame, pduEnd, tailEnd);
 }
 
-void reportHeader(FrameHeader const& header, Octets frame, FaultSink sink) {
+void reportHeader(FrameHeader const& header, Octets frame, FrameOrigin const& origin,
+                  FaultSink sink) {
+    std::size_t const lsduOffset = lsduOffsetOf(header, origin.linkType);
+    if (header.hsr && !hsrSizeFits(lsduOffset, header.hsr->lsduSize, pduEndOf(frame, header),
+                                   std::max(frame.size(), origin.originalSize))) {
+        sink({lsduOffset - wire::kEtherTypeSize, FaultKind::wrongLength});
+    }
     if (header.reserved2) {
         return;
     }
     if (header.etherType && header.size < frame.size()) {
-        sink({header.size - wire::kEtherTypeSize, FaultKind::wrongContent});
+        bool const isTag = wire::isVlanTpid(*header.etherType);
+        sink({header.size - wire::kEtherTypeSize,
+              isTag ? FaultKind::tooDeep : FaultKind::wrongContent});
     } else {
         sink({frame.size(), FaultKind::headerCut});
     }

@@ -22,12 +22,15 @@ namespace TalIec61850Analysis {
 /// Octets of the frame; none where `end` is not after `start`.
 [[nodiscard]] Octets octetsBetween(Octets frame, std::size_t start, std::size_t end) noexcept;
 
-/// The octets after a PDU that ends at `pduEnd`, without the PRP trailer. A trailer that would
-/// start within the PDU is none, and is taken out of the header.
-[[nodiscard]] Octets takeTail(Octets frame, std::size_t pduEnd, FrameHeader& header) noexcept;
+/// The octets after a PDU that ends at `pduEnd`, up to the PRP trailer. The header's trailer is set
+/// to that, or reset where there is none.
+[[nodiscard]] Octets takeTail(Octets frame, std::size_t pduEnd, FrameOrigin const& origin,
+                              FrameHeader& header) noexcept;
 
-/// Hands on a header that is not all there or not that of a GOOSE or SV frame.
-void reportHeader(FrameHeader const& header, Octets frame, FaultSink sink);
+/// Hands on a header that is not all there or not that of a GOOSE or SV frame, and an HSR tag with
+/// a size that does not fit.
+void reportHeader(FrameHeader const& header, Octets frame, FrameOrigin const& origin,
+                  FaultSink sink);
 
 /// Hands on that a frame has more octets than are read.
 void reportUnread(Octets frame, FaultSink sink);

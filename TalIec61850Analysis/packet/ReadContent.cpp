@@ -73,7 +73,7 @@ void readContent(Octets octets, DataView& view) noexcept {
             return set(readSigned(octets), view);
         case DataKind::unsignedNumber:
         case DataKind::bcd:
-            return set(readCounter(octets), view);
+            return set(readPositive(octets), view);
         case DataKind::floatingPoint:
             return readFloat(octets, view);
         case DataKind::visibleString:

@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/packet/Reading.hpp>
+#include <limits>
 
 namespace TalIec61850Analysis {
 
@@ -37,6 +38,22 @@ Reading<IntegerView> readSigned(Octets octets) noexcept {
 }
 
 Reading<IntegerView> readCounter(Octets octets) noexcept {
+    auto reading = readSigned(octets);
+    if (octets.empty() || (octets.front() & 0x80U) == 0) {
+        return reading;
+    }
+    reading.fault = FaultKind::negative;
+    reading.value = octets;
+    auto const number = readUnsigned(octets);
+    if (auto const* const value = std::get_if<std::uint64_t>(&number)) {
+        bool const hasSign = *value <= std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+        reading.value =
+            hasSign ? IntegerView(static_cast<std::int64_t>(*value)) : IntegerView(*value);
+    }
+    return reading;
+}
+
+Reading<IntegerView> readPositive(Octets octets) noexcept {
     auto reading = readSigned(octets);
     if (isNegative(reading.value)) {
         reading.fault = FaultKind::negative;

@@ -25,8 +25,12 @@ struct Reading {
 [[nodiscard]] Reading<ReadableView<UtcTime>> readTime(Octets octets) noexcept;
 /// An INTEGER of either sign.
 [[nodiscard]] Reading<IntegerView> readSigned(Octets octets) noexcept;
-/// An INTEGER that counts something, so that it is not negative.
+/// An INTEGER that counts something, so that it is not negative. Senders leave out the zero octet
+/// that the highest bit calls for: such octets are read without a sign, and are a fault.
 [[nodiscard]] Reading<IntegerView> readCounter(Octets octets) noexcept;
+/// An INTEGER that is not negative where its sender knows how to write one: it has the sign that it
+/// was sent with.
+[[nodiscard]] Reading<IntegerView> readPositive(Octets octets) noexcept;
 /// A number without a sign that has a width of its own.
 /// @param width  in octets; any other is a fault
 [[nodiscard]] Reading<ReadableView<std::uint64_t>> readNumber(Octets octets,

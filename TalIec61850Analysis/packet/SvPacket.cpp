@@ -18,10 +18,12 @@ SvPacket toOwned(SvView const& view) {
     return packet;
 }
 
-SvPacket decodeSv(Octets frame, std::size_t asdusOffset) {
-    return toOwned(viewSv(frame, asdusOffset));
+SvPacket decodeSv(Octets frame, std::size_t asdusOffset, FrameOrigin const& origin) {
+    return toOwned(viewSv(frame, asdusOffset, origin));
 }
 
-SvPacket decodeSv(Octets frame) { return toOwned(viewSv(frame)); }
+SvPacket decodeSv(Octets frame, FrameOrigin const& origin) {
+    return toOwned(viewSv(frame, origin));
+}
 
 }  // namespace TalIec61850Analysis

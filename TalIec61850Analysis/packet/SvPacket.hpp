@@ -45,9 +45,11 @@ struct SvPacket {
 
 /// Reads one frame; see viewSv.
 /// @throws std::bad_alloc
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvPacket decodeSv(Octets frame, std::size_t asdusOffset);
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvPacket decodeSv(Octets frame, std::size_t asdusOffset,
+                                                           FrameOrigin const& origin = {});
 
 /// The same with the sequence of ASDU looked for in the savPdu after the header.
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvPacket decodeSv(Octets frame);
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvPacket decodeSv(Octets frame,
+                                                           FrameOrigin const& origin = {});
 
 }  // namespace TalIec61850Analysis

@@ -1,6 +1,7 @@
 #include <TalIec61850Analysis/packet/FieldFilter.hpp>
 #include <TalIec61850Analysis/packet/PduFrame.hpp>
 #include <TalIec61850Analysis/packet/Reading.hpp>
+#include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
 #include <TalIec61850Parser/wire/SvTags.hpp>
 
@@ -59,8 +60,8 @@ bool leadsTo(std::size_t asdusOffset, ElementView const& savPdu) noexcept {
 }
 
 /// Index in the frame of the sequence of ASDU, or of where there is none any more.
-std::size_t findSequence(Octets frame) noexcept {
-    std::size_t const start = readFrameHeader(frame).size;
+std::size_t findSequence(Octets frame, std::uint16_t linkType) noexcept {
+    std::size_t const start = readFrameStart(frame, linkType).size;
     auto const savPdu = elementAt(frame, start, wire::kSavPdu);
     if (!savPdu) {
         return start;
@@ -92,7 +93,7 @@ void SvView::visitOthers(ElementSink sink) const {
 
 void SvView::visitFaults(FaultSink sink) const {
     Octets const readable = readablePart(frame);
-    reportHeader(header, readable, sink);
+    reportHeader(header, readable, origin, sink);
     if (pdu) {
         reportFault(pdu->offset, pdu->fault, sink);
     } else if (sequence) {
@@ -118,11 +119,12 @@ void SvView::visitFaults(FaultSink sink) const {
     reportUnread(frame, sink);
 }
 
-SvView viewSv(Octets frame, std::size_t asdusOffset) noexcept {
+SvView viewSv(Octets frame, std::size_t asdusOffset, FrameOrigin const& origin) noexcept {
     Octets const readable = readablePart(frame);
     SvView view;
     view.frame = frame;
-    view.header = readFrameHeader(readable);
+    view.origin = origin;
+    view.header = readFrameStart(readable, origin.linkType);
     view.asdusOffset = asdusOffset;
     std::size_t const start = view.header.size;
     std::size_t end = start;
@@ -143,10 +145,12 @@ SvView viewSv(Octets frame, std::size_t asdusOffset) noexcept {
             static_cast<void>(setField(element, view));
         }
     });
-    view.trailing = takeTail(readable, end, view.header);
+    view.trailing = takeTail(readable, end, origin, view.header);
     return view;
 }
 
-SvView viewSv(Octets frame) noexcept { return viewSv(frame, findSequence(readablePart(frame))); }
+SvView viewSv(Octets frame, FrameOrigin const& origin) noexcept {
+    return viewSv(frame, findSequence(readablePart(frame), origin.linkType), origin);
+}
 
 }  // namespace TalIec61850Analysis

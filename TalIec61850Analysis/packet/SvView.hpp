@@ -17,6 +17,8 @@ namespace TalIec61850Analysis {
 struct SvView {
     /// As it was given.
     Octets frame;
+    /// As it was given.
+    FrameOrigin origin;
     /// What is around the PDU.
     FrameHeader header;
     /// How many ASDUs the message says that it has.
@@ -35,7 +37,7 @@ struct SvView {
     /// What is between the header and the savPdu, or before the sequence of ASDU where no savPdu
     /// leads to it; normally nothing.
     Octets leading;
-    /// What is after the savPdu, before a PRP trailer: padding, a signature.
+    /// What is after the savPdu, before the PRP trailer: padding, a signature.
     Octets trailing;
 
     /// Hands on the elements of the savPdu and of its sequence of ASDU that are none of these, in
@@ -52,11 +54,13 @@ struct SvView {
 ///                     the view
 /// @param asdusOffset  index in `frame` of the sequence of ASDU (A2), as the index of a capture
 ///                     places it: the `position` of a Package less that of its frame
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvView viewSv(Octets frame,
-                                                       std::size_t asdusOffset) noexcept;
+/// @param origin       what the capture says of the frame
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvView viewSv(Octets frame, std::size_t asdusOffset,
+                                                       FrameOrigin const& origin = {}) noexcept;
 
 /// The same where nothing is known of the place: the sequence of ASDU is looked for in the savPdu
 /// after the header.
-[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvView viewSv(Octets frame) noexcept;
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT SvView viewSv(Octets frame,
+                                                       FrameOrigin const& origin = {}) noexcept;
 
 }  // namespace TalIec61850Analysis

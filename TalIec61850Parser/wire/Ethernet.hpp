@@ -93,6 +93,37 @@ struct RedundancyTag {
     return toRedundancyTag(readUint16(trailer, 2), readUint16(trailer, 0));
 }
 
+/// Whether an EtherType announces a VLAN tag.
+[[nodiscard]] constexpr bool isVlanTpid(std::uint16_t etherType) {
+    return etherType == kEtherTypeVlan || etherType == kEtherTypeQinQ ||
+           etherType == kEtherTypeOldQinQ;
+}
+
+// --- Linux cooked captures ----------------------------------------------------------------------
+
+/// Where the parts of a cooked header are; it is in place of addresses and EtherType.
+struct CookedLayout {
+    std::size_t size = 0;
+    std::size_t addressSizeOffset = 0;
+    /// Octets of the number that says how long the address is.
+    std::size_t addressSizeWidth = 0;
+    std::size_t addressOffset = 0;
+    std::size_t protocolOffset = 0;
+};
+
+/// Link type 113.
+inline constexpr CookedLayout kCooked = {.size = 16,
+                                         .addressSizeOffset = 4,
+                                         .addressSizeWidth = 2,
+                                         .addressOffset = 6,
+                                         .protocolOffset = 14};
+/// Link type 276.
+inline constexpr CookedLayout kCooked2 = {.size = 20,
+                                          .addressSizeOffset = 11,
+                                          .addressSizeWidth = 1,
+                                          .addressOffset = 12,
+                                          .protocolOffset = 0};
+
 // --- The link layer as the index of TalIec61850Parser reads it ----------------------------------
 
 /// Whether a buffer holds enough octets for tags or a trailer to be looked for.

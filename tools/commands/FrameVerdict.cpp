@@ -14,11 +14,21 @@ using TalIec61850Parser::EthernetParser;
 using TalIec61850Parser::Filter;
 using TalIec61850Parser::Goose;
 using TalIec61850Parser::Sv;
+using TalIec61850Parser::wire::kEtherTypeVlan;
 using TalIec61850Parser::wire::readPrpLan;
 
 namespace {
 
+/// Of tags the library reads one, with the usual TPID.
+bool hasReadTags(FrameHeader const& header) {
+    auto const& tags = header.vlanTags;
+    return tags.empty() || (tags.size() == 1 && tags[0].tpid == kEtherTypeVlan);
+}
+
 std::optional<Protocol> protocolOf(FrameHeader const& header) {
+    if (!hasReadTags(header)) {
+        return std::nullopt;
+    }
     if (header.isGoose()) {
         return Protocol::goose;
     }
@@ -34,8 +44,9 @@ EthernetHeader toEthernetHeader(FrameHeader const& header, std::optional<char> p
         std::copy(header.source->begin(), header.source->end(), std::begin(ethernet.srcMac));
     }
     ethernet.etherType = header.etherType.value_or(0);
-    ethernet.hasVlan = header.vlan.has_value();
-    ethernet.vlanId = header.vlan ? header.vlan->id : std::uint16_t{0};
+    auto const vlan = header.vlanTags.innermost();
+    ethernet.hasVlan = vlan.has_value();
+    ethernet.vlanId = vlan ? vlan->id : std::uint16_t{0};
     ethernet.hasHsr = header.hsr.has_value();
     ethernet.hsrLan = header.hsr ? header.hsr->lane() : char{0};
     ethernet.hasPrp = prpLan.has_value();

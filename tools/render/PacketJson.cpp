@@ -77,6 +77,21 @@ Json othersJson(std::vector<RawElement> const& others) {
     return json;
 }
 
+/// All tags where the one under `vlan` does not say everything.
+void addTags(VlanTags const& tags, Json& json) {
+    constexpr std::uint16_t kUsualTpid = 0x8100;
+    if (tags.empty() || (tags.size() == 1 && tags[0].tpid == kUsualTpid)) {
+        return;
+    }
+    Json all = Json::array();
+    for (VlanTag const& tag : tags) {
+        Json each = {{"tpid", tag.tpid}};
+        each.update(fieldJson(tag));
+        all.push_back(std::move(each));
+    }
+    json["vlanTags"] = std::move(all);
+}
+
 /// What ends the object of every packet.
 template <typename Packet>
 void addRest(Packet const& packet, Json& json) {
@@ -138,17 +153,19 @@ Json toJson(AsduContent const& asdu) {
 }
 
 Json toJson(FrameHeader const& header) {
-    return {{"destination", fieldJson(header.destination)},
-            {"source", fieldJson(header.source)},
-            {"vlan", fieldJson(header.vlan)},
-            {"hsr", fieldJson(header.hsr)},
-            {"prp", fieldJson(header.prp)},
-            {"etherType", fieldJson(header.etherType)},
-            {"appId", fieldJson(header.appId)},
-            {"length", fieldJson(header.length)},
-            {"reserved1", fieldJson(header.reserved1)},
-            {"simulated", header.reserved1 ? Json(header.simulated()) : Json()},
-            {"reserved2", fieldJson(header.reserved2)}};
+    Json json = {{"destination", fieldJson(header.destination)},
+                 {"source", fieldJson(header.source)},
+                 {"vlan", fieldJson(header.vlanTags.innermost())},
+                 {"hsr", fieldJson(header.hsr)},
+                 {"prp", fieldJson(header.prp)},
+                 {"etherType", fieldJson(header.etherType)},
+                 {"appId", fieldJson(header.appId)},
+                 {"length", fieldJson(header.length)},
+                 {"reserved1", fieldJson(header.reserved1)},
+                 {"simulated", header.reserved1 ? Json(header.simulated()) : Json()},
+                 {"reserved2", fieldJson(header.reserved2)}};
+    addTags(header.vlanTags, json);
+    return json;
 }
 
 Json toJson(RawElement const& element) {

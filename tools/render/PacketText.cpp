@@ -29,7 +29,9 @@ std::string fieldText(Integer const& integer) {
 }
 
 std::string fieldText(VlanTag const& vlan) {
-    return fmt::format("{}, priority {}{}", vlan.id, vlan.priority, vlan.dei ? ", dei" : "");
+    constexpr std::uint16_t kUsualTpid = 0x8100;
+    return fmt::format("{}, priority {}{}{}", vlan.id, vlan.priority, vlan.dei ? ", dei" : "",
+                       vlan.tpid == kUsualTpid ? "" : fmt::format(", TPID {:04x}", vlan.tpid));
 }
 
 std::string fieldText(HsrTag const& hsr) {
@@ -76,7 +78,9 @@ void addNamed(std::string_view name, std::optional<Readable<std::uint64_t>> cons
 void addHeader(FrameHeader const& header, TextTree& tree) {
     add("destination", header.destination, tree);
     add("source", header.source, tree);
-    add("vlan", header.vlan, tree);
+    for (VlanTag const& tag : header.vlanTags) {
+        tree.add("vlan", fieldText(tag));
+    }
     add("hsr", header.hsr, tree);
     add("prp", header.prp, tree);
     addWord("etherType", header.etherType, tree);

@@ -69,7 +69,8 @@ TEST(CutGoose, SaysTheSameAsFarAsItGoes) {
         goose.frame.size() - kPrpTrailerSize - whole.trailing.size();  // of the PDU
     for (std::size_t size = 0; size < goose.frame.size(); ++size) {
         SCOPED_TRACE(size);
-        GoosePacket const cut = decodeGoose(prefix(goose.frame, size), goose.offset);
+        GoosePacket const cut = decodeGoose(prefix(goose.frame, size), goose.offset,
+                                            {.originalSize = goose.frame.size()});
         expectSameAsFarAsItGoes(cut, whole);
         EXPECT_EQ(cut.faults.empty(), size >= end);
         EXPECT_EQ(cut.header.prp, std::nullopt);
@@ -133,7 +134,8 @@ TEST(CutSv, SaysTheSameAsFarAsItGoes) {
     std::size_t const end = sv.frame.size() - whole.trailing.size();
     for (std::size_t size = 0; size < sv.frame.size(); ++size) {
         SCOPED_TRACE(size);
-        SvPacket const cut = decodeSv(prefix(sv.frame, size), sv.offset);
+        SvPacket const cut =
+            decodeSv(prefix(sv.frame, size), sv.offset, {.originalSize = sv.frame.size()});
         expectSameOrNone(cut.noASDU, whole.noASDU);
         expectSameOrNone(cut.security, whole.security);
         ASSERT_LE(cut.asdus.size(), whole.asdus.size());
@@ -159,7 +161,8 @@ TEST(CutSv, SaysTheSameAsFarAsItGoes) {
 
 TEST(CutSv, BeforeItsAsdusHasWhatStandsBeforeThem) {
     PlacedFrame const sv = richSv();
-    SvPacket const packet = decodeSv(prefix(sv.frame, sv.offset));
+    SvPacket const packet =
+        decodeSv(prefix(sv.frame, sv.offset), {.originalSize = sv.frame.size()});
     EXPECT_EQ(packet.noASDU, Integer(std::int64_t{2}));
     EXPECT_EQ(packet.security, (OctetString{0x30, 0x00}));
     EXPECT_EQ(kinds(packet.faults), (std::vector{FaultKind::pastCapture, FaultKind::notThere}));

@@ -74,13 +74,28 @@ TEST(GoosePackets, CountInAnyWidth) {
     EXPECT_TRUE(packet.faults.empty());
 }
 
-TEST(GoosePackets, SayWhereACountIsNegative) {
+TEST(GoosePackets, ReadACountWithTheSignBitAsItIsMeantAndSayIt) {
     GooseMessage message;
     message.stNum = {0xFFFFFFFF, 4};
     GoosePacket const packet = inspected(message);
-    EXPECT_EQ(packet.stNum, number(-1));
+    EXPECT_EQ(packet.stNum, number(0xFFFFFFFF));
     auto const position = find(placed(message).frame, {0x85, 0x04, 0xFF, 0xFF, 0xFF, 0xFF}).value();
     EXPECT_EQ(packet.faults, (Faults{{.offset = position, .kind = FaultKind::negative}}));
+}
+
+TEST(GoosePackets, ReadCountsWithTheSignBitInAnyWidth) {
+    GooseMessage message;
+    message.timeAllowedtoLive = {0x80, 1};
+    message.sqNum = {~std::uint64_t{0}, 8};
+    message.confRev = {0xFFFF, 2};
+    message.numDatSetEntries.reset();
+    message.extraBeforeData = ber(0x8A, Bytes(9, 0xFF));
+    GoosePacket const packet = inspected(message);
+    EXPECT_EQ(packet.timeAllowedtoLive, number(0x80));
+    EXPECT_EQ(packet.sqNum, Integer(~std::uint64_t{0}));
+    EXPECT_EQ(packet.confRev, number(0xFFFF));
+    EXPECT_EQ(packet.numDatSetEntries, Integer(OctetString(9, 0xFF)));
+    EXPECT_EQ(kinds(packet.faults), std::vector(4, FaultKind::negative));
 }
 
 TEST(GoosePackets, KeepTheOctetsOfCountsBeyond64Bits) {
@@ -152,7 +167,7 @@ TEST(GoosePackets, TakeNoTrailerFromThePdu) {
     GooseMessage message;
     message.setData({ber(0x86, {0x00, 0x01, 0xA0, 0x20, 0x88, 0xFB})});
     GoosePacket const packet = inspected(message);
-    EXPECT_TRUE(readFrameHeader(placed(message).frame).prp.has_value());
+    EXPECT_EQ(readFrameHeader(placed(message).frame).prp, std::nullopt);
     EXPECT_EQ(packet.header.prp, std::nullopt);
     EXPECT_EQ(packet.allData->front().value, DataValue::Content(std::int64_t{0x01A02088FB}));
     message.trailing = Bytes(5, 0x00);  // one octet less than a trailer takes

@@ -73,9 +73,9 @@ private:
 void addTypes(FrameHeader const& header, Terms& terms) {
     std::vector<std::string> fields = {"eth.type"};
     std::vector<std::uint16_t> types;
-    if (header.vlan) {
+    for (VlanTag const& tag : header.vlanTags) {
         fields.emplace_back("vlan.etype");
-        types.push_back(0x8100);
+        types.push_back(tag.tpid);
     }
     if (header.hsr) {
         fields.emplace_back("hsr.type");
@@ -88,10 +88,10 @@ void addTypes(FrameHeader const& header, Terms& terms) {
 void addHeader(FrameHeader const& header, std::string const& protocol, Terms& terms) {
     if (header.destination) terms.add("eth.dst", toText(*header.destination));
     if (header.source) terms.add("eth.src", toText(*header.source));
-    if (header.vlan) {
-        terms.add("vlan.priority", header.vlan->priority);
-        terms.add("vlan.dei", header.vlan->dei);
-        terms.add("vlan.id", header.vlan->id);
+    for (VlanTag const& tag : header.vlanTags) {
+        terms.add("vlan.priority", tag.priority);
+        terms.add("vlan.dei", tag.dei);
+        terms.add("vlan.id", tag.id);
     }
     if (header.hsr) {
         terms.add("hsr.path", header.hsr->path);

@@ -1,0 +1,95 @@
+#include <TalIec61850Analysis/packet/RedundancyFit.hpp>
+#include <TalIec61850Parser/wire/BerReader.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
+#include <TalIec61850Parser/wire/GooseTags.hpp>
+#include <TalIec61850Parser/wire/SvTags.hpp>
+#include <cstring>
+
+namespace TalIec61850Analysis {
+
+namespace {
+
+namespace wire = TalIec61850Parser::wire;
+
+constexpr std::uint16_t kMaxLsduSize = 0xFFF;
+/// An HSR tag with the EtherType that announces it.
+constexpr std::size_t kWholeHsrTagSize = wire::kEtherTypeSize + wire::kHsrTagSize;
+
+/// The trailer whose last octet is before `end`; nothing where LAN or size are not those of one.
+std::optional<PlacedTrailer> trailerBefore(Octets frame, std::size_t end, std::size_t lsduOffset,
+                                           bool hasHsr) {
+    auto const tag = wire::readPrpTrailer(frame.first(end));
+    constexpr std::uint8_t kLans = 0xA;
+    if (!tag || tag->path >> 1U != kLans >> 1U) {
+        return std::nullopt;
+    }
+    std::size_t const size = end - lsduOffset;
+    bool const fits = tag->lsduSize == (size & kMaxLsduSize) ||
+                      (hasHsr && tag->lsduSize == ((size - kWholeHsrTagSize) & kMaxLsduSize));
+    if (!fits) {
+        return std::nullopt;
+    }
+    return PlacedTrailer{{.sequence = tag->sequence, .lanId = tag->path, .lsduSize = tag->lsduSize},
+                         end - wire::kPrpTrailerSize};
+}
+
+}  // namespace
+
+std::size_t lsduOffsetOf(FrameHeader const& header, std::uint16_t linkType) noexcept {
+    return linkHeaderSize(linkType) +
+           header.vlanTags.size() * (wire::kVlanTagSize + wire::kEtherTypeSize);
+}
+
+std::size_t pduEndOf(Octets frame, FrameHeader const& header) noexcept {
+    bool const isKnown = header.isGoose() || header.isSv();
+    if (!isKnown || header.size >= frame.size()) {
+        return header.size;
+    }
+    auto const pdu = wire::readBerHeader(frame.subspan(header.size));
+    bool const isPdu = pdu.form == wire::BerForm::readable &&
+                       pdu.tag == (header.isGoose() ? wire::kGoosePdu : wire::kSavPdu);
+    return isPdu ? header.size + pdu.size + pdu.length : header.size;
+}
+
+std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
+                                            FrameHeader const& header,
+                                            FrameOrigin const& origin) noexcept {
+    if (origin.originalSize > frame.size() || !header.etherType) {
+        return std::nullopt;
+    }
+    return findPrpTrailer(frame, pduEnd, lsduOffsetOf(header, origin.linkType),
+                          header.hsr.has_value());
+}
+
+std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
+                                            std::size_t lsduOffset, bool hasHsr) noexcept {
+    if (pduEnd > frame.size() || frame.size() - pduEnd < wire::kPrpTrailerSize) {
+        return std::nullopt;
+    }
+    std::optional<PlacedTrailer> const last =
+        trailerBefore(frame, frame.size(), lsduOffset, hasHsr);
+    if (last) {
+        return last;
+    }
+    // The library searches for octets faster forwards than backwards: the last that is found
+    // counts.
+    std::optional<PlacedTrailer> found;
+    constexpr std::uint8_t kSuffixStart = wire::kPrpSuffix >> 8U;
+    std::uint8_t const* const end = frame.data() + frame.size();
+    std::uint8_t const* at = frame.data() + pduEnd + wire::kPrpTrailerSize - wire::kEtherTypeSize;
+    while (at < end) {
+        at = static_cast<std::uint8_t const*>(
+            std::memchr(at, kSuffixStart, static_cast<std::size_t>(end - at)));
+        if (at == nullptr || end - at < std::ptrdiff_t{wire::kEtherTypeSize}) {
+            break;
+        }
+        auto const suffixEnd = static_cast<std::size_t>(at - frame.data()) + wire::kEtherTypeSize;
+        if (auto const trailer = trailerBefore(frame, suffixEnd, lsduOffset, hasHsr)) {
+            found = trailer;
+        }
+        ++at;
+    }
+    return found;
+}
+
+}  // namespace TalIec61850Analysis

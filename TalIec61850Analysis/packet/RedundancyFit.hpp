@@ -1,0 +1,71 @@
+#pragma once
+
+// Internal: where a frame's PRP trailer is, and whether the size in its HSR tag fits.
+
+#include <TalIec61850Analysis/packet/FrameHeader.hpp>
+#include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Parser/wire/Ethernet.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace TalIec61850Analysis {
+
+/// A PRP trailer, and where it starts.
+struct PlacedTrailer {
+    PrpTrailer trailer;
+    /// Index in the frame.
+    std::size_t offset = 0;
+};
+
+/// Octets of a frame up to the end of its first EtherType, as the link type has them.
+[[nodiscard]] constexpr std::size_t linkHeaderSize(std::uint16_t linkType) noexcept {
+    namespace wire = TalIec61850Parser::wire;
+    switch (linkType) {
+        case kLinkTypeCooked:
+            return wire::kCooked.size;
+        case kLinkTypeCooked2:
+            return wire::kCooked2.size;
+        default:
+            return wire::kUntaggedSize;
+    }
+}
+
+/// The header without a PRP trailer.
+[[nodiscard]] FrameHeader readFrameStart(Octets frame, std::uint16_t linkType) noexcept;
+
+/// Index in the frame of what follows the EtherType after the VLAN tags: what the sizes of HSR and
+/// PRP are counted from.
+[[nodiscard]] std::size_t lsduOffsetOf(FrameHeader const& header, std::uint16_t linkType) noexcept;
+
+/// Index in the frame of the end that the PDU has by its own length; of the end of the header where
+/// no PDU is. It may be after the end of the frame.
+[[nodiscard]] std::size_t pduEndOf(Octets frame, FrameHeader const& header) noexcept;
+
+/// Looks for a trailer in the octets after the PDU, the last one first: a suffix alone may be a
+/// part of a signature.
+/// @param pduEnd  index in the frame; nothing before it is looked at
+[[nodiscard]] std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
+                                                          FrameHeader const& header,
+                                                          FrameOrigin const& origin) noexcept;
+
+/// The same where the parts of the header are known by their places alone.
+/// @param lsduOffset  see lsduOffsetOf
+/// @param hasHsr      whether there is an HSR tag too
+[[nodiscard]] std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
+                                                          std::size_t lsduOffset,
+                                                          bool hasHsr) noexcept;
+
+/// Whether the size in an HSR tag reaches from the tag to a place after the PDU and within the
+/// frame.
+/// @param pduEnd  index in the frame
+/// @param size    of the frame on the wire
+[[nodiscard]] constexpr bool hsrSizeFits(std::size_t lsduOffset, std::uint16_t lsduSize,
+                                         std::size_t pduEnd, std::size_t size) noexcept {
+    // Twelve bits are all that there is for longer ones.
+    constexpr std::size_t kMaxLsduSize = 0xFFF;
+    std::size_t const end = lsduOffset + lsduSize;
+    return (end >= pduEnd || pduEnd - lsduOffset > kMaxLsduSize) && end <= size;
+}
+
+}  // namespace TalIec61850Analysis

@@ -1,0 +1,124 @@
+#pragma once
+
+// Internal: the index of one capture, frame by frame.
+
+#include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
+#include <TalIec61850Analysis/traffic/PacketRow.hpp>
+#include <TalIec61850Analysis/traffic/RecordSource.hpp>
+#include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
+#include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <TalIec61850Analysis/traffic/WalkFrame.hpp>
+#include <TalIec61850Parser/wire/pattern/FrameMemory.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <limits>
+#include <unordered_map>
+#include <vector>
+
+namespace TalIec61850Analysis::detail {
+
+/// Whether results of walks are used again for frames of the same pattern. The index is the same.
+enum class WalkMemory : std::uint8_t { on, off };
+
+/// Indexes the frames of one file. Frames are walked by the plain rules, walkFrame; the result of a
+/// walk is used again for each frame that agrees in all that the walk says is significant. What
+/// differs per packet is read from the frame: counters, time and place, HSR tag and PRP trailer.
+class FileIndexer {
+public:
+    /// @param keeps  as TrafficOptions::keeps; must outlive the indexer
+    explicit FileIndexer(std::function<bool(StreamKey const&)> const& keeps,
+                         WalkMemory memory = WalkMemory::on)
+        : keeps_(keeps), memoryUse_(memory) {}
+
+    /// Adds a frame.
+    void add(SourceView const& view);
+
+    /// What is counted; path, size and the end of the file are for the caller to set.
+    [[nodiscard]] CaptureSummary& summary() { return file_.summary; }
+
+    /// The streams in the order of their keys.
+    /// @param number  of the file
+    [[nodiscard]] std::vector<TrafficStream> takeStreams(std::uint32_t number);
+    /// To be taken last.
+    [[nodiscard]] IndexedFile takeFile();
+
+private:
+    /// A stream as it is collected.
+    struct Collected {
+        explicit Collected(StreamProtocol protocol) : packets(protocol) {}
+
+        StreamKey const* key = nullptr;
+        bool isKept = true;
+        std::uint32_t attributes = std::numeric_limits<std::uint32_t>::max();
+        ColumnsWriter packets;
+        std::vector<AttributeChange> changes;
+        std::vector<WideRow> wide;
+    };
+    /// Where a packet of a frame goes, and its counters.
+    struct Target {
+        /// Null where the stream is not wanted.
+        Collected* stream = nullptr;
+        CounterPlace first;
+        CounterPlace second;
+        std::uint32_t attributes = 0;
+        std::uint16_t asdu = 0;
+        std::uint16_t flags = 0;
+    };
+    /// What the walk of a frame resulted in.
+    struct Result {
+        Target target;
+        /// Index in the frame.
+        std::uint64_t pduEnd = 0;
+        /// Among the targets that are kept apart; the first of the frame is above.
+        std::uint32_t firstOther = 0;
+        std::uint32_t otherCount = 0;
+        std::uint16_t lsduOffset = 0;
+        std::uint16_t pduOffset = 0;
+        StreamProtocol protocol = StreamProtocol::goose;
+        bool hasHsr = false;
+        bool hasTarget = false;
+        /// UnreadReason and one more; 0 for none.
+        std::uint8_t unread = 0;
+    };
+    using Memory = TalIec61850Parser::wire::FrameMemory<Result>;
+
+    void countRecord(SourceRecord const& record);
+    void countOther(std::uint16_t etherType, Octets payload);
+    void walk(SourceView const& view, std::uint8_t variety);
+    [[nodiscard]] Result resultOf(std::vector<Target>& others);
+    [[nodiscard]] Target targetOf(WalkedPacket const& packet);
+    [[nodiscard]] Collected& streamOf(StreamKey key);
+    [[nodiscard]] std::uint32_t numberOf(StreamAttributes const& attributes);
+    void addFrame(Result const& result, Target const* others, SourceView const& view);
+    void addPacket(Target const& target, PacketRow const& row, Octets frame) const;
+    static void readOddCounters(Target const& target, Octets frame, PacketRow& row);
+
+    std::function<bool(StreamKey const&)> const& keeps_;
+    WalkMemory memoryUse_;
+    IndexedFile file_;
+    /// The entries that were counted last.
+    std::uint64_t* lastLinkCount_ = nullptr;
+    std::uint16_t lastLinkType_ = 0;
+    std::uint64_t* lastOtherCount_ = nullptr;
+    std::uint16_t lastEtherType_ = 0;
+    std::int64_t first_ = std::numeric_limits<std::int64_t>::max();
+    std::int64_t last_ = std::numeric_limits<std::int64_t>::min();
+
+    std::unordered_map<StreamKey, Collected*, StreamKeyHash> byKey_;
+    std::deque<Collected> streams_;
+    /// By hash; the attributes themselves are in the file's table.
+    std::unordered_multimap<std::size_t, std::uint32_t> byAttributes_;
+
+    Memory memory_;
+    /// Of frames with several packets that are remembered.
+    std::vector<Target> otherTargets_;
+    FrameWalk walk_;
+    std::vector<Target> walkedTargets_;
+};
+
+}  // namespace TalIec61850Analysis::detail

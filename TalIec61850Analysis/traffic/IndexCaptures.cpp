@@ -1,0 +1,179 @@
+#include <TalIec61850Analysis/traffic/FileIndexer.hpp>
+#include <TalIec61850Analysis/traffic/IndexFile.hpp>
+#include <TalIec61850Analysis/traffic/RecordSource.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <iterator>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace TalIec61850Analysis {
+
+namespace detail {
+
+namespace {
+
+constexpr std::uint64_t kRecordsBetweenCalls = 8192;
+
+}  // namespace
+
+FileTraffic indexFile(std::string const& path, std::uint32_t number, TrafficOptions const& options,
+                      WalkMemory memory, std::function<void(std::uint64_t)> const& progress) {
+    FileIndexer indexer(options.keeps, memory);
+    CaptureSummary& summary = indexer.summary();
+    summary.path = path;
+    FileTraffic traffic;
+    try {
+        RecordSource source(path);
+        summary.fileSize = source.size();
+        std::uint64_t untilCall = kRecordsBetweenCalls;
+        while (SourceView const* const view = source.next()) {
+            indexer.add(*view);
+            if (--untilCall == 0) {
+                untilCall = kRecordsBetweenCalls;
+                if (progress) {
+                    progress(view->record.frameOffset + view->frame.size());
+                }
+                if (options.stop.stop_requested()) {
+                    summary.stopped = true;
+                    break;
+                }
+            }
+        }
+        summary.damage = source.damage();
+        if (progress) {
+            progress(summary.fileSize);
+        }
+    } catch (std::system_error const& error) {
+        summary.error = error.code();
+    }
+    traffic.streams = indexer.takeStreams(number);
+    traffic.file = indexer.takeFile();
+    return traffic;
+}
+
+}  // namespace detail
+
+namespace {
+
+/// Adds up what is read of several files.
+class SharedProgress {
+public:
+    SharedProgress(TrafficOptions const& options, std::span<std::string const> paths)
+        : options_(options), done_(paths.size()) {
+        if (!options.progress) {
+            return;
+        }
+        for (std::string const& path : paths) {
+            try {
+                all_ += detail::RecordSource(path).size();
+            } catch (std::system_error const&) {
+                continue;  // its summary will have the error
+            }
+        }
+    }
+
+    void tell(std::size_t file, std::uint64_t done) {
+        if (!options_.progress) {
+            return;
+        }
+        std::lock_guard const lock(mutex_);
+        sum_ += done - done_[file];
+        done_[file] = done;
+        options_.progress(sum_, all_);
+    }
+
+private:
+    TrafficOptions const& options_;
+    std::mutex mutex_;
+    std::vector<std::uint64_t> done_;
+    std::uint64_t sum_ = 0;
+    std::uint64_t all_ = 0;
+};
+
+/// Indexes files, each on one thread.
+class CaptureJobs {
+public:
+    CaptureJobs(std::span<std::string const> paths, TrafficOptions const& options)
+        : paths_(paths),
+          options_(options),
+          progress_(options, paths),
+          results_(paths.size()),
+          failures_(paths.size()) {}
+
+    std::vector<detail::FileTraffic> run() {
+        std::size_t jobs = options_.jobs;
+        if (jobs == 0) {
+            jobs = std::max(1U, std::thread::hardware_concurrency());
+        }
+        jobs = std::min(jobs, paths_.size());
+        std::vector<std::thread> threads;
+        threads.reserve(jobs);
+        for (std::size_t i = 1; i < jobs; ++i) {
+            try {
+                threads.emplace_back([this] { work(); });
+            } catch (std::exception const&) {
+                break;  // fewer threads do the same
+            }
+        }
+        work();
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        for (std::exception_ptr const& failure : failures_) {
+            if (failure) {
+                std::rethrow_exception(failure);
+            }
+        }
+        return std::move(results_);
+    }
+
+private:
+    void work() noexcept {
+        for (std::size_t file = next_++; file < paths_.size(); file = next_++) {
+            try {
+                results_[file] = detail::indexFile(
+                    paths_[file], static_cast<std::uint32_t>(file), options_,
+                    detail::WalkMemory::on,
+                    [this, file](std::uint64_t done) { progress_.tell(file, done); });
+            } catch (...) {
+                failures_[file] = std::current_exception();
+            }
+        }
+    }
+
+    std::span<std::string const> paths_;
+    TrafficOptions const& options_;
+    SharedProgress progress_;
+    std::atomic<std::size_t> next_ = 0;
+    // By the number of the file; each is written by one thread.
+    std::vector<detail::FileTraffic> results_;
+    std::vector<std::exception_ptr> failures_;
+};
+
+}  // namespace
+
+TrafficIndex indexCapture(std::string const& path, TrafficOptions const& options) {
+    TrafficIndex index = indexCaptures(std::span(&path, 1), options);
+    if (std::error_code const error = index.files().front().summary.error) {
+        throw std::system_error(error);
+    }
+    return index;
+}
+
+TrafficIndex indexCaptures(std::span<std::string const> paths, TrafficOptions const& options) {
+    std::vector<IndexedFile> files;
+    std::vector<TrafficStream> streams;
+    for (detail::FileTraffic& traffic : CaptureJobs(paths, options).run()) {
+        files.push_back(std::move(traffic.file));
+        streams.insert(streams.end(), std::make_move_iterator(traffic.streams.begin()),
+                       std::make_move_iterator(traffic.streams.end()));
+    }
+    return {std::move(files), std::move(streams)};
+}
+
+}  // namespace TalIec61850Analysis

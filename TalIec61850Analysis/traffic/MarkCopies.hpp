@@ -1,0 +1,39 @@
+#pragma once
+
+// Internal: which packets came again: over the other LAN or lane, or in another file.
+
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace TalIec61850Analysis::detail {
+
+/// Marks the packets of a stream that the other LAN or lane brought before: the same sequence
+/// number within 400 ms. A packet is taken as the origin of one copy on each other way.
+class CopyMarker {
+public:
+    /// @param parts  their duplicates are marked already; marks of copies are set anew
+    void mark(std::span<StreamPart> parts);
+
+private:
+    /// The packet that a sequence number was met at last.
+    struct Met {
+        std::int64_t time = 0;
+        /// Which stream it is of.
+        std::uint32_t stream = 0;
+        bool isB = false;
+        bool isPaired = false;
+    };
+
+    /// By protocol of redundancy and sequence number; empty until it is needed.
+    std::vector<Met> met_;
+    std::uint32_t stream_ = 0;
+};
+
+/// Marks the packets that an earlier file has at the same time, octet for octet.
+/// @throws std::system_error  a file cannot be read
+void markDuplicates(std::span<IndexedFile const> files, std::span<TrafficStream> streams);
+
+}  // namespace TalIec61850Analysis::detail

@@ -1,0 +1,223 @@
+#pragma once
+
+#include <TalIec61850Analysis/Export.hpp>
+#include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/time/CaptureTime.hpp>
+#include <TalIec61850Analysis/time/TimeWindow.hpp>
+#include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace TalIec61850Analysis {
+
+namespace detail {
+class ColumnsWriter;
+}
+
+/// How a frame tells its copy on the other way.
+enum class Redundancy : std::uint8_t { none, hsr, prp };
+
+/// Whether a counter is in its column.
+enum class CounterState : std::uint8_t {
+    held,    ///< it is
+    absent,  ///< the packet does not have it, or it was cut off
+    wide,    ///< its octets make no number of 32 bits (8 of smpSynch): kept apart
+};
+
+/// What is to be said of a packet in single bits.
+struct PacketFlags {
+    /// Bit by bit; see below.
+    std::uint16_t bits = 0;
+
+    static constexpr std::uint16_t kCut = 1U << 0U;
+    static constexpr std::uint16_t kDamaged = 1U << 1U;
+    static constexpr std::uint16_t kSimulated = 1U << 2U;
+    static constexpr std::uint16_t kNegative = 1U << 3U;
+    static constexpr std::uint16_t kHsrMisfit = 1U << 4U;
+    static constexpr std::uint16_t kLaneB = 1U << 5U;
+    static constexpr unsigned kRedundancyShift = 6;
+    static constexpr unsigned kFirstCounterShift = 8;
+    static constexpr unsigned kSecondCounterShift = 10;
+    static constexpr std::uint16_t kCopy = 1U << 12U;
+    static constexpr std::uint16_t kDuplicate = 1U << 13U;
+
+    /// The frame was cut by a snap length, within its PDU.
+    [[nodiscard]] constexpr bool isCut() const noexcept { return has(kCut); }
+    /// An element of the PDU, or of the ASDU, has a length or an identifier that cannot be.
+    [[nodiscard]] constexpr bool isDamaged() const noexcept { return has(kDamaged); }
+    /// The simulated bit of the application header.
+    [[nodiscard]] constexpr bool isSimulated() const noexcept { return has(kSimulated); }
+    /// stNum or sqNum has the sign bit set; it is read without a sign.
+    [[nodiscard]] constexpr bool isNegative() const noexcept { return has(kNegative); }
+    /// The size in the HSR tag does not fit the frame.
+    [[nodiscard]] constexpr bool isHsrMisfit() const noexcept { return has(kHsrMisfit); }
+    /// The other way brought this frame before, within the time that copies take.
+    [[nodiscard]] constexpr bool isCopy() const noexcept { return has(kCopy); }
+    /// A file that comes before this one in the index has the same frame at the same time.
+    [[nodiscard]] constexpr bool isDuplicate() const noexcept { return has(kDuplicate); }
+    /// Whether the frame has an HSR tag, or else a PRP trailer.
+    [[nodiscard]] constexpr Redundancy redundancy() const noexcept {
+        return static_cast<Redundancy>(bits >> kRedundancyShift & 3U);
+    }
+    /// 'A' or 'B': the lane of HSR, the LAN of PRP; 0 without either.
+    [[nodiscard]] constexpr char lane() const noexcept {
+        if (redundancy() == Redundancy::none) {
+            return 0;
+        }
+        return has(kLaneB) ? 'B' : 'A';
+    }
+    /// Where stNum of GOOSE, smpCnt of SV is.
+    [[nodiscard]] constexpr CounterState firstCounter() const noexcept {
+        return static_cast<CounterState>(bits >> kFirstCounterShift & 3U);
+    }
+    /// Where sqNum of GOOSE, smpSynch of SV is.
+    [[nodiscard]] constexpr CounterState secondCounter() const noexcept {
+        return static_cast<CounterState>(bits >> kSecondCounterShift & 3U);
+    }
+
+    /// Bit by bit.
+    friend bool operator==(PacketFlags const&, PacketFlags const&) = default;
+
+private:
+    [[nodiscard]] constexpr bool has(std::uint16_t bit) const noexcept { return (bits & bit) != 0; }
+};
+
+/// In a column of times: a packet without one.
+inline constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
+
+/// The packets of one stream in one file, in the order of the file: a column for each thing that is
+/// kept of them. A packet takes 30 octets (GOOSE) or 29 (SV); what does not fit a column is kept
+/// apart. Spans hold as long as the columns.
+class PacketColumns {
+public:
+    PacketColumns() = default;
+
+    /// How many packets there are: the size of every column.
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    /// GOOSE or SV.
+    [[nodiscard]] StreamProtocol protocol() const noexcept { return protocol_; }
+
+    /// When packets were captured, in nanoseconds since 1970, or kNoTime.
+    [[nodiscard]] std::span<std::int64_t const> times() const noexcept {
+        return column<std::int64_t>(0);
+    }
+    /// Where the frames are in the file, in octets.
+    [[nodiscard]] std::span<std::uint64_t const> frameOffsets() const noexcept {
+        return column<std::uint64_t>(8);
+    }
+    /// Where in the frame the goosePdu (61), or the sequence of ASDU (A2), is.
+    [[nodiscard]] std::span<std::uint16_t const> pduOffsets() const noexcept {
+        return column<std::uint16_t>(secondEnd());
+    }
+    /// The sequence numbers of HSR or PRP; 0 without either.
+    [[nodiscard]] std::span<std::uint16_t const> redundancySequences() const noexcept {
+        return column<std::uint16_t>(secondEnd() + 2);
+    }
+    /// What is to be said of packets in single bits.
+    [[nodiscard]] std::span<PacketFlags const> flags() const noexcept {
+        return column<PacketFlags>(secondEnd() + 4);
+    }
+
+    /// Of GOOSE: where flags say that it is held; else 0. Empty for SV.
+    [[nodiscard]] std::span<std::uint32_t const> stNums() const noexcept {
+        return isGoose() ? column<std::uint32_t>(16) : std::span<std::uint32_t const>();
+    }
+    /// Of GOOSE, as `stNums`.
+    [[nodiscard]] std::span<std::uint32_t const> sqNums() const noexcept {
+        return isGoose() ? column<std::uint32_t>(20) : std::span<std::uint32_t const>();
+    }
+    /// Of SV: where flags say that it is held; else 0. Empty for GOOSE.
+    [[nodiscard]] std::span<std::uint32_t const> smpCnts() const noexcept {
+        return isGoose() ? std::span<std::uint32_t const>() : column<std::uint32_t>(16);
+    }
+    /// Of SV, as `smpCnts`.
+    [[nodiscard]] std::span<std::uint8_t const> smpSynchs() const noexcept {
+        return isGoose() ? std::span<std::uint8_t const>() : column<std::uint8_t>(28);
+    }
+    /// The number of the ASDU in its frame, from 0. Empty for GOOSE.
+    [[nodiscard]] std::span<std::uint16_t const> asdus() const noexcept {
+        return isGoose() ? std::span<std::uint16_t const>() : column<std::uint16_t>(26);
+    }
+
+    /// stNum of GOOSE, smpCnt of SV, wherever it is kept: the octets of a number that 64 bits do
+    /// not hold; nothing where it is absent.
+    /// @param packet  below `size`
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ReadableView<std::uint64_t>>
+    firstCounter(std::size_t packet) const noexcept;
+    /// sqNum of GOOSE, smpSynch of SV, as `firstCounter`.
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ReadableView<std::uint64_t>>
+    secondCounter(std::size_t packet) const noexcept;
+    /// When a packet was captured.
+    /// @param packet  below `size`
+    [[nodiscard]] std::optional<CaptureTime> time(std::size_t packet) const noexcept {
+        std::int64_t const time = times()[packet];
+        return time == kNoTime ? std::nullopt
+                               : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
+    }
+
+    /// The packets that have a time, in its order; those of one time in the order of the file.
+    /// Empty where that is the order of the columns, and all have a time.
+    [[nodiscard]] std::span<std::uint32_t const> timeOrder() const noexcept { return order_; }
+    /// How many packets have a time.
+    [[nodiscard]] std::size_t timedSize() const noexcept {
+        return order_.empty() ? (hasTimes_ ? size_ : 0) : order_.size();
+    }
+    /// A packet by its place in the order of time.
+    /// @param place  below `timedSize`
+    [[nodiscard]] std::size_t inTimeOrder(std::size_t place) const noexcept {
+        return order_.empty() ? place : order_[place];
+    }
+    /// The places in the order of time that a window takes, by search; the second is after the
+    /// last.
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::pair<std::size_t, std::size_t> placesIn(
+        TimeWindow const& window) const noexcept;
+    /// Whether any packet has a redundancy sequence number.
+    [[nodiscard]] bool hasRedundancy() const noexcept { return hasRedundancy_; }
+
+    /// Column by column.
+    friend TALIEC61850ANALYSIS_EXPORT bool operator==(PacketColumns const& a,
+                                                      PacketColumns const& b) noexcept;
+
+private:
+    friend class detail::ColumnsWriter;
+
+    /// A counter that its column does not hold.
+    struct WideCounter {
+        std::uint32_t packet = 0;
+        bool isSecond = false;
+        OctetString octets;
+
+        friend bool operator==(WideCounter const&, WideCounter const&) = default;
+    };
+
+    [[nodiscard]] bool isGoose() const noexcept { return protocol_ == StreamProtocol::goose; }
+    /// Octets of a packet in the columns before those that both protocols have after the counters.
+    [[nodiscard]] std::size_t secondEnd() const noexcept { return isGoose() ? 24 : 20; }
+    /// @param before  octets of a packet in the columns before this one
+    template <typename Value>
+    [[nodiscard]] std::span<Value const> column(std::size_t before) const noexcept {
+        return {reinterpret_cast<Value const*>(block_.get() + before * capacity_), size_};
+    }
+    [[nodiscard]] OctetString const* findWide(std::size_t packet, bool isSecond) const noexcept;
+
+    StreamProtocol protocol_ = StreamProtocol::goose;
+    bool hasTimes_ = false;
+    bool hasRedundancy_ = false;
+    std::size_t size_ = 0;
+    /// Packets that there is room for in each column. What is not used was never written, so that
+    /// the system gives no memory for it.
+    std::size_t capacity_ = 0;
+    /// One column after the other, wider ones first, so that each is aligned.
+    std::unique_ptr<std::byte[]> block_;
+    std::vector<std::uint32_t> order_;
+    /// By packet, the first counter before the second.
+    std::vector<WideCounter> wide_;
+};
+
+}  // namespace TalIec61850Analysis

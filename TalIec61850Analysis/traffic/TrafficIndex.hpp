@@ -1,0 +1,120 @@
+#pragma once
+
+#include <TalIec61850Analysis/Export.hpp>
+#include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
+#include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
+#include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <TalIec61850Analysis/traffic/TrafficOptions.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace TalIec61850Analysis {
+
+/// One capture file of an index.
+struct IndexedFile {
+    /// What the file holds.
+    CaptureSummary summary;
+    /// Each that packets of the file have, once, in the order in which they came.
+    std::vector<StreamAttributes> attributes;
+
+    /// Member by member.
+    friend bool operator==(IndexedFile const&, IndexedFile const&) = default;
+};
+
+/// From one packet of a stream on, an attribute has this value.
+template <typename Value>
+struct AttributeValue {
+    /// The first packet that has it.
+    PacketRef from;
+    /// The value; points into the index.
+    Value const* value = nullptr;
+};
+
+/// What was really on the wire, by streams: their packets, with times, places and counters, and
+/// their attributes. Made by indexCapture and indexCaptures.
+class TrafficIndex {
+public:
+    TrafficIndex() = default;
+    /// @param files    in their order
+    /// @param streams  in any order, parts numbered by the files; of one key there may be several
+    TALIEC61850ANALYSIS_EXPORT TrafficIndex(std::vector<IndexedFile> files,
+                                            std::vector<TrafficStream> streams);
+
+    /// The files, in the order in which they were given.
+    [[nodiscard]] std::span<IndexedFile const> files() const noexcept { return files_; }
+    /// The streams, in the order of their keys.
+    [[nodiscard]] std::span<TrafficStream const> streams() const noexcept { return streams_; }
+    /// The stream of a key; null where there is none.
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT TrafficStream const* find(
+        StreamKey const& key) const noexcept;
+
+    /// What a change of a stream's part leads to.
+    [[nodiscard]] StreamAttributes const& attributes(StreamPart const& part,
+                                                     AttributeChange const& change) const noexcept {
+        return files_[part.file].attributes[change.attributes];
+    }
+
+    /// The values that one attribute has in the course of a stream, in the order of the files, and
+    /// in each in the order of its packets: one entry where it is another than before. Where
+    /// packets were cut, an attribute that they do not have is left out.
+    /// @param stream  of this index
+    /// @param member  such as `&StreamAttributes::confRev`
+    template <typename Value>
+    [[nodiscard]] std::vector<AttributeValue<Value>> history(
+        TrafficStream const& stream, Value StreamAttributes::*member) const {
+        std::vector<AttributeValue<Value>> values;
+        Value const unset{};
+        for (std::uint32_t part = 0; part < stream.parts.size(); ++part) {
+            for (AttributeChange const& change : stream.parts[part].changes) {
+                StreamAttributes const& all = attributes(stream.parts[part], change);
+                Value const& value = all.*member;
+                bool const mayBeCut = !std::is_same_v<Value, bool> && all.isCut && value == unset;
+                if (!mayBeCut && (values.empty() || *values.back().value != value)) {
+                    values.push_back({{part, change.firstPacket}, &value});
+                }
+            }
+        }
+        return values;
+    }
+
+    /// Samples a second that an SV stream is to have: by smpRate and smpMod of its last packet,
+    /// else by the largest smpCnt, where smpCnt is seen to begin again.
+    /// @return nothing where neither tells, and for GOOSE
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<double> nominalRate(
+        TrafficStream const& stream) const;
+
+    /// Adds another index, its files after those of this one. Copies and duplicates are found anew,
+    /// so that the result is that of indexing all files at once.
+    /// @throws std::system_error  a file cannot be read where frames of two have to be compared
+    TALIEC61850ANALYSIS_EXPORT void merge(TrafficIndex other);
+
+    /// File by file and stream by stream.
+    friend bool operator==(TrafficIndex const&, TrafficIndex const&) = default;
+
+private:
+    void join(std::vector<TrafficStream> streams);
+    void settle();
+
+    std::vector<IndexedFile> files_;
+    std::vector<TrafficStream> streams_;
+};
+
+/// Indexes one capture.
+/// @param path  a classic capture; of a damaged one, what comes before the damage
+/// @throws std::system_error  the file cannot be opened or read
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT TrafficIndex
+indexCapture(std::string const& path, TrafficOptions const& options = {});
+
+/// Indexes captures, several at a time where options say so. What the operating system refuses of a
+/// file is in its summary; the others are indexed. Frames that two files have at the same time are
+/// found by comparing their octets.
+/// @throws std::system_error  a file that could be indexed cannot be read again for that
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT TrafficIndex
+indexCaptures(std::span<std::string const> paths, TrafficOptions const& options = {});
+
+}  // namespace TalIec61850Analysis
