@@ -12,12 +12,15 @@
 #include <TalIec61850Analysis/Version.hpp>
 #include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <TalIec61850Analysis/file/CaptureDamage.hpp>
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
+#include <TalIec61850Analysis/file/CaptureFormat.hpp>
+#include <TalIec61850Analysis/file/CaptureInterface.hpp>
 #include <TalIec61850Analysis/file/CaptureRecord.hpp>
-#include <TalIec61850Analysis/file/CaptureRecords.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Analysis/file/Descriptor.hpp>
 #include <TalIec61850Analysis/file/FileIdentity.hpp>
 #include <TalIec61850Analysis/file/PacketFrames.hpp>
+#include <TalIec61850Analysis/file/RecordMap.hpp>
 #include <TalIec61850Analysis/packet/AsduContent.hpp>
 #include <TalIec61850Analysis/packet/AsduView.hpp>
 #include <TalIec61850Analysis/packet/BinaryTime.hpp>

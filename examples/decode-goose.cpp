@@ -76,16 +76,16 @@ int main(int argc, char** argv) {
         return 1;
     }
     try {
-        CaptureRecords records(argv[1]);
-        while (auto const record = records.next()) {
+        CaptureFile capture(argv[1]);
+        while (auto const* const view = capture.next()) {
             // The view points into this frame, which holds until the next one is read.
-            GooseView const goose = viewGoose(records.frameOf(*record));
-            if (goose.header.isGoose()) {
-                std::cout << nanosecondsSince1970(record->time);
+            GooseView const goose = viewGoose(view->frame);
+            if (goose.header.isGoose() && view->record.time) {
+                std::cout << nanosecondsSince1970(*view->record.time);
                 print(goose);
             }
         }
-        return records.damage() ? 2 : 0;
+        return capture.damage() ? 2 : 0;
     } catch (std::exception const& problem) {
         std::cerr << "decode-goose: " << problem.what() << "\n";
         return 1;

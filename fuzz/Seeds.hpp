@@ -37,6 +37,9 @@ void writeLaneSeeds(Seeds seeds);
 /// For fuzz-capture and fuzz-decode: small captures of every variant, under filters.
 void writeCaptureSeeds(Seeds seeds);
 
+/// For fuzz-capture-file: small captures of both formats.
+void writeCaptureFileSeeds(Seeds seeds);
+
 /// For fuzz-frame and fuzz-inspect: a frame of every kind, under filters.
 void writeFrameSeeds(Seeds seeds);
 

@@ -14,6 +14,7 @@ int main(int argc, char** argv) try {
     }
     std::filesystem::path const folder = argv[1];
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-capture"));
+    TalFuzz::writeCaptureFileSeeds(Seeds(folder / "fuzz-capture-file"));
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-decode"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-elements"));
     TalFuzz::writeFrameSeeds(Seeds(folder / "fuzz-frame"));

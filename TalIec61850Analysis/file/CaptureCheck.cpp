@@ -24,11 +24,13 @@ CaptureCheck refuseFor(std::error_code error) {
 CaptureCheck checkContent(std::string const& path) {
     try {
         auto const kind = detail::recogniseStart(detail::openToRead(path));
-        if (kind.variant) {
-            return {};
+        if (!kind.variant && !kind.isNextGeneration) {
+            return refuse(CaptureFault::notCapture);
         }
-        return refuse(kind.isNextGeneration ? CaptureFault::nextGeneration
-                                            : CaptureFault::notCapture);
+        CaptureCheck check;
+        check.format =
+            kind.isNextGeneration ? CaptureFormat::nextGeneration : CaptureFormat::classic;
+        return check;
     } catch (std::system_error const& error) {
         return refuseFor(error.code());
     }

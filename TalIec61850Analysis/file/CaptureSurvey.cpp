@@ -1,4 +1,4 @@
-#include <TalIec61850Analysis/file/CaptureRecords.hpp>
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 
 namespace TalIec61850Analysis {
@@ -6,15 +6,15 @@ namespace TalIec61850Analysis {
 CaptureSurvey surveyCapture(std::string const& path) {
     CaptureSurvey survey;
     try {
-        CaptureRecords records(path);
-        while (auto const record = records.next()) {
+        CaptureFile file(path);
+        while (auto const* const view = file.next()) {
             if (!survey.start) {
-                survey.start = record->time;
+                survey.start = view->record.time;
             }
         }
-        survey.damage = records.damage();
-        if (!survey.start && records.cutRecord()) {
-            survey.start = records.cutRecord()->time;
+        survey.damage = file.damage();
+        if (auto const* const cut = file.cutRecord(); cut != nullptr && !survey.start) {
+            survey.start = cut->record.time;
         }
     } catch (std::system_error const& error) {
         survey.error = error.code();

@@ -11,16 +11,17 @@ namespace TalIec61850Analysis {
 
 /// What a walk over a capture's record headers tells.
 struct CaptureSurvey {
-    /// The time of the first record in the file, whatever is in it; it need not be the earliest.
+    /// The time of the first record in the file that has one, whatever is in it; it need not be the
+    /// earliest.
     std::optional<CaptureTime> start;
-    /// What is wrong with the file.
+    /// The damage that ends the file.
     std::optional<CaptureDamage> damage;
     /// What the operating system says where the file cannot be opened, or be read to its end. What
     /// was found before that is in `start`.
     std::error_code error;
 };
 
-/// Walks the record headers of a classic capture to its end. What the operating system refuses is
+/// Walks the record headers of a capture to its end. What the operating system refuses is
 /// told, not thrown.
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT CaptureSurvey surveyCapture(std::string const& path);
 

@@ -1,4 +1,4 @@
-#include <TalIec61850Analysis/file/CaptureRecords.hpp>
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/PacketFrames.hpp>
 #include <TalIec61850Analysis/file/ReadAt.hpp>
 #include <algorithm>
@@ -11,7 +11,7 @@ std::uint64_t endOf(CaptureRecord const& record) {
     return record.frameOffset + record.capturedSize;
 }
 
-bool holds(CaptureRecord const& record, std::uint64_t fileOffset) {
+bool hasInFrame(CaptureRecord const& record, std::uint64_t fileOffset) {
     return record.frameOffset <= fileOffset && fileOffset < endOf(record);
 }
 
@@ -19,24 +19,24 @@ bool holds(CaptureRecord const& record, std::uint64_t fileOffset) {
 
 PacketFrames::PacketFrames(std::string const& path, std::vector<std::uint64_t> fileOffsets)
     : path_(path) {
-    CaptureRecords records(path);
+    CaptureFile file(path);
     std::sort(fileOffsets.begin(), fileOffsets.end());
     auto wanted = fileOffsets.begin();
     auto const keepIfWanted = [&](CaptureRecord const& record) {
         wanted = std::lower_bound(wanted, fileOffsets.end(), record.frameOffset);
-        if (wanted != fileOffsets.end() && holds(record, *wanted)) {
+        if (wanted != fileOffsets.end() && hasInFrame(record, *wanted)) {
             found_.push_back(record);
         }
     };
     while (wanted != fileOffsets.end()) {
-        auto const record = records.next();
-        if (!record) {
+        auto const* const view = file.next();
+        if (view == nullptr) {
             break;
         }
-        keepIfWanted(*record);
+        keepIfWanted(view->record);
     }
-    if (records.cutRecord()) {
-        keepIfWanted(*records.cutRecord());
+    if (auto const* const cut = file.cutRecord()) {
+        keepIfWanted(cut->record);
     }
 }
 
@@ -44,8 +44,8 @@ std::optional<CaptureRecord> PacketFrames::recordAt(std::uint64_t fileOffset) co
     auto const found = std::partition_point(
         found_.begin(), found_.end(),
         [&](CaptureRecord const& record) { return endOf(record) <= fileOffset; });
-    return found != found_.end() && holds(*found, fileOffset) ? std::optional(*found)
-                                                              : std::nullopt;
+    return found != found_.end() && hasInFrame(*found, fileOffset) ? std::optional(*found)
+                                                                   : std::nullopt;
 }
 
 std::vector<std::uint8_t> PacketFrames::frameOf(CaptureRecord const& record) {

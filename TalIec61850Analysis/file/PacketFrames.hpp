@@ -14,7 +14,7 @@ namespace TalIec61850Analysis {
 class PacketFrames {
 public:
     /// Walks the record headers of the capture once.
-    /// @param path         a classic capture; of a damaged one, what comes before the damage
+    /// @param path         a capture; of a damaged one, what comes before the damage
     /// @param fileOffsets  in octets, in any order; those that no frame holds are ignored
     /// @throws std::system_error  the file cannot be opened or read
     TALIEC61850ANALYSIS_EXPORT PacketFrames(std::string const& path,

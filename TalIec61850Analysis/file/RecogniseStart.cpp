@@ -4,11 +4,11 @@
 namespace TalIec61850Analysis::detail {
 
 TalIec61850Parser::wire::CaptureKind recogniseStart(Descriptor const& file) {
-    return TalIec61850Parser::wire::recogniseCapture([&](std::size_t fileOffset) {
-        TalIec61850Parser::wire::Magic magic{};
-        static_cast<void>(readAt(file, fileOffset, magic));
-        return magic;
-    });
+    namespace wire = TalIec61850Parser::wire;
+    wire::Magic magic{};
+    static_cast<void>(readAt(file, 0, magic));
+    return {.variant = wire::findVariant(magic),
+            .isNextGeneration = magic == wire::kNextGenerationMagic};
 }
 
 }  // namespace TalIec61850Analysis::detail

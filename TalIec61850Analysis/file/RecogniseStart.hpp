@@ -7,6 +7,8 @@
 
 namespace TalIec61850Analysis::detail {
 
+/// Unlike `recogniseCapture` of the wire's rules, this takes every file for a next-generation
+/// capture that begins as such.
 /// @param file  an open file; octets that it does not have count as zeros
 /// @throws std::system_error  the file cannot be read
 [[nodiscard]] TalIec61850Parser::wire::CaptureKind recogniseStart(Descriptor const& file);

@@ -12,7 +12,7 @@
 
 namespace TalIec61850Parser::wire {
 
-/// The header of a classic capture file, of which only the magic matters here.
+/// The header of a classic capture file.
 inline constexpr std::size_t kGlobalHeaderSize = 24;
 
 /// Four octets that name a format, as they are in the file.
@@ -87,6 +87,20 @@ template <typename MagicAt>
     return isHostOrder ? stored : __builtin_bswap32(stored);
 }
 
+/// What the header of a classic capture file says besides its magic, in host byte order.
+struct GlobalHeader {
+    /// The most octets of a frame that are captured.
+    std::uint32_t snapLength = 0;
+    /// By the registry of link types. The octets above it tell of check sequences.
+    std::uint16_t linkType = 0;
+
+    /// @pre `octets` holds at least `kGlobalHeaderSize` octets
+    [[nodiscard]] static GlobalHeader read(Octets octets, bool isLittleEndian) {
+        return {.snapLength = readFileUint32(octets, 16, isLittleEndian),
+                .linkType = static_cast<std::uint16_t>(readFileUint32(octets, 20, isLittleEndian))};
+    }
+};
+
 /// The header of a capture record in host byte order.
 struct RecordHeader {
     static constexpr std::size_t kSize = 16;
@@ -107,6 +121,14 @@ struct RecordHeader {
                 .origLen = readFileUint32(octets, 12, isLittleEndian)};
     }
 };
+
+/// The time of a record in nanoseconds since 1970, below 2^62. A fraction of a second or more is
+/// carried over.
+[[nodiscard]] constexpr std::uint64_t exactNanoseconds(std::uint32_t seconds,
+                                                       std::uint32_t fraction, bool isNanosecond) {
+    return std::uint64_t{seconds} * 1'000'000'000U +
+           std::uint64_t{fraction} * (isNanosecond ? 1U : 1000U);
+}
 
 /// The fraction of a record's time in nanoseconds. Deliberate: in 32 bits, and not normalised.
 [[nodiscard]] constexpr std::uint32_t toNanoseconds(std::uint32_t fraction, bool isNanosecond) {

@@ -9,18 +9,23 @@ using TalIec61850Analysis::CaptureCheck;
 using TalIec61850Analysis::CaptureDamage;
 using TalIec61850Analysis::CaptureDamageKind;
 using TalIec61850Analysis::CaptureFault;
+using TalIec61850Analysis::CaptureFormat;
 using TalIec61850Analysis::CaptureSurvey;
 
 std::string textOf(CaptureFault fault) {
     CaptureCheck check;
     check.fault = fault;
-    return faultText(check);
+    return faultText(check).value();
 }
 
 TEST(CaptureText, SaysWhyAFileIsNotRead) {
     EXPECT_EQ(textOf(CaptureFault::notCapture), "not a classic capture file");
     EXPECT_EQ(textOf(CaptureFault::notRegularFile), "not a regular file");
-    EXPECT_EQ(textOf(CaptureFault::nextGeneration),
+    CaptureCheck check;
+    check.format = CaptureFormat::classic;
+    EXPECT_EQ(faultText(check), std::nullopt);
+    check.format = CaptureFormat::nextGeneration;
+    EXPECT_EQ(faultText(check),
               "next-generation capture: convert it first, for example with editcap -F pcap");
 }
 
@@ -46,6 +51,10 @@ TEST(CaptureText, SaysWhatIsDamagedAndWhere) {
                           .claimedSize = 4'294'967'295,
                           .missingSize = 7}),
               "the file ends inside the record at 24: 7 of its 4294967295 octets are missing");
+    EXPECT_EQ(damageText({.kind = CaptureDamageKind::blockLength, .fileOffset = 28}),
+              "a block length that none can have at 28");
+    EXPECT_EQ(damageText({.kind = CaptureDamageKind::fileShrank, .fileOffset = 100}),
+              "the file became shorter while it was read, and ends at 100");
 }
 
 TEST(CaptureText, SaysNothingOfAWholeCapture) {

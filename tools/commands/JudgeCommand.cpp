@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <TalIec61850Analysis/file/CaptureRecords.hpp>
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <functional>
 #include <map>
 #include <memory>
@@ -63,18 +63,18 @@ using FrameTaker = std::function<void(JudgedFrame const&)>;
 /// @throws std::system_error  it cannot be read
 std::optional<std::string> judgeCapture(CaptureSource const& capture, Filter const& filter,
                                         ProgressBar& bar, FrameTaker const& take) {
-    TalIec61850Analysis::CaptureRecords records(capture.path);
+    TalIec61850Analysis::CaptureFile file(capture.path);
     bar.startFile(capture.name, capture.size);
     std::vector<std::uint8_t> octets;
-    for (std::uint64_t count = 0; auto const record = records.next(); ++count) {
+    for (std::uint64_t count = 0; auto const* const view = file.next(); ++count) {
         if (count % kRecordsPerProgress == 0) {
-            bar.show(static_cast<double>(record->fileOffset) / static_cast<double>(capture.size));
+            bar.show(static_cast<double>(view->record.fileOffset) /
+                     static_cast<double>(capture.size));
         }
-        auto const frame = records.frameOf(*record);
-        octets.assign(frame.begin(), frame.end());
-        take({.verdict = judgeFrame(octets, filter), .file = capture.name, .record = *record});
+        octets.assign(view->frame.begin(), view->frame.end());
+        take({.verdict = judgeFrame(octets, filter), .file = capture.name, .record = view->record});
     }
-    return records.damage() ? std::optional(damageText(*records.damage())) : std::nullopt;
+    return file.damage() ? std::optional(damageText(*file.damage())) : std::nullopt;
 }
 
 /// Judges all frames of all captures, and reports damaged captures.

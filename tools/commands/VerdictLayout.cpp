@@ -32,7 +32,7 @@ constexpr std::array kCountColumns = {
 };
 
 constexpr std::array kFrameColumns = {
-    Column<JudgedFrame>{{"TIME"}, [](auto const& r) { return toUtcText(r.record.time); }},
+    Column<JudgedFrame>{{"TIME"}, [](auto const& r) { return toUtcText(r.record.time.value()); }},
     Column<JudgedFrame>{{"PROTO"}, [](auto const& r) { return protocolText(r.verdict.protocol); }},
     Column<JudgedFrame>{{"VERDICT"},
                         [](auto const& r) { return std::string(toText(r.verdict.verdict)); }},
@@ -56,14 +56,15 @@ RowLayout<VerdictCount> verdictCountLayout() {
 
 RowLayout<JudgedFrame> judgedFrameLayout() {
     using Row = JudgedFrame const&;
-    return {.fields = {{"time", [](Row r) { return toUtcText(r.record.time); }},
-                       {"timeNs", [](Row r) { return nanosecondsSince1970(r.record.time); }},
-                       {"file", [](Row r) { return r.file; }},
-                       {"recordPosition", [](Row r) { return r.record.fileOffset; }},
-                       {"protocol", [](Row r) { return protocolText(r.verdict.protocol); }},
-                       {"verdict", [](Row r) { return toText(r.verdict.verdict); }},
-                       {"answer", [](Row r) { return r.verdict.answer; }}},
-            .columns = kFrameColumns};
+    return {
+        .fields = {{"time", [](Row r) { return toUtcText(r.record.time.value()); }},
+                   {"timeNs", [](Row r) { return nanosecondsSince1970(r.record.time.value()); }},
+                   {"file", [](Row r) { return r.file; }},
+                   {"recordPosition", [](Row r) { return r.record.fileOffset; }},
+                   {"protocol", [](Row r) { return protocolText(r.verdict.protocol); }},
+                   {"verdict", [](Row r) { return toText(r.verdict.verdict); }},
+                   {"answer", [](Row r) { return r.verdict.answer; }}},
+        .columns = kFrameColumns};
 }
 
 }  // namespace TalIec61850Tools

@@ -52,8 +52,8 @@ private:
 
     void add(std::string const& path, std::string const& name, CaptureCheck const& check) {
         found_.files.insert(check.identity);
-        if (check.fault) {
-            refuse(name, faultText(check));
+        if (auto const fault = faultText(check)) {
+            refuse(name, *fault);
             return;
         }
         auto const [known, isNew] = known_.emplace(check.identity, found_.captures.size());

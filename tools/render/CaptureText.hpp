@@ -8,9 +8,9 @@
 
 namespace TalIec61850Tools {
 
-/// Why a file cannot be read as a capture.
-/// @param check  one with a fault
-[[nodiscard]] std::string faultText(TalIec61850Analysis::CaptureCheck const& check);
+/// Why a file is not taken. Next-generation captures are not, as they cannot be indexed.
+/// @return none for one that is
+[[nodiscard]] std::optional<std::string> faultText(TalIec61850Analysis::CaptureCheck const& check);
 
 /// What is wrong with a capture.
 [[nodiscard]] std::string damageText(TalIec61850Analysis::CaptureDamage const& damage);

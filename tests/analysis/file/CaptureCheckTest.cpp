@@ -23,6 +23,11 @@ std::optional<CaptureFault> faultOf(Bytes const& content) {
     return check.fault;
 }
 
+std::optional<CaptureFormat> formatOf(Bytes const& content) {
+    TempFile const file(content);
+    return checkCapture(file.path()).format;
+}
+
 /// What the operating system says of a path.
 std::error_code errorOf(std::string const& path) {
     CaptureCheck const check = checkCapture(path);
@@ -43,15 +48,16 @@ TEST(CheckCapture, RefusesWhatBeginsOtherwise) {
     EXPECT_EQ(faultOf({0xD4, 0xC3, 0xB2, 0xA2}), CaptureFault::notCapture);
 }
 
-TEST(CheckCapture, TellsNextGenerationCapturesFromOthers) {
-    EXPECT_EQ(faultOf({0x0A, 0x0D, 0x0D, 0x0A, 0x1C, 0, 0, 0, 0x4D, 0x3C, 0x2B, 0x1A}),
-              CaptureFault::nextGeneration);
-    EXPECT_EQ(faultOf({0x0A, 0x0D, 0x0D, 0x0A}), CaptureFault::nextGeneration);
-}
-
-TEST(CheckCapture, AcceptsAClassicMagicAfterANextGenerationOneAsTheParserDoes) {
-    EXPECT_EQ(faultOf({0x0A, 0x0D, 0x0D, 0x0A, 0x1C, 0, 0, 0, 0xD4, 0xC3, 0xB2, 0xA1}),
-              std::nullopt);
+TEST(CheckCapture, TellsTheFormatByTheFirstOctetsAlone) {
+    EXPECT_EQ(formatOf(TalTest::captureHeader(TalTest::CaptureVariant::nanoBig)),
+              CaptureFormat::classic);
+    Bytes const nextGeneration = {0x0A, 0x0D, 0x0D, 0x0A};
+    EXPECT_EQ(formatOf(nextGeneration), CaptureFormat::nextGeneration);
+    EXPECT_EQ(faultOf(nextGeneration), std::nullopt);
+    // Whatever is where its byte order mark should be.
+    EXPECT_EQ(formatOf({0x0A, 0x0D, 0x0D, 0x0A, 0x1C, 0, 0, 0, 0xD4, 0xC3, 0xB2, 0xA1}),
+              CaptureFormat::nextGeneration);
+    EXPECT_EQ(formatOf(TalTest::text("a text")), std::nullopt);
 }
 
 TEST(CheckCapture, TellsWhyAFileCannotBeOpened) {

@@ -11,14 +11,14 @@ int main(int argc, char** argv) {
     if (checkCapture(argv[1]).fault) {
         return 1;
     }
-    CaptureRecords records(argv[1]);
+    CaptureFile capture(argv[1]);
     std::size_t count = 0;
     std::size_t octets = 0;
-    while (auto const record = records.next()) {
+    while (auto const* const view = capture.next()) {
         ++count;
-        octets += records.frameOf(*record).size();
+        octets += view->frame.size();
     }
     std::cout << "headers " << TALIEC61850ANALYSIS_VERSION << ", library " << libraryVersion()
               << ": " << count << " records, " << octets << " octets"
-              << (records.damage() ? ", damaged" : "") << "\n";
+              << (capture.damage() ? ", damaged" : "") << "\n";
 }

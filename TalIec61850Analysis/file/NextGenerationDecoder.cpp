@@ -1,0 +1,372 @@
+#include <TalIec61850Analysis/file/NextGenerationDecoder.hpp>
+#include <algorithm>
+#include <chrono>
+#include <string>
+
+namespace TalIec61850Analysis::detail {
+
+namespace wire = TalIec61850Parser::wire;
+
+namespace {
+
+constexpr std::size_t kLongestName = 255;
+
+CaptureDamage damageAt(CaptureDamageKind kind, std::uint64_t fileOffset) {
+    return {.kind = kind, .fileOffset = fileOffset};
+}
+
+/// Ends the walk, once the records before have been handed over.
+std::size_t finishWith(CaptureDamage const& damage, WalkedRecords& walked) {
+    if (walked.isEmpty()) {
+        walked.finish(damage);
+    }
+    return 0;
+}
+
+/// The octets that a block of this type always has in its body.
+std::size_t fixedSize(std::uint32_t type) {
+    switch (type) {
+        case wire::kSectionBlock:
+            return wire::SectionHeader::kSize;
+        case wire::kInterfaceBlock:
+            return wire::InterfaceHeader::kSize;
+        case wire::kStatisticsBlock:
+            return wire::StatisticsHeader::kSize;
+        default:
+            return wire::isPacketBlock(type) ? wire::PacketHeader::sizeOf(type) : 0;
+    }
+}
+
+bool isBlockLength(std::uint32_t type, std::uint32_t length) {
+    std::size_t const least =
+        wire::kSmallestBlock + (type == wire::kSectionBlock ? wire::SectionHeader::kSize : 0);
+    return length >= least && length % wire::kBlockAlignment == 0;
+}
+
+/// Reads what options say of an interface.
+/// @return false where they are cut off
+bool describe(CaptureInterface& described, InterfaceUse& use, std::span<std::uint8_t const> options,
+              bool isLittleEndian) {
+    std::optional<std::uint8_t> resolution;
+    bool const isWhole = wire::forEachOption(
+        options, isLittleEndian, [&](std::uint16_t code, std::span<std::uint8_t const> value) {
+            if (code == wire::kOptionInterfaceName) {
+                auto const kept = value.first(std::min(value.size(), kLongestName));
+                described.name.assign(kept.begin(), kept.end());
+            } else if (code == wire::kOptionTimeResolution && value.size() == 1) {
+                resolution = value.front();
+            } else if (code == wire::kOptionTimeOffset) {
+                auto const offset = wire::readOptionNumber(value, isLittleEndian);
+                described.timeOffset = static_cast<std::int64_t>(offset.value_or(0));
+            }
+        });
+    constexpr std::uint8_t microseconds = 6;
+    use.timeUnit = wire::TimeUnit(resolution.value_or(microseconds), described.timeOffset);
+    described.isBinaryUnit = use.timeUnit.isBinary();
+    described.unitExponent = use.timeUnit.exponent();
+    return isWhole;
+}
+
+}  // namespace
+
+std::size_t NextGenerationDecoder::decode(std::span<std::uint8_t const> octets,
+                                          std::uint64_t fileOffset, WalkedRecords& walked) {
+    std::size_t begin = 0;
+    while (!walked.isFull() && begin <= octets.size()) {
+        std::size_t const used = decodeBlock(octets.subspan(begin), fileOffset + begin, walked);
+        if (used == 0) {
+            break;
+        }
+        begin += used;
+    }
+    return begin;
+}
+
+std::size_t NextGenerationDecoder::decodeBlock(std::span<std::uint8_t const> octets,
+                                               std::uint64_t fileOffset, WalkedRecords& walked) {
+    std::uint64_t const left = fileSize_ - fileOffset;
+    if (left == 0) {
+        if (walked.isEmpty()) {
+            walked.finish();
+        }
+        return 0;
+    }
+    if (left < wire::kSmallestBlock) {
+        return finishWith(damageAt(fileOffset == 0 ? CaptureDamageKind::fileHeaderCut
+                                                   : CaptureDamageKind::recordHeaderCut,
+                                   fileOffset),
+                          walked);
+    }
+    if (octets.size() < wire::kSmallestBlock) {
+        return 0;
+    }
+    Block block{.fileOffset = fileOffset,
+                .isLittleEndian = section_.isLittleEndian,
+                .type = wire::readFileUint32(octets, 0, section_.isLittleEndian),
+                .length = 0,
+                .body = {}};
+    // Its type reads the same in both byte orders.
+    if (block.type == wire::kSectionBlock) {
+        auto const order = wire::findByteOrder(octets);
+        if (!order) {
+            return finishWith(damageAt(CaptureDamageKind::byteOrder, fileOffset), walked);
+        }
+        block.isLittleEndian = *order;
+    }
+    block.length = wire::readFileUint32(octets, 4, block.isLittleEndian);
+    if (!isBlockLength(block.type, block.length)) {
+        return finishWith({.kind = CaptureDamageKind::blockLength,
+                           .fileOffset = fileOffset,
+                           .claimedSize = block.length},
+                          walked);
+    }
+    if (block.length > left) {
+        return decodeCutBlock(octets, block, walked);
+    }
+    if (block.length > kLongestBlock) {
+        return passOver(block, walked);
+    }
+    if (octets.size() < block.length) {
+        return 0;
+    }
+    if (wire::readFileUint32(octets, block.length - wire::kBlockTrailerSize,
+                             block.isLittleEndian) != block.length) {
+        walked.note({.kind = CaptureDamageKind::blockLengthsDiffer,
+                     .fileOffset = fileOffset,
+                     .claimedSize = block.length});
+    }
+    block.body = octets.subspan(wire::kBlockHeaderSize, block.length - wire::kSmallestBlock);
+    take(block, walked);
+    return block.length;
+}
+
+/// A block that claims more octets than the file holds. Of a packet, what is there is shown.
+std::size_t NextGenerationDecoder::decodeCutBlock(std::span<std::uint8_t const> octets, Block block,
+                                                  WalkedRecords& walked) const {
+    std::uint64_t const left = fileSize_ - block.fileOffset;
+    auto const shown = static_cast<std::size_t>(std::min<std::uint64_t>(left, kLongestBlock));
+    if (!walked.isEmpty() || octets.size() < shown) {
+        return 0;
+    }
+    block.body = octets.subspan(wire::kBlockHeaderSize, shown - wire::kBlockHeaderSize);
+    WalkedRecords cut;
+    if (!section_.isPassedOver && wire::isPacketBlock(block.type) &&
+        block.body.size() >= fixedSize(block.type)) {
+        NextGenerationDecoder reader = *this;
+        reader.setCounting(false);
+        reader.takePacket(block, cut);
+    }
+    if (!cut.isEmpty()) {
+        walked.setCut(*cut.begin());
+    }
+    walked.finish({.kind = block.fileOffset == 0 ? CaptureDamageKind::fileHeaderCut
+                                                 : CaptureDamageKind::recordCut,
+                   .fileOffset = block.fileOffset,
+                   .claimedSize = block.length,
+                   .missingSize = block.length - left});
+    return 0;
+}
+
+/// A block that is too long to be looked at.
+std::size_t NextGenerationDecoder::passOver(Block const& block, WalkedRecords& walked) {
+    if (fixedSize(block.type) != 0) {
+        walked.note({.kind = CaptureDamageKind::recordTooLong,
+                     .fileOffset = block.fileOffset,
+                     .claimedSize = block.length});
+    }
+    if (block.type == wire::kSectionBlock) {
+        // Without it, nothing of what follows can be told.
+        section_.isLittleEndian = block.isLittleEndian;
+        section_.isPassedOver = true;
+        section_.end.reset();
+    } else if (block.type == wire::kInterfaceBlock && !section_.isPassedOver) {
+        addInterface(block, walked);
+    }
+    return block.length;
+}
+
+void NextGenerationDecoder::take(Block const& block, WalkedRecords& walked) {
+    if (block.type == wire::kSectionBlock) {
+        startSection(block, walked);
+        return;
+    }
+    if (section_.isPassedOver) {
+        return;
+    }
+    bool const isShort = block.body.size() < fixedSize(block.type);
+    if (isShort) {
+        walked.note(damageAt(CaptureDamageKind::blockTooShort, block.fileOffset));
+    }
+    if (block.type == wire::kInterfaceBlock) {
+        addInterface(block, walked);
+    } else if (isShort) {
+        return;
+    } else if (block.type == wire::kStatisticsBlock) {
+        takeStatistics(block, walked);
+    } else if (wire::isPacketBlock(block.type)) {
+        takePacket(block, walked);
+    }
+}
+
+void NextGenerationDecoder::startSection(Block const& block, WalkedRecords& walked) {
+    auto const noteCut = [&](Section const& section, std::uint64_t end) {
+        walked.note({.kind = CaptureDamageKind::sectionCut,
+                     .fileOffset = section.fileOffset,
+                     .claimedSize = *section.end - section.fileOffset,
+                     .missingSize = *section.end - end});
+    };
+    if (sectionHolds(block.fileOffset) && *section_.end <= fileSize_) {
+        noteCut(section_, block.fileOffset);
+    }
+    auto const header = wire::SectionHeader::read(block.body, block.isLittleEndian);
+    section_ = {.isLittleEndian = block.isLittleEndian,
+                .isPassedOver = header.major != wire::SectionHeader::kKnownMajor,
+                .firstInterface = section_.firstInterface + section_.interfaceCount,
+                .interfaceCount = 0,
+                .fileOffset = block.fileOffset,
+                .end = std::nullopt};
+    if (section_.isPassedOver) {
+        walked.note(damageAt(CaptureDamageKind::unknownVersion, block.fileOffset));
+    }
+    std::uint64_t const start = block.fileOffset + block.length;
+    if (header.hasLength() && header.length <= ~std::uint64_t{0} - start) {
+        section_.end = start + header.length;
+        if (*section_.end > fileSize_) {
+            noteCut(section_, fileSize_);
+        }
+    }
+}
+
+/// Also where its description cannot be read, so that those after it keep their numbers.
+void NextGenerationDecoder::addInterface(Block const& block, WalkedRecords& walked) {
+    std::size_t const index = std::size_t{section_.firstInterface} + section_.interfaceCount;
+    if (index >= InterfaceTable::kMost) {
+        walked.note(damageAt(CaptureDamageKind::tooManyInterfaces, block.fileOffset));
+        return;
+    }
+    ++section_.interfaceCount;
+    CaptureInterface described;
+    InterfaceUse use;
+    described.fileOffset = block.fileOffset;
+    use.isKnown = block.body.size() >= wire::InterfaceHeader::kSize;
+    if (use.isKnown) {
+        auto const header = wire::InterfaceHeader::read(block.body, block.isLittleEndian);
+        described.linkType = header.linkType;
+        described.snapLength = header.snapLength;
+        if (!describe(described, use, block.body.subspan(wire::InterfaceHeader::kSize),
+                      block.isLittleEndian)) {
+            walked.note(damageAt(CaptureDamageKind::optionCut, block.fileOffset));
+        }
+        if (!use.timeUnit.isUsable()) {
+            walked.note(damageAt(CaptureDamageKind::timeResolution, block.fileOffset));
+        }
+    }
+    if (index == table_->interfaces.size()) {
+        table_->interfaces.push_back(std::move(described));
+        table_->uses.push_back(use);
+    }
+}
+
+void NextGenerationDecoder::takeStatistics(Block const& block, WalkedRecords& walked) const {
+    auto const header = wire::StatisticsHeader::read(block.body, block.isLittleEndian);
+    auto const index = findInterface(header.interface);
+    if (!index) {
+        walked.note(damageAt(CaptureDamageKind::unknownInterface, block.fileOffset));
+        return;
+    }
+    CaptureInterface counted = table_->interfaces[*index];
+    bool const isWhole = wire::forEachOption(
+        block.body.subspan(wire::StatisticsHeader::kSize), block.isLittleEndian,
+        [&](std::uint16_t code, std::span<std::uint8_t const> value) {
+            auto const count = wire::readOptionNumber(value, block.isLittleEndian);
+            if (!count) {
+                return;
+            }
+            if (code == wire::kOptionInterfaceReceived) {
+                counted.received = count;
+            } else if (code == wire::kOptionInterfaceDropped) {
+                counted.dropped = count;
+            } else if (code == wire::kOptionSystemDropped) {
+                counted.droppedBySystem = count;
+            }
+        });
+    if (!isWhole) {
+        walked.note(damageAt(CaptureDamageKind::optionCut, block.fileOffset));
+    }
+    if (isCounting_) {
+        table_->interfaces[*index] = std::move(counted);
+    }
+}
+
+void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked) const {
+    auto const header = wire::PacketHeader::read(block.type, block.body, block.isLittleEndian);
+    auto const index = findInterface(header.interface);
+    if (!index) {
+        walked.note(damageAt(CaptureDamageKind::unknownInterface, block.fileOffset));
+        return;
+    }
+    CaptureInterface& interface = table_->interfaces[*index];
+    bool const isCut = block.fileOffset + block.length > fileSize_;
+    auto const rest = block.body.subspan(header.size);
+    std::size_t const claimed = header.frameSize(interface.snapLength);
+    if (claimed > (isCut ? block.length - wire::kSmallestBlock - header.size : rest.size())) {
+        walked.note({.kind = CaptureDamageKind::frameTooLong,
+                     .fileOffset = block.fileOffset,
+                     .claimedSize = claimed});
+        return;
+    }
+    if (!isCut && claimed > kLongestFrame) {
+        walked.note({.kind = CaptureDamageKind::recordTooLong,
+                     .fileOffset = block.fileOffset,
+                     .claimedSize = block.length});
+        return;
+    }
+    auto const frame = rest.first(std::min({claimed, rest.size(), kLongestFrame}));
+    RecordView view{
+        .record = {.fileOffset = block.fileOffset,
+                   .frameOffset = block.fileOffset + wire::kBlockHeaderSize + header.size,
+                   .time = std::nullopt,
+                   .capturedSize = static_cast<std::uint32_t>(frame.size()),
+                   .originalSize = header.originalSize,
+                   .linkType = interface.linkType,
+                   .interface = *index,
+                   .dropped = header.dropped},
+        .frame = frame};
+    auto const& unit = table_->uses[*index].timeUnit;
+    if (header.time && unit.isUsable()) {
+        if (auto const time = unit.nanoseconds(*header.time)) {
+            view.record.time = CaptureTime(std::chrono::nanoseconds(*time));
+        } else {
+            walked.note(damageAt(CaptureDamageKind::timeOutOfRange, block.fileOffset));
+        }
+    }
+    std::size_t const used = std::min<std::size_t>(wire::padded(claimed), rest.size());
+    if (block.type == wire::kEnhancedPacketBlock && used < rest.size()) {
+        bool const isWhole = wire::forEachOption(
+            rest.subspan(used), block.isLittleEndian,
+            [&](std::uint16_t code, std::span<std::uint8_t const> value) {
+                if (code == wire::kOptionPacketDropped) {
+                    view.record.dropped = wire::readOptionNumber(value, block.isLittleEndian);
+                }
+            });
+        if (!isWhole) {
+            walked.note(damageAt(CaptureDamageKind::optionCut, block.fileOffset));
+        }
+    }
+    if (isCounting_) {
+        ++interface.records;
+    }
+    walked.add(view);
+}
+
+/// @param number  as blocks have it, counted in the section
+/// @return its place in the table
+std::optional<std::uint32_t> NextGenerationDecoder::findInterface(std::uint32_t number) const {
+    if (number >= section_.interfaceCount) {
+        return std::nullopt;
+    }
+    std::uint32_t const index = section_.firstInterface + number;
+    return table_->uses[index].isKnown ? std::optional(index) : std::nullopt;
+}
+
+}  // namespace TalIec61850Analysis::detail
