@@ -1,6 +1,8 @@
 #pragma once
 
 #include <TalIec61850Analysis/file/CaptureDamage.hpp>
+#include <TalIec61850Analysis/file/CaptureFormat.hpp>
+#include <TalIec61850Analysis/file/CaptureInterface.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <cstdint>
@@ -43,6 +45,10 @@ struct CaptureSummary {
     std::string path;
     /// Octets of the file.
     std::uint64_t fileSize = 0;
+    /// How the file is written.
+    CaptureFormat format = CaptureFormat::classic;
+    /// What the file says of the interfaces that its records come from.
+    std::vector<CaptureInterface> interfaces;
     /// Whole records; one that the file ends inside is none of them.
     std::uint64_t records = 0;
     /// Octets of frames that were captured, and that were on the wire.
@@ -70,8 +76,12 @@ struct CaptureSummary {
     /// GOOSE and SV frames of no stream.
     std::vector<UnreadFrame> unread;
 
-    /// What is wrong with the file.
+    /// The damage that ended the file.
     std::optional<CaptureDamage> damage;
+    /// All that is wrong with the file, in its order: the first hundred of `damageCount`.
+    std::vector<CaptureDamage> damages;
+    /// How often damage was met.
+    std::uint64_t damageCount = 0;
     /// What the operating system says where the file cannot be opened, or be read to its end. What
     /// was read before that is in the index.
     std::error_code error;

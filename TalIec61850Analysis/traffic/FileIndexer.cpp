@@ -110,8 +110,8 @@ std::size_t hashOf(StreamAttributes const& attributes) {
 
 }  // namespace
 
-void FileIndexer::add(SourceView const& view) {
-    SourceRecord const& record = view.record;
+void FileIndexer::add(RecordView const& view) {
+    CaptureRecord const& record = view.record;
     countRecord(record);
     if (!isReadable(record.linkType)) {
         return;
@@ -140,7 +140,7 @@ void FileIndexer::add(SourceView const& view) {
     walk(view, variety);
 }
 
-void FileIndexer::countRecord(SourceRecord const& record) {
+void FileIndexer::countRecord(CaptureRecord const& record) {
     CaptureSummary& summary = file_.summary;
     ++summary.records;
     summary.capturedOctets += record.capturedSize;
@@ -188,7 +188,7 @@ void FileIndexer::countOther(std::uint16_t etherType, Octets payload) {
     }
 }
 
-void FileIndexer::walk(SourceView const& view, std::uint8_t variety) {
+void FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
     Octets const frame = view.frame;
     walkFrame(frame, {.linkType = view.record.linkType, .originalSize = view.record.originalSize},
               walk_);
@@ -289,9 +289,9 @@ std::uint32_t FileIndexer::numberOf(StreamAttributes const& attributes) {
     return number;
 }
 
-void FileIndexer::addFrame(Result const& result, Target const* others, SourceView const& view) {
+void FileIndexer::addFrame(Result const& result, Target const* others, RecordView const& view) {
     Octets const frame = view.frame;
-    SourceRecord const& record = view.record;
+    CaptureRecord const& record = view.record;
     ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
                                                 : file_.summary.svFrames);
     if (result.unread != 0) [[unlikely]] {

@@ -2,10 +2,10 @@
 
 // Internal: the index of one capture, frame by frame.
 
+#include <TalIec61850Analysis/file/CaptureRecord.hpp>
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
-#include <TalIec61850Analysis/traffic/RecordSource.hpp>
 #include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
@@ -36,7 +36,7 @@ public:
         : keeps_(keeps), memoryUse_(memory) {}
 
     /// Adds a frame.
-    void add(SourceView const& view);
+    void add(RecordView const& view);
 
     /// What is counted; path, size and the end of the file are for the caller to set.
     [[nodiscard]] CaptureSummary& summary() { return file_.summary; }
@@ -87,14 +87,14 @@ private:
     };
     using Memory = TalIec61850Parser::wire::FrameMemory<Result>;
 
-    void countRecord(SourceRecord const& record);
+    void countRecord(CaptureRecord const& record);
     void countOther(std::uint16_t etherType, Octets payload);
-    void walk(SourceView const& view, std::uint8_t variety);
+    void walk(RecordView const& view, std::uint8_t variety);
     [[nodiscard]] Result resultOf(std::vector<Target>& others);
     [[nodiscard]] Target targetOf(WalkedPacket const& packet);
     [[nodiscard]] Collected& streamOf(StreamKey key);
     [[nodiscard]] std::uint32_t numberOf(StreamAttributes const& attributes);
-    void addFrame(Result const& result, Target const* others, SourceView const& view);
+    void addFrame(Result const& result, Target const* others, RecordView const& view);
     void addPacket(Target const& target, PacketRow const& row, Octets frame) const;
     static void readOddCounters(Target const& target, Octets frame, PacketRow& row);
 

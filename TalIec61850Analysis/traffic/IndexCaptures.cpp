@@ -1,6 +1,6 @@
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Analysis/traffic/IndexFile.hpp>
-#include <TalIec61850Analysis/traffic/RecordSource.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
 #include <atomic>
@@ -28,10 +28,11 @@ FileTraffic indexFile(std::string const& path, std::uint32_t number, TrafficOpti
     summary.path = path;
     FileTraffic traffic;
     try {
-        RecordSource source(path);
-        summary.fileSize = source.size();
+        CaptureFile capture(path);
+        summary.fileSize = capture.size();
+        summary.format = capture.format();
         std::uint64_t untilCall = kRecordsBetweenCalls;
-        while (SourceView const* const view = source.next()) {
+        while (RecordView const* const view = capture.next()) {
             indexer.add(*view);
             if (--untilCall == 0) {
                 untilCall = kRecordsBetweenCalls;
@@ -44,7 +45,10 @@ FileTraffic indexFile(std::string const& path, std::uint32_t number, TrafficOpti
                 }
             }
         }
-        summary.damage = source.damage();
+        summary.damage = capture.damage();
+        summary.damages.assign(capture.damages().begin(), capture.damages().end());
+        summary.damageCount = capture.damageCount();
+        summary.interfaces.assign(capture.interfaces().begin(), capture.interfaces().end());
         if (progress) {
             progress(summary.fileSize);
         }
@@ -70,7 +74,7 @@ public:
         }
         for (std::string const& path : paths) {
             try {
-                all_ += detail::RecordSource(path).size();
+                all_ += CaptureFile(path).size();
             } catch (std::system_error const&) {
                 continue;  // its summary will have the error
             }

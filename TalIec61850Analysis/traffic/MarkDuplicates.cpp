@@ -1,12 +1,11 @@
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/traffic/MarkCopies.hpp>
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
-#include <TalIec61850Analysis/traffic/RecordSource.hpp>
 #include <TalIec61850Analysis/traffic/TimeWalk.hpp>
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -64,8 +63,8 @@ private:
         bool isSame = false;
         for (Pair const& pair : pairs_) {
             if (last == nullptr || last->frames() != pair.frames()) {
-                Octets const frame = open(pair.file, 0).frameAt(pair.offset);
-                Octets const other = open(pair.otherFile, 1).frameAt(pair.otherOffset);
+                Octets const frame = frameAt(pair.file, pair.offset, 0);
+                Octets const other = frameAt(pair.otherFile, pair.otherOffset, 1);
                 isSame = !frame.empty() &&
                          std::equal(frame.begin(), frame.end(), other.begin(), other.end());
             }
@@ -99,16 +98,18 @@ private:
     /// One file of each side is open at a time.
     struct Open {
         std::uint32_t file = 0;
-        std::unique_ptr<FrameSource> source;
+        std::optional<CaptureFile> capture;
     };
 
-    FrameSource& open(std::uint32_t file, std::size_t side) {
+    /// @return valid until the next call for this side; empty where the file has changed meanwhile
+    Octets frameAt(std::uint32_t file, std::uint64_t frameOffset, std::size_t side) {
         Open& opened = open_[side];
-        if (!opened.source || opened.file != file) {
-            opened.source = std::make_unique<FrameSource>(files_[file].summary.path);
+        if (!opened.capture || opened.file != file) {
+            opened.capture.emplace(files_[file].summary.path);
             opened.file = file;
         }
-        return *opened.source;
+        auto const record = opened.capture->recordAt(frameOffset);
+        return record ? opened.capture->frameOf(*record) : Octets();
     }
 
     std::span<IndexedFile const> files_;

@@ -105,7 +105,7 @@ private:
 };
 
 /// Indexes one capture.
-/// @param path  a classic capture; of a damaged one, what comes before the damage
+/// @param path  a capture of any format; of a damaged one, what CaptureFile reads of it
 /// @throws std::system_error  the file cannot be opened or read
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT TrafficIndex
 indexCapture(std::string const& path, TrafficOptions const& options = {});

@@ -43,7 +43,7 @@ struct Indexed {
 
 Indexed indexed(std::vector<Recorded> const& frames, WalkMemory memory, int rounds = 1) {
     FileIndexer indexer({}, memory);
-    detail::SourceView view;
+    RecordView view;
     std::int64_t time = 0;
     for (int round = 0; round < rounds; ++round) {
         for (Recorded const& each : frames) {

@@ -146,7 +146,7 @@ RC_GTEST_PROP(TrafficWindows, AreThoseOfASearchOneByOne,
 TEST(TrafficWindows, HaveNoPacketsWithoutATime) {
     Bytes const frame = gooseFrame(Ethernet(), GooseMessage());
     detail::FileIndexer indexer({});
-    detail::SourceView view;
+    RecordView view;
     view.frame = frame;
     view.record.capturedSize = view.record.originalSize = static_cast<std::uint32_t>(frame.size());
     std::vector<std::optional<std::int64_t>> const times = {std::nullopt, 5, std::nullopt, 3, 5};
