@@ -63,8 +63,8 @@ private:
         bool isSame = false;
         for (Pair const& pair : pairs_) {
             if (last == nullptr || last->frames() != pair.frames()) {
-                Octets const frame = frameAt(pair.file, pair.offset, 0);
-                Octets const other = frameAt(pair.otherFile, pair.otherOffset, 1);
+                Octets const frame = frameAt(0, pair.file, pair.otherFile, pair.offset);
+                Octets const other = frameAt(1, pair.otherFile, pair.file, pair.otherOffset);
                 isSame = !frame.empty() &&
                          std::equal(frame.begin(), frame.end(), other.begin(), other.end());
             }
@@ -98,15 +98,29 @@ private:
     /// One file of each side is open at a time.
     struct Open {
         std::uint32_t file = 0;
+        /// That of the other side: with each, the files are read from their start.
+        std::uint32_t otherFile = 0;
         std::optional<CaptureFile> capture;
+        /// Where the capture has been read to; null at its start, and after its last record.
+        RecordView const* last = nullptr;
     };
 
     /// @return valid until the next call for this side; empty where the file has changed meanwhile
-    Octets frameAt(std::uint32_t file, std::uint64_t frameOffset, std::size_t side) {
+    Octets frameAt(std::size_t side, std::uint32_t file, std::uint32_t otherFile,
+                   std::uint64_t frameOffset) {
         Open& opened = open_[side];
-        if (!opened.capture || opened.file != file) {
+        if (!opened.capture || opened.file != file || opened.otherFile != otherFile) {
             opened.capture.emplace(files_[file].summary.path);
             opened.file = file;
+            opened.otherFile = otherFile;
+            opened.last = opened.capture->next();
+        }
+        // Mostly in the order of the file: reading on is much faster than seeking.
+        while (opened.last != nullptr && opened.last->record.frameOffset < frameOffset) {
+            opened.last = opened.capture->next();
+        }
+        if (opened.last != nullptr && opened.last->record.frameOffset == frameOffset) {
+            return opened.last->frame;
         }
         auto const record = opened.capture->recordAt(frameOffset);
         return record ? opened.capture->frameOf(*record) : Octets();
