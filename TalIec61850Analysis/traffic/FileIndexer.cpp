@@ -110,37 +110,7 @@ std::size_t hashOf(StreamAttributes const& attributes) {
 
 }  // namespace
 
-void FileIndexer::add(RecordView const& view) {
-    CaptureRecord const& record = view.record;
-    countRecord(record);
-    if (!isReadable(record.linkType)) {
-        return;
-    }
-    Octets const frame = view.frame;
-    if (frame.size() < linkHeaderSize(record.linkType)) {
-        countOther(0, {});
-        return;
-    }
-    std::uint16_t const etherType = wire::readUint16(frame, etherTypeOffset(record.linkType));
-    if (!mayBeRead(etherType)) {
-        countOther(etherType, frame.subspan(linkHeaderSize(record.linkType)));
-        return;
-    }
-    std::uint8_t const variety = varietyOf(record.linkType, record.originalSize > frame.size());
-    if (memoryUse_ == WalkMemory::on) {
-        Result const* known = memory_.findNextInTurn(frame, variety);
-        if (known == nullptr) {
-            known = memory_.find(frame, variety);
-        }
-        if (known != nullptr) [[likely]] {
-            addFrame(*known, otherTargets_.data() + known->firstOther, view);
-            return;
-        }
-    }
-    walk(view, variety);
-}
-
-void FileIndexer::countRecord(CaptureRecord const& record) {
+inline void FileIndexer::countRecord(CaptureRecord const& record) {
     CaptureSummary& summary = file_.summary;
     ++summary.records;
     summary.capturedOctets += record.capturedSize;
@@ -167,6 +137,132 @@ void FileIndexer::countRecord(CaptureRecord const& record) {
     ++*lastLinkCount_;
 }
 
+inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
+    if (target.stream == nullptr) {
+        return;
+    }
+    Collected& stream = *target.stream;
+    if (stream.attributes != target.attributes) [[unlikely]] {
+        stream.changes.push_back({.firstPacket = static_cast<std::uint32_t>(stream.packets.size()),
+                                  .attributes = target.attributes});
+        stream.attributes = target.attributes;
+    }
+    PacketRow& added = stream.packets.add(file_.summary.fileSize, row.frameOffset);
+    added.time = row.time;
+    added.frameOffset = row.frameOffset;
+    added.pduOffset = row.pduOffset;
+    added.sequence = row.sequence;
+    added.asdu = target.asdu;
+    added.flags = row.flags | target.flags;
+    // The octets before a counter are there: those of the header at least.
+    auto const isPlain = [](CounterPlace const& place) { return place.size - 1 < 4; };
+    if (isPlain(target.first) && isPlain(target.second)) [[likely]] {
+        std::uint8_t const* const octets = frame.data();
+        added.first = static_cast<std::uint32_t>(
+            readEndingAt(octets + target.first.offset + target.first.size, target.first.size));
+        added.second = static_cast<std::uint32_t>(
+            readEndingAt(octets + target.second.offset + target.second.size, target.second.size));
+        bool const isGoose = stream.key->protocol == StreamProtocol::goose;
+        bool const hasSign =
+            ((octets[target.first.offset] | octets[target.second.offset]) & 0x80U) != 0;
+        added.flags |= isGoose && hasSign ? PacketFlags::kNegative : std::uint16_t{0};
+        if (isGoose || added.second <= std::numeric_limits<std::uint8_t>::max()) [[likely]] {
+            return;
+        }
+    }
+    readOddCounters(target, frame, added);
+}
+
+inline void FileIndexer::addFrame(Result const& result, Target const* others,
+                                  RecordView const& view) {
+    Octets const frame = view.frame;
+    CaptureRecord const& record = view.record;
+    ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
+                                                : file_.summary.svFrames);
+    if (result.unread != 0) [[unlikely]] {
+        file_.summary.unread.push_back({.frameOffset = record.frameOffset,
+                                        .time = record.time,
+                                        .protocol = result.protocol,
+                                        .reason = static_cast<UnreadReason>(result.unread - 1)});
+    }
+    if (!result.hasTarget) {
+        return;
+    }
+    PacketRow row;
+    row.time = record.time ? record.time->time_since_epoch().count() : kNoTime;
+    row.frameOffset = record.frameOffset;
+    row.pduOffset = result.pduOffset;
+    row.sequence = 0;
+    unsigned flags = 0;
+    bool isB = false;
+    auto redundancy = Redundancy::none;
+    if (result.hasHsr) [[unlikely]] {
+        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
+        redundancy = Redundancy::hsr;
+        isB = tag.letter() == 'B';
+        row.sequence = tag.sequence;
+        bool const fits =
+            hsrSizeFits(result.lsduOffset, tag.lsduSize, static_cast<std::size_t>(result.pduEnd),
+                        std::max<std::size_t>(frame.size(), record.originalSize));
+        flags |= fits ? 0U : unsigned{PacketFlags::kHsrMisfit};
+    } else if (result.pduEnd + wire::kPrpTrailerSize <= frame.size() &&
+               record.originalSize <= frame.size()) {
+        // Mostly it is the end of the frame.
+        auto found = prpTrailerBefore(frame, frame.size(), result.lsduOffset, false);
+        if (!found) {
+            found = findPrpTrailer(frame, static_cast<std::size_t>(result.pduEnd),
+                                   result.lsduOffset, false);
+        }
+        if (found) {
+            redundancy = Redundancy::prp;
+            isB = found->trailer.lan() == 'B';
+            row.sequence = found->trailer.sequence;
+        }
+    }
+    flags |= static_cast<unsigned>(redundancy) << PacketFlags::kRedundancyShift;
+    flags |= isB ? unsigned{PacketFlags::kLaneB} : 0U;
+    row.flags = static_cast<std::uint16_t>(flags);
+    addPacket(result.target, row, frame);
+    for (std::uint32_t i = 0; i < result.otherCount; ++i) {
+        addPacket(others[i], row, frame);
+    }
+}
+
+void FileIndexer::add(RecordView const& view) {
+    CaptureRecord const& record = view.record;
+    countRecord(record);
+    if (!isReadable(record.linkType)) {
+        return;
+    }
+    Octets const frame = view.frame;
+    if (frame.size() < linkHeaderSize(record.linkType)) {
+        countOther(0, {});
+        return;
+    }
+    std::uint16_t const etherType = wire::readUint16(frame, etherTypeOffset(record.linkType));
+    if (!mayBeRead(etherType)) {
+        countOther(etherType, frame.subspan(linkHeaderSize(record.linkType)));
+        return;
+    }
+    std::uint8_t const variety = varietyOf(record.linkType, record.originalSize > frame.size());
+    Result const* result = nullptr;
+    std::vector<Target> const* others = &otherTargets_;
+    if (memoryUse_ == WalkMemory::on) {
+        result = memory_.findNextInTurn(frame, variety);
+        if (result == nullptr) {
+            result = memory_.find(frame, variety);
+        }
+    }
+    if (result == nullptr) [[unlikely]] {
+        if (!walk(view, variety)) {
+            return;
+        }
+        result = &walked_;
+        others = &walkedTargets_;
+    }
+    addFrame(*result, others->data() + result->firstOther, view);
+}
+
 void FileIndexer::countOther(std::uint16_t etherType, Octets payload) {
     constexpr std::uint16_t kFirstEtherType = 0x0600;
     std::uint16_t const counted = etherType < kFirstEtherType ? std::uint16_t{0} : etherType;
@@ -188,32 +284,33 @@ void FileIndexer::countOther(std::uint16_t etherType, Octets payload) {
     }
 }
 
-void FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
+/// @return whether `walked_` and `walkedTargets_` are what the frame is
+bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
     Octets const frame = view.frame;
     walkFrame(frame, {.linkType = view.record.linkType, .originalSize = view.record.originalSize},
               walk_);
     if (!walk_.protocol) {
         countOther(walk_.header.etherType.value_or(0), frame.subspan(walk_.header.size));
-        return;
+        return false;
     }
     walkedTargets_.clear();
-    Result const result = resultOf(walkedTargets_);
-    addFrame(result, walkedTargets_.data(), view);
+    walked_ = resultOf(walkedTargets_);
     if (memoryUse_ == WalkMemory::off || frame.size() > Memory::kMaxFrameSize ||
         !memory_.wantsMore()) {
-        return;
+        return true;
     }
     if (memory_.isEmpty()) {
         otherTargets_.clear();
     }
     if (otherTargets_.size() + walkedTargets_.size() > kMaxOtherTargets) {
-        return;
+        return true;
     }
-    Result* const remembered = memory_.remember(frame, walk_.mask, variety, result);
+    Result* const remembered = memory_.remember(frame, walk_.mask, variety, walked_);
     if (remembered != nullptr) {
         remembered->firstOther = static_cast<std::uint32_t>(otherTargets_.size());
         otherTargets_.insert(otherTargets_.end(), walkedTargets_.begin(), walkedTargets_.end());
     }
+    return true;
 }
 
 FileIndexer::Result FileIndexer::resultOf(std::vector<Target>& others) {
@@ -287,93 +384,6 @@ std::uint32_t FileIndexer::numberOf(StreamAttributes const& attributes) {
     all.push_back(attributes);
     byAttributes_.emplace(hash, number);
     return number;
-}
-
-void FileIndexer::addFrame(Result const& result, Target const* others, RecordView const& view) {
-    Octets const frame = view.frame;
-    CaptureRecord const& record = view.record;
-    ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
-                                                : file_.summary.svFrames);
-    if (result.unread != 0) [[unlikely]] {
-        file_.summary.unread.push_back({.frameOffset = record.frameOffset,
-                                        .time = record.time,
-                                        .protocol = result.protocol,
-                                        .reason = static_cast<UnreadReason>(result.unread - 1)});
-    }
-    if (!result.hasTarget) {
-        return;
-    }
-    PacketRow row;
-    row.time = record.time ? record.time->time_since_epoch().count() : kNoTime;
-    row.frameOffset = record.frameOffset;
-    row.pduOffset = result.pduOffset;
-    row.sequence = 0;
-    unsigned flags = 0;
-    bool isB = false;
-    auto redundancy = Redundancy::none;
-    if (result.hasHsr) [[unlikely]] {
-        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
-        redundancy = Redundancy::hsr;
-        isB = tag.letter() == 'B';
-        row.sequence = tag.sequence;
-        bool const fits =
-            hsrSizeFits(result.lsduOffset, tag.lsduSize, static_cast<std::size_t>(result.pduEnd),
-                        std::max<std::size_t>(frame.size(), record.originalSize));
-        flags |= fits ? 0U : unsigned{PacketFlags::kHsrMisfit};
-    } else if (result.pduEnd + wire::kPrpTrailerSize <= frame.size() &&
-               record.originalSize <= frame.size()) {
-        auto const found = findPrpTrailer(frame, static_cast<std::size_t>(result.pduEnd),
-                                          result.lsduOffset, false);
-        if (found) {
-            redundancy = Redundancy::prp;
-            isB = found->trailer.lan() == 'B';
-            row.sequence = found->trailer.sequence;
-        }
-    }
-    flags |= static_cast<unsigned>(redundancy) << PacketFlags::kRedundancyShift;
-    flags |= isB ? unsigned{PacketFlags::kLaneB} : 0U;
-    row.flags = static_cast<std::uint16_t>(flags);
-    addPacket(result.target, row, frame);
-    for (std::uint32_t i = 0; i < result.otherCount; ++i) {
-        addPacket(others[i], row, frame);
-    }
-}
-
-inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
-    if (target.stream == nullptr) {
-        return;
-    }
-    Collected& stream = *target.stream;
-    std::size_t const packet = stream.packets.size();
-    if (stream.attributes != target.attributes) [[unlikely]] {
-        stream.changes.push_back(
-            {.firstPacket = static_cast<std::uint32_t>(packet), .attributes = target.attributes});
-        stream.attributes = target.attributes;
-    }
-    PacketRow& added = stream.packets.add(file_.summary.fileSize, row.frameOffset);
-    added.time = row.time;
-    added.frameOffset = row.frameOffset;
-    added.pduOffset = row.pduOffset;
-    added.sequence = row.sequence;
-    added.asdu = target.asdu;
-    added.flags = row.flags | target.flags;
-    // The octets before a counter are there: those of the header at least.
-    auto const isPlain = [](CounterPlace const& place) { return place.size - 1 < 4; };
-    if (isPlain(target.first) && isPlain(target.second)) [[likely]] {
-        std::uint8_t const* const octets = frame.data();
-        added.first = static_cast<std::uint32_t>(
-            readEndingAt(octets + target.first.offset + target.first.size, target.first.size));
-        added.second = static_cast<std::uint32_t>(
-            readEndingAt(octets + target.second.offset + target.second.size, target.second.size));
-        bool const isGoose = stream.key->protocol == StreamProtocol::goose;
-        bool const hasSign =
-            ((octets[target.first.offset] | octets[target.second.offset]) & 0x80U) != 0;
-        added.flags |= isGoose && hasSign ? PacketFlags::kNegative : std::uint16_t{0};
-        if (isGoose || added.second <= std::numeric_limits<std::uint8_t>::max()) [[likely]] {
-            return;
-        }
-    }
-    readOddCounters(target, frame, added);
 }
 
 void FileIndexer::readOddCounters(Target const& target, Octets frame, PacketRow& row) {
