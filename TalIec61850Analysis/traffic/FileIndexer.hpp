@@ -50,9 +50,10 @@ public:
 private:
     /// A stream as it is collected. What each packet needs is in its first cache line.
     struct alignas(64) Collected {
-        explicit Collected(StreamProtocol protocol) : packets(protocol) {}
+        explicit Collected(StreamProtocol of) : protocol(of), packets(of) {}
 
         std::uint32_t attributes = std::numeric_limits<std::uint32_t>::max();
+        StreamProtocol protocol;
         bool isKept = true;
         ColumnsWriter packets;
         StreamKey const* key = nullptr;
