@@ -13,6 +13,20 @@ ClassicDecoder::ClassicDecoder(TalIec61850Parser::wire::CaptureVariant variant,
       variant_(variant),
       linkType_(table.interfaces.front().linkType) {}
 
+inline void ClassicDecoder::setRecord(CaptureRecord& record, std::uint64_t fileOffset,
+                                      RecordHeader const& header) const {
+    auto const time = TalIec61850Parser::wire::exactNanoseconds(header.tsSec, header.tsUsec,
+                                                                variant_.isNanosecond);
+    record.fileOffset = fileOffset;
+    record.frameOffset = fileOffset + RecordHeader::kSize;
+    record.time.emplace(std::chrono::nanoseconds(time));
+    record.capturedSize = header.inclLen;
+    record.originalSize = header.origLen;
+    record.linkType = linkType_;
+    record.interface = 0;
+    record.dropped.reset();
+}
+
 std::size_t ClassicDecoder::decode(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                                    WalkedRecords& walked) {
     std::size_t begin = 0;
@@ -22,8 +36,9 @@ std::size_t ClassicDecoder::decode(std::span<std::uint8_t const> octets, std::ui
         if (header.inclLen > std::min(kLongestFrame, rest.size() - RecordHeader::kSize)) {
             break;
         }
-        walked.add({.record = recordAt(fileOffset + begin, header),
-                    .frame = rest.subspan(RecordHeader::kSize, header.inclLen)});
+        RecordView& view = walked.add();
+        setRecord(view.record, fileOffset + begin, header);
+        view.frame = rest.subspan(RecordHeader::kSize, header.inclLen);
         begin += RecordHeader::kSize + header.inclLen;
     }
     if (isCounting_) {
@@ -31,19 +46,6 @@ std::size_t ClassicDecoder::decode(std::span<std::uint8_t const> octets, std::ui
             static_cast<std::uint64_t>(walked.end() - walked.begin());
     }
     return walked.isEmpty() ? decodeDamaged(octets, fileOffset, walked) : begin;
-}
-
-CaptureRecord ClassicDecoder::recordAt(std::uint64_t fileOffset, RecordHeader const& header) const {
-    auto const time = TalIec61850Parser::wire::exactNanoseconds(header.tsSec, header.tsUsec,
-                                                                variant_.isNanosecond);
-    return {.fileOffset = fileOffset,
-            .frameOffset = fileOffset + RecordHeader::kSize,
-            .time = CaptureTime(std::chrono::nanoseconds(time)),
-            .capturedSize = header.inclLen,
-            .originalSize = header.origLen,
-            .linkType = linkType_,
-            .interface = 0,
-            .dropped = std::nullopt};
 }
 
 std::size_t ClassicDecoder::decodeDamaged(std::span<std::uint8_t const> octets,
@@ -67,7 +69,8 @@ std::size_t ClassicDecoder::decodeDamaged(std::span<std::uint8_t const> octets,
         if (octets.size() < RecordHeader::kSize + shown) {
             return 0;
         }
-        CaptureRecord record = recordAt(fileOffset, header);
+        CaptureRecord record;
+        setRecord(record, fileOffset, header);
         record.capturedSize = static_cast<std::uint32_t>(shown);
         walked.setCut({.record = record, .frame = octets.subspan(RecordHeader::kSize, shown)});
         walked.finish({.kind = CaptureDamageKind::recordCut,

@@ -35,8 +35,8 @@ public:
     [[nodiscard]] bool isLittleEndian() const { return variant_.isLittleEndian; }
 
 private:
-    [[nodiscard]] CaptureRecord recordAt(std::uint64_t fileOffset,
-                                         TalIec61850Parser::wire::RecordHeader const& header) const;
+    void setRecord(CaptureRecord& record, std::uint64_t fileOffset,
+                   TalIec61850Parser::wire::RecordHeader const& header) const;
     std::size_t decodeDamaged(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                               WalkedRecords& walked) const;
 

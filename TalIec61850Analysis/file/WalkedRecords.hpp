@@ -33,6 +33,10 @@ public:
 
     /// @pre not isFull()
     void add(RecordView const& view) { views_[count_++] = view; }
+    /// Room for a record, of which all members are to be set: in place, since one that is copied as
+    /// a whole has to wait for its parts.
+    /// @pre not isFull()
+    [[nodiscard]] RecordView& add() { return views_[count_++]; }
 
     /// Damage that is passed over.
     void note(CaptureDamage const& damage) {

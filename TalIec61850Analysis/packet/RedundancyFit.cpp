@@ -7,33 +7,7 @@
 
 namespace TalIec61850Analysis {
 
-namespace {
-
 namespace wire = TalIec61850Parser::wire;
-
-constexpr std::uint16_t kMaxLsduSize = 0xFFF;
-/// An HSR tag with the EtherType that announces it.
-constexpr std::size_t kWholeHsrTagSize = wire::kEtherTypeSize + wire::kHsrTagSize;
-
-/// The trailer whose last octet is before `end`; nothing where LAN or size are not those of one.
-std::optional<PlacedTrailer> trailerBefore(Octets frame, std::size_t end, std::size_t lsduOffset,
-                                           bool hasHsr) {
-    auto const tag = wire::readPrpTrailer(frame.first(end));
-    constexpr std::uint8_t kLans = 0xA;
-    if (!tag || tag->path >> 1U != kLans >> 1U) {
-        return std::nullopt;
-    }
-    std::size_t const size = end - lsduOffset;
-    bool const fits = tag->lsduSize == (size & kMaxLsduSize) ||
-                      (hasHsr && tag->lsduSize == ((size - kWholeHsrTagSize) & kMaxLsduSize));
-    if (!fits) {
-        return std::nullopt;
-    }
-    return PlacedTrailer{{.sequence = tag->sequence, .lanId = tag->path, .lsduSize = tag->lsduSize},
-                         end - wire::kPrpTrailerSize};
-}
-
-}  // namespace
 
 std::size_t lsduOffsetOf(FrameHeader const& header, std::uint16_t linkType) noexcept {
     return linkHeaderSize(linkType) +
@@ -67,7 +41,7 @@ std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
         return std::nullopt;
     }
     std::optional<PlacedTrailer> const last =
-        trailerBefore(frame, frame.size(), lsduOffset, hasHsr);
+        prpTrailerBefore(frame, frame.size(), lsduOffset, hasHsr);
     if (last) {
         return last;
     }
@@ -84,7 +58,7 @@ std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
             break;
         }
         auto const suffixEnd = static_cast<std::size_t>(at - frame.data()) + wire::kEtherTypeSize;
-        if (auto const trailer = trailerBefore(frame, suffixEnd, lsduOffset, hasHsr)) {
+        if (auto const trailer = prpTrailerBefore(frame, suffixEnd, lsduOffset, hasHsr)) {
             found = trailer;
         }
         ++at;

@@ -42,6 +42,32 @@ struct PlacedTrailer {
 /// no PDU is. It may be after the end of the frame.
 [[nodiscard]] std::size_t pduEndOf(Octets frame, FrameHeader const& header) noexcept;
 
+/// The trailer whose last octet is before `end`; nothing where LAN or size are not those of one.
+/// @param end         index in the frame, or its size
+/// @param lsduOffset  see lsduOffsetOf
+/// @param hasHsr      whether there is an HSR tag too
+[[nodiscard]] inline std::optional<PlacedTrailer> prpTrailerBefore(Octets frame, std::size_t end,
+                                                                   std::size_t lsduOffset,
+                                                                   bool hasHsr) noexcept {
+    namespace wire = TalIec61850Parser::wire;
+    constexpr std::uint8_t kLans = 0xA;
+    constexpr std::uint16_t kMaxLsduSize = 0xFFF;
+    // With the EtherType that announces it.
+    constexpr std::size_t kWholeHsrTagSize = wire::kEtherTypeSize + wire::kHsrTagSize;
+    auto const tag = wire::readPrpTrailer(frame.first(end));
+    if (!tag || tag->path >> 1U != kLans >> 1U) {
+        return std::nullopt;
+    }
+    std::size_t const size = end - lsduOffset;
+    bool const fits = tag->lsduSize == (size & kMaxLsduSize) ||
+                      (hasHsr && tag->lsduSize == ((size - kWholeHsrTagSize) & kMaxLsduSize));
+    if (!fits) {
+        return std::nullopt;
+    }
+    return PlacedTrailer{{.sequence = tag->sequence, .lanId = tag->path, .lsduSize = tag->lsduSize},
+                         end - wire::kPrpTrailerSize};
+}
+
 /// Looks for a trailer in the octets after the PDU, the last one first: a suffix alone may be a
 /// part of a signature.
 /// @param pduEnd  index in the frame; nothing before it is looked at

@@ -3,6 +3,7 @@
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <string_view>
@@ -110,6 +111,118 @@ std::size_t hashOf(StreamAttributes const& attributes) {
 
 }  // namespace
 
+inline void FileIndexer::countRecord(CaptureRecord const& record) {
+    CaptureSummary& summary = file_.summary;
+    ++summary.records;
+    summary.capturedOctets += record.capturedSize;
+    summary.originalOctets += record.originalSize;
+    summary.snappedFrames += record.originalSize > record.capturedSize ? 1 : 0;
+    if (record.time) {
+        std::int64_t const time = record.time->time_since_epoch().count();
+        first_ = std::min(first_, time);
+        last_ = std::max(last_, time);
+    }
+    if (record.dropped) {
+        summary.dropped = summary.dropped.value_or(0) + *record.dropped;
+    }
+    if (lastLinkCount_ == nullptr || lastLinkType_ != record.linkType) {
+        lastLinkType_ = record.linkType;
+        lastLinkCount_ = &summary.linkTypes[record.linkType];
+    }
+    ++*lastLinkCount_;
+}
+
+inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
+    if (target.stream == nullptr) {
+        return;
+    }
+    Collected& stream = *target.stream;
+    if (stream.attributes != target.attributes) [[unlikely]] {
+        stream.changes.push_back({.firstPacket = static_cast<std::uint32_t>(stream.packets.size()),
+                                  .attributes = target.attributes});
+        stream.attributes = target.attributes;
+    }
+    PacketRow& added = stream.packets.add(file_.summary.fileSize, row.frameOffset);
+    added.time = row.time;
+    added.frameOffset = row.frameOffset;
+    added.pduOffset = row.pduOffset;
+    added.sequence = row.sequence;
+    added.asdu = target.asdu;
+    added.flags = row.flags | target.flags;
+    // The octets before a counter are there: those of the header at least.
+    auto const isPlain = [](CounterPlace const& place) { return place.size - 1 < 4; };
+    if (isPlain(target.first) && isPlain(target.second)) [[likely]] {
+        std::uint8_t const* const octets = frame.data();
+        added.first = static_cast<std::uint32_t>(
+            readEndingAt(octets + target.first.offset + target.first.size, target.first.size));
+        added.second = static_cast<std::uint32_t>(
+            readEndingAt(octets + target.second.offset + target.second.size, target.second.size));
+        bool const isGoose = stream.protocol == StreamProtocol::goose;
+        bool const hasSign =
+            ((octets[target.first.offset] | octets[target.second.offset]) & 0x80U) != 0;
+        added.flags |= isGoose && hasSign ? PacketFlags::kNegative : std::uint16_t{0};
+        if (isGoose || added.second <= std::numeric_limits<std::uint8_t>::max()) [[likely]] {
+            return;
+        }
+    }
+    readOddCounters(target, frame, added);
+}
+
+[[gnu::always_inline]] inline void FileIndexer::addFrame(Result const& result, Target const* others,
+                                                         RecordView const& view) {
+    Octets const frame = view.frame;
+    CaptureRecord const& record = view.record;
+    ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
+                                                : file_.summary.svFrames);
+    if (result.unread != 0) [[unlikely]] {
+        file_.summary.unread.push_back({.frameOffset = record.frameOffset,
+                                        .time = record.time,
+                                        .protocol = result.protocol,
+                                        .reason = static_cast<UnreadReason>(result.unread - 1)});
+    }
+    if (!result.hasTarget) {
+        return;
+    }
+    PacketRow row;
+    row.time = record.time ? record.time->time_since_epoch().count() : kNoTime;
+    row.frameOffset = record.frameOffset;
+    row.pduOffset = result.pduOffset;
+    row.sequence = 0;
+    unsigned flags = 0;
+    bool isB = false;
+    auto redundancy = Redundancy::none;
+    if (result.hasHsr) [[unlikely]] {
+        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
+        redundancy = Redundancy::hsr;
+        isB = tag.letter() == 'B';
+        row.sequence = tag.sequence;
+        bool const fits =
+            hsrSizeFits(result.lsduOffset, tag.lsduSize, static_cast<std::size_t>(result.pduEnd),
+                        std::max<std::size_t>(frame.size(), record.originalSize));
+        flags |= fits ? 0U : unsigned{PacketFlags::kHsrMisfit};
+    } else if (result.pduEnd + wire::kPrpTrailerSize <= frame.size() &&
+               record.originalSize <= frame.size()) {
+        // Mostly it is the end of the frame.
+        auto found = prpTrailerBefore(frame, frame.size(), result.lsduOffset, false);
+        if (!found) {
+            found = findPrpTrailer(frame, static_cast<std::size_t>(result.pduEnd),
+                                   result.lsduOffset, false);
+        }
+        if (found) {
+            redundancy = Redundancy::prp;
+            isB = found->trailer.lan() == 'B';
+            row.sequence = found->trailer.sequence;
+        }
+    }
+    flags |= static_cast<unsigned>(redundancy) << PacketFlags::kRedundancyShift;
+    flags |= isB ? unsigned{PacketFlags::kLaneB} : 0U;
+    row.flags = static_cast<std::uint16_t>(flags);
+    addPacket(result.target, row, frame);
+    for (std::uint32_t i = 0; i < result.otherCount; ++i) {
+        addPacket(others[i], row, frame);
+    }
+}
+
 void FileIndexer::add(RecordView const& view) {
     CaptureRecord const& record = view.record;
     countRecord(record);
@@ -127,44 +240,26 @@ void FileIndexer::add(RecordView const& view) {
         return;
     }
     std::uint8_t const variety = varietyOf(record.linkType, record.originalSize > frame.size());
+    Result const* result = nullptr;
+    std::vector<Target> const* others = &otherTargets_;
     if (memoryUse_ == WalkMemory::on) {
-        Result const* known = memory_.findNextInTurn(frame, variety);
-        if (known == nullptr) {
-            known = memory_.find(frame, variety);
+        result = memory_.findNextInTurn(frame, variety);
+        if (result == nullptr) {
+            result = memory_.find(frame, variety);
         }
-        if (known != nullptr) [[likely]] {
-            addFrame(*known, otherTargets_.data() + known->firstOther, view);
+    }
+    if (result == nullptr) [[unlikely]] {
+        if (!walk(view, variety)) {
             return;
         }
+        result = &walked_;
+        others = &walkedTargets_;
     }
-    walk(view, variety);
-}
-
-void FileIndexer::countRecord(CaptureRecord const& record) {
-    CaptureSummary& summary = file_.summary;
-    ++summary.records;
-    summary.capturedOctets += record.capturedSize;
-    summary.originalOctets += record.originalSize;
-    summary.snappedFrames += record.originalSize > record.capturedSize ? 1 : 0;
-    if (record.time) {
-        std::int64_t const time = record.time->time_since_epoch().count();
-        if (time < first_) {
-            first_ = time;
-            summary.first = record.time;
-        }
-        if (time > last_) {
-            last_ = time;
-            summary.last = record.time;
-        }
+    addFrame(*result, others->data() + result->firstOther, view);
+    if (Result const* const next = memory_.nextInTurn()) {
+        // Of many streams, few are in a near cache.
+        __builtin_prefetch(next->target.stream, 1);
     }
-    if (record.dropped) {
-        summary.dropped = summary.dropped.value_or(0) + *record.dropped;
-    }
-    if (lastLinkCount_ == nullptr || lastLinkType_ != record.linkType) {
-        lastLinkType_ = record.linkType;
-        lastLinkCount_ = &summary.linkTypes[record.linkType];
-    }
-    ++*lastLinkCount_;
 }
 
 void FileIndexer::countOther(std::uint16_t etherType, Octets payload) {
@@ -188,32 +283,33 @@ void FileIndexer::countOther(std::uint16_t etherType, Octets payload) {
     }
 }
 
-void FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
+/// @return whether `walked_` and `walkedTargets_` are what the frame is
+bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
     Octets const frame = view.frame;
     walkFrame(frame, {.linkType = view.record.linkType, .originalSize = view.record.originalSize},
               walk_);
     if (!walk_.protocol) {
         countOther(walk_.header.etherType.value_or(0), frame.subspan(walk_.header.size));
-        return;
+        return false;
     }
     walkedTargets_.clear();
-    Result const result = resultOf(walkedTargets_);
-    addFrame(result, walkedTargets_.data(), view);
+    walked_ = resultOf(walkedTargets_);
     if (memoryUse_ == WalkMemory::off || frame.size() > Memory::kMaxFrameSize ||
         !memory_.wantsMore()) {
-        return;
+        return true;
     }
     if (memory_.isEmpty()) {
         otherTargets_.clear();
     }
     if (otherTargets_.size() + walkedTargets_.size() > kMaxOtherTargets) {
-        return;
+        return true;
     }
-    Result* const remembered = memory_.remember(frame, walk_.mask, variety, result);
+    Result* const remembered = memory_.remember(frame, walk_.mask, variety, walked_);
     if (remembered != nullptr) {
         remembered->firstOther = static_cast<std::uint32_t>(otherTargets_.size());
         otherTargets_.insert(otherTargets_.end(), walkedTargets_.begin(), walkedTargets_.end());
     }
+    return true;
 }
 
 FileIndexer::Result FileIndexer::resultOf(std::vector<Target>& others) {
@@ -289,96 +385,9 @@ std::uint32_t FileIndexer::numberOf(StreamAttributes const& attributes) {
     return number;
 }
 
-void FileIndexer::addFrame(Result const& result, Target const* others, RecordView const& view) {
-    Octets const frame = view.frame;
-    CaptureRecord const& record = view.record;
-    ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
-                                                : file_.summary.svFrames);
-    if (result.unread != 0) [[unlikely]] {
-        file_.summary.unread.push_back({.frameOffset = record.frameOffset,
-                                        .time = record.time,
-                                        .protocol = result.protocol,
-                                        .reason = static_cast<UnreadReason>(result.unread - 1)});
-    }
-    if (!result.hasTarget) {
-        return;
-    }
-    PacketRow row;
-    row.time = record.time ? record.time->time_since_epoch().count() : kNoTime;
-    row.frameOffset = record.frameOffset;
-    row.pduOffset = result.pduOffset;
-    row.sequence = 0;
-    unsigned flags = 0;
-    bool isB = false;
-    auto redundancy = Redundancy::none;
-    if (result.hasHsr) [[unlikely]] {
-        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
-        redundancy = Redundancy::hsr;
-        isB = tag.letter() == 'B';
-        row.sequence = tag.sequence;
-        bool const fits =
-            hsrSizeFits(result.lsduOffset, tag.lsduSize, static_cast<std::size_t>(result.pduEnd),
-                        std::max<std::size_t>(frame.size(), record.originalSize));
-        flags |= fits ? 0U : unsigned{PacketFlags::kHsrMisfit};
-    } else if (result.pduEnd + wire::kPrpTrailerSize <= frame.size() &&
-               record.originalSize <= frame.size()) {
-        auto const found = findPrpTrailer(frame, static_cast<std::size_t>(result.pduEnd),
-                                          result.lsduOffset, false);
-        if (found) {
-            redundancy = Redundancy::prp;
-            isB = found->trailer.lan() == 'B';
-            row.sequence = found->trailer.sequence;
-        }
-    }
-    flags |= static_cast<unsigned>(redundancy) << PacketFlags::kRedundancyShift;
-    flags |= isB ? unsigned{PacketFlags::kLaneB} : 0U;
-    row.flags = static_cast<std::uint16_t>(flags);
-    addPacket(result.target, row, frame);
-    for (std::uint32_t i = 0; i < result.otherCount; ++i) {
-        addPacket(others[i], row, frame);
-    }
-}
-
-inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
-    if (target.stream == nullptr) {
-        return;
-    }
-    Collected& stream = *target.stream;
-    std::size_t const packet = stream.packets.size();
-    if (stream.attributes != target.attributes) [[unlikely]] {
-        stream.changes.push_back(
-            {.firstPacket = static_cast<std::uint32_t>(packet), .attributes = target.attributes});
-        stream.attributes = target.attributes;
-    }
-    PacketRow& added = stream.packets.add(file_.summary.fileSize, row.frameOffset);
-    added.time = row.time;
-    added.frameOffset = row.frameOffset;
-    added.pduOffset = row.pduOffset;
-    added.sequence = row.sequence;
-    added.asdu = target.asdu;
-    added.flags = row.flags | target.flags;
-    // The octets before a counter are there: those of the header at least.
-    auto const isPlain = [](CounterPlace const& place) { return place.size - 1 < 4; };
-    if (isPlain(target.first) && isPlain(target.second)) [[likely]] {
-        std::uint8_t const* const octets = frame.data();
-        added.first = static_cast<std::uint32_t>(
-            readEndingAt(octets + target.first.offset + target.first.size, target.first.size));
-        added.second = static_cast<std::uint32_t>(
-            readEndingAt(octets + target.second.offset + target.second.size, target.second.size));
-        bool const isGoose = stream.key->protocol == StreamProtocol::goose;
-        bool const hasSign =
-            ((octets[target.first.offset] | octets[target.second.offset]) & 0x80U) != 0;
-        added.flags |= isGoose && hasSign ? PacketFlags::kNegative : std::uint16_t{0};
-        if (isGoose || added.second <= std::numeric_limits<std::uint8_t>::max()) [[likely]] {
-            return;
-        }
-    }
-    readOddCounters(target, frame, added);
-}
-
 void FileIndexer::readOddCounters(Target const& target, Octets frame, PacketRow& row) {
     Collected& stream = *target.stream;
-    bool const isGoose = stream.key->protocol == StreamProtocol::goose;
+    bool const isGoose = stream.protocol == StreamProtocol::goose;
     auto const packet = static_cast<std::uint32_t>(stream.packets.size() - 1);
     auto const read = [&](CounterPlace const& place, std::uint32_t largest, bool isSecond) {
         auto state = CounterState::absent;
@@ -432,6 +441,12 @@ std::vector<TrafficStream> FileIndexer::takeStreams(std::uint32_t number) {
     return streams;
 }
 
-IndexedFile FileIndexer::takeFile() { return std::move(file_); }
+IndexedFile FileIndexer::takeFile() {
+    if (first_ <= last_) {
+        file_.summary.first = CaptureTime(std::chrono::nanoseconds(first_));
+        file_.summary.last = CaptureTime(std::chrono::nanoseconds(last_));
+    }
+    return std::move(file_);
+}
 
 }  // namespace TalIec61850Analysis::detail

@@ -48,14 +48,15 @@ public:
     [[nodiscard]] IndexedFile takeFile();
 
 private:
-    /// A stream as it is collected.
-    struct Collected {
-        explicit Collected(StreamProtocol protocol) : packets(protocol) {}
+    /// A stream as it is collected. What each packet needs is in its first cache line.
+    struct alignas(64) Collected {
+        explicit Collected(StreamProtocol of) : protocol(of), packets(of) {}
 
-        StreamKey const* key = nullptr;
-        bool isKept = true;
         std::uint32_t attributes = std::numeric_limits<std::uint32_t>::max();
+        StreamProtocol protocol;
+        bool isKept = true;
         ColumnsWriter packets;
+        StreamKey const* key = nullptr;
         std::vector<AttributeChange> changes;
         std::vector<WideRow> wide;
     };
@@ -89,7 +90,7 @@ private:
 
     void countRecord(CaptureRecord const& record);
     void countOther(std::uint16_t etherType, Octets payload);
-    void walk(RecordView const& view, std::uint8_t variety);
+    [[nodiscard]] bool walk(RecordView const& view, std::uint8_t variety);
     [[nodiscard]] Result resultOf(std::vector<Target>& others);
     [[nodiscard]] Target targetOf(WalkedPacket const& packet);
     [[nodiscard]] Collected& streamOf(StreamKey key);
@@ -118,6 +119,7 @@ private:
     /// Of frames with several packets that are remembered.
     std::vector<Target> otherTargets_;
     FrameWalk walk_;
+    Result walked_;
     std::vector<Target> walkedTargets_;
 };
 

@@ -15,16 +15,6 @@ constexpr std::size_t sizeOfPacket(StreamProtocol protocol) {
     return protocol == StreamProtocol::goose ? 30 : 29;
 }
 
-/// Fills one column from packet `first` on.
-template <typename Value, typename Member>
-void fillColumn(std::byte* block, std::size_t first, std::span<PacketRow const> rows,
-                Member const& member) {
-    auto* const values = reinterpret_cast<Value*>(block) + first;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        values[i] = static_cast<Value>(rows[i].*member);
-    }
-}
-
 }  // namespace
 
 void ColumnsWriter::makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset) {
@@ -59,30 +49,59 @@ void ColumnsWriter::makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset) {
 }
 
 void ColumnsWriter::flush() {
-    std::span<PacketRow const> const rows(stage_.get(), staged_);
-    std::size_t const first = columns_.size_;
-    auto const at = [&](std::size_t before) {
-        return columns_.block_.get() + before * columns_.capacity_;
-    };
-    fillColumn<std::int64_t>(at(0), first, rows, &PacketRow::time);
-    fillColumn<std::uint64_t>(at(8), first, rows, &PacketRow::frameOffset);
-    fillColumn<std::uint32_t>(at(16), first, rows, &PacketRow::first);
     if (columns_.isGoose()) {
-        fillColumn<std::uint32_t>(at(20), first, rows, &PacketRow::second);
+        flushAs<StreamProtocol::goose>();
     } else {
-        fillColumn<std::uint16_t>(at(26), first, rows, &PacketRow::asdu);
-        fillColumn<std::uint8_t>(at(28), first, rows, &PacketRow::second);
+        flushAs<StreamProtocol::sv>();
     }
+}
+
+template <StreamProtocol Protocol>
+void ColumnsWriter::flushAs() {
+    constexpr bool isGoose = Protocol == StreamProtocol::goose;
+    std::size_t const first = columns_.size_;
+    // Copies of what would be read again after each store.
+    PacketRow const* const rows = stage_.get();
+    std::uint32_t const count = staged_;
+    auto const column = [&]<typename Value>(Value, std::size_t before) {
+        return reinterpret_cast<Value*>(columns_.block_.get() + before * columns_.capacity_) +
+               first;
+    };
+    auto* const times = column(std::int64_t{}, 0);
+    auto* const frameOffsets = column(std::uint64_t{}, 8);
+    auto* const firsts = column(std::uint32_t{}, 16);
+    [[maybe_unused]] auto* const sqNums = column(std::uint32_t{}, 20);
+    [[maybe_unused]] auto* const asdus = column(std::uint16_t{}, 26);
+    [[maybe_unused]] auto* const smpSynchs = column(std::uint8_t{}, 28);
     std::size_t const before = columns_.secondEnd();
-    fillColumn<std::uint16_t>(at(before), first, rows, &PacketRow::pduOffset);
-    fillColumn<std::uint16_t>(at(before + 2), first, rows, &PacketRow::sequence);
-    fillColumn<std::uint16_t>(at(before + 4), first, rows, &PacketRow::flags);
-    for (PacketRow const& row : rows) {
-        allFlags_ |= row.flags;
-        isSorted_ = isSorted_ && row.time >= lastTime_ && row.time != kNoTime;
-        lastTime_ = row.time;
+    auto* const pduOffsets = column(std::uint16_t{}, before);
+    auto* const sequences = column(std::uint16_t{}, before + 2);
+    auto* const flags = column(std::uint16_t{}, before + 4);
+    std::uint16_t allFlags = allFlags_;
+    bool isSorted = isSorted_;
+    std::int64_t lastTime = lastTime_;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        PacketRow const row = rows[i];
+        times[i] = row.time;
+        frameOffsets[i] = row.frameOffset;
+        firsts[i] = row.first;
+        if constexpr (isGoose) {
+            sqNums[i] = row.second;
+        } else {
+            asdus[i] = row.asdu;
+            smpSynchs[i] = static_cast<std::uint8_t>(row.second);
+        }
+        pduOffsets[i] = row.pduOffset;
+        sequences[i] = row.sequence;
+        flags[i] = row.flags;
+        allFlags |= row.flags;
+        isSorted = isSorted && row.time >= lastTime && row.time != kNoTime;
+        lastTime = row.time;
     }
-    columns_.size_ += staged_;
+    allFlags_ = allFlags;
+    isSorted_ = isSorted;
+    lastTime_ = lastTime;
+    columns_.size_ += count;
     staged_ = 0;
 }
 

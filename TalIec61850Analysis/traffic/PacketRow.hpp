@@ -66,13 +66,16 @@ private:
     void makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset);
     /// Puts the staged rows into the columns, which have room for them.
     void flush();
+    template <StreamProtocol Protocol>
+    void flushAs();
     void reserve(std::size_t capacity);
     static void sort(PacketColumns& columns);
 
-    PacketColumns columns_;
+    // What each packet needs, together.
     std::unique_ptr<PacketRow[]> stage_;
     std::uint32_t staged_ = 0;
     std::uint32_t stageSize_ = 0;
+    PacketColumns columns_;
     bool isSorted_ = true;
     std::uint16_t allFlags_ = 0;
     std::int64_t lastTime_ = kNoTime;

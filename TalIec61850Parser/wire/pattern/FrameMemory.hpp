@@ -39,6 +39,13 @@ public:
         return &results_[pattern];
     }
 
+    /// The result of the pattern whose turn it is next; null when that is not known.
+    /// @return valid until another operation is called
+    [[nodiscard]] Result const* nextInTurn() const {
+        std::uint32_t const pattern = turns_.expected();
+        return pattern == TurnPredictor::kNone ? nullptr : &results_[pattern];
+    }
+
     /// The result of the pattern that this frame matches; null when there is none.
     /// @param prpLan  what tells frames apart besides their octets
     /// @return valid until another operation is called
