@@ -21,6 +21,7 @@
 #include <TalIec61850Parser/capture/EthernetHeader.hpp>
 #include <TalIec61850Parser/capture/EthernetParser.hpp>
 #include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <TalIec61850Parser/capture/PcapFile.hpp>
 #include <TalIec61850Parser/capture/PcapPacketHeader.hpp>
 #include <TalIec61850Parser/capture/PcapPacketParser.hpp>

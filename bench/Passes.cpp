@@ -79,12 +79,14 @@ bool runSilently(std::vector<std::string> command) {
 }  // namespace
 
 Race::Body indexPass(std::string const& path, Filter const& filter, std::uint64_t packets,
-                     std::function<void(double)> const& progress) {
+                     std::function<void(double)> const& progress,
+                     TalIec61850Parser::IndexOptions const& options) {
     return [=](benchmark::State& state) {
         std::atomic<bool> const neverStop = false;
         for (auto _ : state) {
             auto db = std::make_unique<Db>();
-            TalIec61850Parser::PcapParser::parseFile(path, *db, filter, neverStop, progress);
+            TalIec61850Parser::PcapParser::parseFile(path, *db, filter, neverStop, progress,
+                                                     options);
             state.PauseTiming();
             if (packetsIn(*db) != packets) {
                 state.SkipWithError("the index does not hold what it should");

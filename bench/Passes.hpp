@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -15,9 +16,11 @@ namespace TalBench {
 /// Indexes the capture into a fresh store, which is destroyed outside the time.
 /// @param packets   that the store is to hold then
 /// @param progress  called as PcapParser calls it
+/// @param options   how the file is read
 [[nodiscard]] Race::Body indexPass(std::string const& path, TalIec61850Parser::Filter const& filter,
                                    std::uint64_t packets,
-                                   std::function<void(double)> const& progress = {});
+                                   std::function<void(double)> const& progress = {},
+                                   TalIec61850Parser::IndexOptions const& options = {});
 
 /// Reads the file with read(2) in blocks of 1 MiB: no reader is faster by much.
 [[nodiscard]] Race::Body readPass(std::string const& path);

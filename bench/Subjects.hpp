@@ -16,6 +16,11 @@ void measureIndex(std::string_view name, Settings const& settings);
 /// `measureIndex` of every workload but those whose streams grow in number.
 void measureIndexes(Settings const& settings);
 
+/// Indexing while another thread reads the file, against reading it; nothing where processor time
+/// is counted. It takes two processors: other work on the machine shows here first.
+/// @throws std::runtime_error when a limit is exceeded
+void measureAhead(Settings const& settings);
+
 /// Nanoseconds per frame as captures grow in frames, and in streams.
 void measureGrowth(Settings const& settings);
 

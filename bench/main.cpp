@@ -36,6 +36,7 @@ constexpr std::uint64_t quickDivisor = 10;
 // In the order in which they are measured.
 constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 9> subjects = {{
     {"index", measureIndexes},
+    {"ahead", measureAhead},
     {"growth", measureGrowth},
     {"queries", measureQueries},
     {"decode", measureDecode},
@@ -70,6 +71,7 @@ std::optional<Request> parse(std::vector<std::string_view> const& arguments) {
         } else if (*argument == "--quick") {
             request.settings.divisor = quickDivisor;
             request.settings.withPrograms = false;
+            request.settings.countsRealTime = false;
             Race::countProcessorTime();
         } else if (*argument == "--rounds" && argument + 1 != arguments.end()) {
             auto const rounds = parseRounds(*++argument);

@@ -18,6 +18,8 @@ struct IndexControl {
     std::uint64_t fileSize = 0;
     /// May be empty.
     std::function<void(double)> const& progress;
+    /// Whether another thread reads the file.
+    bool readAhead = false;
 };
 
 /// PcapParser::_parseFilePcap, by the lane that is given.
@@ -26,7 +28,7 @@ struct IndexControl {
 template <typename Lane>
 void indexCapture(PcapFile& file, bool isLittleEndian, IndexControl const& control, Lane& lane) {
     constexpr std::uint64_t recordsPerProgress = 1000;
-    RecordReader records(file, isLittleEndian);
+    RecordReader records(file, isLittleEndian, control.readAhead);
     std::uint64_t nextProgress = 0;
     for (std::uint64_t count = 0; !records.atEnd(); ++count) {
         if (control.stopFlag) {

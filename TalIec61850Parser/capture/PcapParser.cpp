@@ -21,11 +21,32 @@ std::optional<wire::CaptureVariant> recognise(std::istream& file) {
     return wire::recogniseCapture(magicAt).variant;
 }
 
+/// Where the packets of a file go, and which are wanted.
+struct Selection {
+    Db& db;
+    Filter const& filter;
+};
+
+void indexRecords(PcapFile& file, wire::CaptureVariant variant, Selection const& selection,
+                  detail::IndexControl const& control) {
+    detail::FastLane lane({.fileName = file.fileName,
+                           .variant = variant,
+                           .filter = selection.filter,
+                           .db = selection.db});
+    detail::indexCapture(file, variant.isLittleEndian, control, lane);
+}
+
 }  // namespace
 
 void PcapParser::parseFile(std::string const& fileName, Db& db, Filter const& filter,
                            std::atomic<bool> const& stopFlag,
                            std::function<void(double)> progress) {
+    parseFile(fileName, db, filter, stopFlag, std::move(progress), {});
+}
+
+void PcapParser::parseFile(std::string const& fileName, Db& db, Filter const& filter,
+                           std::atomic<bool> const& stopFlag, std::function<void(double)> progress,
+                           IndexOptions const& options) {
     PcapFile file(fileName);
     if (!file) {
         std::cerr << "Error opening file: " << fileName << "\n";
@@ -38,21 +59,20 @@ void PcapParser::parseFile(std::string const& fileName, Db& db, Filter const& fi
         std::cerr << "Invalid PCAP file format\n";
         return;
     }
-    _parseFilePcap(file, variant->isNanosecond, variant->isLittleEndian, db, filter, stopFlag,
-                   fileSize, std::move(progress));
+    indexRecords(file, *variant, {.db = db, .filter = filter},
+                 {.stopFlag = stopFlag,
+                  .fileSize = fileSize,
+                  .progress = progress,
+                  .readAhead = options.readAhead});
     file.close();
 }
 
 void PcapParser::_parseFilePcap(PcapFile& file, bool isNanosecond, bool isLittleEndian, Db& db,
                                 Filter const& filter, std::atomic<bool> const& stopFlag,
                                 unsigned long fileSize, std::function<void(double)> progress) {
-    detail::FastLane lane(
-        {.fileName = file.fileName,
-         .variant = {.isNanosecond = isNanosecond, .isLittleEndian = isLittleEndian},
-         .filter = filter,
-         .db = db});
-    detail::indexCapture(file, isLittleEndian,
-                         {.stopFlag = stopFlag, .fileSize = fileSize, .progress = progress}, lane);
+    indexRecords(file, {.isNanosecond = isNanosecond, .isLittleEndian = isLittleEndian},
+                 {.db = db, .filter = filter},
+                 {.stopFlag = stopFlag, .fileSize = fileSize, .progress = progress});
 }
 
 void PcapParser::_parseFilePcapNg(PcapFile& /*file*/, bool /*isNanosecond*/,

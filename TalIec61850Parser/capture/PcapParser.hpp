@@ -2,6 +2,7 @@
 
 #include <TalIec61850Parser/Export.hpp>
 #include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <TalIec61850Parser/capture/PcapFile.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <atomic>
@@ -39,6 +40,21 @@ public:
     ///         every packet of the records before, and nothing half-made
     static void parseFile(std::string const& fileName, Db& db, Filter const& filter,
                           std::atomic<bool> const& stopFlag, std::function<void(double)> progress);
+
+    /// The same, with a choice of how the file is read. Store, messages and progress calls do not
+    /// depend on it, and `progress` is called on this thread. Ended early, it waits for the block
+    /// that is being read.
+    ///
+    /// @param fileName  path of the capture; also the key of its packets in the index
+    /// @param db        the store that is added to; used by no other thread meanwhile
+    /// @param filter    what to keep
+    /// @param stopFlag  read before each record
+    /// @param progress  may be empty
+    /// @param options   how the file is read
+    /// @throws std::bad_alloc  when memory ends, and what `progress` throws: as above
+    static void parseFile(std::string const& fileName, Db& db, Filter const& filter,
+                          std::atomic<bool> const& stopFlag, std::function<void(double)> progress,
+                          IndexOptions const& options);
 
     // The steps of parseFile, public like every operation of the library.
 

@@ -1,5 +1,7 @@
 #include <TalIec61850Parser/capture/RecordReader.hpp>
 #include <algorithm>
+#include <span>
+#include <utility>
 
 namespace TalIec61850Parser::detail {
 
@@ -8,91 +10,83 @@ namespace {
 static_assert(sizeof(std::size_t) == 8 && sizeof(unsigned long) == 8,
               "record sizes, file positions and hashes are 64 bits wide");
 
-}  // namespace
-
-RecordReader::RecordReader(std::istream& file, bool isLittleEndian)
-    : file_(file), isLittleEndian_(isLittleEndian), buffer_(kFirstBlockSize) {
-    file_.seekg(0);
-    require(wire::kGlobalHeaderSize);
-    if (available() < wire::kGlobalHeaderSize) {
-        begin_ = end_;  // cut short in there, a file holds no records
-        file_.setstate(std::ios_base::failbit);
-        return;
-    }
-    begin_ += wire::kGlobalHeaderSize;
-    fileOffset_ = wire::kGlobalHeaderSize;
-}
-
-Octets RecordReader::nextAcrossBlocks() {
-    if (available() < RecordHeader::kSize) {
-        appendZeros(RecordHeader::kSize - available());
-    }
-    std::size_t const claimed = RecordHeader::kSize + inclLen();
-    require(claimed);
-    if (available() < claimed) {
-        appendZeros(std::min(claimed - available(), kMaxPadding));
-    }
-    return take(std::min(claimed, available()), claimed);
-}
-
-void RecordReader::readUntil(std::size_t size) {
-    while (available() < size && !fileEnded_) {
-        makeRoom(size);
-        readBlock();
-    }
-}
-
-void RecordReader::makeRoom(std::size_t size) {
-    bool const isFirstBlockFull = end_ == kFirstBlockSize && end_ == buffer_.size();
-    if (begin_ > 0) {
-        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
-                  buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
-        end_ -= begin_;
-        begin_ = 0;
-    }
-    if (isFirstBlockFull) {
-        buffer_.resize(kBlockSize);
-    } else if (end_ == buffer_.size()) {
-        buffer_.resize(std::min(2 * buffer_.size(), size));  // one record fills all of it
-    }
-}
-
-void RecordReader::readBlock() {
-    if (!file_.good()) {
-        fileEnded_ = true;
-        return;
-    }
-    auto const wanted = static_cast<std::streamsize>(buffer_.size() - end_);
-    auto const from = file_.tellg();
-    file_.read(reinterpret_cast<char*>(buffer_.data() + end_), wanted);
-    end_ += file_.bad() ? salvage(from) : static_cast<std::size_t>(file_.gcount());
-    fileEnded_ = !file_.good();
-    // A block seldom ends where the file does: that alone is no failure.
-    file_.clear(file_.rdstate() & ~std::ios_base::failbit);
-}
-
-std::size_t RecordReader::salvage(std::istream::pos_type from) {
-    // A failing read does not say how much came before the fault; octet by octet, nothing is lost.
+/// Reads from a position at which reading has failed. That did not say how much came before the
+/// fault; octet by octet, nothing is lost.
+/// @return how many octets
+std::size_t salvage(std::istream& file, std::istream::pos_type from, std::span<std::uint8_t> room) {
     std::size_t count = 0;
-    file_.clear();
-    file_.seekg(from);
-    while (end_ + count < buffer_.size()) {
-        int const octet = file_.get();
-        if (!file_.good()) {
+    file.clear();
+    file.seekg(from);
+    while (count < room.size()) {
+        int const octet = file.get();
+        if (!file.good()) {
             break;
         }
-        buffer_[end_ + count++] = static_cast<std::uint8_t>(octet);
+        room[count++] = static_cast<std::uint8_t>(octet);
     }
     return count;
 }
 
+/// Reads the next octets of a file.
+/// @return how many; 0 when the file has ended
+std::size_t readBlock(std::istream& file, std::span<std::uint8_t> room) {
+    if (!file.good()) {
+        return 0;
+    }
+    auto const from = file.tellg();
+    file.read(reinterpret_cast<char*>(room.data()), static_cast<std::streamsize>(room.size()));
+    std::size_t const count =
+        file.bad() ? salvage(file, from, room) : static_cast<std::size_t>(file.gcount());
+    // A block seldom ends where the file does: that alone is no failure.
+    file.clear(file.rdstate() & ~std::ios_base::failbit);
+    return count;
+}
+
+}  // namespace
+
+RecordReader::RecordReader(std::istream& file, bool isLittleEndian, bool readAhead)
+    : file_(file),
+      isLittleEndian_(isLittleEndian),
+      blocks_([&file](std::span<std::uint8_t> room) { return readBlock(file, room); }, readAhead) {
+    file_.seekg(0);
+    require(wire::kGlobalHeaderSize);
+    if (unread_.size() < wire::kGlobalHeaderSize) {
+        unread_ = {};  // cut short in there, a file holds no records
+        file_.setstate(std::ios_base::failbit);
+        return;
+    }
+    unread_ = unread_.subspan(wire::kGlobalHeaderSize);
+    fileOffset_ = wire::kGlobalHeaderSize;
+}
+
+Octets RecordReader::nextAcrossBlocks() {
+    if (unread_.size() < RecordHeader::kSize) {
+        appendZeros(RecordHeader::kSize - unread_.size());
+    }
+    std::size_t const claimed = RecordHeader::kSize + inclLen();
+    require(claimed);
+    if (unread_.size() < claimed) {
+        appendZeros(std::min(claimed - unread_.size(), kMaxPadding));
+    }
+    return take(std::min(claimed, unread_.size()), claimed);
+}
+
+void RecordReader::readUntil(std::size_t size) {
+    while (unread_.size() < size && !fileEnded_) {
+        Octets const longer = blocks_.next(unread_);
+        fileEnded_ = longer.size() == unread_.size();
+        unread_ = longer;
+    }
+}
+
 void RecordReader::appendZeros(std::size_t count) {
     file_.setstate(std::ios_base::failbit);  // the file ended inside a record
-    if (buffer_.size() - end_ < count) {
-        buffer_.resize(end_ + count);
-    }
-    std::fill_n(buffer_.begin() + static_cast<std::ptrdiff_t>(end_), count, std::uint8_t{0});
-    end_ += count;
+    std::vector<std::uint8_t> padded;
+    padded.reserve(unread_.size() + count);
+    padded.assign(unread_.begin(), unread_.end());
+    padded.resize(unread_.size() + count);
+    padded_ = std::move(padded);
+    unread_ = padded_;
 }
 
 }  // namespace TalIec61850Parser::detail

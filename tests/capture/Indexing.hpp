@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <algorithm>
@@ -34,8 +35,8 @@ struct Indexed {
     std::string errors;
 };
 
-inline Indexed indexFile(std::string const& path, TalIec61850Parser::Filter const& filter = {},
-                         bool stopped = false) {
+inline Indexed indexFileOnce(std::string const& path, TalIec61850Parser::Filter const& filter,
+                             bool stopped, TalIec61850Parser::IndexOptions const& options) {
     Indexed result;
     result.path = path;
     std::atomic<bool> const stopFlag = stopped;
@@ -43,16 +44,10 @@ inline Indexed indexFile(std::string const& path, TalIec61850Parser::Filter cons
     StreamCapture const errors(std::cerr);
     TalIec61850Parser::PcapParser::parseFile(
         path, result.db, filter, stopFlag,
-        [&result](double fraction) { result.progress.push_back(fraction); });
+        [&result](double fraction) { result.progress.push_back(fraction); }, options);
     result.output = output.text();
     result.errors = errors.text();
     return result;
-}
-
-inline Indexed indexCapture(Bytes const& capture, TalIec61850Parser::Filter const& filter = {},
-                            bool stopped = false) {
-    TempFile const file(capture);
-    return indexFile(file.path(), filter, stopped);
 }
 
 /// The only element of a set.
@@ -167,6 +162,25 @@ inline std::vector<std::string> packetLines(TalIec61850Parser::Db const& db) {
 
 inline bool isEmpty(TalIec61850Parser::Db const& db) {
     return db.gooseProto.streams.empty() && db.svProto.streams.empty();
+}
+
+/// Indexes a capture file with and without reading ahead.
+/// @throws std::logic_error when anything depends on that
+inline Indexed indexFile(std::string const& path, TalIec61850Parser::Filter const& filter = {},
+                         bool stopped = false) {
+    Indexed result = indexFileOnce(path, filter, stopped, {});
+    Indexed const ahead = indexFileOnce(path, filter, stopped, {.readAhead = true});
+    if (streamLines(ahead.db) != streamLines(result.db) ||
+        packetLines(ahead.db) != packetLines(result.db) || ahead.progress != result.progress ||
+        ahead.output != result.output || ahead.errors != result.errors)
+        throw std::logic_error("read ahead, it is indexed otherwise: " + path);
+    return result;
+}
+
+inline Indexed indexCapture(Bytes const& capture, TalIec61850Parser::Filter const& filter = {},
+                            bool stopped = false) {
+    TempFile const file(capture);
+    return indexFile(file.path(), filter, stopped);
 }
 
 }  // namespace TalTest

@@ -8,6 +8,7 @@
 #include <ios>
 #include <istream>
 #include <streambuf>
+#include <string>
 #include <vector>
 
 #include "support/Bytes.hpp"
@@ -72,9 +73,16 @@ struct Walked {
     friend bool operator==(Walked const&, Walked const&) = default;
 };
 
-Walked walk(std::streambuf& buffer) {
+/// Read on this thread, or ahead by another one.
+struct RecordReading : testing::TestWithParam<bool> {};
+
+INSTANTIATE_TEST_SUITE_P(Ways, RecordReading, testing::Bool(), [](auto const& readAhead) {
+    return std::string(readAhead.param ? "Ahead" : "Here");
+});
+
+Walked walk(std::streambuf& buffer, bool readAhead) {
     std::istream file(&buffer);
-    RecordReader records(file, true);
+    RecordReader records(file, true, readAhead);
     Walked walked;
     while (!records.atEnd()) {
         walked.positions.push_back(records.fileOffset());
@@ -88,91 +96,91 @@ Bytes threeRecords() {
     return builder.add(1, 0, Bytes(60, 1)).add(2, 0, Bytes(100, 2)).add(3, 0, Bytes(20, 3)).bytes();
 }
 
-TEST(RecordReader, ShowsRecordsWithTheirPositions) {
+TEST_P(RecordReading, ShowsRecordsWithTheirPositions) {
     FaultyBuffer file(threeRecords(), SIZE_MAX);
-    EXPECT_EQ(walk(file), (Walked{{24, 100, 216}, {76, 116, 36}}));
+    EXPECT_EQ(walk(file, GetParam()), (Walked{{24, 100, 216}, {76, 116, 36}}));
 }
 
-TEST(RecordReader, ShowsWhatLiesBeforeAReadFaultAtEveryOffset) {
+TEST_P(RecordReading, ShowsWhatLiesBeforeAReadFaultAtEveryOffset) {
     Bytes const content = threeRecords();
     for (std::size_t fault = 0; fault <= content.size(); ++fault) {
         FaultyBuffer faulty(content, fault);
         FaultyBuffer cutShort(Bytes(content.begin(), content.begin() + static_cast<long>(fault)),
                               SIZE_MAX);
-        EXPECT_EQ(walk(faulty), walk(cutShort)) << "fault at " << fault;
+        EXPECT_EQ(walk(faulty, GetParam()), walk(cutShort, GetParam())) << "fault at " << fault;
     }
 }
 
-TEST(RecordReader, ShowsEverythingWhereAReadFaultPasses) {
+TEST_P(RecordReading, ShowsEverythingWhereAReadFaultPasses) {
     CaptureBuilder builder(CaptureVariant::microLittle);
     for (std::size_t i = 0; i < 100; ++i)
         builder.add(1, 0, Bytes(RecordReader::kBlockSize / 16, 1));
     Bytes const content = builder.bytes();
     FaultyBuffer faultless(content, SIZE_MAX);
-    Walked const expected = walk(faultless);
+    Walked const expected = walk(faultless, GetParam());
     for (std::size_t const fault : {std::size_t{0}, std::size_t{1}, RecordReader::kBlockSize - 1,
                                     RecordReader::kBlockSize, content.size() - 1}) {
         FaultyBuffer faulty(content, fault, true);
-        EXPECT_EQ(walk(faulty), expected) << "fault at " << fault;
+        EXPECT_EQ(walk(faulty, GetParam()), expected) << "fault at " << fault;
     }
 }
 
-TEST(RecordReader, ShowsNothingOfAFileCutInItsGlobalHeader) {
+TEST_P(RecordReading, ShowsNothingOfAFileCutInItsGlobalHeader) {
     for (std::size_t size = 0; size <= 24; ++size) {
         FaultyBuffer file(Bytes(size, 0xD4), SIZE_MAX);
-        EXPECT_TRUE(walk(file).positions.empty()) << size;
+        EXPECT_TRUE(walk(file, GetParam()).positions.empty()) << size;
     }
 }
 
-TEST(RecordReader, MakesOneRecordOfAHeaderCutShort) {
+TEST_P(RecordReading, MakesOneRecordOfAHeaderCutShort) {
     for (std::size_t size = 1; size <= 16; ++size) {
         FaultyBuffer file(Bytes(24 + size, 0x00), SIZE_MAX);
-        EXPECT_EQ(walk(file), (Walked{{24}, {16}})) << size;
+        EXPECT_EQ(walk(file, GetParam()), (Walked{{24}, {16}})) << size;
     }
 }
 
-TEST(RecordReader, MakesOneRecordOfARecordCutShort) {
+TEST_P(RecordReading, MakesOneRecordOfARecordCutShort) {
     Bytes const content = threeRecords();
     for (std::size_t size = 25; size <= content.size(); ++size) {
         FaultyBuffer file(prefix(content, size), SIZE_MAX);
         std::vector<std::uint64_t> expected = {24, 100, 216};
         std::erase_if(expected, [&](std::uint64_t begin) { return begin >= size; });
-        EXPECT_EQ(walk(file).positions, expected) << size;
+        EXPECT_EQ(walk(file, GetParam()).positions, expected) << size;
     }
 }
 
 /// Whether the file has failed once all its records are read.
-bool failsInTheEnd(Bytes const& content) {
+bool failsInTheEnd(Bytes const& content, bool readAhead) {
     FaultyBuffer buffer(content, SIZE_MAX);
     std::istream file(&buffer);
-    RecordReader records(file, true);
+    RecordReader records(file, true, readAhead);
     while (!records.atEnd()) static_cast<void>(records.next());
     return file.fail();
 }
 
-TEST(RecordReader, LetsAFileFailThatIsCutShortAndNoOther) {
+TEST_P(RecordReading, LetsAFileFailThatIsCutShortAndNoOther) {
     Bytes const content = threeRecords();
     for (std::size_t size = 0; size <= content.size(); ++size) {
         bool const isWhole = size == 24 || size == 100 || size == 216 || size == content.size();
-        EXPECT_EQ(failsInTheEnd(prefix(content, size)), !isWhole) << size;
+        EXPECT_EQ(failsInTheEnd(prefix(content, size), GetParam()), !isWhole) << size;
     }
 }
 
-TEST(RecordReader, ShowsNothingOfAFileThatIsBadToBeginWith) {
+TEST_P(RecordReading, ShowsNothingOfAFileThatIsBadToBeginWith) {
     FaultyBuffer buffer(threeRecords(), SIZE_MAX);
     std::istream file(&buffer);
     file.setstate(std::ios_base::badbit);
-    EXPECT_TRUE(RecordReader(file, true).atEnd());
+    EXPECT_TRUE(RecordReader(file, true, GetParam()).atEnd());
 }
 
-TEST(RecordReader, CompletesACutRecordWithZerosNotWithOctetsOfEarlierBlocks) {
+TEST_P(RecordReading, CompletesACutRecordWithZerosNotWithOctetsOfEarlierBlocks) {
     CaptureBuilder builder(CaptureVariant::microLittle);
     builder.add(1, 0, Bytes(RecordReader::kBlockSize, 0xEE)).add(2, 0, Bytes(5000, 0xEE));
     Bytes content = builder.bytes();
     content.resize(content.size() - 4000);
     FaultyBuffer buffer(content, SIZE_MAX);
     std::istream file(&buffer);
-    RecordReader records(file, true);
+    RecordReader records(file, true, GetParam());
     static_cast<void>(records.next());
     auto const record = records.next();
     ASSERT_EQ(record.size(), 16U + 5000U);
@@ -180,24 +188,24 @@ TEST(RecordReader, CompletesACutRecordWithZerosNotWithOctetsOfEarlierBlocks) {
     EXPECT_EQ(record[16 + 999], 0xEE);
 }
 
-TEST(RecordReader, PadsAtMostSixteenMebibytes) {
+TEST_P(RecordReading, PadsAtMostSixteenMebibytes) {
     CaptureBuilder builder(CaptureVariant::microLittle);
     Bytes content = builder.add(1, 0, Bytes(10, 1)).bytes();
     std::memset(content.data() + 24 + 8, 0xFF, 4);  // incl_len
     FaultyBuffer buffer(content, SIZE_MAX);
     std::istream file(&buffer);
-    RecordReader records(file, true);
+    RecordReader records(file, true, GetParam());
     EXPECT_EQ(records.next().size(), 16U + 10U + (std::size_t{16} << 20U));
     EXPECT_EQ(records.fileOffset(), 24UL + 16UL + 0xFFFFFFFFUL);
     EXPECT_TRUE(records.atEnd());
 }
 
-TEST(RecordReader, ShowsRecordsLargerThanABlock) {
+TEST_P(RecordReading, ShowsRecordsLargerThanABlock) {
     CaptureBuilder builder(CaptureVariant::microLittle);
     builder.add(1, 0, Bytes(7, 1));
     builder.add(2, 0, Bytes(5 * RecordReader::kBlockSize + 3, 2)).add(3, 0, Bytes(9, 3));
     FaultyBuffer file(builder.bytes(), SIZE_MAX);
-    EXPECT_EQ(walk(file).sizes,
+    EXPECT_EQ(walk(file, GetParam()).sizes,
               (std::vector<std::size_t>{23, 16 + 5 * RecordReader::kBlockSize + 3, 25}));
 }
 

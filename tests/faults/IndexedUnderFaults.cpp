@@ -82,7 +82,7 @@ void IndexingUnderFaults::index(Db& db, Db& taken, int& calls) const {
         db.clear();
     };
     for (std::string const& path : paths_)
-        PcapParser::parseFile(path, db, scenario_.filter, stop, act);
+        PcapParser::parseFile(path, db, scenario_.filter, stop, act, scenario_.options);
 }
 
 bool IndexingUnderFaults::attempt(Fault const& fault) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <cstddef>
 #include <string>
@@ -26,6 +27,7 @@ struct IndexingScenario {
     Callback callback = Callback::none;
     /// The octets that the last capture lacks at its end.
     Bytes missing = {};
+    TalIec61850Parser::IndexOptions options = {};
 };
 
 /// The captures of a scenario as files, and what they must be indexed to.

@@ -102,6 +102,9 @@ std::vector<IndexingScenario> scenarios() {
         {.name = "DeepNesting", .captures = {nestedCapture()}},
         {.name = "UnprintableNames", .captures = {unprintableCapture()}},
         {.name = "ARecordLargerThanABlock", .captures = {largeRecordCapture()}},
+        {.name = "ARecordLargerThanABlockReadAhead",
+         .captures = {largeRecordCapture()},
+         .options = {.readAhead = true}},
         {.name = "ALastRecordCutShort", .captures = {cutCapture()}, .missing = Bytes(lacking)},
         {.name = "AStoreThatTheCallbackClears",
          .captures = {gooseCapture(270, 4)},
@@ -109,6 +112,10 @@ std::vector<IndexingScenario> scenarios() {
         {.name = "AStoreThatTheCallbackTakes",
          .captures = {svCapture(270, 4)},
          .callback = Callback::takesTheStore},
+        {.name = "AStoreThatTheCallbackTakesReadAhead",
+         .captures = {svCapture(270, 4)},
+         .callback = Callback::takesTheStore,
+         .options = {.readAhead = true}},
     };
 }
 

@@ -30,12 +30,12 @@ struct Outcome {
     std::string message;
 };
 
-Outcome indexWith(ReadFaults const& faults, std::string const& path) {
+Outcome indexWith(ReadFaults const& faults, std::string const& path, IndexOptions const& options) {
     StreamCapture const errors(std::cerr);
     Db db;
     {
         FaultyReads const reads(faults);
-        indexInto(db, path);
+        indexInto(db, path, everything, options);
     }
     return {.image = imageOf(db), .message = errors.text()};
 }
@@ -43,6 +43,13 @@ Outcome indexWith(ReadFaults const& faults, std::string const& path) {
 void expectSame(Outcome const& actual, Outcome const& expected) {
     EXPECT_EQ(difference(actual.image, expected.image), "");
     EXPECT_EQ(actual.message, expected.message);
+}
+
+/// With and without reading ahead, which must not differ.
+Outcome indexWith(ReadFaults const& faults, std::string const& path) {
+    Outcome const outcome = indexWith(faults, path, {});
+    expectSame(indexWith(faults, path, {.readAhead = true}), outcome);
+    return outcome;
 }
 
 /// One GOOSE and one SV record each turn, and one that nobody wants.

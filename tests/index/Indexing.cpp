@@ -6,6 +6,7 @@
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <atomic>
 #include <cerrno>
+#include <stdexcept>
 #include <system_error>
 
 #include "index/PlainIndex.hpp"
@@ -14,15 +15,22 @@ namespace TalTest {
 
 using namespace TalIec61850Parser;
 
-void indexInto(Db& db, std::string const& path, Filter const& filter) {
+void indexInto(Db& db, std::string const& path, Filter const& filter, IndexOptions const& options) {
     std::atomic<bool> const stop = false;
-    PcapParser::parseFile(path, db, filter, stop, {});
+    PcapParser::parseFile(path, db, filter, stop, {}, options);
 }
 
 IndexImage libraryImage(std::vector<std::string> const& paths, Filter const& filter) {
     Db db;
-    for (std::string const& path : paths) indexInto(db, path, filter);
-    return imageOf(db);
+    Db ahead;
+    for (std::string const& path : paths) {
+        indexInto(db, path, filter);
+        indexInto(ahead, path, filter, {.readAhead = true});
+    }
+    IndexImage const image = imageOf(db);
+    std::string const found = difference(imageOf(ahead), image);
+    if (!found.empty()) throw std::logic_error("where files are read ahead: " + found);
+    return image;
 }
 
 IndexImage plainImage(std::vector<std::string> const& paths, Filter const& filter) {

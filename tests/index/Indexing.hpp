@@ -3,6 +3,7 @@
 // Runs the library and the plain index over the same capture files.
 
 #include <TalIec61850Parser/capture/Filter.hpp>
+#include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <TalIec61850Parser/store/Db.hpp>
 #include <cstdint>
 #include <map>
@@ -19,9 +20,11 @@ inline TalIec61850Parser::Filter const everything = {};
 
 /// Lets the library add a capture file to a store.
 void indexInto(TalIec61850Parser::Db& db, std::string const& path,
-               TalIec61850Parser::Filter const& filter = everything);
+               TalIec61850Parser::Filter const& filter = everything,
+               TalIec61850Parser::IndexOptions const& options = {});
 
 /// What the library holds after the files, indexed one after the other into one store.
+/// @throws std::logic_error when it depends on whether the files are read ahead
 IndexImage libraryImage(std::vector<std::string> const& paths,
                         TalIec61850Parser::Filter const& filter = everything);
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Indexes a capture twice, by the fast lane and by the plain walk, and tells what differs.
+// Indexes a capture by the fast lane, with and without reading ahead, and by the plain walk, and
+// tells what differs.
 
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/store/Db.hpp>

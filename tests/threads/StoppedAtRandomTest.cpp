@@ -143,7 +143,8 @@ public:
             wereStopped_ += part != captured_.whole ? 1U : 0U;
 
             std::atomic<bool> const neverStop = false;
-            PcapParser::parseFile(captured_.file.path(), db_, {}, neverStop, {});
+            PcapParser::parseFile(captured_.file.path(), db_, {}, neverStop, {},
+                                  {.readAhead = round % 2 == 0});
             goOn_ = goOn_ && listsOf(db_) == continued(part, captured_.whole);
             db_.clearByFileName(captured_.file.path());
             areCleared_ = areCleared_ && isEmpty(db_);
@@ -161,11 +162,14 @@ private:
         std::size_t callsLeft = generator_() % (captured_.frames / kRecordsPerCall);
         appointment_.passes = passes;
         appointment_.stop = false;
-        PcapParser::parseFile(captured_.file.path(), db_, {}, appointment_.stop, [&](double) {
-            if (callsLeft-- != 0) return;
-            appointment_.state = State::made;
-            while (appointment_.state == State::made) std::this_thread::yield();
-        });
+        PcapParser::parseFile(captured_.file.path(), db_, {}, appointment_.stop,
+                              [&](double) {
+                                  if (callsLeft-- != 0) return;
+                                  appointment_.state = State::made;
+                                  while (appointment_.state == State::made)
+                                      std::this_thread::yield();
+                              },
+                              {.readAhead = passes % 2 == 0});
         while (appointment_.state != State::kept) std::this_thread::yield();
         appointment_.state = State::none;
     }

@@ -44,10 +44,10 @@ Bytes const& stationCapture() {
     return octets;
 }
 
-Db index(std::string const& path) {
+Db index(std::string const& path, IndexOptions const& options = {}) {
     Db db;
     std::atomic<bool> const stop = false;
-    PcapParser::parseFile(path, db, {}, stop, {});
+    PcapParser::parseFile(path, db, {}, stop, {}, options);
     return db;
 }
 
@@ -185,11 +185,14 @@ TEST_F(Threads, RenderTimes) {
 // --- Indexing ------------------------------------------------------------------------------------
 
 TEST_F(Threads, IndexOneFileIntoAStoreEach) {
-    std::vector<Db> stores(kThreads);
-    together(kThreads, [&](std::size_t i) { stores[i] = index(path()); });
-    for (Db const& db : stores) {
-        EXPECT_EQ(streamLines(db), streamLines(whole()));
-        EXPECT_EQ(packetLines(db), packetLines(whole()));
+    for (bool const readAhead : {false, true}) {
+        std::vector<Db> stores(kThreads);
+        together(kThreads,
+                 [&](std::size_t i) { stores[i] = index(path(), {.readAhead = readAhead}); });
+        for (Db const& db : stores) {
+            EXPECT_EQ(streamLines(db), streamLines(whole()));
+            EXPECT_EQ(packetLines(db), packetLines(whole()));
+        }
     }
 }
 
@@ -233,7 +236,8 @@ TEST_F(Threads, FlagSetByAnotherEndsIndexingAtAnyMoment) {
     std::vector<Packet> const all = packetsInOrder(whole());
     std::size_t stoppedOnTheWay = 0;
     std::size_t yields = 0;
-    for (int round = 0; round < 150; ++round) {
+    for (int round = 0; round < 300; ++round) {
+        IndexOptions const options{.readAhead = round % 2 == 1};
         std::atomic<bool> begun = false;
         std::atomic<bool> spinning = false;
         std::atomic<bool> stop = false;
@@ -246,11 +250,14 @@ TEST_F(Threads, FlagSetByAnotherEndsIndexingAtAnyMoment) {
         });
         Db db;
         double last = -1;
-        PcapParser::parseFile(path(), db, {}, stop, [&](double fraction) {
-            begun = true;
-            while (!spinning) std::this_thread::yield();
-            last = fraction;
-        });
+        PcapParser::parseFile(
+            path(), db, {}, stop,
+            [&](double fraction) {
+                begun = true;
+                while (!spinning) std::this_thread::yield();
+                last = fraction;
+            },
+            options);
         other.join();
 
         std::vector<Packet> const packets = packetsInOrder(db);
@@ -270,7 +277,9 @@ TEST_F(Threads, FlagSetByAnotherEndsIndexingAtAnyMoment) {
 TEST_F(Threads, FlagSetByAnotherEndsIndexingBeforeTheNextRecord) {
     std::vector<CaptureRecord> const records = readCapture(stationCapture());
     std::vector<Packet> const all = packetsInOrder(whole());
-    for (int const callback : {1, 2, 3, 4}) {
+    for (int round = 0; round < 8; ++round) {
+        int const callback = round / 2 + 1;
+        IndexOptions const options{.readAhead = round % 2 == 1};
         std::atomic<bool> asked = false;
         std::atomic<bool> stop = false;
         std::thread other([&] {
@@ -279,11 +288,14 @@ TEST_F(Threads, FlagSetByAnotherEndsIndexingBeforeTheNextRecord) {
         });
         int callbacks = 0;
         Db db;
-        PcapParser::parseFile(path(), db, {}, stop, [&](double) {
-            if (++callbacks != callback) return;
-            asked = true;
-            while (!stop) std::this_thread::yield();
-        });
+        PcapParser::parseFile(
+            path(), db, {}, stop,
+            [&](double) {
+                if (++callbacks != callback) return;
+                asked = true;
+                while (!stop) std::this_thread::yield();
+            },
+            options);
         other.join();
         EXPECT_EQ(callbacks, callback);
         // Called before records 0, 1000, 2000, ...: that record is still read, the next is not.

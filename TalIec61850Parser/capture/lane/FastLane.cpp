@@ -20,14 +20,14 @@ bool passesOver(Octets tail, WalkResult const& result) {
     return result.place.sv != nullptr ? walkSavPduPassesOver(tail) : walkGoosePduPassesOver(tail);
 }
 
-/// What the records that are kept take at most, in octets.
-constexpr std::size_t kMaxRecords = std::size_t{2} << 20U;
+/// What the streams that are kept take at most, in octets.
+constexpr std::size_t kMaxStreams = std::size_t{2} << 20U;
 
-static_assert(kMaxRecords / sizeof(StreamRecord) <= std::numeric_limits<std::uint16_t>::max(),
-              "the number of a record is 16 bits wide");
+static_assert(kMaxStreams / sizeof(KnownStream) <= std::numeric_limits<std::uint16_t>::max(),
+              "the number of a stream is 16 bits wide");
 
-/// What a frame's record takes at most: each octet of a name may be three of text.
-constexpr std::size_t recordSize(Octets frame) { return sizeof(StreamRecord) + 3 * frame.size(); }
+/// What a frame's stream takes at most: each octet of a name may be three of text.
+constexpr std::size_t streamSize(Octets frame) { return sizeof(KnownStream) + 3 * frame.size(); }
 
 }  // namespace
 
@@ -56,19 +56,29 @@ void FastLane::indexUnexpected(WalkResult* known, Octets record, std::uint64_t f
     }
     bool const isStale = known->place.file != nullptr && known->storeAge != storeAge_;
     known->storeAge = storeAge_;
-    if (isStale && known->recordNumber == 0) {
-        known->place = walk(record, fileOffset, nullptr).place;
+    if (isStale) {
+        indexStale(*known, record, fileOffset);
+    } else {
+        indexKnown(*known, record, fileOffset);
+    }
+}
+
+void FastLane::indexStale(WalkResult& known, Octets record, std::uint64_t fileOffset) {
+    if (known.streamNumber == 0) {
+        known.place = walk(record, fileOffset, nullptr).place;
         return;
     }
-    auto const addPacket = [&](StreamPlace const& place) {
-        known->place = place;
-        indexKnown(*known, record, fileOffset);
-    };
-    if (isStale) {
-        addToSeenStream(records_[known->recordNumber - 1U], target_, addPacket);
-    } else {
-        addPacket(known->place);
+    KnownStream& stream = streams_[known.streamNumber - 1U];
+    known.place = stream.findQuickly(target_.db, target_.fileName);
+    if (known.place.file != nullptr) {
+        indexKnown(known, record, fileOffset);
+        return;
     }
+    addToSeenStream(stream.record(), target_, [&](StreamPlace const& place) {
+        known.place = place;
+        indexKnown(known, record, fileOffset);
+    });
+    stream.noteBucket(target_.db);
 }
 
 WalkResult FastLane::resultOf(IndexedFrame const& indexed, WalkTrace const& trace,
@@ -103,15 +113,15 @@ void FastLane::learn(Octets record, std::uint64_t fileOffset, std::uint8_t prpLa
     }
     WalkResult const result = resultOf(indexed, trace, fileOffset);
     if (memory_.isEmpty()) {
-        records_.clear();
-        recordsSize_ = 0;
+        streams_.clear();
+        streamsSize_ = 0;
     }
     WalkResult* const remembered = memory_.remember(trace.frame(), trace.mask(), prpLan, result);
     if (remembered != nullptr && result.place.file != nullptr &&
-        recordsSize_ + recordSize(trace.frame()) <= kMaxRecords) {
-        recordsSize_ += recordSize(trace.frame());
-        records_.push_back(std::move(traced_.stream));
-        remembered->recordNumber = static_cast<std::uint16_t>(records_.size());
+        streamsSize_ + streamSize(trace.frame()) <= kMaxStreams) {
+        streamsSize_ += streamSize(trace.frame());
+        streams_.emplace_back(std::move(traced_.stream));
+        remembered->streamNumber = static_cast<std::uint16_t>(streams_.size());
     }
 }
 

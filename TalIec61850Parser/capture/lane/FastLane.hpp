@@ -4,6 +4,7 @@
 
 #include <TalIec61850Parser/capture/index/IndexFrame.hpp>
 #include <TalIec61850Parser/capture/lane/FilterImage.hpp>
+#include <TalIec61850Parser/capture/lane/KnownStream.hpp>
 #include <TalIec61850Parser/capture/lane/WalkResult.hpp>
 #include <TalIec61850Parser/codec/BerValue.hpp>
 #include <TalIec61850Parser/wire/BerReader.hpp>
@@ -65,6 +66,7 @@ private:
     }
     [[nodiscard]] WalkResult resultOf(IndexedFrame const& indexed, WalkTrace const& trace,
                                       std::uint64_t recordOffset) const;
+    void indexStale(WalkResult& known, Octets record, std::uint64_t fileOffset);
     void learn(Octets record, std::uint64_t fileOffset, std::uint8_t prpLan);
 
     IndexTarget target_;
@@ -74,8 +76,8 @@ private:
     wire::FrameMemory<WalkResult> memory_;
     TracedFrame traced_;
     // The streams that results are about, to find them in the store again.
-    std::vector<StreamRecord> records_;
-    std::size_t recordsSize_ = 0;
+    std::vector<KnownStream> streams_;
+    std::size_t streamsSize_ = 0;
 };
 
 inline void FastLane::index(Octets record, std::uint64_t fileOffset) {

@@ -22,8 +22,8 @@ struct WalkResult {
     std::uint16_t tailIndex = 0;
 
     std::uint16_t smpRate = 0;
-    /// The stream's record among those that were kept, counted from 1; 0 when it was not kept.
-    std::uint16_t recordNumber = 0;
+    /// The stream among those that were kept, counted from 1; 0 when it was not kept.
+    std::uint16_t streamNumber = 0;
     std::uint8_t noASDU = 0;
     /// Octets of smpCnt, two at most: no more are read.
     std::uint8_t smpCntSize = 0;
