@@ -80,23 +80,29 @@ void ColumnsWriter::flushAs() {
     std::uint16_t allFlags = allFlags_;
     bool isSorted = isSorted_;
     std::int64_t lastTime = lastTime_;
+    // In two loops: for the pointers of all columns there are too few registers.
     for (std::uint32_t i = 0; i < count; ++i) {
-        PacketRow const row = rows[i];
-        times[i] = row.time;
+        PacketRow const& row = rows[i];
+        std::int64_t const time = row.time;
+        times[i] = time;
         frameOffsets[i] = row.frameOffset;
         firsts[i] = row.first;
         if constexpr (isGoose) {
             sqNums[i] = row.second;
-        } else {
-            asdus[i] = row.asdu;
-            smpSynchs[i] = static_cast<std::uint8_t>(row.second);
         }
+        isSorted &= time >= lastTime && time != kNoTime;
+        lastTime = time;
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        PacketRow const& row = rows[i];
         pduOffsets[i] = row.pduOffset;
         sequences[i] = row.sequence;
         flags[i] = row.flags;
+        if constexpr (!isGoose) {
+            asdus[i] = row.asdu;
+            smpSynchs[i] = static_cast<std::uint8_t>(row.second);
+        }
         allFlags |= row.flags;
-        isSorted = isSorted && row.time >= lastTime && row.time != kNoTime;
-        lastTime = row.time;
     }
     allFlags_ = allFlags;
     isSorted_ = isSorted;
