@@ -32,7 +32,7 @@ public:
     /// How records are counted: only where the file is read the first time.
     void setCounting(bool isCounting) { isCounting_ = isCounting; }
 
-    [[nodiscard]] bool isLittleEndian() const { return variant_.isLittleEndian; }
+    [[nodiscard]] TalIec61850Parser::wire::CaptureVariant variant() const { return variant_; }
 
 private:
     [[nodiscard]] CaptureRecord recordAt(std::uint64_t fileOffset,
