@@ -35,8 +35,9 @@ public:
     [[nodiscard]] TalIec61850Parser::wire::CaptureVariant variant() const { return variant_; }
 
 private:
-    [[nodiscard]] CaptureRecord recordAt(std::uint64_t fileOffset,
-                                         TalIec61850Parser::wire::RecordHeader const& header) const;
+    void read(RecordView& view, std::uint64_t fileOffset,
+              TalIec61850Parser::wire::RecordHeader const& header,
+              std::span<std::uint8_t const> frame) const;
     std::size_t decodeDamaged(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                               WalkedRecords& walked) const;
 

@@ -31,8 +31,9 @@ public:
     /// For the records that follow.
     void clear() { count_ = 0; }
 
+    /// Makes room for one more; what is there is of an earlier one.
     /// @pre not isFull()
-    void add(RecordView const& view) { views_[count_++] = view; }
+    [[nodiscard]] RecordView& add() { return views_[count_++]; }
 
     /// Damage that is passed over.
     void note(CaptureDamage const& damage) {
