@@ -5,10 +5,13 @@
 #include <TalIec61850Analysis/file/ReadAt.hpp>
 #include <TalIec61850Analysis/file/RecordMap.hpp>
 #include <TalIec61850Analysis/file/RecordSearch.hpp>
+#include <TalIec61850Parser/wire/CaptureFormat.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "fuzz/Check.hpp"
@@ -93,11 +96,22 @@ void requireMap(WalkedFile const& walked) {
     }
 }
 
-/// A search in a file without damage finds the record that holds the offset, or none.
+/// Whether a record of a classic capture has the numbers of a usual one.
+bool isUsual(Bytes const& file, CaptureRecord const& record) {
+    using TalIec61850Parser::wire::RecordHeader;
+    bool const isLittleEndian = file[0] == 0xD4 || file[0] == 0x4D;
+    bool const isNanosecond = file[0] == 0x4D || file[2] == 0x3C;
+    auto const header = RecordHeader::read(
+        std::span(file).subspan(static_cast<std::size_t>(record.fileOffset)), isLittleEndian);
+    return record.capturedSize <= record.originalSize && record.originalSize <= 256U << 10U &&
+           header.tsUsec < (isNanosecond ? 1'000'000'000U : 1'000'000U);
+}
+
+/// A search finds the record that holds the offset, or none, where it and those before are usual.
 void requireSearch(Bytes const& file, std::string const& path, CaptureFormat format,
-                   std::uint64_t fileOffset, std::optional<CaptureRecord> const& expected) {
-    constexpr detail::SearchLimits small = {
-        .window = 512, .chain = 4, .beforeDamage = 1, .reads = 64};
+                   std::uint64_t fileOffset, WalkedFile const& walked,
+                   std::optional<std::size_t> number) {
+    constexpr detail::SearchLimits small = {.window = 512, .before = 2};
     bool const isClassic = format == CaptureFormat::classic;
     std::uint8_t const first = file[isClassic ? 0 : 8];
     bool const isLittleEndian = first == 0xD4 || first == 0x4D;
@@ -106,11 +120,19 @@ void requireSearch(Bytes const& file, std::string const& path, CaptureFormat for
                                     .fileSize = file.size(),
                                     .start = isClassic ? 24U : 0U,
                                     .fileOffset = fileOffset,
-                                    .isLittleEndian = isLittleEndian};
+                                    .isLittleEndian = isLittleEndian,
+                                    .isNanosecond = first == 0x4D || file[2] == 0x3C};
     auto const found = isClassic ? detail::searchClassic(place, small)
                                  : detail::searchNextGeneration(place, small);
-    bool const isInWindow = expected && expected->fileOffset + small.window >= fileOffset;
-    require(!found || !isInWindow || *found == expected->fileOffset,
+    if (!found || !number || *number < small.before) {
+        return;
+    }
+    auto const last = walked.records.begin() + static_cast<std::ptrdiff_t>(*number);
+    auto const from = last - small.before;
+    bool const areUsual = !isClassic || std::all_of(from, last + 1, [&](auto const& record) {
+        return isUsual(file, record);
+    });
+    require(!areUsual || from->fileOffset + small.window < fileOffset || *found == last->fileOffset,
             "a search finds the record of the walk, or none");
 }
 
@@ -145,7 +167,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         require(fresh.recordAt(offset) == expected, "a record is found by its offset");
         require(capture.recordAt(offset) == expected, "also after a walk");
         if (isSearched) {
-            requireSearch(file, scratch.path(), capture.format(), offset, expected);
+            requireSearch(file, scratch.path(), capture.format(), offset, walked, number);
         }
     }
     whole.add(walked.isDamaged || walked.records.empty() ? 0 : 1, 1);

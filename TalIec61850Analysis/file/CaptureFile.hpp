@@ -88,10 +88,10 @@ public:
     /// the frame. It is the one that `next` gives, or `cutRecord`; where `next` is does not matter.
     ///
     /// Where `next` or an earlier call has come past, and within 1 MiB after that, little is read.
-    /// Elsewhere headers around the offset are looked for, in a next-generation capture where the
-    /// section says how long it is. Where that does not tell, records are walked up to the offset.
-    /// What is looked for is told by at least four headers after it: in a file that is damaged
-    /// before the offset this finds records that `next` does not come to.
+    /// Elsewhere headers before the offset are looked for, in a next-generation capture where the
+    /// section says how long it is: sixteen in a row must lead to the one. Where that does not
+    /// tell, records are walked up to the offset. So it also finds records after damage that `next`
+    /// does not come past.
     /// @param fileOffset  in octets; any number
     /// @return none where no record holds it
     /// @throws std::system_error  the file cannot be read

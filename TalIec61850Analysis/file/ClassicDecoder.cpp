@@ -13,20 +13,6 @@ ClassicDecoder::ClassicDecoder(TalIec61850Parser::wire::CaptureVariant variant,
       variant_(variant),
       linkType_(table.interfaces.front().linkType) {}
 
-inline void ClassicDecoder::setRecord(CaptureRecord& record, std::uint64_t fileOffset,
-                                      RecordHeader const& header) const {
-    auto const time = TalIec61850Parser::wire::exactNanoseconds(header.tsSec, header.tsUsec,
-                                                                variant_.isNanosecond);
-    record.fileOffset = fileOffset;
-    record.frameOffset = fileOffset + RecordHeader::kSize;
-    record.time.emplace(std::chrono::nanoseconds(time));
-    record.capturedSize = header.inclLen;
-    record.originalSize = header.origLen;
-    record.linkType = linkType_;
-    record.interface = 0;
-    record.dropped.reset();
-}
-
 std::size_t ClassicDecoder::decode(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                                    WalkedRecords& walked) {
     std::size_t begin = 0;
@@ -36,9 +22,8 @@ std::size_t ClassicDecoder::decode(std::span<std::uint8_t const> octets, std::ui
         if (header.inclLen > std::min(kLongestFrame, rest.size() - RecordHeader::kSize)) {
             break;
         }
-        RecordView& view = walked.add();
-        setRecord(view.record, fileOffset + begin, header);
-        view.frame = rest.subspan(RecordHeader::kSize, header.inclLen);
+        read(walked.add(), fileOffset + begin, header,
+             rest.subspan(RecordHeader::kSize, header.inclLen));
         begin += RecordHeader::kSize + header.inclLen;
     }
     if (isCounting_) {
@@ -46,6 +31,21 @@ std::size_t ClassicDecoder::decode(std::span<std::uint8_t const> octets, std::ui
             static_cast<std::uint64_t>(walked.end() - walked.begin());
     }
     return walked.isEmpty() ? decodeDamaged(octets, fileOffset, walked) : begin;
+}
+
+/// Member by member, in place: this is most of what a record costs.
+inline void ClassicDecoder::read(RecordView& view, std::uint64_t fileOffset,
+                                 RecordHeader const& header,
+                                 std::span<std::uint8_t const> frame) const {
+    CaptureRecord& record = view.record;
+    record.fileOffset = fileOffset;
+    record.frameOffset = fileOffset + RecordHeader::kSize;
+    record.time = CaptureTime(std::chrono::nanoseconds(TalIec61850Parser::wire::exactNanoseconds(
+        header.tsSec, header.tsUsec, variant_.isNanosecond)));
+    record.capturedSize = static_cast<std::uint32_t>(frame.size());
+    record.originalSize = header.origLen;
+    record.linkType = linkType_;
+    view.frame = frame;
 }
 
 std::size_t ClassicDecoder::decodeDamaged(std::span<std::uint8_t const> octets,
@@ -69,10 +69,9 @@ std::size_t ClassicDecoder::decodeDamaged(std::span<std::uint8_t const> octets,
         if (octets.size() < RecordHeader::kSize + shown) {
             return 0;
         }
-        CaptureRecord record;
-        setRecord(record, fileOffset, header);
-        record.capturedSize = static_cast<std::uint32_t>(shown);
-        walked.setCut({.record = record, .frame = octets.subspan(RecordHeader::kSize, shown)});
+        RecordView cut;
+        read(cut, fileOffset, header, octets.subspan(RecordHeader::kSize, shown));
+        walked.setCut(cut);
         walked.finish({.kind = CaptureDamageKind::recordCut,
                        .fileOffset = fileOffset,
                        .claimedSize = header.inclLen,

@@ -32,11 +32,12 @@ public:
     /// How records are counted: only where the file is read the first time.
     void setCounting(bool isCounting) { isCounting_ = isCounting; }
 
-    [[nodiscard]] bool isLittleEndian() const { return variant_.isLittleEndian; }
+    [[nodiscard]] TalIec61850Parser::wire::CaptureVariant variant() const { return variant_; }
 
 private:
-    void setRecord(CaptureRecord& record, std::uint64_t fileOffset,
-                   TalIec61850Parser::wire::RecordHeader const& header) const;
+    void read(RecordView& view, std::uint64_t fileOffset,
+              TalIec61850Parser::wire::RecordHeader const& header,
+              std::span<std::uint8_t const> frame) const;
     std::size_t decodeDamaged(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                               WalkedRecords& walked) const;
 

@@ -322,20 +322,21 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
         return;
     }
     auto const frame = rest.first(std::min({claimed, rest.size(), kLongestFrame}));
-    RecordView view{
-        .record = {.fileOffset = block.fileOffset,
-                   .frameOffset = block.fileOffset + wire::kBlockHeaderSize + header.size,
-                   .time = std::nullopt,
-                   .capturedSize = static_cast<std::uint32_t>(frame.size()),
-                   .originalSize = header.originalSize,
-                   .linkType = interface.linkType,
-                   .interface = *index,
-                   .dropped = header.dropped},
-        .frame = frame};
+    RecordView& view = walked.add();
+    view.frame = frame;
+    CaptureRecord& record = view.record;
+    record.fileOffset = block.fileOffset;
+    record.frameOffset = block.fileOffset + wire::kBlockHeaderSize + header.size;
+    record.time.reset();
+    record.capturedSize = static_cast<std::uint32_t>(frame.size());
+    record.originalSize = header.originalSize;
+    record.linkType = interface.linkType;
+    record.interface = *index;
+    record.dropped = header.dropped;
     auto const& unit = table_->uses[*index].timeUnit;
     if (header.time && unit.isUsable()) {
         if (auto const time = unit.nanoseconds(*header.time)) {
-            view.record.time = CaptureTime(std::chrono::nanoseconds(*time));
+            record.time = CaptureTime(std::chrono::nanoseconds(*time));
         } else {
             walked.note(damageAt(CaptureDamageKind::timeOutOfRange, block.fileOffset));
         }
@@ -346,7 +347,7 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
             rest.subspan(used), block.isLittleEndian,
             [&](std::uint16_t code, std::span<std::uint8_t const> value) {
                 if (code == wire::kOptionPacketDropped) {
-                    view.record.dropped = wire::readOptionNumber(value, block.isLittleEndian);
+                    record.dropped = wire::readOptionNumber(value, block.isLittleEndian);
                 }
             });
         if (!isWhole) {
@@ -356,7 +357,6 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
     if (isCounting_) {
         ++interface.records;
     }
-    walked.add(view);
 }
 
 /// @param number  as blocks have it, counted in the section

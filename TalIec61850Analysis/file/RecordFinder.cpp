@@ -42,11 +42,13 @@ std::optional<CaptureRecord> RecordFinder::search(std::uint64_t fileOffset) {
                       .fileSize = fileSize_,
                       .start = places_.front().fileOffset,
                       .fileOffset = fileOffset,
-                      .isLittleEndian = false};
+                      .isLittleEndian = false,
+                      .isNanosecond = false};
     Decoder decoder = places_.back().decoder;
     std::optional<std::uint64_t> found;
     if (auto const* const classic = std::get_if<ClassicDecoder>(&decoder)) {
-        place.isLittleEndian = classic->isLittleEndian();
+        place.isLittleEndian = classic->variant().isLittleEndian;
+        place.isNanosecond = classic->variant().isNanosecond;
         found = searchClassic(place);
     } else {
         // The section and its interfaces come before the first packet.

@@ -4,6 +4,7 @@
 #include <TalIec61850Parser/wire/NextGenerationFormat.hpp>
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -13,174 +14,143 @@ namespace wire = TalIec61850Parser::wire;
 
 namespace {
 
-/// Octets after the offset that are read at once with those before it.
-constexpr std::size_t kReadAfter = std::size_t{64} << 10U;
+/// The octets before a place, and a header's after it.
+struct SearchWindow {
+    std::uint64_t begin = 0;
+    std::vector<std::uint8_t> octets;
 
-/// The octets around a place, and others in small numbers.
-class Surroundings {
-public:
-    Surroundings(SearchPlace const& place, SearchLimits const& limits)
-        : file_(place.file), readsLeft_(limits.reads) {
-        begin_ = place.fileOffset -
-                 std::min<std::uint64_t>(place.fileOffset - place.start, limits.window);
-        std::uint64_t const end =
-            place.fileOffset +
-            std::min<std::uint64_t>(place.fileSize - place.fileOffset, kReadAfter);
-        octets_.resize(static_cast<std::size_t>(end - begin_));
-        octets_.resize(readAt(file_, begin_, octets_));
+    [[nodiscard]] std::span<std::uint8_t const> from(std::uint64_t fileOffset) const {
+        return std::span(octets).subspan(static_cast<std::size_t>(fileOffset - begin));
     }
-
-    /// Where the window begins.
-    [[nodiscard]] std::uint64_t begin() const { return begin_; }
-
-    /// Reads are used up, or the file has become shorter: nothing can be told.
-    [[nodiscard]] bool isExhausted() const { return isExhausted_; }
-
-    /// @param size  at most that of a record's header
-    /// @return none where the octets cannot be had; valid until the next call
-    [[nodiscard]] std::optional<std::span<std::uint8_t const>> at(std::uint64_t fileOffset,
-                                                                  std::size_t size) {
-        if (fileOffset >= begin_ && fileOffset + size <= begin_ + octets_.size()) {
-            return std::span(octets_).subspan(static_cast<std::size_t>(fileOffset - begin_), size);
-        }
-        if (readsLeft_ > 0) {
-            --readsLeft_;
-            auto const other = std::span(other_).first(size);
-            if (readAt(file_, fileOffset, other) == size) {
-                return other;
-            }
-        }
-        isExhausted_ = true;
-        return std::nullopt;
-    }
-
-private:
-    Descriptor const& file_;
-    std::uint64_t begin_ = 0;
-    std::vector<std::uint8_t> octets_;
-    std::array<std::uint8_t, wire::RecordHeader::kSize> other_{};
-    std::size_t readsLeft_;
-    bool isExhausted_ = false;
 };
 
-/// What a header says, for the search.
-struct Link {
-    /// Octets up to the next header; not set where no header is, or the file ends before.
-    std::optional<std::uint64_t> size;
-    /// It holds a packet.
+SearchWindow readWindow(SearchPlace const& place, SearchLimits const& limits) {
+    SearchWindow window;
+    window.begin =
+        place.fileOffset - std::min<std::uint64_t>(place.fileOffset - place.start, limits.window);
+    std::uint64_t const end =
+        std::min<std::uint64_t>(place.fileSize, place.fileOffset + wire::RecordHeader::kSize);
+    window.octets.resize(static_cast<std::size_t>(end - window.begin));
+    window.octets.resize(readAt(place.file, window.begin, window.octets));
+    return window;
+}
+
+/// What may be a header.
+struct MaybeHeader {
+    /// Octets up to the next one; 0 for what cannot be a header.
+    std::uint64_t size = 0;
     bool hasPacket = false;
-    /// Nothing can be said of what follows.
-    bool isLast = false;
 };
 
-Link classicLink(SearchPlace const& place, Surroundings& around, std::uint64_t fileOffset) {
-    std::uint64_t const left = place.fileSize - fileOffset;
-    if (left < wire::RecordHeader::kSize) {
+MaybeHeader readRecord(SearchPlace const& place, SearchWindow const& window,
+                       std::uint64_t fileOffset) {
+    auto const octets = window.from(fileOffset);
+    if (octets.size() < wire::RecordHeader::kSize) {
         return {};
     }
-    auto const octets = around.at(fileOffset, wire::RecordHeader::kSize);
-    if (!octets) {
-        return {};
-    }
-    auto const header = wire::RecordHeader::read(*octets, place.isLittleEndian);
-    if (header.inclLen > kLongestFrame || header.inclLen > left - wire::RecordHeader::kSize) {
+    constexpr std::uint32_t longest = std::uint32_t{1} << 18U;
+    std::uint32_t const second = place.isNanosecond ? 1'000'000'000 : 1'000'000;
+    auto const header = wire::RecordHeader::read(octets, place.isLittleEndian);
+    if (header.inclLen > header.origLen || header.origLen > longest || header.tsUsec >= second) {
         return {};
     }
     return {.size = wire::RecordHeader::kSize + header.inclLen, .hasPacket = true};
 }
 
-Link nextGenerationLink(SearchPlace const& place, Surroundings& around, std::uint64_t fileOffset) {
-    std::uint64_t const left = place.fileSize - fileOffset;
-    if (left < wire::kSmallestBlock) {
+/// The length after a block, which may be far from the window.
+bool endsWith(SearchPlace const& place, SearchWindow const& window, std::uint64_t fileOffset,
+              std::uint32_t length) {
+    std::uint64_t const at = fileOffset + length - wire::kBlockTrailerSize;
+    std::array<std::uint8_t, wire::kBlockTrailerSize> far{};
+    std::span<std::uint8_t const> trailer = far;
+    if (at + wire::kBlockTrailerSize <= window.begin + window.octets.size()) {
+        trailer = window.from(at);
+    } else if (readAt(place.file, at, far) != far.size()) {
+        return false;
+    }
+    return wire::readFileUint32(trailer, 0, place.isLittleEndian) == length;
+}
+
+MaybeHeader readBlock(SearchPlace const& place, SearchWindow const& window,
+                      std::uint64_t fileOffset) {
+    auto const octets = window.from(fileOffset);
+    if (octets.size() < wire::kBlockHeaderSize) {
         return {};
     }
-    auto const header = around.at(fileOffset, wire::kBlockHeaderSize);
-    if (!header) {
+    std::uint32_t const type = wire::readFileUint32(octets, 0, place.isLittleEndian);
+    std::uint32_t const length = wire::readFileUint32(octets, 4, place.isLittleEndian);
+    if (length < wire::kSmallestBlock || length % wire::kBlockAlignment != 0 ||
+        length > kLongestBlock || length > place.fileSize - fileOffset) {
         return {};
     }
-    std::uint32_t const type = wire::readFileUint32(*header, 0, place.isLittleEndian);
-    std::uint32_t const length = wire::readFileUint32(*header, 4, place.isLittleEndian);
-    if (type == wire::kSectionBlock) {
-        return {.size = std::nullopt, .hasPacket = false, .isLast = true};
-    }
-    if (length < wire::kSmallestBlock || length % wire::kBlockAlignment != 0 || length > left) {
-        return {};
-    }
-    auto const trailer =
-        around.at(fileOffset + length - wire::kBlockTrailerSize, wire::kBlockTrailerSize);
-    if (!trailer || wire::readFileUint32(*trailer, 0, place.isLittleEndian) != length) {
+    // One that ends after the offset is looked at again: there are many that only seem to.
+    bool const isBefore = fileOffset + length <= place.fileOffset;
+    if (isBefore && !endsWith(place, window, fileOffset, length)) {
         return {};
     }
     return {.size = length, .hasPacket = wire::isPacketBlock(type)};
 }
 
-/// Whether a block with a packet may begin at an offset that is in the window, and hold the offset
-/// looked for. Told by its header alone, without reading what is far away.
-bool mayHoldPacket(SearchPlace const& place, Surroundings& around, std::uint64_t fileOffset) {
-    if (place.fileSize - fileOffset < wire::kSmallestBlock) {
-        return false;
-    }
-    auto const header = around.at(fileOffset, wire::kBlockHeaderSize);
-    if (!header || !wire::isPacketBlock(wire::readFileUint32(*header, 0, place.isLittleEndian))) {
-        return false;
-    }
-    std::uint32_t const length = wire::readFileUint32(*header, 4, place.isLittleEndian);
-    return length > place.fileOffset - fileOffset && length <= kLongestBlock;
-}
-
-using ReadLink = Link (*)(SearchPlace const&, Surroundings&, std::uint64_t);
-
-/// Whether headers follow one another from an offset on.
-bool isChain(SearchPlace const& place, SearchLimits const& limits, Surroundings& around,
-             std::uint64_t fileOffset, ReadLink readLink) {
-    for (std::size_t count = 0; count < limits.chain; ++count) {
-        if (fileOffset == place.fileSize) {
-            return true;
-        }
-        Link const link = readLink(place, around, fileOffset);
-        if (!link.size) {
-            return link.isLast || count >= limits.beforeDamage;
-        }
-        fileOffset += *link.size;
-    }
-    return true;
-}
+using ReadHeader = MaybeHeader (*)(SearchPlace const&, SearchWindow const&, std::uint64_t);
 
 /// @param alignment  of the offsets at which a header may be
-std::optional<std::uint64_t> search(SearchPlace const& place, SearchLimits const& limits,
-                                    std::size_t alignment, ReadLink readLink) {
-    if (place.fileOffset < place.start || place.fileOffset >= place.fileSize) {
-        return std::nullopt;
-    }
-    Surroundings around(place, limits);
-    std::optional<std::uint64_t> found;
-    std::uint64_t const first = (around.begin() + alignment - 1) / alignment * alignment;
+/// @return the offsets of all headers of packets that hold the offset, and to which rows lead
+std::vector<std::uint64_t> search(SearchPlace const& place, SearchLimits const& limits,
+                                  SearchWindow const& window, std::size_t alignment,
+                                  ReadHeader readHeader) {
+    std::uint64_t const first = (window.begin + alignment - 1) / alignment * alignment;
+    std::vector<std::uint64_t> found;
+    // How many headers in a row lead to each offset.
+    std::vector<std::uint8_t> rows(
+        static_cast<std::size_t>(place.fileOffset - window.begin) / alignment + 1);
     for (std::uint64_t at = first; at <= place.fileOffset; at += alignment) {
-        bool const isCandidate = alignment == 1 || mayHoldPacket(place, around, at);
-        Link const link = isCandidate ? readLink(place, around, at) : Link{};
-        bool const holds = link.size && link.hasPacket && at + *link.size > place.fileOffset;
-        if (holds && isChain(place, limits, around, at + *link.size, readLink)) {
-            if (found) {
-                return std::nullopt;
-            }
-            found = at;
+        auto const [size, hasPacket] = readHeader(place, window, at);
+        std::uint8_t const row = rows[static_cast<std::size_t>((at - first) / alignment)];
+        std::uint64_t const end = at + size;
+        if (size == 0 || end > place.fileSize) {
+            continue;
         }
-        if (around.isExhausted()) {
-            return std::nullopt;
+        if (end <= place.fileOffset) {
+            auto& next = rows[static_cast<std::size_t>((end - first) / alignment)];
+            bool const isMost = row == std::numeric_limits<std::uint8_t>::max();
+            next = std::max(next, static_cast<std::uint8_t>(row + (isMost ? 0 : 1)));
+        } else if (hasPacket && row >= limits.before) {
+            found.push_back(at);
         }
     }
     return found;
 }
 
+bool isInside(SearchPlace const& place) {
+    return place.start <= place.fileOffset && place.fileOffset < place.fileSize;
+}
+
+std::optional<std::uint64_t> only(std::vector<std::uint64_t> const& found) {
+    return found.size() == 1 ? std::optional(found.front()) : std::nullopt;
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> searchClassic(SearchPlace const& place, SearchLimits const& limits) {
-    return search(place, limits, 1, classicLink);
+    if (!isInside(place)) {
+        return std::nullopt;
+    }
+    return only(search(place, limits, readWindow(place, limits), 1, readRecord));
 }
 
 std::optional<std::uint64_t> searchNextGeneration(SearchPlace const& place,
                                                   SearchLimits const& limits) {
-    return search(place, limits, wire::kBlockAlignment, nextGenerationLink);
+    if (!isInside(place)) {
+        return std::nullopt;
+    }
+    auto const window = readWindow(place, limits);
+    auto found = search(place, limits, window, wire::kBlockAlignment, readBlock);
+    auto const isBroken = [&](std::uint64_t at) {
+        auto const length = wire::readFileUint32(window.from(at), 4, place.isLittleEndian);
+        return !endsWith(place, window, at, length);
+    };
+    found.erase(std::remove_if(found.begin(), found.end(), isBroken), found.end());
+    return only(found);
 }
 
 }  // namespace TalIec61850Analysis::detail

@@ -31,10 +31,7 @@ public:
     /// For the records that follow.
     void clear() { count_ = 0; }
 
-    /// @pre not isFull()
-    void add(RecordView const& view) { views_[count_++] = view; }
-    /// Room for a record, of which all members are to be set: in place, since one that is copied as
-    /// a whole has to wait for its parts.
+    /// Makes room for one more; what is there is of an earlier one.
     /// @pre not isFull()
     [[nodiscard]] RecordView& add() { return views_[count_++]; }
 
