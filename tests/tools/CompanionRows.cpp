@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 
 #include "tools/StreamsTraffic.hpp"
 
@@ -38,6 +39,11 @@ CsvCell takeCell(std::string_view& text) {
 Arguments joined(Arguments first, Arguments const& second) {
     first.insert(first.end(), second.begin(), second.end());
     return first;
+}
+
+Arguments wordsOf(std::string const& command) {
+    std::istringstream stream(command);
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
 std::vector<Json> rowsOf(Arguments const& command, Surroundings const& surroundings) {

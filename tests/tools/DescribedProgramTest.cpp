@@ -5,7 +5,7 @@
 
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
-#include "tools/CompanionProcess.hpp"
+#include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/ProgramDescription.hpp"
@@ -75,15 +75,16 @@ TEST(DescribedProgram, IsTheSameInManualPageAndCompletionsAsInHelp) {
     auto const bash = runCompanion({"completion", "bash"}).out;
     auto const zsh = runCompanion({"completion", "zsh"}).out;
     auto const fish = runCompanion({"completion", "fish"}).out;
-    for (std::string const command : {"streams", "packets", "show", "judge"}) {
-        auto const options = optionsIn(runCompanion({command, "--help"}).out);
+    for (std::string const command :
+         {"streams", "packets", "show", "library streams", "library judge"}) {
+        auto const options = optionsIn(runCompanion(joined(wordsOf(command), {"--help"})).out);
         EXPECT_GE(options.size(), 17U) << command;
         EXPECT_NE(manual.find(".SS \"" + command + "\""), std::string::npos);
         for (auto const& option : options) {
             EXPECT_NE(manual.find(option), std::string::npos) << option;
             EXPECT_NE(bash.find(option), std::string::npos) << option;
             EXPECT_NE(zsh.find("'*" + option), std::string::npos) << option;
-            EXPECT_NE(fish.find("_from " + command + "' "), std::string::npos) << command;
+            EXPECT_NE(fish.find("_from " + wordsOf(command).back()), std::string::npos) << command;
             EXPECT_NE(fish.find(" -l " + option.substr(2) + " "), std::string::npos) << option;
         }
     }

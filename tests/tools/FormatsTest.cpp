@@ -15,11 +15,12 @@ namespace {
 
 std::vector<Arguments> commands(std::string const& file) {
     return {{"streams", file},
+            {"library", "streams", file},
             {"streams", file, "--svid", "none"},
             {"packets", file},
             {"packets", file, "--context", "--from", "+5s", "--to", "+6s"},
-            {"judge", file, "--vlan", "5"},
-            {"judge", file, "--list"},
+            {"library", "judge", file, "--vlan", "5"},
+            {"library", "judge", file, "--list"},
             {"show", file, "--to", "+3s"}};
 }
 
@@ -67,6 +68,12 @@ std::vector<CsvCell> memberNames(std::string const& line) {
     return names;
 }
 
+/// The call for a command's help.
+Arguments helpOf(Arguments const& command) {
+    return command[0] == "library" ? Arguments{command[0], command[1], "--help"}
+                                   : Arguments{command[0], "--help"};
+}
+
 TEST(Formats, HaveTheSameFieldsInTheSameOrderInEveryRow) {
     TempFile const file(memberTraffic());
     for (auto const& command : commands(file.path())) {
@@ -74,7 +81,7 @@ TEST(Formats, HaveTheSameFieldsInTheSameOrderInEveryRow) {
         for (auto const& line : linesOf(written(command, "json"))) {
             EXPECT_EQ(memberNames(line), header);
         }
-        auto const help = runCompanion({command[0], "--help"}).out;
+        auto const help = runCompanion(helpOf(command)).out;
         for (auto const& name : header) {
             EXPECT_NE(help.find(name.value()), std::string::npos) << command[0] << " " << *name;
         }
@@ -141,11 +148,11 @@ TEST(Formats, OfATableOfPacketsHoldTheSame) {
 
 TEST(Formats, OfATableOfVerdictsHoldTheSame) {
     TempFile const file(memberTraffic());
-    expectTable({"judge", "--vlan", "5", file.path()}, [](Json const& row) -> Arguments {
+    expectTable({"library", "judge", "--vlan", "5", file.path()}, [](Json const& row) -> Arguments {
         return {row["protocol"], row["verdict"], shown(row["answer"]), shown(row["frames"]),
                 shown(row["octets"])};
     });
-    expectTable({"judge", "--list", file.path()}, [](Json const& row) -> Arguments {
+    expectTable({"library", "judge", "--list", file.path()}, [](Json const& row) -> Arguments {
         return {row["time"],
                 row["protocol"],
                 row["verdict"],

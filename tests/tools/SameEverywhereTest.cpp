@@ -17,8 +17,8 @@ std::vector<Arguments> const kCommands = {{"streams"},
                                           {"streams", "--sort", "rate"},
                                           {"packets", "--context", "--from", "+2s"},
                                           {"show"},
-                                          {"judge"},
-                                          {"judge", "--list"},
+                                          {"library", "judge"},
+                                          {"library", "judge", "--list"},
                                           {"streams", "-f", "json"},
                                           {"packets", "-f", "csv"},
                                           {"show", "-f", "json"},
@@ -125,7 +125,7 @@ TEST(Output, IsCutQuietlyByAReaderWhoHasSeenEnough) {
                                 {"packets", "-f", "json"},
                                 {"show"},
                                 {"show", "-f", "csv"},
-                                {"judge", "--list"}}) {
+                                {"library", "judge", "--list"}}) {
         auto const result = cutShort(joined(command, {file.path()}));
         EXPECT_EQ(linesOf(result.out).size(), 1U);
         EXPECT_EQ(result.err, "141\n") << command[0];  // ended by SIGPIPE
@@ -138,7 +138,8 @@ TEST(Progress, OfEveryCommandIsOnlyForWhoeverSeesIt) {
         capture.add(1, 0, oneSv());
     }
     TempFile const file(capture.bytes(), "bay1.pcap");
-    for (auto const& command : {Arguments{"packets"}, {"judge"}, {"judge", "-l"}, {"streams"}}) {
+    for (auto const& command :
+         {Arguments{"packets"}, {"library", "judge"}, {"library", "judge", "-l"}, {"streams"}}) {
         auto const arguments = joined(command, {file.path(), "-o", "/dev/null"});
         auto const seen = runCompanion(arguments, {.terminalColumns = 100}).err;
         EXPECT_NE(seen.find("bay1.pcap ["), std::string::npos) << command[0];

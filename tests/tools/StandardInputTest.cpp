@@ -32,19 +32,21 @@ Bytes longTraffic() {
 
 TEST(StandardInput, GivesWhatTheFileWouldForEveryCommand) {
     TempFile const file(memberTraffic());
-    for (std::string const command : {"streams", "packets", "show", "judge"}) {
-        auto const expected = rowsOf({command, file.path()});
-        EXPECT_EQ(nameless(rowsOf({command, "-"}, {.inputPiped = memberTraffic()})),
+    for (std::string const command : {"streams", "packets", "show", "library judge"}) {
+        auto const expected = rowsOf(joined(wordsOf(command), {file.path()}));
+        EXPECT_EQ(
+            nameless(rowsOf(joined(wordsOf(command), {"-"}), {.inputPiped = memberTraffic()})),
+            nameless(expected));
+        EXPECT_EQ(nameless(rowsOf(joined(wordsOf(command), {"-"}), {.inputFile = file.path()})),
                   nameless(expected));
-        EXPECT_EQ(nameless(rowsOf({command, "-"}, {.inputFile = file.path()})), nameless(expected));
     }
 }
 
 TEST(StandardInput, MayBeLongerThanAPipe) {
     TempFile const file(longTraffic());
     EXPECT_EQ(rowsOf({"streams", "-"}, {.inputPiped = longTraffic()}), streamsOf({file.path()}));
-    EXPECT_EQ(rowsOf({"judge", "-"}, {.inputPiped = longTraffic()}),
-              rowsOf({"judge", file.path()}));
+    EXPECT_EQ(rowsOf({"library", "judge", "-"}, {.inputPiped = longTraffic()}),
+              rowsOf({"library", "judge", file.path()}));
 }
 
 TEST(StandardInput, IsCalledByItsSign) {
@@ -52,7 +54,7 @@ TEST(StandardInput, IsCalledByItsSign) {
         auto const rows = rowsOf({command, "-"}, {.inputPiped = smallCapture()});
         EXPECT_EQ(fieldOf(rows, "file"), std::vector<Json>(5, "-"));
     }
-    auto const judged = rowsOf({"judge", "-l", "-"}, {.inputPiped = smallCapture()});
+    auto const judged = rowsOf({"library", "judge", "-l", "-"}, {.inputPiped = smallCapture()});
     EXPECT_EQ(fieldOf(judged, "file"), std::vector<Json>(5, "-"));
 }
 

@@ -120,16 +120,17 @@ std::string summaryOf(Counts const& counts, std::size_t captures) {
 
 }  // namespace
 
-void addJudgeCommand(ProgramDefinition& program, Action& chosen) {
+void addJudgeCommand(ProgramDefinition& program, CommandDefinition const& group, Action& chosen) {
     auto const options = std::make_shared<JudgeOptions>();
-    CommandDefinition& command = addCommand(
-        program, "judge", "Count which frames the library's road for single frames accepts.");
+    CommandDefinition& command =
+        addCommand(program, group, "judge",
+                   "Count which frames the library's verdict on single frames accepts.");
     addCommonOptions(command, options->common);
     command.parser->add_flag("-l,--list", options->listsFrames,
                              "One row for each frame, in their order");
     addCriteriaOptions(command, options->criteria);
     command.notes = judgeNotes();
-    command.examples = {"tal-iec61850 judge --protocol goose --appid 0x0001 bay1.pcap"};
+    command.examples = {"tal-iec61850 library judge --protocol goose --appid 0x0001 bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runJudge(*options); }; });
 }

@@ -62,12 +62,9 @@ std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) 
                        span);
 }
 
-}  // namespace
-
-void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
+/// What the command takes, whatever it is called.
+void defineStreams(CommandDefinition& command, Action& chosen) {
     auto const options = std::make_shared<StreamsOptions>();
-    CommandDefinition& command =
-        addCommand(program, "streams", "List the GOOSE and SV streams of captures.");
     CLI::App& parser = *command.parser;
     addCommonOptions(command, options->common);
     CLI::Option& sort = *parser.add_option(
@@ -78,9 +75,25 @@ void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
     parser.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
     addCriteriaOptions(command, options->criteria);
     command.notes = streamsNotes();
+    parser.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
+}
+
+}  // namespace
+
+void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
+    CommandDefinition& command =
+        addCommand(program, "streams", "List the GOOSE and SV streams of captures.");
+    defineStreams(command, chosen);
     command.examples = {"tal-iec61850 streams --format json bay1.pcap bay2.pcap",
                         "tal-iec61850 streams --protocol sv --sort packets --reverse captures/"};
-    parser.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
+}
+
+void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition const& group,
+                              Action& chosen) {
+    CommandDefinition& command =
+        addCommand(program, group, "streams", "List the streams of the library's index.");
+    defineStreams(command, chosen);
+    command.examples = {"tal-iec61850 library streams --format json bay1.pcap bay2.pcap"};
 }
 
 ExitStatus runStreams(StreamsOptions const& options) {

@@ -104,7 +104,7 @@ std::string commandSection(CommandDescription const& command) {
                                      ? std::string()
                                      : fmt::format(" \\fI{}\\fR", escaped(command.argumentName));
     std::string text =
-        fmt::format(".SS \"{}\"\n{}\n", escaped(command.name), escaped(command.text));
+        fmt::format(".SS \"{}\"\n{}\n", escaped(command.fullName()), escaped(command.text));
     if (!argument.empty()) {
         text += fmt::format(".TP\n{}\n{}\n", argument.substr(1), escaped(command.argumentText));
     }

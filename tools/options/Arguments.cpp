@@ -23,9 +23,12 @@ bool isPacketOfStandardInput(std::string_view argument) {
 }
 
 /// The option of this name in any of the commands: options of one name are alike in all.
+// NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
 CLI::Option const* findOption(CLI::App const& program, std::string const& name) {
     for (CLI::App const* command : program.get_subcommands(nullptr)) {
-        if (CLI::Option const* option = command->get_option_no_throw(name)) {
+        CLI::Option const* option = command->get_option_no_throw(name);
+        option = option == nullptr ? findOption(*command, name) : option;
+        if (option != nullptr) {
             return option;
         }
     }

@@ -5,6 +5,17 @@
 
 namespace TalIec61850Tools {
 
+namespace {
+
+CommandDefinition& addTo(ProgramDefinition& program, CLI::App& parent, std::string const& name,
+                         std::string const& text) {
+    CommandDefinition& command = program.commands.emplace_back();
+    command.parser = parent.add_subcommand(name, text);
+    return command;
+}
+
+}  // namespace
+
 void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices,
                LetterCase letterCase) {
     if (letterCase == LetterCase::ignored) {
@@ -17,12 +28,28 @@ void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std:
 
 CommandDefinition& addCommand(ProgramDefinition& program, std::string const& name,
                               std::string const& text) {
-    return program.commands.emplace_back(
-        CommandDefinition{.parser = program.parser.add_subcommand(name, text),
-                          .notes = {},
-                          .examples = {},
-                          .readsCaptures = false,
-                          .choices = {}});
+    return addTo(program, program.parser, name, text);
+}
+
+CommandDefinition& addCommand(ProgramDefinition& program, CommandDefinition const& group,
+                              std::string const& name, std::string const& text) {
+    return addTo(program, *group.parser, name, text);
+}
+
+CommandDefinition& addCommandGroup(ProgramDefinition& program, std::string const& name,
+                                   std::string const& text) {
+    CommandDefinition& group = addCommand(program, name, text);
+    group.isGroup = true;
+    group.parser->require_subcommand(0, 1);  // so a file may be called like one of its commands
+    return group;
+}
+
+std::vector<std::string> wordsOf(CLI::App const& command) {
+    std::vector<std::string> words;
+    for (CLI::App const* app = &command; app->get_parent() != nullptr; app = app->get_parent()) {
+        words.insert(words.begin(), app->get_name());
+    }
+    return words;
 }
 
 }  // namespace TalIec61850Tools
