@@ -21,9 +21,11 @@
 #include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/HelpFooter.hpp"
+#include "tools/help/HelpFormatter.hpp"
 #include "tools/options/Arguments.hpp"
 #include "tools/options/CommandDefinition.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/options/IntendedCommand.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/Output.hpp"
@@ -36,9 +38,12 @@ using TalIec61850Tools::argumentsFor;
 using TalIec61850Tools::complain;
 using TalIec61850Tools::escapeText;
 using TalIec61850Tools::ExitStatus;
+using TalIec61850Tools::fitHelp;
+using TalIec61850Tools::intendedCommand;
 using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
 using TalIec61850Tools::ProgramDefinition;
+using TalIec61850Tools::refuseUnknown;
 using TalIec61850Tools::UsageError;
 using TalIec61850Tools::wordsOf;
 
@@ -79,10 +84,12 @@ ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
 ExitStatus runProgram(int argc, char** argv) {
     CLI::App program("Looks into captures of IEC 61850 GOOSE and Sampled Values traffic.",
                      "tal-iec61850");
-    program.set_version_flag("--version", "tal-iec61850 " TALIEC61850PARSER_VERSION,
+    fitHelp(program);
+    program.set_version_flag("-V,--version", "tal-iec61850 " TALIEC61850PARSER_VERSION,
                              "Print the version and exit");
     program.footer(
-        "Each command has a --help of its own.\n\nExample:\n  tal-iec61850 streams capture.pcap");
+        "Each command has a --help of its own. A file alone lists its streams.\n\n"
+        "Example:\n  tal-iec61850 streams capture.pcap");
     program.require_subcommand(0, 1);  // so a file may be called like another subcommand
     Action chosen;
     ProgramDefinition definition{.parser = program, .commands = {}};
@@ -93,7 +100,9 @@ ExitStatus runProgram(int argc, char** argv) {
     addLibraryCommands(definition, chosen);
     addHelpFooters(definition);
     try {
-        program.parse(argumentsFor(program, {argv + std::min(argc, 1), argv + argc}));
+        auto const arguments = intendedCommand(program, {argv + std::min(argc, 1), argv + argc});
+        refuseUnknown(program, arguments);
+        program.parse(argumentsFor(program, arguments));
     } catch (CLI::ParseError const& error) {
         return report(program, error);
     }

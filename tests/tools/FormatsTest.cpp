@@ -1,6 +1,5 @@
 // Table, JSON and comma-separated values say the same.
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -93,8 +92,6 @@ std::string shown(Json const& field) {
     return field.is_null() ? "-" : (field.is_string() ? field.get<std::string>() : field.dump());
 }
 
-std::string shownAppId(Json const& field) { return fmt::format("0x{:04X}", field.get<unsigned>()); }
-
 std::string shownYesNo(Json const& field) {
     return field.is_null() ? "-" : (field.get<bool>() ? "yes" : "no");
 }
@@ -116,7 +113,7 @@ TEST(Formats, OfATableOfStreamsHoldTheSame) {
                 row["source"],
                 row["destination"],
                 shown(row["vlanId"]),
-                shownAppId(row["appId"]),
+                row["appId"],
                 shown(row["hsrLane"]),
                 shown(row["reserved1Bit0"]),
                 shown(row["confRev"]),
@@ -139,7 +136,7 @@ TEST(Formats, OfATableOfPacketsHoldTheSame) {
                     return {row["time"],
                             row["protocol"],
                             row["source"],
-                            shownAppId(row["appId"]),
+                            row["appId"],
                             shown(row["protocol"] == "SV" ? row["svID"] : row["gocbRef"]),
                             shown(row["file"]) + "@" + shown(row["position"]),
                             row["place"]};

@@ -47,7 +47,7 @@ TEST(Streams, AreOneJsonObjectPerLineOnRequest) {
     EXPECT_EQ(rows[0]["packetsPerSecond"], 0.5);
     EXPECT_EQ(rows[1]["protocol"], "SV");
     EXPECT_EQ(rows[1]["svID"], "MU01");
-    EXPECT_EQ(rows[1]["appId"], 0x4000);
+    EXPECT_EQ(rows[1]["appId"], "0x4000");
     EXPECT_EQ(rows[1]["packets"], 3);
     EXPECT_EQ(rows[1]["packetsPerSecond"], 1.0);
 }

@@ -41,7 +41,6 @@ TEST(WrongUsage, IsAnUnknownOrIncompleteOption) {
 
 TEST(WrongUsage, IsAValueThatAnOptionDoesNotTake) {
     expectRefused(kCommands, {{"--format", "xml"},
-                              {"--format", "JSON"},
                               {"--format", ""},
                               {"--color", "yes"},
                               {"--protocol", "mms"},

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include <TalIec61850Analysis/file/CaptureRecords.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <functional>
 #include <future>
 #include <set>
+#include <system_error>
 
 #include "tools/commands/NumberCaptures.hpp"
 #include "tools/options/UsageError.hpp"
@@ -92,6 +94,21 @@ CaptureIndex CommandRun::index(Filter const& filter) {
         }
     }
     return index;
+}
+
+std::optional<CaptureTime> CommandRun::latestRecord() const {
+    std::optional<CaptureTime> latest;
+    for (auto const& capture : captures()) {
+        try {
+            TalIec61850Analysis::CaptureRecords records(capture.path);
+            while (auto const record = records.next()) {
+                latest = std::max(latest.value_or(record->time), record->time);
+            }
+        } catch (std::system_error const&) {
+            continue;
+        }
+    }
+    return latest;
 }
 
 ProgressBar CommandRun::progressBar() const {

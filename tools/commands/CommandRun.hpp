@@ -45,6 +45,10 @@ public:
     /// Indexes the captures, one after the other.
     [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
 
+    /// The time of the latest record of all captures, which are read for it; none without records.
+    /// What cannot be read is left out: indexing complains of it.
+    [[nodiscard]] std::optional<CaptureTime> latestRecord() const;
+
     /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;
 

@@ -24,24 +24,14 @@ using TalIec61850Parser::Filter;
 namespace {
 
 constexpr std::uint64_t kRecordsPerProgress = 1000;
-constexpr std::size_t kJudgeFieldColumns = 100;
 
-// Adjacent literals are one line of the help.
-constexpr char const* kJudgeNotes =
-    "Asks the library about each frame by itself, as EthernetParser::parsePacketSimple does: "
-    R"(without an
-index, and without a file. Verdicts:
-  wanted               meets the options on streams
+constexpr char const* kVerdictNotes = R"(  wanted               meets the options on streams
   rejectedByLinkLayer  by address, VLAN, HSR or PRP
   rejectedByPdu        by header or PDU, or too short for them
   switchedOff          of a protocol that is not asked for
   otherProtocol        neither GOOSE nor SV
-ANSWER is what that operation returns, which is the other way round for SV.
-
-The options on streams are the library's filter here: names are met as they stand, without * and ?;
-a frame without VLAN tag, HSR tag or PRP trailer is not asked for it; of several ASDUs each must
-meet --svid. An option may be given several times, save --protocol and --simulation-element: one of
-its values must be met. A record that the file ends inside is not judged.
+ANSWER is what that operation returns, which is the other way round for
+SV.
 
 )";
 
@@ -50,10 +40,19 @@ std::string judgeNotes() {
     auto const frames =
         listFields(fieldNames(judgedFrameLayout()),
                    {{"timeNs", "nanoseconds since 1970"}, {"recordPosition", "octets"}});
-    return kJudgeNotes +
-           wrapText(fmt::format("The fields of json and csv: {}; with --list {}.", counts, frames),
-                    kJudgeFieldColumns) +
-           "\n";
+    return paragraph(
+               "Asks the library about each frame by itself, as EthernetParser::parsePacketSimple "
+               "does: without an index, and without a file. Verdicts:") +
+           kVerdictNotes +
+           paragraph(
+               "The options on streams are the library's filter here: names are met as they are, "
+               "without * and ?; a frame without VLAN tag, HSR tag or PRP trailer is not asked for "
+               "it; of several ASDUs each must meet --svid. An option may be given several times, "
+               "save --protocol and --simulation-element: one of its values must be met. A record "
+               "that the file ends inside is not judged.") +
+           "\n" +
+           paragraph(
+               fmt::format("The fields of json and csv: {}; with --list {}.", counts, frames));
 }
 
 using FrameTaker = std::function<void(JudgedFrame const&)>;

@@ -8,7 +8,7 @@ namespace TalIec61850Tools {
 void addLibraryCommands(ProgramDefinition& program, Action& chosen) {
     CommandDefinition& group = addCommandGroup(
         program, "library", "Show what the library TalIec61850Parser itself answers.");
-    group.notes = "For programs that use the library: its own index and verdicts, as they are.\n\n";
+    group.notes = "For programs that use the library: its own index and verdicts.\n\n";
     group.examples = {"tal-iec61850 library judge --protocol goose bay1.pcap"};
     addLibraryStreamsCommand(program, group, chosen);
     addJudgeCommand(program, group, chosen);

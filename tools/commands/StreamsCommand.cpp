@@ -18,19 +18,16 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kStreamsFieldColumns = 95;
-
 constexpr char const* kStreamsNotes = R"(What the columns mean:
-  Identity    SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0 (bit 0 of the second
-              octet of Reserved 1), CONFREV, SIM-ELEM and the names tell streams apart.
-  HSR         GOOSE streams are not told apart by HSR lane: what is shown is that of the
-              stream's first packet. So is the PRP network (prpLane) of any stream.
-  SIM-ELEM    GOOSE: whether frames carry the simulation element, be it true or false.
+  Identity    SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0 (bit 0
+              of the second octet of Reserved 1), CONFREV, SIM-ELEM and the
+              names tell streams apart.
+  HSR         GOOSE streams are not told apart by HSR lane: what is shown
+              is that of the stream's first packet. So is the PRP network
+              (prpLane) of any stream.
+  SIM-ELEM    GOOSE: whether frames carry the simulation element, be it
+              true or false.
   FIRST, LAST Capture times, UTC. PACKETS/S is the mean rate between them.
-
-An option on streams may be given several times, save --protocol and --simulation-element: one of
-its values must be met. With --hsr and --prp, packets that came over the other lane or network are
-left out.
 
 )";
 
@@ -38,7 +35,11 @@ std::string streamsNotes() {
     auto const fields =
         listFields(fieldNames(streamLayout()), {{"lastTimeNs", "nanoseconds since 1970"}});
     return kStreamsNotes +
-           wrapText("The fields of json and csv: " + fields + ".", kStreamsFieldColumns) + "\n";
+           paragraph(
+               "An option on streams may be given several times, save --protocol and "
+               "--simulation-element: one of its values must be met. With --hsr and --prp, "
+               "packets that came over the other lane or network are left out.") +
+           "\n" + paragraph("The fields of json and csv: " + fields + ".");
 }
 
 std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) {

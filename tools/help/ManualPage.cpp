@@ -94,7 +94,7 @@ std::string exitStatusSection() {
     std::string section = ".SH EXIT STATUS\n";
     for (ExitStatusText const& status : exitStatusTexts()) {
         section += fmt::format(".TP\n.B {}\n{}\n", static_cast<int>(status.status),
-                               escaped(wrapText(status.full, kStatusColumns)));
+                               escaped(wrapText(status.full, kHelpColumns)));
     }
     return section;
 }

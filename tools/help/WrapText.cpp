@@ -20,4 +20,6 @@ std::string wrapText(std::string_view text, std::size_t columns) {
     return lines;
 }
 
+std::string paragraph(std::string_view text) { return wrapText(text, kHelpColumns) + "\n"; }
+
 }  // namespace TalIec61850Tools

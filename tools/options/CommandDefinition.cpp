@@ -1,7 +1,13 @@
 #include "tools/options/CommandDefinition.hpp"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <utility>
+
+#include "tools/output/NearestWords.hpp"
 
 namespace TalIec61850Tools {
 
@@ -14,15 +20,26 @@ CommandDefinition& addTo(ProgramDefinition& program, CLI::App& parent, std::stri
     return command;
 }
 
+bool isAlike(std::string const& a, std::string const& b) {
+    return a.size() == b.size() && countDifferences(a, b) == 0;
+}
+
 }  // namespace
 
-void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices,
-               LetterCase letterCase) {
-    if (letterCase == LetterCase::ignored) {
-        option.transform(CLI::IsMember(choices, CLI::ignore_case));
-    } else {
-        option.check(CLI::IsMember(choices));
-    }
+void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices) {
+    option.transform(CLI::Validator(
+        [choices](std::string& value) {
+            auto const found =
+                std::find_if(choices.begin(), choices.end(),
+                             [&](std::string const& choice) { return isAlike(choice, value); });
+            if (found == choices.end()) {
+                return fmt::format("{} is none of {}{}", value, fmt::join(choices, ", "),
+                                   didYouMean(value, choices));
+            }
+            value = *found;
+            return std::string();
+        },
+        ""));
     command.choices[&option] = std::move(choices);
 }
 

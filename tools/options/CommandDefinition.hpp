@@ -31,15 +31,10 @@ struct CommandDefinition {
     bool isGroup = false;
 };
 
-enum class LetterCase {
-    exact,
-    ignored,  ///< the value is changed to the letter case of the choice
-};
-
-/// Lets the parser refuse every value of an option but these.
+/// Lets the parser refuse every value of an option but these. Letter case does not count: the value
+/// is changed to that of the choice.
 /// @param option  one of the command's
-void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices,
-               LetterCase letterCase = LetterCase::exact);
+void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices);
 
 /// The program with its subcommands, in the order of the help.
 struct ProgramDefinition {

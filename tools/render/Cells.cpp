@@ -1,6 +1,7 @@
 #include "tools/render/Cells.hpp"
 
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/StreamFields.hpp"
 #include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
@@ -13,7 +14,7 @@ std::string nameCell(std::optional<std::string> const& name) {
 }
 
 std::string appIdCell(StreamIdentity const& identity) {
-    return identity.appId ? fmt::format("0x{:04X}", *identity.appId) : std::string(kAbsentCell);
+    return identity.appId ? appIdText(*identity.appId) : std::string(kAbsentCell);
 }
 
 std::string vlanCell(StreamIdentity const& identity) {
