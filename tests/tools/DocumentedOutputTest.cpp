@@ -12,6 +12,7 @@
 #include "tools/commands/ShownPacketLayout.hpp"
 #include "tools/commands/VerdictLayout.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/output/RowLines.hpp"
 #include "tools/render/PacketLayout.hpp"
 #include "tools/render/StreamLayout.hpp"
 
@@ -102,7 +103,8 @@ TEST(FieldNames, AreTheSameWhateverTheRow) {
     StreamRow row;
     auto const fieldsOf = [](StreamRow const& r) {
         std::vector<std::string> names;
-        Fields const fields = toFields(streamLayout(), r);
+        RowLines<StreamRow> lines(Format::json, streamLayout());
+        auto const fields = nlohmann::ordered_json::parse(lines.lineOf(r));
         for (auto const& field : fields.items()) {
             names.push_back(field.key());
         }

@@ -17,7 +17,7 @@ namespace {
 
 std::string titleOf(ShownPacket const& packet) {
     return fmt::format("{} {} {}@{}{}", toUtcText(packet.row.time),
-                       toText(packet.row.stream.protocol), escapeText(packet.row.file),
+                       toText(packet.row.stream->protocol), escapeText(packet.row.file),
                        packet.row.position,
                        packet.row.place == Place::inside
                            ? std::string()

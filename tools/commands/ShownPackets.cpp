@@ -26,7 +26,7 @@ ShownPacket ShownPackets::decode(SelectedPacket const& packet) {
     SelectedFrame const frame = frames_.read(packet);
     ShownPacket shown{
         .row = rowOf(packet, selection_, run_), .record = frame.record, .goose = {}, .sv = {}};
-    if (shown.row.stream.protocol == Protocol::goose) {
+    if (shown.row.stream->protocol == Protocol::goose) {
         shown.goose = TalIec61850Analysis::decodeGoose(frame.octets, frame.pduIndex);
     } else {
         shown.sv = TalIec61850Analysis::decodeSv(frame.octets, frame.pduIndex);

@@ -46,24 +46,25 @@ constexpr std::array kFrameColumns = {
 
 RowLayout<VerdictCount> verdictCountLayout() {
     using Row = VerdictCount const&;
-    return {.fields = {{"protocol", [](Row r) { return protocolText(r.verdict.protocol); }},
-                       {"verdict", [](Row r) { return toText(r.verdict.verdict); }},
-                       {"answer", [](Row r) { return r.verdict.answer; }},
-                       {"frames", [](Row r) { return r.frames; }},
-                       {"octets", [](Row r) { return r.octets; }}},
+    return {.fields = {{"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
+                       {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
+                       {"answer", [](Row r) -> Cell { return r.verdict.answer; }},
+                       {"frames", [](Row r) -> Cell { return r.frames; }},
+                       {"octets", [](Row r) -> Cell { return r.octets; }}},
             .columns = kCountColumns};
 }
 
 RowLayout<JudgedFrame> judgedFrameLayout() {
     using Row = JudgedFrame const&;
-    return {.fields = {{"time", [](Row r) { return toUtcText(r.record.time); }},
-                       {"timeNs", [](Row r) { return nanosecondsSince1970(r.record.time); }},
-                       {"file", [](Row r) { return r.file; }},
-                       {"recordPosition", [](Row r) { return r.record.fileOffset; }},
-                       {"protocol", [](Row r) { return protocolText(r.verdict.protocol); }},
-                       {"verdict", [](Row r) { return toText(r.verdict.verdict); }},
-                       {"answer", [](Row r) { return r.verdict.answer; }}},
-            .columns = kFrameColumns};
+    return {
+        .fields = {{"time", [](Row r) -> Cell { return toUtcCell(r.record.time); }},
+                   {"timeNs", [](Row r) -> Cell { return nanosecondsSince1970(r.record.time); }},
+                   {"file", [](Row r) -> Cell { return r.file; }},
+                   {"recordPosition", [](Row r) -> Cell { return r.record.fileOffset; }},
+                   {"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
+                   {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
+                   {"answer", [](Row r) -> Cell { return r.verdict.answer; }}},
+        .columns = kFrameColumns};
 }
 
 }  // namespace TalIec61850Tools

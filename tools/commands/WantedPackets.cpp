@@ -2,7 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <set>
+#include <algorithm>
+#include <vector>
 
 #include "tools/output/Plural.hpp"
 
@@ -27,7 +28,7 @@ void limitPackets(PacketSelection& selection, std::optional<std::uint64_t> limit
 
 PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
                 CommandRun const& run) {
-    return {.stream = selection.streams[packet.stream],
+    return {.stream = &selection.streams[packet.stream],
             .time = toCaptureTime(packet.package->time),
             .file = run.captures()[packet.capture].name,
             .position = packet.package->position,
@@ -35,10 +36,11 @@ PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
 }
 
 std::string summaryOf(PacketSelection const& selection, std::size_t captures) {
-    std::set<std::uint32_t> streams;
+    std::vector<bool> isListed(selection.streams.size());
     for (SelectedPacket const& packet : selection.packets) {
-        streams.insert(packet.stream);
+        isListed[packet.stream] = true;
     }
+    auto const streams = std::count(isListed.begin(), isListed.end(), true);
     std::string const unplaced = selection.unplaced == 0
                                      ? std::string()
                                      : fmt::format("; {} without a place in its file left out",
@@ -47,7 +49,8 @@ std::string summaryOf(PacketSelection const& selection, std::size_t captures) {
                                  ? std::string()
                                  : fmt::format("; {} more not listed", selection.beyondLimit);
     return fmt::format("{} of {} in {}{}{}", plural(selection.packets.size(), "packet"),
-                       plural(streams.size(), "stream"), plural(captures, "file"), unplaced, more);
+                       plural(static_cast<std::uint64_t>(streams), "stream"),
+                       plural(captures, "file"), unplaced, more);
 }
 
 }  // namespace TalIec61850Tools

@@ -22,7 +22,8 @@ namespace TalIec61850Tools {
 void limitPackets(PacketSelection& selection, std::optional<std::uint64_t> limit);
 
 /// The row of a selected packet.
-/// @param packet  one of the selection
+/// @param packet     one of the selection
+/// @param selection  must outlive the row, as the run must
 [[nodiscard]] PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
                               CommandRun const& run);
 

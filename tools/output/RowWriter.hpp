@@ -6,20 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "tools/output/CsvLines.hpp"
-#include "tools/output/JsonLines.hpp"
 #include "tools/output/RowLayout.hpp"
+#include "tools/output/RowLines.hpp"
 #include "tools/output/TableLines.hpp"
 #include "tools/output/TextSink.hpp"
 
 namespace TalIec61850Tools {
-
-/// The form in which a command writes its rows.
-enum class Format {
-    table,  ///< for people
-    json,   ///< one object per line
-    csv,    ///< a line of names, then one line per row
-};
 
 /// Writes rows of one kind, in one of the formats.
 template <typename Row>
@@ -27,10 +19,13 @@ class RowWriter {
 public:
     /// @param inColour  bold headings in a table
     RowWriter(Format format, RowLayout<Row> layout, TextSink sink, bool inColour = false)
-        : format_(format), layout_(std::move(layout)), sink_(std::move(sink)) {
-        if (format_ == Format::csv) {
-            sink_(toCsvHeading(fieldNames(layout_)));
-        } else if (format_ == Format::table) {
+        : layout_(std::move(layout)), sink_(std::move(sink)) {
+        if (format != Format::table) {
+            lines_.emplace(format, layout_);
+            if (std::string const names = RowLines<Row>::heading(format, layout_); !names.empty()) {
+                sink_(names);
+            }
+        } else {
             std::vector<Heading> headings;
             for (auto const& column : layout_.columns) {
                 headings.push_back(column.heading);
@@ -47,8 +42,7 @@ public:
             }
             table_->add(std::move(cells));
         } else {
-            Fields const fields = toFields(layout_, row);
-            sink_(format_ == Format::csv ? toCsvLine(fields) : toJsonLine(fields));
+            sink_(lines_->lineOf(row));
         }
     }
 
@@ -60,9 +54,10 @@ public:
     }
 
 private:
-    Format format_;
     RowLayout<Row> layout_;
     TextSink sink_;
+    /// The one of the format is set.
+    std::optional<RowLines<Row>> lines_;
     std::optional<TableLines> table_;
 };
 

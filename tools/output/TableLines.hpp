@@ -10,9 +10,6 @@
 
 namespace TalIec61850Tools {
 
-/// The text of a cell for what a row does not have.
-inline constexpr std::string_view kAbsentCell = "-";
-
 /// Writes a table for people: a line of headings, then one line per row, columns aligned.
 ///
 /// The width of a column is that of its widest cell among the first rows (see kRowsForWidths); they

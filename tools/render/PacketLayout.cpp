@@ -15,12 +15,12 @@ namespace {
 constexpr std::array kPacketColumns = {
     Column<PacketRow>{{"TIME"}, [](PacketRow const& r) { return toUtcText(r.time); }},
     Column<PacketRow>{{"PROTO"},
-                      [](PacketRow const& r) { return std::string(toText(r.stream.protocol)); }},
-    Column<PacketRow>{{"SOURCE"}, [](PacketRow const& r) { return nameCell(r.stream.source); }},
+                      [](PacketRow const& r) { return std::string(toText(r.stream->protocol)); }},
+    Column<PacketRow>{{"SOURCE"}, [](PacketRow const& r) { return nameCell(r.stream->source); }},
     Column<PacketRow>{{"APPID", Align::right},
-                      [](PacketRow const& r) { return appIdCell(r.stream); }},
+                      [](PacketRow const& r) { return appIdCell(*r.stream); }},
     Column<PacketRow>{{"SVID/GOCBREF"},
-                      [](PacketRow const& r) { return streamNameCell(r.stream); }},
+                      [](PacketRow const& r) { return streamNameCell(*r.stream); }},
     Column<PacketRow>{
         {"FILE@POSITION"},
         [](PacketRow const& r) { return fmt::format("{}@{}", escapeText(r.file), r.position); }},
@@ -41,11 +41,11 @@ std::string_view toText(Place place) {
 }
 
 std::vector<Field<PacketRow>> packetFields() {
-    return {{"time", [](PacketRow const& r) { return toUtcText(r.time); }},
-            {"timeNs", [](PacketRow const& r) { return nanosecondsSince1970(r.time); }},
-            {"file", [](PacketRow const& r) { return r.file; }},
-            {"position", [](PacketRow const& r) { return r.position; }},
-            {"place", [](PacketRow const& r) { return toText(r.place); }}};
+    return {{"time", [](PacketRow const& r) -> Cell { return toUtcCell(r.time); }},
+            {"timeNs", [](PacketRow const& r) -> Cell { return nanosecondsSince1970(r.time); }},
+            {"file", [](PacketRow const& r) -> Cell { return r.file; }},
+            {"position", [](PacketRow const& r) -> Cell { return r.position; }},
+            {"place", [](PacketRow const& r) -> Cell { return toText(r.place); }}};
 }
 
 RowLayout<PacketRow> packetLayout(bool withPlace) {
@@ -54,7 +54,8 @@ RowLayout<PacketRow> packetLayout(bool withPlace) {
                                 .columns = withPlace ? columns : columns.first(columns.size() - 1)};
     appendFields<PacketRow, StreamIdentity>(
         layout.fields, streamFields(),
-        [](PacketRow const& r) -> StreamIdentity const& { return r.stream; });
+        [](PacketRow const& r) -> StreamIdentity const& { return *r.stream; },
+        [](PacketRow const& r) -> void const* { return r.stream; });
     return layout;
 }
 

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "tools/output/OptionalField.hpp"
 #include "tools/render/Cells.hpp"
 #include "tools/render/StreamFields.hpp"
 #include "tools/render/UtcText.hpp"
@@ -11,12 +10,12 @@ namespace TalIec61850Tools {
 
 namespace {
 
-Fields textField(std::optional<CaptureTime> const& time) {
-    return time ? Fields(toUtcText(*time)) : Fields(nullptr);
+Cell textField(std::optional<CaptureTime> const& time) {
+    return time ? Cell(toUtcCell(*time)) : Cell();
 }
 
-Fields integerField(std::optional<CaptureTime> const& time) {
-    return time ? Fields(nanosecondsSince1970(*time)) : Fields(nullptr);
+Cell integerField(std::optional<CaptureTime> const& time) {
+    return time ? Cell(nanosecondsSince1970(*time)) : Cell();
 }
 
 std::string simulationCell(StreamRow const& row) {
@@ -65,14 +64,13 @@ RowLayout<StreamRow> streamLayout() {
         [](StreamRow const& r) -> StreamIdentity const& { return r; });
     layout.fields.insert(
         layout.fields.end(),
-        {{"packets", [](StreamRow const& r) { return r.packets; }},
-         {"files", [](StreamRow const& r) { return r.files; }},
-         {"firstTime", [](StreamRow const& r) { return textField(r.firstTime); }},
-         {"firstTimeNs", [](StreamRow const& r) { return integerField(r.firstTime); }},
-         {"lastTime", [](StreamRow const& r) { return textField(r.lastTime); }},
-         {"lastTimeNs", [](StreamRow const& r) { return integerField(r.lastTime); }},
-         {"packetsPerSecond",
-          [](StreamRow const& r) { return optionalField(r.packetsPerSecond()); }}});
+        {{"packets", [](StreamRow const& r) -> Cell { return r.packets; }},
+         {"files", [](StreamRow const& r) -> Cell { return r.files; }},
+         {"firstTime", [](StreamRow const& r) -> Cell { return textField(r.firstTime); }},
+         {"firstTimeNs", [](StreamRow const& r) -> Cell { return integerField(r.firstTime); }},
+         {"lastTime", [](StreamRow const& r) -> Cell { return textField(r.lastTime); }},
+         {"lastTimeNs", [](StreamRow const& r) -> Cell { return integerField(r.lastTime); }},
+         {"packetsPerSecond", [](StreamRow const& r) -> Cell { return r.packetsPerSecond(); }}});
     return layout;
 }
 
