@@ -5,7 +5,7 @@
 #include "tools/help/Completions.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/help/ManualPage.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <TalIec61850Analysis/file/CaptureRecords.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
@@ -17,7 +18,9 @@
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/Style.hpp"
+#include "tools/output/Terminal.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
@@ -126,9 +129,18 @@ TextSink CommandRun::sink() {
 
 bool CommandRun::inColour() const { return wantsColour(options_.colour, output_->isTerminal()); }
 
+TableStyle CommandRun::tableStyle() const {
+    TableStyle style{.inColour = inColour(), .room = {}, .namesOthers = !options_.quiet};
+    if (output_->isTerminal() && !options_.wide) {
+        style.room = TableRoom{.columns = terminalColumns(STDOUT_FILENO), .ellipsis = ellipsis()};
+    }
+    return style;
+}
+
 void CommandRun::writeSummary(std::string const& line) {
     if (options_.format == Format::table && !options_.quiet) {
-        output_->write("\n" + line + "\n");
+        auto const room = tableStyle().room;
+        output_->write("\n" + (room ? wrapText(line, room->columns) : line) + "\n");
     }
 }
 

@@ -58,9 +58,10 @@ public:
     /// A writer of rows into the output.
     template <typename Row>
     [[nodiscard]] RowWriter<Row> rowWriter(RowLayout<Row> const& layout) {
-        return RowWriter<Row>(options_.format, layout, sink(), inColour());
+        return RowWriter<Row>(options_.format, layout, sink(), tableStyle());
     }
 
+    [[nodiscard]] TableStyle tableStyle() const;
     [[nodiscard]] TextSink sink();
     [[nodiscard]] bool inColour() const;
 

@@ -12,9 +12,10 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/VerdictLayout.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/options/ChosenColumns.hpp"
 #include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
+#include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
@@ -97,8 +98,8 @@ void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take
 
 using Counts = std::map<FrameVerdict, VerdictCount>;
 
-void writeCounts(CommandRun& run, Counts const& counts) {
-    auto writer = run.rowWriter(verdictCountLayout());
+void writeCounts(CommandRun& run, RowLayout<VerdictCount> const& layout, Counts const& counts) {
+    auto writer = run.rowWriter(layout);
     for (auto const& verdict : allVerdicts()) {
         auto const found = counts.find(verdict);
         writer.write(found == counts.end() ? VerdictCount{.verdict = verdict} : found->second);
@@ -135,12 +136,18 @@ void addJudgeCommand(ProgramDefinition& program, CommandDefinition const& group,
 }
 
 ExitStatus runJudge(JudgeOptions const& options) {
+    auto const countLayout = options.listsFrames
+                                 ? RowLayout<VerdictCount>()
+                                 : chooseColumns(verdictCountLayout(), options.common.columns);
+    auto const frameLayout = options.listsFrames
+                                 ? chooseColumns(judgedFrameLayout(), options.common.columns)
+                                 : RowLayout<JudgedFrame>();
     CommandRun run(options.common);
     Filter const filter = toFrameFilter(options.criteria);
     Counts counts;
     std::optional<RowWriter<JudgedFrame>> frames;
     if (options.listsFrames) {
-        frames.emplace(run.rowWriter(judgedFrameLayout()));
+        frames.emplace(run.rowWriter(frameLayout));
     }
     judgeCaptures(run, filter, [&](JudgedFrame const& frame) {
         VerdictCount& count = counts[frame.verdict];
@@ -154,7 +161,7 @@ ExitStatus runJudge(JudgeOptions const& options) {
     if (frames) {
         frames->finish();
     } else {
-        writeCounts(run, counts);
+        writeCounts(run, countLayout, counts);
     }
     run.writeSummary(summaryOf(counts, run.captures().size()));
     return run.finish();

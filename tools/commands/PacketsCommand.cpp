@@ -6,8 +6,9 @@
 
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/options/ChosenColumns.hpp"
 #include "tools/options/SelectionOptions.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -49,11 +50,12 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
 
 ExitStatus runPackets(PacketOptions const& options) {
     options.window.check();
+    auto const layout = chooseColumns(packetLayout(options.withContext), options.common.columns);
     CommandRun run(options.common);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
     PacketSelection selection = selectWanted(run, index, options);
     limitPackets(selection, options.limit);
-    auto writer = run.rowWriter(packetLayout(options.withContext));
+    auto writer = run.rowWriter(layout);
     for (SelectedPacket const& packet : selection.packets) {
         writer.write(rowOf(packet, selection, run));
     }

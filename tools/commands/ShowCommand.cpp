@@ -13,10 +13,10 @@
 #include "tools/commands/ShownPackets.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
 #include "tools/options/PacketLocator.hpp"
 #include "tools/options/SelectionOptions.hpp"
 #include "tools/options/UsageError.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -106,6 +106,7 @@ ExitStatus runShow(PacketOptions const& options) {
         }
     }
     CommandRun run(common);
+    PacketWriter writer(run, common.format, common.columns);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
     PacketSelection selection = selectWanted(run, index, options);
     if (!locators.empty()) {
@@ -113,12 +114,12 @@ ExitStatus runShow(PacketOptions const& options) {
     }
     limitPackets(selection, options.limit);
     ShownPackets packets(run, selection);
-    PacketWriter writer(run, common.format);
     for (SelectedPacket const& packet : selection.packets) {
         if (auto const shown = packets.read(packet)) {
             writer.write(*shown);
         }
     }
+    writer.finish();
     if (locators.empty()) {
         run.writeSummary(summaryOf(selection, run.captures().size()));
     }

@@ -8,9 +8,10 @@
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/options/ChosenColumns.hpp"
 #include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
+#include "tools/output/WrapText.hpp"
 #include "tools/render/StreamLayout.hpp"
 #include "tools/render/UtcText.hpp"
 
@@ -98,12 +99,13 @@ void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition cons
 }
 
 ExitStatus runStreams(StreamsOptions const& options) {
+    auto const layout = chooseColumns(streamLayout(), options.common.columns);
     CommandRun run(options.common);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
     std::vector<StreamRow> rows = collectRows(index.db);
     std::erase_if(rows, [&](StreamRow const& row) { return !options.criteria.admit(row); });
     sortRows(rows, options.order);
-    auto writer = run.rowWriter(streamLayout());
+    auto writer = run.rowWriter(layout);
     for (StreamRow const& row : rows) {
         writer.write(row);
     }

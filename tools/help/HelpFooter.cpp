@@ -4,8 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/help/WrapText.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "tools/help/WrapText.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "tools/help/WrapText.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 

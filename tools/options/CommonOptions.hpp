@@ -16,6 +16,10 @@ struct CommonOptions {
     /// Empty for standard output.
     std::string outputFile;
     bool quiet = false;
+    /// Names of the fields to write, in their order; empty for all.
+    std::vector<std::string> columns;
+    /// Tables on a terminal as wide as their cells.
+    bool wide = false;
     /// auto, always or never
     std::string colour = "auto";
 };

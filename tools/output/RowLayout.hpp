@@ -1,12 +1,12 @@
 #pragma once
 
 #include <functional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "tools/output/Cell.hpp"
+#include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
 
@@ -21,28 +21,45 @@ struct Field {
     void const* (*sharedBy)(Row const& row) = nullptr;
 };
 
-enum class Align { left, right };
+enum class Align {
+    left,
+    right,
+    byValue,  ///< numbers to the right
+};
+
+/// How a column gives way in a table that has to fit a terminal.
+struct Fit {
+    /// Columns of lower rank come first, and are left out last.
+    std::size_t rank = 0;
+    /// The characters that a cell keeps at least, where it has more; 0 if none may go.
+    std::size_t least = 0;
+    Cut cut = Cut::end;
+    /// Whether it is shown without a value in any row.
+    bool isShownEmpty = false;
+};
 
 /// The head of a column of a table for people.
 struct Heading {
-    std::string_view text;
+    std::string text;
     Align align = Align::left;
+    Fit fit = {};
 };
 
 /// A column of a table for people.
 template <typename Row>
 struct Column {
     Heading heading;
-    /// Its text in a row, safe for a terminal.
-    std::string (*cell)(Row const& row);
+    /// Its value in a row.
+    std::function<Cell(Row const& row)> cell;
+    /// The field that it shows; empty if it is made of several.
+    std::string_view field = {};
 };
 
 /// The output of the rows of one type.
 template <typename Row>
 struct RowLayout {
     std::vector<Field<Row>> fields;
-    /// Of static lifetime.
-    std::span<Column<Row> const> columns;
+    std::vector<Column<Row>> columns;
 };
 
 /// The names of the fields, which every row has in this order.

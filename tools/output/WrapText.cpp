@@ -1,4 +1,4 @@
-#include "tools/help/WrapText.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
