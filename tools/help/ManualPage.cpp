@@ -30,8 +30,11 @@ A terminal that is
 gets no bold headings either.
 .TP
 .B TMPDIR
-Where standard input is copied to, when it is a pipe; the copy has no name and is gone with the
-program.
+Where a pipe is copied to, and what a compressed capture unpacks to; the copy has no name, is gone
+with the program, and is as large as the disk has room for.
+.TP
+.B LC_ALL\fR, \fBLC_CTYPE\fR, \fBLANG
+Whether tables on a terminal are cut with one character (UTF\-8) or with dots.
 )";
 
 /// A text in which nothing is read as a request or as an escape.
