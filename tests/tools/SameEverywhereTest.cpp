@@ -150,5 +150,21 @@ TEST(Progress, OfEveryCommandIsOnlyForWhoeverSeesIt) {
     }
 }
 
+TEST(Progress, GoesOnWhilePacketsAreWrittenElsewhereThanToATerminal) {
+    CaptureBuilder capture;
+    for (int i = 0; i < 2500; ++i) {
+        capture.add(1, 0, oneSv());
+    }
+    TempFile const file(capture.bytes());
+    for (std::string const command : {"packets", "show"}) {
+        auto const seen = runCompanion({command, file.path()}, {.terminalColumns = 100}).err;
+        EXPECT_NE(seen.find("writing ["), std::string::npos) << command;
+        EXPECT_TRUE(seen.ends_with(" \r"));
+        auto const onTerminal = runCompanion(
+            {command, file.path()}, {.output = StandardOutputIs::terminal, .terminalColumns = 100});
+        EXPECT_EQ(onTerminal.err.find("writing"), std::string::npos) << command;
+    }
+}
+
 }  // namespace
 }  // namespace TalTest

@@ -91,11 +91,12 @@ CaptureIndex CommandRun::index(Filter const& filter) {
         if (survey.start) {
             index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);
         }
-        if (auto const fault = faultText(survey)) {
+        if (auto const fault = faultText(survey); fault && !isDamageTold_) {
             bar.erase();
             complainOf(capture.name, *fault);
         }
     }
+    isDamageTold_ = true;
     return index;
 }
 
@@ -116,6 +117,17 @@ std::optional<CaptureTime> CommandRun::latestRecord() const {
 
 ProgressBar CommandRun::progressBar() const {
     return {totalSize(captures()), !options_.quiet && isErrorTerminal()};
+}
+
+ProgressBar CommandRun::writingBar(std::uint64_t packets) const {
+    bool const isShown = !options_.quiet && isErrorTerminal() && !output_->isTerminal();
+    return {packets, isShown, ProgressUnit::packets};
+}
+
+void CommandRun::note(std::string const& text) const {
+    if (!options_.quiet) {
+        complain(text);
+    }
 }
 
 void CommandRun::complainOf(std::string const& captureName, std::string const& fault) {
@@ -145,6 +157,11 @@ void CommandRun::writeSummary(std::string const& line) {
 }
 
 ExitStatus CommandRun::finish() {
+    if (captures().empty() && output_->isFile()) {
+        complain(fmt::format("{} is not written: nothing could be read",
+                             escapeText(options_.outputFile)));
+        return ExitStatus::failure;
+    }
     output_->finish();
     return isComplete_ ? ExitStatus::success : ExitStatus::failure;
 }

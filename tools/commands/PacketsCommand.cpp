@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
@@ -56,10 +57,17 @@ ExitStatus runPackets(PacketOptions const& options) {
     PacketSelection selection = selectWanted(run, index, options);
     limitPackets(selection, options.limit);
     auto writer = run.rowWriter(layout);
+    ProgressBar bar = run.writingBar(selection.packets.size());
+    bar.startFile("writing", selection.packets.size());
     for (SelectedPacket const& packet : selection.packets) {
+        bar.countOne();
         writer.write(rowOf(packet, selection, run));
     }
     writer.finish();
+    bar.erase();
+    if (selection.packets.empty() && options.limit != 0) {
+        noteNoPackets(run, index, options, selection);
+    }
     run.writeSummary(summaryOf(selection, run.captures().size()));
     return run.finish();
 }

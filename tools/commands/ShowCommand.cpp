@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/PacketWriter.hpp"
 #include "tools/commands/ShownPackets.hpp"
 #include "tools/commands/WantedPackets.hpp"
@@ -113,13 +114,20 @@ ExitStatus runShow(PacketOptions const& options) {
         keepLocated(selection, locators, run);
     }
     limitPackets(selection, options.limit);
-    ShownPackets packets(run, selection);
+    ProgressBar bar = run.writingBar(selection.packets.size());
+    bar.startFile("writing", selection.packets.size());
+    ShownPackets packets(run, selection, bar);
     for (SelectedPacket const& packet : selection.packets) {
+        bar.countOne();
         if (auto const shown = packets.read(packet)) {
             writer.write(*shown);
         }
     }
     writer.finish();
+    bar.erase();
+    if (locators.empty() && selection.packets.empty() && options.limit != 0) {
+        noteNoPackets(run, index, options, selection);
+    }
     if (locators.empty()) {
         run.writeSummary(summaryOf(selection, run.captures().size()));
     }

@@ -6,8 +6,8 @@
 
 namespace TalIec61850Tools {
 
-ShownPackets::ShownPackets(CommandRun& run, PacketSelection const& selection)
-    : run_(run), selection_(selection), frames_(run.captures(), selection) {}
+ShownPackets::ShownPackets(CommandRun& run, PacketSelection const& selection, ProgressBar& bar)
+    : run_(run), selection_(selection), bar_(bar), frames_(run.captures(), selection) {}
 
 std::optional<ShownPacket> ShownPackets::read(SelectedPacket const& packet) {
     if (lost_.contains(packet.capture)) {
@@ -17,6 +17,7 @@ std::optional<ShownPacket> ShownPackets::read(SelectedPacket const& packet) {
         return decode(packet);
     } catch (std::system_error const& error) {
         lost_.insert(packet.capture);
+        bar_.erase();
         run_.complainOf(run_.captures()[packet.capture].name, error.code().message());
         return std::nullopt;
     }

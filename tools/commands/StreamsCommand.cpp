@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "tools/commands/CommandRun.hpp"
+#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/options/SelectionOptions.hpp"
@@ -20,15 +21,16 @@ namespace TalIec61850Tools {
 namespace {
 
 constexpr char const* kStreamsNotes = R"(What the columns mean:
-  Identity    SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0 (bit 0
-              of the second octet of Reserved 1), CONFREV, SIM-ELEM and the
-              names tell streams apart.
-  HSR         GOOSE streams are not told apart by HSR lane: what is shown
-              is that of the stream's first packet. So is the PRP network
-              (prpLane) of any stream.
-  SIM-ELEM    GOOSE: whether frames carry the simulation element, be it
-              true or false.
-  FIRST, LAST Capture times, UTC. PACKETS/S is the mean rate between them.
+  Identity     SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0
+               (bit 0 of the second octet of Reserved 1), CONFREV,
+               SIM-ELEM and the names tell streams apart.
+  HSR          GOOSE streams are not told apart by HSR lane: what is
+               shown is that of the stream's first packet. So is the PRP
+               network (prpLane) of any stream.
+  SIM-ELEM     GOOSE: whether frames carry the simulation element, be it
+               true or false.
+  FIRST, LAST  Capture times, UTC. PACKETS/S is the mean rate between
+               them.
 
 )";
 
@@ -110,6 +112,9 @@ ExitStatus runStreams(StreamsOptions const& options) {
         writer.write(row);
     }
     writer.finish();
+    if (rows.empty()) {
+        noteNoStreams(run, options.criteria);
+    }
     run.writeSummary(summaryOf(rows, run.captures().size()));
     return run.finish();
 }

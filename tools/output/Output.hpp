@@ -35,6 +35,9 @@ public:
     /// @throws OutputError  as write
     void finish();
 
+    /// Whether it is a file that appears when it is finished.
+    [[nodiscard]] bool isFile() const { return unfinished_.has_value(); }
+
     /// Whether standard output is meant and is a terminal.
     [[nodiscard]] bool isTerminal() const { return isTerminal_; }
 

@@ -37,7 +37,8 @@ std::string clockText(std::chrono::seconds time) {
 std::string speedText(Progress const& progress) {
     std::string text;
     if (auto const rate = progress.rate()) {
-        text += fmt::format(" {:.1f} MB/s", *rate / 1e6);
+        text += progress.unit == ProgressUnit::octets ? fmt::format(" {:.1f} MB/s", *rate / 1e6)
+                                                      : fmt::format(" {:.0f} packets/s", *rate);
     }
     if (auto const left = progress.timeLeft()) {
         text += fmt::format(", {} left", clockText(*left));
@@ -91,8 +92,8 @@ std::string progressLine(std::string_view escapedName, Progress const& progress,
                        kBarColumns, percent, speed);
 }
 
-ProgressBar::ProgressBar(std::uint64_t totalOctets, bool isShown)
-    : isShown_(isShown), totalOctets_(totalOctets) {
+ProgressBar::ProgressBar(std::uint64_t totalOctets, bool isShown, ProgressUnit unit)
+    : isShown_(isShown), totalOctets_(totalOctets), unit_(unit) {
     if (isShown_) {
         columns_ = terminalColumns(STDERR_FILENO);
     }
@@ -115,7 +116,8 @@ void ProgressBar::show(double fraction) {
     double const ofFile = std::clamp(fraction, 0.0, 1.0) * static_cast<double>(fileOctets_);
     Progress const progress{.doneOctets = octetsBefore_ + static_cast<std::uint64_t>(ofFile),
                             .totalOctets = totalOctets_,
-                            .elapsed = Clock::now() - begin_};
+                            .elapsed = Clock::now() - begin_,
+                            .unit = unit_};
     std::pair const drawing(
         toPercent(progress.fraction()),
         std::chrono::duration_cast<std::chrono::seconds>(progress.elapsed).count());
