@@ -29,6 +29,9 @@ std::string table(Cell const& cell) {
     return line.substr(1);
 }
 
+std::string csv(char const* text) { return csv(Cell(std::string_view(text))); }
+std::string table(char const* text) { return table(Cell(std::string_view(text))); }
+
 TEST(Cell, IsAbsentUnlessItHasAValue) {
     for (Cell const& cell : {Cell(), Cell(std::nullopt), Cell(std::optional<std::string>()),
                              Cell(std::optional<std::uint8_t>())}) {
@@ -47,7 +50,7 @@ TEST(Cell, OfANumberIsItsDigits) {
     EXPECT_EQ(table(std::optional<std::uint16_t>(0)), "0");
     EXPECT_TRUE(Cell(0).isNumber());
     EXPECT_TRUE(Cell(0.5).isNumber());
-    EXPECT_FALSE(Cell("0").isNumber());
+    EXPECT_FALSE(Cell(std::string_view("0")).isNumber());
     EXPECT_FALSE(Cell(true).isNumber());
 }
 

@@ -39,7 +39,8 @@ TEST(AllowOnly, RefusesEveryOtherValueWithTheChoices) {
             sized.parse({"read", "--size", wrong});
             FAIL() << wrong;
         } catch (CLI::ValidationError const& error) {
-            EXPECT_EQ(error.what(), "--size: " + wrong + " is none of small, large");
+            std::string const text = "--size: " + wrong + " is none of small, large";
+            EXPECT_TRUE(std::string(error.what()).starts_with(text)) << error.what();
         }
     }
 }

@@ -59,7 +59,7 @@ TEST(BashCompletion, OffersTheCommandsOfAGroup) {
     EXPECT_EQ(offeredByBash("tal-iec61850 library ''"), (Words{"streams", "judge", "--help"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 library judge --li"), Words{"--list"});
     EXPECT_EQ(offeredByBash("tal-iec61850 library streams --li"), Words{""});
-    EXPECT_EQ(offeredByBash("tal-iec61850 streams library --so"), Words{"--sort"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 streams library --sor"), Words{"--sort"});
 }
 
 TEST(BashCompletion, OffersOptionsBehindADash) {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <regex>
 
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
@@ -77,14 +78,15 @@ TEST(DescribedProgram, IsTheSameInManualPageAndCompletionsAsInHelp) {
     auto const fish = runCompanion({"completion", "fish"}).out;
     for (std::string const command :
          {"streams", "packets", "show", "library streams", "library judge"}) {
-        auto const options = optionsIn(runCompanion(joined(wordsOf(command), {"--help"})).out);
+        auto const options = optionsIn(runCompanion(joined(commandWords(command), {"--help"})).out);
         EXPECT_GE(options.size(), 17U) << command;
         EXPECT_NE(manual.find(".SS \"" + command + "\""), std::string::npos);
         for (auto const& option : options) {
             EXPECT_NE(manual.find(option), std::string::npos) << option;
             EXPECT_NE(bash.find(option), std::string::npos) << option;
             EXPECT_NE(zsh.find("'*" + option), std::string::npos) << option;
-            EXPECT_NE(fish.find("_from " + wordsOf(command).back()), std::string::npos) << command;
+            EXPECT_NE(fish.find("_from " + commandWords(command).back()), std::string::npos)
+                << command;
             EXPECT_NE(fish.find(" -l " + option.substr(2) + " "), std::string::npos) << option;
         }
     }
@@ -100,6 +102,24 @@ TEST(ManualPage, HasNoLineThatReadsAsARequestUnlessItIsOne) {
                         line.starts_with(".I "))
                 << line;
         }
+    }
+}
+
+TEST(HelpAndManualPage, Fit80Columns) {
+    for (std::string const command : {"", "streams", "packets", "show", "completion", "manual",
+                                      "library", "library streams", "library judge"}) {
+        for (auto const& line :
+             linesOf(runCompanion(joined(commandWords(command), {"--help"})).out)) {
+            EXPECT_LE(line.size(), 80U) << command << ": " << line;
+        }
+    }
+    // Lines that are not filled are indented by seven columns.
+    auto const page =
+        std::regex_replace(runCompanion({"manual"}).out, std::regex(R"(\\(\(..|.))"), "x");
+    bool isFilled = true;
+    for (auto const& line : linesOf(page)) {
+        isFilled = line == ".nf" ? false : (line == ".fi" ? true : isFilled);
+        EXPECT_TRUE(isFilled || line.size() <= 73) << line;
     }
 }
 

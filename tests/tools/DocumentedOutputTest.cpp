@@ -126,7 +126,7 @@ std::string onOneLine(std::string text) {
 
 /// The command without its options, and --help.
 TalTest::Arguments helpFor(std::string const& command) {
-    auto words = TalTest::wordsOf(command);
+    auto words = TalTest::commandWords(command);
     std::erase_if(words, [](std::string const& word) { return word.starts_with('-'); });
     return TalTest::joined(words, {"--help"});
 }

@@ -164,7 +164,7 @@ TEST(Captures, MayBeManyMoreThanFilesCanBeOpen) {
                                  TAL_COMPANION_PATH, command, folder.path()});
         EXPECT_EQ(result.status, 0) << command << ": " << result.err;
         EXPECT_TRUE(result.out ==
-                    runCompanion(joined(wordsOf(command), {"-f", "csv", folder.path()})).out);
+                    runCompanion(joined(commandWords(command), {"-f", "csv", folder.path()})).out);
     }
 }
 

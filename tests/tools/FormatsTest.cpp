@@ -15,7 +15,7 @@ namespace {
 std::vector<Arguments> commands(std::string const& file) {
     return {{"streams", file},
             {"library", "streams", file},
-            {"streams", file, "--svid", "none"},
+            {"streams", file, "--svid", "none", "-q"},
             {"packets", file},
             {"packets", file, "--context", "--from", "+5s", "--to", "+6s"},
             {"library", "judge", file, "--vlan", "5"},
@@ -168,7 +168,7 @@ TEST(Formats, BeginWithHeadingsEvenWithoutRows) {
         EXPECT_EQ(linesOf(written(none, "table")).size(), 1U);
     }
     EXPECT_EQ(written({"show", file.path(), "--svid", "none", "-q"}, "table"), "");
-    EXPECT_EQ(csvLines(written({"show", file.path(), "--svid", "none"}, "csv")).size(), 1U);
+    EXPECT_EQ(csvLines(written({"show", file.path(), "--svid", "none", "-q"}, "csv")).size(), 1U);
 }
 
 }  // namespace

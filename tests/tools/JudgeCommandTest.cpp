@@ -98,7 +98,7 @@ std::string wordsFor(Bytes const& frame, Filter const& filter) {
     return (isGoose ? "GOOSE " : "SV ") + verdict + (answer ? " true" : " false");
 }
 
-std::string wordsOf(Json const& row) {
+std::string commandWords(Json const& row) {
     return row["protocol"].get<std::string>() + " " + row["verdict"].get<std::string>() + " " +
            row["answer"].dump();
 }
@@ -130,7 +130,7 @@ Counts counted(Arguments const& arguments) {
     for (Json const& row : rows) {
         Count const count{.frames = row["frames"], .octets = row["octets"]};
         if (count != Count()) {
-            EXPECT_TRUE(counts.emplace(wordsOf(row), count).second) << row;
+            EXPECT_TRUE(counts.emplace(commandWords(row), count).second) << row;
         }
     }
     return counts;
@@ -172,7 +172,7 @@ TEST(Judge, HasTheSameRowsInTheSameOrderAlways) {
     auto const words = [](std::string const& file) {
         std::vector<std::string> all;
         for (Json const& row : rowsOf({"library", "judge", file})) {
-            all.push_back(wordsOf(row));
+            all.push_back(commandWords(row));
         }
         return all;
     };
@@ -195,7 +195,7 @@ TEST(Judge, ListsEachFrameInTheOrderOfTheFiles) {
             EXPECT_EQ(row["recordPosition"], record.position);
             EXPECT_EQ(row["timeNs"],
                       std::uint64_t{record.seconds} * 1'000'000'000 + record.nanoseconds);
-            EXPECT_EQ(wordsOf(row), wordsFor(record.frame, filter));
+            EXPECT_EQ(commandWords(row), wordsFor(record.frame, filter));
         }
     }
     EXPECT_EQ(number, rows.size());
@@ -216,7 +216,7 @@ TEST(Judge, TakesNamesAsTheyStand) {
     TempFile const file(smallCapture());
     auto const wanted = [&](std::string const& name) {
         Json const row = rowsOf({"library", "judge", file.path(), "--svid=" + name})[4];
-        EXPECT_EQ(wordsOf(row), "SV wanted false");
+        EXPECT_EQ(commandWords(row), "SV wanted false");
         return row["frames"].get<int>();
     };
     EXPECT_EQ(wanted("MU01"), 3);

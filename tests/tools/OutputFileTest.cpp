@@ -57,7 +57,8 @@ TEST(OutputFile, HoldsWhatStandardOutputWould) {
     Place const place;
     for (std::string const command : {"streams", "packets", "show", "library judge"}) {
         for (std::string const format : {"table", "json", "csv"}) {
-            auto const arguments = joined(wordsOf(command), {"-f", format, place.capture.path()});
+            auto const arguments =
+                joined(commandWords(command), {"-f", format, place.capture.path()});
             auto const printed = runCompanion(arguments);
             for (auto const& option : {Arguments{"-o", place.out}, {"--output=" + place.out}}) {
                 auto const result = runCompanion(joined(arguments, option));

@@ -90,7 +90,8 @@ std::string bashCompletion(ProgramDescription const& program) {
         }
     }
     std::string script = kBegin;
-    script += fmt::format("            {}) command=$word; break ;;\n", fmt::join(names, "|"));
+    script += fmt::format("            {}) command=${{command:+$command/}}$word; break ;;\n",
+                          fmt::join(names, "|"));
     if (!groups.empty()) {
         script += fmt::format("            {}) command=$word ;;\n", fmt::join(groups, "|"));
     }

@@ -27,6 +27,12 @@ bool isValueNext(CLI::App const& program, std::string const& option) {
                                     : lastTakesValue(program, option);
 }
 
+/// Not - for standard input, nor a file called -1, nor a packet -@1.
+bool isOption(std::string const& argument) {
+    return argument.size() > 1 && argument[0] == '-' && (argument[1] < '0' || argument[1] > '9') &&
+           !isPacketOfStandardInput(argument);
+}
+
 }  // namespace
 
 // NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
@@ -58,8 +64,7 @@ std::vector<ArgumentKind> kindsOf(CLI::App const& program,
         } else if (!isAfterOptions && argument == "--") {
             kind = ArgumentKind::endOfOptions;
             isAfterOptions = true;
-        } else if (!isAfterOptions && argument.starts_with('-') && argument != "-" &&
-                   !isPacketOfStandardInput(argument)) {
+        } else if (!isAfterOptions && isOption(argument)) {
             kind = ArgumentKind::option;
         }
         isValue = kind == ArgumentKind::option && isValueNext(program, argument);

@@ -26,19 +26,23 @@ template <typename Row>
     if (names.empty()) {
         return layout;
     }
+    constexpr std::size_t leastWidth = 8;
     RowLayout<Row> chosen;
     for (auto const& name : names) {
         Field<Row> const& field = layout.fields[findField(fieldNames(layout), name)];
         auto const known =
             std::find_if(layout.columns.begin(), layout.columns.end(),
                          [&](Column<Row> const& column) { return column.field == field.name; });
-        Column<Row> column = known != layout.columns.end()
-                                 ? *known
-                                 : Column<Row>{.heading = {.text = headingOf(field.name),
-                                                           .align = Align::byValue,
-                                                           .fit = {.least = 8}},
-                                               .cell = field.cell,
-                                               .field = field.name};
+        Column<Row> column;
+        if (known != layout.columns.end()) {
+            column = *known;
+        } else {
+            column.heading.text = headingOf(field.name);
+            column.heading.align = Align::byValue;
+            column.heading.fit.least = leastWidth;
+            column.cell = field.cell;
+            column.field = field.name;
+        }
         column.heading.fit.rank = chosen.columns.size();
         column.heading.fit.isShownEmpty = true;
         chosen.columns.push_back(std::move(column));

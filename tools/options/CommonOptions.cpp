@@ -21,7 +21,8 @@ void addCommonOptions(CommandDefinition& command, CommonOptions& options,
         .add_option("-o,--output", options.outputFile,
                     "Write into FILE, which appears when all is written")
         ->option_text("FILE");
-    parser.add_flag("-q,--quiet", options.quiet, "Show no progress and no summary");
+    parser.add_flag("-q,--quiet", options.quiet,
+                    "Show no progress, no summary, no note where nothing matches");
     parser
         .add_option("--columns", options.columns,
                     "Fields to write, in their order, such as time,svID; json and csv name them")

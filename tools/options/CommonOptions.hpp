@@ -29,7 +29,7 @@ struct CommonOptions {
 /// @param filesHelp  what the FILE arguments are
 void addCommonOptions(CommandDefinition& command, CommonOptions& options,
                       std::string const& filesHelp =
-                          "Captures, folders of captures, or - for "
+                          "Captures, compressed or not, pipes, folders, or - for "
                           "standard input");
 
 }  // namespace TalIec61850Tools

@@ -20,9 +20,9 @@ inline constexpr char const* kTimeNotes =
   2024-03-20T11:00+01:00   of a clock that is ahead of UTC
   10:00:00.28, 11:00+01:00 on the day on which the captures begin
   1710928800.28            seconds since 1970, up to nine decimals
-  +1.5s                    from the earliest first record of the captures:
-                           ns, us, ms, s, min, h; s if none is said
-  -5s                      before the latest record of the captures
+  +1.5s                    from the earliest first record of all
+                           captures; ns, us, ms, s (if none), min, h
+  -5s                      before the latest record of all captures
 )";
 
 /// Adds an option for each member of a stream's identity.
