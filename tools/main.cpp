@@ -1,8 +1,9 @@
 // The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
-// PacketsCommand, ShowCommand, JudgeCommand; HelpCommands has the rest.
+// PacketsCommand, ShowCommand; HelpCommands has the rest, LibraryCommands the group `library`.
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -15,14 +16,16 @@
 #include <vector>
 
 #include "tools/commands/HelpCommands.hpp"
-#include "tools/commands/JudgeCommand.hpp"
+#include "tools/commands/LibraryCommands.hpp"
 #include "tools/commands/PacketsCommand.hpp"
 #include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/HelpFooter.hpp"
+#include "tools/help/HelpFormatter.hpp"
 #include "tools/options/Arguments.hpp"
 #include "tools/options/CommandDefinition.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/options/IntendedCommand.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/Output.hpp"
@@ -35,10 +38,14 @@ using TalIec61850Tools::argumentsFor;
 using TalIec61850Tools::complain;
 using TalIec61850Tools::escapeText;
 using TalIec61850Tools::ExitStatus;
+using TalIec61850Tools::fitHelp;
+using TalIec61850Tools::intendedCommand;
 using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
 using TalIec61850Tools::ProgramDefinition;
+using TalIec61850Tools::refuseUnknown;
 using TalIec61850Tools::UsageError;
+using TalIec61850Tools::wordsOf;
 
 /// The number of a closed standard stream would be given to the next file that is opened, and
 /// messages and rows would be written into that file. Each is replaced by one that fails.
@@ -48,6 +55,15 @@ void occupyStandardStreams() {
             static_cast<void>(::open("/dev/null", number == STDIN_FILENO ? O_WRONLY : O_RDONLY));
         }
     }
+}
+
+/// The command that the parser has reached: a group's own, its group, or the program.
+CLI::App const& parsedCommand(CLI::App const& program) {
+    CLI::App const* command = &program;
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+    }
+    return *command;
 }
 
 /// Help and version are "errors" of parsing too, those with status 0.
@@ -60,37 +76,40 @@ ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
         output.finish();
         return ExitStatus::success;
     }
-    std::string message;
-    for (CLI::App const* command : program.get_subcommands()) {
-        message += command->get_name() + ": ";
-    }
-    complain(escapeText(message + error.what()));
+    std::string const command = fmt::format("{}", fmt::join(wordsOf(parsedCommand(program)), " "));
+    complain(escapeText((command.empty() ? command : command + ": ") + error.what()));
     return ExitStatus::usageError;
 }
 
 ExitStatus runProgram(int argc, char** argv) {
     CLI::App program("Looks into captures of IEC 61850 GOOSE and Sampled Values traffic.",
                      "tal-iec61850");
-    program.set_version_flag("--version", "tal-iec61850 " TALIEC61850PARSER_VERSION,
+    fitHelp(program);
+    program.set_version_flag("-V,--version", "tal-iec61850 " TALIEC61850PARSER_VERSION,
                              "Print the version and exit");
     program.footer(
-        "Each command has a --help of its own.\n\nExample:\n  tal-iec61850 streams capture.pcap");
+        "Each command has a --help of its own. A file alone lists its streams.\n\n"
+        "Example:\n  tal-iec61850 streams capture.pcap");
     program.require_subcommand(0, 1);  // so a file may be called like another subcommand
     Action chosen;
     ProgramDefinition definition{.parser = program, .commands = {}};
     addStreamsCommand(definition, chosen);
     addPacketsCommand(definition, chosen);
     addShowCommand(definition, chosen);
-    addJudgeCommand(definition, chosen);
     addHelpCommands(definition, chosen);
+    addLibraryCommands(definition, chosen);
     addHelpFooters(definition);
     try {
-        program.parse(argumentsFor(program, {argv + std::min(argc, 1), argv + argc}));
+        auto const arguments = intendedCommand(program, {argv + std::min(argc, 1), argv + argc});
+        refuseUnknown(program, arguments);
+        program.parse(argumentsFor(program, arguments));
     } catch (CLI::ParseError const& error) {
         return report(program, error);
     }
     if (!chosen) {
-        complain("no command given, see tal-iec61850 --help");
+        auto const words = wordsOf(parsedCommand(program));
+        complain(fmt::format("no command given, see tal-iec61850 {}{}--help", fmt::join(words, " "),
+                             words.empty() ? "" : " "));
         return ExitStatus::usageError;
     }
     return chosen();

@@ -62,7 +62,7 @@ public:
           errPath_(folder.file("err")),
           signal_(surroundings.signalAtFirstError) {
         directInput(surroundings);
-        directOutput(surroundings.output);
+        directOutput(surroundings.output, surroundings.outputColumns);
         directErrors(surroundings.terminalColumns);
         if (!surroundings.workingFolder.empty()) {
             actions.changeFolder(surroundings.workingFolder);
@@ -127,11 +127,11 @@ private:
         }
     }
 
-    void directOutput(StandardOutputIs output) {
+    void directOutput(StandardOutputIs output, int columns) {
         if (output == StandardOutputIs::closed) {
             actions.close(STDOUT_FILENO);
         } else if (output == StandardOutputIs::terminal) {
-            outTerminal_.emplace(kColumns);
+            outTerminal_.emplace(columns);
             actions.duplicate(outTerminal_->farEnd(), STDOUT_FILENO);
         } else {
             bool const isFull = output == StandardOutputIs::full;
@@ -163,8 +163,6 @@ private:
         }
         errors_->reading.readInto(text);
     }
-
-    static constexpr int kColumns = 80;
 
     std::string outPath_;
     std::string errPath_;

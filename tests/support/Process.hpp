@@ -32,6 +32,8 @@ enum class StandardOutputIs {
 /// What a program finds around it.
 struct Surroundings {
     StandardOutputIs output = StandardOutputIs::kept;
+    /// Of the terminal that standard output is.
+    int outputColumns = 80;
     /// Standard error is a terminal of this many columns, 0 for one that does not say; below zero
     /// for no terminal.
     int terminalColumns = -1;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 
 #include "tools/StreamsTraffic.hpp"
 
@@ -40,8 +41,13 @@ Arguments joined(Arguments first, Arguments const& second) {
     return first;
 }
 
+Arguments commandWords(std::string const& command) {
+    std::istringstream stream(command);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 std::vector<Json> rowsOf(Arguments const& command, Surroundings const& surroundings) {
-    auto const result = runCompanion(joined(command, {"--format", "json"}), surroundings);
+    auto const result = runCompanion(joined(command, {"--format", "json", "-q"}), surroundings);
     EXPECT_EQ(result.err, "") << testing::PrintToString(command);
     EXPECT_EQ(result.status, 0) << testing::PrintToString(command);
     return jsonOf(result.out);

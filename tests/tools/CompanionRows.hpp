@@ -19,6 +19,9 @@ using Arguments = std::vector<std::string>;
 /// The arguments one behind the other.
 [[nodiscard]] Arguments joined(Arguments first, Arguments const& second);
 
+/// The words of a command: "library judge" are two.
+[[nodiscard]] Arguments commandWords(std::string const& command);
+
 /// What a command writes as JSON, one value for each row. It must succeed without a complaint.
 [[nodiscard]] std::vector<Json> rowsOf(Arguments const& command,
                                        Surroundings const& surroundings = {});

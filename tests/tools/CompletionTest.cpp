@@ -50,9 +50,16 @@ Words offeredByBash(std::string const& words) {
 
 TEST(BashCompletion, OffersTheCommands) {
     EXPECT_EQ(offeredByBash("tal-iec61850 ''"),
-              (Words{"streams", "packets", "show", "judge", "completion", "manual", "--help",
+              (Words{"streams", "packets", "show", "completion", "manual", "library", "--help",
                      "--version"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 pa"), Words{"packets"});
+}
+
+TEST(BashCompletion, OffersTheCommandsOfAGroup) {
+    EXPECT_EQ(offeredByBash("tal-iec61850 library ''"), (Words{"streams", "judge", "--help"}));
+    EXPECT_EQ(offeredByBash("tal-iec61850 library judge --li"), Words{"--list"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 library streams --li"), Words{""});
+    EXPECT_EQ(offeredByBash("tal-iec61850 streams library --sor"), Words{"--sort"});
 }
 
 TEST(BashCompletion, OffersOptionsBehindADash) {
@@ -69,13 +76,15 @@ TEST(BashCompletion, OffersTheValuesOfAnOption) {
 }
 
 TEST(BashCompletion, OffersTheValuesOfEveryOptionThatHasChoices) {
-    for (std::string const command : {"streams", "packets", "show", "judge"}) {
+    for (std::string const command : {"streams", "packets", "show", "library judge"}) {
         auto const offered = [&](std::string const& option) {
             return offeredByBash("tal-iec61850 " + command + " " + option + " ''");
         };
         EXPECT_EQ(offered("--color"), (Words{"auto", "always", "never"}));
         EXPECT_EQ(offered("--protocol"), (Words{"goose", "sv"}));
         EXPECT_EQ(offered("--simulation-element"), (Words{"yes", "no"}));
+        EXPECT_EQ(offered("--hsr"), (Words{"A", "B"}));
+        EXPECT_EQ(offered("--prp"), (Words{"A", "B"}));
     }
     EXPECT_EQ(offeredByBash("tal-iec61850 streams --sort ''"),
               (Words{"identity", "source", "destination", "appid", "name", "packets", "rate",
@@ -87,9 +96,9 @@ TEST(BashCompletion, OffersNothingForAValueOfTheUsers) {
 }
 
 TEST(BashCompletion, OffersFilesElsewhere) {
-    EXPECT_EQ(offeredByBash("tal-iec61850 judge ''"), Words{"a.pcap"});
-    EXPECT_EQ(offeredByBash("tal-iec61850 judge --output a"), Words{"a.pcap"});
-    EXPECT_EQ(offeredByBash("tal-iec61850 judge -q a"), Words{"a.pcap"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 library judge ''"), Words{"a.pcap"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 library judge --output a"), Words{"a.pcap"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 library judge -q a"), Words{"a.pcap"});
 }
 
 TEST(BashCompletion, OffersShells) {
@@ -111,9 +120,11 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
         return linesOf(result.out);
     };
     EXPECT_EQ(offered("tal-iec61850 "),
-              (Words{"completion", "judge", "manual", "packets", "show", "streams"}));
+              (Words{"completion", "library", "manual", "packets", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
     EXPECT_EQ(offered("tal-iec61850 show --format "), (Words{"csv", "json", "table"}));
+    EXPECT_EQ(offered("tal-iec61850 library "), (Words{"judge", "streams"}));
+    EXPECT_EQ(offered("tal-iec61850 library judge --lis"), Words{"--list"});
 }
 
 TEST(ZshCompletion, IsAScriptThatZshReadsAndRegisters) {

@@ -12,7 +12,7 @@ namespace TalTest {
 namespace {
 
 std::vector<Arguments> const kCommands = {
-    {"streams"}, {"packets"}, {"show"}, {"judge"}, {"judge", "--list"}};
+    {"streams"}, {"packets"}, {"show"}, {"library", "judge"}, {"library", "judge", "--list"}};
 
 /// The fault of a capture whose end is cut off, as each command must say it.
 void expectFault(Bytes const& content, std::string const& fault, std::size_t packets) {
@@ -88,7 +88,7 @@ TEST(WholeCapture, IsNotComplainedOfWhereverItEndsBetweenRecords) {
     TempFile const withEmptyRecords(
         CaptureBuilder().add(1, 0, {}).add(2, 0, oneSv()).add(3, 0, {}).bytes());
     EXPECT_EQ(rowsOf({"packets", withEmptyRecords.path()}).size(), 1U);
-    EXPECT_EQ(rowsOf({"judge", "-l", withEmptyRecords.path()}).size(), 3U);
+    EXPECT_EQ(rowsOf({"library", "judge", "-l", withEmptyRecords.path()}).size(), 3U);
 }
 
 TEST(DamagedCapture, IsSaidForEachFileInTheOrderGiven) {

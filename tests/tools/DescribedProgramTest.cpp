@@ -2,10 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <regex>
 
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
-#include "tools/CompanionProcess.hpp"
+#include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/ProgramDescription.hpp"
@@ -75,15 +76,17 @@ TEST(DescribedProgram, IsTheSameInManualPageAndCompletionsAsInHelp) {
     auto const bash = runCompanion({"completion", "bash"}).out;
     auto const zsh = runCompanion({"completion", "zsh"}).out;
     auto const fish = runCompanion({"completion", "fish"}).out;
-    for (std::string const command : {"streams", "packets", "show", "judge"}) {
-        auto const options = optionsIn(runCompanion({command, "--help"}).out);
+    for (std::string const command :
+         {"streams", "packets", "show", "library streams", "library judge"}) {
+        auto const options = optionsIn(runCompanion(joined(commandWords(command), {"--help"})).out);
         EXPECT_GE(options.size(), 17U) << command;
         EXPECT_NE(manual.find(".SS \"" + command + "\""), std::string::npos);
         for (auto const& option : options) {
             EXPECT_NE(manual.find(option), std::string::npos) << option;
             EXPECT_NE(bash.find(option), std::string::npos) << option;
             EXPECT_NE(zsh.find("'*" + option), std::string::npos) << option;
-            EXPECT_NE(fish.find("_from " + command + "' "), std::string::npos) << command;
+            EXPECT_NE(fish.find("_from " + commandWords(command).back()), std::string::npos)
+                << command;
             EXPECT_NE(fish.find(" -l " + option.substr(2) + " "), std::string::npos) << option;
         }
     }
@@ -99,6 +102,24 @@ TEST(ManualPage, HasNoLineThatReadsAsARequestUnlessItIsOne) {
                         line.starts_with(".I "))
                 << line;
         }
+    }
+}
+
+TEST(HelpAndManualPage, Fit80Columns) {
+    for (std::string const command : {"", "streams", "packets", "show", "completion", "manual",
+                                      "library", "library streams", "library judge"}) {
+        for (auto const& line :
+             linesOf(runCompanion(joined(commandWords(command), {"--help"})).out)) {
+            EXPECT_LE(line.size(), 80U) << command << ": " << line;
+        }
+    }
+    // Lines that are not filled are indented by seven columns.
+    auto const page =
+        std::regex_replace(runCompanion({"manual"}).out, std::regex(R"(\\(\(..|.))"), "x");
+    bool isFilled = true;
+    for (auto const& line : linesOf(page)) {
+        isFilled = line == ".nf" ? false : (line == ".fi" ? true : isFilled);
+        EXPECT_TRUE(isFilled || line.size() <= 73) << line;
     }
 }
 

@@ -8,10 +8,11 @@
 #include <regex>
 #include <set>
 
-#include "tools/CompanionProcess.hpp"
+#include "tools/CompanionRows.hpp"
 #include "tools/commands/ShownPacketLayout.hpp"
 #include "tools/commands/VerdictLayout.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/output/RowLines.hpp"
 #include "tools/render/PacketLayout.hpp"
 #include "tools/render/StreamLayout.hpp"
 
@@ -25,8 +26,9 @@ std::map<std::string, Names> layouts() {
     return {{"streams", fieldNames(streamLayout())},
             {"packets", fieldNames(packetLayout(true))},
             {"show", fieldNames(shownPacketLayout())},
-            {"judge", fieldNames(verdictCountLayout())},
-            {"judge --list", fieldNames(judgedFrameLayout())}};
+            {"library judge", fieldNames(verdictCountLayout())},
+            {"library streams", fieldNames(streamLayout())},
+            {"library judge --list", fieldNames(judgedFrameLayout())}};
 }
 
 std::vector<std::string> linesOfToolPage() {
@@ -54,7 +56,8 @@ NameSet commandsIn(std::string const& cell, NameSet const& above) {
         return above;
     }
     if (cell.find("all") != std::string::npos) {
-        return {"streams", "packets", "show", "judge", "judge --list"};
+        return {"streams",         "packets",       "show",
+                "library streams", "library judge", "library judge --list"};
     }
     auto const codes = codesIn(cell);
     return {codes.begin(), codes.end()};
@@ -87,7 +90,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 5U);
+    EXPECT_EQ(documented.size(), 6U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {
@@ -100,7 +103,8 @@ TEST(FieldNames, AreTheSameWhateverTheRow) {
     StreamRow row;
     auto const fieldsOf = [](StreamRow const& r) {
         std::vector<std::string> names;
-        Fields const fields = toFields(streamLayout(), r);
+        RowLines<StreamRow> lines(Format::json, streamLayout());
+        auto const fields = nlohmann::ordered_json::parse(lines.lineOf(r));
         for (auto const& field : fields.items()) {
             names.push_back(field.key());
         }
@@ -120,11 +124,18 @@ std::string onOneLine(std::string text) {
     return text;
 }
 
+/// The command without its options, and --help.
+TalTest::Arguments helpFor(std::string const& command) {
+    auto words = TalTest::commandWords(command);
+    std::erase_if(words, [](std::string const& word) { return word.starts_with('-'); });
+    return TalTest::joined(words, {"--help"});
+}
+
 TEST(Help, ListsTheFieldsInTheirOrder) {
     for (auto const& [command, names] : layouts()) {
-        auto const help =
-            onOneLine(TalTest::runCompanion({command.substr(0, command.find(' ')), "--help"}).out);
-        std::size_t at = help.find(command == "judge --list" ? "with --list" : "The fields of");
+        auto const help = onOneLine(TalTest::runCompanion(helpFor(command)).out);
+        std::size_t at =
+            help.find(command == "library judge --list" ? "with --list" : "The fields of");
         ASSERT_NE(at, std::string::npos) << command;
         for (auto const& name : names) {
             at = help.find(" " + std::string(name), at);

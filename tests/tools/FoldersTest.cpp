@@ -159,11 +159,12 @@ TEST(Captures, MayBeManyMoreThanFilesCanBeOpen) {
     for (int i = 0; i < 60; ++i) {
         put(folder, std::to_string(i));
     }
-    for (std::string const command : {"streams", "packets", "judge", "show"}) {
-        auto const result = run({"/bin/sh", "-c", "ulimit -n 30; exec \"$0\" \"$1\" -f csv \"$2\"",
+    for (std::string const command : {"streams", "packets", "library judge", "show"}) {
+        auto const result = run({"/bin/sh", "-c", "ulimit -n 30; exec \"$0\" $1 -f csv \"$2\"",
                                  TAL_COMPANION_PATH, command, folder.path()});
         EXPECT_EQ(result.status, 0) << command << ": " << result.err;
-        EXPECT_TRUE(result.out == runCompanion({command, "-f", "csv", folder.path()}).out);
+        EXPECT_TRUE(result.out ==
+                    runCompanion(joined(commandWords(command), {"-f", "csv", folder.path()})).out);
     }
 }
 

@@ -1,6 +1,5 @@
 // Table, JSON and comma-separated values say the same.
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,11 +14,12 @@ namespace {
 
 std::vector<Arguments> commands(std::string const& file) {
     return {{"streams", file},
-            {"streams", file, "--svid", "none"},
+            {"library", "streams", file},
+            {"streams", file, "--svid", "none", "-q"},
             {"packets", file},
             {"packets", file, "--context", "--from", "+5s", "--to", "+6s"},
-            {"judge", file, "--vlan", "5"},
-            {"judge", file, "--list"},
+            {"library", "judge", file, "--vlan", "5"},
+            {"library", "judge", file, "--list"},
             {"show", file, "--to", "+3s"}};
 }
 
@@ -67,6 +67,12 @@ std::vector<CsvCell> memberNames(std::string const& line) {
     return names;
 }
 
+/// The call for a command's help.
+Arguments helpOf(Arguments const& command) {
+    return command[0] == "library" ? Arguments{command[0], command[1], "--help"}
+                                   : Arguments{command[0], "--help"};
+}
+
 TEST(Formats, HaveTheSameFieldsInTheSameOrderInEveryRow) {
     TempFile const file(memberTraffic());
     for (auto const& command : commands(file.path())) {
@@ -74,7 +80,7 @@ TEST(Formats, HaveTheSameFieldsInTheSameOrderInEveryRow) {
         for (auto const& line : linesOf(written(command, "json"))) {
             EXPECT_EQ(memberNames(line), header);
         }
-        auto const help = runCompanion({command[0], "--help"}).out;
+        auto const help = runCompanion(helpOf(command)).out;
         for (auto const& name : header) {
             EXPECT_NE(help.find(name.value()), std::string::npos) << command[0] << " " << *name;
         }
@@ -85,8 +91,6 @@ TEST(Formats, HaveTheSameFieldsInTheSameOrderInEveryRow) {
 std::string shown(Json const& field) {
     return field.is_null() ? "-" : (field.is_string() ? field.get<std::string>() : field.dump());
 }
-
-std::string shownAppId(Json const& field) { return fmt::format("0x{:04X}", field.get<unsigned>()); }
 
 std::string shownYesNo(Json const& field) {
     return field.is_null() ? "-" : (field.get<bool>() ? "yes" : "no");
@@ -109,7 +113,7 @@ TEST(Formats, OfATableOfStreamsHoldTheSame) {
                 row["source"],
                 row["destination"],
                 shown(row["vlanId"]),
-                shownAppId(row["appId"]),
+                row["appId"],
                 shown(row["hsrLane"]),
                 shown(row["reserved1Bit0"]),
                 shown(row["confRev"]),
@@ -132,7 +136,7 @@ TEST(Formats, OfATableOfPacketsHoldTheSame) {
                     return {row["time"],
                             row["protocol"],
                             row["source"],
-                            shownAppId(row["appId"]),
+                            row["appId"],
                             shown(row["protocol"] == "SV" ? row["svID"] : row["gocbRef"]),
                             shown(row["file"]) + "@" + shown(row["position"]),
                             row["place"]};
@@ -141,11 +145,11 @@ TEST(Formats, OfATableOfPacketsHoldTheSame) {
 
 TEST(Formats, OfATableOfVerdictsHoldTheSame) {
     TempFile const file(memberTraffic());
-    expectTable({"judge", "--vlan", "5", file.path()}, [](Json const& row) -> Arguments {
+    expectTable({"library", "judge", "--vlan", "5", file.path()}, [](Json const& row) -> Arguments {
         return {row["protocol"], row["verdict"], shown(row["answer"]), shown(row["frames"]),
                 shown(row["octets"])};
     });
-    expectTable({"judge", "--list", file.path()}, [](Json const& row) -> Arguments {
+    expectTable({"library", "judge", "--list", file.path()}, [](Json const& row) -> Arguments {
         return {row["time"],
                 row["protocol"],
                 row["verdict"],
@@ -164,7 +168,7 @@ TEST(Formats, BeginWithHeadingsEvenWithoutRows) {
         EXPECT_EQ(linesOf(written(none, "table")).size(), 1U);
     }
     EXPECT_EQ(written({"show", file.path(), "--svid", "none", "-q"}, "table"), "");
-    EXPECT_EQ(csvLines(written({"show", file.path(), "--svid", "none"}, "csv")).size(), 1U);
+    EXPECT_EQ(csvLines(written({"show", file.path(), "--svid", "none", "-q"}, "csv")).size(), 1U);
 }
 
 }  // namespace

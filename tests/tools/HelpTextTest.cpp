@@ -5,7 +5,7 @@
 #include "tools/help/Completions.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/help/ManualPage.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -70,7 +70,7 @@ void expectParts(std::string const& text, std::vector<std::string> const& parts)
 
 TEST(BashScript, OffersChoicesFilesAndNothing) {
     expectParts(bashCompletion(trickyProgram()),
-                {"            read) command=$word; break ;;\n",
+                {"            read) command=${command:+$command/}$word; break ;;\n",
                  "        read:--format|read:-f) words='one two' ;;\n",
                  "        read:--output) files=yes ;;\n", "        read:--from) words='' ;;\n",
                  "                '') words='read --help' ;;\n",

@@ -55,7 +55,7 @@ Bytes trafficNamed(std::vector<std::string> const& names) {
 }
 
 std::vector<Arguments> const kCommands = {
-    {"streams"}, {"packets"}, {"show"}, {"judge"}, {"judge", "--list"}};
+    {"streams"}, {"packets"}, {"show"}, {"library", "judge"}, {"library", "judge", "--list"}};
 
 TEST(HostileNames, InFramesReachNoTerminal) {
     TempFile const file(trafficNamed(kHostile));
@@ -115,7 +115,7 @@ TEST(HostileNames, InComplaintsReachNoTerminal) {
     auto const path = folder.write(asFileName(all), prefix(smallCapture(), 70));
     auto const missing = folder.file(asFileName(all) + "x");
     std::vector<Arguments> commands = {{"streams", path},
-                                       {"judge", path},
+                                       {"library", "judge", path},
                                        {"streams", missing},
                                        {"show", path + "@1"},
                                        {"show", missing + "@1"},

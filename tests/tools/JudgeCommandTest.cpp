@@ -1,4 +1,4 @@
-// `judge`: how often each verdict came, recounted frame by frame.
+// `library judge`: how often each verdict came, recounted frame by frame.
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -98,7 +98,7 @@ std::string wordsFor(Bytes const& frame, Filter const& filter) {
     return (isGoose ? "GOOSE " : "SV ") + verdict + (answer ? " true" : " false");
 }
 
-std::string wordsOf(Json const& row) {
+std::string commandWords(Json const& row) {
     return row["protocol"].get<std::string>() + " " + row["verdict"].get<std::string>() + " " +
            row["answer"].dump();
 }
@@ -125,12 +125,12 @@ Counts recounted(std::vector<std::string> const& files, Filter const& filter) {
 /// What the program counts; rows of nothing are left out.
 Counts counted(Arguments const& arguments) {
     Counts counts;
-    auto const rows = rowsOf(joined({"judge"}, arguments));
+    auto const rows = rowsOf(joined({"library", "judge"}, arguments));
     EXPECT_EQ(rows.size(), 9U);
     for (Json const& row : rows) {
         Count const count{.frames = row["frames"], .octets = row["octets"]};
         if (count != Count()) {
-            EXPECT_TRUE(counts.emplace(wordsOf(row), count).second) << row;
+            EXPECT_TRUE(counts.emplace(commandWords(row), count).second) << row;
         }
     }
     return counts;
@@ -171,8 +171,8 @@ TEST(Judge, HasTheSameRowsInTheSameOrderAlways) {
     TempFile const full(mixedTraffic());
     auto const words = [](std::string const& file) {
         std::vector<std::string> all;
-        for (Json const& row : rowsOf({"judge", file})) {
-            all.push_back(wordsOf(row));
+        for (Json const& row : rowsOf({"library", "judge", file})) {
+            all.push_back(commandWords(row));
         }
         return all;
     };
@@ -184,7 +184,7 @@ TEST(Judge, ListsEachFrameInTheOrderOfTheFiles) {
     TempDir const folder;
     auto const first = folder.write("1.pcap", mixedTraffic());
     auto const second = folder.write("2.pcap", smallCapture());
-    auto const rows = rowsOf({"judge", "--list", second, first, "--vlan", "5"});
+    auto const rows = rowsOf({"library", "judge", "--list", second, first, "--vlan", "5"});
     Filter filter = wishes()[3].filter;
     std::size_t number = 0;
     for (auto const& file : {second, first}) {
@@ -195,26 +195,28 @@ TEST(Judge, ListsEachFrameInTheOrderOfTheFiles) {
             EXPECT_EQ(row["recordPosition"], record.position);
             EXPECT_EQ(row["timeNs"],
                       std::uint64_t{record.seconds} * 1'000'000'000 + record.nanoseconds);
-            EXPECT_EQ(wordsOf(row), wordsFor(record.frame, filter));
+            EXPECT_EQ(commandWords(row), wordsFor(record.frame, filter));
         }
     }
     EXPECT_EQ(number, rows.size());
-    EXPECT_EQ(rowsOf({"judge", "-l", second}).size(), 5U);
+    EXPECT_EQ(rowsOf({"library", "judge", "-l", second}).size(), 5U);
 }
 
 TEST(Judge, SummarisesWhatIsWanted) {
     TempFile const file(smallCapture());
-    EXPECT_EQ(summaryOf(runCompanion({"judge", file.path()}).out),
+    EXPECT_EQ(summaryOf(runCompanion({"library", "judge", file.path()}).out),
               "5 of 5 frames in 1 file wanted");
-    EXPECT_EQ(summaryOf(runCompanion({"judge", file.path(), "--list", "--protocol", "sv"}).out),
-              "3 of 5 frames in 1 file wanted");
+    EXPECT_EQ(
+        summaryOf(
+            runCompanion({"library", "judge", file.path(), "--list", "--protocol", "sv"}).out),
+        "3 of 5 frames in 1 file wanted");
 }
 
 TEST(Judge, TakesNamesAsTheyStand) {
     TempFile const file(smallCapture());
     auto const wanted = [&](std::string const& name) {
-        Json const row = rowsOf({"judge", file.path(), "--svid=" + name})[4];
-        EXPECT_EQ(wordsOf(row), "SV wanted false");
+        Json const row = rowsOf({"library", "judge", file.path(), "--svid=" + name})[4];
+        EXPECT_EQ(commandWords(row), "SV wanted false");
         return row["frames"].get<int>();
     };
     EXPECT_EQ(wanted("MU01"), 3);

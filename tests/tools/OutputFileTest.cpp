@@ -55,12 +55,13 @@ void put(std::string const& path, std::string const& content) {
 
 TEST(OutputFile, HoldsWhatStandardOutputWould) {
     Place const place;
-    for (std::string const command : {"streams", "packets", "show", "judge"}) {
+    for (std::string const command : {"streams", "packets", "show", "library judge"}) {
         for (std::string const format : {"table", "json", "csv"}) {
-            auto const printed = runCompanion({command, "-f", format, place.capture.path()});
+            auto const arguments =
+                joined(commandWords(command), {"-f", format, place.capture.path()});
+            auto const printed = runCompanion(arguments);
             for (auto const& option : {Arguments{"-o", place.out}, {"--output=" + place.out}}) {
-                auto const result =
-                    runCompanion(joined({command, "-f", format, place.capture.path()}, option));
+                auto const result = runCompanion(joined(arguments, option));
                 EXPECT_EQ(result.status, 0);
                 EXPECT_EQ(result.out, "");
                 EXPECT_EQ(result.err, "");

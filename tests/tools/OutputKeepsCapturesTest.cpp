@@ -21,7 +21,7 @@ TEST(OutputFile, IsNeverACaptureThatIsRead) {
     fs::create_hard_link(file, folder.file("hard.pcap"));
     for (Arguments const& command : {Arguments{"streams", file},
                                      {"packets", file},
-                                     {"judge", file},
+                                     {"library", "judge", file},
                                      {"show", file + "@70"},
                                      {"streams", folder.path()},
                                      {"streams", "/dev/null", file}}) {

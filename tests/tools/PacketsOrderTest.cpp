@@ -1,5 +1,6 @@
 // In which order `packets` lists packets, and by which places.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -81,7 +82,7 @@ Known indexed(std::string const& path) {
         auto const addCommon = [&](auto const& stream) {
             entry["source"] = *stream.srcMac;
             entry["destination"] = *stream.dstMac;
-            entry["appId"] = *stream.appId;
+            entry["appId"] = fmt::format("0x{:04X}", *stream.appId);
         };
         if (packet.goose != nullptr) {
             addCommon(*packet.goose);

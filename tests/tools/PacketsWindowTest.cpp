@@ -48,6 +48,50 @@ TEST(PacketsWindow, HasBothItsEndsInside) {
     EXPECT_EQ(listed({"--from", "1710928801.0", "--to", "1710928801.500000000"}), kMiddle);
     EXPECT_EQ(listed({"--from", "+1s", "--to", "+1500ms"}), kMiddle);
     EXPECT_EQ(listed({"--from=+1s", "--to=2024-03-20 10:00:01.5Z"}), kMiddle);
+    EXPECT_EQ(listed({"--from", "2024-03-20T11:00:01+01:00", "--to", "-0.5s"}), kMiddle);
+    EXPECT_EQ(listed({"--from", "10:00:01", "--to", "04:30:01.5-05:30"}), kMiddle);
+    EXPECT_EQ(listed({"--from", "-1s", "--to=-500ms"}), kMiddle);
+}
+
+TEST(PacketsWindow, CountsFromTheLatestRecordOfAllCaptures) {
+    TempFile const first(CaptureBuilder().add(100, 0, svFrameCalled("MU01")).bytes());
+    TempFile const second(CaptureBuilder()
+                              .add(109, 0, svFrameCalled("MU01"))
+                              .add(108, 0, svFrameCalled("MU01"))
+                              .add(110, 0, Bytes(60))
+                              .bytes());
+    auto const rows = rowsOf({"packets", second.path(), first.path(), "--from", "-1.5s"});
+    EXPECT_EQ(fieldOf(rows, "timeNs"), std::vector<Json>{109 * kGiga});
+}
+
+TEST(PacketsLimit, LeavesTheFirstPackets) {
+    EXPECT_EQ(listed({"--limit", "2"}), (Times{0, 999'999'999}));
+    EXPECT_EQ(listed({"--limit", "0"}), Times{});
+    EXPECT_EQ(listed({"--limit=6"}).size(), 6U);
+    EXPECT_EQ(listed({"--limit", "99"}).size(), 6U);
+    EXPECT_EQ(listed({"--from", "+1s", "--limit", "1"}), Times{1'000'000'000});
+}
+
+TEST(PacketsLimit, IsSaidInTheSummary) {
+    TempFile const file(secondsCapture());
+    EXPECT_EQ(summaryOf(runCompanion({"packets", file.path(), "--limit", "2"}).out),
+              "2 packets of 1 stream in 1 file; 4 more not listed");
+    EXPECT_EQ(summaryOf(runCompanion({"packets", file.path(), "--limit", "6"}).out),
+              "6 packets of 1 stream in 1 file");
+}
+
+TEST(PacketsLimit, IsThatOfShowToo) {
+    TempFile const file(secondsCapture());
+    EXPECT_EQ(fieldOf(rowsOf({"show", file.path(), "--limit", "3"}), "timeNs"),
+              fieldOf(rowsOf({"packets", file.path(), "--limit", "3"}), "timeNs"));
+}
+
+TEST(PacketsLimit, IsANumber) {
+    TempFile const file(secondsCapture());
+    for (auto const* limit : {"", "x", "-1", "1.5", "0x1", " 1", "18446744073709551616"}) {
+        expectUsageError({"packets", file.path(), "--limit", limit});
+        expectUsageError({"show", file.path(), "--limit", limit});
+    }
 }
 
 TEST(PacketsWindow, IsExactToTheNanosecond) {

@@ -17,8 +17,8 @@ std::vector<Arguments> const kCommands = {{"streams"},
                                           {"streams", "--sort", "rate"},
                                           {"packets", "--context", "--from", "+2s"},
                                           {"show"},
-                                          {"judge"},
-                                          {"judge", "--list"},
+                                          {"library", "judge"},
+                                          {"library", "judge", "--list"},
                                           {"streams", "-f", "json"},
                                           {"packets", "-f", "csv"},
                                           {"show", "-f", "json"},
@@ -125,7 +125,7 @@ TEST(Output, IsCutQuietlyByAReaderWhoHasSeenEnough) {
                                 {"packets", "-f", "json"},
                                 {"show"},
                                 {"show", "-f", "csv"},
-                                {"judge", "--list"}}) {
+                                {"library", "judge", "--list"}}) {
         auto const result = cutShort(joined(command, {file.path()}));
         EXPECT_EQ(linesOf(result.out).size(), 1U);
         EXPECT_EQ(result.err, "141\n") << command[0];  // ended by SIGPIPE
@@ -138,7 +138,8 @@ TEST(Progress, OfEveryCommandIsOnlyForWhoeverSeesIt) {
         capture.add(1, 0, oneSv());
     }
     TempFile const file(capture.bytes(), "bay1.pcap");
-    for (auto const& command : {Arguments{"packets"}, {"judge"}, {"judge", "-l"}, {"streams"}}) {
+    for (auto const& command :
+         {Arguments{"packets"}, {"library", "judge"}, {"library", "judge", "-l"}, {"streams"}}) {
         auto const arguments = joined(command, {file.path(), "-o", "/dev/null"});
         auto const seen = runCompanion(arguments, {.terminalColumns = 100}).err;
         EXPECT_NE(seen.find("bay1.pcap ["), std::string::npos) << command[0];
@@ -146,6 +147,22 @@ TEST(Progress, OfEveryCommandIsOnlyForWhoeverSeesIt) {
         EXPECT_EQ(seen.find('\n'), std::string::npos);
         EXPECT_EQ(runCompanion(arguments).err, "");
         EXPECT_EQ(runCompanion(joined(arguments, {"-q"}), {.terminalColumns = 100}).err, "");
+    }
+}
+
+TEST(Progress, GoesOnWhilePacketsAreWrittenElsewhereThanToATerminal) {
+    CaptureBuilder capture;
+    for (int i = 0; i < 2500; ++i) {
+        capture.add(1, 0, oneSv());
+    }
+    TempFile const file(capture.bytes());
+    for (std::string const command : {"packets", "show"}) {
+        auto const seen = runCompanion({command, file.path()}, {.terminalColumns = 100}).err;
+        EXPECT_NE(seen.find("writing ["), std::string::npos) << command;
+        EXPECT_TRUE(seen.ends_with(" \r"));
+        auto const onTerminal = runCompanion(
+            {command, file.path()}, {.output = StandardOutputIs::terminal, .terminalColumns = 100});
+        EXPECT_EQ(onTerminal.err.find("writing"), std::string::npos) << command;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "tools/options/SelectionOptions.hpp"
+#include "tools/options/UsageError.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -38,7 +39,7 @@ void expectRefused(std::string const& option, Arguments const& values) {
 }
 
 TEST(NumberOption, RefusesWhatIsNoNumber) {
-    for (std::string const option : {"--vlan", "--appid", "--reserved1-bit0", "--confrev"}) {
+    for (std::string const option : {"--vlan", "--reserved1-bit0", "--confrev"}) {
         expectRefused(option, {"", "x", "0x", "1.5", "1e3", " 1", "1 ", "-1", "+1", "0xG", "0x-1",
                                "99999999999999999999", "18446744073709551616",
                                "0x10000000000000000", "\xd9\xa3", "0b1", "1,2"});
@@ -57,6 +58,14 @@ TEST(NumberOption, TakesEveryValueThatTheFieldHolds) {
     EXPECT_EQ(ask({"--vlan", "007"}).criteria.vlanIds, std::vector<std::uint16_t>{7});
     EXPECT_EQ(ask({"--reserved1-bit0", "0", "--reserved1-bit0", "1"}).criteria.reserved1Bit0,
               (std::vector<std::uint8_t>{0, 1}));
+}
+
+TEST(AppIdOption, IsHexadecimalWithAndWithoutItsSign) {
+    EXPECT_EQ(ask({"--appid", "4001", "--appid=0x4001", "--appid", "0X1f"}).criteria.appIds,
+              (std::vector<std::uint64_t>{0x4001, 0x4001, 0x1F}));
+    EXPECT_EQ(ask({"--appid", "0"}).criteria.appIds, std::vector<std::uint64_t>{0});
+    expectRefused("--appid", {"", "x", "0x", "1.5", " 1", "1 ", "-1", "+1", "0xG", "0x-1", "0x0x1",
+                              "10000", "99999999999999999999", "1,2"});
 }
 
 TEST(AddressOption, RefusesWhatIsNoAddress) {
@@ -84,11 +93,13 @@ TEST(LaneOption, IsAOrB) {
 
 TEST(TimeOption, RefusesWhatIsNoTime) {
     for (std::string const option : {"--from", "--to"}) {
-        expectRefused(option, {"", "yesterday", "-1", "1.1234567890", "2024-02-30", "+1d",
-                               "2024-03-20T10", "10:00", "99999999999"});
+        expectRefused(option, {"", "yesterday", "-1d", "1.1234567890", "2024-02-30", "+1d",
+                               "2024-03-20T10", "10:0", "99999999999"});
     }
     EXPECT_EQ(ask({"--from", "5"}).window.from, parseTimeBound("5"));
     EXPECT_EQ(ask({"--to=+5ms"}).window.to, parseTimeBound("+5ms"));
+    EXPECT_EQ(ask({"--from", "-5s", "--to", "-1"}).window.from, parseTimeBound("-5s"));
+    EXPECT_EQ(ask({"--to=-5s"}).window.to, parseTimeBound("-5s"));
     EXPECT_FALSE(ask({}).window.from);
 }
 
@@ -99,13 +110,33 @@ TEST(NameOption, TakesOneValueEachTime) {
     EXPECT_THROW(ask({"--svid"}), CLI::ParseError);
 }
 
-TEST(WindowOptions, ResolveAgainstTheBeginOfTheCaptures) {
-    auto const window = ask({"--from", "+1s", "--to", "10"}).window;
-    CaptureTime const begin(std::chrono::seconds(4));
-    EXPECT_EQ(window.resolve(begin).from, CaptureTime(std::chrono::seconds(5)));
-    EXPECT_EQ(window.resolve(begin).to, CaptureTime(std::chrono::seconds(10)));
-    EXPECT_FALSE(ask({}).window.resolve(begin).from);
+TEST(WindowOptions, ResolveAgainstTheCaptures) {
+    auto const window = ask({"--from", "+1s", "--to", "-2s"}).window;
+    CaptureSpan const span{.begin = CaptureTime(std::chrono::seconds(4)),
+                           .end = CaptureTime(std::chrono::seconds(12))};
+    EXPECT_EQ(window.resolve(span).from, CaptureTime(std::chrono::seconds(5)));
+    EXPECT_EQ(window.resolve(span).to, CaptureTime(std::chrono::seconds(10)));
+    EXPECT_FALSE(ask({}).window.resolve(span).from);
     EXPECT_NO_THROW(window.check());
+}
+
+TEST(WindowOptions, KnowWhetherTheEndOfTheCapturesIsNeeded) {
+    EXPECT_TRUE(ask({"--from", "-1s"}).window.needsEnd());
+    EXPECT_TRUE(ask({"--to", "-1s"}).window.needsEnd());
+    EXPECT_FALSE(ask({"--from", "+1s", "--to", "10:00"}).window.needsEnd());
+}
+
+TEST(WindowOptions, RefuseAWindowThatSurelyEndsBeforeItBegins) {
+    for (auto const& [from, to] : {std::pair{"+2s", "+1s"},
+                                   {"-1s", "-2s"},
+                                   {"10:01", "10:00"},
+                                   {"11:00+01:00", "10:59+01:00"},
+                                   {"2", "1"}}) {
+        EXPECT_THROW(ask({"--from", from, "--to", to}).window.check(), UsageError) << from;
+        EXPECT_NO_THROW(ask({"--from", to, "--to", from}).window.check()) << from;
+    }
+    EXPECT_NO_THROW(ask({"--from", "+2s", "--to", "-1s"}).window.check());
+    EXPECT_NO_THROW(ask({"--from", "10:00", "--to", "10:30+01:00"}).window.check());
 }
 
 }  // namespace

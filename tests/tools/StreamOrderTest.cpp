@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tools/NamedStreams.hpp"
+#include "tools/output/RowLines.hpp"
 #include "tools/render/StreamLayout.hpp"
 #include "tools/selection/StreamRow.hpp"
 
@@ -65,10 +66,10 @@ std::vector<Sv> manySvs() {
 
 std::vector<std::string> linesOf(Db const& db) {
     std::vector<std::string> lines;
+    RowLines<StreamRow> json(Format::json, streamLayout());
     for (StreamRow const& row : collectRows(db)) {
         auto const vlan = row.vlan.value_or(VlanInfo{});
-        lines.push_back(toFields(streamLayout(), row).dump() +
-                        std::to_string(vlan.priority.value_or(0)));
+        lines.push_back(std::string(json.lineOf(row)) + std::to_string(vlan.priority.value_or(0)));
     }
     return lines;
 }

@@ -47,7 +47,7 @@ TEST(Streams, AreOneJsonObjectPerLineOnRequest) {
     EXPECT_EQ(rows[0]["packetsPerSecond"], 0.5);
     EXPECT_EQ(rows[1]["protocol"], "SV");
     EXPECT_EQ(rows[1]["svID"], "MU01");
-    EXPECT_EQ(rows[1]["appId"], 0x4000);
+    EXPECT_EQ(rows[1]["appId"], "0x4000");
     EXPECT_EQ(rows[1]["packets"], 3);
     EXPECT_EQ(rows[1]["packetsPerSecond"], 1.0);
 }
@@ -59,7 +59,7 @@ TEST(Streams, AreCommaSeparatedOnRequest) {
     auto const lines = linesOf(result.out);
     ASSERT_EQ(lines.size(), 3U);
     EXPECT_TRUE(lines[0].starts_with("protocol,source,destination,vlanId,appId,"));
-    EXPECT_TRUE(lines[1].starts_with("GOOSE,00:30:a7:00:00:01,01:0c:cd:01:00:01,,1,"));
+    EXPECT_TRUE(lines[1].starts_with("GOOSE,00:30:a7:00:00:01,01:0c:cd:01:00:01,,0x0001,"));
     EXPECT_TRUE(
         lines[2].ends_with(",3,1,2023-11-14T22:13:20.000000001Z,1700000000000000001,"
                            "2023-11-14T22:13:22.000000001Z,1700000002000000001,1.0"));

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -36,14 +35,6 @@ TEST(StreamsBadFile, HasOneLineEachInTheOrderGiven) {
                   complaint(missing + ": No such file or directory") +
                   complaint("/dev/null: not a regular file"));
     EXPECT_EQ(linesOf(result.out).size(), 1U);
-}
-
-TEST(StreamsBadFile, MayBeAPipeThatNobodyWritesInto) {
-    TempDir const folder;
-    ASSERT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
-    auto const result = runCompanion({"streams", folder.file("pipe")});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, complaint(folder.file("pipe") + ": not a regular file"));
 }
 
 TEST(StreamsBadFile, MayHaveANameThatWouldUpsetATerminal) {

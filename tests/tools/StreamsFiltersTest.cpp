@@ -69,7 +69,7 @@ TEST(StreamsFilter, TellsAVlanFromAnotherAndFromNone) {
 TEST(StreamsFilter, TakesAnAppIdInEitherBase) {
     EXPECT_EQ(admitted({"--appid", "0x4FFF"}), Names{"MUappId"});
     EXPECT_EQ(admitted({"--appid", "0X4fff"}), Names{"MUappId"});
-    EXPECT_EQ(admitted({"--appid", "16383"}), Names{"gcbAppId"});
+    EXPECT_EQ(admitted({"--appid", "3fff"}), Names{"gcbAppId"});
     EXPECT_EQ(admitted({"--appid", "0x4000"}), allBut({"MUappId"}, "MU"));
 }
 

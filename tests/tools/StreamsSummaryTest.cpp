@@ -97,15 +97,18 @@ TEST(StreamsSummary, CountsWhatIsListed) {
 
 TEST(StreamsSummary, IsForPeopleWhoWantIt) {
     TempFile const capture(smallCapture());
-    for (std::string const command : {"streams", "packets", "judge"}) {
-        auto const whole = runCompanion({command, capture.path()}).out;
-        auto const quiet = runCompanion({command, capture.path(), "--quiet"}).out;
+    for (std::string const command : {"streams", "packets", "library judge"}) {
+        auto const whole = runCompanion(joined(commandWords(command), {capture.path()})).out;
+        auto const quiet =
+            runCompanion(joined(commandWords(command), {capture.path(), "--quiet"})).out;
         EXPECT_EQ(whole, quiet + "\n" + summaryOf(whole) + "\n");
         EXPECT_NE(summaryOf(whole), "");
-        EXPECT_EQ(runCompanion({command, capture.path(), "-q"}).out, quiet);
+        EXPECT_EQ(runCompanion(joined(commandWords(command), {capture.path(), "-q"})).out, quiet);
         for (auto const* format : {"json", "csv"}) {
-            EXPECT_EQ(runCompanion({command, capture.path(), "-f", format}).out,
-                      runCompanion({command, capture.path(), "-f", format, "-q"}).out);
+            EXPECT_EQ(
+                runCompanion(joined(commandWords(command), {capture.path(), "-f", format})).out,
+                runCompanion(joined(commandWords(command), {capture.path(), "-f", format, "-q"}))
+                    .out);
         }
     }
 }

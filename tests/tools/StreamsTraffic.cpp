@@ -50,7 +50,7 @@ std::vector<nlohmann::json> jsonOf(std::string_view text) {
 }
 
 std::vector<nlohmann::json> streamsOf(std::vector<std::string> const& files) {
-    std::vector<std::string> arguments = {"streams", "--format", "json"};
+    std::vector<std::string> arguments = {"streams", "--format", "json", "-q"};
     arguments.insert(arguments.end(), files.begin(), files.end());
     auto const result = runCompanion(arguments);
     EXPECT_EQ(result.err, "");

@@ -19,17 +19,16 @@ constexpr std::int64_t kGiga = 1'000'000'000;
 /// 2200-12-31T23:59:59
 constexpr std::int64_t kLastSecond = 7'289'654'399;
 
-/// Nanoseconds since 1970; -1 for what is none.
-std::int64_t absolute(std::string_view text) {
+/// The time of a bound with this origin, in nanoseconds; -1 for any other.
+std::int64_t timeFrom(TimeOrigin origin, std::string_view text) {
     auto const bound = parseTimeBound(text);
-    return bound && !bound->isRelative ? bound->time.count() : -1;
+    return bound && bound->origin == origin ? bound->time.count() : -1;
 }
 
-/// Nanoseconds since the begin of the captures; -1 for what is none.
-std::int64_t relative(std::string_view text) {
-    auto const bound = parseTimeBound(text);
-    return bound && bound->isRelative ? bound->time.count() : -1;
-}
+std::int64_t absolute(std::string_view text) { return timeFrom(TimeOrigin::epoch, text); }
+std::int64_t relative(std::string_view text) { return timeFrom(TimeOrigin::begin, text); }
+std::int64_t beforeEnd(std::string_view text) { return timeFrom(TimeOrigin::end, text); }
+std::int64_t timeOfDay(std::string_view text) { return timeFrom(TimeOrigin::day, text); }
 
 bool isRefused(std::string_view text) { return !parseTimeBound(text).has_value(); }
 
@@ -49,7 +48,7 @@ TEST(TimeBound, ReachesFrom1970To2200) {
     EXPECT_EQ(absolute("2200-12-31T23:59:59.999999999"), kLastSecond * kGiga + 999'999'999);
     EXPECT_EQ(absolute("7289654399.999999999"), kLastSecond * kGiga + 999'999'999);
     for (auto const* text : {"1969-12-31", "2201-01-01", "9999-12-31", "0000-01-01", "10000-01-01",
-                             "-1", "-0", "7289654401", "99999999999"}) {
+                             "7289654401", "99999999999"}) {
         EXPECT_TRUE(isRefused(text)) << text;
     }
 }
@@ -69,12 +68,29 @@ TEST(TimeBound, KnowsTheCalendar) {
 }
 
 TEST(TimeBound, KnowsTheClock) {
-    for (auto const* text :
-         {"2024-03-20T24:00", "2024-03-20T23:60", "2024-03-20T23:59:60", "2024-03-20T1:00",
-          "2024-03-20T10:0", "2024-03-20T10:00:0", "2024-03-20T",
-          "2024-03-20T10:", "2024-03-20T10:00:", "2024-03-20T10:00:00.",
-          "2024-03-20T10:00:00.1234567890", "2024-03-20T10:00:00ZZ", "2024-03-20T10:00:00+01:00",
-          "2024-03-20T10:00:00 Z", "2024-03-20  10:00", " 2024-03-20"}) {
+    for (auto const* text : {"2024-03-20T24:00",
+                             "2024-03-20T23:60",
+                             "2024-03-20T23:59:60",
+                             "2024-03-20T1:00",
+                             "2024-03-20T10:0",
+                             "2024-03-20T10:00:0",
+                             "2024-03-20T",
+                             "2024-03-20T10:",
+                             "2024-03-20T10:00:",
+                             "2024-03-20T10:00:00.",
+                             "2024-03-20T10:00:00.1234567890",
+                             "2024-03-20T10:00:00ZZ",
+                             "2024-03-20T10:00:00+1:00",
+                             "2024-03-20T10:00:00+01",
+                             "2024-03-20T10:00:00+24:00",
+                             "2024-03-20T10:00:00+01:60",
+                             "2024-03-20T10:00:00+01:00Z",
+                             "2024-03-20T10:00:00Z+01:00",
+                             "2024-03-20T10:00:00+-1:00",
+                             "2024-03-20+01:00",
+                             "2024-03-20T10:00:00 Z",
+                             "2024-03-20  10:00",
+                             " 2024-03-20"}) {
         EXPECT_TRUE(isRefused(text)) << text;
     }
 }
@@ -122,9 +138,54 @@ TEST(TimeBound, IsADistanceFromTheBegin) {
     EXPECT_EQ(relative("+1.999999999h"), 7'199'999'996'400);
     EXPECT_EQ(relative("+1.999999999min"), 119'999'999'940);
     for (auto const* text : {"+", "+s", "+-1s", "++1s", "+1 s", "+1S", "+1m", "+1d", "+1.s", "+.5s",
-                             "+1sec", "+1s ", "-1s", "1.5s", "+2024-03-20"}) {
+                             "+1sec", "+1s ", "1.5s", "+2024-03-20"}) {
         EXPECT_TRUE(isRefused(text)) << text;
     }
+}
+
+TEST(TimeBound, IsADistanceFromTheEnd) {
+    EXPECT_EQ(beforeEnd("-0s"), 0);
+    EXPECT_EQ(beforeEnd("-5s"), 5 * kGiga);
+    EXPECT_EQ(beforeEnd("-1.5"), 1'500'000'000);
+    EXPECT_EQ(beforeEnd("-7.25ms"), 7'250'000);
+    for (auto const* text : {"-", "-s", "--1s", "-+1s", "-1 s", "-1d", "-2024-03-20", "-10:00"}) {
+        EXPECT_TRUE(isRefused(text)) << text;
+    }
+}
+
+TEST(TimeBound, IsATimeOfDay) {
+    EXPECT_EQ(timeOfDay("10:00"), 36'000 * kGiga);
+    EXPECT_EQ(timeOfDay("00:00:00.000000001Z"), 1);
+    EXPECT_EQ(timeOfDay("23:59:59.28"), 86'399'280'000'000);
+    EXPECT_EQ(timeOfDay("10:00:00+01:00"), 36'000 * kGiga);
+    EXPECT_EQ(parseTimeBound("10:00+01:30")->aheadOfUtc, std::chrono::minutes(90));
+    EXPECT_EQ(parseTimeBound("10:00-01:30")->aheadOfUtc, -std::chrono::minutes(90));
+    for (auto const* text :
+         {"24:00", "10:60", "10:00:60", "1:00", "10:", "10:0", "10:00:", "10:00s", "10:00 Z",
+          "10:00+1", "+10:00", "10:00:00.", "::", "010:00"}) {
+        EXPECT_TRUE(isRefused(text)) << text;
+    }
+}
+
+TEST(TimeBound, OfAClockAheadOfUtcIsEarlier) {
+    EXPECT_EQ(absolute("2024-03-20T11:00:00+01:00"), absolute("2024-03-20T10:00:00Z"));
+    EXPECT_EQ(absolute("2024-03-20 04:30:00.5-05:30"), absolute("2024-03-20T10:00:00.5"));
+    EXPECT_EQ(absolute("2024-03-20T00:30+01:00"), absolute("2024-03-19T23:30"));
+    EXPECT_EQ(absolute("1970-01-01T01:00+01:00"), 0);
+    EXPECT_TRUE(isRefused("1970-01-01T00:59+01:00"));
+    EXPECT_TRUE(isRefused("2200-12-31T23:00-01:00"));
+}
+
+TEST(TimeBound, OfADayIsOnTheDayOnWhichTheCapturesBegin) {
+    auto const resolved = [](std::string_view text, std::string_view begin) {
+        CaptureTime const time(nanoseconds(absolute(begin)));
+        return toUtcText(parseTimeBound(text)->resolve({.begin = time, .end = time}));
+    };
+    EXPECT_EQ(resolved("10:00", "2024-03-20T23:59:59"), "2024-03-20T10:00:00.000000000Z");
+    EXPECT_EQ(resolved("10:00", "2024-03-20"), "2024-03-20T10:00:00.000000000Z");
+    // At 23:30 UTC it is the next day already where clocks are an hour ahead.
+    EXPECT_EQ(resolved("00:45+01:00", "2024-03-20T23:30"), "2024-03-20T23:45:00.000000000Z");
+    EXPECT_EQ(resolved("23:00-02:00", "2024-03-20T01:30"), "2024-03-20T01:00:00.000000000Z");
 }
 
 TEST(TimeBound, DoesNotOverflowWhateverTheUnit) {
@@ -146,16 +207,18 @@ TEST(TimeBound, FromTheBeginLiesBehindItHoweverFar) {
     for (auto const* text : {"+0s", "+1ns", "+1h", "+1000000h", "+2000000h", "+7000000000s"}) {
         auto const bound = parseTimeBound(text);
         ASSERT_TRUE(bound) << text;
-        EXPECT_GE(bound->resolve(latest).time_since_epoch().count(),
+        EXPECT_GE(bound->resolve({.begin = latest, .end = latest}).time_since_epoch().count(),
                   latest.time_since_epoch().count())
             << text;
     }
 }
 
 TEST(TimeBound, ResolvesToItselfUnlessItIsADistance) {
-    CaptureTime const begin(seconds(1000));
-    EXPECT_EQ(parseTimeBound("5")->resolve(begin), CaptureTime(seconds(5)));
-    EXPECT_EQ(parseTimeBound("+5s")->resolve(begin), CaptureTime(seconds(1005)));
+    CaptureSpan const captures{.begin = CaptureTime(seconds(1000)),
+                               .end = CaptureTime(seconds(2000))};
+    EXPECT_EQ(parseTimeBound("5")->resolve(captures), CaptureTime(seconds(5)));
+    EXPECT_EQ(parseTimeBound("+5s")->resolve(captures), CaptureTime(seconds(1005)));
+    EXPECT_EQ(parseTimeBound("-5s")->resolve(captures), CaptureTime(seconds(1995)));
 }
 
 std::int64_t anyTime() {
@@ -197,7 +260,7 @@ RC_GTEST_PROP(AnyTimeBound, IsWithinTheYearsOrRefused, ()) {
     if (bound) {
         RC_ASSERT(bound->time.count() >= 0);
         RC_ASSERT(bound->time <= nanoseconds(seconds(kLastSecond + 2)));
-        RC_ASSERT(bound->isRelative == text.starts_with('+'));
+        RC_ASSERT((bound->origin == TimeOrigin::begin) == text.starts_with('+'));
     }
 }
 

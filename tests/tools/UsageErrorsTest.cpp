@@ -9,15 +9,16 @@
 namespace TalTest {
 namespace {
 
-std::vector<std::string> const kCommands = {"streams", "packets", "show", "judge"};
+std::vector<Arguments> const kCommands = {
+    {"streams"}, {"packets"}, {"show"}, {"library", "streams"}, {"library", "judge"}};
 
 /// Expects each list of arguments to be refused behind a command and a file, and before the file.
-void expectRefused(std::vector<std::string> const& commands,
+void expectRefused(std::vector<Arguments> const& commands,
                    std::vector<Arguments> const& wrongArguments) {
     TempFile const file(smallCapture());
     for (auto const& command : commands) {
         for (auto const& arguments : wrongArguments) {
-            expectUsageError(joined({command, file.path()}, arguments));
+            expectUsageError(joined(joined(command, {file.path()}), arguments));
         }
     }
 }
@@ -32,23 +33,25 @@ TEST(WrongUsage, IsAnUnknownOrIncompleteOption) {
                               {"--svid"},
                               {"--source"},
                               {"--Format", "json"}});
-    expectRefused({"streams", "judge"}, {{"--from", "1"}, {"--context"}, {"-c"}});
-    expectRefused({"packets", "show", "judge"}, {{"--sort", "name"}, {"--reverse"}, {"-r"}});
-    expectRefused({"streams", "packets", "show"}, {{"--list"}, {"-l"}});
+    expectRefused({{"streams"}, {"library", "judge"}}, {{"--from", "1"}, {"--context"}, {"-c"}});
+    expectRefused({{"packets"}, {"show"}, {"library", "judge"}},
+                  {{"--sort", "name"}, {"--reverse"}, {"-r"}});
+    expectRefused({{"streams"}, {"packets"}, {"show"}}, {{"--list"}, {"-l"}});
 }
 
 TEST(WrongUsage, IsAValueThatAnOptionDoesNotTake) {
     expectRefused(kCommands, {{"--format", "xml"},
-                              {"--format", "JSON"},
                               {"--format", ""},
                               {"--color", "yes"},
+                              {"--columns", "nothing"},
+                              {"--columns", ""},
                               {"--protocol", "mms"},
                               {"--simulation-element", "maybe"},
                               {"--hsr", "C"},
                               {"--hsr", "AB"},
                               {"--hsr", ""},
                               {"--prp", "1"}});
-    expectRefused({"streams"}, {{"--sort", "colour"}, {"--sort", ""}, {"--sort", "NAME"}});
+    expectRefused({{"streams"}}, {{"--sort", "colour"}, {"--sort", ""}});
 }
 
 TEST(WrongUsage, IsANumberAnAddressOrATimeThatIsNone) {
@@ -57,7 +60,7 @@ TEST(WrongUsage, IsANumberAnAddressOrATimeThatIsNone) {
                               {"--reserved1-bit0", "2"},
                               {"--confrev", "-1"},
                               {"--source", "01:0c:cd:01:00"}});
-    expectRefused({"packets", "show"}, {{"--from", "yesterday"}, {"--to", "2024-02-30"}});
+    expectRefused({{"packets"}, {"show"}}, {{"--from", "yesterday"}, {"--to", "2024-02-30"}});
 }
 
 TEST(WrongUsage, IsASingleOptionGivenTwice) {
@@ -65,11 +68,12 @@ TEST(WrongUsage, IsASingleOptionGivenTwice) {
                               {"-o", "/dev/null", "-o", "/dev/null"},
                               {"--protocol", "sv", "--protocol", "goose"},
                               {"--simulation-element", "yes", "--simulation-element", "no"}});
-    expectRefused({"packets", "show"}, {{"--from", "1", "--from", "2"}, {"--to=3", "--to=4"}});
+    expectRefused({{"packets"}, {"show"}}, {{"--from", "1", "--from", "2"}, {"--to=3", "--to=4"}});
 }
 
 TEST(WrongUsage, IsAnOptionWithAnEmptyValueBehindItsSign) {
-    expectRefused({"packets"}, {{"--from="}, {"--to="}, {"--vlan="}, {"--format="}, {"--source="}});
+    expectRefused({{"packets"}},
+                  {{"--from="}, {"--to="}, {"--vlan="}, {"--format="}, {"--source="}});
     // What stands behind is not its value.
     TempFile const file(smallCapture());
     for (auto const* option : {"--from=", "--format=", "--source="}) {
@@ -82,25 +86,28 @@ TEST(WrongUsage, IsAnOptionWithAnEmptyValueBehindItsSign) {
 
 TEST(WrongUsage, IsAValueForWhatTakesNone) {
     expectRefused(kCommands, {{"--="}, {"--quiet="}, {"--nothing="}, {"-q="}});
-    expectRefused({"judge"}, {{"--list="}});
+    expectRefused({{"library", "judge"}}, {{"--list="}});
     expectUsageError({"streams", "--=", "/nonexistent/a.pcap"});
-    expectRefused({"packets"}, {{"--context="}});
+    expectRefused({{"packets"}}, {{"--context="}});
 }
 
 TEST(WrongUsage, IsACommandWithoutAFile) {
     for (auto const& command : kCommands) {
-        expectUsageError({command});
-        expectUsageError({command, "--quiet"});
-        expectUsageError({command, "--"});
+        expectUsageError(command);
+        expectUsageError(joined(command, {"--quiet"}));
+        expectUsageError(joined(command, {"--"}));
     }
     expectUsageError({});
+    expectUsageError({"library"});
+    expectUsageError({"library", "a.pcap"});
+    expectUsageError({"judge", "a.pcap"});
     expectUsageError({"nothing"});
     expectUsageError({"Streams", "a.pcap"});
 }
 
 TEST(WrongUsage, IsSaidBeforeAnythingIsRead) {
     for (auto const& command : kCommands) {
-        auto const result = runCompanion({command, "/nonexistent", "--color", "x"});
+        auto const result = runCompanion(joined(command, {"/nonexistent", "--color", "x"}));
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.err.find("nonexistent"), std::string::npos);
     }
@@ -109,13 +116,13 @@ TEST(WrongUsage, IsSaidBeforeAnythingIsRead) {
 TEST(Help, OfEveryCommandNamesItsOptionsAndAnExample) {
     for (auto const& command : kCommands) {
         for (auto const* option : {"--help", "-h"}) {
-            auto const help = runCompanion({command, option});
+            auto const help = runCompanion(joined(command, {option}));
             EXPECT_EQ(help.status, 0);
             EXPECT_EQ(help.err, "");
             for (auto const* text :
                  {"--format", "--output", "--quiet", "--color", "--svid", "--gocbref", "--vlan",
                   "standard input", "Exit status", "Example:\n  tal-iec61850 "}) {
-                EXPECT_NE(help.out.find(text), std::string::npos) << command << " " << text;
+                EXPECT_NE(help.out.find(text), std::string::npos) << command.back() << " " << text;
             }
         }
     }
@@ -123,17 +130,20 @@ TEST(Help, OfEveryCommandNamesItsOptionsAndAnExample) {
 
 TEST(FileArguments, MayBeCalledLikeCommands) {
     TempDir const folder;
-    for (auto const& name : kCommands) {
+    Arguments const names = {"streams", "packets", "show", "library", "judge"};
+    for (auto const& name : names) {
         folder.write(name, smallCapture());
     }
     Surroundings const there{.workingFolder = folder.path()};
     for (auto const& command : kCommands) {
-        for (auto const& name : kCommands) {
-            EXPECT_FALSE(rowsOf({command, name}, there).empty()) << command << " " << name;
+        for (auto const& name : names) {
+            EXPECT_FALSE(rowsOf(joined(command, {name}), there).empty())
+                << command.back() << " " << name;
         }
     }
-    EXPECT_EQ(fieldOf(rowsOf({"streams", "packets", "show", "judge", "streams"}, there), "files"),
-              (std::vector<Json>{4, 4}));
+    EXPECT_EQ(fieldOf(rowsOf({"streams", "packets", "show", "library", "judge", "streams"}, there),
+                      "files"),
+              (std::vector<Json>{5, 5}));
 }
 
 }  // namespace

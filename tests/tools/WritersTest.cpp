@@ -102,7 +102,7 @@ TEST(StreamJson, WritesOneObjectPerLineWithFieldsInAFixedOrder) {
     EXPECT_EQ(
         write(Format::json, {gooseRow(), svRow()}),
         R"({"protocol":"GOOSE","source":"00:30:a7:00:00:01","destination":"01:0c:cd:01:00:01",)"
-        R"("vlanId":5,"appId":31,"hsrLane":"B","prpLane":null,"reserved1Bit0":1,"svID":null,)"
+        R"("vlanId":5,"appId":"0x001F","hsrLane":"B","prpLane":null,"reserved1Bit0":1,"svID":null,)"
         R"("gocbRef":"RELAY1LD0/LLN0$GO$gcb1","datSet":"dataSet1","goID":"","confRev":10001,)"
         R"("simulationPresent":true,"packets":3,"files":1,)"
         R"("firstTime":"2023-11-14T22:13:20.123456789Z","firstTimeNs":1700000000123456789,)"
@@ -110,7 +110,7 @@ TEST(StreamJson, WritesOneObjectPerLineWithFieldsInAFixedOrder) {
         R"("packetsPerSecond":0.5})"
         "\n"
         R"({"protocol":"SV","source":"00:30:a7:00:00:02","destination":"01:0c:cd:04:00:01",)"
-        R"("vlanId":null,"appId":16384,"hsrLane":null,"prpLane":"A","reserved1Bit0":0,)"
+        R"("vlanId":null,"appId":"0x4000","hsrLane":null,"prpLane":"A","reserved1Bit0":0,)"
         R"("svID":"MU01","gocbRef":null,"datSet":null,"goID":null,"confRev":1,)"
         R"("simulationPresent":null,"packets":6000000000,"files":2,"firstTime":null,)"
         R"("firstTimeNs":null,"lastTime":null,"lastTimeNs":null,"packetsPerSecond":null})"
@@ -142,10 +142,10 @@ TEST(StreamCsv, WritesFieldNamesThenTheSameFieldsAsJson) {
               "protocol,source,destination,vlanId,appId,hsrLane,prpLane,reserved1Bit0,svID,gocbRef,"
               "datSet,goID,confRev,simulationPresent,packets,files,firstTime,firstTimeNs,lastTime,"
               "lastTimeNs,packetsPerSecond\n"
-              "GOOSE,00:30:a7:00:00:01,01:0c:cd:01:00:01,5,31,B,,1,,RELAY1LD0/LLN0$GO$gcb1,"
+              "GOOSE,00:30:a7:00:00:01,01:0c:cd:01:00:01,5,0x001F,B,,1,,RELAY1LD0/LLN0$GO$gcb1,"
               "dataSet1,\"\",10001,true,3,1,2023-11-14T22:13:20.123456789Z,1700000000123456789,"
               "2023-11-14T22:13:24.123456789Z,1700000004123456789,0.5\n"
-              "SV,00:30:a7:00:00:02,01:0c:cd:04:00:01,,16384,,A,0,MU01,,,,1,,6000000000,2,,,,,\n");
+              "SV,00:30:a7:00:00:02,01:0c:cd:04:00:01,,0x4000,,A,0,MU01,,,,1,,6000000000,2,,,,,\n");
 }
 
 TEST(StreamCsv, NamesTheFieldsEvenWithoutRows) {

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <TalIec61850Analysis/file/CaptureRecords.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <algorithm>
@@ -10,12 +12,15 @@
 #include <functional>
 #include <future>
 #include <set>
+#include <system_error>
 
 #include "tools/commands/NumberCaptures.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/Style.hpp"
+#include "tools/output/Terminal.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
@@ -86,16 +91,43 @@ CaptureIndex CommandRun::index(Filter const& filter) {
         if (survey.start) {
             index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);
         }
-        if (auto const fault = faultText(survey)) {
+        if (auto const fault = faultText(survey); fault && !isDamageTold_) {
             bar.erase();
             complainOf(capture.name, *fault);
         }
     }
+    isDamageTold_ = true;
     return index;
+}
+
+std::optional<CaptureTime> CommandRun::latestRecord() const {
+    std::optional<CaptureTime> latest;
+    for (auto const& capture : captures()) {
+        try {
+            TalIec61850Analysis::CaptureRecords records(capture.path);
+            while (auto const record = records.next()) {
+                latest = std::max(latest.value_or(record->time), record->time);
+            }
+        } catch (std::system_error const&) {
+            continue;
+        }
+    }
+    return latest;
 }
 
 ProgressBar CommandRun::progressBar() const {
     return {totalSize(captures()), !options_.quiet && isErrorTerminal()};
+}
+
+ProgressBar CommandRun::writingBar(std::uint64_t packets) const {
+    bool const isShown = !options_.quiet && isErrorTerminal() && !output_->isTerminal();
+    return {packets, isShown, ProgressUnit::packets};
+}
+
+void CommandRun::note(std::string const& text) const {
+    if (!options_.quiet) {
+        complain(text);
+    }
 }
 
 void CommandRun::complainOf(std::string const& captureName, std::string const& fault) {
@@ -109,13 +141,27 @@ TextSink CommandRun::sink() {
 
 bool CommandRun::inColour() const { return wantsColour(options_.colour, output_->isTerminal()); }
 
+TableStyle CommandRun::tableStyle() const {
+    TableStyle style{.inColour = inColour(), .room = {}, .namesOthers = !options_.quiet};
+    if (output_->isTerminal() && !options_.wide) {
+        style.room = TableRoom{.columns = terminalColumns(STDOUT_FILENO), .ellipsis = ellipsis()};
+    }
+    return style;
+}
+
 void CommandRun::writeSummary(std::string const& line) {
     if (options_.format == Format::table && !options_.quiet) {
-        output_->write("\n" + line + "\n");
+        auto const room = tableStyle().room;
+        output_->write("\n" + (room ? wrapText(line, room->columns) : line) + "\n");
     }
 }
 
 ExitStatus CommandRun::finish() {
+    if (captures().empty() && output_->isFile()) {
+        complain(fmt::format("{} is not written: nothing could be read",
+                             escapeText(options_.outputFile)));
+        return ExitStatus::failure;
+    }
     output_->finish();
     return isComplete_ ? ExitStatus::success : ExitStatus::failure;
 }

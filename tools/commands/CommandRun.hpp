@@ -42,11 +42,26 @@ public:
     /// no capture.
     [[nodiscard]] std::optional<std::size_t> captureCalled(std::string const& argument) const;
 
-    /// Indexes the captures, one after the other.
+    /// Indexes the captures, one after the other. Damage is reported the first time.
     [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
+
+    /// The time of the latest record of all captures, which are read for it; none without records.
+    /// What cannot be read is left out: indexing complains of it.
+    [[nodiscard]] std::optional<CaptureTime> latestRecord() const;
 
     /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;
+
+    /// A bar for the writing of packets, shown only where they do not go to a terminal themselves.
+    [[nodiscard]] ProgressBar writingBar(std::uint64_t packets) const;
+
+    /// Whether neither progress nor notes are wanted.
+    [[nodiscard]] bool isQuiet() const { return options_.quiet; }
+
+    /// Writes a line for people to standard error, unless they want none; the exit status is as it
+    /// was.
+    /// @param text  safe for a terminal
+    void note(std::string const& text) const;
 
     /// Reports a fault of a capture on standard error; the exit status shows it.
     void complainOf(std::string const& captureName, std::string const& fault);
@@ -54,9 +69,10 @@ public:
     /// A writer of rows into the output.
     template <typename Row>
     [[nodiscard]] RowWriter<Row> rowWriter(RowLayout<Row> const& layout) {
-        return RowWriter<Row>(options_.format, layout, sink(), inColour());
+        return RowWriter<Row>(options_.format, layout, sink(), tableStyle());
     }
 
+    [[nodiscard]] TableStyle tableStyle() const;
     [[nodiscard]] TextSink sink();
     [[nodiscard]] bool inColour() const;
 
@@ -72,6 +88,8 @@ private:
     FoundCaptures found_;
     std::optional<Output> output_;
     bool isComplete_ = true;
+    /// Whether damage has been reported, so that indexing again need not.
+    bool isDamageTold_ = false;
 };
 
 }  // namespace TalIec61850Tools

@@ -12,9 +12,10 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/VerdictLayout.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/options/ChosenColumns.hpp"
 #include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
+#include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
@@ -24,24 +25,14 @@ using TalIec61850Parser::Filter;
 namespace {
 
 constexpr std::uint64_t kRecordsPerProgress = 1000;
-constexpr std::size_t kJudgeFieldColumns = 100;
 
-// Adjacent literals are one line of the help.
-constexpr char const* kJudgeNotes =
-    "Asks the library about each frame by itself, as EthernetParser::parsePacketSimple does: "
-    R"(without an
-index, and without a file. Verdicts:
-  wanted               meets the options on streams
+constexpr char const* kVerdictNotes = R"(  wanted               meets the options on streams
   rejectedByLinkLayer  by address, VLAN, HSR or PRP
   rejectedByPdu        by header or PDU, or too short for them
   switchedOff          of a protocol that is not asked for
   otherProtocol        neither GOOSE nor SV
-ANSWER is what that operation returns, which is the other way round for SV.
-
-The options on streams are the library's filter here: names are met as they stand, without * and ?;
-a frame without VLAN tag, HSR tag or PRP trailer is not asked for it; of several ASDUs each must
-meet --svid. An option may be given several times, save --protocol and --simulation-element: one of
-its values must be met. A record that the file ends inside is not judged.
+ANSWER is what that operation returns, which is the other way round for
+SV.
 
 )";
 
@@ -50,10 +41,19 @@ std::string judgeNotes() {
     auto const frames =
         listFields(fieldNames(judgedFrameLayout()),
                    {{"timeNs", "nanoseconds since 1970"}, {"recordPosition", "octets"}});
-    return kJudgeNotes +
-           wrapText(fmt::format("The fields of json and csv: {}; with --list {}.", counts, frames),
-                    kJudgeFieldColumns) +
-           "\n";
+    return paragraph(
+               "Asks the library about each frame by itself, as EthernetParser::parsePacketSimple "
+               "does: without an index, and without a file. Verdicts:") +
+           kVerdictNotes +
+           paragraph(
+               "The options on streams are the library's filter here: names are met as they are, "
+               "without * and ?; a frame without VLAN tag, HSR tag or PRP trailer is not asked for "
+               "it; of several ASDUs each must meet --svid. An option may be given several times, "
+               "save --protocol and --simulation-element: one of its values must be met. A record "
+               "that the file ends inside is not judged.") +
+           "\n" +
+           paragraph(
+               fmt::format("The fields of json and csv: {}; with --list {}.", counts, frames));
 }
 
 using FrameTaker = std::function<void(JudgedFrame const&)>;
@@ -98,8 +98,8 @@ void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take
 
 using Counts = std::map<FrameVerdict, VerdictCount>;
 
-void writeCounts(CommandRun& run, Counts const& counts) {
-    auto writer = run.rowWriter(verdictCountLayout());
+void writeCounts(CommandRun& run, RowLayout<VerdictCount> const& layout, Counts const& counts) {
+    auto writer = run.rowWriter(layout);
     for (auto const& verdict : allVerdicts()) {
         auto const found = counts.find(verdict);
         writer.write(found == counts.end() ? VerdictCount{.verdict = verdict} : found->second);
@@ -120,27 +120,34 @@ std::string summaryOf(Counts const& counts, std::size_t captures) {
 
 }  // namespace
 
-void addJudgeCommand(ProgramDefinition& program, Action& chosen) {
+void addJudgeCommand(ProgramDefinition& program, CommandDefinition const& group, Action& chosen) {
     auto const options = std::make_shared<JudgeOptions>();
-    CommandDefinition& command = addCommand(
-        program, "judge", "Count which frames the library's road for single frames accepts.");
+    CommandDefinition& command =
+        addCommand(program, group, "judge",
+                   "Count which frames the library's verdict on single frames accepts.");
     addCommonOptions(command, options->common);
     command.parser->add_flag("-l,--list", options->listsFrames,
                              "One row for each frame, in their order");
     addCriteriaOptions(command, options->criteria);
     command.notes = judgeNotes();
-    command.examples = {"tal-iec61850 judge --protocol goose --appid 0x0001 bay1.pcap"};
+    command.examples = {"tal-iec61850 library judge --protocol goose --appid 0x0001 bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runJudge(*options); }; });
 }
 
 ExitStatus runJudge(JudgeOptions const& options) {
+    auto const countLayout = options.listsFrames
+                                 ? RowLayout<VerdictCount>()
+                                 : chooseColumns(verdictCountLayout(), options.common.columns);
+    auto const frameLayout = options.listsFrames
+                                 ? chooseColumns(judgedFrameLayout(), options.common.columns)
+                                 : RowLayout<JudgedFrame>();
     CommandRun run(options.common);
     Filter const filter = toFrameFilter(options.criteria);
     Counts counts;
     std::optional<RowWriter<JudgedFrame>> frames;
     if (options.listsFrames) {
-        frames.emplace(run.rowWriter(judgedFrameLayout()));
+        frames.emplace(run.rowWriter(frameLayout));
     }
     judgeCaptures(run, filter, [&](JudgedFrame const& frame) {
         VerdictCount& count = counts[frame.verdict];
@@ -154,7 +161,7 @@ ExitStatus runJudge(JudgeOptions const& options) {
     if (frames) {
         frames->finish();
     } else {
-        writeCounts(run, counts);
+        writeCounts(run, countLayout, counts);
     }
     run.writeSummary(summaryOf(counts, run.captures().size()));
     return run.finish();

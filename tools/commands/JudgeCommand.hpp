@@ -6,7 +6,7 @@
 
 namespace TalIec61850Tools {
 
-/// The arguments of `tal-iec61850 judge`.
+/// The arguments of `tal-iec61850 library judge`.
 struct JudgeOptions {
     CommonOptions common;
     StreamCriteria criteria;
@@ -14,9 +14,9 @@ struct JudgeOptions {
     bool listsFrames = false;
 };
 
-/// Adds the subcommand to the program.
+/// Adds the subcommand to a group.
 /// @param chosen  set while the command line is parsed, if it asks for this subcommand
-void addJudgeCommand(ProgramDefinition& program, Action& chosen);
+void addJudgeCommand(ProgramDefinition& program, CommandDefinition const& group, Action& chosen);
 
 /// Judges every frame of the captures by itself and writes the number of frames of each verdict, or
 /// the verdict on each frame.

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "tools/options/ChosenColumns.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/PacketJson.hpp"
@@ -17,7 +18,7 @@ namespace {
 
 std::string titleOf(ShownPacket const& packet) {
     return fmt::format("{} {} {}@{}{}", toUtcText(packet.row.time),
-                       toText(packet.row.stream.protocol), escapeText(packet.row.file),
+                       toText(packet.row.stream->protocol), escapeText(packet.row.file),
                        packet.row.position,
                        packet.row.place == Place::inside
                            ? std::string()
@@ -31,10 +32,16 @@ std::string recordLineOf(TalIec61850Analysis::CaptureRecord const& record) {
 
 }  // namespace
 
-PacketWriter::PacketWriter(CommandRun& run, Format format)
+PacketWriter::PacketWriter(CommandRun& run, Format format, std::vector<std::string> const& columns)
     : sink_(run.sink()), inColour_(run.inColour()) {
-    if (format != Format::table) {
-        rows_.emplace(run.rowWriter(shownPacketLayout()));
+    if (format != Format::table || !columns.empty()) {
+        rows_.emplace(run.rowWriter(chooseColumns(shownPacketLayout(), columns)));
+    }
+}
+
+void PacketWriter::finish() {
+    if (rows_) {
+        rows_->finish();
     }
 }
 

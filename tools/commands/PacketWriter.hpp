@@ -4,6 +4,8 @@
 #include <TalIec61850Analysis/packet/GoosePacket.hpp>
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/ShownPacketLayout.hpp"
@@ -14,11 +16,16 @@ namespace TalIec61850Tools {
 /// Writes packets in full: a tree of lines for people, or rows.
 class PacketWriter {
 public:
-    /// @param run  must outlive the writer
-    PacketWriter(CommandRun& run, Format format);
+    /// @param run      must outlive the writer
+    /// @param columns  names of the fields to write, as rows in a table too; empty for all
+    /// @throws UsageError  there is no such field
+    PacketWriter(CommandRun& run, Format format, std::vector<std::string> const& columns);
 
     /// @throws OutputError  see Output
     void write(ShownPacket const& packet);
+
+    /// Writes what is held back. To be called once, after the last packet.
+    void finish();
 
 private:
     TextSink sink_;

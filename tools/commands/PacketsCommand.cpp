@@ -4,45 +4,34 @@
 #include <memory>
 #include <string>
 
+#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
+#include "tools/options/ChosenColumns.hpp"
+#include "tools/options/SelectionOptions.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
-
-constexpr std::size_t kPacketsFieldColumns = 95;
-
-// Adjacent literals are one line of the help.
-constexpr char const* kPacketsNotes =
-    "Packets come in the order of their capture times, over all files; of one time, "
-    R"(in the order in
-which the files were given. FILE@POSITION is what `tal-iec61850 show` takes.
-
-TIME for --from and --to is one of: 2024-03-20T10:00:00.28 (UTC; without the decimals, the
-)"
-    "seconds, or the time of day if you like), 1710928800.28 (seconds since 1970, up to nine "
-    "decimals), +1.5s (from the earliest first record"
-    R"(
-of the captures; ns, us, ms, s, min, h). Both ends lie inside the window.
-
-An option on streams may be given several times, save --protocol and --simulation-element: one of
-its values must be met. With --hsr and --prp, packets that came over the other lane or network are
-left out.
-
-)";
 
 std::string packetsNotes() {
     auto const fields = listFields(fieldNames(packetLayout(true)),
                                    {{"timeNs", "nanoseconds since 1970"},
                                     {"position", "octets"},
                                     {"place", "inside; with --context also before and after"}});
-    return kPacketsNotes +
-           wrapText("The fields of json and csv: " + fields +
-                        ". What follows protocol is the stream's, as `streams` lists it.",
-                    kPacketsFieldColumns) +
-           "\n";
+    return paragraph(
+               "Packets come in the order of their capture times, over all files; of one time, in "
+               "the order in which the files were given. FILE@POSITION is what `tal-iec61850 "
+               "show` takes.") +
+           "\n" + kTimeNotes + "\n" +
+           paragraph(
+               "An option on streams may be given several times, save --protocol and "
+               "--simulation-element: one of its values must be met. With --hsr and --prp, "
+               "packets that came over the other lane or network are left out.") +
+           "\n" +
+           paragraph("The fields of json and csv: " + fields +
+                     ". What follows protocol is the stream's, as `streams` lists it.");
 }
 
 }  // namespace
@@ -54,23 +43,31 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
     addCommonOptions(command, options->common);
     addPacketOptions(command, *options);
     command.notes = packetsNotes();
-    command.examples = {
-        "tal-iec61850 packets --gocbref '*gcbTrip' --from +10s --to +10.5s --context bay1.pcap",
-        "tal-iec61850 packets --svid MU01 --from 2024-03-20T10:00:00 --format csv captures/"};
+    command.examples = {"tal-iec61850 packets --gocbref '*gcbTrip' --from +10s --context bay1.pcap",
+                        "tal-iec61850 packets --svid MU01 --from 10:00:00 -f csv captures/"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runPackets(*options); }; });
 }
 
 ExitStatus runPackets(PacketOptions const& options) {
     options.window.check();
+    auto const layout = chooseColumns(packetLayout(options.withContext), options.common.columns);
     CommandRun run(options.common);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    PacketSelection const selection = selectWanted(index, options);
-    auto writer = run.rowWriter(packetLayout(options.withContext));
+    PacketSelection selection = selectWanted(run, index, options);
+    limitPackets(selection, options.limit);
+    auto writer = run.rowWriter(layout);
+    ProgressBar bar = run.writingBar(selection.packets.size());
+    bar.startFile("writing", selection.packets.size());
     for (SelectedPacket const& packet : selection.packets) {
+        bar.countOne();
         writer.write(rowOf(packet, selection, run));
     }
     writer.finish();
+    bar.erase();
+    if (selection.packets.empty() && options.limit != 0) {
+        noteNoPackets(run, index, options, selection);
+    }
     run.writeSummary(summaryOf(selection, run.captures().size()));
     return run.finish();
 }

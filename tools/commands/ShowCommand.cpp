@@ -9,42 +9,37 @@
 #include <system_error>
 #include <utility>
 
+#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/PacketWriter.hpp"
 #include "tools/commands/ShownPackets.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
-#include "tools/help/WrapText.hpp"
 #include "tools/options/PacketLocator.hpp"
+#include "tools/options/SelectionOptions.hpp"
 #include "tools/options/UsageError.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kShowFieldColumns = 100;
-
-// Adjacent literals are one line of the help.
-constexpr char const* kShowNotes =
-    "Shows packets whole, as they stand in the file: all counters at their full width, "
-    R"(time stamps with
-fraction and quality, data values typed and nested, qualities by name, each ASDU with its samples.
-What a frame does not hold whole is said in its faults; octets that make no value are shown as they
-are.
-
-FILE is either a packet by its place, FILE@POSITION as `tal-iec61850 packets` lists it, or a file, a
-folder or -, of which the options select packets as they do there; one kind or the other for all.
-
-)";
-
 std::string showNotes() {
     auto const fields =
         listFields(fieldNames(shownPacketLayout()), {{"timeNs", "nanoseconds since 1970"}});
-    return kShowNotes +
-           wrapText("The fields of json and csv: " + fields +
-                        ". The last two hold the packet, one of them is null; csv has it as JSON "
-                        "in one cell.",
-                    kShowFieldColumns) +
-           "\n";
+    return paragraph(
+               "Shows packets whole, as they are in the file: all counters at their full width, "
+               "time stamps with fraction and quality, data values typed and nested, qualities by "
+               "name, each ASDU with its samples. What a frame does not hold whole is said in its "
+               "faults; octets that make no value are shown as they are.") +
+           "\n" +
+           paragraph(
+               "FILE is either a packet by its place, FILE@POSITION as `tal-iec61850 packets` "
+               "lists it, or a file, a folder or -, of which the options select packets as they "
+               "do there; one kind or the other for all.") +
+           "\n" + kTimeNotes + "\n" +
+           paragraph("The fields of json and csv: " + fields +
+                     ". The last two hold the packet, one of them is null; csv has it as JSON in "
+                     "one cell.");
 }
 
 std::vector<PacketLocator> locatorsIn(std::vector<std::string> const& arguments) {
@@ -112,17 +107,26 @@ ExitStatus runShow(PacketOptions const& options) {
         }
     }
     CommandRun run(common);
+    PacketWriter writer(run, common.format, common.columns);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    PacketSelection selection = selectWanted(index, options);
+    PacketSelection selection = selectWanted(run, index, options);
     if (!locators.empty()) {
         keepLocated(selection, locators, run);
     }
-    ShownPackets packets(run, selection);
-    PacketWriter writer(run, common.format);
+    limitPackets(selection, options.limit);
+    ProgressBar bar = run.writingBar(selection.packets.size());
+    bar.startFile("writing", selection.packets.size());
+    ShownPackets packets(run, selection, bar);
     for (SelectedPacket const& packet : selection.packets) {
+        bar.countOne();
         if (auto const shown = packets.read(packet)) {
             writer.write(*shown);
         }
+    }
+    writer.finish();
+    bar.erase();
+    if (locators.empty() && selection.packets.empty() && options.limit != 0) {
+        noteNoPackets(run, index, options, selection);
     }
     if (locators.empty()) {
         run.writeSummary(summaryOf(selection, run.captures().size()));

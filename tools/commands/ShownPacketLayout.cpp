@@ -1,9 +1,23 @@
 #include "tools/commands/ShownPacketLayout.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include "tools/render/PacketJson.hpp"
 #include "tools/render/StreamFields.hpp"
 
 namespace TalIec61850Tools {
+
+namespace {
+
+template <typename Packet>
+JsonText toJsonText(Packet const& packet) {
+    constexpr int onOneLine = -1;
+    constexpr bool asAscii = true;
+    return {toJson(packet).dump(onOneLine, ' ', asAscii,
+                                nlohmann::ordered_json::error_handler_t::replace)};
+}
+
+}  // namespace
 
 RowLayout<ShownPacket> shownPacketLayout() {
     using Shown = ShownPacket const&;
@@ -12,12 +26,12 @@ RowLayout<ShownPacket> shownPacketLayout() {
                                          [](Shown p) -> PacketRow const& { return p.row; });
     layout.fields.insert(
         layout.fields.end(),
-        {{"recordPosition", [](Shown p) { return p.record.fileOffset; }},
-         {"capturedOctets", [](Shown p) { return p.record.capturedSize; }},
-         {"wireOctets", [](Shown p) { return p.record.originalSize; }},
-         {"protocol", [](Shown p) { return toText(p.row.stream.protocol); }},
-         {"goose", [](Shown p) { return p.goose ? toJson(*p.goose) : Fields(nullptr); }},
-         {"sv", [](Shown p) { return p.sv ? toJson(*p.sv) : Fields(nullptr); }}});
+        {{"recordPosition", [](Shown p) -> Cell { return p.record.fileOffset; }},
+         {"capturedOctets", [](Shown p) -> Cell { return p.record.capturedSize; }},
+         {"wireOctets", [](Shown p) -> Cell { return p.record.originalSize; }},
+         {"protocol", [](Shown p) -> Cell { return toText(p.row.stream->protocol); }},
+         {"goose", [](Shown p) { return p.goose ? Cell(toJsonText(*p.goose)) : Cell(); }},
+         {"sv", [](Shown p) { return p.sv ? Cell(toJsonText(*p.sv)) : Cell(); }}});
     return layout;
 }
 

@@ -13,8 +13,9 @@ namespace TalIec61850Tools {
 /// Decodes selected packets in full.
 class ShownPackets {
 public:
-    /// @param run, selection  must outlive this
-    ShownPackets(CommandRun& run, PacketSelection const& selection);
+    /// @param bar  is erased before the run complains
+    /// All must outlive this.
+    ShownPackets(CommandRun& run, PacketSelection const& selection, ProgressBar& bar);
 
     /// @param packet  one of the selection
     /// @return none if the capture cannot be read or has changed; the first time for each capture,
@@ -26,6 +27,7 @@ private:
 
     CommandRun& run_;
     PacketSelection const& selection_;
+    ProgressBar& bar_;
     SelectedFrames frames_;
     /// Captures that the run has complained of.
     std::set<std::uint32_t> lost_;

@@ -18,6 +18,10 @@ struct StreamsOptions {
 /// @param chosen  set while the command line is parsed, if it asks for this subcommand
 void addStreamsCommand(ProgramDefinition& program, Action& chosen);
 
+/// Adds the subcommand with the library's own index to a group.
+void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition const& group,
+                              Action& chosen);
+
 /// Indexes the captures and writes one row per wanted stream, then a summary.
 /// @throws OutputError, UsageError  see CommandRun
 [[nodiscard]] ExitStatus runStreams(StreamsOptions const& options);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tools/commands/CommandRun.hpp"
@@ -12,11 +14,16 @@ namespace TalIec61850Tools {
 // The packets that PacketOptions select, for the commands that list and show them.
 
 /// Selects what the options ask for.
-/// @param index  must outlive the selection
-[[nodiscard]] PacketSelection selectWanted(CaptureIndex const& index, PacketOptions const& options);
+/// @param index  of the run; must outlive the selection
+[[nodiscard]] PacketSelection selectWanted(CommandRun const& run, CaptureIndex const& index,
+                                           PacketOptions const& options);
+
+/// Leaves the first packets alone, where only so many are wanted.
+void limitPackets(PacketSelection& selection, std::optional<std::uint64_t> limit);
 
 /// The row of a selected packet.
-/// @param packet  one of the selection
+/// @param packet     one of the selection
+/// @param selection  must outlive the row, as the run must
 [[nodiscard]] PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
                               CommandRun const& run);
 

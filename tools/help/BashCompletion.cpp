@@ -21,7 +21,7 @@ _tal_iec61850() {
         option=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        case $word in
+        case ${command:+$command/}$word in
 )";
 
 constexpr char const* kEnd = R"(            esac ;;
@@ -35,6 +35,11 @@ constexpr char const* kEnd = R"(            esac ;;
 }
 complete -F _tal_iec61850 tal-iec61850
 )";
+
+/// What the script calls a command: one word, also in a group.
+std::string keyOf(CommandDescription const& command) {
+    return command.group.empty() ? command.name : command.group + "/" + command.name;
+}
 
 std::vector<std::string> optionWords(std::vector<OptionDescription> const& options) {
     std::vector<std::string> words;
@@ -56,33 +61,44 @@ std::string valueCase(std::string const& command, OptionDescription const& optio
 }
 
 /// What is offered anywhere else after a command.
-std::string commandCase(CommandDescription const& command) {
+std::string commandCase(CommandDescription const& command, ProgramDescription const& program) {
+    if (command.isGroup) {
+        return fmt::format("                {}) words='{} {}' ;;\n", command.name,
+                           fmt::join(namesOf(program.commandsIn(command.name)), " "),
+                           fmt::join(optionWords(command.options), " "));
+    }
     std::string const arguments =
         command.argumentName == "FILE"
             ? std::string("files=yes")
             : fmt::format("words='{}'", fmt::join(command.argumentChoices, " "));
     return fmt::format("                {}) [[ $current == -* ]] && words='{}' || {} ;;\n",
-                       command.name, fmt::join(optionWords(command.options), " "), arguments);
+                       keyOf(command), fmt::join(optionWords(command.options), " "), arguments);
 }
 
 }  // namespace
 
 std::string bashCompletion(ProgramDescription const& program) {
     std::vector<std::string> names;
+    std::vector<std::string> groups;
     std::string values;
     std::string commands;
     for (auto const& command : program.commands) {
-        names.push_back(command.name);
-        commands += commandCase(command);
+        (command.isGroup ? groups : names).push_back(keyOf(command));
+        commands += commandCase(command, program);
         for (auto const& option : command.options) {
-            values += option.valueName.empty() ? std::string() : valueCase(command.name, option);
+            values += option.valueName.empty() ? std::string() : valueCase(keyOf(command), option);
         }
     }
     std::string script = kBegin;
-    script += fmt::format("            {}) command=$word; break ;;\n", fmt::join(names, "|"));
+    script += fmt::format("            {}) command=${{command:+$command/}}$word; break ;;\n",
+                          fmt::join(names, "|"));
+    if (!groups.empty()) {
+        script += fmt::format("            {}) command=$word ;;\n", fmt::join(groups, "|"));
+    }
     script += "        esac\n    done\n    case $command:$option in\n" + values;
     script += "        *)\n            case $command in\n";
-    script += fmt::format("                '') words='{} {}' ;;\n", fmt::join(names, " "),
+    script += fmt::format("                '') words='{} {}' ;;\n",
+                          fmt::join(namesOf(program.commandsIn("")), " "),
                           fmt::join(optionWords(program.options), " "));
     return script + commands + kEnd;
 }

@@ -30,10 +30,37 @@ std::string optionLine(std::string const& condition, OptionDescription const& op
     return line + " -d " + fishQuoted(option.text) + "\n";
 }
 
-std::string commandLines(CommandDescription const& command) {
-    std::string const condition = "__fish_seen_subcommand_from " + command.name;
+/// When a command of a name was given, be it in a group or not.
+std::string seen(std::vector<std::string> const& names) {
+    return fmt::format("__fish_seen_subcommand_from {}", fmt::join(names, " "));
+}
+
+/// When the command may be given.
+std::string offering(CommandDescription const& command, ProgramDescription const& program) {
+    return command.group.empty()
+               ? std::string("__fish_use_subcommand")
+               : fishQuoted(fmt::format("{}; and not {}", seen({command.group}),
+                                        seen(namesOf(program.commandsIn(command.group)))));
+}
+
+/// When the command was given, and not one of the same name that is in a group.
+std::string choosing(CommandDescription const& command, ProgramDescription const& program) {
+    std::string condition = seen({command.name});
+    if (!command.group.empty()) {
+        return fmt::format("{}; and {}", seen({command.group}), condition);
+    }
+    for (auto const& other : program.commands) {
+        if (other.name == command.name && !other.group.empty()) {
+            condition += fmt::format("; and not {}", seen({other.group}));
+        }
+    }
+    return condition;
+}
+
+std::string commandLines(CommandDescription const& command, ProgramDescription const& program) {
+    std::string const condition = choosing(command, program);
     std::string lines =
-        fmt::format("complete -c tal-iec61850 -n __fish_use_subcommand -f -a {} -d {}\n",
+        fmt::format("complete -c tal-iec61850 -n {} -f -a {} -d {}\n", offering(command, program),
                     command.name, fishQuoted(command.text));
     for (auto const& option : command.options) {
         lines += optionLine(condition, option);
@@ -53,7 +80,7 @@ std::string fishCompletion(ProgramDescription const& program) {
         script += optionLine("__fish_use_subcommand", option);
     }
     for (auto const& command : program.commands) {
-        script += commandLines(command);
+        script += commandLines(command, program);
     }
     return script;
 }

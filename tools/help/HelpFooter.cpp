@@ -4,18 +4,16 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/help/WrapText.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
 
-constexpr char const* kFormats = R"(
-json writes one object per line, csv one line per row below a line of names. Table and csv
-show control characters in names as \n, \x1b and the like, a backslash as \\.
-
-)";
+constexpr char const* kFormats =
+    "json writes one object per line, csv one line per row below a line of names. Table and csv "
+    R"(show control characters in names as \n, \x1b and the like, a backslash as \\.)";
 
 std::string exitStatusParagraph() {
     std::string text;
@@ -23,7 +21,7 @@ std::string exitStatusParagraph() {
         text += fmt::format("{} {} {}", text.empty() ? "Exit status:" : ";",
                             static_cast<int>(status.status), status.brief);
     }
-    return wrapText(text + ".", kStatusColumns) + "\n\n";
+    return paragraph(text + ".") + "\n";
 }
 
 }  // namespace
@@ -31,7 +29,7 @@ std::string exitStatusParagraph() {
 std::string helpFooter(CommandDefinition const& command) {
     std::string footer = command.notes;
     if (command.readsCaptures) {
-        footer += kFormats + exitStatusParagraph();
+        footer += "\n" + paragraph(kFormats) + "\n" + exitStatusParagraph();
     }
     footer += "Example:";
     for (auto const& example : command.examples) {

@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "tools/help/WrapText.hpp"
 #include "tools/options/ExitStatus.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -30,8 +30,11 @@ A terminal that is
 gets no bold headings either.
 .TP
 .B TMPDIR
-Where standard input is copied to, when it is a pipe; the copy has no name and is gone with the
-program.
+Where a pipe is copied to, and what a compressed capture unpacks to; the copy has no name, is gone
+with the program, and is as large as the disk has room for.
+.TP
+.B LC_ALL\fR, \fBLC_CTYPE\fR, \fBLANG
+Whether tables on a terminal are cut with one character (UTF\-8) or with dots.
 )";
 
 /// A text in which nothing is read as a request or as an escape.
@@ -94,7 +97,7 @@ std::string exitStatusSection() {
     std::string section = ".SH EXIT STATUS\n";
     for (ExitStatusText const& status : exitStatusTexts()) {
         section += fmt::format(".TP\n.B {}\n{}\n", static_cast<int>(status.status),
-                               escaped(wrapText(status.full, kStatusColumns)));
+                               escaped(wrapText(status.full, kHelpColumns)));
     }
     return section;
 }
@@ -104,7 +107,7 @@ std::string commandSection(CommandDescription const& command) {
                                      ? std::string()
                                      : fmt::format(" \\fI{}\\fR", escaped(command.argumentName));
     std::string text =
-        fmt::format(".SS \"{}\"\n{}\n", escaped(command.name), escaped(command.text));
+        fmt::format(".SS \"{}\"\n{}\n", escaped(command.fullName()), escaped(command.text));
     if (!argument.empty()) {
         text += fmt::format(".TP\n{}\n{}\n", argument.substr(1), escaped(command.argumentText));
     }

@@ -1,6 +1,8 @@
 #include "tools/help/ProgramDescription.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
 
 namespace TalIec61850Tools {
 
@@ -48,6 +50,9 @@ CommandDescription describeCommand(CommandDefinition const& definition) {
     CLI::App const& parser = *definition.parser;
     CommandDescription command;
     command.name = parser.get_name();
+    auto const words = wordsOf(parser);
+    command.group = words.size() > 1 ? words.front() : std::string();
+    command.isGroup = definition.isGroup;
     command.text = parser.get_description();
     command.options = describeOptions(parser, definition.choices);
     describeArguments(definition, command);
@@ -57,6 +62,20 @@ CommandDescription describeCommand(CommandDefinition const& definition) {
 }
 
 }  // namespace
+
+std::vector<CommandDescription> ProgramDescription::commandsIn(std::string_view group) const {
+    std::vector<CommandDescription> found;
+    std::copy_if(commands.begin(), commands.end(), std::back_inserter(found),
+                 [&](CommandDescription const& command) { return command.group == group; });
+    return found;
+}
+
+std::vector<std::string> namesOf(std::vector<CommandDescription> const& commands) {
+    std::vector<std::string> names;
+    std::transform(commands.begin(), commands.end(), std::back_inserter(names),
+                   [](CommandDescription const& command) { return command.name; });
+    return names;
+}
 
 ProgramDescription describe(ProgramDefinition const& program) {
     ProgramDescription description{.name = program.parser.get_name(),

@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <vector>
+
 #include "tools/help/Completions.hpp"
 
 namespace TalIec61850Tools {
@@ -60,7 +62,39 @@ std::string optionArgument(OptionDescription const& option) {
     return text;
 }
 
-std::string commandCase(CommandDescription const& command) {
+/// The commands among which the first argument chooses.
+std::string chooseCommand(std::vector<CommandDescription> const& commands) {
+    std::vector<std::string> choices;
+    for (auto const& command : commands) {
+        choices.push_back(fmt::format(R"({}\:"{}")", command.name, zshQuoted(command.text)));
+    }
+    return fmt::format("'1:command:(({}))'", fmt::join(choices, " "));
+}
+
+std::string commandCase(CommandDescription const& command, ProgramDescription const& program);
+
+/// What follows the name of a group: one of its commands, and what that takes.
+// NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
+std::string groupCase(CommandDescription const& group, ProgramDescription const& program) {
+    auto const commands = program.commandsIn(group.name);
+    std::string text = fmt::format("        {})\n            _arguments -C", group.name);
+    for (auto const& option : group.options) {
+        text += " \\\n                " + optionArgument(option);
+    }
+    text += " \\\n                " + chooseCommand(commands);
+    text += " \\\n                '*::argument:->arguments'\n";
+    text += "            [[ $state == arguments ]] || return 0\n            case $words[1] in\n";
+    for (auto const& command : commands) {
+        text += commandCase(command, program);
+    }
+    return text + "            esac ;;\n";
+}
+
+// NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
+std::string commandCase(CommandDescription const& command, ProgramDescription const& program) {
+    if (command.isGroup) {
+        return groupCase(command, program);
+    }
     std::string text = fmt::format("        {})\n            _arguments", command.name);
     for (auto const& option : command.options) {
         text += " \\\n                " + optionArgument(option);
@@ -82,14 +116,12 @@ std::string zshCompletion(ProgramDescription const& program) {
     for (auto const& option : program.options) {
         script += " \\\n        " + optionArgument(option);
     }
-    script += " \\\n        '1:command:((";
     std::string cases;
-    for (auto const& command : program.commands) {
-        script += fmt::format(R"({}\:"{}" )", command.name, zshQuoted(command.text));
-        cases += commandCase(command);
+    for (auto const& command : program.commandsIn("")) {
+        cases += commandCase(command, program);
     }
-    script.back() = ')';
-    script += ")' \\\n        '*::argument:->arguments'\n";
+    script += " \\\n        " + chooseCommand(program.commandsIn(""));
+    script += " \\\n        '*::argument:->arguments'\n";
     script += "    [[ $state == arguments ]] || return 0\n    case $words[1] in\n";
     return script + cases + kEnd;
 }

@@ -1,11 +1,16 @@
 #include "tools/input/CaptureFinder.hpp"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <system_error>
 
@@ -27,6 +32,15 @@ bool isSomethingElse(CaptureCheck const& check) {
     return check.fault == CaptureFault::notCapture || check.fault == CaptureFault::notRegularFile;
 }
 
+/// Why there is no capture that can be used, with what may help; nothing where there is one.
+std::optional<std::string> refusalText(CaptureCheck const& check, bool wasCompressed) {
+    if (check.fault == CaptureFault::notCapture && check.size == 0) {
+        return "empty, no capture";
+    }
+    auto const fault = faultText(check);
+    return fault && wasCompressed ? "unpacked: " + *fault : fault;
+}
+
 class Finder {
 public:
     void follow(std::string const& argument) {
@@ -35,8 +49,10 @@ public:
             addStandardInput();
         } else if (fs::is_directory(argument, ignored)) {
             searchFolder(argument);
+        } else if (fs::is_fifo(argument, ignored)) {
+            addPipe(argument);
         } else {
-            add(argument, argument, checkCapture(argument));
+            addFile(argument, false);
         }
     }
 
@@ -50,41 +66,121 @@ private:
         }
     }
 
-    void add(std::string const& path, std::string const& name, CaptureCheck const& check) {
-        found_.files.insert(check.identity);
-        if (auto const fault = faultText(check)) {
-            refuse(name, *fault);
-            return;
+    /// @return whether a capture is known already by the identity of its file
+    bool isKnown(FileIdentity const& identity, std::string const& name) {
+        auto const known = known_.find(identity);
+        if (known != known_.end()) {
+            found_.numbers.emplace(name, known->second);
         }
-        auto const [known, isNew] = known_.emplace(check.identity, found_.captures.size());
-        found_.numbers.emplace(name, known->second);
-        if (isNew) {
-            found_.captures.push_back(
-                {.path = path, .name = name, .identity = check.identity, .size = check.size});
+        return known != known_.end();
+    }
+
+    /// @param identity  of the file that was named
+    void take(std::string const& path, std::string const& name, std::uint64_t size,
+              FileIdentity const& identity) {
+        std::size_t const number = found_.captures.size();
+        known_.emplace(identity, number);
+        found_.numbers.emplace(name, number);
+        found_.captures.push_back({.path = path, .name = name, .identity = identity, .size = size});
+    }
+
+    /// @param isInFolder  what is no capture is passed over
+    /// @return whether there is a capture
+    bool addFile(std::string const& path, bool isInFolder) {
+        CaptureCheck const check = checkCapture(path);
+        if (check.fault == CaptureFault::notCapture && startsCompressed(path)) {
+            found_.files.insert(check.identity);
+            return isKnown(check.identity, path) ||
+                   addSpool(::open(path.c_str(), O_RDONLY | O_CLOEXEC), path, check.identity,
+                            isInFolder);
+        }
+        if (isInFolder && isSomethingElse(check)) {
+            return false;
+        }
+        found_.files.insert(check.identity);
+        if (auto const reason = refusalText(check, false)) {
+            refuse(path, *reason);
+        } else if (!isKnown(check.identity, path)) {
+            take(path, path, check.size, check.identity);
+        }
+        return true;
+    }
+
+    void addPipe(std::string const& path) {
+        struct stat status {};
+        ::stat(path.c_str(), &status);
+        FileIdentity const identity{.device = status.st_dev, .inode = status.st_ino};
+        if (!isKnown(identity, path)) {
+            addSpool(::open(path.c_str(), O_RDONLY | O_CLOEXEC), path, identity, false);
         }
     }
 
     void addStandardInput() {
-        try {
-            if (!found_.standardInput) {
-                found_.standardInput = std::make_shared<StandardInput>();
-            }
-            std::string const& path = found_.standardInput->path();
-            add(path, "-", checkCapture(path));
-        } catch (std::system_error const& error) {
-            refuse("-", error.code().message());
+        struct stat status {};
+        if (::fstat(STDIN_FILENO, &status) != 0) {
+            refuse("-", std::generic_category().message(errno));
+            return;
         }
+        FileIdentity const identity{.device = status.st_dev, .inode = status.st_ino};
+        if (isKnown(identity, "-")) {
+            return;
+        }
+        std::string const path = fmt::format("/proc/self/fd/{}", STDIN_FILENO);
+        bool const isWhole = S_ISREG(status.st_mode) && ::lseek(STDIN_FILENO, 0, SEEK_CUR) == 0;
+        if (!isWhole || startsCompressed(path)) {
+            addSpool(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0), "-", identity, false);
+            return;
+        }
+        CaptureCheck const check = checkCapture(path);
+        found_.files.insert(check.identity);
+        if (auto const reason = refusalText(check, false)) {
+            refuse("-", *reason);
+        } else {
+            take(path, "-", check.size, identity);
+        }
+    }
+
+    /// @param descriptor  of what is read; may be -1, when errno says why
+    /// @return whether there is a capture, or one that should have been
+    bool addSpool(int descriptor, std::string const& name, FileIdentity const& identity,
+                  bool isInFolder) {
+        TalIec61850Analysis::Descriptor source(descriptor);
+        if (!source) {
+            refuse(name, std::generic_category().message(errno));
+            return true;
+        }
+        try {
+            auto spool = std::make_unique<Spool>(std::move(source));
+            spool->copyStart();
+            CaptureCheck const start = checkCapture(spool->path());
+            if (start.fault && isInFolder && isSomethingElse(start)) {
+                return false;
+            }
+            if (auto const reason = refusalText(start, spool->isCompressed())) {
+                refuse(name,
+                       spool->damage() && start.size == 0 ? escapeText(*spool->damage()) : *reason);
+                return true;
+            }
+            spool->copyRest();
+            if (spool->damage()) {
+                refuse(name, escapeText(*spool->damage()));
+            }
+            take(spool->path(), name, checkCapture(spool->path()).size, identity);
+            found_.spools.push_back(std::move(spool));
+        } catch (SpoolError const& error) {
+            refuse(name, fmt::format("no copy in {}: {}; TMPDIR may name another folder",
+                                     escapeText(error.folder()), error.code().message()));
+        } catch (std::system_error const& error) {
+            refuse(name, error.code().message());
+        }
+        return true;
     }
 
     void searchFolder(std::string const& folder) {
         std::size_t const faultsBefore = found_.faults.size();
         bool hasCapture = false;
         for (auto const& path : filesBelow(folder)) {
-            CaptureCheck const check = checkCapture(path);
-            if (!isSomethingElse(check)) {
-                hasCapture = true;
-                add(path, path, check);
-            }
+            hasCapture = addFile(path, true) || hasCapture;
         }
         if (!hasCapture && found_.faults.size() == faultsBefore) {
             refuse(folder, "no captures in this folder");

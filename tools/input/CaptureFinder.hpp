@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/input/StandardInput.hpp"
+#include "tools/input/Spool.hpp"
 
 namespace TalIec61850Tools {
 
@@ -36,13 +36,14 @@ struct FoundCaptures {
     std::set<FileIdentity> files;
     /// One line each, safe for a terminal, on what could not be used.
     std::vector<std::string> faults;
-    /// What "-" leads to, kept as long as it is read.
-    std::shared_ptr<StandardInput> standardInput;
+    /// Copies of what cannot be read as it is, kept as long as they are read.
+    std::vector<std::unique_ptr<Spool>> spools;
 };
 
 /// Follows the FILE arguments of a command: a capture is itself, a folder is the captures
-/// in it and in the folders below, "-" for standard input. In a folder a file that is no capture is
-/// passed over; links to folders are not followed.
+/// in it and in the folders below, "-" for standard input. What comes through a pipe, and what is
+/// compressed, is read as a copy. In a folder a file that is no capture is passed over, and so is
+/// a pipe; links to folders are not followed.
 [[nodiscard]] FoundCaptures findCaptures(std::vector<std::string> const& arguments);
 
 }  // namespace TalIec61850Tools

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "tools/options/ArgumentKinds.hpp"
 #include "tools/options/UsageError.hpp"
 
 namespace TalIec61850Tools {
@@ -15,28 +16,6 @@ constexpr char const* kEndOfOptions = "--";
 /// [a,b] is a list to the parser, ++ ends a subcommand.
 bool isMistakenForSyntax(std::string_view argument) {
     return argument == "++" || (argument.starts_with('[') && argument.ends_with(']'));
-}
-
-bool isPacketOfStandardInput(std::string_view argument) {
-    return argument.starts_with("-@") && argument.size() > 2 &&
-           argument.find_first_not_of("0123456789", 2) == std::string_view::npos;
-}
-
-/// The option of this name in any of the commands: options of one name are alike in all.
-CLI::Option const* findOption(CLI::App const& program, std::string const& name) {
-    for (CLI::App const* command : program.get_subcommands(nullptr)) {
-        if (CLI::Option const* option = command->get_option_no_throw(name)) {
-            return option;
-        }
-    }
-    return nullptr;
-}
-
-/// Whether the next argument is the value of this one.
-bool takesValue(CLI::App const& program, std::string const& argument) {
-    CLI::Option const* const option =
-        argument.starts_with('-') ? findOption(program, argument) : nullptr;
-    return option != nullptr && option->get_items_expected_max() > 0;
 }
 
 /// --svid=
@@ -59,22 +38,23 @@ std::vector<std::string> argumentsFor(CLI::App const& program,
                                       std::vector<std::string> const& arguments) {
     std::vector<std::string> ready;
     std::vector<std::string> afterOptions;
-    bool isValue = false;
     bool isAfterOptions = false;
-    for (std::string const& argument : arguments) {
-        if (isAfterOptions) {
-            afterOptions.push_back(isMistakenForSyntax(argument) ? "./" + argument : argument);
-        } else if (!isValue && argument == kEndOfOptions) {
+    auto const kinds = kindsOf(program, arguments);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::string const& argument = arguments[i];
+        bool const isWord = kinds[i] == ArgumentKind::word;
+        std::string const safe =
+            isWord && isMistakenForSyntax(argument) ? "./" + argument : argument;
+        if (kinds[i] == ArgumentKind::endOfOptions) {
             isAfterOptions = true;
-        } else if (!isValue && isPacketOfStandardInput(argument)) {
-            afterOptions.push_back(argument);
-        } else if (!isValue && hasEmptyValue(program, argument)) {
+        } else if (isAfterOptions || (isWord && isPacketOfStandardInput(argument))) {
+            afterOptions.push_back(safe);
+        } else if (kinds[i] == ArgumentKind::option && hasEmptyValue(program, argument)) {
             ready.push_back(argument.substr(0, argument.size() - 1));
             ready.emplace_back();
         } else {
-            ready.push_back(!isValue && isMistakenForSyntax(argument) ? "./" + argument : argument);
+            ready.push_back(safe);
         }
-        isValue = !isValue && !isAfterOptions && takesValue(program, argument);
     }
     if (isAfterOptions || !afterOptions.empty()) {
         ready.emplace_back(kEndOfOptions);

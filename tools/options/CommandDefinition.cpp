@@ -1,28 +1,72 @@
 #include "tools/options/CommandDefinition.hpp"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <utility>
+
+#include "tools/output/NearestWords.hpp"
 
 namespace TalIec61850Tools {
 
-void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices,
-               LetterCase letterCase) {
-    if (letterCase == LetterCase::ignored) {
-        option.transform(CLI::IsMember(choices, CLI::ignore_case));
-    } else {
-        option.check(CLI::IsMember(choices));
-    }
+namespace {
+
+CommandDefinition& addTo(ProgramDefinition& program, CLI::App& parent, std::string const& name,
+                         std::string const& text) {
+    CommandDefinition& command = program.commands.emplace_back();
+    command.parser = parent.add_subcommand(name, text);
+    return command;
+}
+
+bool isAlike(std::string const& a, std::string const& b) {
+    return a.size() == b.size() && countDifferences(a, b) == 0;
+}
+
+}  // namespace
+
+void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices) {
+    option.transform(CLI::Validator(
+        [choices](std::string& value) {
+            auto const found =
+                std::find_if(choices.begin(), choices.end(),
+                             [&](std::string const& choice) { return isAlike(choice, value); });
+            if (found == choices.end()) {
+                return fmt::format("{} is none of {}{}", value, fmt::join(choices, ", "),
+                                   didYouMean(value, choices));
+            }
+            value = *found;
+            return std::string();
+        },
+        ""));
     command.choices[&option] = std::move(choices);
 }
 
 CommandDefinition& addCommand(ProgramDefinition& program, std::string const& name,
                               std::string const& text) {
-    return program.commands.emplace_back(
-        CommandDefinition{.parser = program.parser.add_subcommand(name, text),
-                          .notes = {},
-                          .examples = {},
-                          .readsCaptures = false,
-                          .choices = {}});
+    return addTo(program, program.parser, name, text);
+}
+
+CommandDefinition& addCommand(ProgramDefinition& program, CommandDefinition const& group,
+                              std::string const& name, std::string const& text) {
+    return addTo(program, *group.parser, name, text);
+}
+
+CommandDefinition& addCommandGroup(ProgramDefinition& program, std::string const& name,
+                                   std::string const& text) {
+    CommandDefinition& group = addCommand(program, name, text);
+    group.isGroup = true;
+    group.parser->require_subcommand(0, 1);  // so a file may be called like one of its commands
+    return group;
+}
+
+std::vector<std::string> wordsOf(CLI::App const& command) {
+    std::vector<std::string> words;
+    for (CLI::App const* app = &command; app->get_parent() != nullptr; app = app->get_parent()) {
+        words.insert(words.begin(), app->get_name());
+    }
+    return words;
 }
 
 }  // namespace TalIec61850Tools

@@ -21,7 +21,16 @@ void addCommonOptions(CommandDefinition& command, CommonOptions& options,
         .add_option("-o,--output", options.outputFile,
                     "Write into FILE, which appears when all is written")
         ->option_text("FILE");
-    parser.add_flag("-q,--quiet", options.quiet, "Show no progress and no summary");
+    parser.add_flag("-q,--quiet", options.quiet,
+                    "Show no progress, no summary, no note where nothing matches");
+    parser
+        .add_option("--columns", options.columns,
+                    "Fields to write, in their order, such as time,svID; json and csv name them")
+        ->option_text("NAMES")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    parser.add_flag("--wide", options.wide,
+                    "Write tables whole on a terminal, where they are fitted otherwise");
     CLI::Option& colour =
         *parser.add_option("--color", options.colour,
                            "Headings in bold: auto (if not said; on a terminal that is not dumb, "

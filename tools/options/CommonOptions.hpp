@@ -16,6 +16,10 @@ struct CommonOptions {
     /// Empty for standard output.
     std::string outputFile;
     bool quiet = false;
+    /// Names of the fields to write, in their order; empty for all.
+    std::vector<std::string> columns;
+    /// Tables on a terminal as wide as their cells.
+    bool wide = false;
     /// auto, always or never
     std::string colour = "auto";
 };
@@ -25,7 +29,7 @@ struct CommonOptions {
 /// @param filesHelp  what the FILE arguments are
 void addCommonOptions(CommandDefinition& command, CommonOptions& options,
                       std::string const& filesHelp =
-                          "Captures, folders of captures, or - for "
+                          "Captures, compressed or not, pipes, folders, or - for "
                           "standard input");
 
 }  // namespace TalIec61850Tools

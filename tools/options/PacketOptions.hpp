@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include "tools/options/CommonOptions.hpp"
 #include "tools/options/SelectionOptions.hpp"
 
@@ -12,6 +15,8 @@ struct PacketOptions {
     WindowOptions window;
     /// With the packets next to the window, of each GOOSE stream in each file.
     bool withContext = false;
+    /// The most packets to write.
+    std::optional<std::uint64_t> limit;
 };
 
 /// Adds the options that select packets, without those of addCommonOptions.

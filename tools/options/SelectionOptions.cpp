@@ -23,18 +23,37 @@ constexpr std::size_t kAddressSize = 17;
     throw CLI::ValidationError(option, fmt::format("{} is not {}", value, wanted));
 }
 
+bool isMarkedHexadecimal(std::string const& text) {
+    return text.starts_with("0x") || text.starts_with("0X");
+}
+
+/// @return none for a text that is no number of the base, from 0 to `max`; a 0x counts for nothing
+std::optional<std::uint64_t> readNumber(std::string const& text, int base, std::uint64_t max) {
+    char const* const begin = text.data() + (isMarkedHexadecimal(text) ? 2 : 0);
+    char const* const end = text.data() + text.size();
+    std::uint64_t number = 0;
+    auto const [stop, error] = std::from_chars(begin, end, number, base);
+    bool const isNumber = error == std::errc{} && stop == end && number <= max;
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
 /// A decimal number, or a hexadecimal one with 0x before it.
 template <typename Number>
 Number toNumber(std::string const& option, std::string const& text, std::uint64_t max) {
-    bool const isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    char const* const begin = text.data() + (isHexadecimal ? 2 : 0);
-    char const* const end = text.data() + text.size();
-    std::uint64_t number = 0;
-    auto const [stop, error] = std::from_chars(begin, end, number, isHexadecimal ? 16 : 10);
-    if (error != std::errc{} || stop != end || number > max) {
+    auto const number = readNumber(text, isMarkedHexadecimal(text) ? 16 : 10, max);
+    if (!number) {
         refuse(option, text, fmt::format("a number from 0 to {}", max));
     }
-    return static_cast<Number>(number);
+    return static_cast<Number>(*number);
+}
+
+/// Hexadecimal, with or without 0x, as APPIDs are written everywhere.
+std::uint64_t toAppId(std::string const& option, std::string const& text) {
+    auto const number = readNumber(text, 16, 0xFFFF);
+    if (!number) {
+        refuse(option, text, "a hexadecimal number from 0 to FFFF");
+    }
+    return *number;
 }
 
 /// An address as the index has it: lower case, colons.
@@ -66,20 +85,21 @@ char toLane(std::string const& option, std::string const& text) {
 /// Adds an option that may be given several times, each time with one value.
 /// @param convert  from option name and text to an element of `values`; refuses others
 template <typename Value, typename Convert>
-void addRepeatable(CommandDefinition& command, std::string const& name, std::vector<Value>& values,
-                   std::string const& valueName, std::string const& help, Convert convert) {
-    command.parser
-        ->add_option_function<std::vector<std::string>>(
-            name,
-            [&values, name, convert](std::vector<std::string> const& texts) {
-                for (auto const& text : texts) {
-                    values.push_back(convert(name, text));
-                }
-            },
-            help)
-        ->allow_extra_args(false)
-        ->option_text(valueName)
-        ->group(kStreamsGroup);
+CLI::Option& addRepeatable(CommandDefinition& command, std::string const& name,
+                           std::vector<Value>& values, std::string const& valueName,
+                           std::string const& help, Convert convert) {
+    return *command.parser
+                ->add_option_function<std::vector<std::string>>(
+                    name,
+                    [&values, name, convert](std::vector<std::string> const& texts) {
+                        for (auto const& text : texts) {
+                            values.push_back(convert(name, text));
+                        }
+                    },
+                    help)
+                ->allow_extra_args(false)
+                ->option_text(valueName)
+                ->group(kStreamsGroup);
 }
 
 void addNumbers(CommandDefinition& command, StreamCriteria& c) {
@@ -87,9 +107,8 @@ void addNumbers(CommandDefinition& command, StreamCriteria& c) {
     addRepeatable(
         command, "--vlan", c.vlanIds, "ID", "VLAN identifier",
         [](Text option, Text text) { return toNumber<std::uint16_t>(option, text, 0xFFF); });
-    addRepeatable(
-        command, "--appid", c.appIds, "N", "APPID, such as 0x4000",
-        [](Text option, Text text) { return toNumber<std::uint64_t>(option, text, 0xFFFF); });
+    addRepeatable(command, "--appid", c.appIds, "HEX", "APPID, such as 4000 or 0x4000: hexadecimal",
+                  toAppId);
     addRepeatable(command, "--reserved1-bit0", c.reserved1Bit0, "BIT",
                   "Bit 0 of the second octet of Reserved 1: 0 or 1",
                   [](Text option, Text text) { return toNumber<std::uint8_t>(option, text, 1); });
@@ -110,7 +129,9 @@ void addNames(CommandDefinition& command, StreamCriteria& c) {
 TimeBound toTimeBound(std::string const& option, std::string const& text) {
     auto const bound = parseTimeBound(text);
     if (!bound) {
-        refuse(option, text, "a time such as 2024-03-20T10:00:00.28, 1710928800.28 or +1.5s");
+        refuse(option, text,
+               "a time such as 2024-03-20T10:00:00.28+01:00, 10:00:00.28, 1710928800.28, +1.5s or "
+               "-5s");
     }
     return *bound;
 }
@@ -136,13 +157,16 @@ void addCriteriaOptions(CommandDefinition& command, StreamCriteria& criteria) {
         },
         "goose or sv");
     protocol.option_text("NAME")->group(kStreamsGroup);
-    allowOnly(command, protocol, {"goose", "sv"}, LetterCase::ignored);
+    allowOnly(command, protocol, {"goose", "sv"});
     addRepeatable(command, "--source", c.sources, "MAC", "Source address", toAddress);
     addRepeatable(command, "--destination", c.destinations, "MAC", "Destination address",
                   toAddress);
     addNumbers(command, c);
-    addRepeatable(command, "--hsr", c.hsrLanes, "LANE", "Direction in an HSR ring: A or B", toLane);
-    addRepeatable(command, "--prp", c.prpLanes, "LAN", "PRP network: A or B", toLane);
+    // Choices for completions; toLane refuses others.
+    command.choices[&addRepeatable(command, "--hsr", c.hsrLanes, "LANE",
+                                   "Direction in an HSR ring: A or B", toLane)] = {"A", "B"};
+    command.choices[&addRepeatable(command, "--prp", c.prpLanes, "LAN", "PRP network: A or B",
+                                   toLane)] = {"A", "B"};
     addNames(command, c);
     CLI::Option& simulation = *command.parser->add_option_function<std::string>(
         "--simulation-element",
@@ -153,26 +177,33 @@ void addCriteriaOptions(CommandDefinition& command, StreamCriteria& criteria) {
 }
 
 void WindowOptions::check() const {
-    if (from && to && from->isRelative == to->isRelative && to->time < from->time) {
+    if (from && to && to->isSurelyBefore(*from)) {
         throw UsageError("--to lies before --from");
     }
 }
 
-TalIec61850Analysis::TimeWindow WindowOptions::resolve(CaptureTime begin) const {
+bool WindowOptions::needsEnd() const {
+    auto const isFromEnd = [](std::optional<TimeBound> const& bound) {
+        return bound && bound->origin == TimeOrigin::end;
+    };
+    return isFromEnd(from) || isFromEnd(to);
+}
+
+TalIec61850Analysis::TimeWindow WindowOptions::resolve(CaptureSpan const& captures) const {
     TalIec61850Analysis::TimeWindow window;
     if (from) {
-        window.from = from->resolve(begin);
+        window.from = from->resolve(captures);
     }
     if (to) {
-        window.to = to->resolve(begin);
+        window.to = to->resolve(captures);
     }
     return window;
 }
 
 void addWindowOptions(CommandDefinition& command, WindowOptions& window) {
     addBound(command, "--from", window.from,
-             "Begin of the window: UTC date and time, seconds since 1970, or +1.5s from the "
-             "begin of the captures");
+             "Begin of the window: date and time, time of day, seconds since 1970, +1.5s from "
+             "the begin of the captures, -5s from their end");
     addBound(command, "--to", window.to, "End of the window, itself inside");
 }
 

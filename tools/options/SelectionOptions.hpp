@@ -12,6 +12,19 @@ namespace TalIec61850Tools {
 /// The heading of the options on time in a help.
 inline constexpr char const* kWindowGroup = "Which time";
 
+/// What a help says about TIME.
+inline constexpr char const* kTimeNotes =
+    R"(TIME for --from and --to, both inside the window, is one of:
+  2024-03-20T10:00:00.28   UTC; without decimals, seconds or the time of
+                           day if you like
+  2024-03-20T11:00+01:00   of a clock that is ahead of UTC
+  10:00:00.28, 11:00+01:00 on the day on which the captures begin
+  1710928800.28            seconds since 1970, up to nine decimals
+  +1.5s                    from the earliest first record of all
+                           captures; ns, us, ms, s (if none), min, h
+  -5s                      before the latest record of all captures
+)";
+
 /// Adds an option for each member of a stream's identity.
 /// @param criteria  written while the command line is parsed
 void addCriteriaOptions(CommandDefinition& command, StreamCriteria& criteria);
@@ -25,8 +38,10 @@ struct WindowOptions {
     ///                     captures
     void check() const;
 
-    /// @param begin  start of the captures
-    [[nodiscard]] TalIec61850Analysis::TimeWindow resolve(CaptureTime begin) const;
+    /// Whether `resolve` uses the end of the captures.
+    [[nodiscard]] bool needsEnd() const;
+
+    [[nodiscard]] TalIec61850Analysis::TimeWindow resolve(CaptureSpan const& captures) const;
 };
 
 /// Adds --from and --to.

@@ -133,39 +133,100 @@ std::optional<nanoseconds> takeClock(TimeReader& reader) {
     return time + seconds(*second) + nanoseconds(*decimals);
 }
 
-std::optional<nanoseconds> readDateAndTime(std::string_view text) {
-    TimeReader reader(text);
+/// Z or an offset from UTC, such as +01:00; none of them is UTC as well.
+/// @return how far the clock is ahead of UTC; none if there is something else
+std::optional<nanoseconds> takeZone(TimeReader& reader) {
+    if (reader.isAtEnd()) {
+        return nanoseconds(0);
+    }
+    if (reader.take('Z')) {
+        return reader.isAtEnd() ? std::optional(nanoseconds(0)) : std::nullopt;
+    }
+    bool const isBehind = reader.take('-');
+    bool const hasSign = isBehind || reader.take('+');
+    auto const hours = hasSign ? reader.takeNumber(2, 2) : std::nullopt;
+    bool const hasMinutes = hours && reader.take(':');
+    auto const minutes = hasMinutes ? reader.takeNumber(2, 2) : std::nullopt;
+    if (!minutes || *hours > 23 || *minutes > 59 || !reader.isAtEnd()) {
+        return std::nullopt;
+    }
+    nanoseconds const offset = std::chrono::hours(*hours) + std::chrono::minutes(*minutes);
+    return isBehind ? -offset : offset;
+}
+
+bool isWithinYears(nanoseconds time) {
+    return time.count() >= 0 && time < nanoseconds(seconds(kMaxSeconds));
+}
+
+std::optional<TimeBound> readDateAndTime(TimeReader reader) {
     auto const date = takeDate(reader);
     if (!date || reader.isAtEnd()) {
-        return date;
+        return date ? std::optional(TimeBound{.time = *date}) : std::nullopt;
     }
     bool const hasClock = reader.take('T') || reader.take(' ');
     auto const clock = hasClock ? takeClock(reader) : std::nullopt;
-    reader.take('Z');
-    return clock && reader.isAtEnd() ? std::optional(*date + *clock) : std::nullopt;
+    auto const ahead = clock ? takeZone(reader) : std::nullopt;
+    bool const isTime = ahead && isWithinYears(*date + *clock - *ahead);
+    return isTime ? std::optional(TimeBound{.time = *date + *clock - *ahead}) : std::nullopt;
+}
+
+std::optional<TimeBound> readTimeOfDay(TimeReader reader) {
+    auto const clock = takeClock(reader);
+    auto const ahead = clock ? takeZone(reader) : std::nullopt;
+    return ahead ? std::optional(
+                       TimeBound{.origin = TimeOrigin::day, .time = *clock, .aheadOfUtc = *ahead})
+                 : std::nullopt;
+}
+
+std::optional<TimeBound> readLength(TimeReader reader, TimeOrigin origin,
+                                    nanoseconds (*unitOf)(std::string_view)) {
+    auto const length = takeLength(reader, unitOf);
+    return length ? std::optional(TimeBound{.origin = origin, .time = *length}) : std::nullopt;
+}
+
+/// Midnight of the day on which the captures begin, by a clock that is ahead of UTC.
+CaptureTime midnight(CaptureTime begin, nanoseconds ahead) {
+    CaptureTime const latest = CaptureTime::max() - std::chrono::days(3);
+    return std::chrono::floor<std::chrono::days>(std::min(begin, latest) + ahead) - ahead;
 }
 
 }  // namespace
 
-CaptureTime TimeBound::resolve(CaptureTime begin) const {
-    if (!isRelative) {
-        return CaptureTime(time);
+CaptureTime TimeBound::resolve(CaptureSpan const& captures) const {
+    switch (origin) {
+        case TimeOrigin::begin:
+            return time > CaptureTime::max() - captures.begin ? CaptureTime::max()
+                                                              : captures.begin + time;
+        case TimeOrigin::end:
+            return captures.end - time;
+        case TimeOrigin::day:
+            return midnight(captures.begin, aheadOfUtc) + time;
+        default:
+            return CaptureTime(time);
     }
-    return time > CaptureTime::max() - begin ? CaptureTime::max() : begin + time;
+}
+
+bool TimeBound::isSurelyBefore(TimeBound const& other) const {
+    if (origin != other.origin || aheadOfUtc != other.aheadOfUtc) {
+        return false;
+    }
+    return origin == TimeOrigin::end ? time > other.time : time < other.time;
 }
 
 std::optional<TimeBound> parseTimeBound(std::string_view text) {
-    std::optional<nanoseconds> time;
+    constexpr std::size_t afterHour = 2;
     TimeReader reader(text);
-    bool const isRelative = reader.take('+');
-    if (isRelative) {
-        time = takeLength(reader, unitNamed);
-    } else if (text.find('-') != std::string_view::npos) {
-        time = readDateAndTime(text);
-    } else {
-        time = takeLength(reader, noUnit);
+    if (reader.take('+')) {
+        return readLength(reader, TimeOrigin::begin, unitNamed);
     }
-    return time ? std::optional(TimeBound{.isRelative = isRelative, .time = *time}) : std::nullopt;
+    if (reader.take('-')) {
+        return readLength(reader, TimeOrigin::end, unitNamed);
+    }
+    if (text.find(':') == afterHour) {
+        return readTimeOfDay(reader);
+    }
+    return text.find('-') != std::string_view::npos ? readDateAndTime(reader)
+                                                    : readLength(reader, TimeOrigin::epoch, noUnit);
 }
 
 }  // namespace TalIec61850Tools

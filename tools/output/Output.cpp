@@ -16,6 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// What is handed over at once: as much as a pipe holds.
+constexpr std::size_t kBlockSize = std::size_t{1} << 16U;
 constexpr mode_t kAnybody = 0666;
 constexpr mode_t kPermissions = 07777;
 
@@ -44,10 +46,11 @@ fs::path followLinks(fs::path path) {
 
 }  // namespace
 
-Output::Output() = default;
+Output::Output() : Output(std::string()) {}
 
 Output::Output(std::string const& path) {
     if (path.empty()) {
+        isTerminal_ = ::isatty(STDOUT_FILENO) == 1;
         return;
     }
     name_ = escapeText(path);
@@ -86,17 +89,32 @@ void Output::openUnfinished(mode_t mode) {
     }
 }
 
-Output::~Output() = default;
+Output::~Output() {
+    if (!unfinished_ && stream_ != nullptr) {
+        std::fwrite(pending_.data(), 1, pending_.size(), stream_);
+    }
+}
 
 void Output::fail() const { throw OutputError(name_, errno); }
 
 void Output::write(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) {
+    pending_ += text;
+    if (pending_.size() >= kBlockSize || isTerminal_) {
+        writePending();
+    }
+}
+
+void Output::writePending() {
+    bool const isWritten =
+        std::fwrite(pending_.data(), 1, pending_.size(), stream_) == pending_.size();
+    pending_.clear();
+    if (!isWritten) {
         fail();
     }
 }
 
 void Output::finish() {
+    writePending();
     if (std::fflush(stream_) != 0) {
         fail();
     }
@@ -107,7 +125,5 @@ void Output::finish() {
         fail();
     }
 }
-
-bool Output::isTerminal() const { return !file_ && ::isatty(STDOUT_FILENO) == 1; }
 
 }  // namespace TalIec61850Tools

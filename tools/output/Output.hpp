@@ -25,7 +25,7 @@ public:
     explicit Output(std::string const& path);
     Output(Output const&) = delete;
     Output& operator=(Output const&) = delete;
-    /// Removes a file that is not finished.
+    /// Removes a file that is not finished; hands over what was written elsewhere.
     ~Output();
 
     /// @throws OutputError  it is closed, full, or a pipe without a reader
@@ -35,8 +35,11 @@ public:
     /// @throws OutputError  as write
     void finish();
 
+    /// Whether it is a file that appears when it is finished.
+    [[nodiscard]] bool isFile() const { return unfinished_.has_value(); }
+
     /// Whether standard output is meant and is a terminal.
-    [[nodiscard]] bool isTerminal() const;
+    [[nodiscard]] bool isTerminal() const { return isTerminal_; }
 
 private:
     struct CloseFile {
@@ -44,7 +47,11 @@ private:
     };
     [[noreturn]] void fail() const;
     void openUnfinished(mode_t mode);
+    void writePending();
 
+    bool isTerminal_ = false;
+    /// What was written and is not handed over yet.
+    std::string pending_;
     std::FILE* stream_ = stdout;
     std::unique_ptr<std::FILE, CloseFile> file_;
     /// Its name in messages.

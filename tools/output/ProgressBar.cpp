@@ -1,7 +1,6 @@
 #include "tools/output/ProgressBar.hpp"
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "tools/output/Terminal.hpp"
 #include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
@@ -19,18 +19,11 @@ constexpr std::size_t kBarColumns = 20;
 constexpr std::size_t kPercentColumns = 5;                                  // " 100%"
 constexpr std::size_t kBarTailColumns = kBarColumns + 3 + kPercentColumns;  // " [...] 100%"
 constexpr std::size_t kColumnsForBar = 2 * kBarTailColumns;
-constexpr std::size_t kUnknownColumns = 80;
 constexpr std::chrono::duration<double> kFirstMoment{0.1};
 /// A longer time left is not shown.
 constexpr double kLongestTimeLeft = 99.0 * 3600.0;
 
 int toPercent(double fraction) { return static_cast<int>(fraction * 100.0); }
-
-std::size_t terminalColumns() {
-    winsize size{};
-    bool const isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return isKnown ? size.ws_col : kUnknownColumns;
-}
 
 std::string clockText(std::chrono::seconds time) {
     std::chrono::hh_mm_ss const clock(time);
@@ -44,7 +37,8 @@ std::string clockText(std::chrono::seconds time) {
 std::string speedText(Progress const& progress) {
     std::string text;
     if (auto const rate = progress.rate()) {
-        text += fmt::format(" {:.1f} MB/s", *rate / 1e6);
+        text += progress.unit == ProgressUnit::octets ? fmt::format(" {:.1f} MB/s", *rate / 1e6)
+                                                      : fmt::format(" {:.0f} packets/s", *rate);
     }
     if (auto const left = progress.timeLeft()) {
         text += fmt::format(", {} left", clockText(*left));
@@ -98,10 +92,10 @@ std::string progressLine(std::string_view escapedName, Progress const& progress,
                        kBarColumns, percent, speed);
 }
 
-ProgressBar::ProgressBar(std::uint64_t totalOctets, bool isShown)
-    : isShown_(isShown), totalOctets_(totalOctets) {
+ProgressBar::ProgressBar(std::uint64_t totalOctets, bool isShown, ProgressUnit unit)
+    : isShown_(isShown), totalOctets_(totalOctets), unit_(unit) {
     if (isShown_) {
-        columns_ = terminalColumns();
+        columns_ = terminalColumns(STDERR_FILENO);
     }
 }
 
@@ -122,7 +116,8 @@ void ProgressBar::show(double fraction) {
     double const ofFile = std::clamp(fraction, 0.0, 1.0) * static_cast<double>(fileOctets_);
     Progress const progress{.doneOctets = octetsBefore_ + static_cast<std::uint64_t>(ofFile),
                             .totalOctets = totalOctets_,
-                            .elapsed = Clock::now() - begin_};
+                            .elapsed = Clock::now() - begin_,
+                            .unit = unit_};
     std::pair const drawing(
         toPercent(progress.fraction()),
         std::chrono::duration_cast<std::chrono::seconds>(progress.elapsed).count());

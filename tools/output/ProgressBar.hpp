@@ -9,16 +9,21 @@
 
 namespace TalIec61850Tools {
 
-/// How far the reading of all files has come.
+/// What a bar counts.
+enum class ProgressUnit { octets, packets };
+
+/// How far the reading of all files has come, or the writing of packets.
 struct Progress {
     std::uint64_t doneOctets = 0;
     /// Of all files together; 0 if that is not known.
     std::uint64_t totalOctets = 0;
     std::chrono::duration<double> elapsed{};
+    /// Packets are counted in place of octets.
+    ProgressUnit unit = ProgressUnit::octets;
 
     /// 0 to 1.
     [[nodiscard]] double fraction() const;
-    /// Octets per second so far; none in the first moment.
+    /// Octets or packets per second so far; none in the first moment.
     [[nodiscard]] std::optional<double> rate() const;
     /// The time that the rest takes at that rate.
     [[nodiscard]] std::optional<std::chrono::seconds> timeLeft() const;
@@ -36,7 +41,7 @@ class ProgressBar {
 public:
     /// @param totalOctets  of all files together
     /// @param isShown      false for a bar that does nothing
-    ProgressBar(std::uint64_t totalOctets, bool isShown);
+    ProgressBar(std::uint64_t totalOctets, bool isShown, ProgressUnit unit = ProgressUnit::octets);
     ProgressBar(ProgressBar const&) = delete;
     ProgressBar& operator=(ProgressBar const&) = delete;
     /// Erases the line.
@@ -52,6 +57,14 @@ public:
     /// @param fraction  of the current file, 0 to 1
     void show(double fraction);
 
+    /// Counts a packet of the current file, and shows that now and then.
+    void countOne() {
+        constexpr std::uint64_t packetsPerLook = 256;
+        if (isShown_ && ++counted_ % packetsPerLook == 0) {
+            show(static_cast<double>(counted_) / static_cast<double>(fileOctets_));
+        }
+    }
+
     /// Erases the line, so that a message can be written; the next `show` draws it again.
     void erase();
 
@@ -61,6 +74,8 @@ private:
     bool isShown_;
     Clock::time_point begin_ = Clock::now();
     std::uint64_t totalOctets_;
+    ProgressUnit unit_;
+    std::uint64_t counted_ = 0;
     std::uint64_t octetsBefore_ = 0;
     std::uint64_t fileOctets_ = 0;
     std::string escapedName_;

@@ -1,47 +1,65 @@
 #pragma once
 
 #include <functional>
-#include <nlohmann/json.hpp>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace TalIec61850Tools {
+#include "tools/output/Cell.hpp"
+#include "tools/output/TextEscape.hpp"
 
-/// The fields of a row for other programs, in their order; or the value of one.
-using Fields = nlohmann::ordered_json;
+namespace TalIec61850Tools {
 
 /// A field of a row for other programs.
 template <typename Row>
 struct Field {
     std::string_view name;
-    /// Null for what the row lacks.
-    std::function<Fields(Row const& row)> value;
+    /// Absent for what the row lacks.
+    std::function<Cell(Row const& row)> cell;
+    /// An object of which alone the value depends, and which many rows have in common: its text is
+    /// made once. It stays as it is while rows are written. Null for a field of the row alone.
+    void const* (*sharedBy)(Row const& row) = nullptr;
 };
 
-enum class Align { left, right };
+enum class Align {
+    left,
+    right,
+    byValue,  ///< numbers to the right
+};
+
+/// How a column gives way in a table that has to fit a terminal.
+struct Fit {
+    /// Columns of lower rank come first, and are left out last.
+    std::size_t rank = 0;
+    /// The characters that a cell keeps at least, where it has more; 0 if none may go.
+    std::size_t least = 0;
+    Cut cut = Cut::end;
+    /// Whether it is shown without a value in any row.
+    bool isShownEmpty = false;
+};
 
 /// The head of a column of a table for people.
 struct Heading {
-    std::string_view text;
+    std::string text;
     Align align = Align::left;
+    Fit fit = {};
 };
 
 /// A column of a table for people.
 template <typename Row>
 struct Column {
     Heading heading;
-    /// Its text in a row, safe for a terminal.
-    std::string (*cell)(Row const& row);
+    /// Its value in a row.
+    std::function<Cell(Row const& row)> cell;
+    /// The field that it shows; empty if it is made of several.
+    std::string_view field = {};
 };
 
 /// The output of the rows of one type.
 template <typename Row>
 struct RowLayout {
     std::vector<Field<Row>> fields;
-    /// Of static lifetime.
-    std::span<Column<Row> const> columns;
+    std::vector<Column<Row>> columns;
 };
 
 /// The names of the fields, which every row has in this order.
@@ -54,29 +72,18 @@ template <typename Row>
     return names;
 }
 
-/// The fields of one row.
-template <typename Row>
-[[nodiscard]] Fields toFields(RowLayout<Row> const& layout, Row const& row) {
-    Fields fields = Fields::object();
-    auto& members = fields.template get_ref<Fields::object_t&>();
-    members.reserve(layout.fields.size());
-    for (auto const& field : layout.fields) {
-        // Without a search for the name, which occurs once in a layout.
-        members.emplace_back(std::string(field.name), field.value(row));
-    }
-    return fields;
-}
-
 /// Adds the fields of a part of the row.
-/// @param partOf  finds the part in a row
+/// @param partOf    finds the part in a row
+/// @param sharedBy  see Field; for a part that many rows have in common
 template <typename Row, typename Part>
 void appendFields(std::vector<Field<Row>>& fields, std::vector<Field<Part>> const& partFields,
-                  Part const& (*partOf)(Row const& row)) {
+                  Part const& (*partOf)(Row const& row),
+                  void const* (*sharedBy)(Row const& row) = nullptr) {
     for (auto const& field : partFields) {
         fields.push_back(
-            {.name = field.name, .value = [value = field.value, partOf](Row const& row) {
-                 return value(partOf(row));
-             }});
+            {.name = field.name,
+             .cell = [cell = field.cell, partOf](Row const& row) { return cell(partOf(row)); },
+             .sharedBy = sharedBy});
     }
 }
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
 namespace TalIec61850Tools {
 
@@ -19,6 +20,81 @@ std::string_view lastCharacter(std::string_view text) {
         --start;
     }
     return text.substr(start);
+}
+
+std::string_view firstCharacter(std::string_view text) {
+    std::size_t end = 1;
+    while (end < text.size() && isContinuation(text[end])) {
+        ++end;
+    }
+    return text.substr(0, end);
+}
+
+bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80U; }
+
+/// The number of a character that is valid UTF-8.
+char32_t codePoint(std::string_view character) {
+    auto const first = static_cast<unsigned char>(character.front());
+    if (character.size() == 1) {
+        return first;
+    }
+    char32_t code = first & (0x7FU >> character.size());
+    for (char const c : character.substr(1)) {
+        code = (code << 6U) | (static_cast<unsigned char>(c) & 0x3FU);
+    }
+    return code;
+}
+
+/// Two for a character that terminals show wide.
+std::size_t columnsOf(std::string_view character) {
+    struct Range {
+        char32_t first;
+        char32_t last;
+    };
+    constexpr std::array<Range, 11> wide = {{{0x1100, 0x115F},
+                                             {0x2E80, 0x303E},
+                                             {0x3041, 0xA4CF},
+                                             {0xA960, 0xA97F},
+                                             {0xAC00, 0xD7A3},
+                                             {0xF900, 0xFAFF},
+                                             {0xFE30, 0xFE6F},
+                                             {0xFF00, 0xFF60},
+                                             {0xFFE0, 0xFFE6},
+                                             {0x1F300, 0x1FAFF},
+                                             {0x20000, 0x3FFFD}}};
+    char32_t const code = codePoint(character);
+    bool const isWide = std::any_of(wide.begin(), wide.end(), [&](Range const& range) {
+        return code >= range.first && code <= range.last;
+    });
+    return isWide ? 2 : 1;
+}
+
+/// The characters at the begin that take no more than so many columns.
+std::string_view firstColumns(std::string_view text, std::size_t columns) {
+    std::size_t end = 0;
+    while (end < text.size()) {
+        auto const character = firstCharacter(text.substr(end));
+        if (columnsOf(character) > columns) {
+            break;
+        }
+        columns -= columnsOf(character);
+        end += character.size();
+    }
+    return text.substr(0, end);
+}
+
+/// The characters at the end that take no more than so many columns.
+std::string_view lastColumns(std::string_view text, std::size_t columns) {
+    std::size_t begin = text.size();
+    while (begin > 0) {
+        auto const character = lastCharacter(text.substr(0, begin));
+        if (columnsOf(character) > columns) {
+            break;
+        }
+        columns -= columnsOf(character);
+        begin -= character.size();
+    }
+    return text.substr(begin);
 }
 
 /// True only for characters that need no escape; false is inconclusive.
@@ -46,8 +122,29 @@ std::string escapeText(std::string_view text) {
 }
 
 std::size_t countColumns(std::string_view escaped) {
-    return static_cast<std::size_t>(
-        std::count_if(escaped.begin(), escaped.end(), [](char c) { return !isContinuation(c); }));
+    if (std::all_of(escaped.begin(), escaped.end(), isAscii)) {
+        return escaped.size();
+    }
+    std::size_t columns = 0;
+    while (!escaped.empty()) {
+        auto const character = firstCharacter(escaped);
+        columns += columnsOf(character);
+        escaped.remove_prefix(character.size());
+    }
+    return columns;
+}
+
+std::string shorten(std::string_view escaped, std::size_t maxColumns, Cut cut,
+                    std::string_view ellipsis) {
+    if (countColumns(escaped) <= maxColumns) {
+        return std::string(escaped);
+    }
+    std::size_t const dots = countColumns(ellipsis);
+    std::string_view const mark = 2 * dots > maxColumns ? std::string_view() : ellipsis;
+    std::size_t const room = maxColumns - countColumns(mark);
+    std::size_t const atEnd = cut == Cut::start ? room : (cut == Cut::middle ? room / 2 : 0);
+    std::string text(firstColumns(escaped, room - atEnd));
+    return text.append(mark).append(lastColumns(escaped, atEnd));
 }
 
 std::string keepEnd(std::string_view escaped, std::size_t maxColumns) {

@@ -1,36 +1,29 @@
 #include "tools/render/Cells.hpp"
 
-#include "tools/output/TextEscape.hpp"
+#include "tools/render/StreamFields.hpp"
 #include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 
-std::string nameCell(std::optional<std::string> const& name) {
-    if (!name) {
-        return std::string(kAbsentCell);
-    }
-    return name->empty() ? "\"\"" : escapeText(*name);
+Cell appIdCell(StreamIdentity const& identity) {
+    return identity.appId ? Cell(appIdText(*identity.appId)) : Cell();
 }
 
-std::string appIdCell(StreamIdentity const& identity) {
-    return identity.appId ? fmt::format("0x{:04X}", *identity.appId) : std::string(kAbsentCell);
+Cell vlanCell(StreamIdentity const& identity) {
+    return identity.vlan ? Cell(identity.vlan->vlanId) : Cell();
 }
 
-std::string vlanCell(StreamIdentity const& identity) {
-    return identity.vlan ? numberCell(identity.vlan->vlanId) : std::string(kAbsentCell);
+Cell hsrCell(StreamIdentity const& identity) {
+    return identity.hsr && identity.hsr->lanId ? Cell(std::string_view(&*identity.hsr->lanId, 1))
+                                               : Cell();
 }
 
-std::string hsrCell(StreamIdentity const& identity) {
-    return identity.hsr && identity.hsr->lanId ? escapeText({&*identity.hsr->lanId, 1})
-                                               : std::string(kAbsentCell);
+Cell streamNameCell(StreamIdentity const& identity) {
+    return identity.svID ? identity.svID : identity.gocbRef;
 }
 
-std::string streamNameCell(StreamIdentity const& identity) {
-    return nameCell(identity.svID ? identity.svID : identity.gocbRef);
-}
-
-std::string timeCell(std::optional<CaptureTime> const& time) {
-    return time ? toUtcText(*time) : std::string(kAbsentCell);
+Cell timeCell(std::optional<CaptureTime> const& time) {
+    return time ? Cell(toUtcCell(*time)) : Cell();
 }
 
 }  // namespace TalIec61850Tools

@@ -1,39 +1,45 @@
 #pragma once
 
-#include <fmt/format.h>
-
 #include <optional>
 #include <string>
 
-#include "tools/output/TableLines.hpp"
+#include "tools/output/Cell.hpp"
+#include "tools/output/RowLayout.hpp"
 #include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/StreamIdentity.hpp"
 
-// The text of table cells for the values that rows are made of; see kAbsentCell.
+// The values of table cells, and how columns of them give way to others.
 
 namespace TalIec61850Tools {
 
-/// A name from outside, escaped; "" in quotes for an empty one.
-[[nodiscard]] std::string nameCell(std::optional<std::string> const& name);
-
 /// Four hexadecimal digits, such as 0x4000.
-[[nodiscard]] std::string appIdCell(StreamIdentity const& identity);
+[[nodiscard]] Cell appIdCell(StreamIdentity const& identity);
 
 /// The VLAN identifier.
-[[nodiscard]] std::string vlanCell(StreamIdentity const& identity);
+[[nodiscard]] Cell vlanCell(StreamIdentity const& identity);
 
 /// A or B.
-[[nodiscard]] std::string hsrCell(StreamIdentity const& identity);
+[[nodiscard]] Cell hsrCell(StreamIdentity const& identity);
 
 /// The name that a stream is known by: svID or gocbRef.
-[[nodiscard]] std::string streamNameCell(StreamIdentity const& identity);
+[[nodiscard]] Cell streamNameCell(StreamIdentity const& identity);
 
 /// UTC.
-[[nodiscard]] std::string timeCell(std::optional<CaptureTime> const& time);
+[[nodiscard]] Cell timeCell(std::optional<CaptureTime> const& time);
 
-template <typename Number>
-[[nodiscard]] std::string numberCell(std::optional<Number> const& number) {
-    return number ? fmt::to_string(*number) : std::string(kAbsentCell);
+/// Of a column of times: the date and milliseconds stay.
+[[nodiscard]] constexpr Fit fitTime(std::size_t rank) {
+    return {.rank = rank, .least = 24, .cut = Cut::end};
+}
+
+/// Of a column of names: the begin and the end stay.
+[[nodiscard]] constexpr Fit fitName(std::size_t rank, std::size_t least) {
+    return {.rank = rank, .least = least, .cut = Cut::middle};
+}
+
+/// Of a column of files: the end stays.
+[[nodiscard]] constexpr Fit fitFile(std::size_t rank) {
+    return {.rank = rank, .least = 14, .cut = Cut::start};
 }
 
 }  // namespace TalIec61850Tools

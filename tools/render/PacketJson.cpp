@@ -159,7 +159,7 @@ Json toJson(FrameHeader const& header) {
                  {"hsr", fieldJson(header.hsr)},
                  {"prp", fieldJson(header.prp)},
                  {"etherType", fieldJson(header.etherType)},
-                 {"appId", fieldJson(header.appId)},
+                 {"appId", header.appId ? Json(fmt::format("0x{:04X}", *header.appId)) : Json()},
                  {"length", fieldJson(header.length)},
                  {"reserved1", fieldJson(header.reserved1)},
                  {"simulated", header.reserved1 ? Json(header.simulated()) : Json()},

@@ -1,8 +1,7 @@
 #include "tools/render/PacketLayout.hpp"
 
-#include <array>
+#include <fmt/format.h>
 
-#include "tools/output/TextEscape.hpp"
 #include "tools/render/Cells.hpp"
 #include "tools/render/StreamFields.hpp"
 #include "tools/render/UtcText.hpp"
@@ -12,20 +11,28 @@ namespace TalIec61850Tools {
 namespace {
 
 // The place is the last one, so that it can be left out.
-constexpr std::array kPacketColumns = {
-    Column<PacketRow>{{"TIME"}, [](PacketRow const& r) { return toUtcText(r.time); }},
-    Column<PacketRow>{{"PROTO"},
-                      [](PacketRow const& r) { return std::string(toText(r.stream.protocol)); }},
-    Column<PacketRow>{{"SOURCE"}, [](PacketRow const& r) { return nameCell(r.stream.source); }},
-    Column<PacketRow>{{"APPID", Align::right},
-                      [](PacketRow const& r) { return appIdCell(r.stream); }},
-    Column<PacketRow>{{"SVID/GOCBREF"},
-                      [](PacketRow const& r) { return streamNameCell(r.stream); }},
-    Column<PacketRow>{
-        {"FILE@POSITION"},
-        [](PacketRow const& r) { return fmt::format("{}@{}", escapeText(r.file), r.position); }},
-    Column<PacketRow>{{"PLACE"}, [](PacketRow const& r) { return std::string(toText(r.place)); }},
-};
+std::vector<Column<PacketRow>> packetColumns() {
+    using Row = PacketRow const&;
+    return {
+        {{"TIME", Align::left, fitTime(0)},
+         [](Row r) -> Cell { return toUtcCell(r.time); },
+         "time"},
+        {{"PROTO", Align::left, {.rank = 1}},
+         [](Row r) -> Cell { return toText(r.stream->protocol); },
+         "protocol"},
+        {{"SOURCE", Align::left, {.rank = 6}},
+         [](Row r) -> Cell { return r.stream->source; },
+         "source"},
+        {{"APPID", Align::right, {.rank = 4}}, [](Row r) { return appIdCell(*r.stream); }, "appId"},
+        {{"SVID/GOCBREF", Align::left, fitName(3, 14)},
+         [](Row r) { return streamNameCell(*r.stream); }},
+        {{"FILE@POSITION", Align::left, fitFile(5)},
+         [](Row r) -> Cell { return fmt::format("{}@{}", r.file, r.position); }},
+        {{"PLACE", Align::left, {.rank = 2}},
+         [](Row r) -> Cell { return toText(r.place); },
+         "place"},
+    };
+}
 
 }  // namespace
 
@@ -41,20 +48,22 @@ std::string_view toText(Place place) {
 }
 
 std::vector<Field<PacketRow>> packetFields() {
-    return {{"time", [](PacketRow const& r) { return toUtcText(r.time); }},
-            {"timeNs", [](PacketRow const& r) { return nanosecondsSince1970(r.time); }},
-            {"file", [](PacketRow const& r) { return r.file; }},
-            {"position", [](PacketRow const& r) { return r.position; }},
-            {"place", [](PacketRow const& r) { return toText(r.place); }}};
+    return {{"time", [](PacketRow const& r) -> Cell { return toUtcCell(r.time); }},
+            {"timeNs", [](PacketRow const& r) -> Cell { return nanosecondsSince1970(r.time); }},
+            {"file", [](PacketRow const& r) -> Cell { return r.file; }},
+            {"position", [](PacketRow const& r) -> Cell { return r.position; }},
+            {"place", [](PacketRow const& r) -> Cell { return toText(r.place); }}};
 }
 
 RowLayout<PacketRow> packetLayout(bool withPlace) {
-    std::span<Column<PacketRow> const> const columns(kPacketColumns);
-    RowLayout<PacketRow> layout{.fields = packetFields(),
-                                .columns = withPlace ? columns : columns.first(columns.size() - 1)};
+    RowLayout<PacketRow> layout{.fields = packetFields(), .columns = packetColumns()};
+    if (!withPlace) {
+        layout.columns.pop_back();
+    }
     appendFields<PacketRow, StreamIdentity>(
         layout.fields, streamFields(),
-        [](PacketRow const& r) -> StreamIdentity const& { return r.stream; });
+        [](PacketRow const& r) -> StreamIdentity const& { return *r.stream; },
+        [](PacketRow const& r) -> void const* { return r.stream; });
     return layout;
 }
 

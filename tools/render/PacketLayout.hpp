@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,10 +11,11 @@ namespace TalIec61850Tools {
 
 /// What is told of one packet without reading it again.
 struct PacketRow {
-    StreamIdentity stream;
+    /// Outlives the row, and stays as it is while rows are written.
+    StreamIdentity const* stream = nullptr;
     CaptureTime time;
-    /// The capture as it was given.
-    std::string file;
+    /// The capture as it was given; outlives the row.
+    std::string_view file;
     /// Offset in that file of the goosePdu or of the sequence of ASDU, in octets.
     std::uint64_t position = 0;
     Place place = Place::inside;

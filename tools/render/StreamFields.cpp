@@ -1,40 +1,42 @@
 #include "tools/render/StreamFields.hpp"
 
+#include <fmt/format.h>
+
 #include <optional>
 #include <string>
-
-#include "tools/output/OptionalField.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
 
 template <typename Group>
-Fields laneField(std::optional<Group> const& group) {
-    return group && group->lanId ? Fields(std::string(1, *group->lanId)) : Fields(nullptr);
+Cell laneCell(std::optional<Group> const& group) {
+    return group && group->lanId ? Cell(std::string_view(&*group->lanId, 1)) : Cell();
 }
 
 }  // namespace
+
+std::string appIdText(std::uint64_t appId) { return fmt::format("0x{:04X}", appId); }
 
 std::string_view toText(Protocol protocol) { return protocol == Protocol::goose ? "GOOSE" : "SV"; }
 
 std::vector<Field<StreamIdentity>> streamFields() {
     using Stream = StreamIdentity const&;
-    return {{"protocol", [](Stream s) { return toText(s.protocol); }},
-            {"source", [](Stream s) { return optionalField(s.source); }},
-            {"destination", [](Stream s) { return optionalField(s.destination); }},
-            {"vlanId",
-             [](Stream s) { return s.vlan ? optionalField(s.vlan->vlanId) : Fields(nullptr); }},
-            {"appId", [](Stream s) { return optionalField(s.appId); }},
-            {"hsrLane", [](Stream s) { return laneField(s.hsr); }},
-            {"prpLane", [](Stream s) { return laneField(s.prp); }},
-            {"reserved1Bit0", [](Stream s) { return optionalField(s.reserved1Bit0); }},
-            {"svID", [](Stream s) { return optionalField(s.svID); }},
-            {"gocbRef", [](Stream s) { return optionalField(s.gocbRef); }},
-            {"datSet", [](Stream s) { return optionalField(s.datSet); }},
-            {"goID", [](Stream s) { return optionalField(s.goID); }},
-            {"confRev", [](Stream s) { return optionalField(s.confRev); }},
-            {"simulationPresent", [](Stream s) { return optionalField(s.simulationPresent); }}};
+    return {
+        {"protocol", [](Stream s) -> Cell { return toText(s.protocol); }},
+        {"source", [](Stream s) -> Cell { return s.source; }},
+        {"destination", [](Stream s) -> Cell { return s.destination; }},
+        {"vlanId", [](Stream s) -> Cell { return s.vlan ? Cell(s.vlan->vlanId) : Cell(); }},
+        {"appId", [](Stream s) -> Cell { return s.appId ? Cell(appIdText(*s.appId)) : Cell(); }},
+        {"hsrLane", [](Stream s) -> Cell { return laneCell(s.hsr); }},
+        {"prpLane", [](Stream s) -> Cell { return laneCell(s.prp); }},
+        {"reserved1Bit0", [](Stream s) -> Cell { return s.reserved1Bit0; }},
+        {"svID", [](Stream s) -> Cell { return s.svID; }},
+        {"gocbRef", [](Stream s) -> Cell { return s.gocbRef; }},
+        {"datSet", [](Stream s) -> Cell { return s.datSet; }},
+        {"goID", [](Stream s) -> Cell { return s.goID; }},
+        {"confRev", [](Stream s) -> Cell { return s.confRev; }},
+        {"simulationPresent", [](Stream s) -> Cell { return s.simulationPresent; }}};
 }
 
 }  // namespace TalIec61850Tools

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,6 +13,9 @@ namespace TalIec61850Tools {
 /// The protocol's name: GOOSE or SV.
 [[nodiscard]] std::string_view toText(Protocol protocol);
 
+/// Four hexadecimal digits, such as 0x4000.
+[[nodiscard]] std::string appIdText(std::uint64_t appId);
+
 /// The fields for what tells a stream from others. Names and order are stable; what a
 /// stream lacks is null. The names are those of the index: printable text as it is, anything
 /// else as octets such as [4D C3 A9 31].
@@ -19,7 +24,7 @@ namespace TalIec61850Tools {
 ///     source             text       MAC address, such as 00:30:a7:01:02:03
 ///     destination        text       MAC address
 ///     vlanId             integer    VLAN identifier, 0 for a tag with a priority alone
-///     appId              integer
+///     appId              text       hexadecimal, such as 0x4000
 ///     hsrLane            text       A or B; of a GOOSE stream that of its first packet alone
 ///     prpLane            text       A or B, of the stream's first packet alone
 ///     reserved1Bit0      integer    0 or 1

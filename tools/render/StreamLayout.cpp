@@ -1,8 +1,7 @@
 #include "tools/render/StreamLayout.hpp"
 
-#include <array>
+#include <fmt/format.h>
 
-#include "tools/output/OptionalField.hpp"
 #include "tools/render/Cells.hpp"
 #include "tools/render/StreamFields.hpp"
 #include "tools/render/UtcText.hpp"
@@ -11,68 +10,79 @@ namespace TalIec61850Tools {
 
 namespace {
 
-Fields textField(std::optional<CaptureTime> const& time) {
-    return time ? Fields(toUtcText(*time)) : Fields(nullptr);
+Cell textField(std::optional<CaptureTime> const& time) {
+    return time ? Cell(toUtcCell(*time)) : Cell();
 }
 
-Fields integerField(std::optional<CaptureTime> const& time) {
-    return time ? Fields(nanosecondsSince1970(*time)) : Fields(nullptr);
+Cell integerField(std::optional<CaptureTime> const& time) {
+    return time ? Cell(nanosecondsSince1970(*time)) : Cell();
 }
 
-std::string simulationCell(StreamRow const& row) {
+Cell simulationCell(StreamRow const& row) {
     if (!row.simulationPresent) {
-        return std::string(kAbsentCell);
+        return {};
     }
-    return *row.simulationPresent ? "yes" : "no";
+    return *row.simulationPresent ? std::string_view("yes") : std::string_view("no");
 }
 
-std::string rateCell(StreamRow const& row) {
+Cell rateCell(StreamRow const& row) {
     auto const rate = row.packetsPerSecond();
-    return rate ? fmt::format("{:.3f}", *rate) : std::string(kAbsentCell);
+    return rate ? Cell(fmt::format("{:.3f}", *rate)) : Cell();
 }
 
-constexpr std::array kStreamColumns = {
-    Column<StreamRow>{{"PROTO"},
-                      [](StreamRow const& r) { return std::string(toText(r.protocol)); }},
-    Column<StreamRow>{{"SOURCE"}, [](StreamRow const& r) { return nameCell(r.source); }},
-    Column<StreamRow>{{"DESTINATION"}, [](StreamRow const& r) { return nameCell(r.destination); }},
-    Column<StreamRow>{{"VLAN", Align::right}, [](StreamRow const& r) { return vlanCell(r); }},
-    Column<StreamRow>{{"APPID", Align::right}, [](StreamRow const& r) { return appIdCell(r); }},
-    Column<StreamRow>{{"HSR"}, [](StreamRow const& r) { return hsrCell(r); }},
-    Column<StreamRow>{{"R1B0", Align::right},
-                      [](StreamRow const& r) { return numberCell(r.reserved1Bit0); }},
-    Column<StreamRow>{{"CONFREV", Align::right},
-                      [](StreamRow const& r) { return numberCell(r.confRev); }},
-    Column<StreamRow>{{"SIM-ELEM"}, simulationCell},
-    Column<StreamRow>{{"PACKETS", Align::right},
-                      [](StreamRow const& r) { return fmt::to_string(r.packets); }},
-    Column<StreamRow>{{"FILES", Align::right},
-                      [](StreamRow const& r) { return fmt::to_string(r.files); }},
-    Column<StreamRow>{{"FIRST"}, [](StreamRow const& r) { return timeCell(r.firstTime); }},
-    Column<StreamRow>{{"LAST"}, [](StreamRow const& r) { return timeCell(r.lastTime); }},
-    Column<StreamRow>{{"PACKETS/S", Align::right}, rateCell},
-    Column<StreamRow>{{"SVID/GOCBREF"}, [](StreamRow const& r) { return streamNameCell(r); }},
-    Column<StreamRow>{{"DATSET"}, [](StreamRow const& r) { return nameCell(r.datSet); }},
-    Column<StreamRow>{{"GOID"}, [](StreamRow const& r) { return nameCell(r.goID); }},
-};
+std::vector<Column<StreamRow>> streamColumns() {
+    using Row = StreamRow const&;
+    return {
+        {{"PROTO"}, [](Row r) -> Cell { return toText(r.protocol); }, "protocol"},
+        {{"SOURCE", Align::left, {.rank = 3}}, [](Row r) -> Cell { return r.source; }, "source"},
+        {{"DESTINATION", Align::left, {.rank = 6}},
+         [](Row r) -> Cell { return r.destination; },
+         "destination"},
+        {{"VLAN", Align::right, {.rank = 7}}, [](Row r) { return vlanCell(r); }, "vlanId"},
+        {{"APPID", Align::right, {.rank = 2}}, [](Row r) { return appIdCell(r); }, "appId"},
+        {{"HSR", Align::left, {.rank = 14}}, [](Row r) { return hsrCell(r); }, "hsrLane"},
+        {{"R1B0", Align::right, {.rank = 13}},
+         [](Row r) -> Cell { return r.reserved1Bit0; },
+         "reserved1Bit0"},
+        {{"CONFREV", Align::right, {.rank = 8}},
+         [](Row r) -> Cell { return r.confRev; },
+         "confRev"},
+        {{"SIM-ELEM", Align::left, {.rank = 12}}, simulationCell, "simulationPresent"},
+        {{"PACKETS", Align::right, {.rank = 4}},
+         [](Row r) -> Cell { return r.packets; },
+         "packets"},
+        {{"FILES", Align::right, {.rank = 11}}, [](Row r) -> Cell { return r.files; }, "files"},
+        {{"FIRST", Align::left, fitTime(9)},
+         [](Row r) { return timeCell(r.firstTime); },
+         "firstTime"},
+        {{"LAST", Align::left, fitTime(10)},
+         [](Row r) { return timeCell(r.lastTime); },
+         "lastTime"},
+        {{"PACKETS/S", Align::right, {.rank = 5}}, rateCell, "packetsPerSecond"},
+        {{"SVID/GOCBREF", Align::left, fitName(1, 20)}, [](Row r) { return streamNameCell(r); }},
+        {{"DATSET", Align::left, fitName(15, 16)},
+         [](Row r) -> Cell { return r.datSet; },
+         "datSet"},
+        {{"GOID", Align::left, fitName(16, 16)}, [](Row r) -> Cell { return r.goID; }, "goID"},
+    };
+}
 
 }  // namespace
 
 RowLayout<StreamRow> streamLayout() {
-    RowLayout<StreamRow> layout{.fields = {}, .columns = kStreamColumns};
+    RowLayout<StreamRow> layout{.fields = {}, .columns = streamColumns()};
     appendFields<StreamRow, StreamIdentity>(
         layout.fields, streamFields(),
         [](StreamRow const& r) -> StreamIdentity const& { return r; });
     layout.fields.insert(
         layout.fields.end(),
-        {{"packets", [](StreamRow const& r) { return r.packets; }},
-         {"files", [](StreamRow const& r) { return r.files; }},
-         {"firstTime", [](StreamRow const& r) { return textField(r.firstTime); }},
-         {"firstTimeNs", [](StreamRow const& r) { return integerField(r.firstTime); }},
-         {"lastTime", [](StreamRow const& r) { return textField(r.lastTime); }},
-         {"lastTimeNs", [](StreamRow const& r) { return integerField(r.lastTime); }},
-         {"packetsPerSecond",
-          [](StreamRow const& r) { return optionalField(r.packetsPerSecond()); }}});
+        {{"packets", [](StreamRow const& r) -> Cell { return r.packets; }},
+         {"files", [](StreamRow const& r) -> Cell { return r.files; }},
+         {"firstTime", [](StreamRow const& r) -> Cell { return textField(r.firstTime); }},
+         {"firstTimeNs", [](StreamRow const& r) -> Cell { return integerField(r.firstTime); }},
+         {"lastTime", [](StreamRow const& r) -> Cell { return textField(r.lastTime); }},
+         {"lastTimeNs", [](StreamRow const& r) -> Cell { return integerField(r.lastTime); }},
+         {"packetsPerSecond", [](StreamRow const& r) -> Cell { return r.packetsPerSecond(); }}});
     return layout;
 }
 

@@ -36,6 +36,8 @@ struct PacketSelection {
     std::vector<SelectedPacket> packets;
     /// Packets of these streams that have neither position nor time; they are in no window.
     std::uint64_t unplaced = 0;
+    /// Packets at the end that were taken away again: more than were wanted.
+    std::uint64_t beyondLimit = 0;
 };
 
 /// What to select.

@@ -28,7 +28,7 @@ TEST(PacketJson, HasEveryFieldOfAGoosePacketInItsOrder) {
         "header": {
             "destination": "01:0c:cd:01:00:01", "source": "02:00:00:00:00:01",
             "vlan": null, "hsr": null, "prp": null, "etherType": 35000,
-            "appId": 1, "length": 114, "reserved1": 0, "simulated": false, "reserved2": 0
+            "appId": "0x0001", "length": 114, "reserved1": 0, "simulated": false, "reserved2": 0
         },
         "gocbRef": "RELAY1LD0/LLN0$GO$gcb1",
         "timeAllowedtoLive": 2000,
@@ -75,7 +75,7 @@ TEST(PacketJson, HasTagsAndTrailer) {
                   std::to_string(goose.frame.size() - 24) +
                   R"(,"sequence":77},"prp":{"lan":"B","lanId":11,"lsduSize":)" +
                   std::to_string(goose.frame.size() - 18) +
-                  R"(,"sequence":99},"etherType":35000,"appId":1,"length":)" +
+                  R"(,"sequence":99},"etherType":35000,"appId":"0x0001","length":)" +
                   std::to_string(goose.frame.size() - 30) +
                   R"(,"reserved1":32768,"simulated":true,"reserved2":32})");
 }

@@ -1,4 +1,4 @@
-#include "tools/help/WrapText.hpp"
+#include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -19,5 +19,7 @@ std::string wrapText(std::string_view text, std::size_t columns) {
     }
     return lines;
 }
+
+std::string paragraph(std::string_view text) { return wrapText(text, kHelpColumns) + "\n"; }
 
 }  // namespace TalIec61850Tools

@@ -1,0 +1,47 @@
+// The group `library`: what the library itself answers.
+
+#include <gtest/gtest.h>
+
+#include "support/TempFile.hpp"
+#include "tools/CompanionRows.hpp"
+#include "tools/MemberTraffic.hpp"
+#include "tools/StreamsTraffic.hpp"
+
+namespace TalTest {
+namespace {
+
+TEST(LibraryGroup, ListsItsCommandsInItsHelp) {
+    auto const help = runCompanion({"library", "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.err, "");
+    for (auto const* text : {"streams", "judge", "Example:\n  tal-iec61850 library "}) {
+        EXPECT_NE(help.out.find(text), std::string::npos) << text;
+    }
+}
+
+TEST(LibraryGroup, WithoutACommandPointsToItsHelp) {
+    auto const result = runCompanion({"library"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, complaint("no command given, see tal-iec61850 library --help"));
+}
+
+TEST(LibraryGroup, IsNamedInComplaints) {
+    EXPECT_EQ(runCompanion({"library", "judge"}).err, complaint("library judge: FILE is required"));
+}
+
+TEST(LibraryStreams, AreTheStreamsOfItsIndex) {
+    TempFile const file(memberTraffic());
+    for (Arguments const& more : {Arguments{},
+                                  {"-f", "json"},
+                                  {"-f", "csv", "--protocol", "sv"},
+                                  {"--sort", "packets", "--reverse"}}) {
+        auto const streams = runCompanion(joined({"streams", file.path()}, more));
+        auto const library = runCompanion(joined({"library", "streams", file.path()}, more));
+        EXPECT_EQ(library.status, 0);
+        EXPECT_EQ(library.out, streams.out);
+        EXPECT_GT(linesOf(library.out).size(), 2U);
+    }
+}
+
+}  // namespace
+}  // namespace TalTest

@@ -1,0 +1,86 @@
+// What is said where nothing matches.
+
+#include <gtest/gtest.h>
+
+#include "support/CaptureFile.hpp"
+#include "support/TempFile.hpp"
+#include "tools/CompanionRows.hpp"
+#include "tools/MemberTraffic.hpp"
+#include "tools/StreamsTraffic.hpp"
+
+namespace TalTest {
+namespace {
+
+/// What a command says on standard error, which ends well and writes no row.
+std::string saidBy(Arguments const& command) {
+    auto const result = runCompanion(joined(command, {"-f", "json"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(runCompanion(joined(command, {"-f", "json", "-q"})).err, "");
+    return result.err;
+}
+
+Bytes manyNames() {
+    CaptureBuilder capture;
+    for (auto const* name : {"MU01", "MU02", "BAY1", "BAY2", "BAY3", "BAY4", "MU12"}) {
+        capture.add(1, 0, oneSv(name));
+    }
+    return capture.bytes();
+}
+
+TEST(NothingFound, NamesTheNearestValues) {
+    TempFile const file(manyNames());
+    for (std::string const command : {"streams", "packets", "show"}) {
+        EXPECT_EQ(saidBy({command, file.path(), "--svid", "MU22"}),
+                  complaint("no stream matches --svid MU22; there are MU02, MU12, MU01, BAY2, BAY1 "
+                            "and 2 more"));
+        EXPECT_EQ(saidBy({command, file.path(), "--appid", "4001"}),
+                  complaint("no stream matches --appid 0x4001; there is 0x4000"));
+        EXPECT_EQ(saidBy({command, file.path(), "--gocbref", "Q*"}),
+                  complaint("no stream has what --gocbref Q* asks for"));
+    }
+}
+
+TEST(NothingFound, OfCriteriaThatAreMetApartIsSaid) {
+    TempFile const file(CaptureBuilder()
+                            .add(1, 0, svFrameCalled("A", svEthernet().withVlan(1)))
+                            .add(1, 0, svFrameCalled("B", svEthernet().withVlan(2)))
+                            .bytes());
+    EXPECT_EQ(saidBy({"streams", file.path(), "--svid", "A", "--vlan", "2"}),
+              complaint("no stream meets all criteria at once; there are 2 without them"));
+}
+
+TEST(NothingFound, OfCapturesWithoutStreamsIsSaid) {
+    TempFile const file(CaptureBuilder().add(1, 0, Bytes(60)).bytes());
+    EXPECT_EQ(saidBy({"streams", file.path()}),
+              complaint("no GOOSE or SV streams in the captures"));
+}
+
+TEST(NothingFound, OfAWindowNamesTheSpanOfThePackets) {
+    TempFile const file(smallCapture());
+    EXPECT_EQ(saidBy({"packets", file.path(), "--from", "2025-01-01"}),
+              complaint("no packet in the window; these streams have packets from "
+                        "2023-11-14T22:13:20.000000001Z to 2023-11-14T22:13:22.123456789Z"));
+}
+
+TEST(NothingFound, IsNotSaidWhereNothingWasWanted) {
+    TempFile const file(smallCapture());
+    EXPECT_EQ(saidBy({"packets", file.path(), "--limit", "0"}), "");
+}
+
+TEST(NothingFound, RepeatsNoComplaintOfADamagedCapture) {
+    Bytes const whole = smallCapture();
+    TempFile const file(prefix(whole, whole.size() - 1));
+    auto const result = runCompanion({"streams", file.path(), "--svid", "none"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(linesOf(result.err).size(), 2U) << result.err;
+}
+
+TEST(NothingFound, EscapesNames) {
+    TempFile const file(CaptureBuilder().add(1, 0, oneSv("MU01")).bytes());
+    EXPECT_EQ(saidBy({"streams", file.path(), "--svid", "\x1b[2J"}),
+              complaint(R"(no stream matches --svid \x1b[2J; there is MU01)"));
+}
+
+}  // namespace
+}  // namespace TalTest

@@ -1,0 +1,30 @@
+#include "tools/options/ChosenColumns.hpp"
+
+#include <fmt/format.h>
+
+#include "tools/options/UsageError.hpp"
+#include "tools/output/NearestWords.hpp"
+#include "tools/output/TextEscape.hpp"
+
+namespace TalIec61850Tools {
+
+std::size_t findField(std::vector<std::string_view> const& names, std::string const& wanted) {
+    auto const found = std::find_if(names.begin(), names.end(), [&](std::string_view name) {
+        return name.size() == wanted.size() && countDifferences(name, wanted) == 0;
+    });
+    if (found == names.end()) {
+        throw UsageError(fmt::format("--columns: there is no field {}{}", escapeText(wanted),
+                                     didYouMean(wanted, {names.begin(), names.end()})));
+    }
+    return static_cast<std::size_t>(found - names.begin());
+}
+
+std::string headingOf(std::string_view field) {
+    std::string text(field);
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    return text;
+}
+
+}  // namespace TalIec61850Tools

@@ -1,0 +1,150 @@
+#include "tools/options/IntendedCommand.hpp"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <utility>
+
+#include "tools/options/ArgumentKinds.hpp"
+#include "tools/options/CommandDefinition.hpp"
+#include "tools/options/PacketLocator.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/NearestWords.hpp"
+#include "tools/output/TextEscape.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+/// Whether a word is rather a file than a mistyped command.
+bool isFileName(std::string const& word) {
+    std::error_code ignored;
+    return word == "-" || word.find_first_of("./") != std::string::npos ||
+           std::filesystem::exists(word, ignored);
+}
+
+/// A command by its name, or null.
+CLI::App const* commandCalled(CLI::App const& parent, std::string const& name) {
+    auto const commands = parent.get_subcommands(nullptr);
+    auto const found = std::find_if(commands.begin(), commands.end(),
+                                    [&](auto const* app) { return app->get_name() == name; });
+    return found == commands.end() ? nullptr : *found;
+}
+
+Arguments namesIn(CLI::App const& parent) {
+    Arguments names;
+    for (CLI::App const* command : parent.get_subcommands(nullptr)) {
+        names.push_back(command->get_name());
+    }
+    return names;
+}
+
+/// With dashes.
+Arguments optionsOf(CLI::App const& command) {
+    Arguments names;
+    for (CLI::Option const* option : command.get_options()) {
+        for (auto const& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+std::string placeOf(CLI::App const& command) {
+    auto const words = wordsOf(command);
+    return words.empty() ? std::string() : fmt::format("{}: ", fmt::join(words, " "));
+}
+
+/// Refuses the first of the options in an argument that the command does not have.
+void refuseUnknownOption(CLI::App const& command, std::string const& argument) {
+    bool const isLong = argument.starts_with("--");
+    std::string const name =
+        isLong ? argument.substr(0, argument.find('=')) : argument.substr(0, 2);
+    if (command.get_option_no_throw(name) != nullptr) {
+        return;
+    }
+    throw UsageError(fmt::format("{}there is no option {}{}", placeOf(command), escapeText(name),
+                                 isLong ? didYouMean(name, optionsOf(command)) : ""));
+}
+
+/// The command of a group, or of the program, that a word names.
+CLI::App const* nextCommand(CLI::App const& parent, std::string const& word) {
+    auto const names = namesIn(parent);
+    if (names.empty()) {
+        return nullptr;  // a file
+    }
+    if (CLI::App const* command = commandCalled(parent, word)) {
+        return command;
+    }
+    auto const guess = didYouMean(word, names);
+    auto const words = wordsOf(parent);
+    throw UsageError(fmt::format("{}there is no command {}{}", placeOf(parent), escapeText(word),
+                                 guess.empty()
+                                     ? fmt::format(", see tal-iec61850 {}{}--help",
+                                                   fmt::join(words, " "), words.empty() ? "" : " ")
+                                     : guess));
+}
+
+/// Takes the words `help` at the front away.
+bool takeHelp(Arguments& arguments) {
+    auto const end = std::find_if(arguments.begin(), arguments.end(),
+                                  [](std::string const& argument) { return argument != "help"; });
+    bool const isThere = end != arguments.begin();
+    arguments.erase(arguments.begin(), end);
+    return isThere;
+}
+
+}  // namespace
+
+Arguments intendedCommand(CLI::App const& program, Arguments arguments) {
+    if (takeHelp(arguments)) {
+        // A file among them would be read as another command.
+        auto const kinds = kindsOf(program, arguments);
+        Arguments command;
+        for (std::size_t i = 0; i < arguments.size() && kinds[i] == ArgumentKind::word; ++i) {
+            command.push_back(arguments[i]);
+        }
+        command.emplace_back("--help");
+        return command;
+    }
+    auto const kinds = kindsOf(program, arguments);
+    bool isFirstWord = true;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::string const& argument = arguments[i];
+        if (kinds[i] == ArgumentKind::option && (argument == "--version" || argument == "-V")) {
+            return {"--version"};
+        }
+        if (kinds[i] != ArgumentKind::word || !std::exchange(isFirstWord, false) ||
+            commandCalled(program, argument) != nullptr) {
+            continue;
+        }
+        bool const isPacket = parsePacketLocator(argument).has_value();
+        if (isPacket || isFileName(argument)) {
+            Arguments whole = {isPacket ? "show" : "streams"};
+            std::move(arguments.begin(), arguments.end(), std::back_inserter(whole));
+            return intendedCommand(program, std::move(whole));
+        }
+    }
+    return arguments;
+}
+
+void refuseUnknown(CLI::App const& program, Arguments const& arguments) {
+    auto const kinds = kindsOf(program, arguments);
+    CLI::App const* command = &program;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (kinds[i] == ArgumentKind::option) {
+            refuseUnknownOption(*command, arguments[i]);
+        } else if (kinds[i] == ArgumentKind::word) {
+            CLI::App const* const next = nextCommand(*command, arguments[i]);
+            command = next == nullptr ? command : next;
+        }
+    }
+}
+
+}  // namespace TalIec61850Tools

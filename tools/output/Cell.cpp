@@ -1,0 +1,157 @@
+#include "tools/output/Cell.hpp"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+#include <type_traits>
+
+#include "tools/output/TextEscape.hpp"
+
+namespace TalIec61850Tools {
+
+namespace {
+
+/// What a character means to the formats, as bits.
+using CharacterBits = unsigned;
+constexpr CharacterBits kNeedsEscape = 1;  // for a terminal
+constexpr CharacterBits kNeedsQuotes = 2;  // in comma-separated values
+constexpr CharacterBits kNotAsItIs = 4;    // in JSON
+
+constexpr std::array<CharacterBits, 256> kCharacters = [] {
+    std::array<CharacterBits, 256> characters{};
+    for (std::size_t c = 0; c < characters.size(); ++c) {
+        bool const isPrintable = c >= 0x20 && c < 0x7F;
+        characters[c] = isPrintable ? 0 : kNeedsEscape | kNotAsItIs;
+    }
+    characters['\\'] = kNeedsEscape | kNotAsItIs;
+    characters['"'] = kNeedsQuotes | kNotAsItIs;
+    characters[','] = kNeedsQuotes;
+    characters['\r'] |= kNeedsQuotes;
+    characters['\n'] |= kNeedsQuotes;
+    return characters;
+}();
+
+/// The bits of all characters of a text.
+CharacterBits bitsOf(std::string_view text) {
+    CharacterBits bits = 0;
+    for (char const c : text) {
+        bits |= kCharacters[static_cast<std::uint8_t>(c)];
+    }
+    return bits;
+}
+
+void appendQuoted(std::string& line, std::string_view text) {
+    line += '"';
+    for (char const c : text) {
+        line.append(c == '"' ? 2 : 1, c);
+    }
+    line += '"';
+}
+
+/// A text that is safe in a line.
+void appendCsvText(std::string& line, std::string_view text) {
+    if (text.empty() || (bitsOf(text) & kNeedsQuotes) != 0) {
+        appendQuoted(line, text);
+    } else {
+        line += text;
+    }
+}
+
+void appendNumber(std::string& line, std::integral auto number) {
+    fmt::format_int const digits(number);
+    line.append(digits.data(), digits.size());
+}
+
+std::string jsonOf(nlohmann::json const& value) {
+    constexpr int onOneLine = -1;
+    constexpr bool asAscii = true;
+    return value.dump(onOneLine, ' ', asAscii, nlohmann::json::error_handler_t::replace);
+}
+
+// What the formats have alike: numbers and truth.
+
+void appendPlain(std::string& line, bool value) { line += value ? "true" : "false"; }
+void appendPlain(std::string& line, std::int64_t number) { appendNumber(line, number); }
+void appendPlain(std::string& line, std::uint64_t number) { appendNumber(line, number); }
+void appendPlain(std::string& line, double number) { line += jsonOf(number); }
+
+struct CsvAppender {
+    std::string& line;
+
+    void operator()(Absent /*absent*/) const {}
+    void operator()(JsonText const& json) const { appendCsvText(line, json.text); }
+    void operator()(std::string_view text) const {
+        CharacterBits const bits = bitsOf(text);
+        if (bits == 0 && !text.empty()) {
+            line += text;
+        } else {
+            appendCsvText(line, (bits & kNeedsEscape) != 0 ? escapeText(text) : std::string(text));
+        }
+    }
+    void operator()(ShortText const& text) const { (*this)(text.view()); }
+    template <typename Number>
+    void operator()(Number number) const requires std::is_arithmetic_v<Number> {
+        appendPlain(line, number);
+    }
+};
+
+struct JsonAppender {
+    std::string& line;
+
+    void operator()(Absent /*absent*/) const { line += "null"; }
+    void operator()(JsonText const& json) const { line += json.text; }
+    void operator()(std::string_view text) const {
+        if ((bitsOf(text) & kNotAsItIs) == 0) {
+            line += '"';
+            line += text;
+            line += '"';
+        } else {
+            line += jsonOf(text);
+        }
+    }
+    void operator()(ShortText const& text) const { (*this)(text.view()); }
+    template <typename Number>
+    void operator()(Number number) const requires std::is_arithmetic_v<Number> {
+        appendPlain(line, number);
+    }
+};
+
+struct TableAppender {
+    std::string& line;
+
+    void operator()(Absent /*absent*/) const { line += kAbsentCell; }
+    void operator()(JsonText const& json) const { line += json.text; }
+    void operator()(std::string_view text) const {
+        if (text.empty()) {
+            line += "\"\"";
+        } else if ((bitsOf(text) & kNeedsEscape) == 0) {
+            line += text;
+        } else {
+            line += escapeText(text);
+        }
+    }
+    void operator()(ShortText const& text) const { (*this)(text.view()); }
+    template <typename Number>
+    void operator()(Number number) const requires std::is_arithmetic_v<Number> {
+        appendPlain(line, number);
+    }
+};
+
+}  // namespace
+
+bool Cell::isNumber() const {
+    return std::holds_alternative<std::int64_t>(value_) ||
+           std::holds_alternative<std::uint64_t>(value_) || std::holds_alternative<double>(value_);
+}
+
+void appendCsv(std::string& line, Cell const& cell) { std::visit(CsvAppender{line}, cell.value()); }
+
+void appendJson(std::string& line, Cell const& cell) {
+    std::visit(JsonAppender{line}, cell.value());
+}
+
+void appendTable(std::string& line, Cell const& cell) {
+    std::visit(TableAppender{line}, cell.value());
+}
+
+}  // namespace TalIec61850Tools

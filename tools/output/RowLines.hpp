@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "tools/output/RowLayout.hpp"
+
+namespace TalIec61850Tools {
+
+/// The form in which a command writes its rows.
+enum class Format {
+    table,  ///< for people
+    json,   ///< one object per line
+    csv,    ///< a line of names, then one line per row
+};
+
+/// Makes lines for other programs of rows of one kind.
+template <typename Row>
+class RowLines {
+public:
+    /// @param format  json or csv
+    RowLines(Format format, RowLayout<Row> const& layout) : isJson_(format == Format::json) {
+        for (auto const& field : layout.fields) {
+            if (runs_.empty() || runs_.back().sharedBy != field.sharedBy) {
+                runs_.push_back({.sharedBy = field.sharedBy, .pieces = {}, .known = {}});
+            }
+            runs_.back().pieces.push_back({.lead = leadOf(field.name), .cell = field.cell});
+        }
+    }
+
+    /// The line of names with its line end; empty in json.
+    [[nodiscard]] static std::string heading(Format format, RowLayout<Row> const& layout) {
+        std::string line;
+        if (format == Format::csv) {
+            for (auto const& field : layout.fields) {
+                line.append(line.empty() ? "" : ",").append(field.name);
+            }
+            line += '\n';
+        }
+        return line;
+    }
+
+    /// A row with its line end.
+    /// @return valid until the next one
+    [[nodiscard]] std::string_view lineOf(Row const& row) {
+        line_.clear();
+        for (Run& run : runs_) {
+            if (run.sharedBy != nullptr) {
+                line_ += sharedText(run, row);
+            } else {
+                appendPieces(line_, run, row);
+            }
+        }
+        line_ += isJson_ ? "}\n" : "\n";
+        if (!isJson_) {
+            return std::string_view(line_).substr(1);  // without the first comma
+        }
+        line_[0] = '{';
+        return line_;
+    }
+
+private:
+    struct Piece {
+        /// What comes before the value: a comma, in json the name too.
+        std::string lead;
+        std::function<Cell(Row const& row)> cell;
+    };
+    /// Fields one after the other that depend on the same object.
+    struct Run {
+        void const* (*sharedBy)(Row const& row);
+        std::vector<Piece> pieces;
+        /// Texts that were made, by that object.
+        std::unordered_map<void const*, std::string> known;
+    };
+
+    [[nodiscard]] std::string leadOf(std::string_view name) const {
+        return isJson_ ? ",\"" + std::string(name) + "\":" : ",";
+    }
+
+    void appendPieces(std::string& text, Run const& run, Row const& row) const {
+        for (Piece const& piece : run.pieces) {
+            text += piece.lead;
+            if (isJson_) {
+                appendJson(text, piece.cell(row));
+            } else {
+                appendCsv(text, piece.cell(row));
+            }
+        }
+    }
+
+    [[nodiscard]] std::string const& sharedText(Run& run, Row const& row) const {
+        auto const [known, isNew] = run.known.try_emplace(run.sharedBy(row));
+        if (isNew) {
+            appendPieces(known->second, run, row);
+        }
+        return known->second;
+    }
+
+    bool isJson_;
+    std::vector<Run> runs_;
+    std::string line_;
+};
+
+}  // namespace TalIec61850Tools
