@@ -162,8 +162,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     for (std::uint64_t const any : asked) {
         std::uint64_t const offset = any % (file.size() + 2);
         auto const number = numberAt(walked, offset);
-        auto const expected =
-            number ? std::optional(walked.records[*number]) : std::optional<CaptureRecord>();
+        std::optional<CaptureRecord> expected;
+        if (number) {
+            expected = walked.records[*number];
+        }
         require(fresh.recordAt(offset) == expected, "a record is found by its offset");
         require(capture.recordAt(offset) == expected, "also after a walk");
         if (isSearched) {

@@ -22,7 +22,7 @@ enum class CaptureDamageKind {
     /// The block that starts a section tells no byte order.
     byteOrder,
 
-    /// The file has all octets of a record or block, but these are more than 4 MiB, as no frame
+    /// The file has all octets of a record or block, but these are more than 2 MiB, as no frame
     /// has.
     recordTooLong,
     /// The two lengths of a block, before and after its body, differ. The first one is believed.

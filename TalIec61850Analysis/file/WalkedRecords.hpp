@@ -13,7 +13,7 @@
 namespace TalIec61850Analysis::detail {
 
 /// A longer frame is damage: no link has such frames, and memory stays within bounds.
-inline constexpr std::size_t kLongestFrame = std::size_t{4} << 20U;
+inline constexpr std::size_t kLongestFrame = std::size_t{2} << 20U;
 /// A longer block is passed over: there is room for the longest frame, and for options.
 inline constexpr std::size_t kLongestBlock = kLongestFrame + (std::size_t{1} << 20U);
 

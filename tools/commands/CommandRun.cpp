@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <TalIec61850Analysis/file/CaptureRecords.hpp>
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <algorithm>
@@ -104,9 +104,9 @@ std::optional<CaptureTime> CommandRun::latestRecord() const {
     std::optional<CaptureTime> latest;
     for (auto const& capture : captures()) {
         try {
-            TalIec61850Analysis::CaptureRecords records(capture.path);
-            while (auto const record = records.next()) {
-                latest = std::max(latest.value_or(record->time), record->time);
+            TalIec61850Analysis::CaptureFile file(capture.path);
+            while (auto const* const view = file.next()) {
+                latest = std::max(latest, view->record.time);
             }
         } catch (std::system_error const&) {
             continue;

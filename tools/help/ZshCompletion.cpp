@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "tools/help/Completions.hpp"
@@ -65,9 +67,10 @@ std::string optionArgument(OptionDescription const& option) {
 /// The commands among which the first argument chooses.
 std::string chooseCommand(std::vector<CommandDescription> const& commands) {
     std::vector<std::string> choices;
-    for (auto const& command : commands) {
-        choices.push_back(fmt::format(R"({}\:"{}")", command.name, zshQuoted(command.text)));
-    }
+    std::transform(commands.begin(), commands.end(), std::back_inserter(choices),
+                   [](CommandDescription const& command) {
+                       return fmt::format(R"({}\:"{}")", command.name, zshQuoted(command.text));
+                   });
     return fmt::format("'1:command:(({}))'", fmt::join(choices, " "));
 }
 

@@ -6,8 +6,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <utility>
 
 #include "tools/options/ArgumentKinds.hpp"
 #include "tools/options/CommandDefinition.hpp"
@@ -114,21 +112,18 @@ Arguments intendedCommand(CLI::App const& program, Arguments arguments) {
         return command;
     }
     auto const kinds = kindsOf(program, arguments);
-    bool isFirstWord = true;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        std::string const& argument = arguments[i];
-        if (kinds[i] == ArgumentKind::option && (argument == "--version" || argument == "-V")) {
+        bool const isOption = kinds[i] == ArgumentKind::option;
+        if (isOption && (arguments[i] == "--version" || arguments[i] == "-V")) {
             return {"--version"};
         }
-        if (kinds[i] != ArgumentKind::word || !std::exchange(isFirstWord, false) ||
-            commandCalled(program, argument) != nullptr) {
-            continue;
-        }
-        bool const isPacket = parsePacketLocator(argument).has_value();
-        if (isPacket || isFileName(argument)) {
-            Arguments whole = {isPacket ? "show" : "streams"};
-            std::move(arguments.begin(), arguments.end(), std::back_inserter(whole));
-            return intendedCommand(program, std::move(whole));
+    }
+    auto const word = std::find(kinds.begin(), kinds.end(), ArgumentKind::word);
+    if (word != kinds.end()) {
+        std::string const& first = arguments[static_cast<std::size_t>(word - kinds.begin())];
+        bool const isPacket = parsePacketLocator(first).has_value();
+        if (commandCalled(program, first) == nullptr && (isPacket || isFileName(first))) {
+            arguments.insert(arguments.begin(), isPacket ? "show" : "streams");
         }
     }
     return arguments;

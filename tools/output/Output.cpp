@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What is handed over at once: as much as a pipe holds.
-constexpr std::size_t kBlockSize = std::size_t{1} << 16U;
+constexpr std::size_t kHandedOver = std::size_t{1} << 16U;
 constexpr mode_t kAnybody = 0666;
 constexpr mode_t kPermissions = 07777;
 
@@ -99,7 +99,7 @@ void Output::fail() const { throw OutputError(name_, errno); }
 
 void Output::write(std::string_view text) {
     pending_ += text;
-    if (pending_.size() >= kBlockSize || isTerminal_) {
+    if (pending_.size() >= kHandedOver || isTerminal_) {
         writePending();
     }
 }

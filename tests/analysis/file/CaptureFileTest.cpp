@@ -234,7 +234,7 @@ TEST(CaptureFile, ThatGrowsIsReadAsFarAsItWas) {
 }
 
 TEST(CaptureFile, PassesOverARecordLongerThanAnyFrame) {
-    Bytes const longest(std::size_t{4} << 20U, 7);
+    Bytes const longest(std::size_t{2} << 20U, 7);
     Bytes longer = longest;
     longer.push_back(7);
     auto const capture = TalTest::CaptureBuilder()

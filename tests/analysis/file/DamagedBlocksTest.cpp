@@ -301,10 +301,10 @@ TEST(DamagedBlocks, InterfacesAreKeptUpToALimit) {
 TEST(DamagedBlocks, APacketOfMoreThanAnyFrameIsPassedOver) {
     PcapngMaker maker = oneInterface();
     std::uint64_t const first = maker.position();
-    maker.packet({.frame = Bytes((std::size_t{4} << 20U) + 1)});
+    maker.packet({.frame = Bytes((std::size_t{2} << 20U) + 1)});
     std::uint64_t const second = maker.position();
     maker.packet({.frame = Bytes(std::size_t{6} << 20U)});
-    maker.packet({.frame = Bytes(std::size_t{4} << 20U)});
+    maker.packet({.frame = Bytes(std::size_t{2} << 20U)});
     ReadCapture const read = readWhole(maker.bytes());
     EXPECT_EQ(
         read.damages,
@@ -312,7 +312,7 @@ TEST(DamagedBlocks, APacketOfMoreThanAnyFrameIsPassedOver) {
             {.kind = Kind::recordTooLong, .fileOffset = first, .claimedSize = second - first},
             {.kind = Kind::recordTooLong, .fileOffset = second, .claimedSize = (6U << 20U) + 32}}));
     ASSERT_EQ(read.records.size(), 1U);
-    EXPECT_EQ(read.records[0].frame.size(), std::size_t{4} << 20U);
+    EXPECT_EQ(read.records[0].frame.size(), std::size_t{2} << 20U);
 }
 
 /// A small capture with a block of every kind, in both byte orders.
