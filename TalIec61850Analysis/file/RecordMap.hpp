@@ -39,6 +39,7 @@ private:
     static constexpr std::size_t kDistances = 192;
     static constexpr std::size_t kSlots = 1024;
 
+    /// @cond
     /// Records that follow one another, by the distances between them.
     struct Group {
         std::uint64_t first = 0;
@@ -50,6 +51,7 @@ private:
         std::uint64_t distance = 0;
         std::size_t size = 0;
     };
+    /// @endcond
 
     void addDistance(std::uint64_t distance);
     [[nodiscard]] std::optional<std::uint8_t> codeOf(std::uint64_t distance);

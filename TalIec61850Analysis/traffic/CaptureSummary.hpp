@@ -51,25 +51,29 @@ struct CaptureSummary {
     std::vector<CaptureInterface> interfaces;
     /// Whole records; one that the file ends inside is none of them.
     std::uint64_t records = 0;
-    /// Octets of frames that were captured, and that were on the wire.
+    /// Octets of frames that were captured.
     std::uint64_t capturedOctets = 0;
+    /// Octets of the same frames on the wire.
     std::uint64_t originalOctets = 0;
-    /// The earliest and the latest time of all records.
+    /// The earliest time of all records.
     std::optional<CaptureTime> first;
+    /// The latest time of all records.
     std::optional<CaptureTime> last;
     /// Frames that were cut by a snap length.
     std::uint64_t snappedFrames = 0;
     /// Packets that the capture lost, as far as the file says it.
     std::optional<std::uint64_t> dropped;
 
-    /// Frames by their EtherTypes, those of no stream included.
+    /// GOOSE frames by their EtherType, those of no stream included.
     std::uint64_t gooseFrames = 0;
+    /// SV frames by their EtherType, those of no stream included.
     std::uint64_t svFrames = 0;
     /// Other frames by EtherType, that after VLAN and HSR tags; 0 for those with a length in its
     /// place (IEEE 802.3), and for those too short for one.
     std::map<std::uint16_t, std::uint64_t> otherFrames;
-    /// Of these: GOOSE and SV over UDP, which is only recognised.
+    /// Of these: GOOSE over UDP, which is only recognised.
     std::uint64_t routableGooseFrames = 0;
+    /// Of these: SV over UDP, which is only recognised.
     std::uint64_t routableSvFrames = 0;
     /// Frames by the number of their link type.
     std::map<std::uint16_t, std::uint64_t> linkTypes;

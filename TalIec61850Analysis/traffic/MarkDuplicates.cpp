@@ -151,6 +151,8 @@ struct Likeness {
     std::uint16_t sequence = 0;
     std::uint16_t flags = 0;
 
+    // clang-tidy 14 mistakes the 0 of the generated comparisons for a null pointer.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     friend auto operator<=>(Likeness const&, Likeness const&) = default;
 };
 

@@ -14,11 +14,13 @@
 #include <utility>
 #include <vector>
 
-namespace TalIec61850Analysis {
-
-namespace detail {
+/// @cond
+namespace TalIec61850Analysis::detail {
 class ColumnsWriter;
 }
+/// @endcond
+
+namespace TalIec61850Analysis {
 
 /// How a frame tells its copy on the other way.
 enum class Redundancy : std::uint8_t { none, hsr, prp };
@@ -35,6 +37,7 @@ struct PacketFlags {
     /// Bit by bit; see below.
     std::uint16_t bits = 0;
 
+    /// @cond
     static constexpr std::uint16_t kCut = 1U << 0U;
     static constexpr std::uint16_t kDamaged = 1U << 1U;
     static constexpr std::uint16_t kSimulated = 1U << 2U;
@@ -46,6 +49,7 @@ struct PacketFlags {
     static constexpr unsigned kSecondCounterShift = 10;
     static constexpr std::uint16_t kCopy = 1U << 12U;
     static constexpr std::uint16_t kDuplicate = 1U << 13U;
+    /// @endcond
 
     /// The frame was cut by a snap length, within its PDU.
     [[nodiscard]] constexpr bool isCut() const noexcept { return has(kCut); }
@@ -185,6 +189,7 @@ public:
                                                       PacketColumns const& b) noexcept;
 
 private:
+    /// @cond
     friend class detail::ColumnsWriter;
 
     /// A counter that its column does not hold.
@@ -195,6 +200,7 @@ private:
 
         friend bool operator==(WideCounter const&, WideCounter const&) = default;
     };
+    /// @endcond
 
     [[nodiscard]] bool isGoose() const noexcept { return protocol_ == StreamProtocol::goose; }
     /// Octets of a packet in the columns before those that both protocols have after the counters.

@@ -105,7 +105,8 @@ private:
 };
 
 /// Indexes one capture.
-/// @param path  a capture of any format; of a damaged one, what CaptureFile reads of it
+/// @param path     a capture of any format; of a damaged one, what CaptureFile reads of it
+/// @param options  what is kept, and how it is read
 /// @throws std::system_error  the file cannot be opened or read
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT TrafficIndex
 indexCapture(std::string const& path, TrafficOptions const& options = {});

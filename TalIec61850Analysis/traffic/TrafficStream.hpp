@@ -66,6 +66,7 @@ struct TrafficStream {
     /// Shows the packets in a window of time, in the order of time over all files; those of one
     /// time in the order of files. Duplicates are left out, copies are not; see PacketFlags.
     /// @param window  packets without a time are in none, not even in one without ends
+    /// @param sink    called with each packet
     TALIEC61850ANALYSIS_EXPORT void visit(TimeWindow const& window, PacketSink sink) const;
 
     /// How many packets there are in the columns, copies and duplicates included.
