@@ -34,7 +34,7 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 9> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 10> subjects = {{
     {"index", measureIndexes},
     {"ahead", measureAhead},
     {"growth", measureGrowth},
