@@ -11,14 +11,14 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr char const* kBegin = R"(#compdef tal-iec61850
+constexpr char const* kZshBegin = R"(#compdef tal-iec61850
 # Completes the command lines of tal-iec61850; zsh.
 _tal_iec61850() {
     local context state state_descr line
     typeset -A opt_args
 )";
 
-constexpr char const* kEnd = R"(    esac
+constexpr char const* kZshEnd = R"(    esac
 }
 if [ "$funcstack[1]" = _tal_iec61850 ]; then
     _tal_iec61850 "$@"
@@ -74,7 +74,7 @@ std::string chooseCommand(std::vector<CommandDescription> const& commands) {
     return fmt::format("'1:command:(({}))'", fmt::join(choices, " "));
 }
 
-std::string commandCase(CommandDescription const& command, ProgramDescription const& program);
+std::string zshCommandCase(CommandDescription const& command, ProgramDescription const& program);
 
 /// What follows the name of a group: one of its commands, and what that takes.
 // NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
@@ -88,13 +88,13 @@ std::string groupCase(CommandDescription const& group, ProgramDescription const&
     text += " \\\n                '*::argument:->arguments'\n";
     text += "            [[ $state == arguments ]] || return 0\n            case $words[1] in\n";
     for (auto const& command : commands) {
-        text += commandCase(command, program);
+        text += zshCommandCase(command, program);
     }
     return text + "            esac ;;\n";
 }
 
 // NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
-std::string commandCase(CommandDescription const& command, ProgramDescription const& program) {
+std::string zshCommandCase(CommandDescription const& command, ProgramDescription const& program) {
     if (command.isGroup) {
         return groupCase(command, program);
     }
@@ -114,19 +114,19 @@ std::string commandCase(CommandDescription const& command, ProgramDescription co
 }  // namespace
 
 std::string zshCompletion(ProgramDescription const& program) {
-    std::string script = kBegin;
+    std::string script = kZshBegin;
     script += "    _arguments -C";
     for (auto const& option : program.options) {
         script += " \\\n        " + optionArgument(option);
     }
     std::string cases;
     for (auto const& command : program.commandsIn("")) {
-        cases += commandCase(command, program);
+        cases += zshCommandCase(command, program);
     }
     script += " \\\n        " + chooseCommand(program.commandsIn(""));
     script += " \\\n        '*::argument:->arguments'\n";
     script += "    [[ $state == arguments ]] || return 0\n    case $words[1] in\n";
-    return script + cases + kEnd;
+    return script + cases + kZshEnd;
 }
 
 }  // namespace TalIec61850Tools
