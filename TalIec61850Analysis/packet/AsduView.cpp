@@ -1,19 +1,14 @@
 #include <TalIec61850Analysis/packet/AsduView.hpp>
 #include <TalIec61850Analysis/packet/FieldFilter.hpp>
+#include <TalIec61850Analysis/packet/PduFields.hpp>
 #include <TalIec61850Analysis/packet/Reading.hpp>
 #include <TalIec61850Parser/wire/SvTags.hpp>
 
 namespace TalIec61850Analysis {
 
-namespace {
-
 namespace wire = TalIec61850Parser::wire;
 using wire::ber::primitive;
 
-constexpr KnownFields kAsduFields = {.primitiveEnd = wire::kGmIdentity + 1};
-
-/// Sets the field that is made of an element.
-/// @return what is wrong with it
 std::optional<FaultKind> setField(ElementView const& element, AsduView& view) noexcept {
     Octets const octets = element.octets;
     switch (*element.tag) {
@@ -40,8 +35,6 @@ std::optional<FaultKind> setField(ElementView const& element, AsduView& view) no
             return std::nullopt;
     }
 }
-
-}  // namespace
 
 void AsduView::visitOthers(ElementSink sink) const {
     FieldFilter filter(kAsduFields);

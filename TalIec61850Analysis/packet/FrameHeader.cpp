@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/packet/FrameHeader.hpp>
+#include <TalIec61850Analysis/packet/LinkStart.hpp>
 #include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Parser/wire/ApplicationHeader.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
@@ -17,16 +18,15 @@ public:
     HeaderReader(Octets frame, FrameHeader& header) : frame_(frame), header_(header) {}
 
     void read(std::uint16_t linkType) {
-        if (linkType == kLinkTypeEthernet) {
+        if (!isReadable(linkType)) {
+            return;
+        }
+        if (auto const* const layout = cookedLayoutOf(linkType)) {
+            takeCooked(*layout);
+        } else {
             takeAddress(header_.destination);
             takeAddress(header_.source);
             takeEtherType();
-        } else if (linkType == kLinkTypeCooked) {
-            takeCooked(wire::kCooked);
-        } else if (linkType == kLinkTypeCooked2) {
-            takeCooked(wire::kCooked2);
-        } else {
-            return;
         }
         while (header_.etherType && wire::isVlanTpid(*header_.etherType) &&
                header_.vlanTags.size() < kMaxVlanTags) {
@@ -130,12 +130,11 @@ bool FrameHeader::simulated() const noexcept {
 }
 
 FrameHeader readFrameHeader(Octets frame, FrameOrigin const& origin) noexcept {
-    FrameHeader const header = readFrameStart(frame, origin.linkType);
-    FrameHeader whole = header;
-    if (auto const trailer = findPrpTrailer(frame, pduEndOf(frame, header), header, origin)) {
-        whole.prp = trailer->trailer;
+    FrameHeader header = readFrameStart(frame, origin.linkType);
+    if (auto const found = findPrpTrailer(frame, pduEndOf(frame, header), header, origin)) {
+        header.prp = found->trailer;
     }
-    return whole;
+    return header;
 }
 
 FrameHeader readFrameStart(Octets frame, std::uint16_t linkType) noexcept {

@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/packet/FieldFilter.hpp>
 #include <TalIec61850Analysis/packet/GooseView.hpp>
+#include <TalIec61850Analysis/packet/PduFields.hpp>
 #include <TalIec61850Analysis/packet/PduFrame.hpp>
 #include <TalIec61850Analysis/packet/Reading.hpp>
 #include <TalIec61850Analysis/packet/RedundancyFit.hpp>
@@ -7,16 +8,9 @@
 
 namespace TalIec61850Analysis {
 
-namespace {
-
 namespace wire = TalIec61850Parser::wire;
 using wire::ber::primitive;
 
-constexpr KnownFields kGooseFields = {.primitiveEnd = wire::kNumDatSetEntries + 1,
-                                      .constructed = wire::kAllDataTag};
-
-/// Sets the field that is made of an element.
-/// @return what is wrong with it; what is wrong inside allData is not looked for
 std::optional<FaultKind> setField(ElementView const& element, GooseView& view) noexcept {
     Octets const octets = element.octets;
     switch (*element.tag) {
@@ -47,8 +41,6 @@ std::optional<FaultKind> setField(ElementView const& element, GooseView& view) n
             return element.fault;
     }
 }
-
-}  // namespace
 
 void GooseView::visitOthers(ElementSink sink) const {
     if (!pdu) {

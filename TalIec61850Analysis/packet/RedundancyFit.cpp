@@ -1,3 +1,4 @@
+#include <TalIec61850Analysis/packet/LinkStart.hpp>
 #include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Parser/wire/BerReader.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
@@ -10,7 +11,7 @@ namespace TalIec61850Analysis {
 namespace wire = TalIec61850Parser::wire;
 
 std::size_t lsduOffsetOf(FrameHeader const& header, std::uint16_t linkType) noexcept {
-    return linkHeaderSize(linkType) +
+    return linkStartOf(linkType).size +
            header.vlanTags.size() * (wire::kVlanTagSize + wire::kEtherTypeSize);
 }
 
@@ -35,16 +36,8 @@ std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
                           header.hsr.has_value());
 }
 
-std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
-                                            std::size_t lsduOffset, bool hasHsr) noexcept {
-    if (pduEnd > frame.size() || frame.size() - pduEnd < wire::kPrpTrailerSize) {
-        return std::nullopt;
-    }
-    std::optional<PlacedTrailer> const last =
-        prpTrailerBefore(frame, frame.size(), lsduOffset, hasHsr);
-    if (last) {
-        return last;
-    }
+std::optional<PlacedTrailer> searchPrpTrailer(Octets frame, std::size_t pduEnd,
+                                              std::size_t lsduOffset, bool hasHsr) noexcept {
     // The library searches for octets faster forwards than backwards: the last that is found
     // counts.
     std::optional<PlacedTrailer> found;

@@ -18,19 +18,6 @@ struct PlacedTrailer {
     std::size_t offset = 0;
 };
 
-/// Octets of a frame up to the end of its first EtherType, as the link type has them.
-[[nodiscard]] constexpr std::size_t linkHeaderSize(std::uint16_t linkType) noexcept {
-    namespace wire = TalIec61850Parser::wire;
-    switch (linkType) {
-        case kLinkTypeCooked:
-            return wire::kCooked.size;
-        case kLinkTypeCooked2:
-            return wire::kCooked2.size;
-        default:
-            return wire::kUntaggedSize;
-    }
-}
-
 /// The header without a PRP trailer.
 [[nodiscard]] FrameHeader readFrameStart(Octets frame, std::uint16_t linkType) noexcept;
 
@@ -68,19 +55,31 @@ struct PlacedTrailer {
                          end - wire::kPrpTrailerSize};
 }
 
+/// The last trailer that padding follows.
+/// @pre at least kPrpTrailerSize octets are after `pduEnd`
+[[nodiscard]] std::optional<PlacedTrailer> searchPrpTrailer(Octets frame, std::size_t pduEnd,
+                                                            std::size_t lsduOffset,
+                                                            bool hasHsr) noexcept;
+
 /// Looks for a trailer in the octets after the PDU, the last one first: a suffix alone may be a
 /// part of a signature.
-/// @param pduEnd  index in the frame; nothing before it is looked at
+/// @param pduEnd      index in the frame; nothing before it is looked at
+/// @param lsduOffset  see lsduOffsetOf
+/// @param hasHsr      whether there is an HSR tag too
+[[nodiscard]] inline std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
+                                                                 std::size_t lsduOffset,
+                                                                 bool hasHsr) noexcept {
+    if (pduEnd + TalIec61850Parser::wire::kPrpTrailerSize > frame.size()) {
+        return std::nullopt;
+    }
+    auto const last = prpTrailerBefore(frame, frame.size(), lsduOffset, hasHsr);
+    return last ? last : searchPrpTrailer(frame, pduEnd, lsduOffset, hasHsr);
+}
+
+/// The same for a frame whose header was read; none where the frame's end was not captured.
 [[nodiscard]] std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
                                                           FrameHeader const& header,
                                                           FrameOrigin const& origin) noexcept;
-
-/// The same where the parts of the header are known by their places alone.
-/// @param lsduOffset  see lsduOffsetOf
-/// @param hasHsr      whether there is an HSR tag too
-[[nodiscard]] std::optional<PlacedTrailer> findPrpTrailer(Octets frame, std::size_t pduEnd,
-                                                          std::size_t lsduOffset,
-                                                          bool hasHsr) noexcept;
 
 /// Whether the size in an HSR tag reaches from the tag to a place after the PDU and within the
 /// frame.

@@ -3,10 +3,7 @@
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <functional>
-#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -20,61 +17,19 @@ namespace wire = TalIec61850Parser::wire;
 constexpr std::size_t kMaxOtherTargets = std::size_t{1} << 16U;
 constexpr std::uint32_t kMaxWord = std::numeric_limits<std::uint32_t>::max();
 
-/// Where the EtherType is that a frame starts with.
-constexpr std::size_t etherTypeOffset(std::uint16_t linkType) {
-    switch (linkType) {
-        case kLinkTypeCooked:
-            return wire::kCooked.protocolOffset;
-        case kLinkTypeCooked2:
-            return wire::kCooked2.protocolOffset;
-        default:
-            return wire::kEtherTypeOffset;
-    }
-}
-
 /// What tells patterns apart besides the octets.
 constexpr std::uint8_t varietyOf(std::uint16_t linkType, bool isSnapped) {
-    auto const link = static_cast<unsigned>(linkType == kLinkTypeCooked    ? 1
-                                            : linkType == kLinkTypeCooked2 ? 2
-                                                                           : 0);
-    return static_cast<std::uint8_t>(link << 1U | (isSnapped ? 1U : 0U));
+    // The link types that are read differ in these bits.
+    return static_cast<std::uint8_t>(linkType << 1U | (isSnapped ? 1U : 0U));
 }
+static_assert(varietyOf(kLinkTypeEthernet, true) != varietyOf(kLinkTypeCooked2, true) &&
+              varietyOf(kLinkTypeCooked, true) != varietyOf(kLinkTypeCooked2, true) &&
+              varietyOf(kLinkTypeEthernet, true) != varietyOf(kLinkTypeCooked, true));
 
 /// Whether a frame that starts with this EtherType can be GOOSE or SV.
 constexpr bool mayBeRead(std::uint16_t etherType) {
     return etherType == wire::kEtherTypeSv || etherType == wire::kEtherTypeGoose ||
            wire::isVlanTpid(etherType) || etherType == wire::kEtherTypeHsr;
-}
-
-/// The UDP payload to or from the port that session messages have; empty for anything else.
-Octets sessionOf(std::uint16_t etherType, Octets packet) {
-    constexpr std::uint16_t kIpv4 = 0x0800;
-    constexpr std::uint16_t kIpv6 = 0x86DD;
-    constexpr std::uint8_t kUdp = 17;
-    constexpr std::uint16_t kSessionPort = 102;
-    constexpr std::size_t kIpv4Size = 20;
-    constexpr std::size_t kIpv6Size = 40;
-    constexpr std::size_t kUdpSize = 8;
-    std::size_t size = 0;
-    if (etherType == kIpv4) {
-        constexpr std::uint16_t kFragmentOffset = 0x1FFF;
-        if (packet.size() < kIpv4Size || packet[0] >> 4U != 4 || packet[9] != kUdp ||
-            (wire::readUint16(packet, 6) & kFragmentOffset) != 0) {
-            return {};
-        }
-        size = std::max(kIpv4Size, std::size_t{4} * (packet[0] & 0xFU));
-    } else if (etherType == kIpv6) {
-        if (packet.size() < kIpv6Size || packet[6] != kUdp) {
-            return {};
-        }
-        size = kIpv6Size;
-    }
-    if (size == 0 || packet.size() < size + kUdpSize) {
-        return {};
-    }
-    bool const isSession = wire::readUint16(packet, size) == kSessionPort ||
-                           wire::readUint16(packet, size + 2) == kSessionPort;
-    return isSession ? packet.subspan(size + kUdpSize) : Octets();
 }
 
 /// The number of octets that end at `end`, eight at most.
@@ -87,50 +42,7 @@ std::uint64_t readEndingAt(std::uint8_t const* end, std::uint32_t size) {
     return word & ~std::uint64_t{0} >> (64U - 8U * size);
 }
 
-std::size_t hashOf(std::optional<std::string> const& text) {
-    return text ? std::hash<std::string_view>()(*text) : 1;
-}
-
-std::size_t hashOf(std::optional<Readable<std::uint64_t>> const& number) {
-    auto const* const value = number ? std::get_if<std::uint64_t>(&*number) : nullptr;
-    return value != nullptr ? *value : number.has_value();
-}
-
-std::size_t hashOf(StreamAttributes const& attributes) {
-    constexpr std::size_t kFactor = 0x9E3779B97F4A7C15U;
-    std::size_t hash = attributes.asdus;
-    for (std::size_t const part :
-         {hashOf(attributes.datSet), hashOf(attributes.goID), hashOf(attributes.confRev),
-          hashOf(attributes.smpRate), hashOf(attributes.smpMod),
-          std::size_t{attributes.isCut} << 1U | std::size_t{attributes.simulatedBit}}) {
-        hash = (hash ^ part) * kFactor;
-        hash ^= hash >> 32U;
-    }
-    return hash;
-}
-
 }  // namespace
-
-inline void FileIndexer::countRecord(CaptureRecord const& record) {
-    CaptureSummary& summary = file_.summary;
-    ++summary.records;
-    summary.capturedOctets += record.capturedSize;
-    summary.originalOctets += record.originalSize;
-    summary.snappedFrames += record.originalSize > record.capturedSize ? 1 : 0;
-    if (record.time) {
-        std::int64_t const time = record.time->time_since_epoch().count();
-        first_ = std::min(first_, time);
-        last_ = std::max(last_, time);
-    }
-    if (record.dropped) {
-        summary.dropped = summary.dropped.value_or(0) + *record.dropped;
-    }
-    if (lastLinkCount_ == nullptr || lastLinkType_ != record.linkType) {
-        lastLinkType_ = record.linkType;
-        lastLinkCount_ = &summary.linkTypes[record.linkType];
-    }
-    ++*lastLinkCount_;
-}
 
 inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
     if (target.stream == nullptr) {
@@ -168,17 +80,44 @@ inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, O
     readOddCounters(target, frame, added);
 }
 
+/// Sets flags and sequence number by the HSR tag, or else by the PRP trailer.
+[[gnu::always_inline]] inline void FileIndexer::readRedundancy(Result const& result,
+                                                               RecordView const& view,
+                                                               PacketRow& row) {
+    Octets const frame = view.frame;
+    auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
+    std::size_t const wireSize = std::max<std::size_t>(frame.size(), view.record.originalSize);
+    auto const set = [&](Redundancy redundancy, bool isB, std::uint16_t sequence) {
+        row.sequence = sequence;
+        row.flags = static_cast<std::uint16_t>(static_cast<unsigned>(redundancy)
+                                                   << PacketFlags::kRedundancyShift |
+                                               (isB ? unsigned{PacketFlags::kLaneB} : 0U));
+    };
+    row.sequence = 0;
+    row.flags = 0;
+    if (result.hasHsr) [[unlikely]] {
+        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
+        set(Redundancy::hsr, tag.letter() == 'B', tag.sequence);
+        if (!hsrSizeFits(result.lsduOffset, tag.lsduSize, pduEnd, wireSize)) {
+            row.flags |= PacketFlags::kHsrMisfit;
+        }
+    } else if (wireSize == frame.size()) {
+        if (auto const found = findPrpTrailer(frame, pduEnd, result.lsduOffset, false)) {
+            set(Redundancy::prp, found->trailer.lan() == 'B', found->trailer.sequence);
+        }
+    }
+}
+
 [[gnu::always_inline]] inline void FileIndexer::addFrame(Result const& result, Target const* others,
                                                          RecordView const& view) {
-    Octets const frame = view.frame;
     CaptureRecord const& record = view.record;
     ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
                                                 : file_.summary.svFrames);
-    if (result.unread != 0) [[unlikely]] {
+    if (result.unread) [[unlikely]] {
         file_.summary.unread.push_back({.frameOffset = record.frameOffset,
                                         .time = record.time,
                                         .protocol = result.protocol,
-                                        .reason = static_cast<UnreadReason>(result.unread - 1)});
+                                        .reason = *result.unread});
     }
     if (!result.hasTarget) {
         return;
@@ -187,56 +126,27 @@ inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, O
     row.time = record.time ? record.time->time_since_epoch().count() : kNoTime;
     row.frameOffset = record.frameOffset;
     row.pduOffset = result.pduOffset;
-    row.sequence = 0;
-    unsigned flags = 0;
-    bool isB = false;
-    auto redundancy = Redundancy::none;
-    if (result.hasHsr) [[unlikely]] {
-        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
-        redundancy = Redundancy::hsr;
-        isB = tag.letter() == 'B';
-        row.sequence = tag.sequence;
-        bool const fits =
-            hsrSizeFits(result.lsduOffset, tag.lsduSize, static_cast<std::size_t>(result.pduEnd),
-                        std::max<std::size_t>(frame.size(), record.originalSize));
-        flags |= fits ? 0U : unsigned{PacketFlags::kHsrMisfit};
-    } else if (result.pduEnd + wire::kPrpTrailerSize <= frame.size() &&
-               record.originalSize <= frame.size()) {
-        // Mostly it is the end of the frame.
-        auto found = prpTrailerBefore(frame, frame.size(), result.lsduOffset, false);
-        if (!found) {
-            found = findPrpTrailer(frame, static_cast<std::size_t>(result.pduEnd),
-                                   result.lsduOffset, false);
-        }
-        if (found) {
-            redundancy = Redundancy::prp;
-            isB = found->trailer.lan() == 'B';
-            row.sequence = found->trailer.sequence;
-        }
-    }
-    flags |= static_cast<unsigned>(redundancy) << PacketFlags::kRedundancyShift;
-    flags |= isB ? unsigned{PacketFlags::kLaneB} : 0U;
-    row.flags = static_cast<std::uint16_t>(flags);
-    addPacket(result.target, row, frame);
+    readRedundancy(result, view, row);
+    addPacket(result.target, row, view.frame);
     for (std::uint32_t i = 0; i < result.otherCount; ++i) {
-        addPacket(others[i], row, frame);
+        addPacket(others[i], row, view.frame);
     }
 }
 
 void FileIndexer::add(RecordView const& view) {
     CaptureRecord const& record = view.record;
-    countRecord(record);
-    if (!isReadable(record.linkType)) {
+    LinkKind const& link = counter_.countRecord(record);
+    if (!link.isReadable) {
         return;
     }
     Octets const frame = view.frame;
-    if (frame.size() < linkHeaderSize(record.linkType)) {
-        countOther(0, {});
+    if (frame.size() < link.headerSize) {
+        counter_.countOther(0, {});
         return;
     }
-    std::uint16_t const etherType = wire::readUint16(frame, etherTypeOffset(record.linkType));
+    std::uint16_t const etherType = wire::readUint16(frame, link.etherTypeOffset);
     if (!mayBeRead(etherType)) {
-        countOther(etherType, frame.subspan(linkHeaderSize(record.linkType)));
+        counter_.countOther(etherType, frame.subspan(link.headerSize));
         return;
     }
     std::uint8_t const variety = varietyOf(record.linkType, record.originalSize > frame.size());
@@ -262,34 +172,13 @@ void FileIndexer::add(RecordView const& view) {
     }
 }
 
-void FileIndexer::countOther(std::uint16_t etherType, Octets payload) {
-    constexpr std::uint16_t kFirstEtherType = 0x0600;
-    std::uint16_t const counted = etherType < kFirstEtherType ? std::uint16_t{0} : etherType;
-    if (lastOtherCount_ == nullptr || lastEtherType_ != counted) {
-        lastEtherType_ = counted;
-        lastOtherCount_ = &file_.summary.otherFrames[counted];
-    }
-    ++*lastOtherCount_;
-    Octets session = sessionOf(etherType, payload);
-    // The connectionless transport has two octets in front.
-    if (session.size() > 2 && session[0] == 0x01 && session[1] == 0x40) {
-        session = session.subspan(2);
-    }
-    constexpr std::uint8_t kGooseSession = 0xA1;
-    constexpr std::uint8_t kSvSession = 0xA2;
-    if (!session.empty()) {
-        file_.summary.routableGooseFrames += session[0] == kGooseSession ? 1 : 0;
-        file_.summary.routableSvFrames += session[0] == kSvSession ? 1 : 0;
-    }
-}
-
 /// @return whether `walked_` and `walkedTargets_` are what the frame is
 bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
     Octets const frame = view.frame;
     walkFrame(frame, {.linkType = view.record.linkType, .originalSize = view.record.originalSize},
               walk_);
     if (!walk_.protocol) {
-        countOther(walk_.header.etherType.value_or(0), frame.subspan(walk_.header.size));
+        counter_.countOther(walk_.header.etherType.value_or(0), frame.subspan(walk_.header.size));
         return false;
     }
     walkedTargets_.clear();
@@ -319,9 +208,7 @@ FileIndexer::Result FileIndexer::resultOf(std::vector<Target>& others) {
     result.lsduOffset = static_cast<std::uint16_t>(walk_.lsduOffset);
     result.pduOffset = static_cast<std::uint16_t>(walk_.pduOffset);
     result.hasHsr = walk_.header.hsr.has_value();
-    result.unread = walk_.unread
-                        ? static_cast<std::uint8_t>(static_cast<unsigned>(*walk_.unread) + 1U)
-                        : std::uint8_t{0};
+    result.unread = walk_.unread;
     result.hasTarget = !walk_.packets.empty();
     for (WalkedPacket const& packet : walk_.packets) {
         if (&packet == walk_.packets.data()) {
@@ -343,7 +230,7 @@ FileIndexer::Target FileIndexer::targetOf(WalkedPacket const& packet) {
     target.stream = &stream;
     target.first = packet.first;
     target.second = packet.second;
-    target.attributes = numberOf(packet.attributes);
+    target.attributes = attributes_.numberOf(packet.attributes);
     target.asdu = packet.asdu;
     auto const flag = [&](bool isSet, std::uint16_t bit) {
         target.flags |= isSet ? bit : std::uint16_t{0};
@@ -370,25 +257,9 @@ FileIndexer::Collected& FileIndexer::streamOf(StreamKey key) {
     return stream;
 }
 
-std::uint32_t FileIndexer::numberOf(StreamAttributes const& attributes) {
-    std::size_t const hash = hashOf(attributes);
-    auto& all = file_.attributes;
-    auto const [first, last] = byAttributes_.equal_range(hash);
-    auto const found = std::find_if(
-        first, last, [&](auto const& entry) { return all[entry.second] == attributes; });
-    if (found != last) {
-        return found->second;
-    }
-    auto const number = static_cast<std::uint32_t>(all.size());
-    all.push_back(attributes);
-    byAttributes_.emplace(hash, number);
-    return number;
-}
-
 void FileIndexer::readOddCounters(Target const& target, Octets frame, PacketRow& row) {
     Collected& stream = *target.stream;
     bool const isGoose = stream.protocol == StreamProtocol::goose;
-    auto const packet = static_cast<std::uint32_t>(stream.packets.size() - 1);
     auto const read = [&](CounterPlace const& place, std::uint32_t largest, bool isSecond) {
         auto state = CounterState::absent;
         std::uint32_t value = 0;
@@ -401,7 +272,7 @@ void FileIndexer::readOddCounters(Target const& target, Octets frame, PacketRow&
                 value = static_cast<std::uint32_t>(*held);
             } else {
                 state = CounterState::wide;
-                stream.wide.push_back({packet, isSecond, toOwned(octets)});
+                stream.packets.addWide(isSecond, octets);
             }
             bool const hasSign = !octets.empty() && (octets.front() & 0x80U) != 0;
             row.flags |= isGoose && hasSign ? PacketFlags::kNegative : std::uint16_t{0};
@@ -434,7 +305,7 @@ std::vector<TrafficStream> FileIndexer::takeStreams(std::uint32_t number) {
         stream.key = *collected->key;
         StreamPart& part = stream.parts.emplace_back();
         part.file = number;
-        part.packets = collected->packets.take(std::exchange(collected->wide, {}));
+        part.packets = collected->packets.take();
         part.changes = std::exchange(collected->changes, {});
         part.changes.shrink_to_fit();
     }
@@ -442,10 +313,8 @@ std::vector<TrafficStream> FileIndexer::takeStreams(std::uint32_t number) {
 }
 
 IndexedFile FileIndexer::takeFile() {
-    if (first_ <= last_) {
-        file_.summary.first = CaptureTime(std::chrono::nanoseconds(first_));
-        file_.summary.last = CaptureTime(std::chrono::nanoseconds(last_));
-    }
+    counter_.finish();
+    file_.attributes = attributes_.take();
     return std::move(file_);
 }
 

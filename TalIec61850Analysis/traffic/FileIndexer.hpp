@@ -4,9 +4,10 @@
 
 #include <TalIec61850Analysis/file/CaptureRecord.hpp>
 #include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/traffic/AttributeTable.hpp>
 #include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
-#include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
+#include <TalIec61850Analysis/traffic/RecordCounter.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
@@ -17,6 +18,7 @@
 #include <deque>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -34,6 +36,8 @@ public:
     explicit FileIndexer(std::function<bool(StreamKey const&)> const& keeps,
                          WalkMemory memory = WalkMemory::on)
         : keeps_(keeps), memoryUse_(memory) {}
+    FileIndexer(FileIndexer const&) = delete;
+    FileIndexer& operator=(FileIndexer const&) = delete;
 
     /// Adds a frame.
     void add(RecordView const& view);
@@ -58,7 +62,6 @@ private:
         ColumnsWriter packets;
         StreamKey const* key = nullptr;
         std::vector<AttributeChange> changes;
-        std::vector<WideRow> wide;
     };
     /// Where a packet of a frame goes, and its counters.
     struct Target {
@@ -83,18 +86,15 @@ private:
         StreamProtocol protocol = StreamProtocol::goose;
         bool hasHsr = false;
         bool hasTarget = false;
-        /// UnreadReason and one more; 0 for none.
-        std::uint8_t unread = 0;
+        std::optional<UnreadReason> unread = {};
     };
     using Memory = TalIec61850Parser::wire::FrameMemory<Result>;
 
-    void countRecord(CaptureRecord const& record);
-    void countOther(std::uint16_t etherType, Octets payload);
     [[nodiscard]] bool walk(RecordView const& view, std::uint8_t variety);
     [[nodiscard]] Result resultOf(std::vector<Target>& others);
     [[nodiscard]] Target targetOf(WalkedPacket const& packet);
     [[nodiscard]] Collected& streamOf(StreamKey key);
-    [[nodiscard]] std::uint32_t numberOf(StreamAttributes const& attributes);
+    static void readRedundancy(Result const& result, RecordView const& view, PacketRow& row);
     void addFrame(Result const& result, Target const* others, RecordView const& view);
     void addPacket(Target const& target, PacketRow const& row, Octets frame) const;
     static void readOddCounters(Target const& target, Octets frame, PacketRow& row);
@@ -102,18 +102,10 @@ private:
     std::function<bool(StreamKey const&)> const& keeps_;
     WalkMemory memoryUse_;
     IndexedFile file_;
-    /// The entries that were counted last.
-    std::uint64_t* lastLinkCount_ = nullptr;
-    std::uint16_t lastLinkType_ = 0;
-    std::uint64_t* lastOtherCount_ = nullptr;
-    std::uint16_t lastEtherType_ = 0;
-    std::int64_t first_ = std::numeric_limits<std::int64_t>::max();
-    std::int64_t last_ = std::numeric_limits<std::int64_t>::min();
-
+    RecordCounter counter_{file_.summary};
+    AttributeTable attributes_;
     std::unordered_map<StreamKey, Collected*, StreamKeyHash> byKey_;
     std::deque<Collected> streams_;
-    /// By hash; the attributes themselves are in the file's table.
-    std::unordered_multimap<std::size_t, std::uint32_t> byAttributes_;
 
     Memory memory_;
     /// Of frames with several packets that are remembered.

@@ -1,3 +1,4 @@
+#include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Analysis/traffic/IndexFile.hpp>
@@ -73,11 +74,8 @@ public:
             return;
         }
         for (std::string const& path : paths) {
-            try {
-                all_ += CaptureFile(path).size();
-            } catch (std::system_error const&) {
-                continue;  // its summary will have the error
-            }
+            // Where it has none, the file's summary will have the error.
+            all_ += checkCapture(path).size;
         }
     }
 

@@ -166,7 +166,7 @@ struct Candidate {
 
 /// Pairs packets of one time: the first of one file that are alike with the first of another, and
 /// so on. Each is paired with that of the first file that has one.
-void pairUp(TrafficStream& stream, std::vector<Candidate>& group, FrameComparer& comparer) {
+void pairAlike(TrafficStream& stream, std::vector<Candidate>& group, FrameComparer& comparer) {
     std::stable_sort(group.begin(), group.end(), [](Candidate const& a, Candidate const& b) {
         return std::tie(a.likeness, a.ref.part) < std::tie(b.likeness, b.ref.part);
     });
@@ -231,15 +231,15 @@ std::vector<TimeWindow> sharedTimes(std::span<StreamPart const> parts) {
     return windows;
 }
 
-/// Pairs the packets of a stream that have one time.
-void pairUp(TrafficStream& stream, TimeWindow const& window, FrameComparer& comparer) {
+/// Pairs the packets of a stream that have one time, for all times in a window.
+void pairInWindow(TrafficStream& stream, TimeWindow const& window, FrameComparer& comparer) {
     std::vector<Candidate> group;
     TimeWalk walk(stream.parts, window);
     std::int64_t time = kNoTime;
     bool hasOtherPart = false;
     auto const finish = [&] {
         if (hasOtherPart) {
-            pairUp(stream, group, comparer);
+            pairAlike(stream, group, comparer);
         }
         group.clear();
         hasOtherPart = false;
@@ -267,7 +267,7 @@ void markDuplicates(std::span<IndexedFile const> files, std::span<TrafficStream>
             }
         }
         for (TimeWindow const& window : sharedTimes(stream.parts)) {
-            pairUp(stream, window, comparer);
+            pairInWindow(stream, window, comparer);
         }
     }
     comparer.compare();

@@ -109,44 +109,48 @@ public:
 
     /// When packets were captured, in nanoseconds since 1970, or kNoTime.
     [[nodiscard]] std::span<std::int64_t const> times() const noexcept {
-        return column<std::int64_t>(0);
+        return column<std::int64_t>(places().times);
     }
     /// Where the frames are in the file, in octets.
     [[nodiscard]] std::span<std::uint64_t const> frameOffsets() const noexcept {
-        return column<std::uint64_t>(8);
+        return column<std::uint64_t>(places().frameOffsets);
     }
     /// Where in the frame the goosePdu (61), or the sequence of ASDU (A2), is.
     [[nodiscard]] std::span<std::uint16_t const> pduOffsets() const noexcept {
-        return column<std::uint16_t>(secondEnd());
+        return column<std::uint16_t>(places().pduOffsets);
     }
     /// The sequence numbers of HSR or PRP; 0 without either.
     [[nodiscard]] std::span<std::uint16_t const> redundancySequences() const noexcept {
-        return column<std::uint16_t>(secondEnd() + 2);
+        return column<std::uint16_t>(places().sequences);
     }
     /// What is to be said of packets in single bits.
     [[nodiscard]] std::span<PacketFlags const> flags() const noexcept {
-        return column<PacketFlags>(secondEnd() + 4);
+        return column<PacketFlags>(places().flags);
     }
 
     /// Of GOOSE: where flags say that it is held; else 0. Empty for SV.
     [[nodiscard]] std::span<std::uint32_t const> stNums() const noexcept {
-        return isGoose() ? column<std::uint32_t>(16) : std::span<std::uint32_t const>();
+        return isGoose() ? column<std::uint32_t>(places().firstCounters)
+                         : std::span<std::uint32_t const>();
     }
     /// Of GOOSE, as `stNums`.
     [[nodiscard]] std::span<std::uint32_t const> sqNums() const noexcept {
-        return isGoose() ? column<std::uint32_t>(20) : std::span<std::uint32_t const>();
+        return isGoose() ? column<std::uint32_t>(places().secondCounters)
+                         : std::span<std::uint32_t const>();
     }
     /// Of SV: where flags say that it is held; else 0. Empty for GOOSE.
     [[nodiscard]] std::span<std::uint32_t const> smpCnts() const noexcept {
-        return isGoose() ? std::span<std::uint32_t const>() : column<std::uint32_t>(16);
+        return isGoose() ? std::span<std::uint32_t const>()
+                         : column<std::uint32_t>(places().firstCounters);
     }
     /// Of SV, as `smpCnts`.
     [[nodiscard]] std::span<std::uint8_t const> smpSynchs() const noexcept {
-        return isGoose() ? std::span<std::uint8_t const>() : column<std::uint8_t>(28);
+        return isGoose() ? std::span<std::uint8_t const>()
+                         : column<std::uint8_t>(places().secondCounters);
     }
     /// The number of the ASDU in its frame, from 0. Empty for GOOSE.
     [[nodiscard]] std::span<std::uint16_t const> asdus() const noexcept {
-        return isGoose() ? std::span<std::uint16_t const>() : column<std::uint16_t>(26);
+        return isGoose() ? std::span<std::uint16_t const>() : column<std::uint16_t>(places().asdus);
     }
 
     /// stNum of GOOSE, smpCnt of SV, wherever it is kept: the octets of a number that 64 bits do
@@ -200,15 +204,53 @@ private:
 
         friend bool operator==(WideCounter const&, WideCounter const&) = default;
     };
+
+    /// Where columns are in the block: octets of a packet in the columns before each, and in all.
+    /// Wider ones come first, so that each is aligned.
+    struct ColumnPlaces {
+        std::size_t times;
+        std::size_t frameOffsets;
+        std::size_t firstCounters;
+        std::size_t secondCounters;
+        std::size_t pduOffsets;
+        std::size_t sequences;
+        std::size_t flags;
+        std::size_t asdus;
+        std::size_t end;
+    };
+    static constexpr ColumnPlaces kGoosePlaces = {.times = 0,
+                                                  .frameOffsets = 8,
+                                                  .firstCounters = 16,
+                                                  .secondCounters = 20,
+                                                  .pduOffsets = 24,
+                                                  .sequences = 26,
+                                                  .flags = 28,
+                                                  .asdus = 30,
+                                                  .end = 30};
+    static constexpr ColumnPlaces kSvPlaces = {.times = 0,
+                                               .frameOffsets = 8,
+                                               .firstCounters = 16,
+                                               .secondCounters = 28,
+                                               .pduOffsets = 20,
+                                               .sequences = 22,
+                                               .flags = 24,
+                                               .asdus = 26,
+                                               .end = 29};
     /// @endcond
 
     [[nodiscard]] bool isGoose() const noexcept { return protocol_ == StreamProtocol::goose; }
-    /// Octets of a packet in the columns before those that both protocols have after the counters.
-    [[nodiscard]] std::size_t secondEnd() const noexcept { return isGoose() ? 24 : 20; }
-    /// @param before  octets of a packet in the columns before this one
+    [[nodiscard]] ColumnPlaces const& places() const noexcept {
+        return isGoose() ? kGoosePlaces : kSvPlaces;
+    }
+    /// @param place  of the column, a member of ColumnPlaces
     template <typename Value>
-    [[nodiscard]] std::span<Value const> column(std::size_t before) const noexcept {
-        return {reinterpret_cast<Value const*>(block_.get() + before * capacity_), size_};
+    [[nodiscard]] std::span<Value const> column(std::size_t place) const noexcept {
+        return {reinterpret_cast<Value const*>(block_.get() + place * capacity_), size_};
+    }
+    /// Where a column starts; it has room for `capacity_` values.
+    template <typename Value>
+    [[nodiscard]] Value* columnStart(std::size_t place) noexcept {
+        return reinterpret_cast<Value*>(block_.get() + place * capacity_);
     }
     [[nodiscard]] OctetString const* findWide(std::size_t packet, bool isSecond) const noexcept;
 
@@ -219,7 +261,7 @@ private:
     /// Packets that there is room for in each column. What is not used was never written, so that
     /// the system gives no memory for it.
     std::size_t capacity_ = 0;
-    /// One column after the other, wider ones first, so that each is aligned.
+    /// One column after the other.
     std::unique_ptr<std::byte[]> block_;
     std::vector<std::uint32_t> order_;
     /// By packet, the first counter before the second.

@@ -1,21 +1,12 @@
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <limits>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 namespace TalIec61850Analysis::detail {
-
-namespace {
-
-/// Octets of a packet in all columns.
-constexpr std::size_t sizeOfPacket(StreamProtocol protocol) {
-    return protocol == StreamProtocol::goose ? 30 : 29;
-}
-
-}  // namespace
 
 void ColumnsWriter::makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset) {
     if (stageSize_ < kMaxStageSize) {
@@ -63,20 +54,16 @@ void ColumnsWriter::flushAs() {
     // Copies of what would be read again after each store.
     PacketRow const* const rows = stage_.get();
     std::uint32_t const count = staged_;
-    auto const column = [&]<typename Value>(Value, std::size_t before) {
-        return reinterpret_cast<Value*>(columns_.block_.get() + before * columns_.capacity_) +
-               first;
-    };
-    auto* const times = column(std::int64_t{}, 0);
-    auto* const frameOffsets = column(std::uint64_t{}, 8);
-    auto* const firsts = column(std::uint32_t{}, 16);
-    [[maybe_unused]] auto* const sqNums = column(std::uint32_t{}, 20);
-    [[maybe_unused]] auto* const asdus = column(std::uint16_t{}, 26);
-    [[maybe_unused]] auto* const smpSynchs = column(std::uint8_t{}, 28);
-    std::size_t const before = columns_.secondEnd();
-    auto* const pduOffsets = column(std::uint16_t{}, before);
-    auto* const sequences = column(std::uint16_t{}, before + 2);
-    auto* const flags = column(std::uint16_t{}, before + 4);
+    auto const& places = columns_.places();
+    auto* const times = columns_.columnStart<std::int64_t>(places.times) + first;
+    auto* const frameOffsets = columns_.columnStart<std::uint64_t>(places.frameOffsets) + first;
+    auto* const firsts = columns_.columnStart<std::uint32_t>(places.firstCounters) + first;
+    using SecondCounter = std::conditional_t<isGoose, std::uint32_t, std::uint8_t>;
+    auto* const seconds = columns_.columnStart<SecondCounter>(places.secondCounters) + first;
+    auto* const pduOffsets = columns_.columnStart<std::uint16_t>(places.pduOffsets) + first;
+    auto* const sequences = columns_.columnStart<std::uint16_t>(places.sequences) + first;
+    auto* const flags = columns_.columnStart<std::uint16_t>(places.flags) + first;
+    [[maybe_unused]] auto* const asdus = columns_.columnStart<std::uint16_t>(places.asdus) + first;
     std::uint16_t allFlags = allFlags_;
     bool isSorted = isSorted_;
     std::int64_t lastTime = lastTime_;
@@ -87,9 +74,7 @@ void ColumnsWriter::flushAs() {
         times[i] = time;
         frameOffsets[i] = row.frameOffset;
         firsts[i] = row.first;
-        if constexpr (isGoose) {
-            sqNums[i] = row.second;
-        }
+        seconds[i] = static_cast<SecondCounter>(row.second);
         isSorted &= time >= lastTime && time != kNoTime;
         lastTime = time;
     }
@@ -100,7 +85,6 @@ void ColumnsWriter::flushAs() {
         flags[i] = row.flags;
         if constexpr (!isGoose) {
             asdus[i] = row.asdu;
-            smpSynchs[i] = static_cast<std::uint8_t>(row.second);
         }
         allFlags |= row.flags;
     }
@@ -115,31 +99,35 @@ void ColumnsWriter::reserve(std::size_t capacity) {
     // Each column is aligned for the widest.
     constexpr std::size_t kStep = sizeof(std::uint64_t);
     capacity = (capacity + kStep - 1) / kStep * kStep;
-    auto block =
-        std::make_unique_for_overwrite<std::byte[]>(capacity * sizeOfPacket(columns_.protocol_));
-    constexpr std::array<std::size_t, 8> kGooseColumns = {0, 8, 16, 20, 24, 26, 28, 30};
-    constexpr std::array<std::size_t, 9> kSvColumns = {0, 8, 16, 20, 22, 24, 26, 28, 29};
-    auto const copy = [&](auto const& columns) {
-        for (std::size_t i = 0; columns_.size_ != 0 && i + 1 < columns.size(); ++i) {
-            std::memcpy(block.get() + columns[i] * capacity,
-                        columns_.block_.get() + columns[i] * columns_.capacity_,
-                        (columns[i + 1] - columns[i]) * columns_.size_);
+    auto const& places = columns_.places();
+    auto block = std::make_unique_for_overwrite<std::byte[]>(capacity * places.end);
+    auto const copy = [&](std::size_t place, std::size_t width) {
+        if (columns_.size_ != 0) {
+            std::memcpy(block.get() + place * capacity, columns_.columnStart<std::byte>(place),
+                        width * columns_.size_);
         }
     };
+    copy(places.times, sizeof(std::int64_t));
+    copy(places.frameOffsets, sizeof(std::uint64_t));
+    copy(places.firstCounters, sizeof(std::uint32_t));
+    copy(places.pduOffsets, sizeof(std::uint16_t));
+    copy(places.sequences, sizeof(std::uint16_t));
+    copy(places.flags, sizeof(std::uint16_t));
     if (columns_.isGoose()) {
-        copy(kGooseColumns);
+        copy(places.secondCounters, sizeof(std::uint32_t));
     } else {
-        copy(kSvColumns);
+        copy(places.asdus, sizeof(std::uint16_t));
+        copy(places.secondCounters, sizeof(std::uint8_t));
     }
     columns_.block_ = std::move(block);
     columns_.capacity_ = capacity;
 }
 
-PacketColumns ColumnsWriter::take(std::vector<WideRow> wide) {
+PacketColumns ColumnsWriter::take() {
     std::size_t const size = this->size();
     // Of small blocks, room that is not used lies among what is.
     constexpr std::size_t kSmallBlock = std::size_t{256} << 10U;
-    bool const isSmall = columns_.capacity_ * sizeOfPacket(columns_.protocol_) < kSmallBlock;
+    bool const isSmall = columns_.capacity_ * columns_.places().end < kSmallBlock;
     if (size > columns_.capacity_ || isSmall) {
         reserve(size);
     }
@@ -151,10 +139,7 @@ PacketColumns ColumnsWriter::take(std::vector<WideRow> wide) {
     if (!isSorted_) {
         sort(columns_);
     }
-    columns_.wide_.reserve(wide.size());
-    for (WideRow& each : wide) {
-        columns_.wide_.push_back({each.packet, each.isSecond, std::move(each.octets)});
-    }
+    columns_.wide_.shrink_to_fit();
     return std::move(columns_);
 }
 

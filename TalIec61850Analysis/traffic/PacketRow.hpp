@@ -25,13 +25,6 @@ struct PacketRow {
 };
 static_assert(sizeof(PacketRow) == 32);
 
-/// A counter that no column holds.
-struct WideRow {
-    std::uint32_t packet = 0;
-    bool isSecond = false;
-    OctetString octets;
-};
-
 /// Collects the packets of one stream. Each is written as a row; full rows become columns a few at
 /// a time, since a packet's place in every column would be another page.
 class ColumnsWriter {
@@ -51,13 +44,19 @@ public:
     /// How many packets were added.
     [[nodiscard]] std::size_t size() const { return columns_.size_ + staged_; }
 
-    /// To be called last.
-    /// @param wide  by packet, the first counter before the second
-    [[nodiscard]] PacketColumns take(std::vector<WideRow> wide);
+    /// Keeps a counter that no column holds, of the packet that was added last: the first one
+    /// before the second.
+    void addWide(bool isSecond, Octets octets) {
+        columns_.wide_.push_back(
+            {static_cast<std::uint32_t>(size() - 1), isSecond, toOwned(octets)});
+    }
 
+    /// To be called last.
+    [[nodiscard]] PacketColumns take();
+
+    /// Flags that are found only when all packets are known can be set.
     static std::span<PacketFlags> flags(PacketColumns& columns) {
-        auto const all = columns.flags();
-        return {const_cast<PacketFlags*>(all.data()), all.size()};
+        return {columns.columnStart<PacketFlags>(columns.places().flags), columns.size_};
     }
 
 private:

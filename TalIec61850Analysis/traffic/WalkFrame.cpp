@@ -1,6 +1,9 @@
+#include <TalIec61850Analysis/packet/AsduView.hpp>
 #include <TalIec61850Analysis/packet/FieldFilter.hpp>
+#include <TalIec61850Analysis/packet/GooseView.hpp>
+#include <TalIec61850Analysis/packet/OwnedFields.hpp>
+#include <TalIec61850Analysis/packet/PduFields.hpp>
 #include <TalIec61850Analysis/packet/PduFrame.hpp>
-#include <TalIec61850Analysis/packet/Reading.hpp>
 #include <TalIec61850Analysis/packet/RedundancyFit.hpp>
 #include <TalIec61850Analysis/traffic/WalkFrame.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
@@ -18,13 +21,33 @@ namespace {
 namespace wire = TalIec61850Parser::wire;
 using wire::ber::primitive;
 
-constexpr KnownFields kWalkedGoose = {.primitiveEnd = wire::kNumDatSetEntries + 1,
-                                      .constructed = wire::kAllDataTag};
-constexpr KnownFields kWalkedAsdu = {.primitiveEnd = wire::kGmIdentity + 1};
+/// Which fields of a PDU count for the index.
+struct FieldRoles {
+    KnownFields known;
+    /// A bit for the number of each tag whose value says which stream it is, or is an attribute.
+    std::uint32_t significant = 0;
+    /// Identifier octets of the counters.
+    std::uint8_t first = 0;
+    std::uint8_t second = 0;
+};
 
-Readable<std::uint64_t> numberOf(ReadableView<std::uint64_t> const& number) {
-    return toOwned(number);
+template <typename... Tags>
+constexpr std::uint32_t bitsOf(Tags... numbers) {
+    return ((std::uint32_t{1} << numbers) | ...);
 }
+
+constexpr FieldRoles kGooseRoles = {
+    .known = kGooseFields,
+    .significant = bitsOf(wire::kGocbRef, wire::kDatSet, wire::kGoID, wire::kConfRev,
+                          wire::kSimulation, wire::kNdsCom),
+    .first = primitive(wire::kStNum),
+    .second = primitive(wire::kSqNum)};
+constexpr FieldRoles kAsduRoles = {
+    .known = kAsduFields,
+    .significant =
+        bitsOf(wire::kSvID, wire::kAsduDatSet, wire::kAsduConfRev, wire::kSmpRate, wire::kSmpMod),
+    .first = primitive(wire::kSmpCnt),
+    .second = primitive(wire::kSmpSynch)};
 
 /// A number that is sent as an INTEGER, and has no sign.
 Readable<std::uint64_t> numberOf(IntegerView const& integer) {
@@ -127,53 +150,49 @@ private:
         return element.fault && !(walk_.isCut && element.fault == FaultKind::pastCapture);
     }
 
-    std::optional<UnreadReason> walkGoose(ElementView const& pdu) {
-        WalkedPacket packet;
-        packet.attributes = firstAttributes();
-        bool hasName = false;
-        FieldFilter filter(kWalkedGoose);
-        for (ElementView const& element : pdu.members()) {
+    /// Sets the view's fields, and of the packet the counters and whether it is damaged. All other
+    /// values are passed over.
+    template <typename View>
+    void walkFields(Elements const& members, FieldRoles const& roles, View& view,
+                    WalkedPacket& packet) {
+        FieldFilter filter(roles.known);
+        for (ElementView const& element : members) {
             packet.isDamaged = packet.isDamaged || isDamage(element);
-            if (!filter.takes(element)) {
-                passValue(element);
+            bool const isField = filter.takes(element);
+            if (isField) {
+                static_cast<void>(setField(element, view));
+            }
+            bool const isSignificant =
+                isField && wire::ber::isContextPrimitive(*element.tag) &&
+                (roles.significant & bitsOf(wire::ber::tagNumber(*element.tag))) != 0;
+            if (isSignificant) {
                 continue;
             }
-            StreamAttributes& attributes = packet.attributes;
-            switch (*element.tag) {
-                case primitive(wire::kGocbRef):
-                    packet.name = readText(element.octets).value;
-                    hasName = true;
-                    break;
-                case primitive(wire::kDatSet):
-                    attributes.datSet = readText(element.octets).value;
-                    break;
-                case primitive(wire::kGoID):
-                    attributes.goID = readText(element.octets).value;
-                    break;
-                case primitive(wire::kConfRev):
-                    attributes.confRev = numberOf(readCounter(element.octets).value);
-                    break;
-                case primitive(wire::kSimulation):
-                    attributes.simulation = toOwned(readBoolean(element.octets).value);
-                    break;
-                case primitive(wire::kNdsCom):
-                    attributes.ndsCom = toOwned(readBoolean(element.octets).value);
-                    break;
-                case primitive(wire::kStNum):
-                    packet.first = placeOf(element);
-                    passValue(element);
-                    break;
-                case primitive(wire::kSqNum):
-                    packet.second = placeOf(element);
-                    passValue(element);
-                    break;
-                default:
-                    passValue(element);
+            passValue(element);
+            if (isField && element.tag == roles.first) {
+                packet.first = placeOf(element);
+            } else if (isField && element.tag == roles.second) {
+                packet.second = placeOf(element);
             }
         }
-        if (!hasName) {
+    }
+
+    std::optional<UnreadReason> walkGoose(ElementView const& pdu) {
+        GooseView view;
+        WalkedPacket packet;
+        walkFields(pdu.members(), kGooseRoles, view, packet);
+        if (!view.gocbRef) {
             return walk_.isCut ? UnreadReason::cut : UnreadReason::noName;
         }
+        packet.name = *view.gocbRef;
+        packet.attributes = firstAttributes();
+        packet.attributes.datSet = ownedField(view.datSet);
+        packet.attributes.goID = ownedField(view.goID);
+        if (view.confRev) {
+            packet.attributes.confRev = numberOf(*view.confRev);
+        }
+        packet.attributes.simulation = ownedField(view.simulation);
+        packet.attributes.ndsCom = ownedField(view.ndsCom);
         walk_.packets.push_back(std::move(packet));
         return std::nullopt;
     }
@@ -221,52 +240,22 @@ private:
 
     /// @return whether the ASDU has a svID
     bool walkAsdu(ElementView const& asdu, std::uint32_t number) {
+        AsduView view;
         WalkedPacket packet;
-        packet.attributes = firstAttributes();
         packet.asdu = static_cast<std::uint16_t>(number);
         packet.isDamaged = isDamage(asdu);
-        bool hasName = false;
-        FieldFilter filter(kWalkedAsdu);
-        for (ElementView const& element : asdu.members()) {
-            packet.isDamaged = packet.isDamaged || isDamage(element);
-            if (!filter.takes(element)) {
-                passValue(element);
-                continue;
-            }
-            StreamAttributes& attributes = packet.attributes;
-            switch (*element.tag) {
-                case primitive(wire::kSvID):
-                    packet.name = readText(element.octets).value;
-                    hasName = true;
-                    break;
-                case primitive(wire::kAsduDatSet):
-                    attributes.datSet = readText(element.octets).value;
-                    break;
-                case primitive(wire::kAsduConfRev):
-                    attributes.confRev = numberOf(readUnsigned(element.octets));
-                    break;
-                case primitive(wire::kSmpRate):
-                    attributes.smpRate = numberOf(readUnsigned(element.octets));
-                    break;
-                case primitive(wire::kSmpMod):
-                    attributes.smpMod = numberOf(readUnsigned(element.octets));
-                    break;
-                case primitive(wire::kSmpCnt):
-                    packet.first = placeOf(element);
-                    passValue(element);
-                    break;
-                case primitive(wire::kSmpSynch):
-                    packet.second = placeOf(element);
-                    passValue(element);
-                    break;
-                default:
-                    passValue(element);
-            }
+        walkFields(asdu.members(), kAsduRoles, view, packet);
+        if (!view.svID) {
+            return false;
         }
-        if (hasName) {
-            walk_.packets.push_back(std::move(packet));
-        }
-        return hasName;
+        packet.name = *view.svID;
+        packet.attributes = firstAttributes();
+        packet.attributes.datSet = ownedField(view.datSet);
+        packet.attributes.confRev = ownedField(view.confRev);
+        packet.attributes.smpRate = ownedField(view.smpRate);
+        packet.attributes.smpMod = ownedField(view.smpMod);
+        walk_.packets.push_back(std::move(packet));
+        return true;
     }
 
     Octets frame_;

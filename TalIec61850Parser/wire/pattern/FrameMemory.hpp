@@ -27,11 +27,11 @@ public:
 
     /// The result of the pattern whose turn it is, if this frame matches it; otherwise null. Most
     /// publishers take turns, so that this finds most frames, and sooner than `find`.
-    /// @param prpLan  what tells frames apart besides their octets
+    /// @param variety  what tells frames apart besides their octets
     /// @return valid until another operation is called
-    [[nodiscard]] Result* findNextInTurn(Octets frame, std::uint8_t prpLan) {
+    [[nodiscard]] Result* findNextInTurn(Octets frame, std::uint8_t variety) {
         std::uint32_t const pattern = turns_.expected();
-        if (pattern == TurnPredictor::kNone || !table_.matches(pattern, frame, prpLan))
+        if (pattern == TurnPredictor::kNone || !table_.matches(pattern, frame, variety))
             [[unlikely]] {
             return nullptr;
         }
@@ -47,10 +47,10 @@ public:
     }
 
     /// The result of the pattern that this frame matches; null when there is none.
-    /// @param prpLan  what tells frames apart besides their octets
+    /// @param variety  what tells frames apart besides their octets
     /// @return valid until another operation is called
-    [[nodiscard]] Result* find(Octets frame, std::uint8_t prpLan) {
-        std::uint32_t const pattern = table_.find(frame, prpLan);
+    [[nodiscard]] Result* find(Octets frame, std::uint8_t variety) {
+        std::uint32_t const pattern = table_.find(frame, variety);
         if (pattern == PatternTable::kNone) {
             return nullptr;
         }
@@ -74,8 +74,8 @@ public:
     /// @param mask  0xFF for each significant octet of the frame, 0 for the others
     /// @return the remembered result, valid until another operation is called; null when the frame
     ///         was not taken in
-    Result* remember(Octets frame, Octets mask, std::uint8_t prpLan, Result const& result) {
-        std::uint32_t const pattern = table_.add(frame, mask, prpLan);
+    Result* remember(Octets frame, Octets mask, std::uint8_t variety, Result const& result) {
+        std::uint32_t const pattern = table_.add(frame, mask, variety);
         if (pattern == PatternTable::kNone) {
             return nullptr;
         }

@@ -49,8 +49,8 @@ auto* probe(Slots& slots, std::uint64_t hash, Predicate const& isIt) {
 
 }  // namespace
 
-std::uint32_t PatternTable::find(Octets frame, std::uint8_t prpLan) const {
-    ShapeKey const key = keyOf(frame, prpLan);
+std::uint32_t PatternTable::find(Octets frame, std::uint8_t variety) const {
+    ShapeKey const key = keyOf(frame, variety);
     for (std::uint32_t number = heads_[listOf(key)]; number != kNone;
          number = shapes_[number].next) {
         Shape const& shape = shapes_[number];
@@ -66,18 +66,18 @@ std::uint32_t PatternTable::find(Octets frame, std::uint8_t prpLan) const {
         Slot const* const slot = probe(shape.slots, hash.result(), [&](Slot const& each) {
             return each.pattern == kNone || each.hash == upperHalf(hash.result());
         });
-        if (slot != nullptr && slot->pattern != kNone && matches(slot->pattern, frame, prpLan)) {
+        if (slot != nullptr && slot->pattern != kNone && matches(slot->pattern, frame, variety)) {
             return slot->pattern;
         }
     }
     return kNone;
 }
 
-std::uint32_t PatternTable::add(Octets frame, Octets mask, std::uint8_t prpLan) {
+std::uint32_t PatternTable::add(Octets frame, Octets mask, std::uint8_t variety) {
     if (frame.size() < MaskedBlocks::kBlockSize || frame.size() > kMaxFrameSize) {
         return kNone;
     }
-    ShapeKey const key = keyOf(frame, prpLan);
+    ShapeKey const key = keyOf(frame, variety);
     std::uint32_t const shapeNumber = findOrAddShape(key, mask);
     isFull_ = shapeNumber == kNone || patterns_.size() == kMaxPatterns ||
               blocks_.heldBlockCount() + shapes_[shapeNumber].mask.count > kMaxHeldBlocks;

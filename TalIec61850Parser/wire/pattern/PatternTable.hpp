@@ -11,7 +11,7 @@
 
 namespace TalIec61850Parser::wire {
 
-/// Patterns of frames: a size, a PRP LAN, a mask of significant octets, and what these hold. A
+/// Patterns of frames: a size, a variety, a mask of significant octets, and what these hold. A
 /// frame matches a pattern when it agrees in all of them; its other octets may hold anything.
 ///
 /// Patterns are numbered from 0 in the order in which they were added. The table takes 8 MiB at
@@ -29,24 +29,24 @@ public:
     /// Whether a pattern was refused because there is no room for more.
     [[nodiscard]] bool isFull() const { return isFull_; }
 
-    /// @param prpLan  what tells frames apart besides their octets
-    [[nodiscard]] bool matches(std::uint32_t pattern, Octets frame, std::uint8_t prpLan) const {
+    /// @param variety  what tells frames apart besides their octets
+    [[nodiscard]] bool matches(std::uint32_t pattern, Octets frame, std::uint8_t variety) const {
         Pattern const& known = patterns_[pattern];
-        return known.key == keyOf(frame, prpLan) &&
+        return known.key == keyOf(frame, variety) &&
                blocks_.matches(frame.data(), known.mask, known.firstHeld);
     }
 
-    /// @param prpLan  what tells frames apart besides their octets
+    /// @param variety  what tells frames apart besides their octets
     /// @return the pattern that the frame matches, or kNone
-    [[nodiscard]] std::uint32_t find(Octets frame, std::uint8_t prpLan) const;
+    [[nodiscard]] std::uint32_t find(Octets frame, std::uint8_t variety) const;
 
     /// Adds the pattern of a frame that matches none.
     /// @param mask  0xFF for each significant octet of the frame, 0 for the others
     /// @return its number; kNone when it was not taken in
-    [[nodiscard]] std::uint32_t add(Octets frame, Octets mask, std::uint8_t prpLan);
+    [[nodiscard]] std::uint32_t add(Octets frame, Octets mask, std::uint8_t variety);
 
 private:
-    /// Size and PRP LAN of a frame.
+    /// Size and variety of a frame.
     using ShapeKey = std::uint64_t;
 
     struct Pattern {
@@ -66,7 +66,7 @@ private:
         std::uint32_t hash = 0;
         std::uint32_t pattern = kNone;
     };
-    /// All patterns of one size, PRP LAN and mask, in a hash table with linear probing. The hash
+    /// All patterns of one size, variety and mask, in a hash table with linear probing. The hash
     /// covers only as many words as are needed to tell the patterns apart.
     struct Shape {
         ShapeKey key = 0;
@@ -81,8 +81,8 @@ private:
 
     static constexpr std::size_t kListCount = 2048;
 
-    [[nodiscard]] static ShapeKey keyOf(Octets frame, std::uint8_t prpLan) {
-        return std::uint64_t{frame.size()} << 8U | prpLan;
+    [[nodiscard]] static ShapeKey keyOf(Octets frame, std::uint8_t variety) {
+        return std::uint64_t{frame.size()} << 8U | variety;
     }
     /// The list of shapes with this key, and of some others.
     [[nodiscard]] static std::size_t listOf(ShapeKey key) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <random>
@@ -235,6 +236,11 @@ TEST(TrafficFrames, ThatAreNotReadAreKeptWithTheReason) {
     message.gocbRef.reset();
     EXPECT_EQ(onlyReason(gooseFrame(Ethernet(), message)), UnreadReason::noName);
     SvMessage sv;
+    Bytes bare = svFrame(svEthernet(), sv);
+    // A sequence of ASDU where a savPdu should be.
+    auto const savPdu = bare.begin() + static_cast<std::ptrdiff_t>(readFrameHeader(bare).size);
+    bare.erase(savPdu, std::find(savPdu, bare.end(), std::uint8_t{0xA2}));
+    EXPECT_EQ(onlyReason(bare), UnreadReason::noPdu);
     sv.asdus.clear();
     EXPECT_EQ(onlyReason(svFrame(svEthernet(), sv)), UnreadReason::noAsdu);
     sv.asdus = {Asdu()};

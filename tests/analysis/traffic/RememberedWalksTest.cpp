@@ -6,6 +6,7 @@
 
 #include <TalIec61850Analysis/packet/GoosePacket.hpp>
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
+#include <TalIec61850Analysis/packet/SvView.hpp>
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <algorithm>
 #include <cstdint>
@@ -180,6 +181,8 @@ std::vector<Packet> decodedPackets(std::vector<Recorded> const& frames) {
                 packets.emplace_back(*packet.gocbRef, offset, 0,
                                      textOf(packet.stNum) + " " + textOf(packet.sqNum));
         } else if (header.isSv()) {
+            // Decoding shows ASDUs that no savPdu leads to; the index has them as unread.
+            if (!viewSv(each.frame, origin).pdu) continue;
             SvPacket const packet = decodeSv(each.frame, origin);
             if (isPast(packet.faults)) continue;
             for (std::size_t i = 0; i < packet.asdus.size(); ++i)

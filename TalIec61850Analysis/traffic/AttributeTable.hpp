@@ -1,0 +1,25 @@
+#pragma once
+
+// Internal: numbers for what packets say of their streams.
+
+#include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+namespace TalIec61850Analysis::detail {
+
+/// Keeps attributes that are equal once, and numbers them from 0 in the order in which they came.
+class AttributeTable {
+public:
+    [[nodiscard]] std::uint32_t numberOf(StreamAttributes const& attributes);
+    /// All of them, by number; to be called last.
+    [[nodiscard]] std::vector<StreamAttributes> take();
+
+private:
+    std::vector<StreamAttributes> all_;
+    std::unordered_multimap<std::size_t, std::uint32_t> byHash_;
+};
+
+}  // namespace TalIec61850Analysis::detail
