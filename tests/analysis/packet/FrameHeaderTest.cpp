@@ -73,7 +73,7 @@ TEST(FrameHeaders, HaveFourBitsOfPathAndTwelveOfSize) {
 Bytes stack(std::vector<VlanTag> const& tags) {
     Bytes octets;
     for (VlanTag const& tag : tags) {
-        unsigned const control = tag.priority << 13U | (tag.dei ? 0x1000U : 0U) | tag.id;
+        unsigned const control = unsigned{tag.priority} << 13U | (tag.dei ? 0x1000U : 0U) | tag.id;
         append(octets, concat({bigEndian(tag.tpid, 2), bigEndian(control, 2)}));
     }
     return octets;
