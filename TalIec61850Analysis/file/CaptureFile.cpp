@@ -51,14 +51,14 @@ detail::InterfaceTable classicTable(Descriptor const& file,
 
 /// It stays where it is, since parts of it refer to others.
 struct CaptureFile::State {
-    explicit State(std::string const& path)
+    State(std::string const& path, ReadMode mode)
         : file(detail::openToRead(path)),
           size(sizeOf(file)),
           identity(identityOf(file)),
           kind(detail::recogniseStart(file)),
           table(kind.variant ? classicTable(file, *kind.variant) : detail::InterfaceTable{}),
           finder(file, size, start(), decoder(false)),
-          walk(file, size, start(), decoder(true)) {
+          walk(file, size, start(), decoder(true), mode) {
         if (!kind.variant && !kind.isNextGeneration) {
             walk.finish({.kind = CaptureDamageKind::notCapture});
         } else if (size < start()) {
@@ -92,7 +92,8 @@ struct CaptureFile::State {
     std::vector<std::uint8_t> frame;
 };
 
-CaptureFile::CaptureFile(std::string const& path) : state_(std::make_unique<State>(path)) {}
+CaptureFile::CaptureFile(std::string const& path, ReadMode mode)
+    : state_(std::make_unique<State>(path, mode)) {}
 CaptureFile::CaptureFile(CaptureFile&& other) noexcept = default;
 CaptureFile& CaptureFile::operator=(CaptureFile&& other) noexcept = default;
 CaptureFile::~CaptureFile() = default;
