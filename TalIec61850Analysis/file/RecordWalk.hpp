@@ -18,6 +18,12 @@ namespace TalIec61850Analysis::detail {
 /// What decodes a file; a copy of it can begin where it was copied.
 using Decoder = std::variant<ClassicDecoder, NextGenerationDecoder>;
 
+/// The same decoder, which counts records and statistics or does not.
+[[nodiscard]] inline Decoder withCounting(Decoder decoder, bool isCounting) {
+    std::visit([&](auto& either) { either.setCounting(isCounting); }, decoder);
+    return decoder;
+}
+
 /// A walk over records, some of them at a time.
 class RecordWalk {
 public:
