@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "analysis/file/ReadFile.hpp"
+#include "index/Indexing.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 #include "support/PcapngMaker.hpp"
-#include "support/TempFile.hpp"
 
 namespace TalIec61850Analysis {
 namespace {
