@@ -20,6 +20,7 @@
 #include <TalIec61850Analysis/file/Descriptor.hpp>
 #include <TalIec61850Analysis/file/FileIdentity.hpp>
 #include <TalIec61850Analysis/file/PacketFrames.hpp>
+#include <TalIec61850Analysis/file/ReadMode.hpp>
 #include <TalIec61850Analysis/file/RecordMap.hpp>
 #include <TalIec61850Analysis/packet/AsduContent.hpp>
 #include <TalIec61850Analysis/packet/AsduView.hpp>

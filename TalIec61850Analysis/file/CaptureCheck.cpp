@@ -24,7 +24,7 @@ CaptureCheck refuseFor(std::error_code error) {
 CaptureCheck checkContent(std::string const& path) {
     try {
         auto const kind = detail::recogniseStart(detail::openToRead(path));
-        if (!kind.variant && !kind.isNextGeneration) {
+        if (!kind.isCapture()) {
             return refuse(CaptureFault::notCapture);
         }
         CaptureCheck check;

@@ -6,6 +6,7 @@
 #include <TalIec61850Analysis/file/RecogniseStart.hpp>
 #include <TalIec61850Analysis/file/RecordFinder.hpp>
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <system_error>
 #include <vector>
@@ -37,7 +38,7 @@ FileIdentity identityOf(Descriptor const& file) {
 /// The one interface of a classic capture.
 detail::InterfaceTable classicTable(Descriptor const& file,
                                     TalIec61850Parser::wire::CaptureVariant variant) {
-    std::vector<std::uint8_t> octets(kGlobalHeaderSize);
+    std::array<std::uint8_t, kGlobalHeaderSize> octets{};
     static_cast<void>(detail::readAt(file, 0, octets));
     auto const header = GlobalHeader::read(octets, variant.isLittleEndian);
     CaptureInterface only;
@@ -51,15 +52,15 @@ detail::InterfaceTable classicTable(Descriptor const& file,
 
 /// It stays where it is, since parts of it refer to others.
 struct CaptureFile::State {
-    explicit State(std::string const& path)
+    State(std::string const& path, ReadMode mode)
         : file(detail::openToRead(path)),
           size(sizeOf(file)),
           identity(identityOf(file)),
           kind(detail::recogniseStart(file)),
           table(kind.variant ? classicTable(file, *kind.variant) : detail::InterfaceTable{}),
-          finder(file, size, start(), decoder(false)),
-          walk(file, size, start(), decoder(true)) {
-        if (!kind.variant && !kind.isNextGeneration) {
+          finder(file, size, start(), decoder()),
+          walk(file, size, start(), detail::withCounting(decoder(), true), mode) {
+        if (!kind.isCapture()) {
             walk.finish({.kind = CaptureDamageKind::notCapture});
         } else if (size < start()) {
             walk.finish({.kind = CaptureDamageKind::fileHeaderCut});
@@ -71,15 +72,11 @@ struct CaptureFile::State {
         return kind.isNextGeneration ? 0 : kGlobalHeaderSize;
     }
 
-    [[nodiscard]] detail::Decoder decoder(bool isCounting) {
-        if (!kind.variant) {
-            detail::NextGenerationDecoder decoder(size, table);
-            decoder.setCounting(isCounting);
-            return decoder;
+    [[nodiscard]] detail::Decoder decoder() {
+        if (kind.variant) {
+            return detail::ClassicDecoder(*kind.variant, size, table);
         }
-        detail::ClassicDecoder decoder(*kind.variant, size, table);
-        decoder.setCounting(isCounting);
-        return decoder;
+        return detail::NextGenerationDecoder(size, table);
     }
 
     Descriptor file;
@@ -92,7 +89,8 @@ struct CaptureFile::State {
     std::vector<std::uint8_t> frame;
 };
 
-CaptureFile::CaptureFile(std::string const& path) : state_(std::make_unique<State>(path)) {}
+CaptureFile::CaptureFile(std::string const& path, ReadMode mode)
+    : state_(std::make_unique<State>(path, mode)) {}
 CaptureFile::CaptureFile(CaptureFile&& other) noexcept = default;
 CaptureFile& CaptureFile::operator=(CaptureFile&& other) noexcept = default;
 CaptureFile::~CaptureFile() = default;
@@ -135,8 +133,7 @@ std::span<CaptureInterface const> CaptureFile::interfaces() const noexcept {
 }
 
 std::optional<CaptureRecord> CaptureFile::recordAt(std::uint64_t fileOffset) {
-    bool const isCapture = state_->kind.variant || state_->kind.isNextGeneration;
-    return isCapture ? state_->finder.find(fileOffset) : std::nullopt;
+    return state_->kind.isCapture() ? state_->finder.find(fileOffset) : std::nullopt;
 }
 
 std::span<std::uint8_t const> CaptureFile::frameOf(CaptureRecord const& record) {

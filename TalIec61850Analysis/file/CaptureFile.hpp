@@ -6,6 +6,7 @@
 #include <TalIec61850Analysis/file/CaptureInterface.hpp>
 #include <TalIec61850Analysis/file/CaptureRecord.hpp>
 #include <TalIec61850Analysis/file/FileIdentity.hpp>
+#include <TalIec61850Analysis/file/ReadMode.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -26,8 +27,10 @@ public:
     /// Opens the file, and reads what it starts with. A file that is no capture has no records, and
     /// says so in `damage`.
     /// @param path  links are followed
+    /// @param mode  how `next` reads; it gives the same records either way
     /// @throws std::system_error  it cannot be opened or read, or is a pipe
-    TALIEC61850ANALYSIS_EXPORT explicit CaptureFile(std::string const& path);
+    TALIEC61850ANALYSIS_EXPORT explicit CaptureFile(std::string const& path,
+                                                    ReadMode mode = ReadMode::plain);
     /// The file that is moved from can be destroyed and assigned to.
     TALIEC61850ANALYSIS_EXPORT CaptureFile(CaptureFile&& other) noexcept;
     /// Closes the file that was held. That which is moved from can be destroyed and assigned to.
@@ -37,7 +40,7 @@ public:
     /// The next record, in the order of the file. It claims no octet that the file does not hold.
     /// @return null after the last record, and where damage ends the file: see `damage`. Record and
     ///         frame are valid until the next call
-    /// @throws std::system_error  the file cannot be read
+    /// @throws std::system_error  the file cannot be read: there is no next record after that
     [[nodiscard]] RecordView const* next() {
         if (next_ == end_ && !readMore()) {
             return nullptr;

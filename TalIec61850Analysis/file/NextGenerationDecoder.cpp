@@ -23,6 +23,20 @@ std::size_t finishWith(CaptureDamage const& damage, WalkedRecords& walked) {
     return 0;
 }
 
+/// Ends the walk where the file has no whole block any more.
+std::size_t finishAt(std::uint64_t fileOffset, std::uint64_t left, WalkedRecords& walked) {
+    if (left != 0) {
+        return finishWith(damageAt(fileOffset == 0 ? CaptureDamageKind::fileHeaderCut
+                                                   : CaptureDamageKind::recordHeaderCut,
+                                   fileOffset),
+                          walked);
+    }
+    if (walked.isEmpty()) {
+        walked.finish();
+    }
+    return 0;
+}
+
 /// The octets that a block of this type always has in its body.
 std::size_t fixedSize(std::uint32_t type) {
     switch (type) {
@@ -67,6 +81,19 @@ bool describe(CaptureInterface& described, InterfaceUse& use, std::span<std::uin
     return isWhole;
 }
 
+/// Reads what options say of a packet.
+/// @return false where they are cut off
+bool readDropped(CaptureRecord& record, std::span<std::uint8_t const> options,
+                 bool isLittleEndian) {
+    return wire::forEachOption(options, isLittleEndian,
+                               [&](std::uint16_t code, std::span<std::uint8_t const> value) {
+                                   if (code == wire::kOptionPacketDropped) {
+                                       record.dropped =
+                                           wire::readOptionNumber(value, isLittleEndian);
+                                   }
+                               });
+}
+
 }  // namespace
 
 std::size_t NextGenerationDecoder::decode(std::span<std::uint8_t const> octets,
@@ -85,17 +112,8 @@ std::size_t NextGenerationDecoder::decode(std::span<std::uint8_t const> octets,
 std::size_t NextGenerationDecoder::decodeBlock(std::span<std::uint8_t const> octets,
                                                std::uint64_t fileOffset, WalkedRecords& walked) {
     std::uint64_t const left = fileSize_ - fileOffset;
-    if (left == 0) {
-        if (walked.isEmpty()) {
-            walked.finish();
-        }
-        return 0;
-    }
     if (left < wire::kSmallestBlock) {
-        return finishWith(damageAt(fileOffset == 0 ? CaptureDamageKind::fileHeaderCut
-                                                   : CaptureDamageKind::recordHeaderCut,
-                                   fileOffset),
-                          walked);
+        return finishAt(fileOffset, left, walked);
     }
     if (octets.size() < wire::kSmallestBlock) {
         return 0;
@@ -105,20 +123,8 @@ std::size_t NextGenerationDecoder::decodeBlock(std::span<std::uint8_t const> oct
                 .type = wire::readFileUint32(octets, 0, section_.isLittleEndian),
                 .length = 0,
                 .body = {}};
-    // Its type reads the same in both byte orders.
-    if (block.type == wire::kSectionBlock) {
-        auto const order = wire::findByteOrder(octets);
-        if (!order) {
-            return finishWith(damageAt(CaptureDamageKind::byteOrder, fileOffset), walked);
-        }
-        block.isLittleEndian = *order;
-    }
-    block.length = wire::readFileUint32(octets, 4, block.isLittleEndian);
-    if (!isBlockLength(block.type, block.length)) {
-        return finishWith({.kind = CaptureDamageKind::blockLength,
-                           .fileOffset = fileOffset,
-                           .claimedSize = block.length},
-                          walked);
+    if (auto const damage = readLength(block, octets)) {
+        return finishWith(*damage, walked);
     }
     if (block.length > left) {
         return decodeCutBlock(octets, block, walked);
@@ -138,6 +144,27 @@ std::size_t NextGenerationDecoder::decodeBlock(std::span<std::uint8_t const> oct
     block.body = octets.subspan(wire::kBlockHeaderSize, block.length - wire::kSmallestBlock);
     take(block, walked);
     return block.length;
+}
+
+/// Reads the length of a block, which takes its byte order.
+/// @return damage, where that cannot be told or is none
+inline std::optional<CaptureDamage> NextGenerationDecoder::readLength(
+    Block& block, std::span<std::uint8_t const> octets) {
+    // Its type reads the same in both byte orders.
+    if (block.type == wire::kSectionBlock) {
+        auto const order = wire::findByteOrder(octets);
+        if (!order) {
+            return damageAt(CaptureDamageKind::byteOrder, block.fileOffset);
+        }
+        block.isLittleEndian = *order;
+    }
+    block.length = wire::readFileUint32(octets, 4, block.isLittleEndian);
+    if (!isBlockLength(block.type, block.length)) {
+        return CaptureDamage{.kind = CaptureDamageKind::blockLength,
+                             .fileOffset = block.fileOffset,
+                             .claimedSize = block.length};
+    }
+    return std::nullopt;
 }
 
 /// A block that claims more octets than the file holds. Of a packet, what is there is shown.
@@ -306,22 +333,13 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
         return;
     }
     CaptureInterface& interface = table_->interfaces[*index];
-    bool const isCut = block.fileOffset + block.length > fileSize_;
-    auto const rest = block.body.subspan(header.size);
     std::size_t const claimed = header.frameSize(interface.snapLength);
-    if (claimed > (isCut ? block.length - wire::kSmallestBlock - header.size : rest.size())) {
-        walked.note({.kind = CaptureDamageKind::frameTooLong,
-                     .fileOffset = block.fileOffset,
-                     .claimedSize = claimed});
+    if (!canHold(block, header, claimed, walked)) {
         return;
     }
-    if (!isCut && claimed > kLongestFrame) {
-        walked.note({.kind = CaptureDamageKind::recordTooLong,
-                     .fileOffset = block.fileOffset,
-                     .claimedSize = block.length});
-        return;
-    }
+    auto const rest = block.body.subspan(header.size);
     auto const frame = rest.first(std::min({claimed, rest.size(), kLongestFrame}));
+    // Member by member, in place: this is most of what a record costs.
     RecordView& view = walked.add();
     view.frame = frame;
     CaptureRecord& record = view.record;
@@ -342,21 +360,32 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
         }
     }
     std::size_t const used = std::min<std::size_t>(wire::padded(claimed), rest.size());
-    if (block.type == wire::kEnhancedPacketBlock && used < rest.size()) {
-        bool const isWhole = wire::forEachOption(
-            rest.subspan(used), block.isLittleEndian,
-            [&](std::uint16_t code, std::span<std::uint8_t const> value) {
-                if (code == wire::kOptionPacketDropped) {
-                    record.dropped = wire::readOptionNumber(value, block.isLittleEndian);
-                }
-            });
-        if (!isWhole) {
-            walked.note(damageAt(CaptureDamageKind::optionCut, block.fileOffset));
-        }
+    if (block.type == wire::kEnhancedPacketBlock && used < rest.size() &&
+        !readDropped(record, rest.subspan(used), block.isLittleEndian)) {
+        walked.note(damageAt(CaptureDamageKind::optionCut, block.fileOffset));
     }
     if (isCounting_) {
         ++interface.records;
     }
+}
+
+/// Whether a block has all octets of its frame, and not more than any frame; if not, that is noted.
+inline bool NextGenerationDecoder::canHold(Block const& block, wire::PacketHeader const& header,
+                                           std::size_t claimed, WalkedRecords& walked) const {
+    if (claimed > block.length - wire::kSmallestBlock - header.size) {
+        walked.note({.kind = CaptureDamageKind::frameTooLong,
+                     .fileOffset = block.fileOffset,
+                     .claimedSize = claimed});
+        return false;
+    }
+    bool const isCut = block.fileOffset + block.length > fileSize_;
+    if (!isCut && claimed > kLongestFrame) {
+        walked.note({.kind = CaptureDamageKind::recordTooLong,
+                     .fileOffset = block.fileOffset,
+                     .claimedSize = block.length});
+        return false;
+    }
+    return true;
 }
 
 /// @param number  as blocks have it, counted in the section

@@ -63,6 +63,8 @@ private:
 
     std::size_t decodeBlock(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                             WalkedRecords& walked);
+    [[nodiscard]] static std::optional<CaptureDamage> readLength(
+        Block& block, std::span<std::uint8_t const> octets);
     std::size_t decodeCutBlock(std::span<std::uint8_t const> octets, Block block,
                                WalkedRecords& walked) const;
     std::size_t passOver(Block const& block, WalkedRecords& walked);
@@ -71,6 +73,8 @@ private:
     void addInterface(Block const& block, WalkedRecords& walked);
     void takeStatistics(Block const& block, WalkedRecords& walked) const;
     void takePacket(Block const& block, WalkedRecords& walked) const;
+    bool canHold(Block const& block, TalIec61850Parser::wire::PacketHeader const& header,
+                 std::size_t claimed, WalkedRecords& walked) const;
     [[nodiscard]] std::optional<std::uint32_t> findInterface(std::uint32_t number) const;
 
     InterfaceTable* table_;

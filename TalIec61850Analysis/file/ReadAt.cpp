@@ -3,6 +3,7 @@
 
 #include <TalIec61850Analysis/file/ReadAt.hpp>
 #include <TalIec61850Parser/wire/OpenMode.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -32,6 +33,17 @@ std::size_t readAt(Descriptor const& file, std::uint64_t fileOffset,
         }
     }
     return size;
+}
+
+TalIec61850Parser::wire::ReadOctets readFrom(Descriptor const& file, std::uint64_t fileOffset,
+                                             std::uint64_t end) {
+    return [&file, fileOffset, end](std::span<std::uint8_t> room) mutable {
+        std::uint64_t const left = end - std::min(fileOffset, end);
+        auto const wanted = static_cast<std::size_t>(std::min<std::uint64_t>(room.size(), left));
+        std::size_t const count = readAt(file, fileOffset, room.first(wanted));
+        fileOffset += count;
+        return count;
+    };
 }
 
 }  // namespace TalIec61850Analysis::detail

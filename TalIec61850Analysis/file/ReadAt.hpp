@@ -3,6 +3,7 @@
 // Internal: how files are opened and read, as one may that is no regular file.
 
 #include <TalIec61850Analysis/file/Descriptor.hpp>
+#include <TalIec61850Parser/wire/ReadAhead.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -19,5 +20,14 @@ namespace TalIec61850Analysis::detail {
 /// @throws std::system_error  the file cannot be read
 [[nodiscard]] std::size_t readAt(Descriptor const& file, std::uint64_t fileOffset,
                                  std::span<std::uint8_t> octets);
+
+/// Reads a file in sequence. Its own position does not move, so that others may read it at the same
+/// time.
+/// @param file        outlives what is returned
+/// @param fileOffset  where to begin
+/// @param end         where to end, if the file does not end before
+[[nodiscard]] TalIec61850Parser::wire::ReadOctets readFrom(Descriptor const& file,
+                                                           std::uint64_t fileOffset,
+                                                           std::uint64_t end);
 
 }  // namespace TalIec61850Analysis::detail

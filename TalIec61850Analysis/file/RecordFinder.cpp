@@ -10,6 +10,11 @@ namespace {
 constexpr std::uint64_t kNearestPlaces = std::uint64_t{1} << 20U;
 constexpr std::uint64_t kMostPlaces = 16384;
 
+/// Whether a record holds an offset: that of its header, of its frame, or between.
+bool holds(CaptureRecord const& record, std::uint64_t fileOffset) {
+    return record.fileOffset <= fileOffset && fileOffset < record.frameOffset + record.capturedSize;
+}
+
 }  // namespace
 
 RecordFinder::RecordFinder(Descriptor const& file, std::uint64_t fileSize, std::uint64_t fileOffset,
@@ -23,8 +28,8 @@ void RecordFinder::note(RecordWalk const& walk) {
     if (walk.walked().isFinished()) {
         isWalked_ = true;
     } else if (walk.position() > places_.back().fileOffset + spacing_) {
-        places_.push_back({.fileOffset = walk.position(), .decoder = walk.decoder()});
-        std::visit([](auto& decoder) { decoder.setCounting(false); }, places_.back().decoder);
+        places_.push_back(
+            {.fileOffset = walk.position(), .decoder = withCounting(walk.decoder(), false)});
     }
 }
 
@@ -70,8 +75,7 @@ std::optional<CaptureRecord> RecordFinder::search(std::uint64_t fileOffset) {
 }
 
 std::optional<CaptureRecord> RecordFinder::decodeAt(std::uint64_t recordOffset,
-                                                    Decoder decoder) const {
-    std::visit([](auto& either) { either.setCounting(false); }, decoder);
+                                                    Decoder const& decoder) const {
     // One record does not take more than a walk takes anyhow.
     RecordWalk walk(*file_, fileSize_, recordOffset, decoder);
     auto const records = walk.next();

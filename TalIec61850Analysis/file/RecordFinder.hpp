@@ -16,7 +16,7 @@ class RecordFinder {
 public:
     /// @param file        outlives this
     /// @param fileOffset  of the first record or block
-    /// @param decoder     for what is there
+    /// @param decoder     for what is there; counts nothing
     RecordFinder(Descriptor const& file, std::uint64_t fileSize, std::uint64_t fileOffset,
                  Decoder const& decoder);
 
@@ -28,7 +28,7 @@ public:
     [[nodiscard]] std::optional<CaptureRecord> find(std::uint64_t fileOffset);
 
 private:
-    /// Where a walk can begin.
+    /// Where a walk can begin. Its decoder counts nothing.
     struct Place {
         std::uint64_t fileOffset;
         Decoder decoder;
@@ -37,7 +37,7 @@ private:
     [[nodiscard]] std::optional<CaptureRecord> search(std::uint64_t fileOffset);
     [[nodiscard]] std::optional<CaptureRecord> walkTo(std::uint64_t fileOffset);
     [[nodiscard]] std::optional<CaptureRecord> decodeAt(std::uint64_t recordOffset,
-                                                        Decoder decoder) const;
+                                                        Decoder const& decoder) const;
 
     Descriptor const* file_;
     std::uint64_t fileSize_;
@@ -47,10 +47,5 @@ private:
     /// All there is has been walked.
     bool isWalked_ = false;
 };
-
-/// Whether a record holds an offset: that of its header, of its frame, or between.
-[[nodiscard]] inline bool holds(CaptureRecord const& record, std::uint64_t fileOffset) {
-    return record.fileOffset <= fileOffset && fileOffset < record.frameOffset + record.capturedSize;
-}
 
 }  // namespace TalIec61850Analysis::detail

@@ -32,7 +32,13 @@ void RecordWalk::use(std::size_t count) {
 
 void RecordWalk::readOn() {
     std::size_t const before = unread_.size();
-    unread_ = blocks_.next(unread_);
+    try {
+        unread_ = blocks_.next(unread_);
+    } catch (...) {
+        unread_ = {};
+        walked_.finish();
+        throw;
+    }
     if (unread_.size() == before) {
         walked_.finish(
             {.kind = CaptureDamageKind::fileShrank, .fileOffset = position_ - skipped_ + before});

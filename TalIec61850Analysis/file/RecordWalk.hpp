@@ -3,9 +3,11 @@
 // Internal: walks the records of a capture file, of either format, from any record on.
 
 #include <TalIec61850Analysis/file/ClassicDecoder.hpp>
-#include <TalIec61850Analysis/file/FileBlocks.hpp>
 #include <TalIec61850Analysis/file/NextGenerationDecoder.hpp>
+#include <TalIec61850Analysis/file/ReadAt.hpp>
+#include <TalIec61850Analysis/file/ReadMode.hpp>
 #include <TalIec61850Analysis/file/WalkedRecords.hpp>
+#include <TalIec61850Parser/wire/BlockReader.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -16,18 +18,26 @@ namespace TalIec61850Analysis::detail {
 /// What decodes a file; a copy of it can begin where it was copied.
 using Decoder = std::variant<ClassicDecoder, NextGenerationDecoder>;
 
+/// The same decoder, which counts records and statistics or does not.
+[[nodiscard]] inline Decoder withCounting(Decoder decoder, bool isCounting) {
+    std::visit([&](auto& either) { either.setCounting(isCounting); }, decoder);
+    return decoder;
+}
+
 /// A walk over records, some of them at a time.
 class RecordWalk {
 public:
     /// @param file      outlives this
     /// @param fileSize  as the decoder was given it
     RecordWalk(Descriptor const& file, std::uint64_t fileSize, std::uint64_t fileOffset,
-               Decoder const& decoder)
-        : blocks_(file, fileOffset, fileSize), position_(fileOffset), decoder_(decoder) {}
+               Decoder const& decoder, ReadMode mode = ReadMode::plain)
+        : blocks_(readFrom(file, fileOffset, fileSize), mode == ReadMode::ahead),
+          position_(fileOffset),
+          decoder_(decoder) {}
 
     /// The next records; those before are no longer valid.
     /// @return none after the last; see `walked` for why
-    /// @throws std::system_error  the file cannot be read
+    /// @throws std::system_error  the file cannot be read: there are none after that
     [[nodiscard]] std::span<RecordView const> next();
 
     /// The records read last, and the damage up to them.
@@ -45,7 +55,7 @@ private:
     void readOn();
     void use(std::size_t count);
 
-    FileBlocks blocks_;
+    TalIec61850Parser::wire::BlockReader blocks_;
     std::span<std::uint8_t const> unread_;
     std::uint64_t position_;
     /// Octets before that position that have not been read, and are not wanted.

@@ -56,6 +56,8 @@ struct CaptureKind {
     /// Set when the file is read as a classic capture.
     std::optional<CaptureVariant> variant;
     bool isNextGeneration = false;
+
+    [[nodiscard]] bool isCapture() const { return variant.has_value() || isNextGeneration; }
 };
 
 /// Octets of a file that `recogniseCapture` looks at, at most.
@@ -77,14 +79,18 @@ template <typename MagicAt>
     return {.variant = variant, .isNextGeneration = !variant};
 }
 
+/// Whether numbers of this byte order are as the processor has them.
+[[nodiscard]] constexpr bool isHostOrder(bool isLittleEndian) {
+    return isLittleEndian == (std::endian::native == std::endian::little);
+}
+
 /// A number of a file header or record header, in host byte order.
 /// @pre four octets are there
 [[nodiscard]] inline std::uint32_t readFileUint32(Octets octets, std::size_t index,
                                                   bool isLittleEndian) {
     std::uint32_t stored = 0;
     std::memcpy(&stored, octets.data() + index, sizeof stored);
-    bool const isHostOrder = isLittleEndian == (std::endian::native == std::endian::little);
-    return isHostOrder ? stored : __builtin_bswap32(stored);
+    return isHostOrder(isLittleEndian) ? stored : __builtin_bswap32(stored);
 }
 
 /// What the header of a classic capture file says besides its magic, in host byte order.

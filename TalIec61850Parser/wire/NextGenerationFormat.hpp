@@ -5,7 +5,6 @@
 #include <TalIec61850Parser/wire/CaptureFormat.hpp>
 #include <TalIec61850Parser/wire/Octets.hpp>
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -42,8 +41,7 @@ inline constexpr std::size_t kBlockAlignment = 4;
                                                   bool isLittleEndian) {
     std::uint16_t stored = 0;
     std::memcpy(&stored, octets.data() + index, sizeof stored);
-    bool const isHostOrder = isLittleEndian == (std::endian::native == std::endian::little);
-    return isHostOrder ? stored : __builtin_bswap16(stored);
+    return isHostOrder(isLittleEndian) ? stored : __builtin_bswap16(stored);
 }
 
 /// A number of eight octets, as options and section lengths are.
@@ -52,8 +50,7 @@ inline constexpr std::size_t kBlockAlignment = 4;
                                                   bool isLittleEndian) {
     std::uint64_t stored = 0;
     std::memcpy(&stored, octets.data() + index, sizeof stored);
-    bool const isHostOrder = isLittleEndian == (std::endian::native == std::endian::little);
-    return isHostOrder ? stored : __builtin_bswap64(stored);
+    return isHostOrder(isLittleEndian) ? stored : __builtin_bswap64(stored);
 }
 
 /// A time: the more significant four octets first, in either byte order.

@@ -1,12 +1,15 @@
 // Walks over the records of captures, against the plainest reading of them.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
+#include <TalIec61850Analysis/file/Descriptor.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -39,6 +42,9 @@ std::int64_t timeOf(Bytes const& capture, TalTest::CaptureRecord const& record) 
 std::int64_t timeOf(CaptureRecord const& record) {
     return record.time.value().time_since_epoch().count();
 }
+
+/// The number that the next file to be opened will have.
+int nextNumber() { return Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC)).number(); }
 
 /// @param end  where the last whole record ends
 void requireDamage(Bytes const& capture, std::uint64_t end,
@@ -221,12 +227,31 @@ TEST(CaptureFile, ThatBecomesShorterEndsThere) {
     EXPECT_LT(records.damage()->fileOffset, builder.bytes().size());
 }
 
+TEST(CaptureFile, ThatCannotBeReadOnHasNoNextRecord) {
+    TalTest::CaptureBuilder builder;
+    for (std::uint32_t i = 0; i < 100; ++i) {
+        builder.add(i, 0, Bytes(10'000, static_cast<std::uint8_t>(i)));
+    }
+    ScratchFile const file(builder.bytes());
+    Descriptor const unreadable(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    ASSERT_TRUE(unreadable);
+    int const number = nextNumber();
+    CaptureFile records(file.path());
+    ASSERT_TRUE(records.next());
+    ASSERT_EQ(::dup2(unreadable.number(), number), number);
+    EXPECT_THROW(while (records.next() != nullptr){}, std::system_error);
+    EXPECT_FALSE(records.next());
+    EXPECT_FALSE(records.damage());
+}
+
 TEST(CaptureFile, ThatGrowsIsReadAsFarAsItWas) {
     TalTest::CaptureBuilder builder;
     builder.add(1, 0, {1, 2, 3});
     TalTest::TempFile const file(builder.bytes());
     CaptureFile records(file.path());
-    std::ofstream(file.path(), std::ios::binary | std::ios::app) << std::string(100, 'x');
+    // A record like the first.
+    std::ofstream(file.path(), std::ios::binary | std::ios::app)
+        << std::string(builder.bytes().begin() + 24, builder.bytes().end());
     EXPECT_TRUE(records.next());
     EXPECT_FALSE(records.next());
     EXPECT_FALSE(records.damage());

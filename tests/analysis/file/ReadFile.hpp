@@ -25,6 +25,8 @@ struct ReadCapture {
     std::optional<Record> cut;
     std::vector<CaptureInterface> interfaces;
 
+    friend bool operator==(ReadCapture const&, ReadCapture const&) = default;
+
     [[nodiscard]] std::vector<CaptureDamageKind> damageKinds() const {
         std::vector<CaptureDamageKind> kinds;
         for (CaptureDamage const& each : damages) {
@@ -35,11 +37,11 @@ struct ReadCapture {
 };
 
 /// Reads a file from its first record to its last.
-inline ReadCapture readWhole(std::string const& path) {
+inline ReadCapture readWhole(std::string const& path, ReadMode mode = ReadMode::plain) {
     auto const toOwned = [](RecordView const& view) {
         return ReadCapture::Record{view.record, {view.frame.begin(), view.frame.end()}};
     };
-    CaptureFile file(path);
+    CaptureFile file(path, mode);
     ReadCapture read;
     while (auto const* const view = file.next()) {
         read.records.push_back(toOwned(*view));
