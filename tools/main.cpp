@@ -2,8 +2,6 @@
 // PacketsCommand, ShowCommand; HelpCommands has the rest, LibraryCommands the group `library`.
 
 #include <fcntl.h>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -40,12 +38,13 @@ using TalIec61850Tools::escapeText;
 using TalIec61850Tools::ExitStatus;
 using TalIec61850Tools::fitHelp;
 using TalIec61850Tools::intendedCommand;
+using TalIec61850Tools::messageStart;
 using TalIec61850Tools::Output;
 using TalIec61850Tools::OutputError;
 using TalIec61850Tools::ProgramDefinition;
 using TalIec61850Tools::refuseUnknown;
+using TalIec61850Tools::seeHelp;
 using TalIec61850Tools::UsageError;
-using TalIec61850Tools::wordsOf;
 
 /// The number of a closed standard stream would be given to the next file that is opened, and
 /// messages and rows would be written into that file. Each is replaced by one that fails.
@@ -76,8 +75,7 @@ ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
         output.finish();
         return ExitStatus::success;
     }
-    std::string const command = fmt::format("{}", fmt::join(wordsOf(parsedCommand(program)), " "));
-    complain(escapeText((command.empty() ? command : command + ": ") + error.what()));
+    complain(escapeText(messageStart(parsedCommand(program)) + error.what()));
     return ExitStatus::usageError;
 }
 
@@ -107,9 +105,7 @@ ExitStatus runProgram(int argc, char** argv) {
         return report(program, error);
     }
     if (!chosen) {
-        auto const words = wordsOf(parsedCommand(program));
-        complain(fmt::format("no command given, see tal-iec61850 {}{}--help", fmt::join(words, " "),
-                             words.empty() ? "" : " "));
+        complain("no command given, " + seeHelp(parsedCommand(program)));
         return ExitStatus::usageError;
     }
     return chosen();

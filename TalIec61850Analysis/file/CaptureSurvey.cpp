@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
+#include <algorithm>
 
 namespace TalIec61850Analysis {
 
@@ -11,6 +12,7 @@ CaptureSurvey surveyCapture(std::string const& path) {
             if (!survey.start) {
                 survey.start = view->record.time;
             }
+            survey.latest = std::max(survey.latest, view->record.time);
         }
         survey.damage = file.damage();
         if (auto const* const cut = file.cutRecord(); cut != nullptr && !survey.start) {

@@ -14,10 +14,12 @@ struct CaptureSurvey {
     /// The time of the first record in the file that has one, whatever is in it; it need not be the
     /// earliest.
     std::optional<CaptureTime> start;
+    /// The latest time of a record that is there whole, wherever it is in the file.
+    std::optional<CaptureTime> latest;
     /// The damage that ends the file.
     std::optional<CaptureDamage> damage;
     /// What the operating system says where the file cannot be opened, or be read to its end. What
-    /// was found before that is in `start`.
+    /// was found before that is in `start` and `latest`.
     std::error_code error;
 };
 

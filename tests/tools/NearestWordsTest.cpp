@@ -7,6 +7,15 @@ namespace {
 
 using Words = std::vector<std::string>;
 
+TEST(SameWord, IsTheSameInAnyLetterCase) {
+    EXPECT_TRUE(isSameWord("appId", "APPID"));
+    EXPECT_TRUE(isSameWord("", ""));
+    EXPECT_FALSE(isSameWord("appId", "appI"));
+    EXPECT_FALSE(isSameWord("appId", "apIpd"));
+    std::string const longWord(80, 'a');
+    EXPECT_FALSE(isSameWord(longWord + "b", longWord + "c"));
+}
+
 TEST(NearestWords, CountsInsertionsRemovalsReplacementsAndSwaps) {
     EXPECT_EQ(countDifferences("", ""), 0U);
     EXPECT_EQ(countDifferences("streams", "strems"), 1U);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
@@ -38,6 +40,36 @@ TEST(NothingFound, NamesTheNearestValues) {
                   complaint("no stream matches --appid 0x4001; there is 0x4000"));
         EXPECT_EQ(saidBy({command, file.path(), "--gocbref", "Q*"}),
                   complaint("no stream has what --gocbref Q* asks for"));
+    }
+}
+
+TEST(NothingFound, NamesTheValuesOfEachCriterion) {
+    Ethernet const link = Ethernet().from("02:00:00:00:00:99").to("01:0c:cd:01:00:98");
+    GooseMessage message = gooseCalled("gcbTrip");
+    message.appId = 0x3FFF;
+    message.reserved1 = 0x0001;
+    message.datSet = "dsTrip";
+    message.goID = "Trip";
+    message.confRev = 77;
+    TempFile const file(CaptureBuilder()
+                            .add(1, 0, gooseFrame(link.withHsr('A'), message))
+                            .add(2, 0, gooseFrame(link.withVlan(5).withPrp('B'), message))
+                            .bytes());
+    std::vector<std::array<std::string, 3>> const cases = {
+        {"--source", "02:00:00:00:00:01", "02:00:00:00:00:99"},
+        {"--destination", "01:0c:cd:01:00:01", "01:0c:cd:01:00:98"},
+        {"--vlan", "6", "5"},
+        {"--appid", "0x0001", "0x3FFF"},
+        {"--hsr", "B", "A"},
+        {"--prp", "A", "B"},
+        {"--reserved1-bit0", "0", "1"},
+        {"--gocbref", "gcbOther", "gcbTrip"},
+        {"--datset", "dsOther", "dsTrip"},
+        {"--goid", "Other", "Trip"},
+        {"--confrev", "78", "77"}};
+    for (auto const& [option, wanted, value] : cases) {
+        EXPECT_EQ(saidBy({"streams", file.path(), option, wanted}),
+                  complaint("no stream matches " + option + " " + wanted + "; there is " + value));
     }
 }
 

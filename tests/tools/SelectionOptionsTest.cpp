@@ -120,12 +120,6 @@ TEST(WindowOptions, ResolveAgainstTheCaptures) {
     EXPECT_NO_THROW(window.check());
 }
 
-TEST(WindowOptions, KnowWhetherTheEndOfTheCapturesIsNeeded) {
-    EXPECT_TRUE(ask({"--from", "-1s"}).window.needsEnd());
-    EXPECT_TRUE(ask({"--to", "-1s"}).window.needsEnd());
-    EXPECT_FALSE(ask({"--from", "+1s", "--to", "10:00"}).window.needsEnd());
-}
-
 TEST(WindowOptions, RefuseAWindowThatSurelyEndsBeforeItBegins) {
     for (auto const& [from, to] : {std::pair{"+2s", "+1s"},
                                    {"-1s", "-2s"},

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>
 #include <algorithm>
@@ -91,6 +90,7 @@ CaptureIndex CommandRun::index(Filter const& filter) {
         if (survey.start) {
             index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);
         }
+        index.end = std::max(index.end, survey.latest);
         if (auto const fault = faultText(survey); fault && !isDamageTold_) {
             bar.erase();
             complainOf(capture.name, *fault);
@@ -98,21 +98,6 @@ CaptureIndex CommandRun::index(Filter const& filter) {
     }
     isDamageTold_ = true;
     return index;
-}
-
-std::optional<CaptureTime> CommandRun::latestRecord() const {
-    std::optional<CaptureTime> latest;
-    for (auto const& capture : captures()) {
-        try {
-            TalIec61850Analysis::CaptureFile file(capture.path);
-            while (auto const* const view = file.next()) {
-                latest = std::max(latest, view->record.time);
-            }
-        } catch (std::system_error const&) {
-            continue;
-        }
-    }
-    return latest;
 }
 
 ProgressBar CommandRun::progressBar() const {

@@ -23,6 +23,8 @@ struct CaptureIndex {
     CaptureNumbers numbers;
     /// The earliest first record of all captures.
     std::optional<CaptureTime> begin;
+    /// The latest record of all captures.
+    std::optional<CaptureTime> end;
 };
 
 /// The part that all commands that read captures have in common: finds the captures, reports those
@@ -44,10 +46,6 @@ public:
 
     /// Indexes the captures, one after the other. Damage is reported the first time.
     [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
-
-    /// The time of the latest record of all captures, which are read for it; none without records.
-    /// What cannot be read is left out: indexing complains of it.
-    [[nodiscard]] std::optional<CaptureTime> latestRecord() const;
 
     /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <vector>
 
 #include "tools/render/UtcText.hpp"
 #include "tools/selection/NothingFound.hpp"
@@ -14,9 +14,11 @@ void noteNoStreams(CommandRun& run, StreamCriteria const& criteria) {
     if (run.captures().empty() || run.isQuiet()) {
         return;
     }
-    // The library's filter has left streams out: what there is takes another look.
-    CaptureIndex const all = run.index({});
-    auto const rows = collectRows(all.db);
+    std::vector<StreamRow> rows;
+    if (criteria != StreamCriteria()) {
+        // The library's filter has left streams out: what there is takes another look.
+        rows = collectRows(run.index({}).db);
+    }
     run.note(whyNoStream(criteria, {rows.begin(), rows.end()}));
 }
 
@@ -26,17 +28,11 @@ void noteNoPackets(CommandRun& run, CaptureIndex const& index, PacketOptions con
         noteNoStreams(run, options.criteria);
         return;
     }
-    std::optional<CaptureTime> first;
-    std::optional<CaptureTime> last;
-    for (StreamRow const& row : collectRows(index.db)) {
-        if (row.firstTime && options.criteria.admit(row)) {
-            first = std::min(first.value_or(*row.firstTime), *row.firstTime);
-            last = std::max(last.value_or(*row.lastTime), *row.lastTime);
-        }
-    }
-    if (first) {
+    std::vector<StreamRow> rows = collectRows(index.db);
+    std::erase_if(rows, [&](StreamRow const& row) { return !options.criteria.admit(row); });
+    if (auto const span = timesOf(rows)) {
         run.note(fmt::format("no packet in the window; these streams have packets from {} to {}",
-                             toUtcText(*first), toUtcText(*last)));
+                             toUtcText(span->first), toUtcText(span->last)));
     }
 }
 

@@ -24,12 +24,7 @@ std::string packetsNotes() {
                "Packets come in the order of their capture times, over all files; of one time, in "
                "the order in which the files were given. FILE@POSITION is what `tal-iec61850 "
                "show` takes.") +
-           "\n" + kTimeNotes + "\n" +
-           paragraph(
-               "An option on streams may be given several times, save --protocol and "
-               "--simulation-element: one of its values must be met. With --hsr and --prp, "
-               "packets that came over the other lane or network are left out.") +
-           "\n" +
+           "\n" + kTimeNotes + "\n" + paragraph(kCriteriaNotes) + "\n" +
            paragraph("The fields of json and csv: " + fields +
                      ". What follows protocol is the stream's, as `streams` lists it.");
 }
@@ -54,7 +49,7 @@ ExitStatus runPackets(PacketOptions const& options) {
     auto const layout = chooseColumns(packetLayout(options.withContext), options.common.columns);
     CommandRun run(options.common);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    PacketSelection selection = selectWanted(run, index, options);
+    PacketSelection selection = selectWanted(index, options);
     limitPackets(selection, options.limit);
     auto writer = run.rowWriter(layout);
     ProgressBar bar = run.writingBar(selection.packets.size());

@@ -109,7 +109,7 @@ ExitStatus runShow(PacketOptions const& options) {
     CommandRun run(common);
     PacketWriter writer(run, common.format, common.columns);
     CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    PacketSelection selection = selectWanted(run, index, options);
+    PacketSelection selection = selectWanted(index, options);
     if (!locators.empty()) {
         keepLocated(selection, locators, run);
     }

@@ -1,23 +1,10 @@
 #include "tools/commands/ShownPacketLayout.hpp"
 
-#include <nlohmann/json.hpp>
-
+#include "tools/output/DumpJson.hpp"
 #include "tools/render/PacketJson.hpp"
 #include "tools/render/StreamFields.hpp"
 
 namespace TalIec61850Tools {
-
-namespace {
-
-template <typename Packet>
-JsonText toJsonText(Packet const& packet) {
-    constexpr int onOneLine = -1;
-    constexpr bool asAscii = true;
-    return {toJson(packet).dump(onOneLine, ' ', asAscii,
-                                nlohmann::ordered_json::error_handler_t::replace)};
-}
-
-}  // namespace
 
 RowLayout<ShownPacket> shownPacketLayout() {
     using Shown = ShownPacket const&;
@@ -30,8 +17,9 @@ RowLayout<ShownPacket> shownPacketLayout() {
          {"capturedOctets", [](Shown p) -> Cell { return p.record.capturedSize; }},
          {"wireOctets", [](Shown p) -> Cell { return p.record.originalSize; }},
          {"protocol", [](Shown p) -> Cell { return toText(p.row.stream->protocol); }},
-         {"goose", [](Shown p) { return p.goose ? Cell(toJsonText(*p.goose)) : Cell(); }},
-         {"sv", [](Shown p) { return p.sv ? Cell(toJsonText(*p.sv)) : Cell(); }}});
+         {"goose",
+          [](Shown p) { return p.goose ? Cell(JsonText{dumpJson(toJson(*p.goose))}) : Cell(); }},
+         {"sv", [](Shown p) { return p.sv ? Cell(JsonText{dumpJson(toJson(*p.sv))}) : Cell(); }}});
     return layout;
 }
 

@@ -37,30 +37,22 @@ constexpr char const* kStreamsNotes = R"(What the columns mean:
 std::string streamsNotes() {
     auto const fields =
         listFields(fieldNames(streamLayout()), {{"lastTimeNs", "nanoseconds since 1970"}});
-    return kStreamsNotes +
-           paragraph(
-               "An option on streams may be given several times, save --protocol and "
-               "--simulation-element: one of its values must be met. With --hsr and --prp, "
-               "packets that came over the other lane or network are left out.") +
-           "\n" + paragraph("The fields of json and csv: " + fields + ".");
+    return kStreamsNotes + paragraph(kCriteriaNotes) + "\n" +
+           paragraph("The fields of json and csv: " + fields + ".");
 }
 
 std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) {
     std::uint64_t packets = 0;
-    std::optional<CaptureTime> first;
-    std::optional<CaptureTime> last;
     for (StreamRow const& row : rows) {
         packets += row.packets;
-        if (row.firstTime) {
-            first = std::min(first.value_or(*row.firstTime), *row.firstTime);
-            last = std::max(last.value_or(*row.lastTime), *row.lastTime);
-        }
     }
     auto const goose = static_cast<std::uint64_t>(
         std::count_if(rows.begin(), rows.end(),
                       [](StreamRow const& row) { return row.protocol == Protocol::goose; }));
+    auto const times = timesOf(rows);
     std::string const span =
-        first ? fmt::format(", {} to {}", toUtcText(*first), toUtcText(*last)) : std::string();
+        times ? fmt::format(", {} to {}", toUtcText(times->first), toUtcText(times->last))
+              : std::string();
     return fmt::format("{} ({} GOOSE, {} SV), {} in {}{}", plural(rows.size(), "stream"), goose,
                        rows.size() - goose, plural(packets, "packet"), plural(captures, "file"),
                        span);

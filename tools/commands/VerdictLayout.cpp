@@ -15,30 +15,24 @@ std::string_view protocolText(std::optional<Protocol> protocol) {
     return protocol ? toText(*protocol) : "other";
 }
 
-std::vector<Column<VerdictCount>> verdictColumns() {
-    using Row = VerdictCount const&;
+std::vector<Column<VerdictCount>> verdictColumns(std::vector<Field<VerdictCount>> const& fields) {
     return {
-        {{"PROTO"}, [](Row r) -> Cell { return protocolText(r.verdict.protocol); }, "protocol"},
-        {{"VERDICT"}, [](Row r) -> Cell { return toText(r.verdict.verdict); }, "verdict"},
-        {{"ANSWER"}, [](Row r) -> Cell { return r.verdict.answer; }, "answer"},
-        {{"FRAMES", Align::right}, [](Row r) -> Cell { return r.frames; }, "frames"},
-        {{"OCTETS", Align::right}, [](Row r) -> Cell { return r.octets; }, "octets"},
+        columnOf(fields, "protocol", {"PROTO"}),
+        columnOf(fields, "verdict", {"VERDICT"}),
+        columnOf(fields, "answer", {"ANSWER"}),
+        columnOf(fields, "frames", {"FRAMES", Align::right}),
+        columnOf(fields, "octets", {"OCTETS", Align::right}),
     };
 }
 
-std::vector<Column<JudgedFrame>> frameColumns() {
-    using Row = JudgedFrame const&;
+std::vector<Column<JudgedFrame>> frameColumns(std::vector<Field<JudgedFrame>> const& fields) {
     return {
-        {{"TIME", Align::left, fitTime(0)},
-         [](Row r) -> Cell { return toUtcCell(r.record.time.value()); },
-         "time"},
-        {{"PROTO"}, [](Row r) -> Cell { return protocolText(r.verdict.protocol); }, "protocol"},
-        {{"VERDICT"}, [](Row r) -> Cell { return toText(r.verdict.verdict); }, "verdict"},
-        {{"ANSWER"}, [](Row r) -> Cell { return r.verdict.answer; }, "answer"},
-        {{"RECORD", Align::right},
-         [](Row r) -> Cell { return r.record.fileOffset; },
-         "recordPosition"},
-        {{"FILE", Align::left, fitFile(0)}, [](Row r) -> Cell { return r.file; }, "file"},
+        columnOf(fields, "time", {"TIME", Align::left, fitTime(0)}),
+        columnOf(fields, "protocol", {"PROTO"}),
+        columnOf(fields, "verdict", {"VERDICT"}),
+        columnOf(fields, "answer", {"ANSWER"}),
+        columnOf(fields, "recordPosition", {"RECORD", Align::right}),
+        columnOf(fields, "file", {"FILE", Align::left, fitFile(0)}),
     };
 }
 
@@ -46,25 +40,29 @@ std::vector<Column<JudgedFrame>> frameColumns() {
 
 RowLayout<VerdictCount> verdictCountLayout() {
     using Row = VerdictCount const&;
-    return {.fields = {{"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
-                       {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
-                       {"answer", [](Row r) -> Cell { return r.verdict.answer; }},
-                       {"frames", [](Row r) -> Cell { return r.frames; }},
-                       {"octets", [](Row r) -> Cell { return r.octets; }}},
-            .columns = verdictColumns()};
+    RowLayout<VerdictCount> layout;
+    layout.fields = {{"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
+                     {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
+                     {"answer", [](Row r) -> Cell { return r.verdict.answer; }},
+                     {"frames", [](Row r) -> Cell { return r.frames; }},
+                     {"octets", [](Row r) -> Cell { return r.octets; }}};
+    layout.columns = verdictColumns(layout.fields);
+    return layout;
 }
 
 RowLayout<JudgedFrame> judgedFrameLayout() {
     using Row = JudgedFrame const&;
-    return {.fields = {{"time", [](Row r) -> Cell { return toUtcCell(r.record.time.value()); }},
-                       {"timeNs",
-                        [](Row r) -> Cell { return nanosecondsSince1970(r.record.time.value()); }},
-                       {"file", [](Row r) -> Cell { return r.file; }},
-                       {"recordPosition", [](Row r) -> Cell { return r.record.fileOffset; }},
-                       {"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
-                       {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
-                       {"answer", [](Row r) -> Cell { return r.verdict.answer; }}},
-            .columns = frameColumns()};
+    RowLayout<JudgedFrame> layout;
+    layout.fields = {
+        {"time", [](Row r) -> Cell { return toUtcCell(r.record.time.value()); }},
+        {"timeNs", [](Row r) -> Cell { return nanosecondsSince1970(r.record.time.value()); }},
+        {"file", [](Row r) -> Cell { return r.file; }},
+        {"recordPosition", [](Row r) -> Cell { return r.record.fileOffset; }},
+        {"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
+        {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
+        {"answer", [](Row r) -> Cell { return r.verdict.answer; }}};
+    layout.columns = frameColumns(layout.fields);
+    return layout;
 }
 
 }  // namespace TalIec61850Tools

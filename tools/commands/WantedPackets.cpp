@@ -9,12 +9,11 @@
 
 namespace TalIec61850Tools {
 
-PacketSelection selectWanted(CommandRun const& run, CaptureIndex const& index,
-                             PacketOptions const& options) {
+PacketSelection selectWanted(CaptureIndex const& index, PacketOptions const& options) {
     CaptureTime const begin = index.begin.value_or(CaptureTime());
-    CaptureTime const end = options.window.needsEnd() ? run.latestRecord().value_or(begin) : begin;
+    CaptureSpan const captures{.begin = begin, .end = index.end.value_or(begin)};
     PacketWish const wish{.criteria = options.criteria,
-                          .window = options.window.resolve({.begin = begin, .end = end}),
+                          .window = options.window.resolve(captures),
                           .withContext = options.withContext};
     return selectPackets(index.db, index.numbers, wish);
 }

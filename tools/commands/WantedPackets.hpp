@@ -14,9 +14,8 @@ namespace TalIec61850Tools {
 // The packets that PacketOptions select, for the commands that list and show them.
 
 /// Selects what the options ask for.
-/// @param index  of the run; must outlive the selection
-[[nodiscard]] PacketSelection selectWanted(CommandRun const& run, CaptureIndex const& index,
-                                           PacketOptions const& options);
+/// @param index  must outlive the selection
+[[nodiscard]] PacketSelection selectWanted(CaptureIndex const& index, PacketOptions const& options);
 
 /// Leaves the first packets alone, where only so many are wanted.
 void limitPackets(PacketSelection& selection, std::optional<std::uint64_t> limit);

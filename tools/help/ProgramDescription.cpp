@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tools/options/ArgumentKinds.hpp"
+
 namespace TalIec61850Tools {
 
 namespace {
@@ -18,10 +20,9 @@ std::vector<std::string> choicesOf(CLI::Option const& option, OptionChoices cons
 }
 
 OptionDescription describeOption(CLI::Option const& option, OptionChoices const& choices) {
-    bool const takesValue = option.get_items_expected_max() > 0;
     return {.shortName = firstOf(option.get_snames()),
             .longName = firstOf(option.get_lnames()),
-            .valueName = takesValue ? option.get_option_text() : std::string(),
+            .valueName = takesValue(option) ? option.get_option_text() : std::string(),
             .choices = choicesOf(option, choices),
             .text = option.get_description()};
 }

@@ -33,7 +33,7 @@ bool isSomethingElse(CaptureCheck const& check) {
 }
 
 /// Why there is no capture that can be used, with what may help; nothing where there is one.
-std::optional<std::string> refusalText(CaptureCheck const& check, bool wasCompressed) {
+std::optional<std::string> refusalText(CaptureCheck const& check, bool wasCompressed = false) {
     if (check.fault == CaptureFault::notCapture && check.size == 0) {
         return "empty, no capture";
     }
@@ -98,7 +98,7 @@ private:
             return false;
         }
         found_.files.insert(check.identity);
-        if (auto const reason = refusalText(check, false)) {
+        if (auto const reason = refusalText(check)) {
             refuse(path, *reason);
         } else if (!isKnown(check.identity, path)) {
             take(path, path, check.size, check.identity);
@@ -133,7 +133,7 @@ private:
         }
         CaptureCheck const check = checkCapture(path);
         found_.files.insert(check.identity);
-        if (auto const reason = refusalText(check, false)) {
+        if (auto const reason = refusalText(check)) {
             refuse("-", *reason);
         } else {
             take(path, "-", check.size, identity);
@@ -165,7 +165,7 @@ private:
             if (spool->damage()) {
                 refuse(name, escapeText(*spool->damage()));
             }
-            take(spool->path(), name, checkCapture(spool->path()).size, identity);
+            take(spool->path(), name, spool->size(), identity);
             found_.spools.push_back(std::move(spool));
         } catch (SpoolError const& error) {
             refuse(name, fmt::format("no copy in {}: {}; TMPDIR may name another folder",

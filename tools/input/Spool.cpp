@@ -10,7 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
+#include <new>
 #include <span>
 #include <string_view>
 #include <utility>

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 
 struct archive;
 
@@ -42,8 +43,11 @@ public:
     void copyStart();
 
     /// Copies the rest. To be called after `copyStart`.
-    /// @throws as copyStart
+    /// @throws SpoolError, std::system_error  as copyStart
     void copyRest();
+
+    /// How many octets are copied.
+    [[nodiscard]] std::uint64_t size() const { return size_; }
 
     /// Whether the source is compressed. Known after `copyStart`.
     [[nodiscard]] bool isCompressed() const;

@@ -6,15 +6,11 @@ namespace TalIec61850Tools {
 
 namespace {
 
-bool takesValue(CLI::Option const* option) {
-    return option != nullptr && option->get_items_expected_max() > 0;
-}
-
 /// Whether the last one of several short options, as in -qf, takes the next argument.
 bool lastTakesValue(CLI::App const& program, std::string const& options) {
     for (std::size_t i = 1; i < options.size(); ++i) {
         CLI::Option const* const option = findOption(program, std::string("-") + options[i]);
-        if (option == nullptr || takesValue(option)) {
+        if (option == nullptr || takesValue(*option)) {
             return option != nullptr && i + 1 == options.size();
         }
     }
@@ -23,8 +19,11 @@ bool lastTakesValue(CLI::App const& program, std::string const& options) {
 
 /// Whether the next argument is the value of this one.
 bool isValueNext(CLI::App const& program, std::string const& option) {
-    return option.starts_with("--") ? takesValue(findOption(program, option))
-                                    : lastTakesValue(program, option);
+    if (!option.starts_with("--")) {
+        return lastTakesValue(program, option);
+    }
+    CLI::Option const* const known = findOption(program, option);
+    return known != nullptr && takesValue(*known);
 }
 
 /// Not - for standard input, nor a file called -1, nor a packet -@1.
@@ -34,6 +33,8 @@ bool isOption(std::string const& argument) {
 }
 
 }  // namespace
+
+bool takesValue(CLI::Option const& option) { return option.get_items_expected_max() > 0; }
 
 // NOLINTNEXTLINE(misc-no-recursion): as deep as groups of commands
 CLI::Option const* findOption(CLI::App const& program, std::string const& name) {

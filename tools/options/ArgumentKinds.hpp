@@ -24,6 +24,9 @@ enum class ArgumentKind {
 [[nodiscard]] std::vector<ArgumentKind> kindsOf(CLI::App const& program,
                                                 std::vector<std::string> const& arguments);
 
+/// Whether an option is no flag.
+[[nodiscard]] bool takesValue(CLI::Option const& option);
+
 /// The option of this name in any of the commands; null if there is none.
 /// @param name  with its dashes
 [[nodiscard]] CLI::Option const* findOption(CLI::App const& program, std::string const& name);

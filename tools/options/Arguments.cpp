@@ -26,7 +26,7 @@ bool hasEmptyValue(CLI::App const& program, std::string const& argument) {
     }
     std::string const name = argument.substr(0, argument.size() - 1);
     CLI::Option const* const option = findOption(program, name);
-    if (option != nullptr && option->get_items_expected_max() == 0) {
+    if (option != nullptr && !takesValue(*option)) {
         throw UsageError(name + " takes no value");
     }
     return option != nullptr;

@@ -10,7 +10,7 @@ namespace TalIec61850Tools {
 
 std::size_t findField(std::vector<std::string_view> const& names, std::string const& wanted) {
     auto const found = std::find_if(names.begin(), names.end(), [&](std::string_view name) {
-        return name.size() == wanted.size() && countDifferences(name, wanted) == 0;
+        return isSameWord(name, wanted);
     });
     if (found == names.end()) {
         throw UsageError(fmt::format("--columns: there is no field {}{}", escapeText(wanted),

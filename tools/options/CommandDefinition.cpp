@@ -20,10 +20,6 @@ CommandDefinition& addTo(ProgramDefinition& program, CLI::App& parent, std::stri
     return command;
 }
 
-bool isAlike(std::string const& a, std::string const& b) {
-    return a.size() == b.size() && countDifferences(a, b) == 0;
-}
-
 }  // namespace
 
 void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices) {
@@ -31,7 +27,7 @@ void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std:
         [choices](std::string& value) {
             auto const found =
                 std::find_if(choices.begin(), choices.end(),
-                             [&](std::string const& choice) { return isAlike(choice, value); });
+                             [&](std::string const& choice) { return isSameWord(choice, value); });
             if (found == choices.end()) {
                 return fmt::format("{} is none of {}{}", value, fmt::join(choices, ", "),
                                    didYouMean(value, choices));
@@ -67,6 +63,17 @@ std::vector<std::string> wordsOf(CLI::App const& command) {
         words.insert(words.begin(), app->get_name());
     }
     return words;
+}
+
+std::string messageStart(CLI::App const& command) {
+    auto const words = wordsOf(command);
+    return words.empty() ? std::string() : fmt::format("{}: ", fmt::join(words, " "));
+}
+
+std::string seeHelp(CLI::App const& command) {
+    auto const words = wordsOf(command);
+    return fmt::format("see tal-iec61850 {}{}--help", fmt::join(words, " "),
+                       words.empty() ? "" : " ");
 }
 
 }  // namespace TalIec61850Tools

@@ -64,4 +64,10 @@ CommandDefinition& addCommandGroup(ProgramDefinition& program, std::string const
 /// group and its own.
 [[nodiscard]] std::vector<std::string> wordsOf(CLI::App const& command);
 
+/// How a message about a command starts: "library judge: ", nothing for the program itself.
+[[nodiscard]] std::string messageStart(CLI::App const& command);
+
+/// How a message about a command ends: "see tal-iec61850 library judge --help".
+[[nodiscard]] std::string seeHelp(CLI::App const& command);
+
 }  // namespace TalIec61850Tools

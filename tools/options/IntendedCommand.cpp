@@ -1,7 +1,6 @@
 #include "tools/options/IntendedCommand.hpp"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -54,11 +53,6 @@ Arguments optionsOf(CLI::App const& command) {
     return names;
 }
 
-std::string placeOf(CLI::App const& command) {
-    auto const words = wordsOf(command);
-    return words.empty() ? std::string() : fmt::format("{}: ", fmt::join(words, " "));
-}
-
 /// Refuses the first of the options in an argument that the command does not have.
 void refuseUnknownOption(CLI::App const& command, std::string const& argument) {
     bool const isLong = argument.starts_with("--");
@@ -67,7 +61,8 @@ void refuseUnknownOption(CLI::App const& command, std::string const& argument) {
     if (command.get_option_no_throw(name) != nullptr) {
         return;
     }
-    throw UsageError(fmt::format("{}there is no option {}{}", placeOf(command), escapeText(name),
+    throw UsageError(fmt::format("{}there is no option {}{}", messageStart(command),
+                                 escapeText(name),
                                  isLong ? didYouMean(name, optionsOf(command)) : ""));
 }
 
@@ -81,12 +76,8 @@ CLI::App const* nextCommand(CLI::App const& parent, std::string const& word) {
         return command;
     }
     auto const guess = didYouMean(word, names);
-    auto const words = wordsOf(parent);
-    throw UsageError(fmt::format("{}there is no command {}{}", placeOf(parent), escapeText(word),
-                                 guess.empty()
-                                     ? fmt::format(", see tal-iec61850 {}{}--help",
-                                                   fmt::join(words, " "), words.empty() ? "" : " ")
-                                     : guess));
+    throw UsageError(fmt::format("{}there is no command {}{}", messageStart(parent),
+                                 escapeText(word), guess.empty() ? ", " + seeHelp(parent) : guess));
 }
 
 /// Takes the words `help` at the front away.

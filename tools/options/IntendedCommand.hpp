@@ -9,7 +9,7 @@ class App;
 
 namespace TalIec61850Tools {
 
-/// The command line that short forms stand for:
+/// Replaces short forms of command lines by the whole ones:
 ///
 /// - a file without a command is `streams` of it, a packet FILE@POSITION is `show`;
 /// - `help streams` is `streams --help`, `help` alone is --help;

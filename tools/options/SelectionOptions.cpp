@@ -182,13 +182,6 @@ void WindowOptions::check() const {
     }
 }
 
-bool WindowOptions::needsEnd() const {
-    auto const isFromEnd = [](std::optional<TimeBound> const& bound) {
-        return bound && bound->origin == TimeOrigin::end;
-    };
-    return isFromEnd(from) || isFromEnd(to);
-}
-
 TalIec61850Analysis::TimeWindow WindowOptions::resolve(CaptureSpan const& captures) const {
     TalIec61850Analysis::TimeWindow window;
     if (from) {

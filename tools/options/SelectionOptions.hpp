@@ -25,6 +25,12 @@ inline constexpr char const* kTimeNotes =
   -5s                      before the latest record of all captures
 )";
 
+/// What a help says about the options on streams: a paragraph, not broken into lines.
+inline constexpr char const* kCriteriaNotes =
+    "An option on streams may be given several times, save --protocol and --simulation-element: "
+    "one of its values must be met. With --hsr and --prp, packets that came over the other lane or "
+    "network are left out.";
+
 /// Adds an option for each member of a stream's identity.
 /// @param criteria  written while the command line is parsed
 void addCriteriaOptions(CommandDefinition& command, StreamCriteria& criteria);
@@ -37,9 +43,6 @@ struct WindowOptions {
     /// @throws UsageError  the window ends before it starts, as far as that is known without the
     ///                     captures
     void check() const;
-
-    /// Whether `resolve` uses the end of the captures.
-    [[nodiscard]] bool needsEnd() const;
 
     [[nodiscard]] TalIec61850Analysis::TimeWindow resolve(CaptureSpan const& captures) const;
 };

@@ -184,7 +184,7 @@ std::optional<TimeBound> readLength(TimeReader reader, TimeOrigin origin,
     return length ? std::optional(TimeBound{.origin = origin, .time = *length}) : std::nullopt;
 }
 
-/// Midnight of the day on which the captures begin, by a clock that is ahead of UTC.
+/// Midnight of the day on which the captures start, by a clock that is ahead of UTC.
 CaptureTime midnight(CaptureTime begin, nanoseconds ahead) {
     CaptureTime const latest = CaptureTime::max() - std::chrono::days(3);
     return std::chrono::floor<std::chrono::days>(std::min(begin, latest) + ahead) - ahead;

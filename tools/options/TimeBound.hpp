@@ -18,9 +18,9 @@ struct CaptureSpan {
 /// What a time is counted from.
 enum class TimeOrigin {
     epoch,  ///< 1970, UTC
-    begin,  ///< the begin of the captures
+    begin,  ///< the start of the captures
     end,    ///< the end of the captures, backwards
-    day,    ///< midnight of the day on which the captures begin
+    day,    ///< midnight of the day on which the captures start
 };
 
 /// One end of a time window as the user gives it.
@@ -44,12 +44,11 @@ struct TimeBound {
 ///     2024-03-20T10:00:00.28Z      UTC; a blank may replace the T; the Z, the decimals, the
 ///                                  seconds and the time of day may be missing
 ///     2024-03-20T11:00:00+01:00    of a clock that is ahead of UTC
-///     10:00:00.28                  on the day on which the captures begin, UTC; with an offset, on
+///     10:00:00.28                  on the day on which the captures start, UTC; with an offset, on
 ///                                  the day by that clock
 ///     1710928800.28                seconds since 1970, with up to nine decimals
-///     +1.5s                        from the begin of the captures: ns, us, ms, s, min or h;
-///     seconds
-///                                  without a unit
+///     +1.5s                        from the start of the captures: ns, us, ms, s, min or h, and
+///                                  seconds where no unit is given
 ///     -5s                          before the end of the captures
 ///
 /// @return none for any other text, for a date that does not exist, and for a time before 1970 or

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
-#include <type_traits>
 
+#include "tools/output/DumpJson.hpp"
 #include "tools/output/TextEscape.hpp"
 
 namespace TalIec61850Tools {
@@ -57,26 +57,20 @@ void appendCsvText(std::string& line, std::string_view text) {
     }
 }
 
-void appendNumber(std::string& line, std::integral auto number) {
-    fmt::format_int const digits(number);
-    line.append(digits.data(), digits.size());
-}
-
-std::string jsonOf(nlohmann::json const& value) {
-    constexpr int onOneLine = -1;
-    constexpr bool asAscii = true;
-    return value.dump(onOneLine, ' ', asAscii, nlohmann::json::error_handler_t::replace);
-}
-
-// What the formats have alike: numbers and truth.
-
-void appendPlain(std::string& line, bool value) { line += value ? "true" : "false"; }
-void appendPlain(std::string& line, std::int64_t number) { appendNumber(line, number); }
-void appendPlain(std::string& line, std::uint64_t number) { appendNumber(line, number); }
-void appendPlain(std::string& line, double number) { line += jsonOf(number); }
-
-struct CsvAppender {
+/// What the formats have alike: numbers and truth.
+struct PlainAppender {
     std::string& line;
+
+    void operator()(bool value) const { line += value ? "true" : "false"; }
+    void operator()(std::integral auto number) const {
+        fmt::format_int const digits(number);
+        line.append(digits.data(), digits.size());
+    }
+    void operator()(double number) const { line += dumpJson(nlohmann::json(number)); }
+};
+
+struct CsvAppender : PlainAppender {
+    using PlainAppender::operator();
 
     void operator()(Absent /*absent*/) const {}
     void operator()(JsonText const& json) const { appendCsvText(line, json.text); }
@@ -89,14 +83,10 @@ struct CsvAppender {
         }
     }
     void operator()(ShortText const& text) const { (*this)(text.view()); }
-    template <typename Number>
-    void operator()(Number number) const requires std::is_arithmetic_v<Number> {
-        appendPlain(line, number);
-    }
 };
 
-struct JsonAppender {
-    std::string& line;
+struct JsonAppender : PlainAppender {
+    using PlainAppender::operator();
 
     void operator()(Absent /*absent*/) const { line += "null"; }
     void operator()(JsonText const& json) const { line += json.text; }
@@ -106,18 +96,14 @@ struct JsonAppender {
             line += text;
             line += '"';
         } else {
-            line += jsonOf(text);
+            line += dumpJson(nlohmann::json(text));
         }
     }
     void operator()(ShortText const& text) const { (*this)(text.view()); }
-    template <typename Number>
-    void operator()(Number number) const requires std::is_arithmetic_v<Number> {
-        appendPlain(line, number);
-    }
 };
 
-struct TableAppender {
-    std::string& line;
+struct TableAppender : PlainAppender {
+    using PlainAppender::operator();
 
     void operator()(Absent /*absent*/) const { line += kAbsentCell; }
     void operator()(JsonText const& json) const { line += json.text; }
@@ -131,10 +117,6 @@ struct TableAppender {
         }
     }
     void operator()(ShortText const& text) const { (*this)(text.view()); }
-    template <typename Number>
-    void operator()(Number number) const requires std::is_arithmetic_v<Number> {
-        appendPlain(line, number);
-    }
 };
 
 }  // namespace
@@ -144,14 +126,16 @@ bool Cell::isNumber() const {
            std::holds_alternative<std::uint64_t>(value_) || std::holds_alternative<double>(value_);
 }
 
-void appendCsv(std::string& line, Cell const& cell) { std::visit(CsvAppender{line}, cell.value()); }
+void appendCsv(std::string& line, Cell const& cell) {
+    std::visit(CsvAppender{{line}}, cell.value());
+}
 
 void appendJson(std::string& line, Cell const& cell) {
-    std::visit(JsonAppender{line}, cell.value());
+    std::visit(JsonAppender{{line}}, cell.value());
 }
 
 void appendTable(std::string& line, Cell const& cell) {
-    std::visit(TableAppender{line}, cell.value());
+    std::visit(TableAppender{{line}}, cell.value());
 }
 
 }  // namespace TalIec61850Tools

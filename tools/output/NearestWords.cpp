@@ -17,6 +17,10 @@ bool isSame(char a, char b) { return toLower(a) == toLower(b); }
 
 }  // namespace
 
+bool isSameWord(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), isSame);
+}
+
 std::size_t countDifferences(std::string_view a, std::string_view b) {
     a = a.substr(0, kLongest);
     b = b.substr(0, kLongest);

@@ -7,6 +7,9 @@
 
 namespace TalIec61850Tools {
 
+/// Whether two words are the same. Letter case does not count.
+[[nodiscard]] bool isSameWord(std::string_view a, std::string_view b);
+
 /// How many characters differ between two words: those to insert, remove or replace, and pairs to
 /// swap. Letter case does not count. Only the first 64 characters are looked at.
 [[nodiscard]] std::size_t countDifferences(std::string_view a, std::string_view b);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/output/Cell.hpp"
@@ -61,6 +63,16 @@ struct RowLayout {
     std::vector<Field<Row>> fields;
     std::vector<Column<Row>> columns;
 };
+
+/// A column that shows a field as it is.
+/// @param name  of one of the fields
+template <typename Row>
+[[nodiscard]] Column<Row> columnOf(std::vector<Field<Row>> const& fields, std::string_view name,
+                                   Heading heading) {
+    auto const field = std::find_if(fields.begin(), fields.end(),
+                                    [&](Field<Row> const& known) { return known.name == name; });
+    return {.heading = std::move(heading), .cell = field->cell, .field = field->name};
+}
 
 /// The names of the fields, which every row has in this order.
 template <typename Row>

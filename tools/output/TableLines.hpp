@@ -41,7 +41,7 @@ public:
     /// Writes the rows that are held back.
     void finish();
 
-    /// Aligns a column to the right. To be called before any row is written.
+    /// Aligns a column to the right, in the lines that are not written yet.
     void alignRight(std::size_t column) { headings_[column].align = Align::right; }
 
     /// The headings of columns that there was no room for; known after `finish`.

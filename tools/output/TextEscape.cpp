@@ -69,7 +69,7 @@ std::size_t columnsOf(std::string_view character) {
     return isWide ? 2 : 1;
 }
 
-/// The characters at the begin that take no more than so many columns.
+/// The characters at the start that take no more than so many columns.
 std::string_view firstColumns(std::string_view text, std::size_t columns) {
     std::size_t end = 0;
     while (end < text.size()) {

@@ -11,26 +11,21 @@ namespace TalIec61850Tools {
 namespace {
 
 // The place is the last one, so that it can be left out.
-std::vector<Column<PacketRow>> packetColumns() {
+std::vector<Column<PacketRow>> packetColumns(std::vector<Field<PacketRow>> const& fields) {
     using Row = PacketRow const&;
+    auto const column = [&](std::string_view field, Heading heading) {
+        return columnOf(fields, field, std::move(heading));
+    };
     return {
-        {{"TIME", Align::left, fitTime(0)},
-         [](Row r) -> Cell { return toUtcCell(r.time); },
-         "time"},
-        {{"PROTO", Align::left, {.rank = 1}},
-         [](Row r) -> Cell { return toText(r.stream->protocol); },
-         "protocol"},
-        {{"SOURCE", Align::left, {.rank = 6}},
-         [](Row r) -> Cell { return r.stream->source; },
-         "source"},
-        {{"APPID", Align::right, {.rank = 4}}, [](Row r) { return appIdCell(*r.stream); }, "appId"},
+        column("time", {"TIME", Align::left, fitTime(0)}),
+        column("protocol", {"PROTO", Align::left, {.rank = 1}}),
+        column("source", {"SOURCE", Align::left, {.rank = 6}}),
+        column("appId", {"APPID", Align::right, {.rank = 4}}),
         {{"SVID/GOCBREF", Align::left, fitName(3, 14)},
          [](Row r) { return streamNameCell(*r.stream); }},
         {{"FILE@POSITION", Align::left, fitFile(5)},
          [](Row r) -> Cell { return fmt::format("{}@{}", r.file, r.position); }},
-        {{"PLACE", Align::left, {.rank = 2}},
-         [](Row r) -> Cell { return toText(r.place); },
-         "place"},
+        column("place", {"PLACE", Align::left, {.rank = 2}}),
     };
 }
 
@@ -56,14 +51,15 @@ std::vector<Field<PacketRow>> packetFields() {
 }
 
 RowLayout<PacketRow> packetLayout(bool withPlace) {
-    RowLayout<PacketRow> layout{.fields = packetFields(), .columns = packetColumns()};
-    if (!withPlace) {
-        layout.columns.pop_back();
-    }
+    RowLayout<PacketRow> layout{.fields = packetFields(), .columns = {}};
     appendFields<PacketRow, StreamIdentity>(
         layout.fields, streamFields(),
         [](PacketRow const& r) -> StreamIdentity const& { return *r.stream; },
         [](PacketRow const& r) -> void const* { return r.stream; });
+    layout.columns = packetColumns(layout.fields);
+    if (!withPlace) {
+        layout.columns.pop_back();
+    }
     return layout;
 }
 

@@ -1,9 +1,6 @@
 #include "tools/render/StreamFields.hpp"
 
-#include <fmt/format.h>
-
 #include <optional>
-#include <string>
 
 namespace TalIec61850Tools {
 
@@ -15,8 +12,6 @@ Cell laneCell(std::optional<Group> const& group) {
 }
 
 }  // namespace
-
-std::string appIdText(std::uint64_t appId) { return fmt::format("0x{:04X}", appId); }
 
 std::string_view toText(Protocol protocol) { return protocol == Protocol::goose ? "GOOSE" : "SV"; }
 

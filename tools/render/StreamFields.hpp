@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,9 +10,6 @@ namespace TalIec61850Tools {
 
 /// The protocol's name: GOOSE or SV.
 [[nodiscard]] std::string_view toText(Protocol protocol);
-
-/// Four hexadecimal digits, such as 0x4000.
-[[nodiscard]] std::string appIdText(std::uint64_t appId);
 
 /// The fields for what tells a stream from others. Names and order are stable; what a
 /// stream lacks is null. The names are those of the index: printable text as it is, anything

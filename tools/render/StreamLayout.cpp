@@ -30,47 +30,35 @@ Cell rateCell(StreamRow const& row) {
     return rate ? Cell(fmt::format("{:.3f}", *rate)) : Cell();
 }
 
-std::vector<Column<StreamRow>> streamColumns() {
-    using Row = StreamRow const&;
+std::vector<Column<StreamRow>> streamColumns(std::vector<Field<StreamRow>> const& fields) {
+    auto const column = [&](std::string_view field, Heading heading) {
+        return columnOf(fields, field, std::move(heading));
+    };
     return {
-        {{"PROTO"}, [](Row r) -> Cell { return toText(r.protocol); }, "protocol"},
-        {{"SOURCE", Align::left, {.rank = 3}}, [](Row r) -> Cell { return r.source; }, "source"},
-        {{"DESTINATION", Align::left, {.rank = 6}},
-         [](Row r) -> Cell { return r.destination; },
-         "destination"},
-        {{"VLAN", Align::right, {.rank = 7}}, [](Row r) { return vlanCell(r); }, "vlanId"},
-        {{"APPID", Align::right, {.rank = 2}}, [](Row r) { return appIdCell(r); }, "appId"},
-        {{"HSR", Align::left, {.rank = 14}}, [](Row r) { return hsrCell(r); }, "hsrLane"},
-        {{"R1B0", Align::right, {.rank = 13}},
-         [](Row r) -> Cell { return r.reserved1Bit0; },
-         "reserved1Bit0"},
-        {{"CONFREV", Align::right, {.rank = 8}},
-         [](Row r) -> Cell { return r.confRev; },
-         "confRev"},
+        column("protocol", {"PROTO"}),
+        column("source", {"SOURCE", Align::left, {.rank = 3}}),
+        column("destination", {"DESTINATION", Align::left, {.rank = 6}}),
+        column("vlanId", {"VLAN", Align::right, {.rank = 7}}),
+        column("appId", {"APPID", Align::right, {.rank = 2}}),
+        column("hsrLane", {"HSR", Align::left, {.rank = 14}}),
+        column("reserved1Bit0", {"R1B0", Align::right, {.rank = 13}}),
+        column("confRev", {"CONFREV", Align::right, {.rank = 8}}),
         {{"SIM-ELEM", Align::left, {.rank = 12}}, simulationCell, "simulationPresent"},
-        {{"PACKETS", Align::right, {.rank = 4}},
-         [](Row r) -> Cell { return r.packets; },
-         "packets"},
-        {{"FILES", Align::right, {.rank = 11}}, [](Row r) -> Cell { return r.files; }, "files"},
-        {{"FIRST", Align::left, fitTime(9)},
-         [](Row r) { return timeCell(r.firstTime); },
-         "firstTime"},
-        {{"LAST", Align::left, fitTime(10)},
-         [](Row r) { return timeCell(r.lastTime); },
-         "lastTime"},
+        column("packets", {"PACKETS", Align::right, {.rank = 4}}),
+        column("files", {"FILES", Align::right, {.rank = 11}}),
+        column("firstTime", {"FIRST", Align::left, fitTime(9)}),
+        column("lastTime", {"LAST", Align::left, fitTime(10)}),
         {{"PACKETS/S", Align::right, {.rank = 5}}, rateCell, "packetsPerSecond"},
-        {{"SVID/GOCBREF", Align::left, fitName(1, 20)}, [](Row r) { return streamNameCell(r); }},
-        {{"DATSET", Align::left, fitName(15, 16)},
-         [](Row r) -> Cell { return r.datSet; },
-         "datSet"},
-        {{"GOID", Align::left, fitName(16, 16)}, [](Row r) -> Cell { return r.goID; }, "goID"},
+        {{"SVID/GOCBREF", Align::left, fitName(1, 20)}, streamNameCell},
+        column("datSet", {"DATSET", Align::left, fitName(15, 16)}),
+        column("goID", {"GOID", Align::left, fitName(16, 16)}),
     };
 }
 
 }  // namespace
 
 RowLayout<StreamRow> streamLayout() {
-    RowLayout<StreamRow> layout{.fields = {}, .columns = streamColumns()};
+    RowLayout<StreamRow> layout;
     appendFields<StreamRow, StreamIdentity>(
         layout.fields, streamFields(),
         [](StreamRow const& r) -> StreamIdentity const& { return r; });
@@ -83,6 +71,7 @@ RowLayout<StreamRow> streamLayout() {
          {"lastTime", [](StreamRow const& r) -> Cell { return textField(r.lastTime); }},
          {"lastTimeNs", [](StreamRow const& r) -> Cell { return integerField(r.lastTime); }},
          {"packetsPerSecond", [](StreamRow const& r) -> Cell { return r.packetsPerSecond(); }}});
+    layout.columns = streamColumns(layout.fields);
     return layout;
 }
 

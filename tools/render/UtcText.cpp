@@ -24,7 +24,7 @@ ShortText toUtcCell(TalIec61850Analysis::CaptureTime time) {
     auto const midnight = std::chrono::floor<std::chrono::days>(time);
     std::chrono::year_month_day const date(midnight);
     std::chrono::hh_mm_ss const clock(time - midnight);
-    // From the end to the begin; the year of a time has four digits.
+    // From the end to the start; the year of a time has four digits.
     std::array<char, 30> text{};
     char* at = text.data() + text.size();
     auto const put = [&at](auto number, int digits, char after) {

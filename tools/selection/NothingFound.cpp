@@ -4,9 +4,8 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <iterator>
+#include <concepts>
 #include <set>
-#include <type_traits>
 
 #include "tools/output/NearestWords.hpp"
 #include "tools/output/TextEscape.hpp"
@@ -17,10 +16,13 @@ namespace {
 
 constexpr std::size_t kMostNames = 5;
 
-std::string textOf(std::string const& text) { return text; }
-std::string textOf(char lane) { return {lane}; }
-std::string textOf(std::uint64_t number) { return fmt::to_string(number); }
-std::string hexadecimalOf(std::uint64_t number) { return fmt::format("0x{:04X}", number); }
+struct PlainText {
+    std::string operator()(std::string const& text) const { return text; }
+    std::string operator()(char lane) const { return {lane}; }
+    std::string operator()(std::unsigned_integral auto number) const {
+        return fmt::to_string(number);
+    }
+};
 
 /// One of the criteria, with the values that streams have for it.
 struct Criterion {
@@ -44,7 +46,7 @@ public:
         add("--vlan", &StreamCriteria::vlanIds,
             [](Stream s) { return s.vlan ? s.vlan->vlanId : std::nullopt; });
         add(
-            "--appid", &StreamCriteria::appIds, [](Stream s) { return s.appId; }, hexadecimalOf);
+            "--appid", &StreamCriteria::appIds, [](Stream s) { return s.appId; }, appIdText);
         add("--hsr", &StreamCriteria::hsrLanes,
             [](Stream s) { return s.hsr ? s.hsr->lanId : std::nullopt; });
         add("--prp", &StreamCriteria::prpLanes,
@@ -61,29 +63,21 @@ public:
     [[nodiscard]] std::vector<Criterion> const& given() const { return given_; }
 
 private:
-    template <typename Value, typename ValueOf>
+    template <typename Value, typename ValueOf, typename TextOf = PlainText>
     void add(std::string const& option, std::vector<Value> StreamCriteria::*member,
-             ValueOf const& valueOf, std::string (*textOfValue)(std::uint64_t) = nullptr) {
+             ValueOf const& valueOf, TextOf const& textOf = {}) {
         if ((criteria_.*member).empty()) {
             return;
         }
-        auto const toText = [&](Value const& value) {
-            if constexpr (std::is_integral_v<Value> && !std::is_same_v<Value, char>) {
-                return textOfValue != nullptr ? textOfValue(value)
-                                              : textOf(static_cast<std::uint64_t>(value));
-            } else {
-                return textOf(value);
-            }
-        };
         Criterion criterion{.option = option, .wanted = {}, .values = {}};
         StreamCriteria alone;
         alone.*member = criteria_.*member;
         for (Value const& value : criteria_.*member) {
-            criterion.wanted.push_back(toText(value));
+            criterion.wanted.push_back(textOf(value));
         }
         for (StreamIdentity const& stream : all_) {
             if (auto const value = valueOf(stream)) {
-                criterion.values.insert(toText(*value));
+                criterion.values.insert(textOf(*value));
             }
             criterion.isMet = criterion.isMet || alone.admit(stream);
         }

@@ -33,6 +33,8 @@ struct StreamCriteria {
 
     /// Whether a stream of the store meets every criterion.
     [[nodiscard]] bool admit(StreamIdentity const& stream) const;
+
+    friend bool operator==(StreamCriteria const&, StreamCriteria const&) = default;
 };
 
 /// A library filter that is a superset of these criteria: it may let other streams through, which

@@ -1,5 +1,7 @@
 #include "tools/selection/StreamIdentity.hpp"
 
+#include <fmt/format.h>
+
 #include <tuple>
 
 namespace TalIec61850Tools {
@@ -41,6 +43,8 @@ auto restOf(StreamIdentity const& identity) {
 }
 
 }  // namespace
+
+std::string appIdText(std::uint64_t appId) { return fmt::format("0x{:04X}", appId); }
 
 StreamIdentity identityOf(Goose const& goose) {
     StreamIdentity identity = commonIdentity(Protocol::goose, goose);

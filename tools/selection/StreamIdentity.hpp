@@ -32,6 +32,9 @@ struct StreamIdentity {
     std::optional<bool> simulationPresent;
 };
 
+/// Four hexadecimal digits, such as 0x4000.
+[[nodiscard]] std::string appIdText(std::uint64_t appId);
+
 [[nodiscard]] StreamIdentity identityOf(TalIec61850Parser::Goose const& goose);
 [[nodiscard]] StreamIdentity identityOf(TalIec61850Parser::Sv const& sv);
 

@@ -54,6 +54,18 @@ std::optional<double> StreamRow::packetsPerSecond() const {
     return static_cast<double>(timedPackets - 1) / elapsed.count();
 }
 
+std::optional<PacketTimes> timesOf(std::vector<StreamRow> const& rows) {
+    std::optional<PacketTimes> times;
+    for (StreamRow const& row : rows) {
+        if (row.firstTime) {
+            times = times.value_or(PacketTimes{*row.firstTime, *row.lastTime});
+            times->first = std::min(times->first, *row.firstTime);
+            times->last = std::max(times->last, *row.lastTime);
+        }
+    }
+    return times;
+}
+
 std::vector<StreamRow> collectRows(Db const& db) {
     std::vector<StreamRow> rows;
     rows.reserve(db.gooseProto.streams.size() + db.svProto.streams.size());

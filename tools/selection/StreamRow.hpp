@@ -27,6 +27,15 @@ struct StreamRow : StreamIdentity {
     [[nodiscard]] std::optional<double> packetsPerSecond() const;
 };
 
+/// The earliest and the latest time of packets.
+struct PacketTimes {
+    CaptureTime first;
+    CaptureTime last;
+};
+
+/// The times of all these streams together; none where no packet has a time.
+[[nodiscard]] std::optional<PacketTimes> timesOf(std::vector<StreamRow> const& rows);
+
 /// One row for each stream of the store, ordered by `comesBefore`.
 [[nodiscard]] std::vector<StreamRow> collectRows(TalIec61850Parser::Db const& db);
 

@@ -95,6 +95,11 @@ void requireRecordsOf(Bytes const& capture) {
     RC_ASSERT(survey.damage == records.damage());
     if (!expected.empty()) {
         RC_ASSERT(survey.start.value().time_since_epoch().count() == timeOf(capture, expected[0]));
+        auto latest = timeOf(capture, expected[0]);
+        for (auto const& record : expected) {
+            latest = std::max(latest, timeOf(capture, record));
+        }
+        RC_ASSERT(survey.latest.value().time_since_epoch().count() == latest);
     }
 }
 
@@ -193,6 +198,7 @@ TEST(CaptureSurvey, OfACaptureWithoutRecordsHasNoStart) {
     ScratchFile const file(TalTest::CaptureBuilder().bytes());
     CaptureSurvey const survey = surveyCapture(file.path());
     EXPECT_FALSE(survey.start);
+    EXPECT_FALSE(survey.latest);
     EXPECT_FALSE(survey.damage);
     EXPECT_FALSE(survey.error);
 }
@@ -201,6 +207,7 @@ TEST(CaptureSurvey, StartsWithARecordThatIsCutWhereThereIsNoOther) {
     ScratchFile const file(TalTest::CaptureBuilder().addClaiming(7, 0, 1000, {}).bytes());
     CaptureSurvey const survey = surveyCapture(file.path());
     EXPECT_EQ(survey.start, makeCaptureTime(7, 0));
+    EXPECT_FALSE(survey.latest);
     ASSERT_TRUE(survey.damage);
     EXPECT_EQ(survey.damage->missingSize, 1000U);
 }
