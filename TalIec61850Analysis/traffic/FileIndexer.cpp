@@ -20,7 +20,7 @@ constexpr std::uint32_t kMaxWord = std::numeric_limits<std::uint32_t>::max();
 /// What tells patterns apart besides the octets.
 constexpr std::uint8_t varietyOf(std::uint16_t linkType, bool isSnapped) {
     // The link types that are read differ in these bits.
-    return static_cast<std::uint8_t>(linkType << 1U | (isSnapped ? 1U : 0U));
+    return static_cast<std::uint8_t>(unsigned{linkType} << 1U | (isSnapped ? 1U : 0U));
 }
 static_assert(varietyOf(kLinkTypeEthernet, true) != varietyOf(kLinkTypeCooked2, true) &&
               varietyOf(kLinkTypeCooked, true) != varietyOf(kLinkTypeCooked2, true) &&
