@@ -85,13 +85,12 @@ bool describe(CaptureInterface& described, InterfaceUse& use, std::span<std::uin
 /// @return false where they are cut off
 bool readDropped(CaptureRecord& record, std::span<std::uint8_t const> options,
                  bool isLittleEndian) {
-    return wire::forEachOption(options, isLittleEndian,
-                               [&](std::uint16_t code, std::span<std::uint8_t const> value) {
-                                   if (code == wire::kOptionPacketDropped) {
-                                       record.dropped =
-                                           wire::readOptionNumber(value, isLittleEndian);
-                                   }
-                               });
+    return wire::forEachOption(
+        options, isLittleEndian, [&](std::uint16_t code, std::span<std::uint8_t const> value) {
+            if (code == wire::kOptionPacketDropped) {
+                record.dropped = wire::readOptionNumber(value, isLittleEndian);
+            }
+        });
 }
 
 }  // namespace

@@ -21,16 +21,18 @@ from workbench import LIBRARY, PROGRAMS, NotBuilt, Outcome, Workbench  # noqa: E
 PROJECT = Path(__file__).resolve().parents[2]
 # Sources, then headers.
 FILES = [f"TalIec61850Parser/{name}" for name in (
-    "wire/Ethernet.cpp", "wire/Hex.cpp", "wire/ShortLength.cpp", "wire/pattern/MaskedBlocks.cpp",
+    "wire/BlockReader.cpp", "wire/Ethernet.cpp", "wire/Hex.cpp", "wire/ReadAhead.cpp",
+    "wire/ShortLength.cpp", "wire/pattern/MaskedBlocks.cpp",
     "wire/pattern/PatternTable.cpp", "codec/Asn1Parser.cpp", "codec/BerValue.cpp",
     "codec/ReadElementContent.cpp", "store/Db.cpp", "store/Goose.cpp", "store/PackageFile.cpp",
     "store/StreamFiles.cpp", "store/Sv.cpp", "goose/GooseFrame.cpp", "goose/GooseParser.cpp",
     "goose/DecodeGoosePdu.cpp", "sv/SvFrame.cpp", "sv/SvParser.cpp", "sv/DecodeAsdu.cpp",
     "capture/EthernetParser.cpp", "capture/JudgeFrame.cpp", "capture/PcapParser.cpp",
     "capture/RecordReader.cpp", "capture/index/IndexFrame.cpp", "capture/lane/FastLane.cpp",
-    "wire/ApplicationHeader.hpp", "wire/BerReader.hpp", "wire/CaptureFormat.hpp",
-    "wire/Ethernet.hpp", "wire/GooseTags.hpp", "wire/Octets.hpp", "wire/OptionalGroup.hpp",
-    "wire/ShortLength.hpp", "wire/SvTags.hpp",
+    "capture/lane/KnownStream.cpp",
+    "wire/ApplicationHeader.hpp", "wire/BerReader.hpp", "wire/BlockReader.hpp",
+    "wire/CaptureFormat.hpp", "wire/Ethernet.hpp", "wire/GooseTags.hpp", "wire/Octets.hpp",
+    "wire/OptionalGroup.hpp", "wire/ReadAhead.hpp", "wire/ShortLength.hpp", "wire/SvTags.hpp",
     "wire/pattern/FrameMemory.hpp", "wire/pattern/MaskedBlocks.hpp",
     "wire/pattern/PatternTable.hpp", "wire/pattern/TurnPredictor.hpp", "codec/Asn1Tag.hpp",
     "codec/BerValue.hpp", "codec/BerWalk.hpp", "codec/BytesConverter.hpp", "codec/WalkTrace.hpp",

@@ -317,6 +317,14 @@ TEST(BlockReadingWithoutThreads, IsDoneByThisOne) {
     EXPECT_EQ(source.readsElsewhere, 0U);
 }
 
+TEST(BlockReadingHere, ReadsTwiceAsMuchEachTimeForALargeRecord) {
+    // What is there is copied at each step, so that there may only be a few.
+    Source source(64 * kBlock);
+    RecordUser user(source, Mode::here);
+    EXPECT_TRUE(user.take(source.content().size()));
+    EXPECT_LE(source.reads, 9U);
+}
+
 TEST(BlockReadingHere, StartsNoThread) {
     startedThreads = 0;
     Source source(5 * kBlock);
