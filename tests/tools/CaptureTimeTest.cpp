@@ -2,8 +2,8 @@
 
 #include <limits>
 
+#include "tools/library/IndexedPackage.hpp"
 #include "tools/render/UtcText.hpp"
-#include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
 namespace {

@@ -9,8 +9,9 @@
 #include <set>
 
 #include "tools/CompanionRows.hpp"
-#include "tools/commands/ShownPacketLayout.hpp"
-#include "tools/commands/VerdictLayout.hpp"
+#include "tools/commands/ShownPacket.hpp"
+#include "tools/library/LibraryLayout.hpp"
+#include "tools/library/VerdictLayout.hpp"
 #include "tools/options/ExitStatus.hpp"
 #include "tools/output/RowLines.hpp"
 #include "tools/render/PacketLayout.hpp"
@@ -27,7 +28,7 @@ std::map<std::string, Names> layouts() {
             {"packets", fieldNames(packetLayout(true))},
             {"show", fieldNames(shownPacketLayout())},
             {"library judge", fieldNames(verdictCountLayout())},
-            {"library streams", fieldNames(streamLayout())},
+            {"library streams", fieldNames(libraryLayout())},
             {"library judge --list", fieldNames(judgedFrameLayout())}};
 }
 
@@ -114,7 +115,7 @@ TEST(FieldNames, AreTheSameWhateverTheRow) {
     EXPECT_EQ(fieldsOf(row), std::vector<std::string>(names.begin(), names.end()));
     row.svID = "MU01";
     row.firstTime = CaptureTime();
-    row.vlan.emplace();
+    row.vlans.emplace_back();
     EXPECT_EQ(fieldsOf(row), std::vector<std::string>(names.begin(), names.end()));
 }
 

@@ -8,8 +8,8 @@
 
 #include "index/RandomPicks.hpp"
 #include "index/TrafficGenerators.hpp"
-#include "tools/commands/FrameVerdict.hpp"
-#include "tools/selection/StreamCriteria.hpp"
+#include "tools/library/FrameVerdict.hpp"
+#include "tools/library/LibraryCriteria.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -40,7 +40,7 @@ struct Criteria {
     explicit Criteria(Bytes const& judged) : frame(judged) {}
 
     Bytes const& frame;
-    StreamCriteria all;
+    LibraryCriteria all;
     /// Whether the frame meets each criterion alone.
     bool isMet = true;
 
@@ -74,7 +74,7 @@ struct Criteria {
 RC_GTEST_PROP(AnyFrameFilter, WantsWhatMeetsEachCriterionAlone, ()) {
     Bytes const frame = *TalTest::validFrame();
     Criteria c(frame);
-    StreamCriteria& all = c.all;
+    LibraryCriteria& all = c.all;
     c.maybeAdd(kSources, all.sources, [](auto& entry, auto& value) { entry.srcMac = value; });
     c.maybeAdd(kDestinations, all.destinations,
                [](auto& entry, auto& value) { entry.dstMac = value; });
@@ -107,7 +107,7 @@ RC_GTEST_PROP(AnyFrameFilter, WantsWhatMeetsEachCriterionAlone, ()) {
 }
 
 RC_GTEST_PROP(AnyFrameFilter, SwitchesOffWhatIsNotAskedFor, ()) {
-    StreamCriteria criteria;
+    LibraryCriteria criteria;
     if (oneIn(2)) {
         criteria.protocol = oneIn(2) ? Protocol::goose : Protocol::sv;
     }

@@ -12,7 +12,7 @@
 #include "index/TrafficGenerators.hpp"
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
-#include "tools/commands/FrameVerdict.hpp"
+#include "tools/library/FrameVerdict.hpp"
 
 namespace TalIec61850Tools {
 

@@ -62,7 +62,6 @@ TEST(NothingFound, NamesTheValuesOfEachCriterion) {
         {"--appid", "0x0001", "0x3FFF"},
         {"--hsr", "B", "A"},
         {"--prp", "A", "B"},
-        {"--reserved1-bit0", "0", "1"},
         {"--gocbref", "gcbOther", "gcbTrip"},
         {"--datset", "dsOther", "dsTrip"},
         {"--goid", "Other", "Trip"},
@@ -84,8 +83,10 @@ TEST(NothingFound, OfCriteriaThatAreMetApartIsSaid) {
 
 TEST(NothingFound, OfCapturesWithoutStreamsIsSaid) {
     TempFile const file(CaptureBuilder().add(1, 0, Bytes(60)).bytes());
-    EXPECT_EQ(saidBy({"streams", file.path()}),
-              complaint("no GOOSE or SV streams in the captures"));
+    EXPECT_EQ(
+        saidBy({"streams", file.path()}),
+        complaint("no GOOSE or SV streams in the captures: 1 frame; tal-iec61850 captures tells "
+                  "what they are"));
 }
 
 TEST(NothingFound, OfAWindowNamesTheSpanOfThePackets) {

@@ -1,4 +1,4 @@
-// Which packets a window holds, against the plainest search.
+// Which packets a selection gives, against the plainest search.
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <set>
 #include <tuple>
 
 #include "index/Indexing.hpp"
@@ -17,61 +16,73 @@
 namespace TalIec61850Tools {
 namespace {
 
-using TalIec61850Parser::Db;
-using TalIec61850Parser::Package;
+using namespace TalIec61850Analysis;
 using TalTest::below;
 using TalTest::oneIn;
 
-/// Time in nanoseconds, capture, position, place: all that tells a selected packet from another.
-using Spot = std::tuple<std::int64_t, std::uint32_t, std::uint64_t, Place>;
-
-struct PlainSelection {
-    std::set<Spot> spots;
-    std::uint64_t unplaced = 0;
-};
-
-std::int64_t timeOf(Package const& package) {
-    return std::int64_t{package.time.seconds} * 1'000'000'000 + package.time.nanoseconds;
-}
+/// Time in nanoseconds, file, frame, ASDU, place: all that tells a selected packet from another.
+using Spot = std::tuple<std::int64_t, std::uint32_t, std::uint64_t, std::uint32_t, Place>;
 
 struct PlainWindow {
     std::int64_t from = 0;
     std::int64_t to = std::numeric_limits<std::int64_t>::max();
 };
 
+Spot spotOf(StreamPart const& part, std::size_t packet, Place place) {
+    PacketColumns const& columns = part.packets;
+    std::uint32_t const asdu = columns.asdus().empty() ? 0U : columns.asdus()[packet];
+    return {columns.times()[packet], part.file, columns.frameOffsets()[packet], asdu, place};
+}
+
+bool isGoose(TrafficStream const& stream) { return stream.key.protocol == Protocol::goose; }
+
 /// Adds what one file holds of a stream.
-void addPlainly(std::deque<Package> const& packages, std::uint32_t capture, PlainWindow window,
-                bool withContext, PlainSelection& selection) {
+void addPlainly(StreamPart const& part, PlainWindow window, bool withContext,
+                std::vector<Spot>& spots) {
     std::vector<Spot> before;
     std::vector<Spot> after;
-    for (Package const& package : packages) {
-        std::int64_t const time = timeOf(package);
-        if (package.position == 0) {
-            ++selection.unplaced;
-        } else if (time < window.from) {
-            before.emplace_back(time, capture, package.position, Place::before);
+    for (std::size_t packet = 0; packet < part.packets.size(); ++packet) {
+        std::int64_t const time = part.packets.times()[packet];
+        if (part.packets.flags()[packet].isDuplicate()) {
+            continue;
+        }
+        if (time < window.from) {
+            before.push_back(spotOf(part, packet, Place::before));
         } else if (time > window.to) {
-            after.emplace_back(time, capture, package.position, Place::after);
+            after.push_back(spotOf(part, packet, Place::after));
         } else {
-            selection.spots.emplace(time, capture, package.position, Place::inside);
+            spots.push_back(spotOf(part, packet, Place::inside));
         }
     }
     if (withContext && !before.empty()) {
-        selection.spots.insert(*std::max_element(before.begin(), before.end()));
+        spots.push_back(*std::max_element(before.begin(), before.end()));
     }
     if (withContext && !after.empty()) {
-        selection.spots.insert(*std::min_element(after.begin(), after.end()));
+        spots.push_back(*std::min_element(after.begin(), after.end()));
     }
 }
 
-template <typename Streams>
-void addPlainly(Streams const& streams, CaptureNumbers const& captures, PlainWindow window,
-                bool withContext, PlainSelection& selection) {
-    for (auto const& stream : streams) {
-        for (auto const& file : stream.files) {
-            addPlainly(file.packages, captures.at(file.fileName), window, withContext, selection);
+std::vector<Spot> plainly(TrafficIndex const& index, PacketWish const& wish, PlainWindow window) {
+    std::vector<Spot> spots;
+    for (TrafficStream const& stream : index.streams()) {
+        for (StreamPart const& part : stream.parts) {
+            if (wish.criteria.admitKey(stream.key)) {
+                addPlainly(part, window, wish.withContext && isGoose(stream), spots);
+            }
         }
     }
+    std::sort(spots.begin(), spots.end());
+    return spots;
+}
+
+std::vector<Spot> selected(PacketSelection& selection) {
+    std::vector<Spot> spots;
+    while (auto const packet = selection.next()) {
+        if (packet->unread == nullptr) {
+            spots.push_back(spotOf(*packet->part, packet->packet, packet->place));
+        }
+    }
+    return spots;
 }
 
 std::optional<std::int64_t> anyBound(std::vector<std::int64_t> const& times) {
@@ -81,21 +92,15 @@ std::optional<std::int64_t> anyBound(std::vector<std::int64_t> const& times) {
     return times[below(static_cast<unsigned>(times.size()))] + below(3) - 1;
 }
 
-template <typename Streams>
-void addTimes(Streams const& streams, std::vector<std::int64_t>& times) {
-    for (auto const& stream : streams) {
-        for (auto const& file : stream.files) {
-            std::transform(file.packages.begin(), file.packages.end(), std::back_inserter(times),
-                           timeOf);
+/// A window whose ends are hard beside, or on, packets of the index.
+PlainWindow anyWindow(TrafficIndex const& index, PacketWish& wish) {
+    std::vector<std::int64_t> times;
+    for (TrafficStream const& stream : index.streams()) {
+        for (StreamPart const& part : stream.parts) {
+            auto const column = part.packets.times();
+            times.insert(times.end(), column.begin(), column.end());
         }
     }
-}
-
-/// A window whose ends are hard beside, or on, packets of the store.
-PlainWindow anyWindow(Db const& db, PacketWish& wish) {
-    std::vector<std::int64_t> times;
-    addTimes(db.gooseProto.streams, times);
-    addTimes(db.svProto.streams, times);
     auto from = anyBound(times);
     auto to = anyBound(times);
     if (from && to && *to < *from) {
@@ -113,64 +118,63 @@ PlainWindow anyWindow(Db const& db, PacketWish& wish) {
     return window;
 }
 
-/// Up to three captures of random traffic in one store; times are in no order.
-struct RandomStore {
-    RandomStore() {
+/// Up to three captures of random traffic; times are in no order.
+struct RandomCaptures {
+    RandomCaptures() {
+        std::vector<std::string> paths;
         for (unsigned count = 1 + below(3); count > 0; --count) {
             auto const frames = oneIn(4) ? TalTest::anyFrame() : TalTest::validFrame();
             auto& file = files.emplace_back(std::make_unique<TalTest::ScratchFile>(
                 captureOf(*TalTest::recordsOf(frames), *TalTest::anyVariant())));
-            numbers.emplace(file->path(), static_cast<std::uint32_t>(numbers.size()));
-            TalTest::indexInto(db, file->path());
+            paths.push_back(file->path());
         }
+        index = indexCaptures(paths);
     }
 
     std::vector<std::unique_ptr<TalTest::ScratchFile>> files;
-    CaptureNumbers numbers;
-    Db db;
+    TrafficIndex index;
 };
 
+FrameHeader noHeader(std::uint32_t /*file*/, std::uint64_t /*frameOffset*/) { return {}; }
+
 RC_GTEST_PROP(AnySelection, HoldsThePacketsOfTheWindowInTheirOrder, ()) {
-    RandomStore const store;
+    RandomCaptures const captures;
     PacketWish wish;
     wish.withContext = oneIn(2);
-    PlainWindow const window = anyWindow(store.db, wish);
-    PlainSelection plain;
-    addPlainly(store.db.gooseProto.streams, store.numbers, window, wish.withContext, plain);
-    addPlainly(store.db.svProto.streams, store.numbers, window, false, plain);
-
-    PacketSelection const selection = selectPackets(store.db, store.numbers, wish);
-    std::vector<Spot> spots;
-    for (SelectedPacket const& packet : selection.packets) {
-        spots.emplace_back(timeOf(*packet.package), packet.capture, packet.package->position,
-                           packet.place);
-    }
+    PlainWindow const window = anyWindow(captures.index, wish);
+    PacketSelection selection(captures.index, wish, noHeader);
+    auto const spots = selected(selection);
     RC_CLASSIFY(spots.empty(), "empty");
-    RC_ASSERT(spots == std::vector<Spot>(plain.spots.begin(), plain.spots.end()));
-    RC_ASSERT(selection.unplaced == plain.unplaced);
+    RC_ASSERT(spots == plainly(captures.index, wish, window));
+    selection.rewind();
+    RC_ASSERT(selected(selection) == spots);
 }
 
-RC_GTEST_PROP(AnySelection, HasOnlyPacketsOfTheStreamsThatItNames, ()) {
-    RandomStore const store;
+RC_GTEST_PROP(AnySelection, HasOnlyPacketsOfTheStreamsThatAreAskedFor, ()) {
+    RandomCaptures const captures;
     PacketWish wish;
     wish.criteria.protocol = oneIn(2) ? Protocol::goose : Protocol::sv;
     wish.criteria.appIds = {0, 1};
-    PacketSelection const selection = selectPackets(store.db, store.numbers, wish);
-    RC_ASSERT(std::is_sorted(selection.streams.begin(), selection.streams.end(), comesBefore));
-    for (auto const& stream : selection.streams) {
-        RC_ASSERT(wish.criteria.admit(stream));
+    PacketSelection selection(captures.index, wish, noHeader);
+    RC_ASSERT(selected(selection) == plainly(captures.index, wish, {}));
+}
+
+RC_GTEST_PROP(AnySelection, HasTheFramesOfNoStreamAmongThePacketsByTime, ()) {
+    RandomCaptures const captures;
+    PacketSelection selection(captures.index, {}, noHeader);
+    std::size_t unread = 0;
+    std::optional<std::tuple<std::optional<CaptureTime>, std::uint32_t, std::uint64_t>> last;
+    while (auto const packet = selection.next()) {
+        std::tuple const place(packet->time(), packet->file, packet->frameOffset());
+        RC_ASSERT(!last || *last <= place);
+        last = place;
+        unread += packet->unread != nullptr ? 1 : 0;
     }
-    PlainSelection plain;
-    auto const add = [&](auto const& streams) {
-        for (auto const& stream : streams) {
-            if (wish.criteria.admit(identityOf(stream))) {
-                addPlainly(std::vector{stream}, store.numbers, {}, false, plain);
-            }
-        }
-    };
-    add(store.db.gooseProto.streams);
-    add(store.db.svProto.streams);
-    RC_ASSERT(selection.packets.size() == plain.spots.size());
+    std::size_t all = 0;
+    for (IndexedFile const& file : captures.index.files()) {
+        all += file.summary.unread.size();
+    }
+    RC_ASSERT(unread == all);
 }
 
 }  // namespace

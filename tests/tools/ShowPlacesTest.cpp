@@ -96,7 +96,7 @@ TEST(ShowPlaces, OfStandardInputAreThoseThatAreListed) {
 TEST(ShowPlaces, ThatHoldNoPacketAreNamedAndTheOthersShown) {
     TempFile const file(smallCapture());
     auto const place = placesIn(file.path())[2];
-    for (auto const* position : {"0", "24", "1", "99999999", "18446744073709551615"}) {
+    for (auto const* position : {"0", "23", "1", "99999999", "18446744073709551615"}) {
         auto const result =
             runCompanion({"show", "-f", "json", file.path() + "@" + position, place});
         EXPECT_EQ(result.status, 2);
@@ -106,24 +106,31 @@ TEST(ShowPlaces, ThatHoldNoPacketAreNamedAndTheOthersShown) {
     }
 }
 
-TEST(ShowPlaces, BesideTheFirstOctetOfAPacketAreNone) {
+TEST(ShowPlaces, MayBeThoseOfTheFrameOrOfTheRecord) {
     TempFile const file(smallCapture());
     for (Json const& row : rowsOf({"packets", file.path()})) {
-        auto const position = row["position"].get<std::int64_t>();
-        for (auto const beside : {position - 1, position + 1}) {
-            auto const result = runCompanion({"show", file.path() + "@" + std::to_string(beside)});
-            EXPECT_EQ(result.status, 2);
-            EXPECT_EQ(result.out, "");
+        auto const shown = rowsOf({"show", file.path() + "@" + row["position"].dump()});
+        ASSERT_EQ(shown.size(), 1U);
+        EXPECT_EQ(shown[0]["position"], row["position"]);
+        for (auto const* field : {"framePosition", "recordPosition"}) {
+            EXPECT_EQ(rowsOf({"show", file.path() + "@" + row[field].dump()}), shown) << field;
         }
     }
 }
 
-TEST(ShowPlaces, ThatTheOptionsRejectAreNamedToo) {
+TEST(ShowPlaces, OfFramesOfOtherProtocolsAreNamed) {
+    TempFile const file(CaptureBuilder().add(1, 0, Bytes(60)).bytes());
+    auto const result = runCompanion({"show", file.path() + "@24"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, complaint(file.path() + ": the frame at 40 is neither GOOSE nor SV"));
+}
+
+TEST(ShowPlaces, DoNotGoWithOptionsThatSelect) {
     TempFile const file(smallCapture());
     auto const place = placesIn(file.path())[0];
-    EXPECT_EQ(rowsOf({"show", place, "--protocol", "sv"}).size(), 1U);
-    EXPECT_EQ(runCompanion({"show", place, "--protocol", "goose"}).status, 2);
-    EXPECT_EQ(runCompanion({"show", place, "--from", "2024-01-01"}).status, 2);
+    expectUsageError({"show", place, "--protocol", "sv"});
+    expectUsageError({"show", place, "--from", "2024-01-01"});
+    expectUsageError({"show", place, "--limit", "1"});
 }
 
 TEST(ShowPlaces, InAFileThatCannotBeReadAreNamedOnce) {

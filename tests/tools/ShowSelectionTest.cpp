@@ -118,7 +118,7 @@ TEST(ShowSelection, ParagraphsHaveOneTitleEach) {
     EXPECT_FALSE(text.ends_with("\n\n"));
 }
 
-TEST(ShowSelection, HasThePacketThatTheFileIsCutIn) {
+TEST(ShowSelection, LeavesOutTheRecordThatTheFileIsCutInWhichItsPlaceShows) {
     Bytes const whole = CaptureBuilder()
                             .add(1, 0, svFrameCalled("MU01"))
                             .add(2, 0, gooseFrameCalled("gcb1"))
@@ -130,13 +130,13 @@ TEST(ShowSelection, HasThePacketThatTheFileIsCutIn) {
     EXPECT_EQ(result.err, complaint(file.path() + ": the file ends inside the record at " +
                                     std::to_string(records[1].position) + ": 3 of its " +
                                     std::to_string(records[1].inclLen) + " octets are missing"));
-    auto const rows = jsonOf(result.out);
-    ASSERT_EQ(rows.size(), 2U);
-    EXPECT_EQ(rows[1]["capturedOctets"], records[1].inclLen - 3);
-    EXPECT_EQ(rows[1]["wireOctets"], records[1].origLen);
-    EXPECT_TRUE(rows[1]["goose"].is_object());
-    auto const place = file.path() + "@" + rows[1]["position"].dump();
-    EXPECT_EQ(jsonOf(runCompanion({"show", "-f", "json", place}).out), std::vector<Json>{rows[1]});
+    ASSERT_EQ(jsonOf(result.out).size(), 1U);
+    auto const place = file.path() + "@" + std::to_string(records[1].position);
+    auto const rows = rowsOf({"show", place});
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0]["capturedOctets"], records[1].inclLen - 3);
+    EXPECT_EQ(rows[0]["wireOctets"], records[1].origLen);
+    EXPECT_EQ(rows[0]["goose"]["gocbRef"], "gcb1");
 }
 
 TEST(ShowSelection, OfWholeCapturesIsWhatIsListed) {
@@ -148,9 +148,14 @@ TEST(ShowSelection, OfWholeCapturesIsWhatIsListed) {
         paths.push_back(ownCapture(name));
     }
     for (auto const& path : paths) {
-        EXPECT_EQ(headsOf(rowsOf({"show", path, "--to", "+200ms"})),
-                  headsOf(rowsOf({"packets", path, "--to", "+200ms"})))
-            << path;
+        // A frame of several ASDUs is shown once.
+        auto packets = rowsOf({"packets", path, "--to", "+200ms"});
+        packets.erase(std::unique(packets.begin(), packets.end(),
+                                  [](Json const& a, Json const& b) {
+                                      return a["framePosition"] == b["framePosition"];
+                                  }),
+                      packets.end());
+        EXPECT_EQ(headsOf(rowsOf({"show", path, "--to", "+200ms"})), headsOf(packets)) << path;
     }
 }
 

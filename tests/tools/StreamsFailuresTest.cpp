@@ -86,7 +86,7 @@ TEST(Streams, SayThatMemoryIsLacking) {
     constexpr std::uint32_t claimed = 200U << 20U;
     TempFile const capture(CaptureBuilder().addClaiming(1, 0, claimed, {}).bytes());
     std::filesystem::resize_file(capture.path(), claimed + 40);  // sparse, it takes no room
-    auto const result = runInLittleMemory({"streams", capture.path()});
+    auto const result = runInLittleMemory({"library", "streams", capture.path()});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, complaint("not enough memory"));
     EXPECT_EQ(result.out, "");

@@ -81,13 +81,41 @@ TEST(StreamsFilter, TellsLanesAndNetworks) {
 }
 
 TEST(StreamsFilter, TakesTheOtherMembers) {
-    EXPECT_EQ(admitted({"--reserved1-bit0", "1"}), (Names{"gcbReserved", "MUreserved"}));
-    EXPECT_EQ(admitted({"--reserved1-bit0", "0"}), allBut({"gcbReserved", "MUreserved"}));
     EXPECT_EQ(admitted({"--confrev", "77"}), (Names{"gcbConfRev", "MUconfRev"}));
     EXPECT_EQ(admitted({"--datset", "otherSet"}), Names{"gcbDatSet"});
     EXPECT_EQ(admitted({"--goid", "otherID"}), Names{"gcbGoID"});
-    EXPECT_EQ(admitted({"--simulation-element", "no"}), Names{"gcbNoSimulation"});
-    EXPECT_EQ(admitted({"--simulation-element", "yes"}), allBut({"gcbNoSimulation"}, "gcb"));
+}
+
+TEST(StreamsFilter, AsksTheLibraryForItsOwnMembers) {
+    TempFile const capture(memberTraffic());
+    auto const found = [&](std::string const& option, std::string const& value) {
+        return namesIn(rowsOf({"library", "streams", capture.path(), option, value}));
+    };
+    EXPECT_EQ(found("--reserved1-bit0", "1"), (Names{"gcbReserved", "MUreserved"}));
+    EXPECT_EQ(found("--reserved1-bit0", "0"), allBut({"gcbReserved", "MUreserved"}));
+    EXPECT_EQ(found("--simulation-element", "no"), Names{"gcbNoSimulation"});
+    EXPECT_EQ(found("--simulation-element", "yes"), allBut({"gcbNoSimulation"}, "gcb"));
+}
+
+TEST(StreamsFilter, TellsSimulatedPackets) {
+    GooseMessage byElement = gooseCalled("gcbElement");
+    byElement.simulation = true;
+    GooseMessage byHeader = gooseCalled("gcbHeader");
+    byHeader.reserved1 = 0x8000;
+    TempFile const capture(CaptureBuilder()
+                               .add(1, 0, gooseFrame(Ethernet(), byElement))
+                               .add(2, 0, gooseFrame(Ethernet(), byHeader))
+                               .add(3, 0, gooseFrameCalled("gcbHeader"))
+                               .add(4, 0, svFrameCalled("MU01"))
+                               .bytes());
+    auto const packets = [&](Arguments const& options) {
+        return fieldOf(rowsOf(joined({"streams", capture.path()}, options)), "packets");
+    };
+    EXPECT_EQ(packets({"--simulated", "yes"}), (std::vector<Json>{1, 1}));
+    EXPECT_EQ(packets({"--simulated", "no"}), (std::vector<Json>{1, 1}));
+    EXPECT_EQ(packets({}), (std::vector<Json>{1, 2, 1}));
+    EXPECT_EQ(fieldOf(rowsOf({"streams", capture.path()}), "simulated"),
+              (std::vector<Json>{true, true, false}));
 }
 
 TEST(StreamsFilter, LetsNothingThroughThatLacksTheMember) {
@@ -97,6 +125,7 @@ TEST(StreamsFilter, LetsNothingThroughThatLacksTheMember) {
     EXPECT_EQ(admitted({"--gocbref", "*"}), allBut({}, "gcb"));
     EXPECT_EQ(admitted({"--hsr", "A", "--hsr", "B"}),
               (Names{"gcbHsrA", "MUhsrA", "gcbHsrB", "MUhsrB"}));
+    EXPECT_EQ(admitted({"--lan", "a"}), (Names{"gcbHsrA", "MUhsrA", "gcbPrpA", "MUprpA"}));
 }
 
 TEST(StreamsFilter, IsMetByOneOfSeveralValues) {
@@ -138,6 +167,7 @@ TEST(StreamsFilter, LeavesOutPacketsOverTheOtherLaneOrNetwork) {
     EXPECT_EQ(packets({"--prp", "A"}), std::vector<Json>{2});
     EXPECT_EQ(packets({"--prp", "B"}), std::vector<Json>{1});
     EXPECT_EQ(packets({"--hsr", "B"}), std::vector<Json>{1});
+    EXPECT_EQ(packets({"--lan", "B"}), (std::vector<Json>{1, 1}));
 }
 
 /// The names that a pattern finds among streams of these names.
@@ -161,11 +191,10 @@ TEST(StreamsFilter, TakesEveryOtherCharacterOfAPatternAsItStands) {
     EXPECT_EQ(matched(names, {"--svid", "MU[[:digit:]]"}), Names{});
 }
 
-TEST(StreamsFilter, FindsNamesThatTheIndexRendersAsOctets) {
+TEST(StreamsFilter, FindsNamesOctetForOctet) {
     Names const names = {"MU\x01", "MU\x02", "MU"};
-    EXPECT_EQ(matched(names, {"--svid", "[4D 55 01]"}), Names{"[4D 55 01]"});
-    EXPECT_EQ(matched(names, {"--svid=[4D 55 01]"}), Names{"[4D 55 01]"});
-    EXPECT_EQ(matched(names, {"--svid", "[4D 55 *"}), (Names{"[4D 55 01]", "[4D 55 02]"}));
+    EXPECT_EQ(matched(names, {"--svid", "MU\x01"}), Names{"MU\x01"});
+    EXPECT_EQ(matched(names, {"--svid", "MU?"}), (Names{"MU\x01", "MU\x02"}));
 }
 
 TEST(StreamsFilter, TakesNamesThatLookLikeSomethingElse) {

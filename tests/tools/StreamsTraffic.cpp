@@ -15,7 +15,9 @@ Bytes oneGoose(std::string const& gocbRef) {
     return gooseFrame(Ethernet().from("00:30:a7:00:00:01").to("01:0c:cd:01:00:01"), message);
 }
 
-Bytes oneSv(std::string const& svID) { return svFrame(svEthernet(), message92le(svID, 0)); }
+Bytes oneSv(std::string const& svID, Ethernet const& link) {
+    return svFrame(link, message92le(svID, 0));
+}
 
 Bytes smallCapture() {
     return CaptureBuilder(CaptureVariant::nanoLittle)

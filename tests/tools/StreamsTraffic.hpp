@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/Bytes.hpp"
+#include "support/SampledValues.hpp"
 
 // What the tests of the streams command have in common: captures to run it on, and ways to read
 // what it writes.
@@ -15,8 +16,8 @@ namespace TalTest {
 /// A GOOSE frame of a stream that `gocbRef` alone tells from others.
 [[nodiscard]] Bytes oneGoose(std::string const& gocbRef = "gcb1");
 
-/// An SV frame of a stream that `svID` alone tells from others.
-[[nodiscard]] Bytes oneSv(std::string const& svID = "MU01");
+/// An SV frame of a stream that `svID` alone tells from others, and what is around it.
+[[nodiscard]] Bytes oneSv(std::string const& svID = "MU01", Ethernet const& link = svEthernet());
 
 /// Two packets of one GOOSE stream, three of one SV stream.
 [[nodiscard]] Bytes smallCapture();

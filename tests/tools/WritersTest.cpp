@@ -25,36 +25,36 @@ std::string write(Format format, Rows const& rows) {
 StreamRow gooseRow() {
     StreamRow row;
     row.protocol = Protocol::goose;
-    row.source = "00:30:a7:00:00:01";
-    row.destination = "01:0c:cd:01:00:01";
-    row.vlan = {.priority = {}, .dei = {}, .vlanId = 5};
-    row.hsr = {.hsrSpare1 = {}, .lanId = 'B', .hsrSpare2 = {}, .hsrSpare3 = {}};
+    row.source = MacAddress{0x00, 0x30, 0xA7, 0x00, 0x00, 0x01};
+    row.destination = MacAddress{0x01, 0x0C, 0xCD, 0x01, 0x00, 0x01};
+    row.vlans = {{.tpid = 0x88A8, .id = 7}, {.tpid = 0x8100, .id = 5}};
     row.appId = 0x1F;
-    row.reserved1Bit0 = 1;
     row.gocbRef = "RELAY1LD0/LLN0$GO$gcb1";
     row.datSet = "dataSet1";
     row.goID = "";
-    row.confRev = 10001;
-    row.simulationPresent = true;
+    row.confRev = 10001U;
+    row.isSimulated = true;
     row.packets = 3;
     row.files = 1;
     row.timedPackets = 3;
-    row.firstTime = toCaptureTime({1700000000, 123456789});
-    row.lastTime = toCaptureTime({1700000004, 123456789});
+    row.firstTime = TalIec61850Analysis::makeCaptureTime(1700000000, 123456789);
+    row.lastTime = TalIec61850Analysis::makeCaptureTime(1700000004, 123456789);
     return row;
 }
 
 StreamRow svRow() {
     StreamRow row;
     row.protocol = Protocol::sv;
-    row.source = "00:30:a7:00:00:02";
-    row.destination = "01:0c:cd:04:00:01";
-    row.prp = {.sequenceNumber = {}, .lanId = 'A', .lsduSize = {}};
+    row.source = MacAddress{0x00, 0x30, 0xA7, 0x00, 0x00, 0x02};
+    row.destination = MacAddress{0x01, 0x0C, 0xCD, 0x04, 0x00, 0x01};
     row.appId = 0x4000;
-    row.reserved1Bit0 = 0;
     row.svID = "MU01";
-    row.confRev = 1;
+    row.confRev = 1U;
+    row.asdusPerFrame = 8;
+    row.nominalRate = 4000;
     row.packets = 6'000'000'000;
+    row.copies = 5'999'999'999;
+    row.overPrp = {6'000'000'000, 5'999'999'999};
     row.files = 2;
     return row;
 }
@@ -65,56 +65,61 @@ StreamRow rowNamed(std::string const& svID) {
     return row;
 }
 
-TEST(StreamTable, AlignsColumnsAndPutsNamesLast) {
+TEST(StreamTable, AlignsColumnsAndPutsTheNameFirst) {
     EXPECT_EQ(
         write(Format::table, {gooseRow(), svRow()}),
-        "PROTO  SOURCE             DESTINATION        VLAN   APPID  HSR  R1B0  CONFREV  SIM-ELEM"
-        "     PACKETS  FILES  FIRST                           LAST                            "
-        "PACKETS/S  SVID/GOCBREF            DATSET    GOID\n"
-        "GOOSE  00:30:a7:00:00:01  01:0c:cd:01:00:01     5  0x001F  B       1    10001  yes     "
-        "           3      1  2023-11-14T22:13:20.123456789Z  2023-11-14T22:13:24.123456789Z  "
-        "    0.500  RELAY1LD0/LLN0$GO$gcb1  dataSet1  \"\"\n"
-        "SV     00:30:a7:00:00:02  01:0c:cd:04:00:01     -  0x4000  -       0        1  -       "
-        "  6000000000      2  -                               -                               "
-        "        -  MU01                    -         -\n");
+        "PROTO  SVID/GOCBREF             APPID  SOURCE             DESTINATION        VLAN  "
+        "VLANS          CONFREV  SIM  ASDUS  NOMINAL/S  PACKETS/S     PACKETS      COPIES  "
+        "A/B                    FILES  FIRST                           LAST                    "
+        "        DATSET    GOID\n"
+        "GOOSE  RELAY1LD0/LLN0$GO$gcb1  0x001F  00:30:a7:00:00:01  01:0c:cd:01:00:01     5  "
+        "88a8:7/8100:5    10001  yes      -          -      0.500           3           -  "
+        "-                          1  2023-11-14T22:13:20.123456789Z  2023-11-14T22:13:24.1234"
+        "56789Z  dataSet1  \"\"\n"
+        "SV     MU01                    0x4000  00:30:a7:00:00:02  01:0c:cd:04:00:01     -  "
+        "-                    1  -        8     4000.0          -  6000000000  5999999999  "
+        "6000000000/5999999999      2  -                               -                       "
+        "        -         -\n");
 }
 
 TEST(StreamTable, WritesHeadingsAboveNoRows) {
     EXPECT_EQ(write(Format::table, {}),
-              "PROTO  SOURCE  DESTINATION  VLAN  APPID  HSR  R1B0  CONFREV  SIM-ELEM  PACKETS  "
-              "FILES  FIRST  LAST  PACKETS/S  SVID/GOCBREF  DATSET  GOID\n");
+              "PROTO  SVID/GOCBREF  APPID  SOURCE  DESTINATION  VLAN  VLANS  CONFREV  SIM  ASDUS  "
+              "NOMINAL/S  PACKETS/S  PACKETS  COPIES  A/B  FILES  FIRST  LAST  DATSET  GOID\n");
 }
 
 TEST(StreamTable, MakesOneLineOfEveryRowWhateverItsNames) {
     auto const text = write(Format::table, {rowNamed("a\n\x1b[31m\xff"), rowNamed("Süd")});
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3);
-    EXPECT_NE(text.find(R"(a\n\x1b[31m\xff  -  )"), std::string::npos);
-    EXPECT_NE(text.find("Süd" + std::string(12, ' ') + "  -  "), std::string::npos);
-}
-
-TEST(StreamTable, SaysYesNoOrNothingOfTheSimulationElement) {
-    StreamRow row = gooseRow();
-    row.simulationPresent = false;
-    EXPECT_NE(write(Format::table, {row}).find("10001  no  "), std::string::npos);
+    EXPECT_NE(text.find(R"(a\n\x1b[31m\xff  0x4000  )"), std::string::npos);
+    EXPECT_NE(text.find("Süd" + std::string(12, ' ') + "  0x4000  "), std::string::npos);
 }
 
 TEST(StreamJson, WritesOneObjectPerLineWithFieldsInAFixedOrder) {
     EXPECT_EQ(
         write(Format::json, {gooseRow(), svRow()}),
         R"({"protocol":"GOOSE","source":"00:30:a7:00:00:01","destination":"01:0c:cd:01:00:01",)"
-        R"("vlanId":5,"appId":"0x001F","hsrLane":"B","prpLane":null,"reserved1Bit0":1,"svID":null,)"
+        R"("vlanId":5,"vlanStack":"88a8:7/8100:5","appId":"0x001F","svID":null,)"
         R"("gocbRef":"RELAY1LD0/LLN0$GO$gcb1","datSet":"dataSet1","goID":"","confRev":10001,)"
-        R"("simulationPresent":true,"packets":3,"files":1,)"
-        R"("firstTime":"2023-11-14T22:13:20.123456789Z","firstTimeNs":1700000000123456789,)"
-        R"("lastTime":"2023-11-14T22:13:24.123456789Z","lastTimeNs":1700000004123456789,)"
-        R"("packetsPerSecond":0.5})"
+        R"("simulated":true,"asdusPerFrame":null,"nominalRate":null,"packets":3,"copies":0,)"
+        R"("files":1,"firstTime":"2023-11-14T22:13:20.123456789Z",)"
+        R"("firstTimeNs":1700000000123456789,"lastTime":"2023-11-14T22:13:24.123456789Z",)"
+        R"("lastTimeNs":1700000004123456789,"packetsPerSecond":0.5})"
         "\n"
         R"({"protocol":"SV","source":"00:30:a7:00:00:02","destination":"01:0c:cd:04:00:01",)"
-        R"("vlanId":null,"appId":"0x4000","hsrLane":null,"prpLane":"A","reserved1Bit0":0,)"
-        R"("svID":"MU01","gocbRef":null,"datSet":null,"goID":null,"confRev":1,)"
-        R"("simulationPresent":null,"packets":6000000000,"files":2,"firstTime":null,)"
-        R"("firstTimeNs":null,"lastTime":null,"lastTimeNs":null,"packetsPerSecond":null})"
+        R"("vlanId":null,"vlanStack":null,"appId":"0x4000","svID":"MU01","gocbRef":null,)"
+        R"("datSet":null,"goID":null,"confRev":1,"simulated":false,"asdusPerFrame":8,)"
+        R"("nominalRate":4000.0,"packets":6000000000,"copies":5999999999,"files":2,)"
+        R"("firstTime":null,"firstTimeNs":null,"lastTime":null,"lastTimeNs":null,)"
+        R"("packetsPerSecond":null})"
         "\n");
+}
+
+TEST(StreamJson, WritesAConfRevThatIsNoNumberAsItsOctets) {
+    StreamRow row = gooseRow();
+    row.confRev = TalIec61850Analysis::OctetString{1, 2, 3, 4, 5, 6, 7, 8, 0xFF};
+    EXPECT_NE(write(Format::json, {row}).find(R"("confRev":"0102030405060708ff",)"),
+              std::string::npos);
 }
 
 TEST(StreamJson, WritesNothingForNoRows) { EXPECT_EQ(write(Format::json, {}), ""); }
@@ -139,13 +144,15 @@ TEST(StreamJson, ReplacesOctetsThatAreNoUtf8) {
 
 TEST(StreamCsv, WritesFieldNamesThenTheSameFieldsAsJson) {
     EXPECT_EQ(write(Format::csv, {gooseRow(), svRow()}),
-              "protocol,source,destination,vlanId,appId,hsrLane,prpLane,reserved1Bit0,svID,gocbRef,"
-              "datSet,goID,confRev,simulationPresent,packets,files,firstTime,firstTimeNs,lastTime,"
-              "lastTimeNs,packetsPerSecond\n"
-              "GOOSE,00:30:a7:00:00:01,01:0c:cd:01:00:01,5,0x001F,B,,1,,RELAY1LD0/LLN0$GO$gcb1,"
-              "dataSet1,\"\",10001,true,3,1,2023-11-14T22:13:20.123456789Z,1700000000123456789,"
+              "protocol,source,destination,vlanId,vlanStack,appId,svID,gocbRef,datSet,goID,confRev,"
+              "simulated,asdusPerFrame,nominalRate,packets,copies,files,firstTime,firstTimeNs,"
+              "lastTime,lastTimeNs,packetsPerSecond\n"
+              "GOOSE,00:30:a7:00:00:01,01:0c:cd:01:00:01,5,88a8:7/8100:5,0x001F,,"
+              "RELAY1LD0/LLN0$GO$gcb1,dataSet1,\"\",10001,true,,,3,0,1,"
+              "2023-11-14T22:13:20.123456789Z,1700000000123456789,"
               "2023-11-14T22:13:24.123456789Z,1700000004123456789,0.5\n"
-              "SV,00:30:a7:00:00:02,01:0c:cd:04:00:01,,0x4000,,A,0,MU01,,,,1,,6000000000,2,,,,,\n");
+              "SV,00:30:a7:00:00:02,01:0c:cd:04:00:01,,,0x4000,MU01,,,,1,false,8,4000.0,6000000000,"
+              "5999999999,2,,,,,\n");
 }
 
 TEST(StreamCsv, NamesTheFieldsEvenWithoutRows) {
@@ -156,13 +163,13 @@ TEST(StreamCsv, NamesTheFieldsEvenWithoutRows) {
 
 TEST(StreamCsv, QuotesCommasAndDoublesQuotes) {
     auto const text = write(Format::csv, {rowNamed(R"(a "b",c)")});
-    EXPECT_NE(text.find(R"(,0,"a ""b"",c",,)"), std::string::npos);
+    EXPECT_NE(text.find(R"(,0x4000,"a ""b"",c",,)"), std::string::npos);
 }
 
 TEST(StreamCsv, MakesOneLineOfEveryRowWhateverItsNames) {
     auto const text = write(Format::csv, {rowNamed("a\r\n\x1b\xff\\")});
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2);
-    EXPECT_NE(text.find(R"(,0,a\r\n\x1b\xff\\,,)"), std::string::npos);
+    EXPECT_NE(text.find(R"(,0x4000,a\r\n\x1b\xff\\,,)"), std::string::npos);
 }
 
 }  // namespace

@@ -4,29 +4,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <TalIec61850Analysis/file/CaptureSurvey.hpp>
-#include <TalIec61850Parser/capture/PcapParser.hpp>
-#include <algorithm>
-#include <atomic>
-#include <functional>
-#include <future>
 #include <set>
 #include <system_error>
 
-#include "tools/commands/NumberCaptures.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/Terminal.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/output/WrapText.hpp"
-#include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
-
-using TalIec61850Analysis::CaptureSurvey;
-using TalIec61850Parser::Filter;
-using TalIec61850Parser::PcapParser;
 
 namespace {
 
@@ -48,22 +36,6 @@ std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
     return total;
 }
 
-/// Adds one file to the store. Its record headers are walked at the same time, for damage that the
-/// library does not report: the file is in the page cache then.
-CaptureSurvey indexCapture(CaptureSource const& capture, Filter const& filter,
-                           TalIec61850Parser::Db& db, ProgressBar& bar) {
-    auto survey = std::async(TalIec61850Analysis::surveyCapture, capture.path);
-    std::atomic<bool> const neverStop = false;
-    // Indexing is faster without progress calls.
-    std::function<void(double)> progress;
-    bar.startFile(capture.name, capture.size);
-    if (bar.isShown()) {
-        progress = [&](double fraction) { bar.show(fraction); };
-    }
-    PcapParser::parseFile(capture.path, db, filter, neverStop, progress);
-    return survey.get();
-}
-
 }  // namespace
 
 CommandRun::CommandRun(CommonOptions const& options)
@@ -81,32 +53,16 @@ std::optional<std::size_t> CommandRun::captureCalled(std::string const& argument
     return found == found_.numbers.end() ? std::nullopt : std::optional(found->second);
 }
 
-CaptureIndex CommandRun::index(Filter const& filter) {
-    CaptureIndex index;
-    index.numbers = numberCaptures(captures());
-    ProgressBar bar = progressBar();
-    for (auto const& capture : captures()) {
-        CaptureSurvey const survey = indexCapture(capture, filter, index.db, bar);
-        if (survey.start) {
-            index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);
-        }
-        index.end = std::max(index.end, survey.latest);
-        if (auto const fault = faultText(survey); fault && !isDamageTold_) {
-            bar.erase();
-            complainOf(capture.name, *fault);
-        }
-    }
-    isDamageTold_ = true;
-    return index;
-}
-
 ProgressBar CommandRun::progressBar() const {
     return {totalSize(captures()), !options_.quiet && isErrorTerminal()};
 }
 
 ProgressBar CommandRun::writingBar(std::uint64_t packets) const {
-    bool const isShown = !options_.quiet && isErrorTerminal() && !output_->isTerminal();
-    return {packets, isShown, ProgressUnit::packets};
+    return {packets, isWritingShown(), ProgressUnit::packets};
+}
+
+bool CommandRun::isWritingShown() const {
+    return !options_.quiet && isErrorTerminal() && !output_->isTerminal();
 }
 
 void CommandRun::note(std::string const& text) const {

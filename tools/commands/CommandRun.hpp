@@ -1,35 +1,23 @@
 #pragma once
 
-#include <TalIec61850Parser/capture/Filter.hpp>
-#include <TalIec61850Parser/store/Db.hpp>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/input/CaptureFinder.hpp"
 #include "tools/options/CommonOptions.hpp"
 #include "tools/options/ExitStatus.hpp"
 #include "tools/output/Output.hpp"
 #include "tools/output/ProgressBar.hpp"
+#include "tools/output/RowWriter.hpp"
 #include "tools/output/TextSink.hpp"
-#include "tools/selection/CaptureTime.hpp"
-#include "tools/selection/PacketSelection.hpp"
 
 namespace TalIec61850Tools {
 
-/// The index of all captures of a command.
-struct CaptureIndex {
-    TalIec61850Parser::Db db;
-    /// The number of each capture: its index in CommandRun::captures().
-    CaptureNumbers numbers;
-    /// The earliest first record of all captures.
-    std::optional<CaptureTime> begin;
-    /// The latest record of all captures.
-    std::optional<CaptureTime> end;
-};
-
 /// The part that all commands that read captures have in common: finds the captures, reports those
-/// that cannot be used (the exit status shows it), indexes, shows progress, and opens and finishes
-/// the output.
+/// that cannot be used (the exit status shows it), shows progress, and opens and finishes the
+/// output.
 class CommandRun {
 public:
     /// Follows the FILE arguments and opens the output.
@@ -44,14 +32,14 @@ public:
     /// no capture.
     [[nodiscard]] std::optional<std::size_t> captureCalled(std::string const& argument) const;
 
-    /// Indexes the captures, one after the other. Damage is reported the first time.
-    [[nodiscard]] CaptureIndex index(TalIec61850Parser::Filter const& filter);
-
     /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;
 
     /// A bar for the writing of packets, shown only where they do not go to a terminal themselves.
     [[nodiscard]] ProgressBar writingBar(std::uint64_t packets) const;
+
+    /// Whether that bar is shown.
+    [[nodiscard]] bool isWritingShown() const;
 
     /// Whether neither progress nor notes are wanted.
     [[nodiscard]] bool isQuiet() const { return options_.quiet; }
@@ -86,8 +74,6 @@ private:
     FoundCaptures found_;
     std::optional<Output> output_;
     bool isComplete_ = true;
-    /// Whether damage has been reported, so that indexing again need not.
-    bool isDamageTold_ = false;
 };
 
 }  // namespace TalIec61850Tools

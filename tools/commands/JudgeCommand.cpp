@@ -10,10 +10,10 @@
 #include <system_error>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/commands/VerdictLayout.hpp"
 #include "tools/help/FieldList.hpp"
+#include "tools/library/LibraryOptions.hpp"
+#include "tools/library/VerdictLayout.hpp"
 #include "tools/options/ChosenColumns.hpp"
-#include "tools/options/SelectionOptions.hpp"
 #include "tools/output/Plural.hpp"
 #include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
@@ -87,7 +87,7 @@ void judgeCaptures(CommandRun& run, Filter const& filter, FrameTaker const& take
         } catch (OutputError const&) {
             throw;
         } catch (std::system_error const& error) {
-            fault = error.code().message();
+            fault = faultText(error.code());
         }
         if (fault) {
             bar.erase();
@@ -128,7 +128,7 @@ void addJudgeCommand(ProgramDefinition& program, CommandDefinition const& group,
     addCommonOptions(command, options->common);
     command.parser->add_flag("-l,--list", options->listsFrames,
                              "One row for each frame, in their order");
-    addCriteriaOptions(command, options->criteria);
+    addLibraryOptions(command, options->criteria);
     command.notes = judgeNotes();
     command.examples = {"tal-iec61850 library judge --protocol goose --appid 0x0001 bay1.pcap"};
     command.parser->callback(

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "tools/commands/Action.hpp"
+#include "tools/library/LibraryCriteria.hpp"
 #include "tools/options/CommonOptions.hpp"
-#include "tools/selection/StreamCriteria.hpp"
 
 namespace TalIec61850Tools {
 
 /// The arguments of `tal-iec61850 library judge`.
 struct JudgeOptions {
     CommonOptions common;
-    StreamCriteria criteria;
+    LibraryCriteria criteria;
     /// One row for each frame, not for each verdict.
     bool listsFrames = false;
 };

@@ -1,7 +1,7 @@
 #include "tools/commands/LibraryCommands.hpp"
 
 #include "tools/commands/JudgeCommand.hpp"
-#include "tools/commands/StreamsCommand.hpp"
+#include "tools/commands/LibraryStreamsCommand.hpp"
 
 namespace TalIec61850Tools {
 

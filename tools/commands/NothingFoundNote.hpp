@@ -1,17 +1,26 @@
 #pragma once
 
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstddef>
+
 #include "tools/commands/CommandRun.hpp"
 #include "tools/options/PacketOptions.hpp"
 
 namespace TalIec61850Tools {
 
 /// Says on standard error that no stream meets the criteria, and what there is.
-void noteNoStreams(CommandRun& run, StreamCriteria const& criteria);
+/// @param index  of the run, with the streams that the criteria let through
+void noteNoStreams(CommandRun const& run, TalIec61850Analysis::TrafficIndex const& index,
+                   PacketCriteria const& criteria, std::size_t jobs);
 
 /// Says on standard error that a selection has no packet, and what there is: streams by other
 /// names, or packets at other times.
-/// @param index  of the run
-void noteNoPackets(CommandRun& run, CaptureIndex const& index, PacketOptions const& options,
-                   PacketSelection const& selection);
+/// @param index    of the run, with the streams that the criteria let through
+/// @param streams  how many of these there are
+void noteNoPackets(CommandRun const& run, TalIec61850Analysis::TrafficIndex const& index,
+                   PacketOptions const& options, std::size_t streams);
+
+/// Says on standard error how many frames are of no stream, though they are GOOSE or SV.
+void noteUnread(CommandRun const& run, TalIec61850Analysis::TrafficIndex const& index);
 
 }  // namespace TalIec61850Tools

@@ -7,9 +7,9 @@
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/output/Style.hpp"
 #include "tools/output/TextEscape.hpp"
-#include "tools/render/PacketJson.hpp"
+#include "tools/render/Cells.hpp"
+#include "tools/render/PacketLayout.hpp"
 #include "tools/render/PacketText.hpp"
-#include "tools/render/StreamFields.hpp"
 #include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
@@ -17,12 +17,12 @@ namespace TalIec61850Tools {
 namespace {
 
 std::string titleOf(ShownPacket const& packet) {
-    return fmt::format("{} {} {}@{}{}", toUtcText(packet.row.time),
-                       toText(packet.row.stream->protocol), escapeText(packet.row.file),
-                       packet.row.position,
-                       packet.row.place == Place::inside
-                           ? std::string()
-                           : fmt::format(" ({} the window)", toText(packet.row.place)));
+    return fmt::format(
+        "{} {} {}@{}{}", packet.record.time ? toUtcText(*packet.record.time) : "without a time",
+        toText(packet.protocol()), escapeText(packet.file),
+        packet.position.value_or(packet.record.frameOffset),
+        packet.place == Place::inside ? std::string()
+                                      : fmt::format(" ({} the window)", toText(packet.place)));
 }
 
 std::string recordLineOf(TalIec61850Analysis::CaptureRecord const& record) {

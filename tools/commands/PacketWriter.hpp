@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/commands/ShownPacketLayout.hpp"
+#include "tools/commands/ShownPacket.hpp"
 #include "tools/output/RowWriter.hpp"
 
 namespace TalIec61850Tools {

@@ -1,14 +1,19 @@
 #include "tools/commands/PacketsCommand.hpp"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
-#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
-#include "tools/options/SelectionOptions.hpp"
+#include "tools/options/StreamOptions.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/CaptureWriter.hpp"
+#include "tools/output/Plural.hpp"
+#include "tools/output/TextEscape.hpp"
 #include "tools/output/WrapText.hpp"
 
 namespace TalIec61850Tools {
@@ -18,15 +23,55 @@ namespace {
 std::string packetsNotes() {
     auto const fields = listFields(fieldNames(packetLayout(true)),
                                    {{"timeNs", "nanoseconds since 1970"},
-                                    {"position", "octets"},
-                                    {"place", "inside; with --context also before and after"}});
+                                    {"position", "of the PDU, in octets"},
+                                    {"asdu", "its number in the frame"},
+                                    {"timeAllowedToLive", "milliseconds"},
+                                    {"place", "inside; with --context also before and after"},
+                                    {"unreadable", "why a frame is of no stream"}});
     return paragraph(
                "Packets come in the order of their capture times, over all files; of one time, in "
-               "the order in which the files were given. FILE@POSITION is what `tal-iec61850 "
-               "show` takes.") +
+               "the order in which the files were given. A frame of several ASDUs is one row for "
+               "each. Frames that are GOOSE or SV by their EtherType but of no stream, as they "
+               "cannot be read, are rows too. A packet that two files have comes once. "
+               "FILE@POSITION is what `tal-iec61850 show` takes.") +
            "\n" + kTimeNotes + "\n" + paragraph(kCriteriaNotes) + "\n" +
-           paragraph("The fields of json and csv: " + fields +
-                     ". What follows protocol is the stream's, as `streams` lists it.");
+           paragraph("The fields of json and csv: " + fields + ".");
+}
+
+/// Writes a row for each wanted packet.
+ExitStatus listPackets(PacketOptions const& options) {
+    auto const layout = chooseColumns(packetLayout(options.withContext), options.common.columns);
+    CommandRun run(options.common);
+    WantedPackets packets(run, options, WantedPackets::Unit::packets);
+    auto writer = run.rowWriter(layout);
+    packets.visit([&](PacketRow const& row) { writer.write(row); });
+    writer.finish();
+    packets.noteIfNone();
+    run.writeSummary(packets.summary());
+    return run.finish();
+}
+
+/// Writes the frames of the wanted packets into a capture.
+ExitStatus writeCapture(PacketOptions const& options) {
+    if (!options.common.outputFile.empty() || !options.common.columns.empty() ||
+        options.common.format != Format::table) {
+        throw UsageError("-w writes a capture; -o, --format and --columns do not go with it");
+    }
+    CommonOptions common = options.common;
+    common.outputFile = options.captureFile == "-" ? "" : options.captureFile;
+    CommandRun run(common);
+    WantedPackets packets(run, options, WantedPackets::Unit::frames);
+    CaptureWriter writer(run.sink());
+    std::uint64_t others = 0;
+    packets.visit([&](PacketRow const& row) { others += writer.write(row.record()) ? 0 : 1; });
+    writer.finish();
+    packets.noteIfNone();
+    if (others != 0) {
+        run.complainOf(options.captureFile,
+                       fmt::format("{} left out, not of link type {} as the first",
+                                   plural(others, "frame"), *writer.linkType()));
+    }
+    return run.finish();
 }
 
 }  // namespace
@@ -37,34 +82,21 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
         program, "packets", "List the packets of streams in a window of time, across captures.");
     addCommonOptions(command, options->common);
     addPacketOptions(command, *options);
+    command.parser
+        ->add_option("-w,--write", options->captureFile,
+                     "Write the frames into FILE, a capture with nanoseconds, in place of rows")
+        ->option_text("FILE");
     command.notes = packetsNotes();
     command.examples = {"tal-iec61850 packets --gocbref '*gcbTrip' --from +10s --context bay1.pcap",
-                        "tal-iec61850 packets --svid MU01 --from 10:00:00 -f csv captures/"};
+                        "tal-iec61850 packets --svid MU01 --from 10:00:00 -f csv captures/",
+                        "tal-iec61850 packets --appid 4001 --from -5s -w last.pcap bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runPackets(*options); }; });
 }
 
 ExitStatus runPackets(PacketOptions const& options) {
     options.window.check();
-    auto const layout = chooseColumns(packetLayout(options.withContext), options.common.columns);
-    CommandRun run(options.common);
-    CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    PacketSelection selection = selectWanted(index, options);
-    limitPackets(selection, options.limit);
-    auto writer = run.rowWriter(layout);
-    ProgressBar bar = run.writingBar(selection.packets.size());
-    bar.startFile("writing", selection.packets.size());
-    for (SelectedPacket const& packet : selection.packets) {
-        bar.countOne();
-        writer.write(rowOf(packet, selection, run));
-    }
-    writer.finish();
-    bar.erase();
-    if (selection.packets.empty() && options.limit != 0) {
-        noteNoPackets(run, index, options, selection);
-    }
-    run.writeSummary(summaryOf(selection, run.captures().size()));
-    return run.finish();
+    return options.captureFile.empty() ? listPackets(options) : writeCapture(options);
 }
 
 }  // namespace TalIec61850Tools

@@ -3,23 +3,27 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <system_error>
 #include <utility>
 
-#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/PacketWriter.hpp"
-#include "tools/commands/ShownPackets.hpp"
+#include "tools/commands/ShownPacket.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/PacketLocator.hpp"
-#include "tools/options/SelectionOptions.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/WrapText.hpp"
+#include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
+
+using TalIec61850Analysis::CaptureFile;
+using TalIec61850Analysis::CaptureRecord;
 
 namespace {
 
@@ -33,9 +37,10 @@ std::string showNotes() {
                "faults; octets that make no value are shown as they are.") +
            "\n" +
            paragraph(
-               "FILE is either a packet by its place, FILE@POSITION as `tal-iec61850 packets` "
-               "lists it, or a file, a folder or -, of which the options select packets as they "
-               "do there; one kind or the other for all.") +
+               "FILE is either a packet by its place, FILE@POSITION: that of the PDU as "
+               "`tal-iec61850 packets` lists it, of the frame, of the record, or of any octet in "
+               "it; or a file, a folder or -, of which the options select packets as they do "
+               "there. It is one kind or the other for all.") +
            "\n" + kTimeNotes + "\n" +
            paragraph("The fields of json and csv: " + fields +
                      ". The last two hold the packet, one of them is null; csv has it as JSON in "
@@ -55,28 +60,109 @@ std::vector<PacketLocator> locatorsIn(std::vector<std::string> const& arguments)
     return locators;
 }
 
-/// Leaves only the packets that are named, and complains of names without a packet.
-void keepLocated(PacketSelection& selection, std::vector<PacketLocator> const& locators,
-                 CommandRun& run) {
-    using Spot = std::pair<std::size_t, std::uint64_t>;
-    std::map<Spot, PacketLocator> wanted;
-    for (auto const& locator : locators) {
-        if (auto const capture = run.captureCalled(locator.file)) {
-            wanted.emplace(Spot(*capture, locator.position), locator);
-        } else if (std::error_code ignored; std::filesystem::is_directory(locator.file, ignored)) {
-            run.complainOf(locator.file, "a folder holds no packets itself");
+/// Why there is no packet to show at a place.
+std::string whyNoPacket(std::optional<CaptureRecord> const& record, std::uint64_t position) {
+    if (!record) {
+        return fmt::format("no such packet at {}, see tal-iec61850 packets", position);
+    }
+    return fmt::format("the frame at {} is neither GOOSE nor SV", record->frameOffset);
+}
+
+/// Reads the packets that are named, by seeking; reports names without a packet.
+class LocatedPackets {
+public:
+    explicit LocatedPackets(CommandRun& run) : run_(run) {}
+
+    void find(PacketLocator const& locator) {
+        auto const capture = run_.captureCalled(locator.file);
+        if (!capture) {
+            if (std::error_code ignored; std::filesystem::is_directory(locator.file, ignored)) {
+                run_.complainOf(locator.file, "a folder holds no packets itself");
+            }
+            return;
+        }
+        try {
+            findIn(*capture, locator);
+        } catch (std::system_error const& error) {
+            run_.complainOf(locator.file, faultText(error.code()));
         }
     }
-    auto missing = wanted;
-    std::erase_if(selection.packets, [&](SelectedPacket const& packet) {
-        Spot const spot(packet.capture, packet.package->position);
-        missing.erase(spot);
-        return !wanted.contains(spot);
-    });
-    for (auto const& [spot, locator] : missing) {
-        run.complainOf(locator.file, fmt::format("no such packet at {}, see tal-iec61850 packets",
-                                                 locator.position));
+
+    /// In the order of their times, then of files and positions; each once.
+    [[nodiscard]] std::vector<ShownPacket> take() {
+        std::vector<ShownPacket> packets;
+        for (auto& [place, packet] : found_) {
+            packets.push_back(std::move(packet));
+        }
+        std::stable_sort(packets.begin(), packets.end(),
+                         [](ShownPacket const& a, ShownPacket const& b) {
+                             return a.record.time < b.record.time;
+                         });
+        return packets;
     }
+
+private:
+    void findIn(std::size_t capture, PacketLocator const& locator) {
+        CaptureSource const& source = run_.captures()[capture];
+        if (!open_ || openNumber_ != capture) {
+            open_.emplace(source.path);
+            openNumber_ = capture;
+        }
+        auto const record = open_->recordAt(locator.position);
+        auto shown =
+            record ? showFrame({*record, open_->frameOf(*record)}, source.name) : std::nullopt;
+        if (shown) {
+            found_.try_emplace({capture, record->fileOffset}, std::move(*shown));
+        } else {
+            run_.complainOf(locator.file, whyNoPacket(record, locator.position));
+        }
+    }
+
+    CommandRun& run_;
+    std::optional<CaptureFile> open_;
+    std::size_t openNumber_ = 0;
+    std::map<std::pair<std::size_t, std::uint64_t>, ShownPacket> found_;
+};
+
+/// Shows the packets that are named.
+ExitStatus showLocated(PacketOptions const& options, std::vector<PacketLocator> const& locators) {
+    if (options.areSelecting()) {
+        throw UsageError(
+            "FILE@POSITION is a packet already; options that select do not go with it");
+    }
+    CommonOptions common = options.common;
+    common.files.clear();
+    for (auto const& locator : locators) {
+        common.files.push_back(locator.file);
+    }
+    CommandRun run(common);
+    PacketWriter writer(run, common.format, common.columns);
+    LocatedPackets packets(run);
+    for (auto const& locator : locators) {
+        packets.find(locator);
+    }
+    for (ShownPacket const& packet : packets.take()) {
+        writer.write(packet);
+    }
+    writer.finish();
+    return run.finish();
+}
+
+/// Shows the packets that the options select.
+ExitStatus showSelected(PacketOptions const& options) {
+    CommandRun run(options.common);
+    PacketWriter writer(run, options.common.format, options.common.columns);
+    WantedPackets packets(run, options, WantedPackets::Unit::frames);
+    packets.visit([&](PacketRow const& row) {
+        if (auto shown = showFrame(row.record(), row.file())) {
+            shown->place = row.packet().place;
+            writer.write(*shown);
+        }
+    });
+    writer.finish();
+    packets.noteIfNone();
+    run.writeSummary(packets.summary());
+    return run.finish();
 }
 
 }  // namespace
@@ -89,9 +175,10 @@ void addShowCommand(ProgramDefinition& program, Action& chosen) {
                      "input");
     addPacketOptions(command, *options);
     command.notes = showNotes();
-    command.examples = {"tal-iec61850 show bay1.pcap@4711",
-                        "tal-iec61850 show --gocbref '*gcbTrip' --from +10s --to +10.5s bay1.pcap",
-                        "tal-iec61850 show --format json --svid MU01 bay1.pcap | jq .sv.asdus"};
+    command.examples = {
+        "tal-iec61850 show bay1.pcap@4711",
+        "tal-iec61850 show --gocbref '*gcbTrip' --around 10:00:00.28 --span 500ms bay1.pcap",
+        "tal-iec61850 show --format json --svid MU01 bay1.pcap | jq .sv.asdus"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runShow(*options); }; });
 }
@@ -99,39 +186,7 @@ void addShowCommand(ProgramDefinition& program, Action& chosen) {
 ExitStatus runShow(PacketOptions const& options) {
     options.window.check();
     auto const locators = locatorsIn(options.common.files);
-    CommonOptions common = options.common;
-    if (!locators.empty()) {
-        common.files.clear();
-        for (auto const& locator : locators) {
-            common.files.push_back(locator.file);
-        }
-    }
-    CommandRun run(common);
-    PacketWriter writer(run, common.format, common.columns);
-    CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    PacketSelection selection = selectWanted(index, options);
-    if (!locators.empty()) {
-        keepLocated(selection, locators, run);
-    }
-    limitPackets(selection, options.limit);
-    ProgressBar bar = run.writingBar(selection.packets.size());
-    bar.startFile("writing", selection.packets.size());
-    ShownPackets packets(run, selection, bar);
-    for (SelectedPacket const& packet : selection.packets) {
-        bar.countOne();
-        if (auto const shown = packets.read(packet)) {
-            writer.write(*shown);
-        }
-    }
-    writer.finish();
-    bar.erase();
-    if (locators.empty() && selection.packets.empty() && options.limit != 0) {
-        noteNoPackets(run, index, options, selection);
-    }
-    if (locators.empty()) {
-        run.writeSummary(summaryOf(selection, run.captures().size()));
-    }
-    return run.finish();
+    return locators.empty() ? showSelected(options) : showLocated(options, locators);
 }
 
 }  // namespace TalIec61850Tools

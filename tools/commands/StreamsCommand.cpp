@@ -7,10 +7,12 @@
 #include <memory>
 
 #include "tools/commands/CommandRun.hpp"
+#include "tools/commands/IndexTraffic.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
-#include "tools/options/SelectionOptions.hpp"
+#include "tools/options/JobsOption.hpp"
+#include "tools/options/StreamOptions.hpp"
 #include "tools/output/Plural.hpp"
 #include "tools/output/WrapText.hpp"
 #include "tools/render/StreamLayout.hpp"
@@ -21,16 +23,17 @@ namespace TalIec61850Tools {
 namespace {
 
 constexpr char const* kStreamsNotes = R"(What the columns mean:
-  Identity     SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0
-               (bit 0 of the second octet of Reserved 1), CONFREV,
-               SIM-ELEM and the names tell streams apart.
-  HSR          GOOSE streams are not told apart by HSR lane: what is
-               shown is that of the stream's first packet. So is the PRP
-               network (prpLane) of any stream.
-  SIM-ELEM     GOOSE: whether frames carry the simulation element, be it
-               true or false.
-  FIRST, LAST  Capture times, UTC. PACKETS/S is the mean rate between
-               them.
+  Identity     Source, destination, VLAN tags, APPID, and the gocbRef, or
+               the svID of each ASDU, tell streams apart; HSR lane and
+               PRP LAN do not.
+  SIM          yes where any packet says that it is simulated.
+  NOMINAL/S    SV: samples a second by smpRate and smpMod, else by where
+               smpCnt begins again.
+  PACKETS      What was published: a copy over the other lane or LAN is
+               counted in COPIES alone. A/B: all over A, all over B.
+  PACKETS/S    Mean rate of PACKETS between FIRST and LAST, capture
+               times, UTC.
+  CONFREV, DATSET, GOID, ASDUS (in a frame) are those of the last packet.
 
 )";
 
@@ -58,46 +61,34 @@ std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) 
                        span);
 }
 
-/// What the command takes, whatever it is called.
-void defineStreams(CommandDefinition& command, Action& chosen) {
-    auto const options = std::make_shared<StreamsOptions>();
-    CLI::App& parser = *command.parser;
-    addCommonOptions(command, options->common);
-    CLI::Option& sort = *parser.add_option(
-        "--sort", options->order.key,
-        fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys(), ", ")));
-    sort.option_text("KEY");
-    allowOnly(command, sort, streamOrderKeys());
-    parser.add_flag("-r,--reverse", options->order.isReversed, "The other way round");
-    addCriteriaOptions(command, options->criteria);
-    command.notes = streamsNotes();
-    parser.callback([options, &chosen] { chosen = [options] { return runStreams(*options); }; });
-}
-
 }  // namespace
 
 void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
     CommandDefinition& command =
         addCommand(program, "streams", "List the GOOSE and SV streams of captures.");
-    defineStreams(command, chosen);
+    auto const options = std::make_shared<StreamsOptions>();
+    addCommonOptions(command, options->common);
+    addJobsOption(command, options->common.jobs);
+    CLI::Option& sort = *command.parser->add_option(
+        "--sort", options->order.key,
+        fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys<StreamRow>(), ", ")));
+    sort.option_text("KEY");
+    allowOnly(command, sort, streamOrderKeys<StreamRow>());
+    command.parser->add_flag("-r,--reverse", options->order.isReversed, "The other way round");
+    addWireOptions(command, options->criteria);
+    command.notes = streamsNotes();
     command.examples = {"tal-iec61850 streams --format json bay1.pcap bay2.pcap",
                         "tal-iec61850 streams --protocol sv --sort packets --reverse captures/"};
-}
-
-void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition const& group,
-                              Action& chosen) {
-    CommandDefinition& command =
-        addCommand(program, group, "streams", "List the streams of the library's index.");
-    defineStreams(command, chosen);
-    command.examples = {"tal-iec61850 library streams --format json bay1.pcap bay2.pcap"};
+    command.parser->callback(
+        [options, &chosen] { chosen = [options] { return runStreams(*options); }; });
 }
 
 ExitStatus runStreams(StreamsOptions const& options) {
     auto const layout = chooseColumns(streamLayout(), options.common.columns);
     CommandRun run(options.common);
-    CaptureIndex const index = run.index(toIndexFilter(options.criteria));
-    std::vector<StreamRow> rows = collectRows(index.db);
-    std::erase_if(rows, [&](StreamRow const& row) { return !options.criteria.admit(row); });
+    auto const index = indexTraffic(run, options.criteria, options.common.jobs);
+    reportFaults(run, index);
+    std::vector<StreamRow> rows = collectRows(index, options.criteria);
     sortRows(rows, options.order);
     auto writer = run.rowWriter(layout);
     for (StreamRow const& row : rows) {
@@ -105,7 +96,9 @@ ExitStatus runStreams(StreamsOptions const& options) {
     }
     writer.finish();
     if (rows.empty()) {
-        noteNoStreams(run, options.criteria);
+        noteNoStreams(run, index, options.criteria, options.common.jobs);
+    } else {
+        noteUnread(run, index);
     }
     run.writeSummary(summaryOf(rows, run.captures().size()));
     return run.finish();

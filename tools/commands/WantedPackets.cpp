@@ -2,54 +2,116 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <vector>
+#include <system_error>
+#include <utility>
 
+#include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NothingFoundNote.hpp"
 #include "tools/output/Plural.hpp"
+#include "tools/render/CaptureText.hpp"
 
 namespace TalIec61850Tools {
 
-PacketSelection selectWanted(CaptureIndex const& index, PacketOptions const& options) {
-    CaptureTime const begin = index.begin.value_or(CaptureTime());
-    CaptureSpan const captures{.begin = begin, .end = index.end.value_or(begin)};
-    PacketWish const wish{.criteria = options.criteria,
-                          .window = options.window.resolve(captures),
-                          .withContext = options.withContext};
-    return selectPackets(index.db, index.numbers, wish);
+using TalIec61850Analysis::FrameHeader;
+using TalIec61850Analysis::RecordView;
+
+WantedPackets::WantedPackets(CommandRun& run, PacketOptions const& options, Unit unit)
+    : run_(run),
+      options_(options),
+      unit_(unit),
+      index_(indexTraffic(run, options.criteria, options.common.jobs)),
+      frames_(pathsOf(run)),
+      selection_(index_, wish(), [this](std::uint32_t file, std::uint64_t frameOffset) {
+          return headerOf(file, frameOffset);
+      }) {
+    reportFaults(run, index_);
 }
 
-void limitPackets(PacketSelection& selection, std::optional<std::uint64_t> limit) {
-    if (limit && *limit < selection.packets.size()) {
-        selection.beyondLimit = selection.packets.size() - *limit;
-        selection.packets.resize(static_cast<std::size_t>(*limit));
+PacketWish WantedPackets::wish() const {
+    return {.criteria = options_.criteria,
+            .window = options_.window.resolve(spanOf(index_)),
+            .withContext = options_.withContext};
+}
+
+FrameHeader WantedPackets::headerOf(std::uint32_t file, std::uint64_t frameOffset) {
+    try {
+        RecordView const& view = frames_.read(file, frameOffset);
+        return TalIec61850Analysis::readFrameHeader(
+            view.frame,
+            {.linkType = view.record.linkType, .originalSize = view.record.originalSize});
+    } catch (std::system_error const&) {
+        return {};  // reported when its packets are read
     }
 }
 
-PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
-                CommandRun const& run) {
-    return {.stream = &selection.streams[packet.stream],
-            .time = toCaptureTime(packet.package->time),
-            .file = run.captures()[packet.capture].name,
-            .position = packet.package->position,
-            .place = packet.place};
+std::optional<SelectedPacket> WantedPackets::nextWanted() {
+    auto packet = selection_.next();
+    while (packet && unit_ == Unit::frames &&
+           lastFrame_ == std::pair(packet->file, packet->frameOffset())) {
+        packet = selection_.next();
+    }
+    if (packet) {
+        lastFrame_ = {packet->file, packet->frameOffset()};
+    }
+    return packet;
 }
 
-std::string summaryOf(PacketSelection const& selection, std::size_t captures) {
-    std::vector<bool> isListed(selection.streams.size());
-    for (SelectedPacket const& packet : selection.packets) {
-        isListed[packet.stream] = true;
+std::uint64_t WantedPackets::countAll() {
+    std::uint64_t all = 0;
+    while (nextWanted()) {
+        ++all;
     }
-    auto const streams = std::count(isListed.begin(), isListed.end(), true);
-    std::string const unplaced = selection.unplaced == 0
-                                     ? std::string()
-                                     : fmt::format("; {} without a place in its file left out",
-                                                   plural(selection.unplaced, "packet"));
-    std::string const more = selection.beyondLimit == 0
-                                 ? std::string()
-                                 : fmt::format("; {} more not listed", selection.beyondLimit);
-    return fmt::format("{} of {} in {}{}{}", plural(selection.packets.size(), "packet"),
-                       plural(static_cast<std::uint64_t>(streams), "stream"),
-                       plural(captures, "file"), unplaced, more);
+    selection_.rewind();
+    lastFrame_.reset();
+    return all;
+}
+
+void WantedPackets::visit(std::function<void(PacketRow const&)> const& take) {
+    std::uint64_t const all = run_.isWritingShown() ? countAll() : 0;
+    ProgressBar bar = run_.writingBar(all);
+    bar.startFile("writing", all);
+    while (auto const packet = nextWanted()) {
+        if (options_.limit && count_ >= *options_.limit) {
+            ++beyondLimit_;
+            continue;
+        }
+        bar.countOne();
+        if (lost_.contains(packet->file)) {
+            continue;
+        }
+        try {
+            take(PacketRow(*packet, run_.captures()[packet->file].name, frames_));
+        } catch (OutputError const&) {
+            throw;
+        } catch (std::system_error const& error) {
+            lose(packet->file, error.code(), bar);
+            continue;
+        }
+        ++count_;
+        if (packet->stream != nullptr) {
+            streams_.insert(packet->stream);
+        }
+    }
+}
+
+void WantedPackets::lose(std::uint32_t file, std::error_code const& error, ProgressBar& bar) {
+    lost_.insert(file);
+    bar.erase();
+    run_.complainOf(run_.captures()[file].name, faultText(error));
+}
+
+void WantedPackets::noteIfNone() const {
+    if (count_ == 0 && options_.limit != 0 && lost_.empty()) {
+        noteNoPackets(run_, index_, options_, selection_.streamCount());
+    }
+}
+
+std::string WantedPackets::summary() const {
+    std::string const more =
+        beyondLimit_ == 0 ? std::string() : fmt::format("; {} more not listed", beyondLimit_);
+    return fmt::format(
+        "{} of {} in {}{}", plural(count_, unit_ == Unit::frames ? "frame" : "packet"),
+        plural(streams_.size(), "stream"), plural(run_.captures().size(), "file"), more);
 }
 
 }  // namespace TalIec61850Tools

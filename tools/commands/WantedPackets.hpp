@@ -1,9 +1,11 @@
 #pragma once
 
-#include <cstddef>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstdint>
-#include <optional>
+#include <functional>
+#include <set>
 #include <string>
+#include <unordered_set>
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/options/PacketOptions.hpp"
@@ -11,23 +13,53 @@
 
 namespace TalIec61850Tools {
 
-// The packets that PacketOptions select, for the commands that list and show them.
+/// The packets that PacketOptions select, for the commands that list and show them.
+class WantedPackets {
+public:
+    /// What is counted and limited.
+    enum class Unit {
+        packets,
+        frames,  ///< each once, whatever ASDUs of it are wanted
+    };
 
-/// Selects what the options ask for.
-/// @param index  must outlive the selection
-[[nodiscard]] PacketSelection selectWanted(CaptureIndex const& index, PacketOptions const& options);
+    /// Indexes the captures of the run, and reports what is wrong with them.
+    /// @param run, options  must outlive this
+    WantedPackets(CommandRun& run, PacketOptions const& options, Unit unit);
 
-/// Leaves the first packets alone, where only so many are wanted.
-void limitPackets(PacketSelection& selection, std::optional<std::uint64_t> limit);
+    /// Gives packet after packet, in the order of PacketSelection, up to the limit. A capture that
+    /// cannot be read again is reported once, and its packets are left out from there on.
+    /// @param take  may throw std::system_error, which is of the capture then; and OutputError
+    void visit(std::function<void(PacketRow const&)> const& take);
 
-/// The row of a selected packet.
-/// @param packet     one of the selection
-/// @param selection  must outlive the row, as the run must
-[[nodiscard]] PacketRow rowOf(SelectedPacket const& packet, PacketSelection const& selection,
-                              CommandRun const& run);
+    /// To be called after `visit`: says what there is where there was no packet.
+    void noteIfNone() const;
 
-/// The last line for people: how many packets, of how many streams.
-/// @param captures  how many captures were read
-[[nodiscard]] std::string summaryOf(PacketSelection const& selection, std::size_t captures);
+    /// The last line for people, after `visit`: how many packets, of how many streams.
+    [[nodiscard]] std::string summary() const;
+
+    /// How many were given.
+    [[nodiscard]] std::uint64_t count() const { return count_; }
+
+private:
+    [[nodiscard]] PacketWish wish() const;
+    [[nodiscard]] TalIec61850Analysis::FrameHeader headerOf(std::uint32_t file,
+                                                            std::uint64_t frameOffset);
+    [[nodiscard]] std::optional<SelectedPacket> nextWanted();
+    [[nodiscard]] std::uint64_t countAll();
+    void lose(std::uint32_t file, std::error_code const& error, ProgressBar& bar);
+
+    CommandRun& run_;
+    PacketOptions const& options_;
+    Unit unit_;
+    TalIec61850Analysis::TrafficIndex index_;
+    FrameReader frames_;
+    /// Captures that cannot be read again.
+    std::set<std::uint32_t> lost_;
+    PacketSelection selection_;
+    std::optional<std::pair<std::uint32_t, std::uint64_t>> lastFrame_;
+    std::uint64_t count_ = 0;
+    std::uint64_t beyondLimit_ = 0;
+    std::unordered_set<TalIec61850Analysis::TrafficStream const*> streams_;
+};
 
 }  // namespace TalIec61850Tools

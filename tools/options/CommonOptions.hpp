@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,8 @@ struct CommonOptions {
     std::vector<std::string> columns;
     /// Tables on a terminal as wide as their cells.
     bool wide = false;
+    /// How many files are read at a time; 0 for as many as the machine has cores.
+    std::size_t jobs = 0;
     /// auto, always or never
     std::string colour = "auto";
 };

@@ -5,6 +5,9 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 
+#include "tools/options/JobsOption.hpp"
+#include "tools/options/StreamOptions.hpp"
+
 namespace TalIec61850Tools {
 
 namespace {
@@ -22,6 +25,7 @@ std::uint64_t toCount(std::string const& option, std::string const& text) {
 }  // namespace
 
 void addPacketOptions(CommandDefinition& command, PacketOptions& options) {
+    addJobsOption(command, options.common.jobs);
     addWindowOptions(command, options.window);
     command.parser
         ->add_flag("-c,--context", options.withContext,
@@ -35,7 +39,8 @@ void addPacketOptions(CommandDefinition& command, PacketOptions& options) {
             "Write the first N packets at most")
         ->option_text("N")
         ->group(kWindowGroup);
-    addCriteriaOptions(command, options.criteria);
+    addWireOptions(command, options.criteria);
+    addCounterOptions(command, options.criteria);
 }
 
 }  // namespace TalIec61850Tools

@@ -7,14 +7,6 @@
 
 namespace TalIec61850Tools {
 
-/// From when to when there are records.
-struct CaptureSpan {
-    /// The earliest first record of all captures.
-    CaptureTime begin;
-    /// The latest record.
-    CaptureTime end;
-};
-
 /// What a time is counted from.
 enum class TimeOrigin {
     epoch,  ///< 1970, UTC

@@ -47,8 +47,8 @@ public:
     [[nodiscard]] std::string_view lineOf(Row const& row) {
         line_.clear();
         for (Run& run : runs_) {
-            if (run.sharedBy != nullptr) {
-                line_ += sharedText(run, row);
+            if (void const* const object = run.sharedBy != nullptr ? run.sharedBy(row) : nullptr) {
+                line_ += sharedText(run, object, row);
             } else {
                 appendPieces(line_, run, row);
             }
@@ -90,8 +90,9 @@ private:
         }
     }
 
-    [[nodiscard]] std::string const& sharedText(Run& run, Row const& row) const {
-        auto const [known, isNew] = run.known.try_emplace(run.sharedBy(row));
+    [[nodiscard]] std::string const& sharedText(Run& run, void const* object,
+                                                Row const& row) const {
+        auto const [known, isNew] = run.known.try_emplace(object);
         if (isNew) {
             appendPieces(known->second, run, row);
         }

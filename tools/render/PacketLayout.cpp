@@ -2,34 +2,185 @@
 
 #include <fmt/format.h>
 
+#include <TalIec61850Analysis/packet/GooseView.hpp>
+#include <variant>
+
 #include "tools/render/Cells.hpp"
-#include "tools/render/StreamFields.hpp"
-#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 
+using namespace TalIec61850Analysis;
+
 namespace {
 
-// The place is the last one, so that it can be left out.
-std::vector<Column<PacketRow>> packetColumns(std::vector<Field<PacketRow>> const& fields) {
-    using Row = PacketRow const&;
-    auto const column = [&](std::string_view field, Heading heading) {
-        return columnOf(fields, field, std::move(heading));
-    };
+using Row = PacketRow const&;
+
+FrameOrigin originOf(CaptureRecord const& record) {
+    return {.linkType = record.linkType, .originalSize = record.originalSize};
+}
+
+bool isOf(Row row, Protocol protocol) { return !row.isUnread() && row.protocol() == protocol; }
+
+Cell positionCell(Row row) {
+    return row.isUnread()
+               ? Cell()
+               : Cell(row.packet().frameOffset() + row.columns().pduOffsets()[row.packet().packet]);
+}
+
+Cell sourceCell(Row row) {
+    return addressCell(row.isUnread() ? row.header().source : row.key()->source);
+}
+
+Cell destinationCell(Row row) {
+    return addressCell(row.isUnread() ? row.header().destination : row.key()->destination);
+}
+
+Cell vlanCell(Row row) {
+    if (row.isUnread()) {
+        auto const tag = row.header().vlanTags.innermost();
+        return tag ? Cell(tag->id) : Cell();
+    }
+    return row.key()->vlans.empty() ? Cell() : Cell(row.key()->vlans.back().id);
+}
+
+Cell appIdOf(Row row) {
+    return appIdCell(row.isUnread() ? row.header().appId : std::optional(row.key()->appId));
+}
+
+Cell nameOf(Row row, Protocol protocol) {
+    return isOf(row, protocol) ? Cell(std::string_view(row.key()->name)) : Cell();
+}
+
+/// stNum or smpCnt.
+Cell firstCounterCell(Row row, Protocol protocol) {
+    auto const number =
+        isOf(row, protocol) ? row.columns().firstCounter(row.packet().packet) : std::nullopt;
+    return number ? numberCell(*number) : Cell();
+}
+
+/// sqNum or smpSynch.
+Cell secondCounterCell(Row row, Protocol protocol) {
+    auto const number =
+        isOf(row, protocol) ? row.columns().secondCounter(row.packet().packet) : std::nullopt;
+    return number ? numberCell(*number) : Cell();
+}
+
+Cell asduCell(Row row) {
+    return isOf(row, Protocol::sv) ? Cell(row.columns().asdus()[row.packet().packet] + 1U) : Cell();
+}
+
+Cell timeAllowedCell(Row row) {
+    if (!isOf(row, Protocol::goose)) {
+        return {};
+    }
+    RecordView const& view = row.record();
+    auto const time = viewGoose(view.frame, row.columns().pduOffsets()[row.packet().packet],
+                                originOf(view.record))
+                          .timeAllowedtoLive;
+    if (!time) {
+        return {};
+    }
+    if (auto const* const number = std::get_if<std::int64_t>(&*time)) {
+        return *number;
+    }
+    auto const* const octets = std::get_if<Octets>(&*time);
+    return octets != nullptr ? numberCell(ReadableView<std::uint64_t>(*octets))
+                             : Cell(std::get<std::uint64_t>(*time));
+}
+
+PacketFlags flagsOf(Row row) {
+    return row.isUnread() ? PacketFlags() : row.columns().flags()[row.packet().packet];
+}
+
+Cell simulatedCell(Row row) {
+    return row.isUnread() ? Cell() : Cell(isSimulated(flagsOf(row), *row.packet().attributes));
+}
+
+std::string_view laneText(char lane) { return lane == 'A' ? "A" : "B"; }
+
+Cell laneCell(Row row, std::optional<Redundancy> redundancy) {
+    PacketFlags const flags = flagsOf(row);
+    bool const isAsked =
+        flags.redundancy() != Redundancy::none && (!redundancy || flags.redundancy() == redundancy);
+    return isAsked ? Cell(laneText(flags.lane())) : Cell();
+}
+
+Cell sequenceCell(Row row) {
+    return flagsOf(row).redundancy() == Redundancy::none
+               ? Cell()
+               : Cell(row.columns().redundancySequences()[row.packet().packet]);
+}
+
+Cell reasonCell(Row row) {
+    return row.isUnread() ? Cell(toText(row.packet().unread->reason)) : Cell();
+}
+
+/// An object of which the fields of a stream alone depend.
+void const* streamOf(Row row) { return row.packet().stream; }
+
+std::vector<Field<PacketRow>> fieldsOfPackets() {
     return {
-        column("time", {"TIME", Align::left, fitTime(0)}),
-        column("protocol", {"PROTO", Align::left, {.rank = 1}}),
-        column("source", {"SOURCE", Align::left, {.rank = 6}}),
-        column("appId", {"APPID", Align::right, {.rank = 4}}),
-        {{"SVID/GOCBREF", Align::left, fitName(3, 14)},
-         [](Row r) { return streamNameCell(*r.stream); }},
-        {{"FILE@POSITION", Align::left, fitFile(5)},
-         [](Row r) -> Cell { return fmt::format("{}@{}", r.file, r.position); }},
-        column("place", {"PLACE", Align::left, {.rank = 2}}),
+        {"time", [](Row r) { return timeCell(r.packet().time()); }},
+        {"timeNs", [](Row r) { return timeNsCell(r.packet().time()); }},
+        {"file", [](Row r) -> Cell { return r.file(); }},
+        {"position", positionCell},
+        {"framePosition", [](Row r) -> Cell { return r.packet().frameOffset(); }},
+        {"recordPosition", [](Row r) -> Cell { return r.record().record.fileOffset; }},
+        {"protocol", [](Row r) -> Cell { return toText(r.protocol()); }, streamOf},
+        {"source", sourceCell, streamOf},
+        {"destination", destinationCell, streamOf},
+        {"vlanId", vlanCell, streamOf},
+        {"appId", appIdOf, streamOf},
+        {"svID", [](Row r) { return nameOf(r, Protocol::sv); }, streamOf},
+        {"gocbRef", [](Row r) { return nameOf(r, Protocol::goose); }, streamOf},
+        {"asdu", asduCell},
+        {"stNum", [](Row r) { return firstCounterCell(r, Protocol::goose); }},
+        {"sqNum", [](Row r) { return secondCounterCell(r, Protocol::goose); }},
+        {"timeAllowedToLive", timeAllowedCell},
+        {"simulated", simulatedCell},
+        {"smpCnt", [](Row r) { return firstCounterCell(r, Protocol::sv); }},
+        {"smpSynch", [](Row r) { return secondCounterCell(r, Protocol::sv); }},
+        {"hsrLane", [](Row r) { return laneCell(r, Redundancy::hsr); }},
+        {"prpLane", [](Row r) { return laneCell(r, Redundancy::prp); }},
+        {"redundancySequence", sequenceCell},
+        {"capturedOctets", [](Row r) -> Cell { return r.record().record.capturedSize; }},
+        {"wireOctets", [](Row r) -> Cell { return r.record().record.originalSize; }},
+        {"place", [](Row r) -> Cell { return toText(r.packet().place); }},
+        {"unreadable", reasonCell},
     };
 }
 
+Cell locatorCell(Row row) {
+    std::uint64_t const offset = row.packet().frameOffset();
+    std::uint64_t const pdu = row.isUnread() ? 0 : row.columns().pduOffsets()[row.packet().packet];
+    return fmt::format("{}@{}", row.file(), offset + pdu);
+}
+
+Cell anyNameCell(Row row) {
+    return row.isUnread() ? Cell() : Cell(std::string_view(row.key()->name));
+}
+
+Cell simulatedMark(Row row) {
+    return !row.isUnread() && isSimulated(flagsOf(row), *row.packet().attributes)
+               ? Cell(std::string_view("yes"))
+               : Cell();
+}
+
 }  // namespace
+
+RecordView const& PacketRow::record() const {
+    if (record_ == nullptr) {
+        record_ = &frames_.read(packet_.file, packet_.frameOffset());
+    }
+    return *record_;
+}
+
+FrameHeader const& PacketRow::header() const {
+    if (!header_) {
+        header_ = readFrameHeader(record().frame, originOf(record().record));
+    }
+    return *header_;
+}
 
 std::string_view toText(Place place) {
     switch (place) {
@@ -42,23 +193,49 @@ std::string_view toText(Place place) {
     }
 }
 
-std::vector<Field<PacketRow>> packetFields() {
-    return {{"time", [](PacketRow const& r) -> Cell { return toUtcCell(r.time); }},
-            {"timeNs", [](PacketRow const& r) -> Cell { return nanosecondsSince1970(r.time); }},
-            {"file", [](PacketRow const& r) -> Cell { return r.file; }},
-            {"position", [](PacketRow const& r) -> Cell { return r.position; }},
-            {"place", [](PacketRow const& r) -> Cell { return toText(r.place); }}};
+std::string_view toText(UnreadReason reason) {
+    switch (reason) {
+        case UnreadReason::headerCut:
+            return "headerCut";
+        case UnreadReason::cut:
+            return "cut";
+        case UnreadReason::noPdu:
+            return "noPdu";
+        case UnreadReason::pduPastFrame:
+            return "pduPastFrame";
+        case UnreadReason::noName:
+            return "noName";
+        default:
+            return "noAsdu";
+    }
 }
 
 RowLayout<PacketRow> packetLayout(bool withPlace) {
-    RowLayout<PacketRow> layout{.fields = packetFields(), .columns = {}};
-    appendFields<PacketRow, StreamIdentity>(
-        layout.fields, streamFields(),
-        [](PacketRow const& r) -> StreamIdentity const& { return *r.stream; },
-        [](PacketRow const& r) -> void const* { return r.stream; });
-    layout.columns = packetColumns(layout.fields);
-    if (!withPlace) {
-        layout.columns.pop_back();
+    RowLayout<PacketRow> layout{.fields = fieldsOfPackets(), .columns = {}};
+    auto const column = [&](std::string_view field, Heading heading) {
+        return columnOf(layout.fields, field, std::move(heading));
+    };
+    layout.columns = {
+        column("time", {"TIME", Align::left, fitTime(0)}),
+        column("protocol", {"PROTO", Align::left, {.rank = 1}}),
+        {{"SVID/GOCBREF", Align::left, fitName(2, 14)}, anyNameCell},
+        column("asdu", {"ASDU", Align::right, {.rank = 11}}),
+        column("stNum", {"STNUM", Align::right, {.rank = 3}}),
+        column("sqNum", {"SQNUM", Align::right, {.rank = 4}}),
+        column("timeAllowedToLive", {"TAL", Align::right, {.rank = 13}}),
+        column("smpCnt", {"SMPCNT", Align::right, {.rank = 5}}),
+        column("smpSynch", {"SYNCH", Align::right, {.rank = 9}}),
+        {{"SIM", Align::left, {.rank = 8}}, simulatedMark, "simulated"},
+        {{"LAN", Align::left, {.rank = 7}}, [](Row r) { return laneCell(r, std::nullopt); }},
+        column("redundancySequence", {"SEQ", Align::right, {.rank = 12}}),
+        column("appId", {"APPID", Align::right, {.rank = 10}}),
+        column("source", {"SOURCE", Align::left, {.rank = 14}}),
+        column("capturedOctets", {"OCTETS", Align::right, {.rank = 15}}),
+        column("unreadable", {"UNREADABLE", Align::left, {.rank = 6}}),
+        {{"FILE@POSITION", Align::left, fitFile(6)}, locatorCell},
+    };
+    if (withPlace) {
+        layout.columns.push_back(column("place", {"PLACE", Align::left, {.rank = 2}}));
     }
     return layout;
 }

@@ -8,7 +8,6 @@
 #include <cstddef>
 
 #include "tools/render/UtcText.hpp"
-#include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
 
@@ -31,11 +30,6 @@ std::string toHex(OctetString const& octets) {
         text += kDigits[octet & 0x0FU];
     }
     return text;
-}
-
-std::string toText(MacAddress const& address) {
-    return fmt::format("{:02x}:{:02x}:{:02x}:{:02x}:{:02x}:{:02x}", address[0], address[1],
-                       address[2], address[3], address[4], address[5]);
 }
 
 std::string toText(BitString const& bits) {
@@ -126,7 +120,7 @@ std::string_view smpModText(std::uint64_t smpMod) {
 }
 
 std::string toIsoText(UtcTime const& time) {
-    return toUtcText(toCaptureTime({time.seconds, time.nanoseconds()}));
+    return toUtcText(TalIec61850Analysis::makeCaptureTime(time.seconds, time.nanoseconds()));
 }
 
 std::string toIsoText(BinaryTime const& time) {

@@ -3,7 +3,6 @@
 #include <TalIec61850Analysis/packet/BinaryTime.hpp>
 #include <TalIec61850Analysis/packet/BitString.hpp>
 #include <TalIec61850Analysis/packet/DataKind.hpp>
-#include <TalIec61850Analysis/packet/FrameHeader.hpp>
 #include <TalIec61850Analysis/packet/ObjectId.hpp>
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>
@@ -11,21 +10,19 @@
 #include <string>
 #include <string_view>
 
+#include "tools/render/AddressText.hpp"
+
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::BinaryTime;
 using TalIec61850Analysis::BitString;
 using TalIec61850Analysis::DataKind;
-using TalIec61850Analysis::MacAddress;
 using TalIec61850Analysis::ObjectId;
 using TalIec61850Analysis::OctetString;
 using TalIec61850Analysis::UtcTime;
 
 /// Lower-case hexadecimal digits, two for each octet, nothing between them.
 [[nodiscard]] std::string toHex(OctetString const& octets);
-
-/// 01:0c:cd:01:00:01
-[[nodiscard]] std::string toText(MacAddress const& address);
 
 /// The bits as 0 and 1.
 [[nodiscard]] std::string toText(BitString const& bits);

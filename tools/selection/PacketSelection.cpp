@@ -2,119 +2,187 @@
 
 #include <algorithm>
 #include <tuple>
-#include <utility>
-
-#include "tools/selection/CaptureTime.hpp"
-#include "tools/selection/PlacedPackets.hpp"
 
 namespace TalIec61850Tools {
 
-using TalIec61850Parser::Db;
-using TalIec61850Parser::Package;
-using TalIec61850Parser::PackageFile;
-using TalIec61850Parser::PackageFileSet;
+using namespace TalIec61850Analysis;
 
 namespace {
 
-struct AdmittedStream {
-    StreamIdentity identity;
-    PackageFileSet const* files = nullptr;
-};
-
-std::vector<AdmittedStream> admittedStreams(Db const& db, StreamCriteria const& criteria) {
-    std::vector<AdmittedStream> streams;
-    auto const add = [&](auto const& stream) {
-        StreamIdentity identity = identityOf(stream);
-        if (criteria.admit(identity)) {
-            streams.push_back({.identity = std::move(identity), .files = &stream.files});
-        }
-    };
-    std::for_each(db.gooseProto.streams.begin(), db.gooseProto.streams.end(), add);
-    std::for_each(db.svProto.streams.begin(), db.svProto.streams.end(), add);
-    std::stable_sort(streams.begin(), streams.end(), [](auto const& a, auto const& b) {
-        return comesBefore(a.identity, b.identity);
-    });
-    return streams;
+bool isWithin(TimeWindow const& window, CaptureTime time) {
+    return (!window.from || *window.from <= time) && (!window.to || time <= *window.to);
 }
 
-bool isEarlier(Package const& a, Package const& b) {
-    return std::pair(toCaptureTime(a.time), a.position) <
-           std::pair(toCaptureTime(b.time), b.position);
+/// Times first, then the order of the files and in them.
+auto orderOf(SelectedPacket const& packet) {
+    return std::tuple(packet.time(), packet.file, packet.frameOffset());
 }
 
-/// Takes what the window holds of one stream in one file. Every packet is looked at: the library's
-/// own search needs them in time order, which a capture does not promise.
-class FileSearch {
-public:
-    FileSearch(PacketSelection& selection, PacketWish const& wish, std::uint32_t stream,
-               std::uint32_t capture)
-        : selection_(selection), wish_(wish), stream_(stream), capture_(capture) {}
-
-    void search(PackageFile const& file) {
-        for (Package const& package : file.packages) {
-            if (isPlaced(package)) {
-                take(package);
-            } else {
-                ++selection_.unplaced;
-            }
-        }
-        bool const hasContext =
-            wish_.withContext && selection_.streams[stream_].protocol == Protocol::goose;
-        if (hasContext && before_ != nullptr) {
-            add(*before_, Place::before);
-        }
-        if (hasContext && after_ != nullptr) {
-            add(*after_, Place::after);
-        }
-    }
-
-private:
-    void take(Package const& package) {
-        CaptureTime const time = toCaptureTime(package.time);
-        if (wish_.window.from && time < *wish_.window.from) {
-            before_ = before_ == nullptr || isEarlier(*before_, package) ? &package : before_;
-        } else if (wish_.window.to && time > *wish_.window.to) {
-            after_ = after_ == nullptr || isEarlier(package, *after_) ? &package : after_;
-        } else {
-            add(package, Place::inside);
-        }
-    }
-
-    void add(Package const& package, Place place) {
-        selection_.packets.push_back(
-            {.package = &package, .stream = stream_, .capture = capture_, .place = place});
-    }
-
-    PacketSelection& selection_;
-    PacketWish const& wish_;
-    std::uint32_t stream_;
-    std::uint32_t capture_;
-    Package const* before_ = nullptr;
-    Package const* after_ = nullptr;
-};
-
-bool packetComesBefore(SelectedPacket const& a, SelectedPacket const& b) {
-    auto const key = [](SelectedPacket const& packet) {
-        return std::tuple(toCaptureTime(packet.package->time), packet.capture,
-                          packet.package->position);
-    };
-    return key(a) < key(b);
+void sortPackets(std::vector<SelectedPacket>& packets) {
+    std::stable_sort(
+        packets.begin(), packets.end(),
+        [](SelectedPacket const& a, SelectedPacket const& b) { return orderOf(a) < orderOf(b); });
 }
 
 }  // namespace
 
-PacketSelection selectPackets(Db const& db, CaptureNumbers const& captures,
-                              PacketWish const& wish) {
-    PacketSelection selection;
-    for (auto& stream : admittedStreams(db, wish.criteria)) {
-        auto const number = static_cast<std::uint32_t>(selection.streams.size());
-        selection.streams.push_back(std::move(stream.identity));
-        for (PackageFile const& file : *stream.files) {
-            FileSearch(selection, wish, number, captures.at(file.fileName)).search(file);
+bool PacketSelection::Head::comesAfter(Head const& other) const {
+    auto const key = [](Head const& head) {
+        return std::tie(head.time, head.file, head.frameOffset, head.asdu);
+    };
+    return key(other) < key(*this);
+}
+
+PacketSelection::PacketSelection(TrafficIndex const& index, PacketWish wish,
+                                 HeaderReader const& headOf)
+    : index_(index), wish_(std::move(wish)) {
+    for (TrafficStream const& stream : index_.streams()) {
+        if (!wish_.criteria.admitKey(stream.key)) {
+            continue;
+        }
+        ++streamCount_;
+        for (StreamPart const& part : stream.parts) {
+            addPart(stream, part);
+            addTimeless(stream, part);
         }
     }
-    std::sort(selection.packets.begin(), selection.packets.end(), packetComesBefore);
-    return selection;
+    for (std::uint32_t file = 0; file < index_.files().size(); ++file) {
+        addUnread(file, headOf);
+    }
+    sortPackets(unread_);
+    sortPackets(timeless_);
+    rewind();
+}
+
+void PacketSelection::addPart(TrafficStream const& stream, StreamPart const& part) {
+    auto const [first, last] = part.packets.placesIn(wish_.window);
+    Cursor cursor{.stream = &stream,
+                  .part = &part,
+                  .packets = PartPackets(wish_.criteria, index_, part),
+                  .before = {},
+                  .next = first,
+                  .end = last};
+    if (wish_.withContext && stream.key.protocol == Protocol::goose) {
+        for (std::size_t place = first; place > 0 && !cursor.before; --place) {
+            if (cursor.packets.admit(part.packets.inTimeOrder(place - 1))) {
+                cursor.before = place - 1;
+            }
+        }
+        cursor.isAfterWanted = true;
+    }
+    begin_.push_back(std::move(cursor));
+}
+
+void PacketSelection::addTimeless(TrafficStream const& stream, StreamPart const& part) {
+    bool const isWindow = wish_.window.from || wish_.window.to;
+    if (isWindow || part.packets.timedSize() == part.packets.size()) {
+        return;
+    }
+    PartPackets packets(wish_.criteria, index_, part);
+    for (std::uint32_t packet = 0; packet < part.packets.size(); ++packet) {
+        if (!part.packets.time(packet) && packets.admit(packet)) {
+            timeless_.push_back({.stream = &stream,
+                                 .part = &part,
+                                 .attributes = &packets.attributesOf(packet),
+                                 .packet = packet,
+                                 .file = part.file});
+        }
+    }
+}
+
+void PacketSelection::addUnread(std::uint32_t file, HeaderReader const& headOf) {
+    bool const needsHeader = wish_.criteria.needHeader();
+    bool const isWindow = wish_.window.from || wish_.window.to;
+    for (UnreadFrame const& frame : index_.files()[file].summary.unread) {
+        bool const isInside = frame.time ? isWithin(wish_.window, *frame.time) : !isWindow;
+        if (isInside &&
+            wish_.criteria.admitUnread(
+                frame.protocol, needsHeader ? headOf(file, frame.frameOffset) : FrameHeader())) {
+            (frame.time ? unread_ : timeless_).push_back({.file = file, .unread = &frame});
+        }
+    }
+}
+
+void PacketSelection::rewind() {
+    cursors_ = begin_;
+    heads_.clear();
+    nextUnread_ = 0;
+    nextTimeless_ = 0;
+    for (std::uint32_t number = 0; number < cursors_.size(); ++number) {
+        if (auto const head = takeHead(number)) {
+            heads_.push_back(*head);
+        }
+    }
+    std::make_heap(heads_.begin(), heads_.end(),
+                   [](Head const& a, Head const& b) { return a.comesAfter(b); });
+}
+
+PacketSelection::Found PacketSelection::findNext(Cursor& cursor) {
+    PacketColumns const& columns = cursor.part->packets;
+    if (cursor.before) {
+        return std::pair(*std::exchange(cursor.before, std::nullopt), Place::before);
+    }
+    while (cursor.next < cursor.end) {
+        std::size_t const place = cursor.next++;
+        if (cursor.packets.admit(columns.inTimeOrder(place))) {
+            return std::pair(place, Place::inside);
+        }
+    }
+    if (std::exchange(cursor.isAfterWanted, false)) {
+        for (std::size_t place = cursor.end; place < columns.timedSize(); ++place) {
+            if (cursor.packets.admit(columns.inTimeOrder(place))) {
+                return std::pair(place, Place::after);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<PacketSelection::Head> PacketSelection::takeHead(std::uint32_t number) {
+    Cursor& cursor = cursors_[number];
+    Found const found = findNext(cursor);
+    if (!found) {
+        return std::nullopt;
+    }
+    PacketColumns const& columns = cursor.part->packets;
+    auto const packet = static_cast<std::uint32_t>(columns.inTimeOrder(found->first));
+    return Head{.time = columns.times()[packet],
+                .frameOffset = columns.frameOffsets()[packet],
+                .file = cursor.part->file,
+                .asdu = columns.asdus().empty() ? std::uint16_t{0} : columns.asdus()[packet],
+                .cursor = number,
+                .packet = packet,
+                .place = found->second};
+}
+
+std::optional<SelectedPacket> PacketSelection::next() {
+    auto const comesAfter = [](Head const& a, Head const& b) { return a.comesAfter(b); };
+    bool const isUnreadLeft = nextUnread_ < unread_.size();
+    if (heads_.empty()) {
+        if (isUnreadLeft) {
+            return unread_[nextUnread_++];
+        }
+        return nextTimeless_ < timeless_.size() ? std::optional(timeless_[nextTimeless_++])
+                                                : std::nullopt;
+    }
+    Head const head = heads_.front();
+    Cursor& cursor = cursors_[head.cursor];
+    SelectedPacket const packet{.stream = cursor.stream,
+                                .part = cursor.part,
+                                .attributes = &cursor.packets.attributesOf(head.packet),
+                                .packet = head.packet,
+                                .file = head.file,
+                                .place = head.place};
+    if (isUnreadLeft && orderOf(unread_[nextUnread_]) < orderOf(packet)) {
+        return unread_[nextUnread_++];
+    }
+    std::pop_heap(heads_.begin(), heads_.end(), comesAfter);
+    heads_.pop_back();
+    if (auto const following = takeHead(head.cursor)) {
+        heads_.push_back(*following);
+        std::push_heap(heads_.begin(), heads_.end(), comesAfter);
+    }
+    return packet;
 }
 
 }  // namespace TalIec61850Tools

@@ -3,45 +3,80 @@
 #include <algorithm>
 #include <tuple>
 
-#include "tools/selection/PlacedPackets.hpp"
-
 namespace TalIec61850Tools {
 
-using TalIec61850Parser::Db;
-using TalIec61850Parser::Package;
+using namespace TalIec61850Analysis;
 
 namespace {
 
-void addTime(StreamRow& row, CaptureTime time) {
-    ++row.timedPackets;
-    row.firstTime = std::min(row.firstTime.value_or(time), time);
-    row.lastTime = std::max(row.lastTime.value_or(time), time);
-}
-
-template <typename Stream>
-StreamRow rowOf(Stream const& stream) {
+StreamRow identityRow(StreamKey const& key) {
     StreamRow row;
-    static_cast<StreamIdentity&>(row) = identityOf(stream);
-    row.files = stream.files.size();
-    for (auto const& file : stream.files) {
-        row.packets += file.packages.size();
-        for (Package const& package : file.packages) {
-            if (isPlaced(package)) {
-                addTime(row, toCaptureTime(package.time));
-            }
-        }
-    }
+    row.protocol = key.protocol;
+    row.source = key.source;
+    row.destination = key.destination;
+    row.vlans = key.vlans;
+    row.appId = key.appId;
+    (key.protocol == Protocol::goose ? row.gocbRef : row.svID) = key.name;
     return row;
 }
 
-bool rowComesBefore(StreamRow const& a, StreamRow const& b) {
-    auto const figures = [](StreamRow const& row) {
-        return std::tie(row.firstTime, row.lastTime, row.packets);
-    };
-    if (comesBefore(a, b) || comesBefore(b, a)) {
-        return comesBefore(a, b);
+/// The last value of an attribute in the course of a stream; that of no attribute where there is
+/// none.
+template <typename Value>
+Value lastOf(TrafficIndex const& index, TrafficStream const& stream,
+             Value StreamAttributes::*member) {
+    auto const history = index.history(stream, member);
+    return history.empty() ? Value() : *history.back().value;
+}
+
+void addAttributes(StreamRow& row, TrafficIndex const& index, TrafficStream const& stream) {
+    row.datSet = lastOf(index, stream, &StreamAttributes::datSet);
+    row.confRev = lastOf(index, stream, &StreamAttributes::confRev);
+    if (row.protocol == Protocol::goose) {
+        row.goID = lastOf(index, stream, &StreamAttributes::goID);
+    } else {
+        row.asdusPerFrame = lastOf(index, stream, &StreamAttributes::asdus);
+        row.nominalRate = index.nominalRate(stream);
     }
-    return figures(a) < figures(b);
+}
+
+void addPacket(StreamRow& row, PacketColumns const& columns, std::size_t packet, bool isCopy) {
+    PacketFlags const flags = columns.flags()[packet];
+    if (flags.redundancy() != Redundancy::none) {
+        auto& over = flags.redundancy() == Redundancy::hsr ? row.overHsr : row.overPrp;
+        ++over[flags.lane() == 'B' ? 1 : 0];
+    }
+    if (isCopy) {
+        ++row.copies;
+        return;
+    }
+    ++row.packets;
+    if (auto const time = columns.time(packet)) {
+        ++row.timedPackets;
+        row.firstTime = std::min(row.firstTime.value_or(*time), *time);
+        row.lastTime = std::max(row.lastTime.value_or(*time), *time);
+    }
+}
+
+void addPart(StreamRow& row, PartPackets packets, bool hasCopies) {
+    bool isAny = false;
+    for (std::size_t i = 0; i < packets.columns().size(); ++i) {
+        if (packets.admit(i)) {
+            isAny = true;
+            PacketFlags const flags = packets.columns().flags()[i];
+            row.isSimulated = row.isSimulated || isSimulated(flags, packets.attributesOf(i));
+            addPacket(row, packets.columns(), i, hasCopies && flags.isCopy());
+        }
+    }
+    row.files += isAny ? 1 : 0;
+}
+
+bool comesBefore(StreamRow const& a, StreamRow const& b) {
+    auto const key = [](StreamRow const& row) {
+        return std::tie(row.protocol, row.destination, row.appId, row.svID, row.gocbRef, row.source,
+                        row.vlans);
+    };
+    return key(a) < key(b);
 }
 
 }  // namespace
@@ -54,28 +89,22 @@ std::optional<double> StreamRow::packetsPerSecond() const {
     return static_cast<double>(timedPackets - 1) / elapsed.count();
 }
 
-std::optional<PacketTimes> timesOf(std::vector<StreamRow> const& rows) {
-    std::optional<PacketTimes> times;
-    for (StreamRow const& row : rows) {
-        if (row.firstTime) {
-            times = times.value_or(PacketTimes{*row.firstTime, *row.lastTime});
-            times->first = std::min(times->first, *row.firstTime);
-            times->last = std::max(times->last, *row.lastTime);
+std::vector<StreamRow> collectRows(TrafficIndex const& index, PacketCriteria const& criteria) {
+    std::vector<StreamRow> rows;
+    for (TrafficStream const& stream : index.streams()) {
+        if (!criteria.admitKey(stream.key)) {
+            continue;
+        }
+        StreamRow row = identityRow(stream.key);
+        for (StreamPart const& part : stream.parts) {
+            addPart(row, {criteria, index, part}, !criteria.chooseLane());
+        }
+        if (row.packets != 0) {
+            addAttributes(row, index, stream);
+            rows.push_back(std::move(row));
         }
     }
-    return times;
-}
-
-std::vector<StreamRow> collectRows(Db const& db) {
-    std::vector<StreamRow> rows;
-    rows.reserve(db.gooseProto.streams.size() + db.svProto.streams.size());
-    for (auto const& goose : db.gooseProto.streams) {
-        rows.push_back(rowOf(goose));
-    }
-    for (auto const& sv : db.svProto.streams) {
-        rows.push_back(rowOf(sv));
-    }
-    std::stable_sort(rows.begin(), rows.end(), rowComesBefore);
+    std::sort(rows.begin(), rows.end(), comesBefore);
     return rows;
 }
 

@@ -1,0 +1,97 @@
+#include "tools/commands/IndexTraffic.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "tools/output/Plural.hpp"
+#include "tools/output/TextEscape.hpp"
+#include "tools/render/CaptureText.hpp"
+
+namespace TalIec61850Tools {
+
+using TalIec61850Analysis::CaptureSummary;
+using TalIec61850Analysis::StreamKey;
+using TalIec61850Analysis::TrafficIndex;
+using TalIec61850Analysis::TrafficOptions;
+
+namespace {
+
+/// What the progress of all files together is called.
+std::string nameOfAll(std::vector<CaptureSource> const& captures) {
+    return captures.size() == 1 ? captures.front().name : plural(captures.size(), "file");
+}
+
+TrafficIndex readCaptures(CommandRun const& run, TrafficOptions options) {
+    std::uint64_t size = 0;
+    for (CaptureSource const& capture : run.captures()) {
+        size += capture.size;
+    }
+    ProgressBar bar = run.progressBar();
+    bar.startFile(nameOfAll(run.captures()), size);
+    if (bar.isShown()) {
+        options.progress = [&](std::uint64_t done, std::uint64_t all) {
+            bar.show(static_cast<double>(done) /
+                     static_cast<double>(std::max<std::uint64_t>(all, 1)));
+        };
+    }
+    return TalIec61850Analysis::indexCaptures(pathsOf(run), options);
+}
+
+}  // namespace
+
+TrafficIndex indexTraffic(CommandRun const& run, PacketCriteria const& criteria, std::size_t jobs) {
+    TrafficOptions options{.keeps = {}, .stop = {}, .progress = {}, .jobs = jobs};
+    if (criteria != PacketCriteria()) {
+        options.keeps = [&](StreamKey const& key) { return criteria.admitKey(key); };
+    }
+    return readCaptures(run, std::move(options));
+}
+
+TrafficIndex surveyTraffic(CommandRun const& run, std::size_t jobs) {
+    return readCaptures(run, {.keeps = [](StreamKey const&) { return false; },
+                              .stop = {},
+                              .progress = {},
+                              .jobs = jobs});
+}
+
+void reportFaults(CommandRun& run, TrafficIndex const& index) {
+    for (std::size_t number = 0; number < index.files().size(); ++number) {
+        CaptureSummary const& summary = index.files()[number].summary;
+        std::string const& name = run.captures()[number].name;
+        if (auto const note = linkTypeNote(summary)) {
+            run.note(fmt::format("{}: {}", escapeText(name), *note));
+        }
+        if (summary.error) {
+            run.complainOf(name, faultText(summary.error));
+        }
+        for (std::string const& text : damageTexts(summary)) {
+            run.complainOf(name, text);
+        }
+    }
+}
+
+CaptureSpan spanOf(TrafficIndex const& index) {
+    std::optional<CaptureTime> begin;
+    std::optional<CaptureTime> end;
+    for (auto const& file : index.files()) {
+        if (auto const first = file.summary.first) {
+            begin = std::min(begin.value_or(*first), *first);
+        }
+        end = std::max(end, file.summary.last);
+    }
+    CaptureTime const known = begin.value_or(CaptureTime());
+    return {.begin = known, .end = end.value_or(known)};
+}
+
+std::vector<std::string> pathsOf(CommandRun const& run) {
+    std::vector<std::string> paths;
+    for (CaptureSource const& capture : run.captures()) {
+        paths.push_back(capture.path);
+    }
+    return paths;
+}
+
+}  // namespace TalIec61850Tools

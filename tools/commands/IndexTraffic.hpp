@@ -1,0 +1,35 @@
+#pragma once
+
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/commands/CommandRun.hpp"
+#include "tools/selection/CaptureTime.hpp"
+#include "tools/selection/PacketCriteria.hpp"
+
+namespace TalIec61850Tools {
+
+/// Indexes the captures of a command, true to the wire, and shows progress.
+/// @param criteria  streams that they leave out are not kept
+/// @param jobs      how many files are read at a time; 0 for as many as the machine has cores
+/// @return files numbered as the captures of the run
+[[nodiscard]] TalIec61850Analysis::TrafficIndex indexTraffic(CommandRun const& run,
+                                                             PacketCriteria const& criteria,
+                                                             std::size_t jobs);
+
+/// The same of which no stream is kept: what the files are, alone.
+[[nodiscard]] TalIec61850Analysis::TrafficIndex surveyTraffic(CommandRun const& run,
+                                                              std::size_t jobs);
+
+/// Reports what is wrong with the captures, and what of them is not looked into.
+void reportFaults(CommandRun& run, TalIec61850Analysis::TrafficIndex const& index);
+
+/// From the earliest to the latest record of all files; of none, 1970.
+[[nodiscard]] CaptureSpan spanOf(TalIec61850Analysis::TrafficIndex const& index);
+
+/// The paths by which the captures of a command are opened.
+[[nodiscard]] std::vector<std::string> pathsOf(CommandRun const& run);
+
+}  // namespace TalIec61850Tools
