@@ -101,7 +101,7 @@ TEST(DamagedCapture, IsSaidForEachFileInTheOrderGiven) {
         auto const result = runCompanion(joined(command, {header, text, cut, "-q"}));
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err,
-                  complaint(text + ": not a classic capture file") +
+                  complaint(text + ": not a capture file") +
                       complaint(header + ": the file ends inside its header") +
                       complaint(cut + ": the file ends inside the record at " + records.second +
                                 ": 1 of its " + records.size + " octets are missing"));

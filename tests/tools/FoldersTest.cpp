@@ -110,8 +110,8 @@ TEST(Folder, SaysWhichCapturesCannotBeRead) {
     fs::create_symlink("nowhere", folder.file("c.pcap"));
     auto const result = runCompanion({"streams", "-f", "json", folder.path()});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, complaint(folder.file("b.pcapng") + kNextGenerationFault) +
-                              complaint(folder.file("c.pcap") + ": No such file or directory"));
+    EXPECT_EQ(result.err, complaint(folder.file("c.pcap") + ": No such file or directory") +
+                              complaint(folder.file("b.pcapng") + kNextGenerationFault));
     EXPECT_EQ(jsonOf(result.out), streamsOf({folder.file("a.pcap")}));
 }
 

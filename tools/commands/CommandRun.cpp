@@ -24,11 +24,15 @@
 
 namespace TalIec61850Tools {
 
+using TalIec61850Analysis::CaptureFormat;
 using TalIec61850Analysis::CaptureSurvey;
 using TalIec61850Parser::Filter;
 using TalIec61850Parser::PcapParser;
 
 namespace {
+
+constexpr char const* kNextGeneration =
+    "next-generation capture: convert it first, for example with editcap -F pcap";
 
 /// Files that were given to be read, captures or not, are not overwritten.
 void refuseToOverwrite(std::string const& path, std::set<FileIdentity> const& files) {
@@ -86,6 +90,13 @@ CaptureIndex CommandRun::index(Filter const& filter) {
     index.numbers = numberCaptures(captures());
     ProgressBar bar = progressBar();
     for (auto const& capture : captures()) {
+        if (capture.format == CaptureFormat::nextGeneration) {
+            if (!isDamageTold_) {
+                bar.erase();
+                complainOf(capture.name, kNextGeneration);
+            }
+            continue;
+        }
         CaptureSurvey const survey = indexCapture(capture, filter, index.db, bar);
         if (survey.start) {
             index.begin = std::min(index.begin.value_or(*survey.start), *survey.start);

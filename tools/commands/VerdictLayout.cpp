@@ -54,8 +54,12 @@ RowLayout<JudgedFrame> judgedFrameLayout() {
     using Row = JudgedFrame const&;
     RowLayout<JudgedFrame> layout;
     layout.fields = {
-        {"time", [](Row r) -> Cell { return toUtcCell(r.record.time.value()); }},
-        {"timeNs", [](Row r) -> Cell { return nanosecondsSince1970(r.record.time.value()); }},
+        {"time",
+         [](Row r) -> Cell { return r.record.time ? Cell(toUtcCell(*r.record.time)) : Cell(); }},
+        {"timeNs",
+         [](Row r) -> Cell {
+             return r.record.time ? Cell(nanosecondsSince1970(*r.record.time)) : Cell();
+         }},
         {"file", [](Row r) -> Cell { return r.file; }},
         {"recordPosition", [](Row r) -> Cell { return r.record.fileOffset; }},
         {"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},

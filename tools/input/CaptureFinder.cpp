@@ -21,6 +21,7 @@ namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureCheck;
 using TalIec61850Analysis::CaptureFault;
+using TalIec61850Analysis::CaptureFormat;
 using TalIec61850Analysis::checkCapture;
 
 namespace {
@@ -75,13 +76,22 @@ private:
         return known != known_.end();
     }
 
-    /// @param identity  of the file that was named
-    void take(std::string const& path, std::string const& name, std::uint64_t size,
-              FileIdentity const& identity) {
+    /// @param capture  its identity is that of the file that was named
+    void take(CaptureSource capture) {
         std::size_t const number = found_.captures.size();
-        known_.emplace(identity, number);
-        found_.numbers.emplace(name, number);
-        found_.captures.push_back({.path = path, .name = name, .identity = identity, .size = size});
+        known_.emplace(capture.identity, number);
+        found_.numbers.emplace(capture.name, number);
+        found_.captures.push_back(std::move(capture));
+    }
+
+    /// @param check  has no fault
+    void take(std::string const& path, std::string const& name, CaptureCheck const& check,
+              FileIdentity const& identity) {
+        take({.path = path,
+              .name = name,
+              .identity = identity,
+              .size = check.size,
+              .format = check.format.value_or(CaptureFormat::classic)});
     }
 
     /// @param isInFolder  what is no capture is passed over
@@ -101,7 +111,7 @@ private:
         if (auto const reason = refusalText(check)) {
             refuse(path, *reason);
         } else if (!isKnown(check.identity, path)) {
-            take(path, path, check.size, check.identity);
+            take(path, path, check, check.identity);
         }
         return true;
     }
@@ -136,7 +146,7 @@ private:
         if (auto const reason = refusalText(check)) {
             refuse("-", *reason);
         } else {
-            take(path, "-", check.size, identity);
+            take(path, "-", check, identity);
         }
     }
 
@@ -165,7 +175,11 @@ private:
             if (spool->damage()) {
                 refuse(name, escapeText(*spool->damage()));
             }
-            take(spool->path(), name, spool->size(), identity);
+            take({.path = spool->path(),
+                  .name = name,
+                  .identity = identity,
+                  .size = spool->size(),
+                  .format = start.format.value_or(CaptureFormat::classic)});
             found_.spools.push_back(std::move(spool));
         } catch (SpoolError const& error) {
             refuse(name, fmt::format("no copy in {}: {}; TMPDIR may name another folder",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/CaptureFormat.hpp>
 #include <TalIec61850Analysis/file/FileIdentity.hpp>
 #include <cstddef>
 #include <cstdint>
@@ -24,6 +25,8 @@ struct CaptureSource {
     FileIdentity identity;
     /// Octets; 0 where only reading would tell.
     std::uint64_t size = 0;
+    /// How it is written.
+    TalIec61850Analysis::CaptureFormat format = TalIec61850Analysis::CaptureFormat::classic;
 };
 
 /// What the FILE arguments of a command lead to.

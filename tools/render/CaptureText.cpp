@@ -1,6 +1,14 @@
 #include "tools/render/CaptureText.hpp"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <TalIec61850Analysis/packet/FrameHeader.hpp>
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
+#include "tools/output/Plural.hpp"
 
 namespace TalIec61850Tools {
 
@@ -8,12 +16,12 @@ using TalIec61850Analysis::CaptureCheck;
 using TalIec61850Analysis::CaptureDamage;
 using TalIec61850Analysis::CaptureDamageKind;
 using TalIec61850Analysis::CaptureFault;
-using TalIec61850Analysis::CaptureFormat;
+using TalIec61850Analysis::CaptureSummary;
 using TalIec61850Analysis::CaptureSurvey;
 
 namespace {
 
-constexpr char const* kNotCapture = "not a classic capture file";
+constexpr char const* kNotCapture = "not a capture file";
 
 /// What is at an offset.
 char const* toText(CaptureDamageKind kind) {
@@ -61,9 +69,6 @@ char const* toText(CaptureDamageKind kind) {
 }  // namespace
 
 std::optional<std::string> faultText(CaptureCheck const& check) {
-    if (check.format == CaptureFormat::nextGeneration) {
-        return "next-generation capture: convert it first, for example with editcap -F pcap";
-    }
     if (!check.fault) {
         return std::nullopt;
     }
@@ -101,6 +106,40 @@ std::optional<std::string> faultText(CaptureSurvey const& survey) {
         return survey.error.message();
     }
     return survey.damage ? std::optional(damageText(*survey.damage)) : std::nullopt;
+}
+
+std::optional<std::string> moreDamageText(CaptureSummary const& summary, std::size_t told) {
+    std::uint64_t const more =
+        summary.damageCount - std::min<std::uint64_t>(summary.damageCount, told);
+    return more == 0 ? std::nullopt : std::optional("and " + plural(more, "more damaged place"));
+}
+
+std::vector<std::string> damageTexts(CaptureSummary const& summary) {
+    constexpr std::size_t most = 5;
+    std::size_t const told = std::min(summary.damages.size(), most);
+    std::vector<std::string> texts;
+    std::transform(summary.damages.begin(),
+                   summary.damages.begin() + static_cast<std::ptrdiff_t>(told),
+                   std::back_inserter(texts), damageText);
+    if (auto more = moreDamageText(summary, told)) {
+        texts.push_back(*std::move(more));
+    }
+    return texts;
+}
+
+std::optional<std::string> linkTypeNote(CaptureSummary const& summary) {
+    std::vector<std::string> parts;
+    std::uint64_t frames = 0;
+    for (auto const& [type, count] : summary.linkTypes) {
+        if (!TalIec61850Analysis::isReadable(type)) {
+            parts.push_back(fmt::format("{} of link type {}", plural(count, "frame"), type));
+            frames += count;
+        }
+    }
+    if (parts.empty()) {
+        return std::nullopt;
+    }
+    return fmt::format("{} {} not looked into", fmt::join(parts, ", "), frames == 1 ? "is" : "are");
 }
 
 }  // namespace TalIec61850Tools
