@@ -30,7 +30,7 @@ TEST(CompressedCaptures, GiveWhatTheFileWouldForEveryCommand) {
     for (auto const& filter : kFilters) {
         auto const packed = folder.write("a." + filter, compressed(memberTraffic(), filter));
         for (std::string const command :
-             {"streams", "packets", "show", "library judge"}) {
+             {"streams", "packets", "show", "captures", "library judge"}) {
             EXPECT_EQ(nameless(rowsOf(joined(commandWords(command), {packed}))),
                       nameless(rowsOf(joined(commandWords(command), {plain}))))
                 << filter << " " << command;

@@ -12,7 +12,8 @@ namespace TalTest {
 namespace {
 
 std::vector<Arguments> const kCommands = {
-    {"streams"}, {"packets"}, {"show"}, {"library", "judge"}, {"library", "judge", "--list"}};
+    {"streams"},  {"packets"},          {"show"},
+    {"captures"}, {"library", "judge"}, {"library", "judge", "--list"}};
 
 /// The fault of a capture whose end is cut off, as each command must say it.
 void expectFault(Bytes const& content, std::string const& fault, std::size_t packets) {

@@ -159,7 +159,7 @@ TEST(Captures, MayBeManyMoreThanFilesCanBeOpen) {
     for (int i = 0; i < 60; ++i) {
         put(folder, std::to_string(i));
     }
-    for (std::string const command : {"streams", "packets", "library judge", "show"}) {
+    for (std::string const command : {"streams", "packets", "library judge", "show", "captures"}) {
         auto const result = run({"/bin/sh", "-c", "ulimit -n 30; exec \"$0\" $1 -f csv \"$2\"",
                                  TAL_COMPANION_PATH, command, folder.path()});
         EXPECT_EQ(result.status, 0) << command << ": " << result.err;

@@ -32,7 +32,7 @@ Bytes longTraffic() {
 
 TEST(StandardInput, GivesWhatTheFileWouldForEveryCommand) {
     TempFile const file(memberTraffic());
-    for (std::string const command : {"streams", "packets", "show", "library judge"}) {
+    for (std::string const command : {"streams", "packets", "show", "captures", "library judge"}) {
         auto const expected = rowsOf(joined(commandWords(command), {file.path()}));
         EXPECT_EQ(
             nameless(rowsOf(joined(commandWords(command), {"-"}), {.inputPiped = memberTraffic()})),
