@@ -1,5 +1,6 @@
 // The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
-// PacketsCommand, ShowCommand; HelpCommands has the rest, LibraryCommands the group `library`.
+// PacketsCommand, ShowCommand, CapturesCommand; HelpCommands has the rest, LibraryCommands the
+// group `library`.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/commands/CapturesCommand.hpp"
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/LibraryCommands.hpp"
 #include "tools/commands/PacketsCommand.hpp"
@@ -94,6 +96,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addStreamsCommand(definition, chosen);
     addPacketsCommand(definition, chosen);
     addShowCommand(definition, chosen);
+    addCapturesCommand(definition, chosen);
     addHelpCommands(definition, chosen);
     addLibraryCommands(definition, chosen);
     addHelpFooters(definition);

@@ -61,7 +61,8 @@ struct CaptureSummary {
     std::optional<CaptureTime> last;
     /// Frames that were cut by a snap length.
     std::uint64_t snappedFrames = 0;
-    /// Packets that the capture lost, as far as the file says it.
+    /// Packets that the capture lost by the counts at its records; not set where none has one. The
+    /// interfaces have counts of their own.
     std::optional<std::uint64_t> dropped;
 
     /// GOOSE frames by their EtherType, those of no stream included.
@@ -75,6 +76,11 @@ struct CaptureSummary {
     std::uint64_t routableGooseFrames = 0;
     /// Of these: SV over UDP, which is only recognised.
     std::uint64_t routableSvFrames = 0;
+    /// Of these: segments to or from TCP port 102, which MMS has; they are only recognised.
+    std::uint64_t mmsFrames = 0;
+    /// How many of `routableGooseFrames`, `routableSvFrames` and `mmsFrames` together came over
+    /// IPv6; the rest came over IPv4.
+    std::uint64_t recognisedIpv6Frames = 0;
     /// Frames by the number of their link type.
     std::map<std::uint16_t, std::uint64_t> linkTypes;
     /// GOOSE and SV frames of no stream.

@@ -1,6 +1,7 @@
 #include <TalIec61850Analysis/packet/LinkStart.hpp>
 #include <TalIec61850Analysis/traffic/RecordCounter.hpp>
 #include <TalIec61850Parser/wire/Octets.hpp>
+#include <algorithm>
 
 namespace TalIec61850Analysis::detail {
 
@@ -8,35 +9,53 @@ namespace {
 
 namespace wire = TalIec61850Parser::wire;
 
-/// The UDP payload to or from the port that session messages have; empty for anything else.
-Octets sessionOf(std::uint16_t etherType, Octets packet) {
-    constexpr std::uint16_t kIpv4 = 0x0800;
-    constexpr std::uint16_t kIpv6 = 0x86DD;
-    constexpr std::uint8_t kUdp = 17;
-    constexpr std::uint16_t kSessionPort = 102;
+constexpr std::uint16_t kIpv4 = 0x0800;
+constexpr std::uint16_t kIpv6 = 0x86DD;
+constexpr std::uint8_t kTcp = 6;
+constexpr std::uint8_t kUdp = 17;
+
+/// What an IP packet transports.
+struct Transport {
+    /// By the registry of IP protocols; 0 for nothing that is known.
+    std::uint8_t protocol = 0;
+    /// What follows the header of the IP packet.
+    Octets octets;
+
+    /// Whether it is to or from the port that session messages and MMS have.
+    [[nodiscard]] bool isOfSessions() const {
+        constexpr std::uint16_t kSessionPort = 102;
+        constexpr std::size_t kPortsSize = 4;
+        return octets.size() >= kPortsSize && (wire::readUint16(octets, 0) == kSessionPort ||
+                                               wire::readUint16(octets, 2) == kSessionPort);
+    }
+};
+
+/// @return nothing known for other EtherTypes, and for fragments after the first
+Transport transportOf(std::uint16_t etherType, Octets packet) {
     constexpr std::size_t kIpv4Size = 20;
     constexpr std::size_t kIpv6Size = 40;
-    constexpr std::size_t kUdpSize = 8;
-    std::size_t size = 0;
     if (etherType == kIpv4) {
         constexpr std::uint16_t kFragmentOffset = 0x1FFF;
-        if (packet.size() < kIpv4Size || packet[0] >> 4U != 4 || packet[9] != kUdp ||
+        if (packet.size() < kIpv4Size || packet[0] >> 4U != 4 ||
             (wire::readUint16(packet, 6) & kFragmentOffset) != 0) {
             return {};
         }
-        size = std::max(kIpv4Size, std::size_t{4} * (packet[0] & 0xFU));
-    } else if (etherType == kIpv6) {
-        if (packet.size() < kIpv6Size || packet[6] != kUdp) {
-            return {};
-        }
-        size = kIpv6Size;
+        std::size_t const size = std::max(kIpv4Size, std::size_t{4} * (packet[0] & 0xFU));
+        return {.protocol = packet[9], .octets = packet.subspan(std::min(size, packet.size()))};
     }
-    if (size == 0 || packet.size() < size + kUdpSize) {
-        return {};
+    if (etherType == kIpv6 && packet.size() >= kIpv6Size) {
+        return {.protocol = packet[6], .octets = packet.subspan(kIpv6Size)};
     }
-    bool const isSession = wire::readUint16(packet, size) == kSessionPort ||
-                           wire::readUint16(packet, size + 2) == kSessionPort;
-    return isSession ? packet.subspan(size + kUdpSize) : Octets();
+    return {};
+}
+
+/// The session message in a UDP datagram; empty for none.
+Octets sessionIn(Octets datagram) {
+    constexpr std::size_t kUdpSize = 8;
+    Octets const session = datagram.subspan(std::min(kUdpSize, datagram.size()));
+    // The connectionless transport has two octets in front.
+    bool const hasTransport = session.size() > 2 && session[0] == 0x01 && session[1] == 0x40;
+    return hasTransport ? session.subspan(2) : session;
 }
 
 }  // namespace
@@ -58,16 +77,35 @@ void RecordCounter::countOther(std::uint16_t etherType, Octets payload) {
         otherCount_ = &summary_.otherFrames[counted];
     }
     ++*otherCount_;
-    Octets session = sessionOf(etherType, payload);
-    // The connectionless transport has two octets in front.
-    if (session.size() > 2 && session[0] == 0x01 && session[1] == 0x40) {
-        session = session.subspan(2);
+    Transport const transport = transportOf(etherType, payload);
+    if (!transport.isOfSessions()) {
+        return;
     }
+    std::uint64_t* recognised = nullptr;
+    if (transport.protocol == kTcp) {
+        recognised = &summary_.mmsFrames;
+    } else if (transport.protocol == kUdp) {
+        recognised = countOfSession(sessionIn(transport.octets));
+    }
+    if (recognised != nullptr) {
+        ++*recognised;
+        summary_.recognisedIpv6Frames += etherType == kIpv6 ? 1 : 0;
+    }
+}
+
+std::uint64_t* RecordCounter::countOfSession(Octets session) const {
     constexpr std::uint8_t kGooseSession = 0xA1;
     constexpr std::uint8_t kSvSession = 0xA2;
-    if (!session.empty()) {
-        summary_.routableGooseFrames += session[0] == kGooseSession ? 1 : 0;
-        summary_.routableSvFrames += session[0] == kSvSession ? 1 : 0;
+    if (session.empty()) {
+        return nullptr;
+    }
+    switch (session[0]) {
+        case kGooseSession:
+            return &summary_.routableGooseFrames;
+        case kSvSession:
+            return &summary_.routableSvFrames;
+        default:
+            return nullptr;
     }
 }
 

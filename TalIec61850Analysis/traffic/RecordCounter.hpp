@@ -59,6 +59,8 @@ public:
 
 private:
     void changeLink(std::uint16_t linkType);
+    /// The count of messages of this kind; null for none that is known.
+    [[nodiscard]] std::uint64_t* countOfSession(Octets session) const;
 
     CaptureSummary& summary_;
     std::int64_t first_ = std::numeric_limits<std::int64_t>::max();

@@ -29,7 +29,11 @@ std::string onTerminal(Arguments const& command, ExtraEnvironment const& environ
 }
 
 std::vector<Arguments> tables(std::string const& file) {
-    return {{"streams", file}, {"packets", file}, {"show", file}, {"library", "judge", file}};
+    return {{"streams", file},
+            {"packets", file},
+            {"show", file},
+            {"captures", file},
+            {"library", "judge", file}};
 }
 
 TEST(Colours, AreShownOnATerminalUnlessTheEnvironmentForbidsThem) {

@@ -50,8 +50,8 @@ Words offeredByBash(std::string const& words) {
 
 TEST(BashCompletion, OffersTheCommands) {
     EXPECT_EQ(offeredByBash("tal-iec61850 ''"),
-              (Words{"streams", "packets", "show", "completion", "manual", "library", "--help",
-                     "--version"}));
+              (Words{"streams", "packets", "show", "captures", "completion", "manual", "library",
+                     "--help", "--version"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 pa"), Words{"packets"});
 }
 
@@ -120,7 +120,7 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
         return linesOf(result.out);
     };
     EXPECT_EQ(offered("tal-iec61850 "),
-              (Words{"completion", "library", "manual", "packets", "show", "streams"}));
+              (Words{"captures", "completion", "library", "manual", "packets", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
     EXPECT_EQ(offered("tal-iec61850 show --format "), (Words{"csv", "json", "table"}));
     EXPECT_EQ(offered("tal-iec61850 library "), (Words{"judge", "streams"}));

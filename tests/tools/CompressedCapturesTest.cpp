@@ -29,7 +29,8 @@ TEST(CompressedCaptures, GiveWhatTheFileWouldForEveryCommand) {
     auto const plain = folder.write("plain", memberTraffic());
     for (auto const& filter : kFilters) {
         auto const packed = folder.write("a." + filter, compressed(memberTraffic(), filter));
-        for (std::string const command : {"streams", "packets", "show", "library judge"}) {
+        for (std::string const command :
+             {"streams", "packets", "show", "captures", "library judge"}) {
             EXPECT_EQ(nameless(rowsOf(joined(commandWords(command), {packed}))),
                       nameless(rowsOf(joined(commandWords(command), {plain}))))
                 << filter << " " << command;
@@ -97,7 +98,7 @@ TEST(CompressedCaptures, ThatAreNoneAreSaid) {
     auto const empty = folder.write("empty.pcap", {});
     auto const result = runCompanion({"streams", "-q", notes, empty});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, complaint(notes + ": unpacked: not a classic capture file") +
+    EXPECT_EQ(result.err, complaint(notes + ": unpacked: not a capture file") +
                               complaint(empty + ": empty, no capture"));
 }
 

@@ -12,7 +12,8 @@ namespace TalTest {
 namespace {
 
 std::vector<Arguments> const kCommands = {
-    {"streams"}, {"packets"}, {"show"}, {"library", "judge"}, {"library", "judge", "--list"}};
+    {"streams"},  {"packets"},          {"show"},
+    {"captures"}, {"library", "judge"}, {"library", "judge", "--list"}};
 
 /// The fault of a capture whose end is cut off, as each command must say it.
 void expectFault(Bytes const& content, std::string const& fault, std::size_t packets) {
@@ -101,7 +102,7 @@ TEST(DamagedCapture, IsSaidForEachFileInTheOrderGiven) {
         auto const result = runCompanion(joined(command, {header, text, cut, "-q"}));
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err,
-                  complaint(text + ": not a classic capture file") +
+                  complaint(text + ": not a capture file") +
                       complaint(header + ": the file ends inside its header") +
                       complaint(cut + ": the file ends inside the record at " + records.second +
                                 ": 1 of its " + records.size + " octets are missing"));

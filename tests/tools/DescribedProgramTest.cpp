@@ -107,7 +107,7 @@ TEST(ManualPage, HasNoLineThatReadsAsARequestUnlessItIsOne) {
 
 TEST(HelpAndManualPage, Fit80Columns) {
     for (std::string const command : {"", "streams", "packets", "show", "completion", "manual",
-                                      "library", "library streams", "library judge"}) {
+                                      "library", "library streams", "library judge", "captures"}) {
         for (auto const& line :
              linesOf(runCompanion(joined(commandWords(command), {"--help"})).out)) {
             EXPECT_LE(line.size(), 80U) << command << ": " << line;

@@ -14,6 +14,7 @@
 #include "tools/library/VerdictLayout.hpp"
 #include "tools/options/ExitStatus.hpp"
 #include "tools/output/RowLines.hpp"
+#include "tools/render/CaptureLayout.hpp"
 #include "tools/render/PacketLayout.hpp"
 #include "tools/render/StreamLayout.hpp"
 
@@ -24,7 +25,8 @@ using Names = std::vector<std::string_view>;
 using NameSet = std::set<std::string>;
 
 std::map<std::string, Names> layouts() {
-    return {{"streams", fieldNames(streamLayout())},
+    return {{"captures", fieldNames(captureLayout())},
+            {"streams", fieldNames(streamLayout())},
             {"packets", fieldNames(packetLayout(true))},
             {"show", fieldNames(shownPacketLayout())},
             {"library judge", fieldNames(verdictCountLayout())},
@@ -51,7 +53,8 @@ std::vector<std::string> codesIn(std::string const& text) {
     return codes;
 }
 
-/// The commands that a cell of the table names: some, all of them, or those of the row above.
+/// The commands that a cell of the table names: some, all with packets or streams, or those of the
+/// row above.
 NameSet commandsIn(std::string const& cell, NameSet const& above) {
     if (cell.find("the same") != std::string::npos) {
         return above;
@@ -91,7 +94,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 6U);
+    EXPECT_EQ(documented.size(), 7U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {

@@ -110,8 +110,8 @@ TEST(Folder, SaysWhichCapturesCannotBeRead) {
     fs::create_symlink("nowhere", folder.file("c.pcap"));
     auto const result = runCompanion({"streams", "-f", "json", folder.path()});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, complaint(folder.file("b.pcapng") + kNextGenerationFault) +
-                              complaint(folder.file("c.pcap") + ": No such file or directory"));
+    EXPECT_EQ(result.err, complaint(folder.file("c.pcap") + ": No such file or directory") +
+                              complaint(folder.file("b.pcapng") + kNextGenerationFault));
     EXPECT_EQ(jsonOf(result.out), streamsOf({folder.file("a.pcap")}));
 }
 
@@ -159,7 +159,7 @@ TEST(Captures, MayBeManyMoreThanFilesCanBeOpen) {
     for (int i = 0; i < 60; ++i) {
         put(folder, std::to_string(i));
     }
-    for (std::string const command : {"streams", "packets", "library judge", "show"}) {
+    for (std::string const command : {"streams", "packets", "library judge", "show", "captures"}) {
         auto const result = run({"/bin/sh", "-c", "ulimit -n 30; exec \"$0\" $1 -f csv \"$2\"",
                                  TAL_COMPANION_PATH, command, folder.path()});
         EXPECT_EQ(result.status, 0) << command << ": " << result.err;

@@ -55,7 +55,8 @@ Bytes trafficNamed(std::vector<std::string> const& names) {
 }
 
 std::vector<Arguments> const kCommands = {
-    {"streams"}, {"packets"}, {"show"}, {"library", "judge"}, {"library", "judge", "--list"}};
+    {"streams"},  {"packets"},          {"show"},
+    {"captures"}, {"library", "judge"}, {"library", "judge", "--list"}};
 
 TEST(HostileNames, InFramesReachNoTerminal) {
     TempFile const file(trafficNamed(kHostile));
@@ -115,6 +116,7 @@ TEST(HostileNames, InComplaintsReachNoTerminal) {
     auto const path = folder.write(asFileName(all), prefix(smallCapture(), 70));
     auto const missing = folder.file(asFileName(all) + "x");
     std::vector<Arguments> commands = {{"streams", path},
+                                       {"captures", path},
                                        {"library", "judge", path},
                                        {"streams", missing},
                                        {"show", path + "@1"},

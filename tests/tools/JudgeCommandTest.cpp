@@ -12,6 +12,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
+#include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
@@ -200,6 +201,15 @@ TEST(Judge, ListsEachFrameInTheOrderOfTheFiles) {
     }
     EXPECT_EQ(number, rows.size());
     EXPECT_EQ(rowsOf({"library", "judge", "-l", second}).size(), 5U);
+}
+
+TEST(Judge, ListsFramesWithoutATime) {
+    TempFile const file(PcapngMaker().section().interface().simplePacket(oneSv()).bytes());
+    auto const rows = rowsOf({"library", "judge", "--list", file.path()});
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_TRUE(rows[0]["time"].is_null());
+    EXPECT_TRUE(rows[0]["timeNs"].is_null());
+    EXPECT_EQ(commandWords(rows[0]), "SV wanted false");
 }
 
 TEST(Judge, SummarisesWhatIsWanted) {

@@ -55,7 +55,7 @@ void put(std::string const& path, std::string const& content) {
 
 TEST(OutputFile, HoldsWhatStandardOutputWould) {
     Place const place;
-    for (std::string const command : {"streams", "packets", "show", "library judge"}) {
+    for (std::string const command : {"streams", "packets", "show", "captures", "library judge"}) {
         for (std::string const format : {"table", "json", "csv"}) {
             auto const arguments =
                 joined(commandWords(command), {"-f", format, place.capture.path()});

@@ -19,6 +19,8 @@ std::vector<Arguments> const kCommands = {{"streams"},
                                           {"show"},
                                           {"library", "judge"},
                                           {"library", "judge", "--list"},
+                                          {"captures"},
+                                          {"captures", "-f", "json"},
                                           {"streams", "-f", "json"},
                                           {"packets", "-f", "csv"},
                                           {"show", "-f", "json"},
@@ -138,8 +140,11 @@ TEST(Progress, OfEveryCommandIsOnlyForWhoeverSeesIt) {
         capture.add(1, 0, oneSv());
     }
     TempFile const file(capture.bytes(), "bay1.pcap");
-    for (auto const& command :
-         {Arguments{"packets"}, {"library", "judge"}, {"library", "judge", "-l"}, {"streams"}}) {
+    for (auto const& command : {Arguments{"packets"},
+                                {"library", "judge"},
+                                {"library", "judge", "-l"},
+                                {"streams"},
+                                {"captures"}}) {
         auto const arguments = joined(command, {file.path(), "-o", "/dev/null"});
         auto const seen = runCompanion(arguments, {.terminalColumns = 100}).err;
         EXPECT_NE(seen.find("bay1.pcap ["), std::string::npos) << command[0];

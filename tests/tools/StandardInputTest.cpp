@@ -32,7 +32,7 @@ Bytes longTraffic() {
 
 TEST(StandardInput, GivesWhatTheFileWouldForEveryCommand) {
     TempFile const file(memberTraffic());
-    for (std::string const command : {"streams", "packets", "show", "library judge"}) {
+    for (std::string const command : {"streams", "packets", "show", "captures", "library judge"}) {
         auto const expected = rowsOf(joined(commandWords(command), {file.path()}));
         EXPECT_EQ(
             nameless(rowsOf(joined(commandWords(command), {"-"}), {.inputPiped = memberTraffic()})),
@@ -96,8 +96,7 @@ TEST(StandardInput, ThatIsNoCaptureIsSaid) {
         return result.err;
     };
     EXPECT_EQ(saidOf({.inputPiped = Bytes()}), complaint("-: empty, no capture"));
-    EXPECT_EQ(saidOf({.inputPiped = text("no capture")}),
-              complaint("-: not a classic capture file"));
+    EXPECT_EQ(saidOf({.inputPiped = text("no capture")}), complaint("-: not a capture file"));
     EXPECT_EQ(saidOf({.inputFile = "/dev/null"}), complaint("-: empty, no capture"));
     EXPECT_EQ(saidOf({.inputPiped = Bytes{0x0A, 0x0D, 0x0D, 0x0A}}),
               complaint("-: next-generation capture: convert it first, for example with editcap "

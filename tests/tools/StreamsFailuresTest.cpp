@@ -18,7 +18,7 @@ TEST(StreamsBadFile, IsNamedAndTheOthersAreStillListed) {
     auto const bad = folder.write("bad.pcap", text("no capture"));
     auto const result = runCompanion({"streams", "-f", "json", bad, good});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, complaint(bad + ": not a classic capture file"));
+    EXPECT_EQ(result.err, complaint(bad + ": not a capture file"));
     EXPECT_EQ(jsonOf(result.out), streamsOf({good}));
 }
 
@@ -30,10 +30,10 @@ TEST(StreamsBadFile, HasOneLineEachInTheOrderGiven) {
     auto const result = runCompanion({"streams", "-q", next, missing, "/dev/null", missing});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err,
-              complaint(next + ": next-generation capture: convert it first, for example with "
-                               "editcap -F pcap") +
-                  complaint(missing + ": No such file or directory") +
-                  complaint("/dev/null: not a regular file"));
+              complaint(missing + ": No such file or directory") +
+                  complaint("/dev/null: not a regular file") +
+                  complaint(next + ": next-generation capture: convert it first, for example with "
+                                   "editcap -F pcap"));
     EXPECT_EQ(linesOf(result.out).size(), 1U);
 }
 

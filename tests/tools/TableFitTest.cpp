@@ -142,8 +142,9 @@ Bytes longNames() {
 TEST(TablesOnATerminal, FitItsWidth) {
     TempFile const capture(longNames());
     for (std::string const command :
-         {"streams", "packets", "library streams", "library judge", "library judge --list",
-          "packets --context --from +1s", "show --columns time,goose,protocol"}) {
+         {"streams", "packets", "captures", "library streams", "library judge",
+          "library judge --list", "packets --context --from +1s",
+          "show --columns time,goose,protocol"}) {
         for (int const columns : {20, 40, 80, 120, 200}) {
             auto const text =
                 onTerminal(joined(commandWords(command), {capture.path()}), columns, "C.UTF-8").out;

@@ -130,7 +130,7 @@ TEST(Help, OfEveryCommandNamesItsOptionsAndAnExample) {
 
 TEST(FileArguments, MayBeCalledLikeCommands) {
     TempDir const folder;
-    Arguments const names = {"streams", "packets", "show", "library", "judge"};
+    Arguments const names = {"streams", "packets", "show", "captures", "library", "judge"};
     for (auto const& name : names) {
         folder.write(name, smallCapture());
     }

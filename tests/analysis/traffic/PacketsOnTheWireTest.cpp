@@ -12,6 +12,7 @@
 
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/Ber.hpp"
+#include "support/Captures.hpp"
 
 namespace TalIec61850Analysis {
 namespace {
@@ -288,6 +289,81 @@ TEST(TrafficFrames, OfOtherProtocolsAreCounted) {
     EXPECT_EQ(summaryOf(index).routableSvFrames, 2U);
     EXPECT_EQ(summaryOf(index).records, 12U);
     EXPECT_EQ(summaryOf(index).gooseFrames + summaryOf(index).svFrames, 0U);
+}
+
+/// An IPv4 packet in a frame.
+/// @param headerSize  with options, in octets
+Bytes ipv4Frame(std::uint8_t protocol, Bytes const& payload, std::size_t headerSize = 20,
+                std::uint16_t fragmentOffset = 0) {
+    Bytes header(headerSize);
+    header[0] = static_cast<std::uint8_t>(0x40 + headerSize / 4);
+    header[6] = static_cast<std::uint8_t>(fragmentOffset >> 8U);
+    header[7] = static_cast<std::uint8_t>(fragmentOffset & 0xFFU);
+    header[9] = protocol;
+    return concat({Bytes(12, 0x02), {0x08, 0x00}, header, payload});
+}
+
+Bytes ipv6Frame(std::uint8_t protocol, Bytes const& payload) {
+    Bytes header(40);
+    header[0] = 0x60;
+    header[6] = protocol;
+    return concat({Bytes(12, 0x02), {0x86, 0xDD}, header, payload});
+}
+
+constexpr std::uint8_t kTcpProtocol = 6;
+constexpr std::uint8_t kUdpProtocol = 17;
+
+/// A segment without octets, or a datagram with some.
+Bytes between(std::uint16_t source, std::uint16_t destination, Bytes const& rest = Bytes(16)) {
+    return concat({bigEndian(source, 2), bigEndian(destination, 2), rest});
+}
+
+TEST(TrafficFrames, OfMmsAreThoseOfItsTcpPort) {
+    TrafficCapture capture;
+    capture.add(ipv4Frame(kTcpProtocol, between(102, 50'000)))
+        .add(ipv4Frame(kTcpProtocol, between(50'000, 102)))
+        .add(ipv4Frame(kTcpProtocol, between(50'000, 102), 60))
+        .add(ipv6Frame(kTcpProtocol, between(50'000, 102)));
+    Bytes tagged = ipv4Frame(kTcpProtocol, between(102, 102));
+    tagged.insert(tagged.begin() + 12, {0x81, 0x00, 0x00, 0x05});
+    capture.add(tagged);
+    // Not: other ports, other protocols, a later fragment, options in place of ports, a cut packet.
+    capture.add(ipv4Frame(kTcpProtocol, between(50'000, 103)))
+        .add(ipv4Frame(kUdpProtocol, between(50'000, 102)))
+        .add(ipv4Frame(1, between(102, 102)))
+        .add(ipv4Frame(kTcpProtocol, between(102, 102), 20, 1))
+        .add(ipv4Frame(kTcpProtocol, {}, 60))
+        .add(ipv4Frame(kTcpProtocol, {0, 102, 0}))
+        .add(ipv6Frame(kTcpProtocol, {0, 102, 0}));
+    TrafficIndex const index = capture.index();
+    EXPECT_EQ(summaryOf(index).mmsFrames, 5U);
+    EXPECT_EQ(summaryOf(index).recognisedIpv6Frames, 1U);
+    EXPECT_EQ(summaryOf(index).routableGooseFrames + summaryOf(index).routableSvFrames, 0U);
+    std::map<std::uint16_t, std::uint64_t> const expected = {{0x0800, 10}, {0x86DD, 2}};
+    EXPECT_EQ(summaryOf(index).otherFrames, expected);
+}
+
+TEST(TrafficFrames, ThatAreRecognisedOverIpv6AreCountedOfAllKinds) {
+    TrafficCapture capture;
+    Bytes const goose = {0, 0, 0, 0, 0xA1};
+    Bytes const sv = {0, 0, 0, 0, 0x01, 0x40, 0xA2};
+    capture.add(ipv6Frame(kUdpProtocol, between(102, 102, goose)))
+        .add(ipv6Frame(kUdpProtocol, between(102, 102, sv)))
+        .add(ipv6Frame(kUdpProtocol, between(103, 103, sv)))
+        .add(ipv4Frame(kUdpProtocol, between(102, 102, sv)))
+        .add(ipv6Frame(kTcpProtocol, between(102, 102)));
+    TrafficIndex const index = capture.index();
+    EXPECT_EQ(summaryOf(index).routableGooseFrames, 1U);
+    EXPECT_EQ(summaryOf(index).routableSvFrames, 2U);
+    EXPECT_EQ(summaryOf(index).mmsFrames, 1U);
+    EXPECT_EQ(summaryOf(index).recognisedIpv6Frames, 3U);
+}
+
+TEST(TrafficFrames, OfMmsAreAsManyInARecordedCaptureAsTsharkTells) {
+    for (auto const& path : recorded({"goose-mms-mixed-station-bus.pcap"})) {
+        TrafficIndex const index = indexCapture(path);
+        EXPECT_EQ(summaryOf(index).mmsFrames, 86U);
+    }
 }
 
 using Counter = std::optional<Readable<std::uint64_t>>;
