@@ -92,8 +92,16 @@ std::string shown(Json const& field) {
     return field.is_null() ? "-" : (field.is_string() ? field.get<std::string>() : field.dump());
 }
 
-std::string shownYesNo(Json const& field) {
-    return field.is_null() ? "-" : (field.get<bool>() ? "yes" : "no");
+std::string shownYes(Json const& field) { return field == true ? "yes" : "-"; }
+
+/// The name of a row's stream.
+std::string shownName(Json const& row) {
+    return shown(row["protocol"] == "SV" ? row["svID"] : row["gocbRef"]);
+}
+
+/// The lane of HSR, or else the LAN of PRP.
+std::string shownLane(Json const& row) {
+    return shown(row["hsrLane"].is_null() ? row["prpLane"] : row["hsrLane"]);
 }
 
 /// What the cells of a table must be for the rows, by `cellsFor`.
@@ -109,21 +117,29 @@ void expectTable(Arguments const& command, CellsFor cellsFor) {
 TEST(Formats, OfATableOfStreamsHoldTheSame) {
     TempFile const file(memberTraffic());
     expectTable({"streams", file.path()}, [](Json const& row) -> Arguments {
+        std::string const name = shownName(row);
+        std::string const lanes =
+            name.ends_with("rA") || name.ends_with("pA")
+                ? "1/0"
+                : (name.ends_with("rB") || name.ends_with("pB") ? "0/1" : "-");
         return {row["protocol"],
+                name,
+                row["appId"],
                 row["source"],
                 row["destination"],
                 shown(row["vlanId"]),
-                row["appId"],
-                shown(row["hsrLane"]),
-                shown(row["reserved1Bit0"]),
+                shown(row["vlanStack"]),
                 shown(row["confRev"]),
-                shownYesNo(row["simulationPresent"]),
+                shownYes(row["simulated"]),
+                shown(row["asdusPerFrame"]),
+                shown(row["nominalRate"]),
+                "-",
                 shown(row["packets"]),
+                "-",
+                lanes,
                 shown(row["files"]),
                 row["firstTime"],
                 row["lastTime"],
-                "-",
-                shown(row["protocol"] == "SV" ? row["svID"] : row["gocbRef"]),
                 shown(row["datSet"]),
                 shown(row["goID"])};
     });
@@ -135,9 +151,20 @@ TEST(Formats, OfATableOfPacketsHoldTheSame) {
                 [](Json const& row) -> Arguments {
                     return {row["time"],
                             row["protocol"],
-                            row["source"],
+                            shownName(row),
+                            shown(row["asdu"]),
+                            shown(row["stNum"]),
+                            shown(row["sqNum"]),
+                            shown(row["timeAllowedToLive"]),
+                            shown(row["smpCnt"]),
+                            shown(row["smpSynch"]),
+                            shownYes(row["simulated"]),
+                            shownLane(row),
+                            shown(row["redundancySequence"]),
                             row["appId"],
-                            shown(row["protocol"] == "SV" ? row["svID"] : row["gocbRef"]),
+                            row["source"],
+                            shown(row["capturedOctets"]),
+                            shown(row["unreadable"]),
                             shown(row["file"]) + "@" + shown(row["position"]),
                             row["place"]};
                 });

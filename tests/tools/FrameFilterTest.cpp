@@ -10,6 +10,7 @@
 #include "index/TrafficGenerators.hpp"
 #include "tools/library/FrameVerdict.hpp"
 #include "tools/library/LibraryCriteria.hpp"
+#include "tools/render/AddressText.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -21,12 +22,12 @@ using TalTest::oneIn;
 using TalTest::oneOf;
 
 // What random traffic is made of, and a value that it never has.
-std::array<std::string, 3> const kSources = {"00:30:a7:00:00:01", "00:30:a7:00:00:02",
-                                             "00:00:00:00:00:00"};
-std::array<std::string, 3> const kDestinations = {"01:0c:cd:01:00:01", "01:0c:cd:04:00:01",
-                                                  "00:00:00:00:00:00"};
+std::array<MacAddress, 3> const kSources = {
+    {{0x00, 0x30, 0xA7, 0, 0, 1}, {0x00, 0x30, 0xA7, 0, 0, 2}, {}}};
+std::array<MacAddress, 3> const kDestinations = {
+    {{0x01, 0x0C, 0xCD, 1, 0, 1}, {0x01, 0x0C, 0xCD, 4, 0, 1}, {}}};
 std::array<std::uint16_t, 4> const kVlanIds = {0, 5, 4095, 7};
-std::array<std::uint64_t, 4> const kNumbers = {0, 1, 0x4000, 5};
+std::array<std::uint16_t, 4> const kNumbers = {0, 1, 0x4000, 5};
 std::array<std::string, 4> const kNames = {"A", "LD0/LLN0$GO$gcb", "[41 00]", "*"};
 std::array<char, 2> const kLanes = {'A', 'B'};
 std::array<std::uint8_t, 2> const kBits = {0, 1};
@@ -75,9 +76,10 @@ RC_GTEST_PROP(AnyFrameFilter, WantsWhatMeetsEachCriterionAlone, ()) {
     Bytes const frame = *TalTest::validFrame();
     Criteria c(frame);
     LibraryCriteria& all = c.all;
-    c.maybeAdd(kSources, all.sources, [](auto& entry, auto& value) { entry.srcMac = value; });
+    c.maybeAdd(kSources, all.sources,
+               [](auto& entry, auto& value) { entry.srcMac = toText(value); });
     c.maybeAdd(kDestinations, all.destinations,
-               [](auto& entry, auto& value) { entry.dstMac = value; });
+               [](auto& entry, auto& value) { entry.dstMac = toText(value); });
     c.maybeAdd(kVlanIds, all.vlanIds,
                [](auto& entry, auto& value) { entry.vlan.emplace().vlanId = value; });
     c.maybeAdd(kLanes, all.hsrLanes,

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CaptureFile.hpp"
+#include "support/SampledValues.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
@@ -30,6 +32,21 @@ TEST(LibraryGroup, IsNamedInComplaints) {
 }
 
 TEST(LibraryStreams, AreTheStreamsOfItsIndex) {
+    // Of several ASDUs the last one alone; each lane is a stream.
+    SvMessage message;
+    message.asdus.resize(2);
+    message.asdus[1].svID = "MU02";
+    TempFile const capture(CaptureBuilder()
+                               .add(1, 0, svFrame(svEthernet().withHsr('A'), message))
+                               .add(2, 0, svFrame(svEthernet().withHsr('B'), message))
+                               .bytes());
+    auto const rows = rowsOf({"library", "streams", capture.path()});
+    EXPECT_EQ(fieldOf(rows, "svID"), (std::vector<Json>{"MU02", "MU02"}));
+    EXPECT_EQ(fieldOf(rows, "hsrLane"), (std::vector<Json>{"A", "B"}));
+    EXPECT_EQ(fieldOf(rows, "simulationPresent"), (std::vector<Json>{nullptr, nullptr}));
+}
+
+TEST(LibraryStreams, AreSelectedAndOrderedAsStreamsAre) {
     TempFile const file(memberTraffic());
     for (Arguments const& more : {Arguments{},
                                   {"-f", "json"},
@@ -38,7 +55,7 @@ TEST(LibraryStreams, AreTheStreamsOfItsIndex) {
         auto const streams = runCompanion(joined({"streams", file.path()}, more));
         auto const library = runCompanion(joined({"library", "streams", file.path()}, more));
         EXPECT_EQ(library.status, 0);
-        EXPECT_EQ(library.out, streams.out);
+        EXPECT_EQ(linesOf(library.out).size(), linesOf(streams.out).size());
         EXPECT_GT(linesOf(library.out).size(), 2U);
     }
 }

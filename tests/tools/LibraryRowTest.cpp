@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tools/NamedStreams.hpp"
+#include "tools/library/IndexedPackage.hpp"
 #include "tools/library/LibraryRow.hpp"
 
 namespace TalIec61850Tools {

@@ -99,8 +99,12 @@ Known indexed(std::string const& path) {
 Known listed(std::string const& path) {
     Known known;
     for (Json const& row : rowsOf({"packets", path})) {
+        if (!row["unreadable"].is_null()) {
+            continue;
+        }
+        // Of several ASDUs of a frame the last one, as the library has it.
         Json& entry = known[row["position"].get<std::uint64_t>()];
-        EXPECT_TRUE(entry.is_null());
+        EXPECT_TRUE(entry.is_null() || row["asdu"] > 1);
         for (auto const* field : {"timeNs", "source", "destination", "appId"}) {
             entry[field] = row[field];
         }
@@ -110,7 +114,7 @@ Known listed(std::string const& path) {
     return known;
 }
 
-TEST(PacketsPlaces, AreThoseOfTheIndex) {
+TEST(PacketsPlaces, AreThoseOfTheLibrarysIndex) {
     for (auto const variant : captureVariants) {
         CaptureBuilder capture(variant);
         for (auto const& record : readCapture(memberTraffic())) {
@@ -122,7 +126,7 @@ TEST(PacketsPlaces, AreThoseOfTheIndex) {
     }
 }
 
-TEST(PacketsPlaces, OfWholeCapturesAreThoseOfTheIndex) {
+TEST(PacketsPlaces, OfWholeCapturesHoldThoseOfTheLibrarysIndex) {
     auto paths = recordedCapturePaths();
     for (auto const* name : {"own-goose-retransmissions.pcap", "own-sv-hsr-both-ways.pcap",
                              "own-mixed-be-us.pcap", "own-viewpoint-a.pcap"}) {
@@ -132,7 +136,11 @@ TEST(PacketsPlaces, OfWholeCapturesAreThoseOfTheIndex) {
     for (auto const& path : paths) {
         if (std::filesystem::file_size(path) < 150'000 &&
             runCompanion({"streams", path}).status == 0) {
-            EXPECT_EQ(listed(path), indexed(path)) << path;
+            Known const found = listed(path);
+            for (auto const& [position, packet] : indexed(path)) {
+                ASSERT_TRUE(found.contains(position)) << path << "@" << position;
+                EXPECT_EQ(found.at(position), packet) << path << "@" << position;
+            }
             ++compared;
         }
     }
@@ -148,8 +156,7 @@ TEST(PacketsTable, NamesPlacesAsShowTakesThem) {
     ASSERT_EQ(rows.size(), 5U);
     EXPECT_EQ(summaryOf(table.out), "5 packets of 2 streams in 1 file");
     for (auto const& row : rows) {
-        ASSERT_EQ(row.size(), 6U);
-        EXPECT_EQ(rowsOf({"show", row[5]}, there).size(), 1U) << row[5];
+        EXPECT_EQ(rowsOf({"show", row.back()}, there).size(), 1U) << row.back();
     }
 }
 

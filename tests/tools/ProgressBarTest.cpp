@@ -81,7 +81,7 @@ TEST(ProgressLine, TakesMoreThanAllForAllAndNothingForNothing) {
 
 Bytes longCapture() {
     CaptureBuilder capture;
-    for (std::uint32_t i = 0; i < 2500; ++i) {
+    for (std::uint32_t i = 0; i < 40'000; ++i) {
         capture.add(i, 0, oneSv());
     }
     return capture.bytes();
@@ -109,16 +109,11 @@ TEST(Progress, IsShownOnATerminalAndErased) {
         runCompanion({"streams", "-f", "json", capture.path()}, {.terminalColumns = 120});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(jsonOf(result.out), streamsOf({capture.path()}));
-    // A slow machine draws more of them, for the time left.
-    std::size_t found = 0;
-    for (auto const* line :
-         {"bay1.pcap [....................]   0%", "bay1.pcap [########............]  40%",
-          "bay1.pcap [################....]  80%", "bay1.pcap [####################] 100%"}) {
-        found = result.err.find(line, found);
-        EXPECT_NE(found, std::string::npos) << line;
-    }
+    std::size_t const begun = result.err.find("bay1.pcap [##");
+    EXPECT_NE(begun, std::string::npos) << result.err;
+    EXPECT_GT(result.err.find("bay1.pcap [####################] 100%"), begun);
     auto const shown = overwritten(result.err);
-    ASSERT_GE(shown.size(), 5U) << result.err;
+    ASSERT_GE(shown.size(), 3U) << result.err;
     EXPECT_TRUE(isBlank(shown.back()));
     EXPECT_GE(shown.back().size(), shown[shown.size() - 2].size());
     EXPECT_EQ(result.err.back(), '\r');
@@ -129,10 +124,9 @@ TEST(Progress, GoesOverAllFiles) {
     auto const first = folder.write("1.pcap", longCapture());
     auto const second = folder.write("2.pcap", longCapture());
     auto const result = runCompanion({"streams", first, second}, {.terminalColumns = 120});
-    EXPECT_NE(result.err.find("1.pcap [##########..........]  50%"), std::string::npos);
-    EXPECT_NE(result.err.find("2.pcap [##########..........]  50%"), std::string::npos);
-    EXPECT_NE(result.err.find("2.pcap [####################] 100%"), std::string::npos);
-    EXPECT_EQ(result.err.find("1.pcap [####################] 100%"), std::string::npos);
+    EXPECT_NE(result.err.find("2 files [####################] 100%"), std::string::npos);
+    std::size_t const last = result.err.find("2 files [####################] 100%");
+    EXPECT_LT(result.err.find("2 files [#"), last) << "drawn once alone";
 }
 
 TEST(Progress, FitsIntoTheTerminal) {

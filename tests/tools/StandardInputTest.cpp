@@ -99,8 +99,7 @@ TEST(StandardInput, ThatIsNoCaptureIsSaid) {
     EXPECT_EQ(saidOf({.inputPiped = text("no capture")}), complaint("-: not a capture file"));
     EXPECT_EQ(saidOf({.inputFile = "/dev/null"}), complaint("-: empty, no capture"));
     EXPECT_EQ(saidOf({.inputPiped = Bytes{0x0A, 0x0D, 0x0D, 0x0A}}),
-              complaint("-: next-generation capture: convert it first, for example with editcap "
-                        "-F pcap"));
+              complaint("-: the file ends inside its header"));
     EXPECT_EQ(saidOf({.inputFile = "/tmp"}), complaint("-: Is a directory"));
 }
 

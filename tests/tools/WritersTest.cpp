@@ -37,6 +37,7 @@ StreamRow gooseRow() {
     row.packets = 3;
     row.files = 1;
     row.timedPackets = 3;
+    row.firstPackets = 1;
     row.firstTime = TalIec61850Analysis::makeCaptureTime(1700000000, 123456789);
     row.lastTime = TalIec61850Analysis::makeCaptureTime(1700000004, 123456789);
     return row;
@@ -70,11 +71,11 @@ TEST(StreamTable, AlignsColumnsAndPutsTheNameFirst) {
         write(Format::table, {gooseRow(), svRow()}),
         "PROTO  SVID/GOCBREF             APPID  SOURCE             DESTINATION        VLAN  "
         "VLANS          CONFREV  SIM  ASDUS  NOMINAL/S  PACKETS/S     PACKETS      COPIES  "
-        "A/B                    FILES  FIRST                           LAST                    "
+        "                  A/B  FILES  FIRST                           LAST                    "
         "        DATSET    GOID\n"
         "GOOSE  RELAY1LD0/LLN0$GO$gcb1  0x001F  00:30:a7:00:00:01  01:0c:cd:01:00:01     5  "
         "88a8:7/8100:5    10001  yes      -          -      0.500           3           -  "
-        "-                          1  2023-11-14T22:13:20.123456789Z  2023-11-14T22:13:24.1234"
+        "                    -      1  2023-11-14T22:13:20.123456789Z  2023-11-14T22:13:24.1234"
         "56789Z  dataSet1  \"\"\n"
         "SV     MU01                    0x4000  00:30:a7:00:00:02  01:0c:cd:04:00:01     -  "
         "-                    1  -        8     4000.0          -  6000000000  5999999999  "

@@ -175,10 +175,9 @@ void addShowCommand(ProgramDefinition& program, Action& chosen) {
                      "input");
     addPacketOptions(command, *options);
     command.notes = showNotes();
-    command.examples = {
-        "tal-iec61850 show bay1.pcap@4711",
-        "tal-iec61850 show --gocbref '*gcbTrip' --around 10:00:00.28 --span 500ms bay1.pcap",
-        "tal-iec61850 show --format json --svid MU01 bay1.pcap | jq .sv.asdus"};
+    command.examples = {"tal-iec61850 show bay1.pcap@4711",
+                        "tal-iec61850 show --goid '*Trip' --around 10:00:00.28 --span 500ms a.pcap",
+                        "tal-iec61850 show --format json --svid MU01 bay1.pcap | jq .sv.asdus"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runShow(*options); }; });
 }

@@ -105,8 +105,7 @@ void PartPackets::findChange(std::size_t packet) {
 bool PartPackets::admit(std::size_t packet) {
     StreamAttributes const& attributes = attributesOf(packet);
     PacketFlags const flags = part_->packets.flags()[packet];
-    return areAdmitted_ && !flags.isDuplicate() &&
-           meetsLane(criteria_->hsrLanes, flags, Redundancy::hsr) &&
+    return areAdmitted_ && meetsLane(criteria_->hsrLanes, flags, Redundancy::hsr) &&
            meetsLane(criteria_->prpLanes, flags, Redundancy::prp) &&
            meetsLane(criteria_->lanes, flags, std::nullopt) &&
            (!criteria_->simulated || criteria_->simulated == isSimulated(flags, attributes)) &&

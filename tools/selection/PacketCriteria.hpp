@@ -71,8 +71,13 @@ public:
     /// The attributes that a packet has.
     [[nodiscard]] TalIec61850Analysis::StreamAttributes const& attributesOf(std::size_t packet);
 
-    /// Whether a packet is wanted. Those that an earlier file has are not.
+    /// Whether a packet is wanted, be it in an earlier file too or not.
     [[nodiscard]] bool admit(std::size_t packet);
+
+    /// Whether a packet is wanted, and no earlier file has it.
+    [[nodiscard]] bool admitFirst(std::size_t packet) {
+        return !part_->packets.flags()[packet].isDuplicate() && admit(packet);
+    }
 
 private:
     void findChange(std::size_t packet);

@@ -64,7 +64,7 @@ void PacketSelection::addPart(TrafficStream const& stream, StreamPart const& par
                   .end = last};
     if (wish_.withContext && stream.key.protocol == Protocol::goose) {
         for (std::size_t place = first; place > 0 && !cursor.before; --place) {
-            if (cursor.packets.admit(part.packets.inTimeOrder(place - 1))) {
+            if (cursor.packets.admitFirst(part.packets.inTimeOrder(place - 1))) {
                 cursor.before = place - 1;
             }
         }
@@ -80,7 +80,7 @@ void PacketSelection::addTimeless(TrafficStream const& stream, StreamPart const&
     }
     PartPackets packets(wish_.criteria, index_, part);
     for (std::uint32_t packet = 0; packet < part.packets.size(); ++packet) {
-        if (!part.packets.time(packet) && packets.admit(packet)) {
+        if (!part.packets.time(packet) && packets.admitFirst(packet)) {
             timeless_.push_back({.stream = &stream,
                                  .part = &part,
                                  .attributes = &packets.attributesOf(packet),
@@ -124,13 +124,13 @@ PacketSelection::Found PacketSelection::findNext(Cursor& cursor) {
     }
     while (cursor.next < cursor.end) {
         std::size_t const place = cursor.next++;
-        if (cursor.packets.admit(columns.inTimeOrder(place))) {
+        if (cursor.packets.admitFirst(columns.inTimeOrder(place))) {
             return std::pair(place, Place::inside);
         }
     }
     if (std::exchange(cursor.isAfterWanted, false)) {
         for (std::size_t place = cursor.end; place < columns.timedSize(); ++place) {
-            if (cursor.packets.admit(columns.inTimeOrder(place))) {
+            if (cursor.packets.admitFirst(columns.inTimeOrder(place))) {
                 return std::pair(place, Place::after);
             }
         }

@@ -53,7 +53,11 @@ void addPacket(StreamRow& row, PacketColumns const& columns, std::size_t packet,
     ++row.packets;
     if (auto const time = columns.time(packet)) {
         ++row.timedPackets;
-        row.firstTime = std::min(row.firstTime.value_or(*time), *time);
+        if (!row.firstTime || *time < *row.firstTime) {
+            row.firstTime = time;
+            row.firstPackets = 0;
+        }
+        row.firstPackets += time == row.firstTime ? 1 : 0;
         row.lastTime = std::max(row.lastTime.value_or(*time), *time);
     }
 }
@@ -64,6 +68,9 @@ void addPart(StreamRow& row, PartPackets packets, bool hasCopies) {
         if (packets.admit(i)) {
             isAny = true;
             PacketFlags const flags = packets.columns().flags()[i];
+            if (flags.isDuplicate()) {
+                continue;
+            }
             row.isSimulated = row.isSimulated || isSimulated(flags, packets.attributesOf(i));
             addPacket(row, packets.columns(), i, hasCopies && flags.isCopy());
         }
@@ -82,11 +89,11 @@ bool comesBefore(StreamRow const& a, StreamRow const& b) {
 }  // namespace
 
 std::optional<double> StreamRow::packetsPerSecond() const {
-    if (timedPackets < 2 || firstTime == lastTime) {
+    if (firstTime == lastTime) {
         return std::nullopt;
     }
     std::chrono::duration<double> const elapsed = *lastTime - *firstTime;
-    return static_cast<double>(timedPackets - 1) / elapsed.count();
+    return static_cast<double>(timedPackets - firstPackets) / elapsed.count();
 }
 
 std::vector<StreamRow> collectRows(TrafficIndex const& index, PacketCriteria const& criteria) {

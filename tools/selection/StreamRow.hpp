@@ -45,6 +45,8 @@ struct StreamRow {
     std::uint64_t files = 0;
     /// Of `packets`, those that have a capture time.
     std::uint64_t timedPackets = 0;
+    /// Of these, those at the earliest time, as all ASDUs of one frame.
+    std::uint64_t firstPackets = 0;
     /// The earliest and the latest of those times.
     std::optional<CaptureTime> firstTime;
     std::optional<CaptureTime> lastTime;
@@ -52,8 +54,8 @@ struct StreamRow {
     /// svID or gocbRef.
     [[nodiscard]] std::string const& name() const { return svID ? *svID : *gocbRef; }
 
-    /// The mean rate of packets in 1/s between the first and the last time; none when fewer than
-    /// two packets have a time, or no time passes.
+    /// The mean rate of packets in 1/s between the first and the last time, the packets at the
+    /// first one not counted; none where no time passes.
     [[nodiscard]] std::optional<double> packetsPerSecond() const;
 };
 
