@@ -1,14 +1,33 @@
 #include "tools/render/AddressText.hpp"
 
-#include <fmt/format.h>
+#include <string_view>
 
 namespace TalIec61850Tools {
 
-std::string toText(MacAddress const& address) {
-    return fmt::format("{:02x}:{:02x}:{:02x}:{:02x}:{:02x}:{:02x}", address[0], address[1],
-                       address[2], address[3], address[4], address[5]);
+namespace {
+
+/// Appends the two digits of an octet.
+void appendHex(std::string& text, unsigned octet, std::string_view digits) {
+    text += digits[octet >> 4U & 0xFU];
+    text += digits[octet & 0xFU];
 }
 
-std::string appIdText(std::uint64_t appId) { return fmt::format("0x{:04X}", appId); }
+}  // namespace
+
+std::string toText(MacAddress const& address) {
+    std::string text;
+    for (std::uint8_t const octet : address) {
+        text += text.empty() ? "" : ":";
+        appendHex(text, octet, "0123456789abcdef");
+    }
+    return text;
+}
+
+std::string appIdText(std::uint16_t appId) {
+    std::string text = "0x";
+    appendHex(text, appId >> 8U, "0123456789ABCDEF");
+    appendHex(text, appId, "0123456789ABCDEF");
+    return text;
+}
 
 }  // namespace TalIec61850Tools

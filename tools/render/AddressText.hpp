@@ -12,6 +12,6 @@ using TalIec61850Analysis::MacAddress;
 [[nodiscard]] std::string toText(MacAddress const& address);
 
 /// Four hexadecimal digits, such as 0x4000.
-[[nodiscard]] std::string appIdText(std::uint64_t appId);
+[[nodiscard]] std::string appIdText(std::uint16_t appId);
 
 }  // namespace TalIec61850Tools
