@@ -27,8 +27,8 @@ public:
     [[nodiscard]] std::size_t result() const { return sum_; }
 
 private:
-    __extension__ typedef unsigned __int128
-        Product;  // NOLINT(modernize-use-using): cannot be marked
+    // NOLINTNEXTLINE(modernize-use-using): a using cannot be marked as an extension
+    __extension__ typedef unsigned __int128 Product;
 
     struct Secret {
         std::uint64_t start = 0;
