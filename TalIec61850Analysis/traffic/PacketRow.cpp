@@ -114,8 +114,10 @@ void ColumnsWriter::makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset) {
             // rest: mostly the columns need not grow again.
             double const share = static_cast<double>(fileSize) / static_cast<double>(fileOffset);
             constexpr double kReserve = 1.05;
-            auto const told =
-                static_cast<std::size_t>(static_cast<double>(needed) * share * kReserve);
+            // A file may be large and hold nothing more: room follows the packets that are there.
+            constexpr double kMostGrowth = 1024;
+            auto const told = static_cast<std::size_t>(static_cast<double>(needed) *
+                                                       std::min(share * kReserve, kMostGrowth));
             capacity = std::max(told, needed + needed / 4);
         }
         reserve(capacity);
