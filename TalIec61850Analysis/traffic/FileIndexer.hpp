@@ -36,6 +36,8 @@ public:
     explicit FileIndexer(std::function<bool(StreamKey const&)> const& keeps,
                          WalkMemory memory = WalkMemory::on)
         : keeps_(keeps), memoryUse_(memory) {}
+    explicit FileIndexer(std::function<bool(StreamKey const&)>&& keeps,
+                         WalkMemory memory = WalkMemory::on) = delete;
     FileIndexer(FileIndexer const&) = delete;
     FileIndexer& operator=(FileIndexer const&) = delete;
 
