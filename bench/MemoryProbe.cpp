@@ -34,6 +34,13 @@ double residentPerTruePacket(std::string const& path) {
     return octets;
 }
 
+double peakOfRecordAt(std::string const& path) {
+    constexpr double kMebibyte = 1 << 20U;
+    double octets = 0;
+    ask({"record-at", path}) >> octets;
+    return octets / kMebibyte;
+}
+
 double residentPerPacket(std::string const& path) {
     double octets = 0;
     ask({"resident", path}) >> octets;

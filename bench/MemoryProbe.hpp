@@ -29,6 +29,10 @@ struct Allocations {
 /// The same of the index true to the wire, in octets per packet of its streams.
 [[nodiscard]] double residentPerTruePacket(std::string const& path);
 
+/// The most that the resident memory (VmHWM) of a process grows by that finds records of a capture
+/// by offsets drawn in it, and reads their frames, in MiB.
+[[nodiscard]] double peakOfRecordAt(std::string const& path);
+
 /// By how much the resident memory (VmHWM) of a process grows at most that uses an input built to
 /// hurt, in octets.
 /// @param name  of the input

@@ -134,7 +134,8 @@ bool measureKind(PacketKind const& kind, Settings const& settings) {
     race.addShort("faults",
                   eachFrame(frames, [=](auto const& f) { return lookForFaults(f, isSv); }));
     race.addShort("owning", eachFrame(frames, [=](auto const& f) { return decodeWhole(f, isSv); }));
-    if (hasTshark()) {
+    bool const withTshark = settings.withPrograms && hasTshark();
+    if (withTshark) {
         race.add("tshark", capture.frames(), tsharkPass(capture.path()), kTsharkRounds);
     }
     auto taken = race.run(settings.rounds);
@@ -144,7 +145,7 @@ bool measureKind(PacketKind const& kind, Settings const& settings) {
     bool isWithin =
         printBound(row("view / owning"), taken["view"], taken["owning"], kind.viewLimit);
     printRatio(row("faults of a view / owning"), taken["faults"], taken["owning"]);
-    if (hasTshark()) {
+    if (withTshark) {
         isWithin &=
             printBound(row("owning / tshark"), taken["owning"], taken["tshark"], kind.tsharkLimit);
     }

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Parser/TalIec61850Parser.hpp>
 #include <array>
 #include <atomic>
@@ -76,6 +77,15 @@ bool runSilently(std::vector<std::string> command) {
            WEXITSTATUS(status) == 0;
 }
 
+/// GOOSE and SV frames of all files.
+std::uint64_t framesIn(TalIec61850Analysis::TrafficIndex const& index) {
+    std::uint64_t frames = 0;
+    for (auto const& file : index.files()) {
+        frames += file.summary.gooseFrames + file.summary.svFrames;
+    }
+    return frames;
+}
+
 }  // namespace
 
 Race::Body indexPass(std::string const& path, Filter const& filter, std::uint64_t packets,
@@ -93,6 +103,23 @@ Race::Body indexPass(std::string const& path, Filter const& filter, std::uint64_
                 return;
             }
             db.reset();
+            state.ResumeTiming();
+        }
+    };
+}
+
+Race::Body trafficPass(std::vector<std::string> const& paths,
+                       TalIec61850Analysis::TrafficOptions const& options, std::uint64_t frames) {
+    return [=](benchmark::State& state) {
+        for (auto _ : state) {
+            auto index = std::make_unique<TalIec61850Analysis::TrafficIndex>(
+                TalIec61850Analysis::indexCaptures(paths, options));
+            state.PauseTiming();
+            if (framesIn(*index) != frames) {
+                state.SkipWithError("the index does not hold what it should");
+                return;
+            }
+            index.reset();
             state.ResumeTiming();
         }
     };

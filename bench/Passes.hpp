@@ -1,10 +1,12 @@
 #pragma once
 
+#include <TalIec61850Analysis/traffic/TrafficOptions.hpp>
 #include <TalIec61850Parser/capture/Filter.hpp>
 #include <TalIec61850Parser/capture/IndexOptions.hpp>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "bench/Race.hpp"
 
@@ -21,6 +23,12 @@ namespace TalBench {
                                    std::uint64_t packets,
                                    std::function<void(double)> const& progress = {},
                                    TalIec61850Parser::IndexOptions const& options = {});
+
+/// Indexes captures true to the wire; the index is destroyed outside the time.
+/// @param frames  of GOOSE and SV that the index is to count
+[[nodiscard]] Race::Body trafficPass(std::vector<std::string> const& paths,
+                                     TalIec61850Analysis::TrafficOptions const& options,
+                                     std::uint64_t frames);
 
 /// Reads the file with read(2) in blocks of 1 MiB: no reader is faster by much.
 [[nodiscard]] Race::Body readPass(std::string const& path);

@@ -34,7 +34,11 @@ void measureDecode(Settings const& settings);
 /// @throws std::runtime_error when a limit is exceeded
 void measurePackets(Settings const& settings);
 
-/// The index true to the wire: against the given library's, its memory, and several threads.
+/// Capture files: one format against the other, and finding a record by its offset.
+void measureFiles(Settings const& settings);
+
+/// The index true to the wire: against the given library's, its memory, reading
+/// ahead, and several threads.
 void measureTraffic(Settings const& settings);
 
 /// Judging a single frame, against copying it; and what it allocates.

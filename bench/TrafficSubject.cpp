@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <array>
 #include <cstdint>
 #include <fstream>
@@ -21,47 +20,32 @@ namespace TalBench {
 
 namespace {
 
-using TalIec61850Analysis::indexCaptures;
-using TalIec61850Analysis::TrafficIndex;
-using TalIec61850Analysis::TrafficStream;
-
-/// Packets of all streams, as frames count them: the first ASDU of each.
-std::uint64_t framesIn(TrafficIndex const& index) {
-    std::uint64_t frames = 0;
-    for (auto const& file : index.files()) {
-        frames += file.summary.gooseFrames + file.summary.svFrames;
-    }
-    return frames;
-}
-
-/// Indexes captures true to the wire; the index is destroyed outside the time.
-Race::Body trafficPass(std::vector<std::string> const& paths, std::size_t jobs,
-                       std::uint64_t frames) {
-    return [=](benchmark::State& state) {
-        for (auto _ : state) {
-            auto index = std::make_unique<TrafficIndex>(indexCaptures(paths, {.jobs = jobs}));
-            state.PauseTiming();
-            if (framesIn(*index) != frames) {
-                state.SkipWithError("the index does not hold what it should");
-                return;
-            }
-            index.reset();
-            state.ResumeTiming();
-        }
-    };
-}
-
 /// The true index against the given library's, both on one thread.
 void compareIndexes(std::string_view name, Settings const& settings) {
     Workload const listed = workload(name);
     CaptureOnDisk const capture(withFrames(listed, listed.frames / settings.divisor));
     Race race(fmt::format("traffic-{}", name));
     race.add("given", capture.frames(), indexPass(capture.path(), {}, capture.packets()));
-    race.add("true", capture.frames(), trafficPass({capture.path()}, 1, capture.packets()));
+    race.add("true", capture.frames(), trafficPass({capture.path()}, {}, capture.packets()));
     auto taken = race.run(settings.rounds);
     printRatio(fmt::format("{}: true index / index", name), taken["true"], taken["given"]);
     printNumber(fmt::format("{}: octets resident per packet, true index", name),
                 residentPerTruePacket(capture.path()));
+}
+
+/// The true index with a second thread that reads, against reading the file.
+void compareReadAhead(Settings const& settings) {
+    Workload const listed = workload("sv16");
+    CaptureOnDisk const capture(withFrames(listed, listed.frames / settings.divisor));
+    Race race("traffic-ahead");
+    race.add("read", capture.frames(), readPass(capture.path()));
+    race.add("plain", capture.frames(), trafficPass({capture.path()}, {}, capture.packets()));
+    race.add("ahead", capture.frames(),
+             trafficPass({capture.path()}, {.read = TalIec61850Analysis::ReadMode::ahead},
+                         capture.packets()));
+    auto taken = race.run(settings.rounds);
+    printRatio("sv16: true index with read-ahead / read(2)", taken["ahead"], taken["read"]);
+    printRatio("sv16: true index with read-ahead / without", taken["ahead"], taken["plain"]);
 }
 
 /// Moves all records of a capture in time. They are little-endian, as those of all workloads that
@@ -97,8 +81,8 @@ void compareJobs(Settings const& settings) {
         frames += captures.back()->packets();
     }
     Race race("traffic-jobs");
-    race.add("one", frames, trafficPass(paths, 1, frames));
-    race.add("two", frames, trafficPass(paths, 2, frames));
+    race.add("one", frames, trafficPass(paths, {.jobs = 1}, frames));
+    race.add("two", frames, trafficPass(paths, {.jobs = 2}, frames));
     auto taken = race.run(settings.rounds);
     printRatio("eight files: two threads / one", taken["two"], taken["one"]);
 }
@@ -109,7 +93,10 @@ void measureTraffic(Settings const& settings) {
     for (std::string_view const name : {"sv16", "goose64", "mix1000"}) {
         compareIndexes(name, settings);
     }
-    compareJobs(settings);
+    if (settings.countsRealTime) {  // the time of this thread alone says nothing
+        compareReadAhead(settings);
+        compareJobs(settings);
+    }
 }
 
 }  // namespace TalBench

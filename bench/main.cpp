@@ -34,13 +34,14 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 10> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 11> subjects = {{
     {"index", measureIndexes},
     {"ahead", measureAhead},
     {"growth", measureGrowth},
     {"queries", measureQueries},
     {"decode", measureDecode},
     {"packets", measurePackets},
+    {"files", measureFiles},
     {"traffic", measureTraffic},
     {"judge", measureJudge},
     {"memory", measureMemory},

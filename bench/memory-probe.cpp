@@ -2,17 +2,20 @@
 //   memory-probe allocations FILE  what indexing a capture allocates, and what of it is the deques'
 //   memory-probe resident FILE     how much the process grows by, in octets per packet
 //   memory-probe true-resident FILE  the same of the index true to the wire
+//   memory-probe record-at FILE    how much it grows at most by finding records of a capture
 //   memory-probe hostile NAME PATH  how much it grows at most by using an input built to hurt
 //   memory-probe judge             what judging each of a few frames allocates, and its text
 
 #include <fmt/format.h>
 
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Parser/TalIec61850Parser.hpp>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -87,6 +90,20 @@ void measureTrueResident(std::string const& path) {
     fmt::print("{}\n", static_cast<double>(after - before) / static_cast<double>(packets));
 }
 
+void measureRecordAt(std::string const& path) {
+    constexpr int times = 1000;
+    std::uint64_t const before = residentOctets();
+    TalIec61850Analysis::CaptureFile capture(path);
+    std::mt19937_64 random(61850);
+    for (int i = 0; i < times; ++i) {
+        auto const record = capture.recordAt(random() % capture.size());
+        if (record) {
+            static_cast<void>(capture.frameOf(*record));
+        }
+    }
+    fmt::print("{}\n", TalBench::peakResidentOctets() - before);
+}
+
 void measurePeak(std::string_view name, std::string const& path) {
     auto const input = TalBench::hostileInput(name);
     std::uint64_t const before = residentOctets();
@@ -118,6 +135,8 @@ int main(int argc, char** argv) {
         measureResident(argv[2]);
     } else if (subject == "true-resident" && argc == 3) {
         measureTrueResident(argv[2]);
+    } else if (subject == "record-at" && argc == 3) {
+        measureRecordAt(argv[2]);
     } else if (subject == "hostile" && argc == 4) {
         measurePeak(argv[2], argv[3]);
     } else if (subject == "judge" && argc == 2) {
@@ -125,7 +144,7 @@ int main(int argc, char** argv) {
     } else {
         fmt::print(stderr,
                    "usage: memory-probe allocations FILE | resident FILE | true-resident FILE | "
-                   "hostile NAME PATH | judge\n");
+                   "record-at FILE | hostile NAME PATH | judge\n");
         return 1;
     }
     return 0;

@@ -99,11 +99,75 @@ std::size_t NextGenerationDecoder::decode(std::span<std::uint8_t const> octets,
                                           std::uint64_t fileOffset, WalkedRecords& walked) {
     std::size_t begin = 0;
     while (!walked.isFull() && begin <= octets.size()) {
+        begin += decodeUsual(octets.subspan(begin), fileOffset + begin, walked);
+        if (walked.isFull()) {
+            break;
+        }
         std::size_t const used = decodeBlock(octets.subspan(begin), fileOffset + begin, walked);
         if (used == 0) {
             break;
         }
         begin += used;
+    }
+    return begin;
+}
+
+/// Decodes whole enhanced packet blocks that have no options and nothing wrong, as nearly all
+/// blocks of a capture are: up to the first other one.
+/// @return how many octets are done with
+inline std::size_t NextGenerationDecoder::decodeUsual(std::span<std::uint8_t const> octets,
+                                                      std::uint64_t fileOffset,
+                                                      WalkedRecords& walked) const {
+    if (section_.isPassedOver) {
+        return 0;
+    }
+    return section_.isLittleEndian ? decodeUsualAs<true>(octets, fileOffset, walked)
+                                   : decodeUsualAs<false>(octets, fileOffset, walked);
+}
+
+template <bool IsLittleEndian>
+std::size_t NextGenerationDecoder::decodeUsualAs(std::span<std::uint8_t const> octets,
+                                                 std::uint64_t fileOffset,
+                                                 WalkedRecords& walked) const {
+    constexpr std::size_t kTypeAndLength = wire::kBlockHeaderSize;
+    constexpr std::size_t kAround = kTypeAndLength + 20 + wire::kBlockTrailerSize;
+    std::size_t begin = 0;
+    while (!walked.isFull() && octets.size() - begin >= kAround) {
+        auto const block = octets.subspan(begin);
+        if (wire::readFileUint32(block, 0, IsLittleEndian) != wire::kEnhancedPacketBlock) {
+            break;
+        }
+        auto const header = wire::PacketHeader::read(wire::kEnhancedPacketBlock,
+                                                     block.subspan(kTypeAndLength), IsLittleEndian);
+        std::size_t const size = *header.capturedSize;
+        std::size_t const length = kAround + wire::padded(size);
+        bool const isWhole =
+            size <= kLongestFrame && length <= block.size() &&
+            wire::readFileUint32(block, 4, IsLittleEndian) == length &&
+            wire::readFileUint32(block, length - wire::kBlockTrailerSize, IsLittleEndian) == length;
+        if (!isWhole || header.interface >= section_.interfaceCount) {
+            break;
+        }
+        std::uint32_t const index = section_.firstInterface + header.interface;
+        InterfaceUse const& use = table_->uses[index];
+        auto const time = use.timeUnit.nanoseconds(*header.time);
+        if (!use.isKnown || !time) {
+            break;
+        }
+        CaptureInterface& interface = table_->interfaces[index];
+        RecordView& view = walked.add();
+        view.frame = block.subspan(kTypeAndLength + header.size, size);
+        CaptureRecord& record = view.record;
+        record.fileOffset = fileOffset + begin;
+        record.frameOffset = record.fileOffset + kTypeAndLength + header.size;
+        record.time = CaptureTime(std::chrono::nanoseconds(*time));
+        record.capturedSize = static_cast<std::uint32_t>(size);
+        record.originalSize = header.originalSize;
+        record.linkType = interface.linkType;
+        record.interface = index;
+        record.dropped.reset();
+        interface.records += isCounting_ ? 1 : 0;
+        begin += length;
     }
     return begin;
 }

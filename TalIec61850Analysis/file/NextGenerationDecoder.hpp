@@ -61,6 +61,11 @@ private:
         std::span<std::uint8_t const> body;
     };
 
+    [[nodiscard]] std::size_t decodeUsual(std::span<std::uint8_t const> octets,
+                                          std::uint64_t fileOffset, WalkedRecords& walked) const;
+    template <bool IsLittleEndian>
+    [[nodiscard]] std::size_t decodeUsualAs(std::span<std::uint8_t const> octets,
+                                            std::uint64_t fileOffset, WalkedRecords& walked) const;
     std::size_t decodeBlock(std::span<std::uint8_t const> octets, std::uint64_t fileOffset,
                             WalkedRecords& walked);
     [[nodiscard]] static std::optional<CaptureDamage> readLength(

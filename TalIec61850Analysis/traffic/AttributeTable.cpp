@@ -1,7 +1,7 @@
 #include <TalIec61850Analysis/traffic/AttributeTable.hpp>
 #include <TalIec61850Analysis/traffic/JoinedHash.hpp>
 #include <algorithm>
-#include <functional>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,28 +12,41 @@ namespace TalIec61850Analysis::detail {
 
 namespace {
 
-std::uint64_t hashOf(std::optional<std::string> const& text) {
-    return text ? std::hash<std::string_view>()(*text) : 1;
+void add(JoinedHash& hash, std::optional<std::string> const& text) {
+    hash.add(std::uint64_t{text.has_value()});
+    if (text) {
+        hash.add(std::string_view(*text));
+    }
 }
 
-std::uint64_t hashOf(std::optional<Readable<std::uint64_t>> const& number) {
-    auto const* const value = number ? std::get_if<std::uint64_t>(&*number) : nullptr;
-    return value != nullptr ? *value : std::uint64_t{number.has_value()};
-}
-
-std::size_t hashOf(StreamAttributes const& attributes) {
-    JoinedHash hash;
-    hash.add(attributes.asdus);
-    hash.add(hashOf(attributes.datSet));
-    hash.add(hashOf(attributes.goID));
-    hash.add(hashOf(attributes.confRev));
-    hash.add(hashOf(attributes.smpRate));
-    hash.add(hashOf(attributes.smpMod));
-    hash.add(std::uint64_t{attributes.isCut} << 1U | std::uint64_t{attributes.simulatedBit});
-    return hash.result();
+template <typename Value>
+void add(JoinedHash& hash, std::optional<Readable<Value>> const& attribute) {
+    hash.add(attribute ? 1 + attribute->index() : std::uint64_t{0});
+    if (!attribute) {
+        return;
+    }
+    if (auto const* const octets = std::get_if<OctetString>(&*attribute)) {
+        hash.add(Octets(*octets));
+    } else {
+        hash.add(std::uint64_t{std::get<Value>(*attribute)});
+    }
 }
 
 }  // namespace
+
+std::size_t hashOf(StreamAttributes const& attributes) {
+    JoinedHash hash;
+    hash.add(std::uint64_t{attributes.asdus} << 2U | std::uint64_t{attributes.isCut} << 1U |
+             std::uint64_t{attributes.simulatedBit});
+    add(hash, attributes.datSet);
+    add(hash, attributes.confRev);
+    add(hash, attributes.goID);
+    add(hash, attributes.simulation);
+    add(hash, attributes.ndsCom);
+    add(hash, attributes.smpRate);
+    add(hash, attributes.smpMod);
+    return hash.result();
+}
 
 std::uint32_t AttributeTable::numberOf(StreamAttributes const& attributes) {
     std::size_t const hash = hashOf(attributes);

@@ -10,6 +10,9 @@
 
 namespace TalIec61850Analysis::detail {
 
+/// Of all members: what a capture holds must not lead to many that share one hash.
+[[nodiscard]] std::size_t hashOf(StreamAttributes const& attributes);
+
 /// Keeps attributes that are equal once, and numbers them from 0 in the order in which they came.
 class AttributeTable {
 public:

@@ -32,87 +32,144 @@ constexpr bool mayBeRead(std::uint16_t etherType) {
            wire::isVlanTpid(etherType) || etherType == wire::kEtherTypeHsr;
 }
 
-/// The number of octets that end at `end`, eight at most.
-std::uint64_t readEndingAt(std::uint8_t const* end, std::uint32_t size) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, end - sizeof word, sizeof word);
+/// The four octets from an offset on, as a number.
+std::uint32_t readFour(std::uint8_t const* octets) {
+    std::uint32_t word = 0;
+    std::memcpy(&word, octets, sizeof word);
     if constexpr (std::endian::native == std::endian::little) {
-        word = __builtin_bswap64(word);
+        word = __builtin_bswap32(word);
     }
-    return word & ~std::uint64_t{0} >> (64U - 8U * size);
+    return word;
 }
 
 }  // namespace
 
-inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, Octets frame) const {
+/// Room for a packet, not initialised.
+inline PacketRow& FileIndexer::addRow(Target const& target, std::uint64_t frameOffset) const {
+    Collected& stream = *target.stream;
+    if (stream.attributes != target.attributes) [[unlikely]] {
+        stream.changes.push_back(
+            {static_cast<std::uint32_t>(stream.packets.size()), target.attributes});
+        stream.attributes = target.attributes;
+    }
+    return stream.packets.add(file_.summary.fileSize, frameOffset);
+}
+
+/// Whether columns hold both counters, whatever their octets are.
+bool FileIndexer::hasPlainCounters(Target const& target) {
+    bool const isGoose = target.stream->protocol == StreamProtocol::goose;
+    auto const isPlain = [](CounterPlace const& place, std::size_t most) {
+        return place.size != 0 && place.size <= most;
+    };
+    return isPlain(target.first, sizeof(PacketRow::first)) &&
+           isPlain(target.second, isGoose ? sizeof(PacketRow::second) : 1);
+}
+
+inline FileIndexer::PlainCounters FileIndexer::plainCounters(Target const& target,
+                                                             StreamProtocol protocol,
+                                                             Octets frame) {
+    auto const maskOf = [](CounterPlace const& place) { return kMaxWord >> (32 - 8 * place.size); };
+    auto const read = [&](CounterPlace const& place) {
+        // The octets before a counter are there: those of the header at least.
+        std::uint8_t const* const end = frame.data() + place.offset + place.size;
+        return readFour(end - sizeof(std::uint32_t)) & maskOf(place);
+    };
+    auto const hasSign = [&](std::uint32_t value, CounterPlace const& place) {
+        return value > maskOf(place) >> 1U;
+    };
+    std::uint32_t const first = read(target.first);
+    std::uint32_t const second = read(target.second);
+    bool const isNegative = protocol == StreamProtocol::goose &&
+                            (hasSign(first, target.first) || hasSign(second, target.second));
+    return {first, second, isNegative ? PacketFlags::kNegative : std::uint16_t{0}};
+}
+
+inline void FileIndexer::addPacket(Target const& target, PacketRow row, Octets frame) const {
     if (target.stream == nullptr) {
         return;
     }
-    Collected& stream = *target.stream;
-    if (stream.attributes != target.attributes) [[unlikely]] {
-        stream.changes.push_back({.firstPacket = static_cast<std::uint32_t>(stream.packets.size()),
-                                  .attributes = target.attributes});
-        stream.attributes = target.attributes;
+    row.asdu = target.asdu;
+    row.flags |= target.flags;
+    bool const isPlain = hasPlainCounters(target);
+    if (isPlain) [[likely]] {
+        auto const counters = plainCounters(target, target.stream->protocol, frame);
+        row.first = counters.first;
+        row.second = counters.second;
+        row.flags |= counters.flags;
     }
-    PacketRow& added = stream.packets.add(file_.summary.fileSize, row.frameOffset);
-    added.time = row.time;
-    added.frameOffset = row.frameOffset;
-    added.pduOffset = row.pduOffset;
-    added.sequence = row.sequence;
-    added.asdu = target.asdu;
-    added.flags = row.flags | target.flags;
-    // The octets before a counter are there: those of the header at least.
-    auto const isPlain = [](CounterPlace const& place) { return place.size - 1 < 4; };
-    if (isPlain(target.first) && isPlain(target.second)) [[likely]] {
-        std::uint8_t const* const octets = frame.data();
-        added.first = static_cast<std::uint32_t>(
-            readEndingAt(octets + target.first.offset + target.first.size, target.first.size));
-        added.second = static_cast<std::uint32_t>(
-            readEndingAt(octets + target.second.offset + target.second.size, target.second.size));
-        bool const isGoose = stream.protocol == StreamProtocol::goose;
-        bool const hasSign =
-            ((octets[target.first.offset] | octets[target.second.offset]) & 0x80U) != 0;
-        added.flags |= isGoose && hasSign ? PacketFlags::kNegative : std::uint16_t{0};
-        if (isGoose || added.second <= std::numeric_limits<std::uint8_t>::max()) [[likely]] {
-            return;
-        }
+    PacketRow& added = addRow(target, row.frameOffset);
+    added = row;
+    if (!isPlain) {
+        readOddCounters(target, frame, added);
     }
-    readOddCounters(target, frame, added);
 }
 
-/// Sets flags and sequence number by the HSR tag, or else by the PRP trailer.
-[[gnu::always_inline]] inline void FileIndexer::readRedundancy(Result const& result,
-                                                               RecordView const& view,
-                                                               PacketRow& row) {
-    Octets const frame = view.frame;
-    auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
-    std::size_t const wireSize = std::max<std::size_t>(frame.size(), view.record.originalSize);
-    auto const set = [&](Redundancy redundancy, bool isB, std::uint16_t sequence) {
-        row.sequence = sequence;
-        row.flags = static_cast<std::uint16_t>(static_cast<unsigned>(redundancy)
-                                                   << PacketFlags::kRedundancyShift |
-                                               (isB ? unsigned{PacketFlags::kLaneB} : 0U));
+namespace {
+
+constexpr std::uint16_t flagsOf(Redundancy redundancy, bool isB) {
+    return static_cast<std::uint16_t>(static_cast<unsigned>(redundancy)
+                                          << PacketFlags::kRedundancyShift |
+                                      (isB ? unsigned{PacketFlags::kLaneB} : 0U));
+}
+
+std::int64_t timeOf(CaptureRecord const& record) {
+    return record.time ? record.time->time_since_epoch().count() : kNoTime;
+}
+
+}  // namespace
+
+/// @pre result.mayHaveTrailer
+inline FileIndexer::RedundancyMark FileIndexer::trailerOf(Result const& result, Octets frame) {
+    auto const markOf = [](PrpTrailer const& trailer) {
+        return RedundancyMark{trailer.sequence,
+                              flagsOf(Redundancy::prp, (trailer.lanId & 1U) != 0)};
     };
-    row.sequence = 0;
-    row.flags = 0;
-    if (result.hasHsr) [[unlikely]] {
-        auto const tag = wire::readHsrTag(frame.subspan(result.lsduOffset));
-        set(Redundancy::hsr, tag.letter() == 'B', tag.sequence);
-        if (!hsrSizeFits(result.lsduOffset, tag.lsduSize, pduEnd, wireSize)) {
-            row.flags |= PacketFlags::kHsrMisfit;
-        }
-    } else if (wireSize == frame.size()) {
-        if (auto const found = findPrpTrailer(frame, pduEnd, result.lsduOffset, false)) {
-            set(Redundancy::prp, found->trailer.lan() == 'B', found->trailer.sequence);
-        }
+    // Mostly at the end. What is found there is used in place, without a copy.
+    if (auto const last = prpTrailerBefore(frame, frame.size(), result.lsduOffset, false)) {
+        return markOf(last->trailer);
     }
+    auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
+    auto const found = searchPrpTrailer(frame, pduEnd, result.lsduOffset, false);
+    return found ? markOf(found->trailer) : RedundancyMark();
 }
 
-[[gnu::always_inline]] inline void FileIndexer::addFrame(Result const& result, Target const* others,
-                                                         RecordView const& view) {
+FileIndexer::RedundancyMark FileIndexer::hsrTagOf(Result const& result, RecordView const& view) {
+    std::size_t const wireSize = std::max<std::size_t>(view.frame.size(), view.record.originalSize);
+    auto const tag = wire::readHsrTag(view.frame.subspan(result.lsduOffset));
+    RedundancyMark mark{tag.sequence, flagsOf(Redundancy::hsr, tag.letter() == 'B')};
+    auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
+    if (!hsrSizeFits(result.lsduOffset, tag.lsduSize, pduEnd, wireSize)) {
+        mark.flags |= PacketFlags::kHsrMisfit;
+    }
+    return mark;
+}
+
+inline void FileIndexer::countFrame(StreamProtocol protocol) {
+    ++(protocol == StreamProtocol::goose ? file_.summary.gooseFrames : file_.summary.svFrames);
+}
+
+/// Adds a usual frame. All of its row is written at once, and nothing of it is read: with many
+/// streams, that would wait for memory.
+inline void FileIndexer::addUsual(Result const& result, RecordView const& view) {
+    countFrame(result.protocol);
+    Target const& target = result.target;
+    auto const counters = plainCounters(target, result.protocol, view.frame);
+    auto const mark = result.mayHaveTrailer ? trailerOf(result, view.frame) : RedundancyMark();
+    addRow(target, view.record.frameOffset) = {
+        .time = timeOf(view.record),
+        .frameOffset = view.record.frameOffset,
+        .first = counters.first,
+        .second = counters.second,
+        .pduOffset = result.pduOffset,
+        .sequence = mark.sequence,
+        .flags = static_cast<std::uint16_t>(target.flags | counters.flags | mark.flags),
+        .asdu = target.asdu};
+}
+
+[[gnu::noinline]] void FileIndexer::addFrame(Result const& result, Target const* others,
+                                             RecordView const& view) {
     CaptureRecord const& record = view.record;
-    ++(result.protocol == StreamProtocol::goose ? file_.summary.gooseFrames
-                                                : file_.summary.svFrames);
+    countFrame(result.protocol);
     if (result.unread) [[unlikely]] {
         file_.summary.unread.push_back({.frameOffset = record.frameOffset,
                                         .time = record.time,
@@ -122,11 +179,15 @@ inline void FileIndexer::addPacket(Target const& target, PacketRow const& row, O
     if (!result.hasTarget) {
         return;
     }
-    PacketRow row;
-    row.time = record.time ? record.time->time_since_epoch().count() : kNoTime;
+    PacketRow row{};
+    row.time = timeOf(record);
     row.frameOffset = record.frameOffset;
     row.pduOffset = result.pduOffset;
-    readRedundancy(result, view, row);
+    auto const mark = result.hasHsr           ? hsrTagOf(result, view)
+                      : result.mayHaveTrailer ? trailerOf(result, view.frame)
+                                              : RedundancyMark();
+    row.sequence = mark.sequence;
+    row.flags = mark.flags;
     addPacket(result.target, row, view.frame);
     for (std::uint32_t i = 0; i < result.otherCount; ++i) {
         addPacket(others[i], row, view.frame);
@@ -165,7 +226,11 @@ void FileIndexer::add(RecordView const& view) {
         result = &walked_;
         others = &walkedTargets_;
     }
-    addFrame(*result, others->data() + result->firstOther, view);
+    if (result->isUsual) [[likely]] {
+        addUsual(*result, view);
+    } else {
+        addFrame(*result, others->data() + result->firstOther, view);
+    }
     if (Result const* const next = memory_.nextInTurn()) {
         // Of many streams, few are in a near cache.
         __builtin_prefetch(next->target.stream, 1);
@@ -173,7 +238,7 @@ void FileIndexer::add(RecordView const& view) {
 }
 
 /// @return whether `walked_` and `walkedTargets_` are what the frame is
-bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
+[[gnu::noinline]] bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
     Octets const frame = view.frame;
     walkFrame(frame, {.linkType = view.record.linkType, .originalSize = view.record.originalSize},
               walk_);
@@ -182,7 +247,7 @@ bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
         return false;
     }
     walkedTargets_.clear();
-    walked_ = resultOf(walkedTargets_);
+    walked_ = resultOf(view, walkedTargets_);
     if (memoryUse_ == WalkMemory::off || frame.size() > Memory::kMaxFrameSize ||
         !memory_.wantsMore()) {
         return true;
@@ -201,7 +266,7 @@ bool FileIndexer::walk(RecordView const& view, std::uint8_t variety) {
     return true;
 }
 
-FileIndexer::Result FileIndexer::resultOf(std::vector<Target>& others) {
+FileIndexer::Result FileIndexer::resultOf(RecordView const& view, std::vector<Target>& others) {
     Result result;
     result.protocol = *walk_.protocol;
     result.pduEnd = walk_.pduEnd;
@@ -218,6 +283,12 @@ FileIndexer::Result FileIndexer::resultOf(std::vector<Target>& others) {
         }
     }
     result.otherCount = static_cast<std::uint32_t>(others.size());
+    // All of it is the same for each frame of the pattern.
+    std::size_t const size = view.frame.size();
+    result.mayHaveTrailer = !result.hasHsr && view.record.originalSize <= size &&
+                            walk_.pduEnd + wire::kPrpTrailerSize <= size;
+    result.isUsual = !result.hasHsr && !result.unread && result.otherCount == 0 &&
+                     result.target.stream != nullptr && hasPlainCounters(result.target);
     return result;
 }
 

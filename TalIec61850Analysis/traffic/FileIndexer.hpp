@@ -36,6 +36,8 @@ public:
     explicit FileIndexer(std::function<bool(StreamKey const&)> const& keeps,
                          WalkMemory memory = WalkMemory::on)
         : keeps_(keeps), memoryUse_(memory) {}
+    explicit FileIndexer(std::function<bool(StreamKey const&)>&& keeps,
+                         WalkMemory memory = WalkMemory::on) = delete;
     FileIndexer(FileIndexer const&) = delete;
     FileIndexer& operator=(FileIndexer const&) = delete;
 
@@ -73,8 +75,8 @@ private:
         std::uint16_t asdu = 0;
         std::uint16_t flags = 0;
     };
-    /// What the walk of a frame resulted in.
-    struct Result {
+    /// What the walk of a frame resulted in: a cache line, of which there are as many as patterns.
+    struct alignas(64) Result {
         Target target;
         /// Index in the frame.
         std::uint64_t pduEnd = 0;
@@ -86,17 +88,40 @@ private:
         StreamProtocol protocol = StreamProtocol::goose;
         bool hasHsr = false;
         bool hasTarget = false;
+        /// Whether there is room for a PRP trailer after the PDU, and no HSR tag.
+        bool mayHaveTrailer = false;
+        /// A frame with one packet that is wanted, with plain counters, and without an HSR tag.
+        bool isUsual = false;
         std::optional<UnreadReason> unread = {};
+    };
+    static_assert(sizeof(Result) == 64);
+    /// What an HSR tag or a PRP trailer adds to a packet.
+    struct RedundancyMark {
+        std::uint16_t sequence = 0;
+        std::uint16_t flags = 0;
+    };
+    /// Both counters, where columns hold them whatever their octets are.
+    struct PlainCounters {
+        std::uint32_t first = 0;
+        std::uint32_t second = 0;
+        std::uint16_t flags = 0;
     };
     using Memory = TalIec61850Parser::wire::FrameMemory<Result>;
 
     [[nodiscard]] bool walk(RecordView const& view, std::uint8_t variety);
-    [[nodiscard]] Result resultOf(std::vector<Target>& others);
+    [[nodiscard]] Result resultOf(RecordView const& view, std::vector<Target>& others);
     [[nodiscard]] Target targetOf(WalkedPacket const& packet);
     [[nodiscard]] Collected& streamOf(StreamKey key);
-    static void readRedundancy(Result const& result, RecordView const& view, PacketRow& row);
+    [[nodiscard]] static RedundancyMark trailerOf(Result const& result, Octets frame);
+    [[nodiscard]] static RedundancyMark hsrTagOf(Result const& result, RecordView const& view);
+    [[nodiscard]] static bool hasPlainCounters(Target const& target);
+    [[nodiscard]] static PlainCounters plainCounters(Target const& target, StreamProtocol protocol,
+                                                     Octets frame);
+    void countFrame(StreamProtocol protocol);
+    void addUsual(Result const& result, RecordView const& view);
     void addFrame(Result const& result, Target const* others, RecordView const& view);
-    void addPacket(Target const& target, PacketRow const& row, Octets frame) const;
+    void addPacket(Target const& target, PacketRow row, Octets frame) const;
+    [[nodiscard]] PacketRow& addRow(Target const& target, std::uint64_t frameOffset) const;
     static void readOddCounters(Target const& target, Octets frame, PacketRow& row);
 
     std::function<bool(StreamKey const&)> const& keeps_;

@@ -29,7 +29,7 @@ FileTraffic indexFile(std::string const& path, std::uint32_t number, TrafficOpti
     summary.path = path;
     FileTraffic traffic;
     try {
-        CaptureFile capture(path);
+        CaptureFile capture(path, options.read);
         summary.fileSize = capture.size();
         summary.format = capture.format();
         std::uint64_t untilCall = kRecordsBetweenCalls;

@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -7,6 +8,89 @@
 #include <utility>
 
 namespace TalIec61850Analysis::detail {
+
+namespace {
+
+// The compiler's own vectors: its code for plain loops from rows to columns takes longer.
+using TwoTimes [[gnu::vector_size(16)]] = std::uint64_t;
+using FourWords [[gnu::vector_size(16)]] = std::uint32_t;
+using EightShorts [[gnu::vector_size(16)]] = std::uint16_t;
+
+template <typename Vector>
+Vector load(void const* from) {
+    Vector vector{};
+    std::memcpy(&vector, from, sizeof vector);
+    return vector;
+}
+
+/// Writes one vector, or several that follow one another.
+template <typename Vectors>
+void store(void* to, Vectors const& vectors) {
+    std::memcpy(to, &vectors, sizeof vectors);
+}
+
+/// Rows that become columns together.
+constexpr std::uint32_t kRowsAtOnce = 8;
+
+/// What so many rows have of each column.
+struct RowsAsColumns {
+    explicit RowsAsColumns(PacketRow const* rows) {
+        for (std::size_t i = 0; i < kRowsAtOnce / 2; ++i) {
+            auto const a = load<TwoTimes>(&rows[2 * i].time);
+            auto const b = load<TwoTimes>(&rows[2 * i + 1].time);
+            times[i] = __builtin_shufflevector(a, b, 0, 2);
+            frameOffsets[i] = __builtin_shufflevector(a, b, 1, 3);
+        }
+        // Of four rows each: pduOffset and sequence, flags and asdu.
+        EightShorts places[2];
+        EightShorts marks[2];
+        for (std::size_t i = 0; i < 2; ++i) {
+            PacketRow const* const four = rows + 4 * i;
+            auto const a = load<FourWords>(&four[0].first);
+            auto const b = load<FourWords>(&four[1].first);
+            auto const c = load<FourWords>(&four[2].first);
+            auto const d = load<FourWords>(&four[3].first);
+            auto const ab = __builtin_shufflevector(a, b, 0, 4, 1, 5);
+            auto const cd = __builtin_shufflevector(c, d, 0, 4, 1, 5);
+            firsts[i] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5);
+            seconds[i] = __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
+            auto const abRest = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+            auto const cdRest = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+            FourWords const place = __builtin_shufflevector(abRest, cdRest, 0, 1, 4, 5);
+            FourWords const mark = __builtin_shufflevector(abRest, cdRest, 2, 3, 6, 7);
+            places[i] = load<EightShorts>(&place);
+            marks[i] = load<EightShorts>(&mark);
+        }
+        pduOffsets = evenOf(places[0], places[1]);
+        sequences = oddOf(places[0], places[1]);
+        flags = evenOf(marks[0], marks[1]);
+        asdus = oddOf(marks[0], marks[1]);
+    }
+
+    static EightShorts evenOf(EightShorts a, EightShorts b) {
+        return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+    }
+    static EightShorts oddOf(EightShorts a, EightShorts b) {
+        return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
+    }
+
+    TwoTimes times[kRowsAtOnce / 2];
+    TwoTimes frameOffsets[kRowsAtOnce / 2];
+    FourWords firsts[kRowsAtOnce / 4];
+    FourWords seconds[kRowsAtOnce / 4];
+    EightShorts pduOffsets;
+    EightShorts sequences;
+    EightShorts flags;
+    EightShorts asdus;
+};
+static_assert(offsetof(PacketRow, frameOffset) == offsetof(PacketRow, time) + 8 &&
+              offsetof(PacketRow, second) == offsetof(PacketRow, first) + 4 &&
+              offsetof(PacketRow, pduOffset) == offsetof(PacketRow, first) + 8 &&
+              offsetof(PacketRow, sequence) == offsetof(PacketRow, first) + 10 &&
+              offsetof(PacketRow, flags) == offsetof(PacketRow, first) + 12 &&
+              offsetof(PacketRow, asdu) == offsetof(PacketRow, first) + 14);
+
+}  // namespace
 
 void ColumnsWriter::makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset) {
     if (stageSize_ < kMaxStageSize) {
@@ -30,8 +114,10 @@ void ColumnsWriter::makeRoom(std::uint64_t fileSize, std::uint64_t fileOffset) {
             // rest: mostly the columns need not grow again.
             double const share = static_cast<double>(fileSize) / static_cast<double>(fileOffset);
             constexpr double kReserve = 1.05;
-            auto const told =
-                static_cast<std::size_t>(static_cast<double>(needed) * share * kReserve);
+            // A file may be large and hold nothing more: room follows the packets that are there.
+            constexpr double kMostGrowth = 1024;
+            auto const told = static_cast<std::size_t>(static_cast<double>(needed) *
+                                                       std::min(share * kReserve, kMostGrowth));
             capacity = std::max(told, needed + needed / 4);
         }
         reserve(capacity);
@@ -67,25 +153,42 @@ void ColumnsWriter::flushAs() {
     std::uint16_t allFlags = allFlags_;
     bool isSorted = isSorted_;
     std::int64_t lastTime = lastTime_;
-    // In two loops: for the pointers of all columns there are too few registers.
-    for (std::uint32_t i = 0; i < count; ++i) {
+    // All of them but for the last flush.
+    std::uint32_t const together = count / kRowsAtOnce * kRowsAtOnce;
+    for (std::uint32_t i = 0; i < together; i += kRowsAtOnce) {
+        RowsAsColumns const eight(rows + i);
+        store(times + i, eight.times);
+        store(frameOffsets + i, eight.frameOffsets);
+        store(firsts + i, eight.firsts);
+        store(pduOffsets + i, eight.pduOffsets);
+        store(sequences + i, eight.sequences);
+        store(flags + i, eight.flags);
+        if constexpr (isGoose) {
+            store(seconds + i, eight.seconds);
+        } else {
+            store(asdus + i, eight.asdus);
+            for (std::uint32_t k = i; k < i + kRowsAtOnce; ++k) {
+                seconds[k] = static_cast<SecondCounter>(rows[k].second);
+            }
+        }
+    }
+    for (std::uint32_t i = together; i < count; ++i) {
         PacketRow const& row = rows[i];
-        std::int64_t const time = row.time;
-        times[i] = time;
+        times[i] = row.time;
         frameOffsets[i] = row.frameOffset;
         firsts[i] = row.first;
         seconds[i] = static_cast<SecondCounter>(row.second);
-        isSorted &= time >= lastTime && time != kNoTime;
-        lastTime = time;
-    }
-    for (std::uint32_t i = 0; i < count; ++i) {
-        PacketRow const& row = rows[i];
         pduOffsets[i] = row.pduOffset;
         sequences[i] = row.sequence;
         flags[i] = row.flags;
         if constexpr (!isGoose) {
             asdus[i] = row.asdu;
         }
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        PacketRow const& row = rows[i];
+        isSorted &= row.time >= lastTime && row.time != kNoTime;
+        lastTime = row.time;
         allFlags |= row.flags;
     }
     allFlags_ = allFlags;
@@ -125,10 +228,10 @@ void ColumnsWriter::reserve(std::size_t capacity) {
 
 PacketColumns ColumnsWriter::take() {
     std::size_t const size = this->size();
-    // Of small blocks, room that is not used lies among what is.
+    // Of small blocks, room that is not used lies among what is. A little is not worth a copy.
     constexpr std::size_t kSmallBlock = std::size_t{256} << 10U;
     bool const isSmall = columns_.capacity_ * columns_.places().end < kSmallBlock;
-    if (size > columns_.capacity_ || isSmall) {
+    if (size > columns_.capacity_ || (isSmall && columns_.capacity_ - size > size / 16)) {
         reserve(size);
     }
     flush();

@@ -1,8 +1,6 @@
 #include <TalIec61850Analysis/traffic/JoinedHash.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Parser/wire/Octets.hpp>
-#include <functional>
-#include <string_view>
 
 namespace TalIec61850Analysis {
 
@@ -17,7 +15,7 @@ std::uint64_t numberOf(std::optional<MacAddress> const& address) {
 
 std::size_t StreamKeyHash::operator()(StreamKey const& key) const noexcept {
     detail::JoinedHash hash;
-    hash.add(std::hash<std::string_view>()(key.name));
+    hash.add(key.name);
     hash.add(numberOf(key.source));
     hash.add(numberOf(key.destination));
     hash.add(std::uint64_t{key.appId} << 8U | static_cast<std::uint8_t>(key.protocol));

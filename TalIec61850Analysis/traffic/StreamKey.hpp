@@ -52,7 +52,7 @@ struct StreamKey {
 
 /// For containers of the standard library.
 struct StreamKeyHash {
-    /// Equal keys have equal hashes.
+    /// Equal keys have equal hashes in one run of a program; in the next one they have others.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::size_t operator()(
         StreamKey const& key) const noexcept;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TalIec61850Analysis/file/ReadMode.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +23,9 @@ struct TrafficOptions {
     /// How many files are indexed at a time; 0 for as many as the machine has cores. The index does
     /// not depend on it.
     std::size_t jobs = 1;
+    /// How each file is read; reading ahead takes a second thread for each of the jobs. The index
+    /// does not depend on it.
+    ReadMode read = ReadMode::plain;
 };
 
 }  // namespace TalIec61850Analysis

@@ -170,6 +170,48 @@ TEST_P(ByteOrder, TellsHowManyPacketsWereDropped) {
     EXPECT_EQ(read.interfaces[1].records, 0U);
 }
 
+TEST_P(ByteOrder, HasOfEachOfManyPacketsNothingThatIsOfAnotherOne) {
+    constexpr std::size_t kPackets = 1000;
+    PcapngMaker maker;
+    // The second interface counts so coarsely that late times cannot be told.
+    maker.section(GetParam())
+        .interface(1, 0, maker.timeOptions(9))
+        .interface(113, 0, maker.timeOptions(0));
+    constexpr std::uint64_t kLate = std::uint64_t{1} << 60U;
+    Bytes const dropped = concat({maker.numberOption(4, 11), PcapngMaker::endOfOptions()});
+    for (std::size_t i = 0; i < kPackets; ++i) {
+        Bytes const frame(i % 7, static_cast<std::uint8_t>(i));
+        // Each kind takes the places of all others in turn.
+        switch ((i + i / 64) % 5) {
+            case 0:
+                maker.packet({.time = i, .frame = frame, .options = dropped});
+                break;
+            case 1:
+                maker.simplePacket(frame);
+                break;
+            case 2:
+                maker.packet({.interface = 1, .time = kLate, .frame = frame});
+                break;
+            default:
+                maker.packet({.time = i, .frame = frame});
+        }
+    }
+    ReadCapture const read = readWhole(maker);
+    ASSERT_EQ(read.records.size(), kPackets);
+    for (std::size_t i = 0; i < kPackets; ++i) {
+        std::size_t const kind = (i + i / 64) % 5;
+        CaptureRecord const& record = read.records[i].record;
+        EXPECT_EQ(read.records[i].frame, Bytes(i % 7, static_cast<std::uint8_t>(i)));
+        EXPECT_EQ(record.dropped.has_value(), kind == 0) << i;
+        bool const hasTime = kind != 1 && kind != 2;
+        EXPECT_EQ(record.time, hasTime ? std::optional(timeAt(i)) : std::nullopt) << i;
+        EXPECT_EQ(record.interface, kind == 2 ? 1U : 0U);
+        EXPECT_EQ(record.linkType, kind == 2 ? 113 : 1);
+        EXPECT_EQ(record.originalSize, i % 7);
+    }
+    EXPECT_EQ(read.interfaces.at(0).records + read.interfaces.at(1).records, kPackets);
+}
+
 TEST_P(ByteOrder, PassesOverBlocksOfOtherTypes) {
     PcapngMaker maker;
     maker.section(GetParam()).interface();

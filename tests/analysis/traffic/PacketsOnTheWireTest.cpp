@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
-#include <random>
 #include <variant>
 #include <vector>
 
@@ -47,60 +46,6 @@ TEST(TrafficPackets, HaveTimePlaceAndCounters) {
     EXPECT_TRUE(packets.smpCnts().empty());
     EXPECT_EQ(summaryOf(index).first, packets.time(0));
     EXPECT_EQ(summaryOf(index).fileSize, capture.bytes().size());
-}
-
-TEST(TrafficPackets, HaveAllSequenceNumbersOfPrpAndInventNoStream) {
-    for (bool const isGoose : {true, false}) {
-        TrafficCapture capture;
-        GooseMessage const goose;
-        SvMessage const sv;
-        Bytes const frame = isGoose ? gooseFrame(Ethernet().withPrp('A'), goose)
-                                    : svFrame(svEthernet().withPrp('A'), sv);
-        for (unsigned sequence = 0; sequence <= 0xFFFF; ++sequence) {
-            Bytes numbered = frame;
-            numbered[frame.size() - 6] = static_cast<std::uint8_t>(sequence >> 8U);
-            numbered[frame.size() - 5] = static_cast<std::uint8_t>(sequence & 0xFFU);
-            numbered[frame.size() - 4] |= sequence % 2 == 0 ? 0x00 : 0x10;
-            capture.add(numbered);
-        }
-        TrafficIndex const index = capture.index();
-        PacketColumns const& packets = onlyColumns(index);
-        ASSERT_EQ(packets.size(), 0x10000U);
-        for (std::size_t i = 0; i < packets.size(); ++i) {
-            ASSERT_EQ(packets.redundancySequences()[i], i);
-            ASSERT_EQ(packets.flags()[i].redundancy(), Redundancy::prp);
-            ASSERT_EQ(packets.flags()[i].lane(), i % 2 == 0 ? 'A' : 'B');
-            ASSERT_FALSE(packets.flags()[i].isDamaged());
-        }
-        EXPECT_EQ(index.streams()[0].copies, 0U);
-    }
-}
-
-TEST(TrafficPackets, AreThoseOfTheirStreamWhateverSignatureFollows) {
-    constexpr std::uint32_t kSeed = 61850;
-    RecordProperty("seed", static_cast<int>(kSeed));
-    std::mt19937 random(kSeed);
-    TrafficCapture capture;
-    GooseMessage message;
-    message.trailing = Bytes(32);
-    Bytes const goose = gooseFrame(Ethernet(), message);
-    SvMessage sample;
-    sample.trailing = Bytes(32);
-    Bytes const sv = svFrame(svEthernet(), sample);
-    constexpr std::size_t kFrames = 100'000;
-    for (std::size_t i = 0; i < kFrames; ++i) {
-        Bytes frame = i % 2 == 0 ? goose : sv;
-        for (std::size_t k = frame.size() - 32; k < frame.size(); ++k)
-            frame[k] = static_cast<std::uint8_t>(random());
-        capture.add(frame);
-    }
-    TrafficIndex const index = capture.index();
-    ASSERT_EQ(index.streams().size(), 2U) << "seed " << kSeed;
-    for (TrafficStream const& stream : index.streams()) {
-        EXPECT_EQ(stream.packets, kFrames / 2);
-        EXPECT_FALSE(stream.parts[0].packets.hasRedundancy());
-    }
-    EXPECT_TRUE(summaryOf(index).unread.empty());
 }
 
 TEST(TrafficPackets, HaveTheLaneAndNumberOfTheirOwnHsrTag) {

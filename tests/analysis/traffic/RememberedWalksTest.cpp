@@ -10,6 +10,7 @@
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <random>
 #include <stdexcept>
@@ -43,7 +44,8 @@ struct Indexed {
 };
 
 Indexed indexed(std::vector<Recorded> const& frames, WalkMemory memory, int rounds = 1) {
-    FileIndexer indexer({}, memory);
+    std::function<bool(StreamKey const&)> const keepsAll;
+    FileIndexer indexer(keepsAll, memory);
     RecordView view;
     std::int64_t time = 0;
     for (int round = 0; round < rounds; ++round) {

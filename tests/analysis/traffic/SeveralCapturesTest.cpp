@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
-#include <atomic>
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <random>
 #include <stop_token>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "analysis/traffic/IndexContent.hpp"
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
@@ -34,13 +37,15 @@ std::vector<std::string> allCaptures() {
     return paths;
 }
 
-TEST(ManyCaptures, GiveTheSameIndexWhateverTheNumberOfThreads) {
+TEST(ManyCaptures, GiveTheSameIndexHoweverTheyAreReadAndOnHoweverManyThreads) {
     auto const paths = allCaptures();
     TrafficIndex const one = indexCaptures(paths);
     EXPECT_EQ(one.files().size(), paths.size());
     EXPECT_FALSE(one.streams().empty());
-    for (std::size_t const jobs : {0U, 2U, 4U})
-        EXPECT_TRUE(indexCaptures(paths, {.jobs = jobs}) == one) << jobs;
+    for (std::size_t const jobs : {0U, 1U, 2U, 4U})
+        for (ReadMode const mode : {ReadMode::plain, ReadMode::ahead})
+            EXPECT_TRUE(indexCaptures(paths, {.jobs = jobs, .read = mode}) == one)
+                << jobs << (mode == ReadMode::ahead ? ", read ahead" : "");
 }
 
 TEST(ManyCaptures, GiveTheSameIndexHoweverTheyAreMerged) {
@@ -59,19 +64,40 @@ TEST(ManyCaptures, GiveTheSameIndexHoweverTheyAreMerged) {
 }
 
 TEST(ManyCaptures, HaveTheSameContentInAnyOrder) {
+    constexpr std::uint32_t kSeed = 7;
     auto paths = allCaptures();
-    TrafficIndex const one = indexCaptures(paths);
-    std::mt19937 random(7);
-    for (int round = 0; round < 3; ++round) {
+    IndexContent const one = contentOf(indexCaptures(paths));
+    EXPECT_EQ(one.files.size(), paths.size());
+    std::mt19937 random(kSeed);
+    for (std::size_t round = 0; round < 3; ++round) {
         std::shuffle(paths.begin(), paths.end(), random);
-        TrafficIndex const other = indexCaptures(paths, {.jobs = 2});
-        ASSERT_EQ(other.streams().size(), one.streams().size());
-        for (std::size_t i = 0; i < one.streams().size(); ++i) {
-            EXPECT_EQ(other.streams()[i].key, one.streams()[i].key);
-            EXPECT_EQ(other.streams()[i].duplicates, one.streams()[i].duplicates);
-            EXPECT_EQ(other.streams()[i].packets, one.streams()[i].packets);
-        }
+        ReadMode const mode = round % 2 == 0 ? ReadMode::ahead : ReadMode::plain;
+        EXPECT_TRUE(contentOf(indexCaptures(paths, {.jobs = round + 1, .read = mode})) == one)
+            << "seed " << kSeed << ", round " << round;
     }
+}
+
+/// Octets that this thread has read from files so far.
+std::uint64_t octetsReadHere() {
+    std::ifstream status("/proc/thread-self/io");
+    std::string name;
+    std::uint64_t count = 0;
+    while (status >> name >> count && name != "rchar:") {
+    }
+    return count;
+}
+
+TEST(Indexing, ReadsOnAnotherThreadWhereItIsToReadAhead) {
+    TrafficCapture capture;
+    for (std::uint64_t i = 0; i < 10'000; ++i) capture.add(counted(i));
+    TempFile const file(capture.bytes());
+    auto const readHere = [&](ReadMode mode) {
+        std::uint64_t const before = octetsReadHere();
+        EXPECT_EQ(indexCapture(file.path(), {.read = mode}).streams()[0].packets, 10'000U);
+        return octetsReadHere() - before;
+    };
+    EXPECT_GE(readHere(ReadMode::plain), capture.bytes().size());
+    EXPECT_LT(readHere(ReadMode::ahead), capture.bytes().size() / 10);
 }
 
 TEST(ManyCaptures, TellWhichCannotBeReadAndIndexTheOthers) {

@@ -7,6 +7,7 @@
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -145,7 +146,8 @@ RC_GTEST_PROP(TrafficWindows, AreThoseOfASearchOneByOne,
 
 TEST(TrafficWindows, HaveNoPacketsWithoutATime) {
     Bytes const frame = gooseFrame(Ethernet(), GooseMessage());
-    detail::FileIndexer indexer({});
+    std::function<bool(StreamKey const&)> const keepsAll;
+    detail::FileIndexer indexer(keepsAll);
     RecordView view;
     view.frame = frame;
     view.record.capturedSize = view.record.originalSize = static_cast<std::uint32_t>(frame.size());
