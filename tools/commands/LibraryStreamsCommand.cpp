@@ -16,10 +16,10 @@
 #include "tools/library/LibraryLayout.hpp"
 #include "tools/library/LibraryOptions.hpp"
 #include "tools/options/ChosenColumns.hpp"
-#include "tools/output/Plural.hpp"
+#include "tools/options/OrderOptions.hpp"
 #include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
-#include "tools/render/UtcText.hpp"
+#include "tools/render/StreamsSummary.hpp"
 #include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
@@ -91,23 +91,6 @@ Db indexCaptures(CommandRun& run, Filter const& filter) {
     return db;
 }
 
-std::string summaryOf(std::vector<LibraryRow> const& rows, std::size_t captures) {
-    std::uint64_t packets = 0;
-    for (LibraryRow const& row : rows) {
-        packets += row.packets;
-    }
-    auto const goose = static_cast<std::uint64_t>(
-        std::count_if(rows.begin(), rows.end(),
-                      [](LibraryRow const& row) { return row.protocol == Protocol::goose; }));
-    auto const times = timesOf(rows);
-    std::string const span =
-        times ? fmt::format(", {} to {}", toUtcText(times->first), toUtcText(times->last))
-              : std::string();
-    return fmt::format("{} ({} GOOSE, {} SV), {} in {}{}", plural(rows.size(), "stream"), goose,
-                       rows.size() - goose, plural(packets, "packet"), plural(captures, "file"),
-                       span);
-}
-
 }  // namespace
 
 void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition const& group,
@@ -116,12 +99,7 @@ void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition cons
         addCommand(program, group, "streams", "List the streams of the library's index.");
     auto const options = std::make_shared<LibraryStreamsOptions>();
     addCommonOptions(command, options->common);
-    CLI::Option& sort = *command.parser->add_option(
-        "--sort", options->order.key,
-        fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys<LibraryRow>(), ", ")));
-    sort.option_text("KEY");
-    allowOnly(command, sort, streamOrderKeys<LibraryRow>());
-    command.parser->add_flag("-r,--reverse", options->order.isReversed, "The other way round");
+    addOrderOptions(command, options->order, streamOrderKeys<LibraryRow>());
     addLibraryOptions(command, options->criteria);
     command.notes = streamsNotes();
     command.parser->callback(
@@ -145,7 +123,7 @@ ExitStatus runLibraryStreams(LibraryStreamsOptions const& options) {
                      ? "no GOOSE or SV streams in the captures"
                      : "no stream meets the options; without them all are listed");
     }
-    run.writeSummary(summaryOf(rows, run.captures().size()));
+    run.writeSummary(streamsSummary(rows, run.captures().size()));
     return run.finish();
 }
 

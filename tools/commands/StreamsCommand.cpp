@@ -1,9 +1,6 @@
 #include "tools/commands/StreamsCommand.hpp"
 
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 
 #include "tools/commands/CommandRun.hpp"
@@ -12,11 +9,11 @@
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/options/JobsOption.hpp"
+#include "tools/options/OrderOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
-#include "tools/output/Plural.hpp"
 #include "tools/output/WrapText.hpp"
 #include "tools/render/StreamLayout.hpp"
-#include "tools/render/UtcText.hpp"
+#include "tools/render/StreamsSummary.hpp"
 
 namespace TalIec61850Tools {
 
@@ -44,23 +41,6 @@ std::string streamsNotes() {
            paragraph("The fields of json and csv: " + fields + ".");
 }
 
-std::string summaryOf(std::vector<StreamRow> const& rows, std::size_t captures) {
-    std::uint64_t packets = 0;
-    for (StreamRow const& row : rows) {
-        packets += row.packets;
-    }
-    auto const goose = static_cast<std::uint64_t>(
-        std::count_if(rows.begin(), rows.end(),
-                      [](StreamRow const& row) { return row.protocol == Protocol::goose; }));
-    auto const times = timesOf(rows);
-    std::string const span =
-        times ? fmt::format(", {} to {}", toUtcText(times->first), toUtcText(times->last))
-              : std::string();
-    return fmt::format("{} ({} GOOSE, {} SV), {} in {}{}", plural(rows.size(), "stream"), goose,
-                       rows.size() - goose, plural(packets, "packet"), plural(captures, "file"),
-                       span);
-}
-
 }  // namespace
 
 void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
@@ -69,12 +49,7 @@ void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
     auto const options = std::make_shared<StreamsOptions>();
     addCommonOptions(command, options->common);
     addJobsOption(command, options->common.jobs);
-    CLI::Option& sort = *command.parser->add_option(
-        "--sort", options->order.key,
-        fmt::format("Order of the rows: {}", fmt::join(streamOrderKeys<StreamRow>(), ", ")));
-    sort.option_text("KEY");
-    allowOnly(command, sort, streamOrderKeys<StreamRow>());
-    command.parser->add_flag("-r,--reverse", options->order.isReversed, "The other way round");
+    addOrderOptions(command, options->order, streamOrderKeys<StreamRow>());
     addWireOptions(command, options->criteria);
     command.notes = streamsNotes();
     command.examples = {"tal-iec61850 streams --format json bay1.pcap bay2.pcap",
@@ -100,7 +75,7 @@ ExitStatus runStreams(StreamsOptions const& options) {
     } else {
         noteUnread(run, index);
     }
-    run.writeSummary(summaryOf(rows, run.captures().size()));
+    run.writeSummary(streamsSummary(rows, run.captures().size()));
     return run.finish();
 }
 
