@@ -68,7 +68,7 @@ TEST(BashCompletion, OffersOptionsBehindADash) {
 }
 
 TEST(BashCompletion, OffersTheValuesOfAnOption) {
-    Words const formats{"table", "json", "csv"};
+    Words const formats{"table", "json", "csv", "spreadsheet"};
     EXPECT_EQ(offeredByBash("tal-iec61850 show --format ''"), formats);
     EXPECT_EQ(offeredByBash("tal-iec61850 show -f ''"), formats);
     EXPECT_EQ(offeredByBash("tal-iec61850 show --format ="), formats);
@@ -123,7 +123,8 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
     EXPECT_EQ(offered("tal-iec61850 "),
               (Words{"captures", "completion", "library", "manual", "packets", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
-    EXPECT_EQ(offered("tal-iec61850 show --format "), (Words{"csv", "json", "table"}));
+    EXPECT_EQ(offered("tal-iec61850 show --format "),
+              (Words{"csv", "json", "spreadsheet", "table"}));
     EXPECT_EQ(offered("tal-iec61850 library "), (Words{"judge", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 library judge --lis"), Words{"--list"});
 }

@@ -40,7 +40,7 @@ TEST(DescribedProgram, HasItsCommandsWithTheirOptions) {
     auto const& format = optionOf(streams, "format");
     EXPECT_EQ(format.shortName, "f");
     EXPECT_EQ(format.valueName, "FORMAT");
-    EXPECT_EQ(format.choices, (std::vector<std::string>{"table", "json", "csv"}));
+    EXPECT_EQ(format.choices, (std::vector<std::string>{"table", "json", "csv", "spreadsheet"}));
     EXPECT_EQ(optionOf(streams, "quiet").valueName, "");
     EXPECT_EQ(optionOf(streams, "svid").choices, std::vector<std::string>{});
 }

@@ -61,7 +61,7 @@ std::vector<Arguments> const kCommands = {
 TEST(HostileNames, InFramesReachNoTerminal) {
     TempFile const file(trafficNamed(kHostile));
     for (auto const& command : kCommands) {
-        for (auto const* format : {"table", "json", "csv"}) {
+        for (auto const* format : {"table", "json", "csv", "spreadsheet"}) {
             auto const result = runCompanion(joined(command, {file.path(), "-f", format}));
             EXPECT_EQ(result.status, 0);
             EXPECT_TRUE(isSafe(result.out)) << command[0] << " " << format;
@@ -86,7 +86,7 @@ TEST(HostileNames, OfFilesReachNoTerminalAndMakeNoMoreLines) {
     }
     std::size_t const packets = kHostile.size();
     for (auto const& command : kCommands) {
-        for (std::string const format : {"table", "json", "csv"}) {
+        for (std::string const format : {"table", "json", "csv", "spreadsheet"}) {
             auto const result = runCompanion(joined(command, {folder.path(), "-q", "-f", format}));
             EXPECT_EQ(result.status, 0);
             EXPECT_TRUE(isSafe(result.out)) << command[0] << " " << format;

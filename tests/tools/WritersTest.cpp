@@ -156,6 +156,21 @@ TEST(StreamCsv, WritesFieldNamesThenTheSameFieldsAsJson) {
               "5999999999,2,,,,,\n");
 }
 
+TEST(StreamSpreadsheet, IsCsvInWhichNoTextIsAFormula) {
+    auto const cellOf = [](std::string const& name) {
+        auto const text = write(Format::spreadsheet, {rowNamed(name)});
+        auto const begin = text.find("0x4000,") + 7;
+        return text.substr(begin, text.find(",,,,1,", begin) - begin);
+    };
+    EXPECT_EQ(cellOf("=1+1"), "'=1+1");
+    EXPECT_EQ(cellOf("=cmd|' /C calc'!A0"), "'=cmd|' /C calc'!A0");
+    EXPECT_EQ(cellOf("+1"), "'+1");
+    EXPECT_EQ(cellOf("-1"), "'-1");
+    EXPECT_EQ(cellOf("@x,y"), "\"'@x,y\"");
+    EXPECT_EQ(cellOf("MU01"), "MU01");
+    EXPECT_EQ(write(Format::spreadsheet, {gooseRow()}), write(Format::csv, {gooseRow()}));
+}
+
 TEST(StreamCsv, NamesTheFieldsEvenWithoutRows) {
     auto const text = write(Format::csv, {});
     EXPECT_TRUE(text.starts_with("protocol,source,"));

@@ -12,7 +12,9 @@ namespace TalIec61850Tools {
 namespace {
 
 constexpr char const* kFormats =
-    "json writes one object per line, csv one line per row below a line of names. Table and csv "
+    "json writes one object per line, csv one line per row below a line of names, spreadsheet the "
+    "same, with an apostrophe before "
+    "texts that would be formulas. Table and csv "
     R"(show control characters in names as \n, \x1b and the like, a backslash as \\.)";
 
 std::string exitStatusParagraph() {

@@ -7,16 +7,18 @@ namespace TalIec61850Tools {
 
 void addCommonOptions(CommandDefinition& command, CommonOptions& options,
                       std::string const& filesHelp) {
-    static std::map<std::string, Format> const formats = {
-        {"table", Format::table}, {"json", Format::json}, {"csv", Format::csv}};
+    static std::map<std::string, Format> const formats = {{"table", Format::table},
+                                                          {"json", Format::json},
+                                                          {"csv", Format::csv},
+                                                          {"spreadsheet", Format::spreadsheet}};
     command.readsCaptures = true;
     CLI::App& parser = *command.parser;
     parser.add_option("FILE", options.files, filesHelp)->required()->option_text("...");
     CLI::Option& format = *parser.add_option_function<std::string>(
         "-f,--format", [&options](std::string const& name) { options.format = formats.at(name); },
-        "What to write: table (if not said), json or csv");
+        "What to write: table (if not said), json, csv, or csv for a spreadsheet");
     format.option_text("FORMAT");
-    allowOnly(command, format, {"table", "json", "csv"});
+    allowOnly(command, format, {"table", "json", "csv", "spreadsheet"});
     parser
         .add_option("-o,--output", options.outputFile,
                     "Write into FILE, which appears when all is written")

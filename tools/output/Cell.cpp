@@ -85,6 +85,21 @@ struct CsvAppender : PlainAppender {
     void operator()(ShortText const& text) const { (*this)(text.view()); }
 };
 
+struct SpreadsheetAppender : CsvAppender {
+    using CsvAppender::operator();
+
+    void operator()(std::string_view text) const {
+        bool const isFormula =
+            !text.empty() && std::string_view("=+-@\t\r").find(text[0]) != std::string_view::npos;
+        if (isFormula) {
+            std::string const guarded = "'" + std::string(text);
+            CsvAppender::operator()(std::string_view(guarded));
+        } else {
+            CsvAppender::operator()(text);
+        }
+    }
+};
+
 struct JsonAppender : PlainAppender {
     using PlainAppender::operator();
 
@@ -128,6 +143,10 @@ bool Cell::isNumber() const {
 
 void appendCsv(std::string& line, Cell const& cell) {
     std::visit(CsvAppender{{line}}, cell.value());
+}
+
+void appendSpreadsheetCell(std::string& line, Cell const& cell) {
+    std::visit(SpreadsheetAppender{{{line}}}, cell.value());
 }
 
 void appendJson(std::string& line, Cell const& cell) {

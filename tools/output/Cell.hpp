@@ -79,6 +79,10 @@ private:
 /// so that every row is one line; what is absent is an empty cell, an empty text is "".
 void appendCsv(std::string& line, Cell const& cell);
 
+/// The same for a spreadsheet: a text that it would take for a formula (after =, +, -, @) has an
+/// apostrophe in front.
+void appendSpreadsheetCell(std::string& line, Cell const& cell);
+
 /// Appends a value of JSON, in ASCII; what is absent is null. Texts are not altered, except that
 /// octets that are no UTF-8 become U+FFFD.
 void appendJson(std::string& line, Cell const& cell);

@@ -11,17 +11,19 @@ namespace TalIec61850Tools {
 
 /// The form in which a command writes its rows.
 enum class Format {
-    table,  ///< for people
-    json,   ///< one object per line
-    csv,    ///< a line of names, then one line per row
+    table,        ///< for people
+    json,         ///< one object per line
+    csv,          ///< a line of names, then one line per row
+    spreadsheet,  ///< csv in which no text is a formula
 };
 
 /// Makes lines for other programs of rows of one kind.
 template <typename Row>
 class RowLines {
 public:
-    /// @param format  json or csv
-    RowLines(Format format, RowLayout<Row> const& layout) : isJson_(format == Format::json) {
+    /// @param format  any but table
+    RowLines(Format format, RowLayout<Row> const& layout)
+        : isJson_(format == Format::json), append_(appenderOf(format)) {
         for (auto const& field : layout.fields) {
             if (runs_.empty() || runs_.back().sharedBy != field.sharedBy) {
                 runs_.push_back({.sharedBy = field.sharedBy, .pieces = {}, .known = {}});
@@ -33,7 +35,7 @@ public:
     /// The line of names with its line end; empty in json.
     [[nodiscard]] static std::string heading(Format format, RowLayout<Row> const& layout) {
         std::string line;
-        if (format == Format::csv) {
+        if (format == Format::csv || format == Format::spreadsheet) {
             for (auto const& field : layout.fields) {
                 line.append(line.empty() ? "" : ",").append(field.name);
             }
@@ -75,6 +77,19 @@ private:
         std::unordered_map<void const*, std::string> known;
     };
 
+    using Append = void (*)(std::string& line, Cell const& cell);
+
+    [[nodiscard]] static Append appenderOf(Format format) {
+        switch (format) {
+            case Format::json:
+                return appendJson;
+            case Format::spreadsheet:
+                return appendSpreadsheetCell;
+            default:
+                return appendCsv;
+        }
+    }
+
     [[nodiscard]] std::string leadOf(std::string_view name) const {
         return isJson_ ? ",\"" + std::string(name) + "\":" : ",";
     }
@@ -82,11 +97,7 @@ private:
     void appendPieces(std::string& text, Run const& run, Row const& row) const {
         for (Piece const& piece : run.pieces) {
             text += piece.lead;
-            if (isJson_) {
-                appendJson(text, piece.cell(row));
-            } else {
-                appendCsv(text, piece.cell(row));
-            }
+            append_(text, piece.cell(row));
         }
     }
 
@@ -100,6 +111,7 @@ private:
     }
 
     bool isJson_;
+    Append append_;
     std::vector<Run> runs_;
     std::string line_;
 };
