@@ -27,6 +27,7 @@ LIBRARY = "TalIec61850Parser"
 PROGRAMS = {
     "library-tests": "*Nesting*:*NeedNoStack:*HoweverDeep:AsduSequence.IsSearchedOctetByOctet",
     "internal-tests": "",
+    "thread-tests": "*Threads.*:StoppedAtRandom.*",
     "index-tests": "*Tshark*",
     "fault-tests": "",
     "lane-tests": "FullMemory.*:LanesInCallback.*:*ThroughFilters:*OfOddFrames",

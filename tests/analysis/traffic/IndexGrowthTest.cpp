@@ -1,5 +1,5 @@
-// What an index of a million streams, or of a million ASDUs, takes from the heap: four times as much
-// for four times as many. This program counts it.
+// What an index of a million streams, or of a million ASDUs, takes from the heap: four times as
+// much for four times as many. This program counts it.
 
 #include <gtest/gtest.h>
 
