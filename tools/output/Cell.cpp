@@ -82,7 +82,7 @@ struct CsvAppender : PlainAppender {
             appendCsvText(line, (bits & kNeedsEscape) != 0 ? escapeText(text) : std::string(text));
         }
     }
-    void operator()(ShortText const& text) const { (*this)(text.view()); }
+    void operator()(ShortText const& text) const { line += text.view(); }
 };
 
 struct SpreadsheetAppender : CsvAppender {
@@ -114,7 +114,11 @@ struct JsonAppender : PlainAppender {
             line += dumpJson(nlohmann::json(text));
         }
     }
-    void operator()(ShortText const& text) const { (*this)(text.view()); }
+    void operator()(ShortText const& text) const {
+        line += '"';
+        line += text.view();
+        line += '"';
+    }
 };
 
 struct TableAppender : PlainAppender {
@@ -131,7 +135,7 @@ struct TableAppender : PlainAppender {
             line += escapeText(text);
         }
     }
-    void operator()(ShortText const& text) const { (*this)(text.view()); }
+    void operator()(ShortText const& text) const { line += text.view(); }
 };
 
 }  // namespace

@@ -13,7 +13,8 @@
 
 namespace TalIec61850Tools {
 
-/// A text that is made for one cell, such as a time; it is kept in place.
+/// A text that is made for one cell, such as a time; it is kept in place. It holds letters, digits
+/// and such marks as no format has to escape.
 class ShortText {
 public:
     static constexpr std::size_t kCapacity = 38;
