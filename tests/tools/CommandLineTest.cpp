@@ -36,7 +36,7 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
     expectUsageError({"streams", "-x"}, "streams: there is no option -x");
     expectUsageError({"-q", "streams", "a"}, "there is no option -q");
     expectUsageError({"streams", "-f", "xml", "a"},
-                     "streams: --format: xml is none of table, json, csv");
+                     "streams: --format: xml is none of table, json, csv, spreadsheet");
     expectUsageError({"manual", "a"}, "manual: The following argument was not expected: a");
 }
 
