@@ -124,8 +124,9 @@ private:
     [[nodiscard]] PacketRow& addRow(Target const& target, std::uint64_t frameOffset) const;
     static void readOddCounters(Target const& target, Octets frame, PacketRow& row);
 
+    // The aligned one first, the small one last: less of the class is padding.
+    Result walked_;
     std::function<bool(StreamKey const&)> const& keeps_;
-    WalkMemory memoryUse_;
     IndexedFile file_;
     RecordCounter counter_{file_.summary};
     AttributeTable attributes_;
@@ -136,8 +137,8 @@ private:
     /// Of frames with several packets that are remembered.
     std::vector<Target> otherTargets_;
     FrameWalk walk_;
-    Result walked_;
     std::vector<Target> walkedTargets_;
+    WalkMemory memoryUse_;
 };
 
 }  // namespace TalIec61850Analysis::detail
