@@ -127,10 +127,13 @@ TEST_P(LibpcapByteOrder, ReadsTheSameOfEveryKindOfBlockAndOption) {
 
 TEST_P(LibpcapByteOrder, ReadsTheSameOfSeveralSections) {
     PcapngMaker maker;
-    for (int i = 0; i < 3; ++i) {
-        addSection(maker, GetParam());
-    }
-    expectSameRecords(maker.bytes(), 3 * kPacketsOfSection);
+    addSection(maker, GetParam());
+    // Other clocks than those of the interfaces with the same numbers before.
+    maker.section(GetParam()).interface(1, 96).interface(1, 96, maker.timeOptions(9));
+    maker.packet({.interface = 0, .time = kSecond * 1'000'000 + 1, .frame = {1}});
+    maker.packet({.interface = 1, .time = kSecond * 1'000'000'000 + 1, .frame = {2}});
+    addSection(maker, GetParam());
+    expectSameRecords(maker.bytes(), 2 * kPacketsOfSection + 2);
 }
 
 TEST_P(LibpcapByteOrder, ReadsTheSameOfAnotherLinkType) {
