@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "analysis/file/ReadFile.hpp"
+#include "analysis/file/SpeltOutCapture.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
@@ -220,6 +221,22 @@ TEST_P(ByteOrder, PassesOverBlocksOfOtherTypes) {
         maker.packet({.frame = {static_cast<std::uint8_t>(type)}});
     }
     EXPECT_EQ(readSound(maker).records.size(), 7U);
+}
+
+TEST(NextGeneration, ReadsACaptureSpeltOutOctetByOctet) {
+    TempFile const file(speltOutCapture());
+    ReadCapture const read = TalIec61850Analysis::readWhole(file.path());
+    EXPECT_TRUE(read.damages.empty());
+    ASSERT_EQ(read.records.size(), 1U);
+    EXPECT_EQ(read.records[0].frame, speltOutFrame());
+    EXPECT_EQ(read.records[0].record, (CaptureRecord{.fileOffset = 60,
+                                                     .frameOffset = 88,
+                                                     .time = timeAt(kSecond * 1'000'000'000 + 5),
+                                                     .capturedSize = 14,
+                                                     .originalSize = 14,
+                                                     .linkType = 1,
+                                                     .interface = 0,
+                                                     .dropped = 3}));
 }
 
 TEST(NextGeneration, SectionsHaveTheirOwnByteOrderAndInterfaces) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "analysis/file/ReadFile.hpp"
+#include "analysis/file/SpeltOutCapture.hpp"
 #include "index/Tshark.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
@@ -97,7 +98,10 @@ void addSection(PcapngMaker& maker, bool isLittleEndian) {
                   .originalSize = 1500,
                   .options = concat({maker.numberOption(4, 3), PcapngMaker::endOfOptions()})});
     maker.packet({.interface = 2, .time = (kSeconds << 30U) + (3U << 28U), .frame = frameOf(3)});
-    maker.packet({.interface = 3, .time = kSeconds * 1'000'000 + 5, .frame = frameOf(4)});
+    maker.packet({.interface = 3,
+                  .time = kSeconds * 1'000'000 + 5,
+                  .frame = frameOf(4),
+                  .options = maker.numberOption(4, 5'000'000'000)});
     maker.block(0xA, Bytes(8)).block(0x80000BAD, Bytes(12));
     maker.packet({.interface = 0,
                   .time = kSeconds * 1'000'000 + 999'999,
@@ -106,6 +110,8 @@ void addSection(PcapngMaker& maker, bool isLittleEndian) {
     maker.oldPacket(
         {.interface = 0, .time = kSeconds * 1'000'000 + 7, .frame = frameOf(6), .dropped = 7});
     maker.oldPacket({.interface = 1, .time = kSeconds * 1'000'000'000, .frame = frameOf(7)});
+    maker.oldPacket(
+        {.interface = 0, .time = kSeconds * 1'000'000 + 8, .frame = frameOf(8), .dropped = 0});
     maker.statistics(0, maker.numberOption(5, 4));
 }
 
@@ -127,6 +133,11 @@ TEST(NextGenerationTshark, TellsTheSameOfSectionsOfBothOrders) {
     addSection(maker, false);
     addSection(maker, true);
     expectWhatTsharkTells(maker);
+}
+
+TEST(NextGenerationTshark, TellsTheSameOfACaptureSpeltOutOctetByOctet) {
+    TalTest::TempFile const file(speltOutCapture(), "capture.pcapng");
+    expectWhatTsharkTells(file.path());
 }
 
 TEST(NextGenerationTshark, TellsTheSameOfWholeCaptures) {
