@@ -35,7 +35,7 @@ namespace {
 constexpr char const* kNextGeneration =
     "next-generation capture, which the library does not read; editcap -F nsecpcap converts it";
 
-constexpr char const* kStreamsNotes = R"(What the columns mean:
+constexpr char const* kLibraryStreamsNotes = R"(What the columns mean:
   Identity     SOURCE, DESTINATION, VLAN, APPID, HSR lane (SV), R1B0
                (bit 0 of the second octet of Reserved 1), CONFREV,
                SIM-ELEM and the names tell streams apart.
@@ -49,10 +49,10 @@ constexpr char const* kStreamsNotes = R"(What the columns mean:
 
 )";
 
-std::string streamsNotes() {
+std::string libraryStreamsNotes() {
     auto const fields =
         listFields(fieldNames(libraryLayout()), {{"lastTimeNs", "nanoseconds since 1970"}});
-    return kStreamsNotes + paragraph(kLibraryCriteriaNotes) + "\n" +
+    return kLibraryStreamsNotes + paragraph(kLibraryCriteriaNotes) + "\n" +
            paragraph("The fields of json and csv: " + fields + ".");
 }
 
@@ -101,7 +101,7 @@ void addLibraryStreamsCommand(ProgramDefinition& program, CommandDefinition cons
     addCommonOptions(command, options->common);
     addOrderOptions(command, options->order, streamOrderKeys<LibraryRow>());
     addLibraryOptions(command, options->criteria);
-    command.notes = streamsNotes();
+    command.notes = libraryStreamsNotes();
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runLibraryStreams(*options); }; });
     command.examples = {"tal-iec61850 library streams --format json bay1.pcap bay2.pcap"};

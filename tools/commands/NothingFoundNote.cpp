@@ -71,6 +71,7 @@ void noteUnread(CommandRun const& run, TrafficIndex const& index) {
         return;
     }
     std::vector<std::string> reasons;
+    reasons.reserve(counts.size());
     for (auto const& [reason, count] : counts) {
         reasons.push_back(fmt::format("{} {}", toText(reason), count));
     }

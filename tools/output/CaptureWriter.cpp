@@ -52,8 +52,8 @@ bool CaptureWriter::write(RecordView const& view) {
     if (view.record.linkType != *linkType_) {
         return false;
     }
-    constexpr std::int64_t giga = 1'000'000'000;
-    std::int64_t const time =
+    constexpr std::uint64_t giga = 1'000'000'000;
+    std::uint64_t const time =
         view.record.time ? TalIec61850Analysis::nanosecondsSince1970(*view.record.time) : 0;
     writeHeader(sink_, RecordHeader{.seconds = static_cast<std::uint32_t>(time / giga),
                                     .nanoseconds = static_cast<std::uint32_t>(time % giga),

@@ -25,7 +25,7 @@ namespace {
 constexpr char const* kNotCapture = "not a capture file";
 
 /// What is at an offset.
-char const* toText(CaptureDamageKind kind) {
+char const* wordsFor(CaptureDamageKind kind) {
     switch (kind) {
         case CaptureDamageKind::notCapture:
             return kNotCapture;
@@ -104,7 +104,7 @@ std::string damageText(CaptureDamage const& damage) {
                 "the file ends inside the record at {}: {} of its {} octets are missing",
                 damage.fileOffset, damage.missingSize, damage.claimedSize);
         default:
-            return fmt::format("{} at {}", toText(damage.kind), damage.fileOffset);
+            return fmt::format("{} at {}", wordsFor(damage.kind), damage.fileOffset);
     }
 }
 

@@ -13,29 +13,29 @@ using namespace TalIec61850Analysis;
 
 namespace {
 
-using Row = PacketRow const&;
+using Packet = PacketRow const&;
 
 FrameOrigin originOf(CaptureRecord const& record) {
     return {.linkType = record.linkType, .originalSize = record.originalSize};
 }
 
-bool isOf(Row row, Protocol protocol) { return !row.isUnread() && row.protocol() == protocol; }
+bool isOf(Packet row, Protocol protocol) { return !row.isUnread() && row.protocol() == protocol; }
 
-Cell positionCell(Row row) {
+Cell positionCell(Packet row) {
     return row.isUnread()
                ? Cell()
                : Cell(row.packet().frameOffset() + row.columns().pduOffsets()[row.packet().packet]);
 }
 
-Cell sourceCell(Row row) {
+Cell sourceCell(Packet row) {
     return addressCell(row.isUnread() ? row.header().source : row.key()->source);
 }
 
-Cell destinationCell(Row row) {
+Cell destinationCell(Packet row) {
     return addressCell(row.isUnread() ? row.header().destination : row.key()->destination);
 }
 
-Cell vlanCell(Row row) {
+Cell vlanCell(Packet row) {
     if (row.isUnread()) {
         auto const tag = row.header().vlanTags.innermost();
         return tag ? Cell(tag->id) : Cell();
@@ -43,33 +43,33 @@ Cell vlanCell(Row row) {
     return row.key()->vlans.empty() ? Cell() : Cell(row.key()->vlans.back().id);
 }
 
-Cell appIdOf(Row row) {
+Cell appIdOf(Packet row) {
     return appIdCell(row.isUnread() ? row.header().appId : std::optional(row.key()->appId));
 }
 
-Cell nameOf(Row row, Protocol protocol) {
+Cell nameOf(Packet row, Protocol protocol) {
     return isOf(row, protocol) ? Cell(std::string_view(row.key()->name)) : Cell();
 }
 
 /// stNum or smpCnt.
-Cell firstCounterCell(Row row, Protocol protocol) {
+Cell firstCounterCell(Packet row, Protocol protocol) {
     auto const number =
         isOf(row, protocol) ? row.columns().firstCounter(row.packet().packet) : std::nullopt;
     return number ? numberCell(*number) : Cell();
 }
 
 /// sqNum or smpSynch.
-Cell secondCounterCell(Row row, Protocol protocol) {
+Cell secondCounterCell(Packet row, Protocol protocol) {
     auto const number =
         isOf(row, protocol) ? row.columns().secondCounter(row.packet().packet) : std::nullopt;
     return number ? numberCell(*number) : Cell();
 }
 
-Cell asduCell(Row row) {
+Cell asduCell(Packet row) {
     return isOf(row, Protocol::sv) ? Cell(row.columns().asdus()[row.packet().packet] + 1U) : Cell();
 }
 
-Cell timeAllowedCell(Row row) {
+Cell timeAllowedCell(Packet row) {
     if (!isOf(row, Protocol::goose)) {
         return {};
     }
@@ -88,79 +88,79 @@ Cell timeAllowedCell(Row row) {
                              : Cell(std::get<std::uint64_t>(*time));
 }
 
-PacketFlags flagsOf(Row row) {
+PacketFlags flagsOf(Packet row) {
     return row.isUnread() ? PacketFlags() : row.columns().flags()[row.packet().packet];
 }
 
-Cell simulatedCell(Row row) {
+Cell simulatedCell(Packet row) {
     return row.isUnread() ? Cell() : Cell(isSimulated(flagsOf(row), *row.packet().attributes));
 }
 
 std::string_view laneText(char lane) { return lane == 'A' ? "A" : "B"; }
 
-Cell laneCell(Row row, std::optional<Redundancy> redundancy) {
+Cell laneCell(Packet row, std::optional<Redundancy> redundancy) {
     PacketFlags const flags = flagsOf(row);
     bool const isAsked =
         flags.redundancy() != Redundancy::none && (!redundancy || flags.redundancy() == redundancy);
     return isAsked ? Cell(laneText(flags.lane())) : Cell();
 }
 
-Cell sequenceCell(Row row) {
+Cell sequenceCell(Packet row) {
     return flagsOf(row).redundancy() == Redundancy::none
                ? Cell()
                : Cell(row.columns().redundancySequences()[row.packet().packet]);
 }
 
-Cell reasonCell(Row row) {
+Cell reasonCell(Packet row) {
     return row.isUnread() ? Cell(toText(row.packet().unread->reason)) : Cell();
 }
 
 /// An object of which the fields of a stream alone depend.
-void const* streamOf(Row row) { return row.packet().stream; }
+void const* streamOf(Packet row) { return row.packet().stream; }
 
 std::vector<Field<PacketRow>> fieldsOfPackets() {
     return {
-        {"time", [](Row r) { return timeCell(r.packet().time()); }},
-        {"timeNs", [](Row r) { return timeNsCell(r.packet().time()); }},
-        {"file", [](Row r) -> Cell { return r.file(); }},
+        {"time", [](Packet r) { return timeCell(r.packet().time()); }},
+        {"timeNs", [](Packet r) { return timeNsCell(r.packet().time()); }},
+        {"file", [](Packet r) -> Cell { return r.file(); }},
         {"position", positionCell},
-        {"framePosition", [](Row r) -> Cell { return r.packet().frameOffset(); }},
-        {"recordPosition", [](Row r) -> Cell { return r.record().record.fileOffset; }},
-        {"protocol", [](Row r) -> Cell { return toText(r.protocol()); }, streamOf},
+        {"framePosition", [](Packet r) -> Cell { return r.packet().frameOffset(); }},
+        {"recordPosition", [](Packet r) -> Cell { return r.record().record.fileOffset; }},
+        {"protocol", [](Packet r) -> Cell { return toText(r.protocol()); }, streamOf},
         {"source", sourceCell, streamOf},
         {"destination", destinationCell, streamOf},
         {"vlanId", vlanCell, streamOf},
         {"appId", appIdOf, streamOf},
-        {"svID", [](Row r) { return nameOf(r, Protocol::sv); }, streamOf},
-        {"gocbRef", [](Row r) { return nameOf(r, Protocol::goose); }, streamOf},
+        {"svID", [](Packet r) { return nameOf(r, Protocol::sv); }, streamOf},
+        {"gocbRef", [](Packet r) { return nameOf(r, Protocol::goose); }, streamOf},
         {"asdu", asduCell},
-        {"stNum", [](Row r) { return firstCounterCell(r, Protocol::goose); }},
-        {"sqNum", [](Row r) { return secondCounterCell(r, Protocol::goose); }},
+        {"stNum", [](Packet r) { return firstCounterCell(r, Protocol::goose); }},
+        {"sqNum", [](Packet r) { return secondCounterCell(r, Protocol::goose); }},
         {"timeAllowedToLive", timeAllowedCell},
         {"simulated", simulatedCell},
-        {"smpCnt", [](Row r) { return firstCounterCell(r, Protocol::sv); }},
-        {"smpSynch", [](Row r) { return secondCounterCell(r, Protocol::sv); }},
-        {"hsrLane", [](Row r) { return laneCell(r, Redundancy::hsr); }},
-        {"prpLane", [](Row r) { return laneCell(r, Redundancy::prp); }},
+        {"smpCnt", [](Packet r) { return firstCounterCell(r, Protocol::sv); }},
+        {"smpSynch", [](Packet r) { return secondCounterCell(r, Protocol::sv); }},
+        {"hsrLane", [](Packet r) { return laneCell(r, Redundancy::hsr); }},
+        {"prpLane", [](Packet r) { return laneCell(r, Redundancy::prp); }},
         {"redundancySequence", sequenceCell},
-        {"capturedOctets", [](Row r) -> Cell { return r.record().record.capturedSize; }},
-        {"wireOctets", [](Row r) -> Cell { return r.record().record.originalSize; }},
-        {"place", [](Row r) -> Cell { return toText(r.packet().place); }},
+        {"capturedOctets", [](Packet r) -> Cell { return r.record().record.capturedSize; }},
+        {"wireOctets", [](Packet r) -> Cell { return r.record().record.originalSize; }},
+        {"place", [](Packet r) -> Cell { return toText(r.packet().place); }},
         {"unreadable", reasonCell},
     };
 }
 
-Cell locatorCell(Row row) {
+Cell locatorCell(Packet row) {
     std::uint64_t const offset = row.packet().frameOffset();
     std::uint64_t const pdu = row.isUnread() ? 0 : row.columns().pduOffsets()[row.packet().packet];
     return fmt::format("{}@{}", row.file(), offset + pdu);
 }
 
-Cell anyNameCell(Row row) {
+Cell anyNameCell(Packet row) {
     return row.isUnread() ? Cell() : Cell(std::string_view(row.key()->name));
 }
 
-Cell simulatedMark(Row row) {
+Cell simulatedMark(Packet row) {
     return !row.isUnread() && isSimulated(flagsOf(row), *row.packet().attributes)
                ? Cell(std::string_view("yes"))
                : Cell();
@@ -226,7 +226,7 @@ RowLayout<PacketRow> packetLayout(bool withPlace) {
         column("smpCnt", {"SMPCNT", Align::right, {.rank = 5}}),
         column("smpSynch", {"SYNCH", Align::right, {.rank = 9}}),
         {{"SIM", Align::left, {.rank = 8}}, simulatedMark, "simulated"},
-        {{"LAN", Align::left, {.rank = 7}}, [](Row r) { return laneCell(r, std::nullopt); }},
+        {{"LAN", Align::left, {.rank = 7}}, [](Packet r) { return laneCell(r, std::nullopt); }},
         column("redundancySequence", {"SEQ", Align::right, {.rank = 12}}),
         column("appId", {"APPID", Align::right, {.rank = 10}}),
         column("source", {"SOURCE", Align::left, {.rank = 14}}),
