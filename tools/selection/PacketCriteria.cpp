@@ -52,7 +52,7 @@ bool PacketCriteria::admitAttributes(StreamAttributes const& attributes) const {
            meets(confRevs, numberOf(attributes.confRev));
 }
 
-bool PacketCriteria::admitUnread(Protocol wanted, FrameHeader const& header) const {
+bool PacketCriteria::admitUnread(Protocol framesProtocol, FrameHeader const& header) const {
     if (!svIDs.empty() || !gocbRefs.empty() || !datSets.empty() || !goIDs.empty() ||
         !confRevs.empty() || !stNums.empty() || !sqNums.empty() || !smpCnts.empty()) {
         return false;
@@ -60,7 +60,7 @@ bool PacketCriteria::admitUnread(Protocol wanted, FrameHeader const& header) con
     std::optional<char> const hsr = header.hsr ? std::optional(header.hsr->lane()) : std::nullopt;
     std::optional<char> const prp = header.prp ? std::optional(header.prp->lan()) : std::nullopt;
     auto const vlan = header.vlanTags.innermost();
-    return (!protocol || protocol == wanted) && meets(sources, header.source) &&
+    return (!protocol || protocol == framesProtocol) && meets(sources, header.source) &&
            meets(destinations, header.destination) &&
            meets(vlanIds, idOf(vlan ? &*vlan : nullptr)) && meets(appIds, header.appId) &&
            meets(hsrLanes, hsr) && meets(prpLanes, prp) && meets(lanes, hsr ? hsr : prp) &&

@@ -40,7 +40,7 @@ struct PacketCriteria : StreamCriteria {
 
     /// Whether a frame may be wanted that is of no stream: by protocol and header alone, as it has
     /// nothing else.
-    [[nodiscard]] bool admitUnread(Protocol protocol,
+    [[nodiscard]] bool admitUnread(Protocol framesProtocol,
                                    TalIec61850Analysis::FrameHeader const& header) const;
 
     /// Whether any criterion needs more of a frame than its protocol.

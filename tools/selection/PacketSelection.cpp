@@ -70,7 +70,7 @@ void PacketSelection::addPart(TrafficStream const& stream, StreamPart const& par
         }
         cursor.isAfterWanted = true;
     }
-    begin_.push_back(std::move(cursor));
+    begin_.push_back(cursor);
 }
 
 void PacketSelection::addTimeless(TrafficStream const& stream, StreamPart const& part) {
