@@ -89,7 +89,7 @@ bool comesBefore(StreamRow const& a, StreamRow const& b) {
 }  // namespace
 
 std::optional<double> StreamRow::packetsPerSecond() const {
-    if (firstTime == lastTime) {
+    if (!firstTime || !lastTime || firstTime == lastTime) {
         return std::nullopt;
     }
     std::chrono::duration<double> const elapsed = *lastTime - *firstTime;
