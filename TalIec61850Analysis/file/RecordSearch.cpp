@@ -19,8 +19,10 @@ struct SearchWindow {
     std::uint64_t begin = 0;
     std::vector<std::uint8_t> octets;
 
+    /// Nothing, where the file became shorter and ends before that.
     [[nodiscard]] std::span<std::uint8_t const> from(std::uint64_t fileOffset) const {
-        return std::span(octets).subspan(static_cast<std::size_t>(fileOffset - begin));
+        auto const there = std::min<std::uint64_t>(fileOffset - begin, octets.size());
+        return std::span(octets).subspan(static_cast<std::size_t>(there));
     }
 };
 
