@@ -166,7 +166,8 @@ RC_GTEST_PROP(AnySelection, HasTheFramesOfNoStreamAmongThePacketsByTime, ()) {
     std::optional<std::tuple<std::optional<CaptureTime>, std::uint32_t, std::uint64_t>> last;
     while (auto const packet = selection.next()) {
         std::tuple const place(packet->time(), packet->file, packet->frameOffset());
-        RC_ASSERT(!last || *last <= place);
+        bool const isInOrder = !last || *last <= place;
+        RC_ASSERT(isInOrder);
         last = place;
         unread += packet->unread != nullptr ? 1 : 0;
     }
