@@ -81,6 +81,21 @@ bool describe(CaptureInterface& described, InterfaceUse& use, std::span<std::uin
     return isWhole;
 }
 
+/// Adds a record, its time and drops not yet set. Member by member, in place: this is most of what
+/// a record costs.
+inline CaptureRecord& addRecord(WalkedRecords& walked, std::uint64_t blockOffset,
+                                wire::PacketHeader const& header,
+                                std::span<std::uint8_t const> frame) {
+    RecordView& view = walked.add();
+    view.frame = frame;
+    CaptureRecord& record = view.record;
+    record.fileOffset = blockOffset;
+    record.frameOffset = blockOffset + wire::kBlockHeaderSize + header.size;
+    record.capturedSize = static_cast<std::uint32_t>(frame.size());
+    record.originalSize = header.originalSize;
+    return record;
+}
+
 /// Reads what options say of a packet.
 /// @return false where they are cut off
 bool readDropped(CaptureRecord& record, std::span<std::uint8_t const> options,
@@ -155,14 +170,9 @@ std::size_t NextGenerationDecoder::decodeUsualAs(std::span<std::uint8_t const> o
             break;
         }
         CaptureInterface& interface = table_->interfaces[index];
-        RecordView& view = walked.add();
-        view.frame = block.subspan(kTypeAndLength + header.size, size);
-        CaptureRecord& record = view.record;
-        record.fileOffset = fileOffset + begin;
-        record.frameOffset = record.fileOffset + kTypeAndLength + header.size;
+        CaptureRecord& record = addRecord(walked, fileOffset + begin, header,
+                                          block.subspan(kTypeAndLength + header.size, size));
         record.time = CaptureTime(std::chrono::nanoseconds(*time));
-        record.capturedSize = static_cast<std::uint32_t>(size);
-        record.originalSize = header.originalSize;
         record.linkType = interface.linkType;
         record.interface = index;
         record.dropped.reset();
@@ -402,15 +412,8 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
     }
     auto const rest = block.body.subspan(header.size);
     auto const frame = rest.first(std::min({claimed, rest.size(), kLongestFrame}));
-    // Member by member, in place: this is most of what a record costs.
-    RecordView& view = walked.add();
-    view.frame = frame;
-    CaptureRecord& record = view.record;
-    record.fileOffset = block.fileOffset;
-    record.frameOffset = block.fileOffset + wire::kBlockHeaderSize + header.size;
+    CaptureRecord& record = addRecord(walked, block.fileOffset, header, frame);
     record.time.reset();
-    record.capturedSize = static_cast<std::uint32_t>(frame.size());
-    record.originalSize = header.originalSize;
     record.linkType = interface.linkType;
     record.interface = *index;
     record.dropped = header.dropped;

@@ -3,6 +3,7 @@
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <utility>
 #include <variant>

@@ -1,7 +1,5 @@
 #include "tools/commands/LibraryStreamsCommand.hpp"
 
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
 #include <TalIec61850Parser/capture/PcapParser.hpp>

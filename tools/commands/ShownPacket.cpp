@@ -4,6 +4,7 @@
 #include "tools/render/Cells.hpp"
 #include "tools/render/PacketJson.hpp"
 #include "tools/render/PacketLayout.hpp"
+#include "tools/selection/FrameReader.hpp"
 
 namespace TalIec61850Tools {
 
@@ -11,7 +12,7 @@ using namespace TalIec61850Analysis;
 
 std::optional<ShownPacket> showFrame(RecordView const& view, std::string_view file) {
     CaptureRecord const& record = view.record;
-    FrameOrigin const origin{.linkType = record.linkType, .originalSize = record.originalSize};
+    FrameOrigin const origin = originOf(record);
     FrameHeader const header = readFrameHeader(view.frame, origin);
     ShownPacket shown{.record = record, .file = file, .position = {}, .goose = {}, .sv = {}};
     if (header.isGoose()) {

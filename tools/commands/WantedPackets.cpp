@@ -36,9 +36,7 @@ PacketWish WantedPackets::wish() const {
 FrameHeader WantedPackets::headerOf(std::uint32_t file, std::uint64_t frameOffset) {
     try {
         RecordView const& view = frames_.read(file, frameOffset);
-        return TalIec61850Analysis::readFrameHeader(
-            view.frame,
-            {.linkType = view.record.linkType, .originalSize = view.record.originalSize});
+        return TalIec61850Analysis::readFrameHeader(view.frame, originOf(view.record));
     } catch (std::system_error const&) {
         return {};  // reported when its packets are read
     }

@@ -4,19 +4,10 @@
 
 #include "tools/library/LibraryFields.hpp"
 #include "tools/render/Cells.hpp"
-#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 
 namespace {
-
-Cell textField(std::optional<CaptureTime> const& time) {
-    return time ? Cell(toUtcCell(*time)) : Cell();
-}
-
-Cell integerField(std::optional<CaptureTime> const& time) {
-    return time ? Cell(nanosecondsSince1970(*time)) : Cell();
-}
 
 Cell simulationCell(LibraryRow const& row) {
     if (!row.simulationPresent) {
@@ -67,10 +58,10 @@ RowLayout<LibraryRow> libraryLayout() {
         layout.fields.end(),
         {{"packets", [](LibraryRow const& r) -> Cell { return r.packets; }},
          {"files", [](LibraryRow const& r) -> Cell { return r.files; }},
-         {"firstTime", [](LibraryRow const& r) -> Cell { return textField(r.firstTime); }},
-         {"firstTimeNs", [](LibraryRow const& r) -> Cell { return integerField(r.firstTime); }},
-         {"lastTime", [](LibraryRow const& r) -> Cell { return textField(r.lastTime); }},
-         {"lastTimeNs", [](LibraryRow const& r) -> Cell { return integerField(r.lastTime); }},
+         {"firstTime", [](LibraryRow const& r) -> Cell { return timeCell(r.firstTime); }},
+         {"firstTimeNs", [](LibraryRow const& r) -> Cell { return timeNsCell(r.firstTime); }},
+         {"lastTime", [](LibraryRow const& r) -> Cell { return timeCell(r.lastTime); }},
+         {"lastTimeNs", [](LibraryRow const& r) -> Cell { return timeNsCell(r.lastTime); }},
          {"packetsPerSecond", [](LibraryRow const& r) -> Cell { return r.packetsPerSecond(); }}});
     layout.columns = streamColumns(layout.fields);
     return layout;

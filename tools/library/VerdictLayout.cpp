@@ -3,8 +3,6 @@
 #include <optional>
 
 #include "tools/render/Cells.hpp"
-#include "tools/render/UtcText.hpp"
-#include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
 
@@ -52,15 +50,13 @@ RowLayout<VerdictCount> verdictCountLayout() {
 RowLayout<JudgedFrame> judgedFrameLayout() {
     using Row = JudgedFrame const&;
     RowLayout<JudgedFrame> layout;
-    layout.fields = {
-        {"time", [](Row r) { return r.record.time ? Cell(toUtcCell(*r.record.time)) : Cell(); }},
-        {"timeNs",
-         [](Row r) { return r.record.time ? Cell(nanosecondsSince1970(*r.record.time)) : Cell(); }},
-        {"file", [](Row r) -> Cell { return r.file; }},
-        {"recordPosition", [](Row r) -> Cell { return r.record.fileOffset; }},
-        {"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
-        {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
-        {"answer", [](Row r) -> Cell { return r.verdict.answer; }}};
+    layout.fields = {{"time", [](Row r) { return timeCell(r.record.time); }},
+                     {"timeNs", [](Row r) { return timeNsCell(r.record.time); }},
+                     {"file", [](Row r) -> Cell { return r.file; }},
+                     {"recordPosition", [](Row r) -> Cell { return r.record.fileOffset; }},
+                     {"protocol", [](Row r) -> Cell { return protocolText(r.verdict.protocol); }},
+                     {"verdict", [](Row r) -> Cell { return toText(r.verdict.verdict); }},
+                     {"answer", [](Row r) -> Cell { return r.verdict.answer; }}};
     layout.columns = frameColumns(layout.fields);
     return layout;
 }

@@ -11,15 +11,14 @@
 
 #include "tools/output/DumpJson.hpp"
 #include "tools/render/CaptureText.hpp"
+#include "tools/render/Cells.hpp"
 #include "tools/render/OtherProtocols.hpp"
-#include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureFormat;
 using TalIec61850Analysis::CaptureInterface;
 using TalIec61850Analysis::CaptureSummary;
-using TalIec61850Analysis::CaptureTime;
 
 namespace {
 
@@ -111,19 +110,11 @@ Cell otherCell(CaptureRow const& row) {
     return texts.empty() ? Cell() : Cell(fmt::format("{}", fmt::join(texts, ", ")));
 }
 
-Cell nanosecondsField(std::optional<CaptureTime> const& time) {
-    return time ? Cell(TalIec61850Analysis::nanosecondsSince1970(*time)) : Cell();
-}
-
-Cell utcCell(std::optional<CaptureTime> const& time) {
-    return time ? Cell(toUtcCell(*time)) : Cell();
-}
-
 /// What the operating system refused is told before damage.
 Cell damageField(CaptureRow const& row) {
     CaptureSummary const& summary = *row.summary;
     if (summary.error) {
-        return summary.error.message();
+        return faultText(summary.error);
     }
     if (summary.damages.empty()) {
         return {};
@@ -151,9 +142,9 @@ std::vector<Column<CaptureRow>> captureColumns(std::vector<Field<CaptureRow>> co
         column("records", {"RECORDS", Align::right, {.rank = 1}}),
         column("octets", {"OCTETS", Align::right, {.rank = 12}}),
         {{"FIRST", Align::left, fitSeconds(4)},
-         [](CaptureRow const& r) { return utcCell(r.summary->first); }},
+         [](CaptureRow const& r) { return timeCell(r.summary->first); }},
         {{"LAST", Align::left, fitSeconds(6)},
-         [](CaptureRow const& r) { return utcCell(r.summary->last); }},
+         [](CaptureRow const& r) { return timeCell(r.summary->last); }},
         column("goose", {"GOOSE", Align::right, {.rank = 2}}),
         column("sv", {"SV", Align::right, {.rank = 3}}),
         {{"OTHER", Align::left, fitOther}, otherCell, "other"},
@@ -196,8 +187,8 @@ RowLayout<CaptureRow> captureLayout() {
         {"linkTypes", linkTypesField},
         {"records", [](CaptureRow const& r) -> Cell { return r.summary->records; }},
         {"octets", [](CaptureRow const& r) -> Cell { return r.summary->fileSize; }},
-        {"firstTimeNs", [](CaptureRow const& r) { return nanosecondsField(r.summary->first); }},
-        {"lastTimeNs", [](CaptureRow const& r) { return nanosecondsField(r.summary->last); }},
+        {"firstTimeNs", [](CaptureRow const& r) { return timeNsCell(r.summary->first); }},
+        {"lastTimeNs", [](CaptureRow const& r) { return timeNsCell(r.summary->last); }},
         {"goose", [](CaptureRow const& r) -> Cell { return r.summary->gooseFrames; }},
         {"sv", [](CaptureRow const& r) -> Cell { return r.summary->svFrames; }},
         {"other", otherField},

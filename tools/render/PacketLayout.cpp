@@ -15,10 +15,6 @@ namespace {
 
 using Packet = PacketRow const&;
 
-FrameOrigin originOf(CaptureRecord const& record) {
-    return {.linkType = record.linkType, .originalSize = record.originalSize};
-}
-
 bool isOf(Packet row, Protocol protocol) { return !row.isUnread() && row.protocol() == protocol; }
 
 Cell positionCell(Packet row) {

@@ -1,12 +1,19 @@
 #pragma once
 
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
+#include <TalIec61850Analysis/packet/FrameHeader.hpp>
 #include <cstdint>
 #include <list>
 #include <string>
 #include <vector>
 
 namespace TalIec61850Tools {
+
+/// What a capture says of a frame besides its octets.
+[[nodiscard]] inline TalIec61850Analysis::FrameOrigin originOf(
+    TalIec61850Analysis::CaptureRecord const& record) {
+    return {.linkType = record.linkType, .originalSize = record.originalSize};
+}
 
 /// Reads frames of an index from their captures. Frames that are asked for in the order of their
 /// file are read one after the other.

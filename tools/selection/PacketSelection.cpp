@@ -9,10 +9,6 @@ using namespace TalIec61850Analysis;
 
 namespace {
 
-bool isWithin(TimeWindow const& window, CaptureTime time) {
-    return (!window.from || *window.from <= time) && (!window.to || time <= *window.to);
-}
-
 /// Times first, then the order of the files and in them.
 auto orderOf(SelectedPacket const& packet) {
     return std::tuple(packet.time(), packet.file, packet.frameOffset());
@@ -94,7 +90,7 @@ void PacketSelection::addUnread(std::uint32_t file, HeaderReader const& headOf) 
     bool const needsHeader = wish_.criteria.needHeader();
     bool const isWindow = wish_.window.from || wish_.window.to;
     for (UnreadFrame const& frame : index_.files()[file].summary.unread) {
-        bool const isInside = frame.time ? isWithin(wish_.window, *frame.time) : !isWindow;
+        bool const isInside = frame.time ? wish_.window.contains(*frame.time) : !isWindow;
         if (isInside &&
             wish_.criteria.admitUnread(
                 frame.protocol, needsHeader ? headOf(file, frame.frameOffset) : FrameHeader())) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>

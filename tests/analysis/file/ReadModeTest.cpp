@@ -5,7 +5,6 @@
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <random>
 #include <string>
 #include <utility>
@@ -15,6 +14,7 @@
 #include "index/Indexing.hpp"
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
+#include "support/OctetsRead.hpp"
 #include "support/OwnCaptures.hpp"
 #include "support/PcapngMaker.hpp"
 
@@ -80,22 +80,12 @@ TEST(ReadMode, DoesNotChangeWhatIsReadOfALargeCapture) {
     }
 }
 
-/// Octets that this thread has read from files so far.
-std::uint64_t octetsReadHere() {
-    std::ifstream status("/proc/thread-self/io");
-    std::string name;
-    std::uint64_t count = 0;
-    while (status >> name >> count && name != "rchar:") {
-    }
-    return count;
-}
-
 TEST(ReadMode, SaysWhichThreadReads) {
     ScratchFile const file(classicOf(framesOfAnySize(1)));
     auto const readHere = [&](ReadMode mode) {
-        std::uint64_t const before = octetsReadHere();
+        std::uint64_t const before = TalTest::octetsReadHere();
         static_cast<void>(readWhole(file.path(), mode));
-        return octetsReadHere() - before;
+        return TalTest::octetsReadHere() - before;
     };
     std::uint64_t const size = CaptureFile(file.path()).size();
     EXPECT_GE(readHere(ReadMode::plain), size);

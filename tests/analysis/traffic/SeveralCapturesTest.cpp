@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <random>
 #include <stop_token>
 #include <string>
@@ -16,6 +15,7 @@
 #include "analysis/traffic/IndexContent.hpp"
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/Captures.hpp"
+#include "support/OctetsRead.hpp"
 #include "support/OwnCaptures.hpp"
 
 namespace TalIec61850Analysis {
@@ -77,24 +77,14 @@ TEST(ManyCaptures, HaveTheSameContentInAnyOrder) {
     }
 }
 
-/// Octets that this thread has read from files so far.
-std::uint64_t octetsReadHere() {
-    std::ifstream status("/proc/thread-self/io");
-    std::string name;
-    std::uint64_t count = 0;
-    while (status >> name >> count && name != "rchar:") {
-    }
-    return count;
-}
-
 TEST(Indexing, ReadsOnAnotherThreadWhereItIsToReadAhead) {
     TrafficCapture capture;
     for (std::uint64_t i = 0; i < 10'000; ++i) capture.add(counted(i));
     TempFile const file(capture.bytes());
     auto const readHere = [&](ReadMode mode) {
-        std::uint64_t const before = octetsReadHere();
+        std::uint64_t const before = TalTest::octetsReadHere();
         EXPECT_EQ(indexCapture(file.path(), {.read = mode}).streams()[0].packets, 10'000U);
-        return octetsReadHere() - before;
+        return TalTest::octetsReadHere() - before;
     };
     EXPECT_GE(readHere(ReadMode::plain), capture.bytes().size());
     EXPECT_LT(readHere(ReadMode::ahead), capture.bytes().size() / 10);
