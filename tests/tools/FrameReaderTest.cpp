@@ -119,6 +119,19 @@ TEST(FrameReader, SaysThatAFileHasChanged) {
               "No such file or directory");
 }
 
+TEST(FrameReader, SaysThatAFileEndsInsideAFrameThatItHeld) {
+    Bytes const capture = captureOfFrames(100);
+    TempFile const file(capture);
+    auto const frames = framesIn(capture);
+    FrameReader reader({file.path()});
+    // Where each record is, is known from here on.
+    expectRead(reader, frames);
+    Frame const& middle = frames[50];
+    std::filesystem::resize_file(file.path(), middle.offset + 10);
+    EXPECT_EQ(errorOf(reader, middle.offset), std::error_code(ESTALE, std::generic_category()));
+    expectRead(reader, {frames[49]});
+}
+
 TEST(FrameReader, SaysThatAFileIsGone) {
     FrameReader reader({"/nonexistent"});
     EXPECT_EQ(errorOf(reader, 40), std::error_code(ENOENT, std::generic_category()));
