@@ -45,6 +45,14 @@
 #include <TalIec61850Analysis/packet/Sink.hpp>
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
+#include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
+#include <TalIec61850Analysis/samples/LayoutInference.hpp>
+#include <TalIec61850Analysis/samples/SampleBlock.hpp>
+#include <TalIec61850Analysis/samples/SampleLayout.hpp>
+#include <TalIec61850Analysis/samples/SampleRate.hpp>
+#include <TalIec61850Analysis/samples/SampleReader.hpp>
+#include <TalIec61850Analysis/samples/SampleRun.hpp>
+#include <TalIec61850Analysis/samples/SampleTimeSource.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>

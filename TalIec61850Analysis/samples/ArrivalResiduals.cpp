@@ -1,0 +1,173 @@
+#include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
+#include <TalIec61850Analysis/samples/SampleSequence.hpp>
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <limits>
+#include <vector>
+
+namespace TalIec61850Analysis {
+
+namespace {
+
+/// Counts of numbers, in classes that are right to 1 %, whatever their size.
+class Histogram {
+public:
+    void add(std::uint64_t number) {
+        ++counts_[classOf(number)];
+        ++count_;
+    }
+
+    /// A number that a share of all are not above.
+    [[nodiscard]] std::int64_t percentile(unsigned percent) const {
+        std::uint64_t const wanted = (count_ * percent + 99) / 100;
+        std::uint64_t passed = 0;
+        for (std::size_t i = 0; i < counts_.size(); ++i) {
+            passed += counts_[i];
+            if (passed >= wanted) {
+                return static_cast<std::int64_t>(startOf(i));
+            }
+        }
+        return 0;
+    }
+
+private:
+    /// Bits of a number that its class keeps below the highest one.
+    static constexpr unsigned kBits = 7;
+    static constexpr std::size_t kFine = std::size_t{1} << kBits;
+
+    static std::size_t classOf(std::uint64_t number) {
+        if (number < kFine) {
+            return number;
+        }
+        auto const shift = static_cast<unsigned>(std::bit_width(number)) - 1 - kBits;
+        return (std::size_t{shift} + 1) * kFine + (number >> shift) - kFine;
+    }
+    static std::uint64_t startOf(std::size_t number) {
+        if (number < kFine) {
+            return number;
+        }
+        std::size_t const shift = number / kFine - 1;
+        return (std::uint64_t{number % kFine} + kFine) << shift;
+    }
+
+    std::vector<std::uint64_t> counts_ = std::vector<std::uint64_t>((64 - kBits + 1) * kFine);
+    std::uint64_t count_ = 0;
+};
+
+/// Calls with the time of each sample that is the newest of its frame, and its residual.
+template <typename Visit>
+void visitResiduals(TrafficIndex const& index, TrafficStream const& stream, SampleRate given,
+                    Visit const& visit) {
+    detail::SampleSequence sequence(index, stream, given, false);
+    detail::SequencedSample sample;
+    detail::SequencedSample before;
+    bool hasBefore = false;
+    auto const frameOf = [&](detail::SequencedSample const& of) {
+        return stream.parts[of.packet.part].packets.frameOffsets()[of.packet.packet];
+    };
+    auto const visitBefore = [&] {
+        std::int64_t const arrival =
+            stream.parts[before.packet.part].packets.times()[before.packet.packet];
+        if (before.time != kNoTime && arrival != kNoTime) {
+            visit(before.time, arrival - before.time);
+        }
+    };
+    while (sequence.next(sample)) {
+        bool const isSameFrame = hasBefore && before.packet.part == sample.packet.part &&
+                                 frameOf(before) == frameOf(sample);
+        if (hasBefore && !isSameFrame) {
+            visitBefore();
+        }
+        before = sample;
+        hasBefore = true;
+    }
+    if (hasBefore) {
+        visitBefore();
+    }
+}
+
+/// The least residual in each of some equal parts of a span, and the slope of these.
+class Envelope {
+public:
+    Envelope(std::int64_t first, std::int64_t last)
+        : first_(first), width_(std::max<std::int64_t>((last - first) / kParts + 1, 1)) {
+        least_.fill(kNone);
+    }
+
+    void add(std::int64_t time, std::int64_t residual) {
+        auto const part = std::clamp<std::int64_t>((time - first_) / width_, 0, kParts - 1);
+        std::int64_t& least = least_[static_cast<std::size_t>(part)];
+        least = std::min(least, residual);
+    }
+
+    [[nodiscard]] std::optional<double> slope() const {
+        double count = 0;
+        double sumX = 0;
+        double sumY = 0;
+        double sumXx = 0;
+        double sumXy = 0;
+        std::int64_t const origin = *std::min_element(least_.begin(), least_.end());
+        for (std::size_t i = 0; i < least_.size(); ++i) {
+            if (least_[i] != kNone) {
+                double const x = static_cast<double>(i) * static_cast<double>(width_);
+                auto const y = static_cast<double>(least_[i] - origin);
+                count += 1;
+                sumX += x;
+                sumY += y;
+                sumXx += x * x;
+                sumXy += x * y;
+            }
+        }
+        double const spread = count * sumXx - sumX * sumX;
+        return spread > 0 ? std::optional((count * sumXy - sumX * sumY) / spread) : std::nullopt;
+    }
+
+private:
+    static constexpr std::int64_t kParts = 64;
+    static constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+
+    std::int64_t first_;
+    std::int64_t width_;
+    std::array<std::int64_t, kParts> least_{};
+};
+
+}  // namespace
+
+std::optional<ArrivalResiduals> arrivalResiduals(TrafficIndex const& index,
+                                                 TrafficStream const& stream, SampleRate given) {
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    constexpr double kPartsPerMillion = 1e6;
+    ArrivalResiduals residuals;
+    residuals.least = std::numeric_limits<std::int64_t>::max();
+    std::int64_t first = std::numeric_limits<std::int64_t>::max();
+    std::int64_t last = std::numeric_limits<std::int64_t>::min();
+    visitResiduals(index, stream, given, [&](std::int64_t time, std::int64_t residual) {
+        ++residuals.samples;
+        residuals.least = std::min(residuals.least, residual);
+        first = std::min(first, time);
+        last = std::max(last, time);
+    });
+    if (residuals.samples == 0) {
+        return std::nullopt;
+    }
+    Histogram histogram;
+    Envelope envelope(first, last);
+    visitResiduals(index, stream, given, [&](std::int64_t time, std::int64_t residual) {
+        std::int64_t const above = residual - residuals.least;
+        histogram.add(static_cast<std::uint64_t>(above));
+        residuals.largest = std::max(residuals.largest, above);
+        envelope.add(time, residual);
+    });
+    residuals.median = histogram.percentile(50);
+    residuals.percentile90 = histogram.percentile(90);
+    residuals.percentile99 = histogram.percentile(99);
+    if (last - first >= kSecond) {
+        if (auto const slope = envelope.slope()) {
+            residuals.driftPpm = *slope * kPartsPerMillion;
+        }
+    }
+    return residuals;
+}
+
+}  // namespace TalIec61850Analysis

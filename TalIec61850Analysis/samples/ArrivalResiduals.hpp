@@ -1,0 +1,39 @@
+#pragma once
+
+#include <TalIec61850Analysis/Export.hpp>
+#include <TalIec61850Analysis/samples/SampleRate.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstdint>
+#include <optional>
+
+namespace TalIec61850Analysis {
+
+/// How arrival goes along with the times of samples: arrival less sample time, in nanoseconds. The
+/// least is the delay that all have and what the clocks are apart, which cannot be told apart.
+struct ArrivalResiduals {
+    /// How many samples were looked at: each frame once, by the newest sample in it.
+    std::uint64_t samples = 0;
+    /// The least.
+    std::int64_t least = 0;
+    // Above the least, right to 1 %.
+    std::int64_t median = 0;        ///< half are at most this
+    std::int64_t percentile90 = 0;  ///< 90 % are at most this
+    std::int64_t percentile99 = 0;  ///< 99 % are at most this
+    std::int64_t largest = 0;       ///< the largest; this one is exact
+    /// How much faster the clock of the capture runs than that of the publisher, in parts per
+    /// million: the slope of what is least; not set where there is less than a second to tell.
+    std::optional<double> driftPpm;
+
+    /// Member by member.
+    friend bool operator==(ArrivalResiduals const&, ArrivalResiduals const&) = default;
+};
+
+/// Compares arrival with the times of samples by smpCnt, or by a fit; times of refrTm are not
+/// looked up. Only the index is read.
+/// @param stream  of the index, SV
+/// @param given   the rate, in place of what the stream tells
+/// @return not set where no sample has both times
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ArrivalResiduals> arrivalResiduals(
+    TrafficIndex const& index, TrafficStream const& stream, SampleRate given = {});
+
+}  // namespace TalIec61850Analysis

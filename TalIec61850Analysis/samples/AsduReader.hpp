@@ -1,0 +1,65 @@
+#pragma once
+
+// Internal: ASDUs of indexed packets, read again from their captures.
+
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
+#include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/samples/AsduShapes.hpp>
+#include <TalIec61850Analysis/samples/CaptureWindow.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace TalIec61850Analysis::detail {
+
+/// What was read of an ASDU; valid until the next one is read.
+struct ReadAsdu {
+    /// Of its octet 30, in the file.
+    std::uint64_t fileOffset = 0;
+    /// Empty where there is none, or where it was cut.
+    Octets data;
+    /// In nanoseconds since 1970, or kNoTime.
+    std::int64_t refrTm = kNoTime;
+};
+
+/// Reads the ASDUs of one stream.
+class AsduReader {
+public:
+    /// @param index, stream  must outlive the reader
+    AsduReader(TrafficIndex const& index, TrafficStream const& stream);
+
+    /// @throws std::system_error  the capture cannot be read, or no longer has the ASDU (ESTALE)
+    [[nodiscard]] ReadAsdu read(PacketRef ref) {
+        StreamPart const& part = stream_.parts[ref.part];
+        PacketColumns const& packets = part.packets;
+        std::uint64_t const offset =
+            packets.frameOffsets()[ref.packet] + packets.pduOffsets()[ref.packet];
+        std::size_t const number = packets.asdus()[ref.packet];
+        if (!packets.flags()[ref.packet].isCut() && shapes_.reach() != 0) [[likely]] {
+            Octets const sequence = window_.at(part.file, offset, shapes_.reach());
+            if (AsduPlaces const* const places = shapes_.find(sequence, number)) [[likely]] {
+                return readAt(sequence, *places, offset);
+            }
+        }
+        return readPlainly(ref, offset, number);
+    }
+
+private:
+    [[nodiscard]] static ReadAsdu readAt(Octets sequence, AsduPlaces const& places,
+                                         std::uint64_t offset);
+    [[nodiscard]] ReadAsdu readPlainly(PacketRef ref, std::uint64_t offset, std::size_t number);
+    [[nodiscard]] std::size_t capturedAfter(PacketRef ref);
+
+    TrafficIndex const& index_;
+    TrafficStream const& stream_;
+    CaptureWindow window_;
+    AsduShapes shapes_;
+    std::vector<std::uint8_t> mask_;
+    /// Tells how much was captured of frames that were cut; not open before the first of them.
+    std::optional<CaptureFile> cutFrames_;
+    std::uint32_t cutFile_ = 0;
+};
+
+}  // namespace TalIec61850Analysis::detail

@@ -1,0 +1,86 @@
+#pragma once
+
+// Internal: which sample of its publisher a packet brings, by smpCnt and arrival.
+
+#include <cstdint>
+
+namespace TalIec61850Analysis::detail {
+
+/// What smpCnt says of a packet, seen from the packets before.
+enum class CountStep : std::uint8_t {
+    first,      ///< there is none before
+    next,       ///< it goes on, past samples that are missing or not
+    late,       ///< it was missing
+    repeated,   ///< it was there before
+    restart,    ///< the counter goes on elsewhere
+    pause,      ///< so much time has passed that nothing is said of what was between
+    clockStep,  ///< the counter goes on, but the capture's clock jumped
+};
+
+/// How a publisher counts.
+struct CountRule {
+    /// smpCnt is below this, and begins again there.
+    std::uint32_t wrap = 65536;
+    /// Nanoseconds from one sample to the next; 0 where that is not known.
+    double interval = 0;
+    /// Samples that may come at once: ASDUs in a frame.
+    std::uint32_t atOnce = 1;
+};
+
+/// Numbers samples by smpCnt. Numbers go on through the wraps of the counter: `number % wrap` is
+/// smpCnt. The counter says how many samples are missing but for whole wraps, which arrival decides.
+class SampleCounter {
+public:
+    /// How many samples a late one may be behind the newest.
+    static constexpr std::int64_t kMostBehind = 16;
+
+    SampleCounter() = default;
+    explicit SampleCounter(CountRule rule) : rule_(rule) {}
+
+    /// A sample has come. One of another course (restart, pause, clockStep) is not added: it is the
+    /// first of a counter of its own.
+    /// @param smpCnt   below the wrap, or it is a restart
+    /// @param arrival  in nanoseconds, or kNoTime
+    CountStep add(std::uint32_t smpCnt, std::int64_t arrival) {
+        std::int64_t const since = arrival - arrival_;
+        if (smpCnt == smpCnt_ + 1 && smpCnt < rule_.wrap && isStarted_ && since >= 0 &&
+            since < kSoon) [[likely]] {
+            return goTo(newest_ + 1, smpCnt, arrival);
+        }
+        return addUnusual(smpCnt, arrival);
+    }
+
+    /// The number of the sample that was added last.
+    [[nodiscard]] std::int64_t number() const { return number_; }
+    /// The largest number so far.
+    [[nodiscard]] std::int64_t newest() const { return newest_; }
+
+private:
+    /// Time in which no wrap can be missing, whatever the rate: in nanoseconds.
+    static constexpr std::int64_t kSoon = 50'000'000;
+
+    CountStep goTo(std::int64_t number, std::uint32_t smpCnt, std::int64_t arrival) {
+        std::int64_t const ahead = number - newest_;
+        seen_ = ahead < 64 ? seen_ << static_cast<unsigned>(ahead) | 1U : 1U;
+        newest_ = number;
+        number_ = number;
+        smpCnt_ = smpCnt;
+        arrival_ = arrival;
+        return CountStep::next;
+    }
+    CountStep addUnusual(std::uint32_t smpCnt, std::int64_t arrival);
+    CountStep addBehind(std::int64_t behind);
+    CountStep begin(std::uint32_t smpCnt, std::int64_t arrival);
+
+    CountRule rule_;
+    bool isStarted_ = false;
+    std::int64_t number_ = 0;
+    /// Of the newest sample.
+    std::int64_t newest_ = 0;
+    std::int64_t arrival_ = 0;
+    std::uint32_t smpCnt_ = 0;
+    /// Which of the newest 64 came: bit 0 is the newest.
+    std::uint64_t seen_ = 0;
+};
+
+}  // namespace TalIec61850Analysis::detail

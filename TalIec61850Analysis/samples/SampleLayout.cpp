@@ -1,0 +1,65 @@
+#include <TalIec61850Analysis/samples/SampleLayout.hpp>
+#include <utility>
+
+namespace TalIec61850Analysis {
+
+std::size_t sizeOf(SampleType type) noexcept {
+    switch (type) {
+        case SampleType::boolean:
+        case SampleType::int8:
+        case SampleType::int8u:
+            return 1;
+        case SampleType::int16:
+        case SampleType::int16u:
+            return 2;
+        case SampleType::int24:
+        case SampleType::int24u:
+            return 3;
+        case SampleType::int64:
+        case SampleType::float64:
+        case SampleType::timestamp:
+            return 8;
+        case SampleType::int32:
+        case SampleType::int32u:
+        case SampleType::float32:
+        case SampleType::enumerated:
+        case SampleType::quality:
+            break;
+    }
+    return 4;
+}
+
+ValueType SampleChannel::valueType() const noexcept {
+    switch (type) {
+        case SampleType::int32u:
+        case SampleType::int64:
+            return ValueType::int64;
+        case SampleType::float32:
+            return ValueType::float32;
+        case SampleType::float64:
+            return ValueType::float64;
+        default:
+            return ValueType::int32;
+    }
+}
+
+SampleLayout::SampleLayout(std::vector<SampleType> members) : members_(std::move(members)) {
+    bool isAfterValue = false;
+    for (SampleType const member : members_) {
+        if (member == SampleType::quality) {
+            if (isAfterValue) {
+                channels_.back().qualityOffset = size_;
+                hasQuality_ = true;
+            }
+            isAfterValue = false;
+        } else if (member == SampleType::timestamp) {
+            isAfterValue = false;
+        } else {
+            channels_.push_back({.type = member, .offset = size_, .qualityOffset = {}});
+            isAfterValue = true;
+        }
+        size_ += sizeOf(member);
+    }
+}
+
+}  // namespace TalIec61850Analysis

@@ -1,0 +1,296 @@
+#include <TalIec61850Analysis/samples/AsduReader.hpp>
+#include <TalIec61850Analysis/samples/ChannelDecoder.hpp>
+#include <TalIec61850Analysis/samples/PartAttributes.hpp>
+#include <TalIec61850Analysis/samples/SampleReader.hpp>
+#include <TalIec61850Analysis/samples/SampleSequence.hpp>
+#include <TalIec61850Analysis/samples/StreamLayouts.hpp>
+#include <algorithm>
+#include <utility>
+
+namespace TalIec61850Analysis {
+
+namespace {
+
+/// Octets of a block, about.
+constexpr std::size_t kBlockOctets = std::size_t{1} << 20U;
+constexpr std::size_t kMostRows = 4096;
+constexpr std::size_t kFewestRows = 16;
+
+std::int64_t nanosecondsOf(CaptureTime time) { return time.time_since_epoch().count(); }
+
+ChannelValues valuesOf(ValueType type) {
+    switch (type) {
+        case ValueType::int64:
+            return std::vector<std::int64_t>();
+        case ValueType::float32:
+            return std::vector<float>();
+        case ValueType::float64:
+            return std::vector<double>();
+        case ValueType::int32:
+            break;
+    }
+    return std::vector<std::int32_t>();
+}
+
+/// How many rows a block of such samples has at most.
+std::size_t rowsOf(std::size_t dataSize) {
+    constexpr std::size_t kOtherColumns = 64;
+    // A value of an octet is kept in four.
+    std::size_t const row = kOtherColumns + 4 * dataSize;
+    return std::clamp(kBlockOctets / row, kFewestRows, kMostRows);
+}
+
+}  // namespace
+
+struct SampleReader::State {
+    State(TrafficIndex const& index, TrafficStream const& stream, SampleOptions&& given)
+        : stream_(stream),
+          from_(given.from ? std::optional(nanosecondsOf(*given.from)) : std::nullopt),
+          end_(given.end ? std::optional(nanosecondsOf(*given.end)) : std::nullopt),
+          sequence_(index, stream, given.rate, given.rows == SampleRows::everySample),
+          attributes_(index, stream),
+          asdus_(index, stream),
+          layouts_(index, stream, std::move(given.layout)) {}
+
+    SampleBlock const* next() {
+        if (isOver_) {
+            return nullptr;
+        }
+        isOver_ = true;  // unless all goes well
+        clear();
+        while ((room_ == 0 || rows_ < room_) && (hasSample_ || fetch())) {
+            if (!add()) {
+                break;
+            }
+            hasSample_ = false;
+        }
+        trim();
+        isOver_ = block_.empty();
+        return isOver_ ? nullptr : &block_;
+    }
+
+    [[nodiscard]] SampleCounts const& counts() const { return sequence_.counts(); }
+
+private:
+    using LayoutKey = detail::LayoutKey;
+    using ReadAsdu = detail::ReadAsdu;
+
+    /// The next sample that may be in the window, by what the columns tell.
+    bool fetch() {
+        while (sequence_.next(sample_)) {
+            isNewRun_ = isNewRun_ || sample_.startsRun;
+            if (mayBeWanted()) {
+                hasSample_ = true;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    [[nodiscard]] bool hasWindow() const { return from_ || end_; }
+
+    [[nodiscard]] bool isInWindow(std::int64_t time) const {
+        if (time == kNoTime) {
+            return !hasWindow();
+        }
+        return (!from_ || *from_ <= time) && (!end_ || time < *end_);
+    }
+
+    [[nodiscard]] std::int64_t arrival() const {
+        return stream_.parts[sample_.packet.part].packets.times()[sample_.packet.packet];
+    }
+
+    [[nodiscard]] std::int64_t timeOrArrival(std::int64_t time) const {
+        return time == kNoTime && !sample_.isMissing ? arrival() : time;
+    }
+
+    /// Only the frame tells a refrTm.
+    bool mayBeWanted() {
+        return !hasWindow() || layouts_.haveTimes() || isInWindow(timeOrArrival(sample_.time));
+    }
+
+    /// @return false where the sample begins the next block
+    bool add() {
+        if (isNewRun_ && rows_ > 0) {
+            return false;
+        }
+        return sample_.isMissing ? addMissing() : addReceived();
+    }
+
+    bool addReceived() {
+        ReadAsdu const asdu = asdus_.read(sample_.packet);
+        bool const hasRefrTm = asdu.refrTm != kNoTime;
+        std::int64_t const time = hasRefrTm ? asdu.refrTm : sample_.time;
+        lastRefrTm_ = asdu.refrTm;
+        lastNumber_ = sample_.number;
+        if (hasWindow() && !isInWindow(timeOrArrival(time))) {
+            return true;
+        }
+        if (attributes_.isChangedAt(sample_.packet) || asdu.data.size() != key_.size || isNewRun_)
+            [[unlikely]] {
+            if (!startBlock(asdu)) {
+                return false;
+            }
+        }
+        StreamPart const& part = stream_.parts[sample_.packet.part];
+        PacketColumns const& packets = part.packets;
+        PacketFlags const flags = packets.flags()[sample_.packet.packet];
+        block_.sampleTimes[rows_] = time;
+        block_.timeSources[rows_] = hasRefrTm ? SampleTimeSource::refrTm : sample_.source;
+        block_.arrivals[rows_] = packets.times()[sample_.packet.packet];
+        block_.smpCnts[rows_] = packets.smpCnts()[sample_.packet.packet];
+        block_.smpSynchs[rows_] = flags.secondCounter() == CounterState::held
+                                      ? packets.smpSynchs()[sample_.packet.packet]
+                                      : SampleBlock::kNoSynch;
+        block_.states[rows_] =
+            sample_.isCounted ? SampleState::received : SampleState::uncounted;
+        block_.places[rows_] = {.fileOffset = asdu.fileOffset,
+                                .file = part.file,
+                                .asdu = packets.asdus()[sample_.packet.packet]};
+        if (decoder_) [[likely]] {
+            decoder_->decode(asdu.data.data(), rows_);
+        } else {
+            block_.octets.insert(block_.octets.end(), asdu.data.begin(), asdu.data.end());
+        }
+        ++rows_;
+        return true;
+    }
+
+    bool addMissing() {
+        bool const byRefrTm = lastRefrTm_ != kNoTime && sequence_.run().rate.isKnown();
+        std::int64_t const time =
+            byRefrTm ? lastRefrTm_ + sequence_.run().rate.timeOf(sample_.number - lastNumber_)
+                     : sample_.time;
+        if (!isInWindow(time)) {
+            return true;
+        }
+        StreamPart const& part = stream_.parts[sample_.packet.part];
+        PacketColumns const& packets = part.packets;
+        if (room_ == 0 || isNewRun_) {
+            // The samples before it are in no block.
+            static_cast<void>(startBlock(asdus_.read(sample_.packet)));
+        }
+        PacketFlags const flags = packets.flags()[sample_.packet.packet];
+        block_.sampleTimes[rows_] = time;
+        block_.timeSources[rows_] = byRefrTm ? SampleTimeSource::fit : sample_.source;
+        block_.arrivals[rows_] = kNoTime;
+        block_.smpCnts[rows_] =
+            static_cast<std::uint32_t>(sample_.number % std::int64_t{sequence_.wrap()});
+        block_.smpSynchs[rows_] = flags.secondCounter() == CounterState::held
+                                      ? packets.smpSynchs()[sample_.packet.packet]
+                                      : SampleBlock::kNoSynch;
+        block_.states[rows_] = SampleState::missing;
+        block_.places[rows_] = {
+            .fileOffset = 0, .file = part.file, .asdu = packets.asdus()[sample_.packet.packet]};
+        if (decoder_) {
+            decoder_->decode(nullptr, rows_);
+        } else {
+            block_.octets.resize(block_.octets.size() + block_.dataSize);
+        }
+        ++rows_;
+        return true;
+    }
+
+    /// Looks at whether the sample is of the same make as the rows of the block, and makes it one
+    /// of that where there are none.
+    /// @return false where there are rows of another
+    bool startBlock(ReadAsdu const& asdu) {
+        LayoutKey const key{.size = asdu.data.size(), .attributes = &attributes_.at(sample_.packet)};
+        if (!isNewRun_ && room_ != 0 && key == key_) {
+            return true;
+        }
+        if (rows_ > 0) {
+            // Asked for again, this packet is as another as it is now.
+            key_.size = static_cast<std::size_t>(-1);
+            return false;
+        }
+        key_ = key;
+        block_.attributes = key.attributes;
+        block_.layout = layouts_.of(key);
+        prepare();
+        return true;
+    }
+
+    void prepare() {
+        isNewRun_ = false;
+        block_.run = sequence_.run();
+        block_.dataSize = key_.size;
+        room_ = rowsOf(key_.size);
+        resize(room_);
+        decoder_.reset();
+        block_.channels.clear();
+        if (block_.layout.layout) {
+            for (SampleChannel const& channel : block_.layout.layout->channels()) {
+                block_.channels.push_back(
+                    {.values = valuesOf(channel.valueType()), .qualities = {}});
+            }
+            decoder_.emplace(*block_.layout.layout, block_.channels, room_);
+        }
+    }
+
+    void resize(std::size_t rows) {
+        block_.sampleTimes.resize(rows);
+        block_.timeSources.resize(rows);
+        block_.arrivals.resize(rows);
+        block_.smpCnts.resize(rows);
+        block_.smpSynchs.resize(rows);
+        block_.states.resize(rows);
+        block_.places.resize(rows);
+    }
+
+    void clear() {
+        rows_ = 0;
+        block_.octets.clear();
+        if (room_ != 0) {
+            resize(room_);
+            if (block_.layout.layout) {
+                decoder_.emplace(*block_.layout.layout, block_.channels, room_);
+            }
+        }
+    }
+
+    void trim() {
+        resize(rows_);
+        for (ChannelColumn& channel : block_.channels) {
+            std::visit([&](auto& values) { values.resize(rows_); }, channel.values);
+            channel.qualities.resize(channel.qualities.empty() ? 0 : rows_);
+        }
+    }
+
+    TrafficStream const& stream_;
+    std::optional<std::int64_t> from_;
+    std::optional<std::int64_t> end_;
+    detail::SampleSequence sequence_;
+    detail::PartAttributes attributes_;
+    detail::AsduReader asdus_;
+    detail::StreamLayouts layouts_;
+
+    SampleBlock block_;
+    std::size_t rows_ = 0;
+    /// 0 before there is a block.
+    std::size_t room_ = 0;
+    LayoutKey key_;
+    std::optional<detail::ChannelDecoder> decoder_;
+    /// The sample that is to be added next.
+    detail::SequencedSample sample_;
+    bool hasSample_ = false;
+    bool isNewRun_ = false;
+    bool isOver_ = false;
+    /// Of the sample that was read last.
+    std::int64_t lastRefrTm_ = kNoTime;
+    std::int64_t lastNumber_ = 0;
+};
+
+SampleReader::SampleReader(TrafficIndex const& index, TrafficStream const& stream,
+                           SampleOptions options)
+    : state_(std::make_unique<State>(index, stream, std::move(options))) {}
+
+SampleReader::SampleReader(SampleReader&& other) noexcept = default;
+SampleReader& SampleReader::operator=(SampleReader&& other) noexcept = default;
+SampleReader::~SampleReader() = default;
+
+SampleBlock const* SampleReader::next() { return state_->next(); }
+
+SampleCounts SampleReader::counts() const noexcept { return state_->counts(); }
+
+}  // namespace TalIec61850Analysis

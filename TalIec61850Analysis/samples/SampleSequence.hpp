@@ -1,0 +1,131 @@
+#pragma once
+
+// Internal: the samples of a stream in their own order, each with its time.
+
+#include <TalIec61850Analysis/samples/FindRate.hpp>
+#include <TalIec61850Analysis/samples/PacketCourse.hpp>
+#include <TalIec61850Analysis/samples/SampleCounter.hpp>
+#include <TalIec61850Analysis/samples/SampleRun.hpp>
+#include <TalIec61850Analysis/samples/SampleTimeSource.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace TalIec61850Analysis::detail {
+
+/// A sample, or the place of one that is missing.
+struct SequencedSample {
+    /// The packet; of a missing one, the packet of the sample before.
+    PacketRef packet;
+    /// Goes on by one from sample to sample of a run; modulo the wrap it is smpCnt.
+    std::int64_t number = 0;
+    /// By smpCnt or by a fit, in nanoseconds, or kNoTime.
+    std::int64_t time = kNoTime;
+    SampleTimeSource source = SampleTimeSource::none;
+    bool isMissing = false;
+    bool isCounted = true;
+    /// Whether it is the first of a run.
+    bool startsRun = false;
+};
+
+/// Goes through the samples of a stream in the order in which they were taken. Late samples are put
+/// in their places, repeated ones are left out; both are counted. Times of refrTm are for others to
+/// look up: only indexed columns are read.
+///
+/// Memory does not grow with the stream.
+class SampleSequence {
+public:
+    /// @param index, stream  must outlive the sequence
+    /// @param given          the rate by the caller; not known where the stream is to tell it
+    /// @param withMissing    whether missing samples are given too
+    SampleSequence(TrafficIndex const& index, TrafficStream const& stream, SampleRate given,
+                   bool withMissing);
+
+    /// @return false after the last sample
+    [[nodiscard]] bool next(SequencedSample& sample);
+
+    /// The run that the sample given last is of.
+    [[nodiscard]] SampleRun const& run() const { return run_; }
+    /// smpCnt begins again there.
+    [[nodiscard]] std::uint32_t wrap() const { return runRate_.wrap; }
+    /// What became of the samples up to the one given last.
+    [[nodiscard]] SampleCounts const& counts() const { return counts_; }
+
+private:
+    /// A packet that has come, and is held until no late one can come before it.
+    struct Pending {
+        PacketRef packet;
+        std::int64_t number = 0;
+    };
+    /// What was read ahead: the packet that begins the next run.
+    struct NextRun {
+        PacketRef packet;
+        RunStart start = RunStart::first;
+    };
+    /// Arrival as a line over the number of the sample.
+    struct Fit {
+        double meanNumber = 0;
+        double meanTime = 0;
+        double interval = 0;
+        std::int64_t origin = kNoTime;
+        std::int64_t firstNumber = 0;
+    };
+
+    [[nodiscard]] bool fill();
+    void take(PacketRef packet);
+    void begin(PacketRef packet, RunStart start);
+    void holdNewest(PacketRef packet, std::int64_t number);
+    void holdLate(PacketRef packet, std::int64_t number);
+    [[nodiscard]] bool isHeadFinal() const;
+    void giveHead(SequencedSample& sample);
+    void giveMissing(SequencedSample& sample);
+    void setTime(SequencedSample& sample);
+    void fixSecond(SequencedSample const& sample);
+    void fitRun();
+    [[nodiscard]] CountRule countRule() const;
+    [[nodiscard]] bool isCounted(PacketRef packet) const;
+    [[nodiscard]] std::int64_t arrivalOf(PacketRef packet) const;
+
+    TrafficIndex const& index_;
+    TrafficStream const& stream_;
+    SampleRate given_;
+    bool withMissing_;
+
+    PacketCourse course_;
+    FoundRate rate_;
+    std::uint64_t packetsOfRate_ = 0;
+    SampleCounter counter_;
+    SampleRun run_;
+    SampleCounts counts_;
+    std::optional<NextRun> nextRun_;
+    bool isAtEnd_ = false;
+    std::optional<PacketRef> lastPacket_;
+
+    /// A ring, in the order of the numbers.
+    static constexpr std::size_t kRing = 32;
+    std::array<Pending, kRing> pending_{};
+    std::size_t head_ = 0;
+    std::size_t held_ = 0;
+
+    // Of the run.
+    FoundRate runRate_;
+    bool runIsCounted_ = true;
+    bool isFirstOfRun_ = true;
+    std::optional<Pending> lastGiven_;
+    std::int64_t nextNumber_ = 0;
+    std::optional<std::int64_t> second_;
+    std::int64_t numberInSecond_ = 0;
+    std::optional<Fit> fit_;
+    /// From after the first packet of the run on.
+    std::optional<PacketCourse> runCourse_;
+    PacketRef runFirst_;
+    /// How many packets after that may be of the run.
+    std::uint64_t runPackets_ = 0;
+    std::int64_t uncounted_ = 0;
+};
+
+}  // namespace TalIec61850Analysis::detail
