@@ -46,6 +46,7 @@
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
 #include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
+#include <TalIec61850Analysis/samples/FindLayouts.hpp>
 #include <TalIec61850Analysis/samples/LayoutInference.hpp>
 #include <TalIec61850Analysis/samples/SampleBlock.hpp>
 #include <TalIec61850Analysis/samples/SampleLayout.hpp>

@@ -1,6 +1,6 @@
 // The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
-// PacketsCommand, ShowCommand, CapturesCommand; HelpCommands has the rest, LibraryCommands the
-// group `library`.
+// PacketsCommand, ShowCommand, SamplesCommand, CapturesCommand; HelpCommands has the rest,
+// LibraryCommands the group `library`.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -18,6 +18,7 @@
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/LibraryCommands.hpp"
 #include "tools/commands/PacketsCommand.hpp"
+#include "tools/commands/SamplesCommand.hpp"
 #include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/HelpFooter.hpp"
@@ -96,6 +97,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addStreamsCommand(definition, chosen);
     addPacketsCommand(definition, chosen);
     addShowCommand(definition, chosen);
+    addSamplesCommand(definition, chosen);
     addCapturesCommand(definition, chosen);
     addHelpCommands(definition, chosen);
     addLibraryCommands(definition, chosen);

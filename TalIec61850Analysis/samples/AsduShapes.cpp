@@ -24,8 +24,7 @@ public:
     void addHead(ElementView const& element) {
         if (mask_ != nullptr) {
             auto const at = [&](std::size_t index) {
-                return mask_->begin() +
-                       static_cast<std::ptrdiff_t>(std::min(index, mask_->size()));
+                return mask_->begin() + static_cast<std::ptrdiff_t>(std::min(index, mask_->size()));
             };
             std::fill(at(element.offset), at(element.valueOffset), std::uint8_t{0xFF});
         }
@@ -107,10 +106,8 @@ void AsduShapes::learn(Octets sequence, std::size_t number, AsduPlaces const& pl
     }
     Octets const taken = sequence.first(places.end);
     Mask const kept = blocks_.addMask(Octets(mask).first(places.end));
-    shapes_.push_back({.number = number,
-                       .places = places,
-                       .mask = kept,
-                       .firstHeld = blocks_.hold(taken, kept)});
+    shapes_.push_back(
+        {.number = number, .places = places, .mask = kept, .firstHeld = blocks_.hold(taken, kept)});
     last_ = shapes_.size() - 1;
     reach_ = std::max<std::size_t>(reach_, places.end);
 }

@@ -50,8 +50,7 @@ private:
         std::size_t size = 0;
     };
 
-    [[nodiscard]] Octets readAround(std::uint32_t file, std::uint64_t fileOffset,
-                                    std::size_t size);
+    [[nodiscard]] Octets readAround(std::uint32_t file, std::uint64_t fileOffset, std::size_t size);
     void open(std::uint32_t file);
 
     std::vector<std::string> paths_;

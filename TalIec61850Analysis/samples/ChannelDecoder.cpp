@@ -28,8 +28,7 @@ std::int64_t withSign(std::uint64_t value, std::size_t size) {
 }
 
 bool isPlain(SampleChannel const& channel) {
-    bool const isWord =
-        channel.type == SampleType::int32 || channel.type == SampleType::float32;
+    bool const isWord = channel.type == SampleType::int32 || channel.type == SampleType::float32;
     return isWord && channel.qualityOffset == channel.offset + sizeof(std::uint32_t);
 }
 
@@ -76,8 +75,8 @@ ChannelDecoder::ChannelDecoder(SampleLayout const& layout, std::vector<ChannelCo
             },
             column.values);
         targets_.push_back(target);
-        plain_.push_back({.value = static_cast<std::uint8_t*>(target.values),
-                          .quality = target.qualities});
+        plain_.push_back(
+            {.value = static_cast<std::uint8_t*>(target.values), .quality = target.qualities});
     }
 }
 
@@ -93,10 +92,9 @@ void ChannelDecoder::decodePlain(std::uint8_t const* seqData, std::size_t row) c
 void ChannelDecoder::decodeAny(std::uint8_t const* seqData, std::size_t row) const {
     for (Target const& target : targets_) {
         auto const write = [&]<typename Value>(Value* values) {
-            values[row] = seqData == nullptr
-                              ? Value{}
-                              : valueOf<Value>(target.channel.type,
-                                               seqData + target.channel.offset);
+            values[row] = seqData == nullptr ? Value{}
+                                             : valueOf<Value>(target.channel.type,
+                                                              seqData + target.channel.offset);
         };
         switch (target.channel.valueType()) {
             case ValueType::int32:

@@ -272,8 +272,7 @@ FoundRate RateWalk::result(SampleRate given) const {
         found.wrap = found.countsSeconds ? found.rate.samples : 65536;
         bool const isSaid =
             found.source == RateSource::given || found.source == RateSource::declared;
-        found.isContradicted =
-            found.isContradicted || (isSaid && isCounter && isFreeRunning(rate));
+        found.isContradicted = found.isContradicted || (isSaid && isCounter && isFreeRunning(rate));
     }
     found.packets = packets_;
     found.asdus = asdus_;
@@ -308,9 +307,9 @@ FoundRate RateWalk::byCounter() const {
         for (std::uint32_t const periods : {1U, 50U, 60U}) {
             std::uint64_t const product = std::uint64_t{rate} * periods;
             if (isNear(static_cast<double>(product), measured, kSameRate)) {
-                return shown != 0 ? take(shown, 1, RateSource::counter)
-                                  : take(static_cast<std::uint32_t>(product), 1,
-                                         RateSource::declared);
+                return shown != 0
+                           ? take(shown, 1, RateSource::counter)
+                           : take(static_cast<std::uint32_t>(product), 1, RateSource::declared);
             }
         }
         found.isContradicted = true;

@@ -100,8 +100,8 @@ FoundLayout LayoutInference::result() const {
     if (!isDecided) {
         if (size_ == kSizeOf92Le && found.isIntegerAndQuality) {
             found.source = LayoutSource::undecided;
-            found.layout = SampleLayout(
-                repeated({SampleType::int32, SampleType::quality}, size_ / kChannel));
+            found.layout =
+                SampleLayout(repeated({SampleType::int32, SampleType::quality}, size_ / kChannel));
         } else {
             found.source = LayoutSource::undecided;
         }

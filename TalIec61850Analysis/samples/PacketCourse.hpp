@@ -12,8 +12,8 @@
 namespace TalIec61850Analysis::detail {
 
 /// Walks over the packets of a stream, without copies and duplicates: in each file in its order,
-/// whatever the times say; where files overlap, the one goes on whose next packet is earlier. A walk
-/// can be copied, and so be gone ahead of.
+/// whatever the times say; where files overlap, the one goes on whose next packet is earlier. A
+/// walk can be copied, and so be gone ahead of.
 class PacketCourse {
 public:
     /// @param stream  must outlive the walk

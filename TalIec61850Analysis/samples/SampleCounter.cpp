@@ -50,8 +50,7 @@ CountStep SampleCounter::addUnusual(std::uint32_t smpCnt, std::int64_t arrival) 
         if (behind <= kMostBehind && behind < wrap / 2) {
             return addBehind(behind);
         }
-        return ahead < wrap / 2 ? goTo(newest_ + ahead, smpCnt, arrival)
-                                : CountStep::restart;
+        return ahead < wrap / 2 ? goTo(newest_ + ahead, smpCnt, arrival) : CountStep::restart;
     }
 
     double const since = static_cast<double>(arrival) - static_cast<double>(arrival_);
@@ -59,8 +58,8 @@ CountStep SampleCounter::addUnusual(std::uint32_t smpCnt, std::int64_t arrival) 
         return CountStep::pause;
     }
     double const passed = since / rule_.interval;  // in samples
-    double const wraps =
-        std::max(0.0, std::round((passed - static_cast<double>(ahead)) / static_cast<double>(wrap)));
+    double const wraps = std::max(
+        0.0, std::round((passed - static_cast<double>(ahead)) / static_cast<double>(wrap)));
     std::int64_t advance = ahead + static_cast<std::int64_t>(wraps) * wrap;
     if (advance == 0) {
         advance = wrap;

@@ -28,7 +28,8 @@ struct CountRule {
 };
 
 /// Numbers samples by smpCnt. Numbers go on through the wraps of the counter: `number % wrap` is
-/// smpCnt. The counter says how many samples are missing but for whole wraps, which arrival decides.
+/// smpCnt. The counter says how many samples are missing but for whole wraps, which arrival
+/// decides.
 class SampleCounter {
 public:
     /// How many samples a late one may be behind the newest.

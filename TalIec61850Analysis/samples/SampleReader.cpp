@@ -142,8 +142,7 @@ private:
         block_.smpSynchs[rows_] = flags.secondCounter() == CounterState::held
                                       ? packets.smpSynchs()[sample_.packet.packet]
                                       : SampleBlock::kNoSynch;
-        block_.states[rows_] =
-            sample_.isCounted ? SampleState::received : SampleState::uncounted;
+        block_.states[rows_] = sample_.isCounted ? SampleState::received : SampleState::uncounted;
         block_.places[rows_] = {.fileOffset = asdu.fileOffset,
                                 .file = part.file,
                                 .asdu = packets.asdus()[sample_.packet.packet]};
@@ -195,7 +194,8 @@ private:
     /// of that where there are none.
     /// @return false where there are rows of another
     bool startBlock(ReadAsdu const& asdu) {
-        LayoutKey const key{.size = asdu.data.size(), .attributes = &attributes_.at(sample_.packet)};
+        LayoutKey const key{.size = asdu.data.size(),
+                            .attributes = &attributes_.at(sample_.packet)};
         if (!isNewRun_ && room_ != 0 && key == key_) {
             return true;
         }

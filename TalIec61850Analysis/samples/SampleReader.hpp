@@ -37,10 +37,10 @@ struct SampleOptions {
 
 /// Reads the samples of an SV stream, block by block, in the order in which they were taken.
 ///
-/// Copies over other LANs or lanes, packets that another file has too, and repeated samples are left
-/// out; a late sample takes its place. smpCnt tells which samples are missing, but for whole wraps
-/// of it, which arrival tells. Times go through the files as they are: a step of the capture's clock
-/// changes no order, and begins a new run.
+/// Copies over other LANs or lanes, packets that another file has too, and repeated samples are
+/// left out; a late sample takes its place. smpCnt tells which samples are missing, but for whole
+/// wraps of it, which arrival tells. Times go through the files as they are: a step of the
+/// capture's clock changes no order, and begins a new run.
 ///
 /// Memory is bounded, whatever the stream. The captures of the index are read again.
 class SampleReader {

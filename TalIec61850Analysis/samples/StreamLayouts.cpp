@@ -53,14 +53,29 @@ FoundLayout const& StreamLayouts::of(LayoutKey const& key) {
         return known->layout;
     }
     if (given_ && given_->size() == key.size) {
-        known_.push_back(
-            {.key = key, .layout = {.layout = given_, .source = LayoutSource::given}});
+        known_.push_back({.key = key, .layout = {.layout = given_, .source = LayoutSource::given}});
     } else if (known_.size() < kMostLayouts && key.size != 0) {
         known_.push_back({.key = key, .layout = infer(key)});
     } else {
         return unknown_;
     }
     return known_.back().layout;
+}
+
+std::vector<StreamLayout> StreamLayouts::all() {
+    std::vector<LayoutKey> keys;
+    visitSome([&](PacketRef /*ref*/, StreamAttributes const& attributes, ReadAsdu const& asdu) {
+        LayoutKey const key{.size = asdu.data.size(), .attributes = &attributes};
+        bool const isKnown = std::find(keys.begin(), keys.end(), key) != keys.end();
+        if (!isKnown && keys.size() < kMostLayouts) {
+            keys.push_back(key);
+        }
+    });
+    std::vector<StreamLayout> layouts;
+    for (LayoutKey const& key : keys) {
+        layouts.push_back({.dataSize = key.size, .found = of(key)});
+    }
+    return layouts;
 }
 
 bool StreamLayouts::haveTimes() {
@@ -74,3 +89,12 @@ bool StreamLayouts::haveTimes() {
 }
 
 }  // namespace TalIec61850Analysis::detail
+
+namespace TalIec61850Analysis {
+
+std::vector<StreamLayout> findLayouts(TrafficIndex const& index, TrafficStream const& stream,
+                                      std::optional<SampleLayout> given) {
+    return detail::StreamLayouts(index, stream, std::move(given)).all();
+}
+
+}  // namespace TalIec61850Analysis

@@ -3,6 +3,7 @@
 // Internal: what the samples of a stream are made of.
 
 #include <TalIec61850Analysis/samples/AsduReader.hpp>
+#include <TalIec61850Analysis/samples/FindLayouts.hpp>
 #include <TalIec61850Analysis/samples/LayoutInference.hpp>
 #include <TalIec61850Analysis/samples/SampleLayout.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
@@ -21,11 +22,10 @@ struct LayoutKey {
     StreamAttributes const* attributes = nullptr;
 
     friend bool operator==(LayoutKey const& a, LayoutKey const& b) {
-        return a.size == b.size &&
-               (a.attributes == b.attributes ||
-                (a.attributes != nullptr && b.attributes != nullptr &&
-                 a.attributes->datSet == b.attributes->datSet &&
-                 a.attributes->confRev == b.attributes->confRev));
+        return a.size == b.size && (a.attributes == b.attributes ||
+                                    (a.attributes != nullptr && b.attributes != nullptr &&
+                                     a.attributes->datSet == b.attributes->datSet &&
+                                     a.attributes->confRev == b.attributes->confRev));
     }
 };
 
@@ -39,6 +39,10 @@ public:
     /// @return valid until the next call
     /// @throws std::system_error  a capture cannot be read
     [[nodiscard]] FoundLayout const& of(LayoutKey const& key);
+
+    /// Those of the ASDUs that are looked at, in their order.
+    /// @throws std::system_error  a capture cannot be read
+    [[nodiscard]] std::vector<StreamLayout> all();
 
     /// Whether any of the ASDUs that are looked at has a refrTm.
     /// @throws std::system_error  a capture cannot be read

@@ -79,7 +79,7 @@ void addNames(CommandDefinition& command, StreamCriteria& c) {
 
 }  // namespace
 
-void addStreamOptions(CommandDefinition& command, StreamCriteria& criteria) {
+void addContentOptions(CommandDefinition& command, StreamCriteria& criteria) {
     StreamCriteria& c = criteria;
     CLI::Option& protocol = *command.parser->add_option_function<std::string>(
         "--protocol",
@@ -99,9 +99,13 @@ void addStreamOptions(CommandDefinition& command, StreamCriteria& criteria) {
     addRepeatable(command, "--confrev", c.confRevs, "N", "confRev", [](Text option, Text text) {
         return numberValue(option, text, std::numeric_limits<std::uint64_t>::max());
     });
-    addLane(command, "--hsr", c.hsrLanes, "Direction in an HSR ring: A or B");
-    addLane(command, "--prp", c.prpLanes, "PRP network: A or B");
     addNames(command, c);
+}
+
+void addStreamOptions(CommandDefinition& command, StreamCriteria& criteria) {
+    addContentOptions(command, criteria);
+    addLane(command, "--hsr", criteria.hsrLanes, "Direction in an HSR ring: A or B");
+    addLane(command, "--prp", criteria.prpLanes, "PRP network: A or B");
 }
 
 void addWireOptions(CommandDefinition& command, PacketCriteria& criteria) {

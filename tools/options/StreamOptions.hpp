@@ -12,7 +12,16 @@ inline constexpr char const* kCriteriaNotes =
     "no: one of its values must be met. With --hsr, --prp and --lan, packets that came over the "
     "other lane or LAN are left out.";
 
-/// Adds the options on what every stream has.
+/// The same for commands without options on the way that packets came.
+inline constexpr char const* kContentNotes =
+    "An option on streams may be given several times, save --protocol: one of its values must be "
+    "met.";
+
+/// Adds the options on what a stream is, whatever way its packets came.
+/// @param criteria  written while the command line is parsed
+void addContentOptions(CommandDefinition& command, StreamCriteria& criteria);
+
+/// Adds those, and the options on the lane or LAN of a stream's packets.
 /// @param criteria  written while the command line is parsed
 void addStreamOptions(CommandDefinition& command, StreamCriteria& criteria);
 

@@ -57,7 +57,7 @@ void appendCsvText(std::string& line, std::string_view text) {
     }
 }
 
-/// What the formats have alike: numbers and truth.
+/// What the formats have alike: numbers, truth, and what is ready.
 struct PlainAppender {
     std::string& line;
 
@@ -67,6 +67,7 @@ struct PlainAppender {
         line.append(digits.data(), digits.size());
     }
     void operator()(double number) const { line += dumpJson(nlohmann::json(number)); }
+    void operator()(ReadyText ready) const { line += ready.text; }
 };
 
 struct CsvAppender : PlainAppender {

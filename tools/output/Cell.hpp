@@ -38,6 +38,11 @@ struct JsonText {
     std::string text;
 };
 
+/// A text that is already what its format has, added as it is: of one cell or of several.
+struct ReadyText {
+    std::string_view text;
+};
+
 /// What a row does not have.
 struct Absent {};
 
@@ -45,7 +50,7 @@ struct Absent {};
 class Cell {
 public:
     using Value = std::variant<Absent, bool, std::int64_t, std::uint64_t, double, std::string_view,
-                               ShortText, std::string, JsonText>;
+                               ShortText, std::string, JsonText, ReadyText>;
 
     // Values become cells where rows are listed, without a word.
     // NOLINTBEGIN(google-explicit-constructor,hicpp-explicit-conversions)
@@ -62,6 +67,7 @@ public:
     Cell(std::string&& text) : value_(std::move(text)) {}
     Cell(ShortText text) : value_(text) {}
     Cell(JsonText json) : value_(std::move(json)) {}
+    Cell(ReadyText text) : value_(text) {}
     template <typename T>
     Cell(std::optional<T> const& value) : Cell(value ? Cell(*value) : Cell()) {}
     template <typename T>

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <TalIec61850Analysis/samples/FindLayouts.hpp>
+#include <TalIec61850Analysis/samples/SampleReader.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <functional>
+#include <system_error>
+#include <vector>
+
+#include "tools/commands/CommandRun.hpp"
+#include "tools/options/SampleOptions.hpp"
+
+namespace TalIec61850Tools {
+
+/// An SV stream whose samples are wanted.
+struct WantedStream {
+    TalIec61850Analysis::TrafficStream const* stream = nullptr;
+    /// What its samples are taken for.
+    std::vector<TalIec61850Analysis::StreamLayout> layouts;
+};
+
+/// The samples that SampleChoice selects, for the commands that write them.
+class WantedSamples {
+public:
+    using BlockSink = std::function<void(TalIec61850Analysis::SampleBlock const& block)>;
+
+    /// Indexes the captures of the run, reports what is wrong with them, and finds out what samples
+    /// are made of.
+    /// @param run, choice  must outlive this
+    WantedSamples(CommandRun& run, SampleChoice const& choice);
+
+    /// The streams, in the order of the index.
+    [[nodiscard]] std::vector<WantedStream> const& streams() const { return streams_; }
+    [[nodiscard]] TalIec61850Analysis::TrafficIndex const& index() const { return index_; }
+
+    /// How samples are to be read.
+    [[nodiscard]] TalIec61850Analysis::SampleOptions options(
+        TalIec61850Analysis::SampleRows rows) const;
+
+    /// Reads the samples of a stream. A capture that cannot be read again is reported, and ends the
+    /// stream.
+    /// @return what became of its samples
+    TalIec61850Analysis::SampleCounts visit(WantedStream const& stream,
+                                            TalIec61850Analysis::SampleRows rows,
+                                            BlockSink const& take);
+
+    /// The name of a capture.
+    [[nodiscard]] std::string const& fileName(std::uint32_t file) const {
+        return run_.captures()[file].name;
+    }
+
+    /// Says what there is where there is no sample.
+    void noteIfNone(std::uint64_t samples) const;
+
+private:
+    [[nodiscard]] bool isWanted(TalIec61850Analysis::TrafficStream const& stream) const;
+    void lose(TalIec61850Analysis::TrafficStream const& stream, std::error_code const& error);
+
+    CommandRun& run_;
+    SampleChoice const& choice_;
+    PacketCriteria criteria_;
+    TalIec61850Analysis::TrafficIndex index_;
+    std::vector<WantedStream> streams_;
+    bool isLost_ = false;
+};
+
+}  // namespace TalIec61850Tools

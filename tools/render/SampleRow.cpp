@@ -1,0 +1,368 @@
+#include "tools/render/SampleRow.hpp"
+
+#include <fmt/format.h>
+
+#include <TalIec61850Analysis/packet/SampleQuality.hpp>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <type_traits>
+
+#include "tools/render/Cells.hpp"
+#include "tools/render/QualityText.hpp"
+
+namespace TalIec61850Tools {
+
+using TalIec61850Analysis::ChannelColumn;
+using TalIec61850Analysis::kNoTime;
+using TalIec61850Analysis::Octets;
+using TalIec61850Analysis::SampleBlock;
+using TalIec61850Analysis::SampleState;
+using TalIec61850Analysis::SampleTimeSource;
+
+namespace {
+
+using Row = SampleRow const&;
+
+std::optional<CaptureTime> timeOf(std::int64_t nanoseconds) {
+    return nanoseconds == kNoTime
+               ? std::nullopt
+               : std::optional(CaptureTime(std::chrono::nanoseconds(nanoseconds)));
+}
+
+Cell nanosecondsCell(std::int64_t nanoseconds) {
+    return nanoseconds == kNoTime ? Cell() : Cell(nanoseconds);
+}
+
+Cell timeTextCell(std::int64_t nanoseconds) {
+    // Dates before 1970 and after 2262 are no times of captures; a fit may lead there.
+    return nanoseconds < 0 ? Cell() : timeCell(timeOf(nanoseconds));
+}
+
+Cell timeSourceCell(SampleTimeSource source) {
+    switch (source) {
+        case SampleTimeSource::refrTm:
+            return std::string_view("refrTm");
+        case SampleTimeSource::smpCnt:
+            return std::string_view("smpCnt");
+        case SampleTimeSource::fit:
+            return std::string_view("fit");
+        default:
+            return {};
+    }
+}
+
+Cell positionCell(Row row) {
+    return row.isMissing() ? Cell() : Cell(row.block->places[row.row].fileOffset);
+}
+
+Cell smpCntCell(Row row) {
+    return row.block->states[row.row] == SampleState::uncounted
+               ? Cell()
+               : Cell(row.block->smpCnts[row.row]);
+}
+
+Cell smpSynchCell(Row row) {
+    auto const synch = row.block->smpSynchs[row.row];
+    return synch == SampleBlock::kNoSynch ? Cell() : Cell(synch);
+}
+
+void const* streamOf(Row row) { return row.stream; }
+void const* fileOf(Row row) { return row.file; }
+
+std::vector<Field<SampleRow>> commonFields() {
+    return {
+        {"time", [](Row r) { return timeTextCell(r.block->arrivals[r.row]); }},
+        {"timeNs", [](Row r) { return nanosecondsCell(r.block->arrivals[r.row]); }},
+        {"sampleTime", [](Row r) { return timeTextCell(r.block->sampleTimes[r.row]); }},
+        {"sampleTimeNs", [](Row r) { return nanosecondsCell(r.block->sampleTimes[r.row]); }},
+        {"sampleTimeSource", [](Row r) { return timeSourceCell(r.block->timeSources[r.row]); }},
+        {"file", [](Row r) -> Cell { return *r.file; }, fileOf},
+        {"position", positionCell},
+        {"source", [](Row r) { return addressCell(r.stream->key.source); }, streamOf},
+        {"svID", [](Row r) -> Cell { return std::string_view(r.stream->key.name); }, streamOf},
+        {"appId", [](Row r) { return appIdCell(r.stream->key.appId); }, streamOf},
+        {"asdu", [](Row r) -> Cell { return r.block->places[r.row].asdu + 1U; }},
+        {"smpCnt", smpCntCell},
+        {"smpSynch", smpSynchCell},
+        {"missing", [](Row r) -> Cell { return r.isMissing(); }},
+    };
+}
+
+/// Appends a number as short as it reads back equal; what JSON has no number for is left to the
+/// caller.
+template <typename Value>
+void appendNumber(std::string& text, Value value) {
+    std::array<char, 40> digits{};
+    auto const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    text.append(digits.data(), end);
+}
+
+void appendReal(std::string& text, std::floating_point auto value, bool isJson) {
+    if (isJson && !std::isfinite(value)) {
+        text += "null";
+    } else {
+        appendNumber(text, value);
+    }
+}
+
+void appendValue(std::string& text, Row row, std::size_t channel, bool isJson) {
+    std::visit(
+        [&](auto const& values) {
+            auto const value = values[row.row];
+            if (row.scales != nullptr && !row.scales->empty()) {
+                appendReal(text, (*row.scales)[channel](static_cast<double>(value)), isJson);
+            } else if constexpr (std::is_floating_point_v<decltype(value)>) {
+                appendReal(text, value, isJson);
+            } else {
+                appendNumber(text, value);
+            }
+        },
+        row.block->channels[channel].values);
+}
+
+/// Appends the word, if the channel has one.
+/// @return whether it has
+bool appendQuality(std::string& text, Row row, std::size_t channel) {
+    auto const& qualities = row.block->channels[channel].qualities;
+    if (qualities.empty()) {
+        return false;
+    }
+    appendNumber(text, qualities[row.row]);
+    return true;
+}
+
+std::string hexText(Row row) {
+    std::string text;
+    for (std::uint8_t const octet : row.block->octetsOf(row.row)) {
+        text += fmt::format("{:02x}", octet);
+    }
+    return text;
+}
+
+/// Writes the channels of a row, into the same memory for every row.
+class ChannelTexts {
+public:
+    explicit ChannelTexts(SampleForm const& form) : form_(form) {}
+
+    /// Of csv: value and quality of each channel, with commas between them.
+    [[nodiscard]] ReadyText columns(Row row) {
+        text_.clear();
+        bool isFirst = true;
+        for (std::size_t const channel : form_.channels) {
+            text_ += isFirst ? "" : ",";
+            if (row.isOctets()) {
+                text_ += isFirst && !row.isMissing() ? hexText(row) : "";
+                text_ += ',';
+            } else if (row.isMissing() || channel >= row.block->channels.size()) {
+                text_ += ',';
+            } else {
+                appendValue(text_, row, channel, false);
+                text_ += ',';
+                appendQuality(text_, row, channel);
+            }
+            isFirst = false;
+        }
+        return {text_};
+    }
+
+    /// Of json: the values as an array.
+    [[nodiscard]] ReadyText values(Row row) {
+        text_.clear();
+        if (row.isMissing()) {
+            return {"null"};
+        }
+        if (row.isOctets()) {
+            text_ = '"' + hexText(row) + '"';
+            return {text_};
+        }
+        appendArray(row, [&](std::size_t channel) { appendValue(text_, row, channel, true); });
+        return {text_};
+    }
+
+    /// Of json: the quality words as an array.
+    [[nodiscard]] ReadyText qualities(Row row) {
+        text_.clear();
+        if (row.isMissing() || row.isOctets() || !row.block->layout.layout->hasQuality()) {
+            return {"null"};
+        }
+        appendArray(row, [&](std::size_t channel) {
+            if (!appendQuality(text_, row, channel)) {
+                text_ += "null";
+            }
+        });
+        return {text_};
+    }
+
+    /// The value of the row's channel.
+    [[nodiscard]] Cell value(Row row) {
+        text_.clear();
+        if (row.isMissing()) {
+            return {};
+        }
+        if (row.isOctets()) {
+            return hexText(row);
+        }
+        appendValue(text_, row, row.channel, form_.format == Format::json);
+        return ReadyText{text_};
+    }
+
+private:
+    template <typename Append>
+    void appendArray(Row row, Append const& append) {
+        text_ += '[';
+        for (std::size_t const channel : form_.channels) {
+            if (channel < row.block->channels.size()) {
+                text_ += text_.size() == 1 ? "" : ",";
+                append(channel);
+            }
+        }
+        text_ += ']';
+    }
+
+    SampleForm const& form_;
+    std::string text_;
+};
+
+bool hasChannel(Row row) { return !row.isMissing() && !row.isOctets(); }
+
+Cell channelNumberCell(Row row) { return hasChannel(row) ? Cell(row.channel + 1) : Cell(); }
+
+Cell channelNameCell(Row row) {
+    if (!hasChannel(row)) {
+        return {};
+    }
+    auto const& meanings = meaningsOf(*row.block->layout.layout);
+    return meanings.empty() ? Cell() : Cell(std::string_view(meanings[row.channel].name));
+}
+
+std::optional<std::uint32_t> qualityOf(Row row, std::size_t channel) {
+    auto const& qualities = row.block->channels[channel].qualities;
+    return qualities.empty() ? std::nullopt : std::optional(qualities[row.row]);
+}
+
+Cell channelQualityCell(Row row) {
+    auto const quality = hasChannel(row) ? qualityOf(row, row.channel) : std::nullopt;
+    return quality ? Cell(*quality) : Cell();
+}
+
+Cell channelQualityTextCell(Row row) {
+    auto const quality = hasChannel(row) ? qualityOf(row, row.channel) : std::nullopt;
+    return quality ? Cell(toText(SampleQuality{*quality})) : Cell();
+}
+
+std::string channelName(SampleForm const& form, std::size_t channel) {
+    return channel < form.names.size() ? form.names[channel] : std::string();
+}
+
+/// The names of the columns that one field is made of.
+std::string_view columnNames(SampleForm const& form, std::string& names) {
+    for (std::size_t const channel : form.channels) {
+        std::string const name = channelName(form, channel);
+        names += names.empty() ? "" : ",";
+        names += name.empty() ? fmt::format("value{0},quality{0}", channel + 1)
+                              : fmt::format("{0},{0}.quality", name);
+    }
+    return names;
+}
+
+/// Of a table: "good" where all are, else the channels that are not.
+Cell qualitySummaryCell(Row row, SampleForm const& form) {
+    if (!hasChannel(row) || !row.block->layout.layout->hasQuality()) {
+        return {};
+    }
+    std::string text;
+    for (std::size_t const channel : form.channels) {
+        auto const quality =
+            channel < row.block->channels.size() ? qualityOf(row, channel) : std::nullopt;
+        if (quality && *quality != 0) {
+            std::string const name = channelName(form, channel);
+            text += text.empty() ? "" : "; ";
+            text += fmt::format("{}: {}", name.empty() ? std::to_string(channel + 1) : name,
+                                toText(SampleQuality{*quality}));
+        }
+    }
+    return text.empty() ? std::string("good") : text;
+}
+
+Cell tableValueCell(Row row, std::size_t channel) {
+    if (row.isMissing()) {
+        return {};
+    }
+    if (row.isOctets()) {
+        return channel == 0 ? Cell(hexText(row)) : Cell();
+    }
+    if (channel >= row.block->channels.size()) {
+        return {};
+    }
+    std::string text;
+    appendValue(text, row, channel, false);
+    return text;
+}
+
+Cell missingMark(Row row) { return row.isMissing() ? Cell(std::string_view("missing")) : Cell(); }
+
+std::vector<Column<SampleRow>> tableColumns(std::vector<Field<SampleRow>> const& fields,
+                                            SampleForm const& form) {
+    auto const column = [&](std::string_view field, Heading heading) {
+        return columnOf(fields, field, std::move(heading));
+    };
+    std::vector<Column<SampleRow>> columns = {
+        column("sampleTime", {"SAMPLE TIME", Align::left, {.rank = 0}}),
+        column("sampleTimeSource", {"BY", Align::left, {.rank = 60}}),
+        column("svID", {"SVID", Align::left, fitName(3, 8)}),
+        column("smpCnt", {"SMPCNT", Align::right, {.rank = 1}}),
+        column("smpSynch", {"SYNCH", Align::right, {.rank = 50}}),
+        {{"", Align::left, {.rank = 2}}, missingMark, "missing"},
+    };
+    if (form.isLong) {
+        columns.push_back(column("channel", {"CHANNEL", Align::right, {.rank = 4}}));
+        columns.push_back(column("name", {"NAME", Align::left, {.rank = 4}}));
+        columns.push_back(column("value", {"VALUE", Align::right, {.rank = 4}}));
+        columns.push_back(column("qualityText", {"QUALITY", Align::left, {.rank = 5}}));
+        return columns;
+    }
+    std::size_t rank = 4;
+    for (std::size_t const channel : form.channels) {
+        std::string const name = channelName(form, channel);
+        columns.push_back({{name.empty() ? std::to_string(channel + 1) : name,
+                            Align::right,
+                            {.rank = rank++}},
+                           [channel](Row r) { return tableValueCell(r, channel); }});
+    }
+    columns.push_back({{"QUALITY", Align::left, {.rank = rank, .least = 4}},
+                       [&form](Row r) { return qualitySummaryCell(r, form); }});
+    return columns;
+}
+
+}  // namespace
+
+RowLayout<SampleRow> sampleRowLayout(SampleForm const& form) {
+    RowLayout<SampleRow> layout{.fields = commonFields(), .columns = {}};
+    auto const texts = std::make_shared<ChannelTexts>(form);
+    auto& fields = layout.fields;
+    if (form.isLong) {
+        fields.push_back({"channel", channelNumberCell});
+        fields.push_back({"name", channelNameCell});
+        fields.push_back({"value", [texts](Row r) { return texts->value(r); }});
+        fields.push_back({"quality", channelQualityCell});
+        fields.push_back({"qualityText", channelQualityTextCell});
+    } else if (form.format == Format::csv || form.format == Format::spreadsheet) {
+        if (!form.channels.empty()) {
+            auto const names = std::make_shared<std::string>();
+            fields.push_back({columnNames(form, *names),
+                              [texts, names](Row r) -> Cell { return texts->columns(r); }});
+        }
+    } else {
+        fields.push_back({"values", [texts](Row r) -> Cell { return texts->values(r); }});
+        fields.push_back({"quality", [texts](Row r) -> Cell { return texts->qualities(r); }});
+    }
+    layout.columns = tableColumns(fields, form);
+    return layout;
+}
+
+}  // namespace TalIec61850Tools
