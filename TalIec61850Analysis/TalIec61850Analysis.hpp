@@ -5,11 +5,20 @@
 
 /// @namespace TalIec61850Analysis
 /// What was really on the wire: captures read record by record, and packets decoded in full, each
-/// counter at its own width. Damage in a file is data with its place; only the operating system
-/// throws, `std::system_error`, and memory that ends, `std::bad_alloc`.
+/// counter at its own width; and what was measured, written as COMTRADE. Damage in a file is data
+/// with its place; only the operating system throws, `std::system_error`, and memory that ends,
+/// `std::bad_alloc`. A call that breaks what its description asks for may throw a
+/// `std::logic_error`.
 
 #include <TalIec61850Analysis/Export.hpp>
 #include <TalIec61850Analysis/Version.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeConfiguration.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeFile.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeFormat.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeLimit.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeRecord.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeStep.hpp>
 #include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <TalIec61850Analysis/file/CaptureDamage.hpp>
 #include <TalIec61850Analysis/file/CaptureFile.hpp>

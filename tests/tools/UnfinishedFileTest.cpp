@@ -82,6 +82,68 @@ TEST(UnfinishedFile, IsGuardedAgainAfterAnotherOne) {
     EXPECT_FALSE(fs::exists(second));
 }
 
+TEST(UnfinishedFile, IsRemovedWithAllOthers) {
+    TempDir const folder;
+    auto const first = folder.write("first", {1});
+    auto const second = folder.write("second", {2});
+    auto const third = folder.write("third", {3});
+    EXPECT_EXIT(
+        {
+            UnfinishedFile const file(first);
+            UnfinishedFile finished(second);
+            UnfinishedFile const other(third);
+            bool const isFinished = finished.finishAs(folder.file("finished"));
+            std::raise(isFinished ? SIGTERM : SIGINT);
+            endQuietly();
+        },
+        testing::KilledBySignal(SIGTERM), "");
+    EXPECT_FALSE(fs::exists(first));
+    EXPECT_FALSE(fs::exists(third));
+    EXPECT_TRUE(fs::exists(folder.file("finished")));
+}
+
+TEST(UnfinishedFile, LetsASignalWaitUntilAllAreFinished) {
+    TempDir const folder;
+    auto const first = folder.write("first", {1});
+    auto const second = folder.write("second", {2});
+    auto const third = folder.write("third", {3});
+    EXPECT_EXIT(
+        {
+            UnfinishedFile one(first);
+            UnfinishedFile two(second);
+            UnfinishedFile const notFinished(third);
+            {
+                UnfinishedFile::Together const together;
+                bool const isFirst = one.finishAs(folder.file("one"));
+                std::raise(SIGTERM);
+                std::thread([] { std::raise(SIGTERM); }).join();
+                bool const isSecond = two.finishAs(folder.file("two"));
+                if (!isFirst || !isSecond) {
+                    endQuietly();
+                }
+            }
+            endQuietly();
+        },
+        testing::KilledBySignal(SIGTERM), "");
+    EXPECT_TRUE(fs::exists(folder.file("one")));
+    EXPECT_TRUE(fs::exists(folder.file("two")));
+    EXPECT_FALSE(fs::exists(third));
+}
+
+TEST(UnfinishedFile, TakesSignalsAtOnceAfterAllAreFinished) {
+    TempDir const folder;
+    auto const path = folder.write("unfinished", {1});
+    EXPECT_EXIT(
+        {
+            { UnfinishedFile::Together const together; }
+            UnfinishedFile const file(path);
+            std::raise(SIGTERM);
+            endQuietly();
+        },
+        testing::KilledBySignal(SIGTERM), "");
+    EXPECT_FALSE(fs::exists(path));
+}
+
 TEST(UnfinishedFile, OfAnyLengthOfPathIsRemoved) {
     TempDir const folder;
     auto path = folder.path();

@@ -114,6 +114,11 @@ void Output::writePending() {
 }
 
 void Output::finish() {
+    complete();
+    takeName();
+}
+
+void Output::complete() {
     writePending();
     if (std::fflush(stream_) != 0) {
         fail();
@@ -121,8 +126,17 @@ void Output::finish() {
     if (file_ && std::fclose(file_.release()) != 0) {
         fail();
     }
+}
+
+void Output::takeName() {
     if (unfinished_ && !unfinished_->finishAs(path_)) {
         fail();
+    }
+}
+
+void Output::removeNamed() {
+    if (unfinished_) {
+        ::unlink(path_.c_str());
     }
 }
 

@@ -35,6 +35,17 @@ public:
     /// @throws OutputError  as write
     void finish();
 
+    /// The first half of `finish`: all is handed over, and a file still has no name.
+    /// @throws OutputError  as write
+    void complete();
+
+    /// The other half: a file takes its name.
+    /// @throws OutputError  the name cannot be taken
+    void takeName();
+
+    /// Removes a file that has taken its name, where others that belong to it cannot.
+    void removeNamed();
+
     /// Whether it is a file that appears when it is finished.
     [[nodiscard]] bool isFile() const { return unfinished_.has_value(); }
 

@@ -5,39 +5,57 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <forward_list>
 #include <memory>
 #include <new>
+#include <thread>
 #include <utility>
 
 namespace TalIec61850Tools {
 
+/// A path that a signal may have to remove. None is ever freed, and its path never changed: a
+/// handler on another thread may still read it after its file is finished.
+struct GuardedPath {
+    GuardedPath(std::string givenPath, GuardedPath const* olderPath)
+        : path(std::move(givenPath)), older(olderPath) {}
+
+    std::string path;
+    GuardedPath const* older;
+    std::atomic<bool> isGuarded = true;
+};
+
 namespace {
 
-using Paths = std::forward_list<std::string>;
-
-/// Every path that was guarded. None is ever changed or freed: a handler on another thread may
-/// still read it after its file is finished.
-Paths& guardedPaths() {
-    static Paths& paths = *std::make_unique<Paths>().release();
-    return paths;
-}
-
-/// The path that a signal is to remove; null if there is none.
-std::atomic<char const*> guardedPath = nullptr;
-static_assert(std::atomic<char const*>::is_always_lock_free,
+/// The path that was guarded last; the others follow from it.
+std::atomic<GuardedPath const*> newestPath = nullptr;
+/// How many handlers are at work, or about to end the program.
+std::atomic<int> handlersAtWork = 0;
+/// Files take their names: a signal is to wait.
+std::atomic<bool> isTogether = false;
+/// The signal that waits; 0 for none.
+std::atomic<int> waitingSignal = 0;
+static_assert(std::atomic<GuardedPath const*>::is_always_lock_free &&
+                  std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
               "a signal handler may use lock-free atomics only");
 
 extern "C" void removeAndEnd(int signal) {
-    if (char const* const path = guardedPath.load(std::memory_order_acquire)) {
-        ::unlink(path);
+    // This is told before it is asked whether to wait; where files take their names it is the other
+    // way round. So one of the two sees the other.
+    handlersAtWork.fetch_add(1);
+    if (isTogether.load()) {
+        waitingSignal.store(signal);
+        handlersAtWork.fetch_sub(1);
+        return;
+    }
+    for (GuardedPath const* path = newestPath.load(); path != nullptr; path = path->older) {
+        if (path->isGuarded.load()) {
+            ::unlink(path->path.c_str());
+        }
     }
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
 
-void guard(std::string const& path) {
-    guardedPath.store(guardedPaths().emplace_front(path).c_str(), std::memory_order_release);
+void handleSignals() {
     for (int const signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ, SIGXCPU}) {
         // What is ignored, as nohup has it, stays so.
         if (std::signal(signal, removeAndEnd) == SIG_IGN) {
@@ -46,23 +64,23 @@ void guard(std::string const& path) {
     }
 }
 
-void endGuard() { guardedPath.store(nullptr, std::memory_order_release); }
-
 }  // namespace
 
 UnfinishedFile::UnfinishedFile(std::string path) : path_(std::move(path)) {
     try {
-        guard(path_);
+        guard_ = std::make_unique<GuardedPath>(path_, newestPath.load()).release();
     } catch (std::bad_alloc const&) {
         ::unlink(path_.c_str());
         throw;
     }
+    newestPath.store(guard_);
+    handleSignals();
 }
 
 UnfinishedFile::~UnfinishedFile() {
     if (!path_.empty()) {
         ::unlink(path_.c_str());
-        endGuard();
+        guard_->isGuarded.store(false);
     }
 }
 
@@ -71,8 +89,23 @@ bool UnfinishedFile::finishAs(std::string const& name) {
         return false;
     }
     path_.clear();
-    endGuard();
+    guard_->isGuarded.store(false);
     return true;
+}
+
+UnfinishedFile::Together::Together() {
+    isTogether.store(true);
+    // A handler that did not see this ends the program.
+    while (handlersAtWork.load() != 0) {
+        std::this_thread::yield();
+    }
+}
+
+UnfinishedFile::Together::~Together() {
+    isTogether.store(false);
+    if (int const signal = waitingSignal.exchange(0)) {
+        std::raise(signal);
+    }
 }
 
 }  // namespace TalIec61850Tools
