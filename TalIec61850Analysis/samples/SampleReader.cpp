@@ -12,7 +12,7 @@ namespace TalIec61850Analysis {
 namespace {
 
 /// Octets of a block, about.
-constexpr std::size_t kBlockOctets = std::size_t{1} << 20U;
+constexpr std::size_t kBlockOctets = std::size_t{512} << 10U;
 constexpr std::size_t kMostRows = 4096;
 constexpr std::size_t kFewestRows = 16;
 
@@ -50,7 +50,8 @@ struct SampleReader::State {
           sequence_(index, stream, given.rate, given.rows == SampleRows::everySample),
           attributes_(index, stream),
           asdus_(index, stream),
-          layouts_(index, stream, std::move(given.layout)) {}
+          layouts_(index, stream, std::move(given.layout)),
+          withValues_(given.withValues) {}
 
     SampleBlock const* next() {
         if (isOver_) {
@@ -117,8 +118,19 @@ private:
         return sample_.isMissing ? addMissing() : addReceived();
     }
 
+    [[nodiscard]] ReadAsdu readAsdu() {
+        ReadAsdu asdu;
+        if (withValues_ || layouts_.haveTimes()) {
+            asdu = asdus_.read(sample_.packet);
+        }
+        if (!withValues_) {
+            asdu.data = {};
+        }
+        return asdu;
+    }
+
     bool addReceived() {
-        ReadAsdu const asdu = asdus_.read(sample_.packet);
+        ReadAsdu const asdu = readAsdu();
         bool const hasRefrTm = asdu.refrTm != kNoTime;
         std::int64_t const time = hasRefrTm ? asdu.refrTm : sample_.time;
         lastRefrTm_ = asdu.refrTm;
@@ -167,7 +179,7 @@ private:
         PacketColumns const& packets = part.packets;
         if (room_ == 0 || isNewRun_) {
             // The samples before it are in no block.
-            static_cast<void>(startBlock(asdus_.read(sample_.packet)));
+            static_cast<void>(startBlock(readAsdu()));
         }
         PacketFlags const flags = packets.flags()[sample_.packet.packet];
         block_.sampleTimes[rows_] = time;
@@ -264,6 +276,8 @@ private:
     detail::PartAttributes attributes_;
     detail::AsduReader asdus_;
     detail::StreamLayouts layouts_;
+
+    bool withValues_;
 
     SampleBlock block_;
     std::size_t rows_ = 0;

@@ -33,6 +33,9 @@ struct SampleOptions {
     SampleRate rate;
     /// Whether missing samples are rows.
     SampleRows rows = SampleRows::received;
+    /// Whether values are read. Without them, blocks have neither layout nor channels, places have
+    /// no offset, and frames are read only where any has a refrTm: some times as fast.
+    bool withValues = true;
 };
 
 /// Reads the samples of an SV stream, block by block, in the order in which they were taken.

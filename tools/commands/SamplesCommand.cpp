@@ -117,8 +117,7 @@ SampleForm formOf(SamplesOptions const& options, WantedSamples const& samples) {
     form.channels = channelsOf(options, most);
     form.names = names.value_or(std::vector<std::string>());
     if (most > 0 && form.channels.empty()) {
-        throw UsageError(fmt::format("--channels: these streams have {}",
-                                     plural(most, "channel")));
+        throw UsageError(fmt::format("--channels: these streams have {}", plural(most, "channel")));
     }
     return form;
 }
@@ -153,8 +152,9 @@ public:
           options_(options),
           samples_(run, options.choice),
           form_(formOf(options, samples_)),
-          writer_(run.rowWriter(
-              chooseColumns(sampleRowLayout(form_), options.choice.common.columns))) {}
+          writer_(
+              run.rowWriter(chooseColumns(sampleRowLayout(form_), options.choice.common.columns))) {
+    }
 
     ExitStatus write() {
         noteTwoPublishers();
@@ -203,6 +203,7 @@ private:
                     writeRow(row);
                 }
             }
+            return !isFull();
         });
         notes.finish(counts);
         streams_ += ofStream == 0 ? 0 : 1;
@@ -243,10 +244,9 @@ private:
         }
         for (auto const& [svID, known] : sources) {
             if (known.size() > 1) {
-                complain(fmt::format("{}: sent by {} and {}: each is a stream of its own",
-                                     escapeText(svID), known[0],
-                                     known.size() == 2 ? known[1]
-                                                       : plural(known.size() - 1, "other")));
+                complain(fmt::format(
+                    "{}: sent by {} and {}: each is a stream of its own", escapeText(svID),
+                    known[0], known.size() == 2 ? known[1] : plural(known.size() - 1, "other")));
             }
         }
     }
@@ -273,14 +273,13 @@ private:
             complain(fmt::format("{}@{}: samples have {}, of which {} are written",
                                  escapeText(fileName(block.places[0].file)),
                                  block.places[0].fileOffset,
-                                 plural(block.channels.size(), "channel"),
-                                 form_.channels.size()));
+                                 plural(block.channels.size(), "channel"), form_.channels.size()));
         }
     }
 
     [[nodiscard]] std::string summary() const {
-        return fmt::format("{} of {} in {}{}", plural(rows_, "row"),
-                           plural(streams_, "stream"), plural(run_.captures().size(), "file"),
+        return fmt::format("{} of {} in {}{}", plural(rows_, "row"), plural(streams_, "stream"),
+                           plural(run_.captures().size(), "file"),
                            isFull() ? "; more may be there" : "");
     }
 
@@ -315,10 +314,10 @@ void addSamplesCommand(ProgramDefinition& program, Action& chosen) {
     auto const options = std::make_shared<SamplesOptions>();
     CommandDefinition& command =
         addCommand(program, "samples", "List the samples of SV streams, with the times of each.");
+    addCommonOptions(command, options->choice.common);
     addSampleChoice(command, options->choice);
     command.parser->add_flag("--long", options->isLong, "A row for each channel");
-    command.parser->add_flag("--missing", options->withMissing,
-                             "Rows for samples that never came");
+    command.parser->add_flag("--missing", options->withMissing, "Rows for samples that never came");
     command.parser->add_flag("--scaled", options->isScaled,
                              "Amperes and volts where samples are those of 9-2LE");
     command.parser

@@ -62,6 +62,10 @@ bool WantedSamples::isWanted(TrafficStream const& stream) const {
     return false;
 }
 
+bool WantedSamples::isWanted(SampleBlock const& block) const {
+    return block.attributes == nullptr || criteria_.admitAttributes(*block.attributes);
+}
+
 SampleOptions WantedSamples::options(SampleRows rows) const {
     auto const window = choice_.window.resolve(spanOf(index_));
     SampleOptions options;
@@ -79,9 +83,14 @@ SampleCounts WantedSamples::visit(WantedStream const& stream, SampleRows rows,
                                   BlockSink const& take) {
     SampleReader reader(index_, *stream.stream, options(rows));
     try {
-        while (SampleBlock const* const block = reader.next()) {
-            if (block->attributes == nullptr || criteria_.admitAttributes(*block->attributes)) {
-                take(*block);
+        bool isMoreWanted = true;
+        while (isMoreWanted) {
+            SampleBlock const* const block = reader.next();
+            if (block == nullptr) {
+                break;
+            }
+            if (isWanted(*block)) {
+                isMoreWanted = take(*block);
             }
         }
     } catch (OutputError const&) {

@@ -22,7 +22,8 @@ struct WantedStream {
 /// The samples that SampleChoice selects, for the commands that write them.
 class WantedSamples {
 public:
-    using BlockSink = std::function<void(TalIec61850Analysis::SampleBlock const& block)>;
+    /// Takes a block, and says whether more are wanted.
+    using BlockSink = std::function<bool(TalIec61850Analysis::SampleBlock const& block)>;
 
     /// Indexes the captures of the run, reports what is wrong with them, and finds out what samples
     /// are made of.
@@ -43,6 +44,9 @@ public:
     TalIec61850Analysis::SampleCounts visit(WantedStream const& stream,
                                             TalIec61850Analysis::SampleRows rows,
                                             BlockSink const& take);
+
+    /// Whether the attributes of a block are wanted.
+    [[nodiscard]] bool isWanted(TalIec61850Analysis::SampleBlock const& block) const;
 
     /// The name of a capture.
     [[nodiscard]] std::string const& fileName(std::uint32_t file) const {

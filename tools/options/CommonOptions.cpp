@@ -5,15 +5,23 @@
 
 namespace TalIec61850Tools {
 
+void addInputOptions(CommandDefinition& command, CommonOptions& options,
+                     std::string const& filesHelp) {
+    command.readsCaptures = true;
+    CLI::App& parser = *command.parser;
+    parser.add_option("FILE", options.files, filesHelp)->required()->option_text("...");
+    parser.add_flag("-q,--quiet", options.quiet,
+                    "Show no progress, no summary, no note where nothing matches");
+}
+
 void addCommonOptions(CommandDefinition& command, CommonOptions& options,
                       std::string const& filesHelp) {
     static std::map<std::string, Format> const formats = {{"table", Format::table},
                                                           {"json", Format::json},
                                                           {"csv", Format::csv},
                                                           {"spreadsheet", Format::spreadsheet}};
-    command.readsCaptures = true;
+    addInputOptions(command, options, filesHelp);
     CLI::App& parser = *command.parser;
-    parser.add_option("FILE", options.files, filesHelp)->required()->option_text("...");
     CLI::Option& format = *parser.add_option_function<std::string>(
         "-f,--format", [&options](std::string const& name) { options.format = formats.at(name); },
         "What to write: table (if not said), json, csv, or csv for a spreadsheet");
@@ -23,8 +31,6 @@ void addCommonOptions(CommandDefinition& command, CommonOptions& options,
         .add_option("-o,--output", options.outputFile,
                     "Write into FILE, which appears when all is written")
         ->option_text("FILE");
-    parser.add_flag("-q,--quiet", options.quiet,
-                    "Show no progress, no summary, no note where nothing matches");
     parser
         .add_option("--columns", options.columns,
                     "Fields to write, in their order, such as time,svID; json and csv name them")

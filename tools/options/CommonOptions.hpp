@@ -27,6 +27,14 @@ struct CommonOptions {
     std::string colour = "auto";
 };
 
+/// Adds what commands have that read captures and write no rows: the FILE arguments, and --quiet.
+/// @param options    written while the command line is parsed
+/// @param filesHelp  what the FILE arguments are
+void addInputOptions(CommandDefinition& command, CommonOptions& options,
+                     std::string const& filesHelp =
+                         "Captures, compressed or not, pipes, folders, or - for "
+                         "standard input");
+
 /// Adds the options, and the FILE arguments.
 /// @param options    written while the command line is parsed
 /// @param filesHelp  what the FILE arguments are

@@ -73,14 +73,14 @@ SampleLayout toLayout(std::string const& text) {
     constexpr std::size_t kMostMembers = 8192;
     std::vector<SampleType> members;
     for (std::string const& part : partsOf(text)) {
-        auto const* const known =
-            std::find_if(kTypes.begin(), kTypes.end(),
-                         [&](auto const& type) { return isSameWord(type.first, part); });
+        auto const* const known = std::find_if(kTypes.begin(), kTypes.end(), [&](auto const& type) {
+            return isSameWord(type.first, part);
+        });
         if (known == kTypes.end()) {
             throw CLI::ValidationError(
-                "--layout", fmt::format("{} is none of {}{}", part.empty() ? "\"\"" : part,
-                                        fmt::join(typeNames(), ", "),
-                                        didYouMean(part, typeNames())));
+                "--layout",
+                fmt::format("{} is none of {}{}", part.empty() ? "\"\"" : part,
+                            fmt::join(typeNames(), ", "), didYouMean(part, typeNames())));
         }
         members.push_back(known->second);
         if (members.size() > kMostMembers) {
@@ -113,8 +113,7 @@ std::vector<double> toScales(std::string const& text) {
     std::vector<double> scales;
     for (std::string const& part : partsOf(text)) {
         double scale = 0;
-        auto const [stop, error] =
-            std::from_chars(part.data(), part.data() + part.size(), scale);
+        auto const [stop, error] = std::from_chars(part.data(), part.data() + part.size(), scale);
         bool const isNumber = error == std::errc() && stop == part.data() + part.size();
         if (!isNumber || !std::isfinite(scale) || scale == 0) {
             refuseValue("--scale", text, "one factor, or one for each channel: 0.001,0.01");
@@ -145,7 +144,6 @@ void addScaleOption(CommandDefinition& command, std::vector<double>& scales) {
 }
 
 void addSampleChoice(CommandDefinition& command, SampleChoice& choice) {
-    addCommonOptions(command, choice.common);
     addJobsOption(command, choice.common.jobs);
     addWindowOptions(command, choice.window);
     command.parser

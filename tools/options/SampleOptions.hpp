@@ -29,7 +29,7 @@ struct SampleChoice {
     std::vector<double> scales;
 };
 
-/// Adds the options, and those of addCommonOptions.
+/// Adds the options, without those of addCommonOptions.
 /// @param choice  written while the command line is parsed
 void addSampleChoice(CommandDefinition& command, SampleChoice& choice);
 

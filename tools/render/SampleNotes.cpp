@@ -203,8 +203,8 @@ void SampleNotes::lookAtLayout(SampleBlock const& block) {
 
 void SampleNotes::finish(SampleCounts const& counts) {
     if (notes_ > kMostNotes) {
-        say_(fmt::format("{}: {} more of these", escapeText(stream_.key.name),
-                         notes_ - kMostNotes));
+        say_(
+            fmt::format("{}: {} more of these", escapeText(stream_.key.name), notes_ - kMostNotes));
     }
     if (counts.lost != 0 || counts.late != 0 || counts.repeated != 0) {
         say_(fmt::format("{}: of {} samples {} lost, {} late, {} repeated",

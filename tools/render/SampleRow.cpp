@@ -61,9 +61,8 @@ Cell positionCell(Row row) {
 }
 
 Cell smpCntCell(Row row) {
-    return row.block->states[row.row] == SampleState::uncounted
-               ? Cell()
-               : Cell(row.block->smpCnts[row.row]);
+    return row.block->states[row.row] == SampleState::uncounted ? Cell()
+                                                                : Cell(row.block->smpCnts[row.row]);
 }
 
 Cell smpSynchCell(Row row) {
@@ -329,10 +328,9 @@ std::vector<Column<SampleRow>> tableColumns(std::vector<Field<SampleRow>> const&
     std::size_t rank = 4;
     for (std::size_t const channel : form.channels) {
         std::string const name = channelName(form, channel);
-        columns.push_back({{name.empty() ? std::to_string(channel + 1) : name,
-                            Align::right,
-                            {.rank = rank++}},
-                           [channel](Row r) { return tableValueCell(r, channel); }});
+        columns.push_back(
+            {{name.empty() ? std::to_string(channel + 1) : name, Align::right, {.rank = rank++}},
+             [channel](Row r) { return tableValueCell(r, channel); }});
     }
     columns.push_back({{"QUALITY", Align::left, {.rank = rank, .least = 4}},
                        [&form](Row r) { return qualitySummaryCell(r, form); }});
