@@ -1,0 +1,38 @@
+#pragma once
+
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tools/selection/FrameReader.hpp"
+
+namespace TalIec61850Tools {
+
+/// One state of a GOOSE member over time.
+struct GooseState {
+    /// The gocbRef, and the index path of the member: "IED1LD0/LLN0$GO$gcb1 3", "... 9.2". Of a
+    /// double point, there is one for each bit, first bit first: "... 4 bit 1".
+    std::string name;
+    /// When it becomes another, in nanoseconds since 1970, by arrival. Before the first it is not
+    /// known.
+    std::vector<std::int64_t> times;
+    /// From each of these times on.
+    std::vector<std::uint8_t> states;
+
+    /// Writes the states at some instants, not before those asked for last; 0 where it is not
+    /// known.
+    /// @param instants  in nanoseconds since 1970, in their order
+    void at(std::span<std::int64_t const> instants, std::vector<std::uint8_t>& states,
+            std::size_t& cursor) const;
+};
+
+/// Reads the booleans and the double points (bit strings of two bits) in the data sets of all GOOSE
+/// streams of an index. Memory grows with changes, not with packets.
+/// @param frames  of the captures of the index
+/// @throws std::system_error  a capture cannot be read again
+[[nodiscard]] std::vector<GooseState> readGooseStates(
+    TalIec61850Analysis::TrafficIndex const& index, FrameReader& frames);
+
+}  // namespace TalIec61850Tools

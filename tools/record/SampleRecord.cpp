@@ -1,0 +1,412 @@
+#include "tools/record/SampleRecord.hpp"
+
+#include <fmt/format.h>
+
+#include <TalIec61850Analysis/comtrade/ComtradeStep.hpp>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <map>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "tools/output/Plural.hpp"
+#include "tools/output/TextEscape.hpp"
+#include "tools/record/QualityBits.hpp"
+#include "tools/record/RecordRefusal.hpp"
+#include "tools/selection/ChannelMeaning.hpp"
+
+namespace TalIec61850Tools {
+
+using namespace TalIec61850Analysis;
+
+namespace {
+
+/// Rows that are written at once.
+constexpr std::size_t kRows = 4096;
+/// smpSynch of a publisher that is synchronized to a global clock.
+constexpr std::uint16_t kGlobal = 2;
+
+std::span<QualityBit const> bitsOf(QualityChannels quality) {
+    switch (quality) {
+        case QualityChannels::none:
+            return {};
+        case QualityChannels::bits:
+            return qualityBits().first(kChiefQualityBits);
+        default:
+            return qualityBits();
+    }
+}
+
+/// Values for rows in which a stream has none.
+struct NoValues {
+    std::vector<std::int32_t> int32 = std::vector<std::int32_t>(kRows);
+    std::vector<std::int64_t> int64 = std::vector<std::int64_t>(kRows);
+    std::vector<float> float32 = std::vector<float>(kRows);
+    std::vector<double> float64 = std::vector<double>(kRows);
+    std::vector<std::uint8_t> missing = std::vector<std::uint8_t>(kRows, 1);
+    std::vector<std::uint8_t> states = std::vector<std::uint8_t>(kRows);
+
+    [[nodiscard]] ComtradeSamples of(ValueType type, std::size_t count) const {
+        switch (type) {
+            case ValueType::int64:
+                return std::span(int64).first(count);
+            case ValueType::float32:
+                return std::span(float32).first(count);
+            case ValueType::float64:
+                return std::span(float64).first(count);
+            default:
+                return std::span(int32).first(count);
+        }
+    }
+};
+
+ComtradeSamples samplesOf(ChannelColumn const& column, GridSpan const& span, std::size_t count) {
+    return std::visit(
+        [&](auto const& values) -> ComtradeSamples {
+            return std::span(values).subspan(span.first, count);
+        },
+        column.values);
+}
+
+/// The columns of some rows, of all streams, and the memory that they are in.
+class RowColumns {
+public:
+    RowColumns(RecordWish const& wish) : wish_(wish), bits_(bitsOf(wish.quality)) {
+        missing_.resize(wish.sources.size());
+    }
+
+    void clear() {
+        analogs_.clear();
+        digitals_.clear();
+        used_ = 0;
+    }
+
+    void addSource(std::size_t number, std::optional<GridSpan> const& span, std::size_t count) {
+        RecordSource const& source = wish_.sources[number];
+        bool const isThere = span && span->block != nullptr;
+        auto const missing =
+            isThere ? missingIn(number, *span, count) : std::span(none_.missing).first(count);
+        for (std::size_t const channel : source.channels) {
+            SampleChannel const& made = source.layout.channels()[channel];
+            analogs_.push_back({.samples = isThere ? samplesOf(span->block->channels[channel],
+                                                               *span, count)
+                                                   : none_.of(made.valueType(), count),
+                                .missing = missing});
+            if (made.qualityOffset) {
+                addQuality(isThere ? &span->block->channels[channel] : nullptr, span, count);
+            }
+        }
+    }
+
+    void addState(std::span<std::uint8_t const> states) { digitals_.push_back(states); }
+
+    [[nodiscard]] std::span<ComtradeAnalogColumn const> analogs() const { return analogs_; }
+    [[nodiscard]] std::span<ComtradeDigitalColumn const> digitals() const { return digitals_; }
+
+private:
+    std::span<std::uint8_t const> missingIn(std::size_t number, GridSpan const& span,
+                                            std::size_t count) {
+        auto const states = std::span(span.block->states).subspan(span.first, count);
+        if (std::find(states.begin(), states.end(), SampleState::missing) == states.end()) {
+            return {};
+        }
+        std::vector<std::uint8_t>& flags = missing_[number];
+        flags.resize(kRows);
+        for (std::size_t row = 0; row < count; ++row) {
+            flags[row] = states[row] == SampleState::missing ? 1 : 0;
+        }
+        return std::span(flags).first(count);
+    }
+
+    void addQuality(ChannelColumn const* column, std::optional<GridSpan> const& span,
+                    std::size_t count) {
+        for (QualityBit const& bit : bits_) {
+            if (column == nullptr) {
+                digitals_.push_back(std::span(none_.states).first(count));
+                continue;
+            }
+            if (used_ == quality_.size()) {
+                quality_.emplace_back(kRows);
+            }
+            std::vector<std::uint8_t>& states = quality_[used_++];
+            auto const words = std::span(column->qualities).subspan(span->first, count);
+            for (std::size_t row = 0; row < count; ++row) {
+                states[row] = (words[row] & bit.mask) == bit.value ? 1 : 0;
+            }
+            digitals_.push_back(std::span(states).first(count));
+        }
+    }
+
+    RecordWish const& wish_;
+    std::span<QualityBit const> bits_;
+    NoValues none_;
+    std::vector<ComtradeAnalogColumn> analogs_;
+    std::vector<ComtradeDigitalColumn> digitals_;
+    /// By source.
+    std::vector<std::vector<std::uint8_t>> missing_;
+    /// One for each bit of each channel.
+    std::vector<std::vector<std::uint8_t>> quality_;
+    std::size_t used_ = 0;
+};
+
+/// 50 or 60, where smpRate counts samples of a period.
+std::optional<double> frequencyOf(TrafficIndex const& index, TrafficStream const& stream,
+                                  SampleRate const& rate) {
+    StreamPart const& part = stream.parts.back();
+    StreamAttributes const& all = index.attributes(part, part.changes.back());
+    auto const numberIn = [](std::optional<Readable<std::uint64_t>> const& attribute) {
+        auto const* const number = attribute ? std::get_if<std::uint64_t>(&*attribute) : nullptr;
+        return number != nullptr ? *number : 0;
+    };
+    for (std::uint32_t const frequency : {50U, 60U}) {
+        if (numberIn(all.smpMod) == 0 && rate.seconds == 1 &&
+            numberIn(all.smpRate) * frequency == rate.samples && rate.samples != 0) {
+            return frequency;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+SampleRecord::SampleRecord(TrafficIndex const& index, RecordWish wish,
+                           GridStream::PlaceText placeText, GridStream::Wanted isWanted)
+    : index_(index),
+      wish_(std::move(wish)),
+      placeText_(std::move(placeText)),
+      isWanted_(std::move(isWanted)),
+      extents_(wish_.sources.size()) {
+    findGrid();
+    for (std::size_t source = 0; source < wish_.sources.size(); ++source) {
+        surveySource(source);
+    }
+    describe();
+}
+
+GridStream SampleRecord::open(RecordSource const& source, std::optional<RecordGrid> grid,
+                              bool withValues) const {
+    SampleOptions options = wish_.options;
+    options.withValues = withValues;
+    return {index_,          *source.stream, std::move(options), grid,
+            wish_.placing, placeText_,     isWanted_};
+}
+
+bool SampleRecord::needsExtents() const {
+    if (wish_.format.data != ComtradeData::binary32) {
+        return true;
+    }
+    for (RecordSource const& source : wish_.sources) {
+        for (std::size_t const channel : source.channels) {
+            if (source.layout.channels()[channel].valueType() != ValueType::int32) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// The first row is at the earliest sample of all streams, at the phase of the first stream.
+/// Streams without samples in the window are left out.
+void SampleRecord::findGrid() {
+    std::vector<RecordSource> sources;
+    std::optional<RecordGrid> grid;
+    std::int64_t earliest = 0;
+    for (RecordSource& source : wish_.sources) {
+        GridStream stream = open(source, std::nullopt, false);
+        if (!stream.at(0)) {
+            continue;
+        }
+        RecordGrid const own = *stream.grid();
+        if (grid && own.rate != grid->rate) {
+            throw RecordRefusal(fmt::format(
+                "{} has {} samples a second, {} has {}: choose streams of one rate, by --svid",
+                escapeText(sources.front().stream->key.name), grid->rate.perSecond(),
+                escapeText(source.stream->key.name), own.rate.perSecond()));
+        }
+        earliest = grid ? std::min(earliest, own.start) : own.start;
+        grid = grid ? grid : own;
+        sources.push_back(std::move(source));
+    }
+    wish_.sources = std::move(sources);
+    if (!grid) {
+        return;
+    }
+    if (earliest < grid->start) {
+        // The instant is that of a sample, unless streams are of different phase.
+        grid->start = wish_.placing == GridPlacing::exact
+                          ? earliest
+                          : grid->timeOf(grid->nearest(earliest));
+    }
+    survey_.grid = *grid;
+}
+
+void SampleRecord::surveySource(std::size_t number) {
+    RecordSource const& source = wish_.sources[number];
+    bool const withValues = needsExtents();
+    GridStream stream = open(source, survey_.grid, withValues);
+    std::vector<Extent>& extents = extents_[number];
+    extents.resize(source.layout.channels().size());
+    std::int64_t row = 0;
+    while (auto const span = stream.at(row)) {
+        row = span->row + static_cast<std::int64_t>(span->count);
+        if (span->block == nullptr) {
+            continue;
+        }
+        SampleBlock const& block = *span->block;
+        survey_.rateSource = block.run.rateSource;
+        for (std::size_t i = span->first; i < span->first + span->count; ++i) {
+            if (block.states[i] == SampleState::missing) {
+                continue;
+            }
+            ++survey_.received;
+            ++survey_.timeSources[static_cast<std::size_t>(block.timeSources[i])];
+            survey_.isGlobal = survey_.isGlobal && block.smpSynchs[i] == kGlobal;
+        }
+        if (!withValues) {
+            continue;
+        }
+        for (std::size_t const channel : source.channels) {
+            if (channel >= block.channels.size()) {
+                continue;
+            }
+            std::visit(
+                [&](auto const& values) {
+                    for (std::size_t i = span->first; i < span->first + span->count; ++i) {
+                        auto const value = static_cast<double>(values[i]);
+                        if (block.states[i] == SampleState::missing || !std::isfinite(value)) {
+                            continue;
+                        }
+                        Extent& extent = extents[channel];
+                        extent.smallest =
+                            extent.isKnown ? std::min(extent.smallest, value) : value;
+                        extent.largest = extent.isKnown ? std::max(extent.largest, value) : value;
+                        extent.isKnown = true;
+                    }
+                },
+                block.channels[channel].values);
+        }
+    }
+    survey_.rows = std::max(survey_.rows, static_cast<std::uint64_t>(row));
+}
+
+void SampleRecord::describe() {
+    constexpr std::uint8_t kLocked = 0;
+    constexpr std::uint8_t kNotReliable = 15;
+    record_.format = wish_.format;
+    record_.rate = {.samples = survey_.grid.rate.samples, .seconds = survey_.grid.rate.seconds};
+    record_.rows = survey_.rows;
+    record_.start = CaptureTime(std::chrono::nanoseconds(survey_.grid.start));
+    record_.trigger = wish_.trigger.value_or(record_.start);
+    record_.timeQuality = survey_.isGlobal ? kLocked : kNotReliable;
+    if (wish_.sources.empty()) {
+        return;
+    }
+    survey_.missing = survey_.rows * wish_.sources.size() - survey_.received;
+    TrafficStream const& first = *wish_.sources.front().stream;
+    record_.station = wish_.station.empty() ? first.key.name : wish_.station;
+    record_.device = first.key.name;
+    record_.lineFrequency =
+        wish_.frequency ? wish_.frequency : frequencyOf(index_, first, survey_.grid.rate);
+    for (std::size_t source = 0; source < wish_.sources.size(); ++source) {
+        describeSource(source);
+    }
+    if (wish_.states != nullptr) {
+        for (GooseState const& state : *wish_.states) {
+            // The end of a long name tells members apart.
+            constexpr std::size_t kLongest = 64;
+            std::size_t const cut =
+                state.name.size() > kLongest ? state.name.size() - kLongest : 0;
+            record_.digitals.push_back(
+                {.id = state.name.substr(cut), .phase = {}, .component = {}, .normal = false});
+        }
+    }
+}
+
+void SampleRecord::describeSource(std::size_t number) {
+    // With a name of a channel and of a quality bit, there are 64 characters.
+    constexpr std::size_t kLongestPrefix = 40;
+    RecordSource const& source = wish_.sources[number];
+    auto const& meanings = meaningsOf(source.layout);
+    std::string const& svID = source.stream->key.name;
+    std::size_t const cut = svID.size() > kLongestPrefix ? svID.size() - kLongestPrefix : 0;
+    for (std::size_t const channel : source.channels) {
+        SampleChannel const& made = source.layout.channels()[channel];
+        ComtradeAnalog analog;
+        std::string const name =
+            meanings.empty() ? fmt::format("ch{}", channel + 1) : meanings[channel].name;
+        analog.id = fmt::format("{}_{}", svID.substr(cut), name);
+        if (!source.scales.empty()) {
+            std::size_t const place = source.scales.size() == 1 ? 0 : channel;
+            analog.scale = place < source.scales.size() ? source.scales[place] : 1;
+        } else if (!meanings.empty()) {
+            ChannelScale const& scale = meanings[channel].scale;
+            analog.scale = scale.divides ? 1 / scale.factor : scale.factor;
+            analog.unit = meanings[channel].unit;
+        }
+        analog.phase = meanings.empty() ? "" : meanings[channel].phase;
+        if (needsExtents()) {
+            Extent const& extent = extents_[number][channel];
+            bool const isReal = made.valueType() == ValueType::float32 ||
+                                made.valueType() == ValueType::float64;
+            if (extent.isKnown) {
+                analog.step = isReal ? stepForReals(wish_.format, extent.smallest, extent.largest)
+                                     : stepForIntegers(wish_.format,
+                                                       static_cast<std::int64_t>(extent.smallest),
+                                                       static_cast<std::int64_t>(extent.largest));
+            }
+        }
+        if (made.qualityOffset) {
+            describeQuality(analog.id);
+        }
+        record_.analogs.push_back(std::move(analog));
+    }
+}
+
+void SampleRecord::describeQuality(std::string const& channel) {
+    for (QualityBit const& bit : bitsOf(wish_.quality)) {
+        record_.digitals.push_back({.id = fmt::format("{} {}", channel, bit.name),
+                                    .phase = {},
+                                    .component = {},
+                                    .normal = false});
+    }
+}
+
+void SampleRecord::write(ComtradeRows& rows) const {
+    std::vector<GridStream> streams;
+    for (RecordSource const& source : wish_.sources) {
+        streams.push_back(open(source, survey_.grid, true));
+    }
+    RowColumns columns(wish_);
+    std::size_t const stateCount = wish_.states == nullptr ? 0 : wish_.states->size();
+    std::vector<std::size_t> cursors(stateCount);
+    std::vector<std::vector<std::uint8_t>> states(stateCount);
+    std::vector<std::int64_t> instants;
+    std::vector<std::optional<GridSpan>> spans(streams.size());
+    for (std::uint64_t row = 0; row < survey_.rows;) {
+        std::size_t count = std::min<std::uint64_t>(survey_.rows - row, kRows);
+        for (std::size_t i = 0; i < streams.size(); ++i) {
+            spans[i] = streams[i].at(static_cast<std::int64_t>(row));
+            count = spans[i] ? std::min(count, spans[i]->count) : count;
+        }
+        columns.clear();
+        for (std::size_t i = 0; i < streams.size(); ++i) {
+            columns.addSource(i, spans[i], count);
+        }
+        if (stateCount > 0) {
+            instants.resize(count);
+            for (std::size_t i = 0; i < count; ++i) {
+                instants[i] = survey_.grid.timeOf(static_cast<std::int64_t>(row + i));
+            }
+        }
+        for (std::size_t i = 0; i < stateCount; ++i) {
+            (*wish_.states)[i].at(instants, states[i], cursors[i]);
+            columns.addState(states[i]);
+        }
+        rows.add(columns.analogs(), columns.digitals());
+        row += count;
+    }
+}
+
+}  // namespace TalIec61850Tools

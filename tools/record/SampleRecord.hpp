@@ -1,0 +1,114 @@
+#pragma once
+
+#include <TalIec61850Analysis/comtrade/ComtradeRecord.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
+#include <TalIec61850Analysis/samples/SampleReader.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/record/GooseStates.hpp"
+#include "tools/record/GridStream.hpp"
+#include "tools/record/RecordGrid.hpp"
+
+namespace TalIec61850Tools {
+
+/// Which bits of quality words become digital channels.
+enum class QualityChannels {
+    none,
+    bits,  ///< invalid, questionable and test
+    all,   ///< those, and every other
+};
+
+/// One stream of a record.
+struct RecordSource {
+    TalIec61850Analysis::TrafficStream const* stream = nullptr;
+    TalIec61850Analysis::SampleLayout layout;
+    /// Numbers of channels, from 0.
+    std::vector<std::size_t> channels;
+    /// Factors that the user gave, by the number of the channel; empty for those that are known.
+    std::vector<double> scales;
+};
+
+/// What a record is to be.
+struct RecordWish {
+    TalIec61850Analysis::ComtradeFormat format;
+    std::vector<RecordSource> sources;
+    /// The window and the rate; `rows` is everySample.
+    TalIec61850Analysis::SampleOptions options;
+    QualityChannels quality = QualityChannels::none;
+    GridPlacing placing = GridPlacing::exact;
+    /// May be empty; must outlive the record.
+    std::vector<GooseState> const* states = nullptr;
+    std::optional<CaptureTime> trigger;
+    std::optional<double> frequency;
+    /// Empty for the svID of the first stream.
+    std::string station;
+};
+
+/// What was found out of the samples before they are written.
+struct RecordSurvey {
+    RecordGrid grid;
+    /// Rows of the record.
+    std::uint64_t rows = 0;
+    /// What the samples of all streams came to: those that are in the record.
+    std::uint64_t received = 0;
+    std::uint64_t missing = 0;
+    /// How many times came from where, by SampleTimeSource.
+    std::array<std::uint64_t, 4> timeSources{};
+    TalIec61850Analysis::RateSource rateSource = TalIec61850Analysis::RateSource::none;
+    /// Whether smpSynch is 2 in every sample.
+    bool isGlobal = true;
+};
+
+/// Samples of streams, and states of GOOSE members, as one COMTRADE record.
+class SampleRecord {
+public:
+    /// Goes through the samples once, to find out how many rows there are; their values are read
+    /// where numbers have to be fitted to the format.
+    /// @param index  must outlive the record
+    /// @throws RecordRefusal      the samples make no record
+    /// @throws std::system_error  a capture cannot be read again
+    SampleRecord(TalIec61850Analysis::TrafficIndex const& index, RecordWish wish,
+                 GridStream::PlaceText placeText, GridStream::Wanted isWanted);
+
+    /// Not of use where there is no row.
+    [[nodiscard]] TalIec61850Analysis::ComtradeRecord const& record() const { return record_; }
+    [[nodiscard]] RecordSurvey const& survey() const { return survey_; }
+
+    /// Adds all rows.
+    /// @throws RecordRefusal, std::system_error  as above
+    void write(TalIec61850Analysis::ComtradeRows& rows) const;
+
+private:
+    /// The smallest and the largest value of a channel.
+    struct Extent {
+        double smallest = 0;
+        double largest = 0;
+        bool isKnown = false;
+    };
+
+    [[nodiscard]] GridStream open(RecordSource const& source, std::optional<RecordGrid> grid,
+                                  bool withValues) const;
+    [[nodiscard]] bool needsExtents() const;
+    void findGrid();
+    void surveySource(std::size_t source);
+    void describe();
+    void describeSource(std::size_t source);
+    void describeQuality(std::string const& channel);
+
+    TalIec61850Analysis::TrafficIndex const& index_;
+    RecordWish wish_;
+    GridStream::PlaceText placeText_;
+    GridStream::Wanted isWanted_;
+    RecordSurvey survey_;
+    /// By source, and by the number of the channel.
+    std::vector<std::vector<Extent>> extents_;
+    TalIec61850Analysis::ComtradeRecord record_;
+};
+
+}  // namespace TalIec61850Tools
