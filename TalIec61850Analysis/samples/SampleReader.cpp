@@ -122,6 +122,9 @@ private:
         ReadAsdu asdu;
         if (withValues_ || layouts_.haveTimes()) {
             asdu = asdus_.read(sample_.packet);
+        } else {
+            PacketColumns const& packets = stream_.parts[sample_.packet.part].packets;
+            asdu.fileOffset = packets.frameOffsets()[sample_.packet.packet];
         }
         if (!withValues_) {
             asdu.data = {};

@@ -33,8 +33,8 @@ struct SampleOptions {
     SampleRate rate;
     /// Whether missing samples are rows.
     SampleRows rows = SampleRows::received;
-    /// Whether values are read. Without them, blocks have neither layout nor channels, places have
-    /// no offset, and frames are read only where any has a refrTm: some times as fast.
+    /// Whether values are read. Without them, blocks have neither layout nor channels, places may
+    /// be those of frames, and frames are read only where any has a refrTm: some times as fast.
     bool withValues = true;
 };
 

@@ -40,12 +40,16 @@ std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
 
 CommandRun::CommandRun(CommonOptions const& options)
     : options_(options), found_(findCaptures(options.files)) {
-    refuseToOverwrite(options_.outputFile, found_.files);
+    refuseToOverwrite(options_.outputFile);
     output_.emplace(options_.outputFile);
     for (auto const& fault : found_.faults) {
         complain(fault);
         isComplete_ = false;
     }
+}
+
+void CommandRun::refuseToOverwrite(std::string const& path) const {
+    TalIec61850Tools::refuseToOverwrite(path, found_.files);
 }
 
 std::optional<std::size_t> CommandRun::captureCalled(std::string const& argument) const {

@@ -32,6 +32,10 @@ public:
     /// no capture.
     [[nodiscard]] std::optional<std::size_t> captureCalled(std::string const& argument) const;
 
+    /// To be asked before a file is written besides the output.
+    /// @throws UsageError  it is a file that is to be read
+    void refuseToOverwrite(std::string const& path) const;
+
     /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;
 

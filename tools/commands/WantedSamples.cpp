@@ -66,8 +66,8 @@ bool WantedSamples::isWanted(SampleBlock const& block) const {
     return block.attributes == nullptr || criteria_.admitAttributes(*block.attributes);
 }
 
-SampleOptions WantedSamples::options(SampleRows rows) const {
-    auto const window = choice_.window.resolve(spanOf(index_));
+SampleOptions WantedSamples::options(SampleRows rows, WindowOptions const& asked) const {
+    auto const window = asked.resolve(spanOf(index_));
     SampleOptions options;
     options.from = window.from;
     if (window.to && *window.to != CaptureTime::max()) {

@@ -36,7 +36,12 @@ public:
 
     /// How samples are to be read.
     [[nodiscard]] TalIec61850Analysis::SampleOptions options(
-        TalIec61850Analysis::SampleRows rows) const;
+        TalIec61850Analysis::SampleRows rows) const {
+        return options(rows, choice_.window);
+    }
+    /// The same in another window.
+    [[nodiscard]] TalIec61850Analysis::SampleOptions options(TalIec61850Analysis::SampleRows rows,
+                                                             WindowOptions const& window) const;
 
     /// Reads the samples of a stream. A capture that cannot be read again is reported, and ends the
     /// stream.

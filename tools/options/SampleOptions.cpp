@@ -143,9 +143,10 @@ void addScaleOption(CommandDefinition& command, std::vector<double>& scales) {
         ->group(kSamplesGroup);
 }
 
-void addSampleChoice(CommandDefinition& command, SampleChoice& choice) {
+void addSampleChoice(CommandDefinition& command, SampleChoice& choice,
+                     std::vector<TimeBound>* moreArounds) {
     addJobsOption(command, choice.common.jobs);
-    addWindowOptions(command, choice.window);
+    addWindowOptions(command, choice.window, moreArounds);
     command.parser
         ->add_option_function<std::string>(
             "--layout", [&choice](std::string const& text) { choice.layout = toLayout(text); },

@@ -30,8 +30,10 @@ struct SampleChoice {
 };
 
 /// Adds the options, without those of addCommonOptions.
-/// @param choice  written while the command line is parsed
-void addSampleChoice(CommandDefinition& command, SampleChoice& choice);
+/// @param choice       written while the command line is parsed
+/// @param moreArounds  see addWindowOptions
+void addSampleChoice(CommandDefinition& command, SampleChoice& choice,
+                     std::vector<TimeBound>* moreArounds = nullptr);
 
 /// Adds --channels.
 void addChannelsOption(CommandDefinition& command, std::vector<std::size_t>& channels);

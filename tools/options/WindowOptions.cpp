@@ -22,16 +22,40 @@ TimeBound toTimeBound(std::string const& option, std::string const& text) {
     return *bound;
 }
 
-std::chrono::nanoseconds toSpan(std::string const& text) {
+std::chrono::nanoseconds toLength(std::string const& option, std::string const& text) {
     auto const length = text.starts_with('+') ? std::nullopt : parseTimeBound("+" + text);
     if (!length) {
-        refuseValue("--span", text, "a length of time such as 500ms or 1.5s");
+        refuseValue(option, text, "a length of time such as 500ms or 1.5s");
     }
     return length->time;
 }
 
-void addBound(CommandDefinition& command, std::string const& name, std::optional<TimeBound>& bound,
-              std::string const& help) {
+/// The first is that of the window.
+void addArounds(CommandDefinition& command, WindowOptions& window,
+                std::vector<TimeBound>& moreArounds) {
+    command.parser
+        ->add_option_function<std::vector<std::string>>(
+            "--around",
+            [&window, &moreArounds](std::vector<std::string> const& texts) {
+                for (std::string const& text : texts) {
+                    TimeBound const bound = toTimeBound("--around", text);
+                    if (window.around) {
+                        moreArounds.push_back(bound);
+                    } else {
+                        window.around = bound;
+                    }
+                }
+            },
+            "Middle of the window, in place of its ends; several make several records")
+        ->allow_extra_args(false)
+        ->option_text("TIME")
+        ->group(kWindowGroup);
+}
+
+}  // namespace
+
+void addTimeOption(CommandDefinition& command, std::string const& name,
+                   std::optional<TimeBound>& bound, std::string const& help) {
     command.parser
         ->add_option_function<std::string>(
             name, [&bound, name](std::string const& text) { bound = toTimeBound(name, text); },
@@ -40,7 +64,14 @@ void addBound(CommandDefinition& command, std::string const& name, std::optional
         ->group(kWindowGroup);
 }
 
-}  // namespace
+void addLengthOption(CommandDefinition& command, std::string const& name,
+                     std::optional<std::chrono::nanoseconds>& length, std::string const& help) {
+    command.parser
+        ->add_option_function<std::string>(
+            name, [&length, name](std::string const& text) { length = toLength(name, text); }, help)
+        ->option_text("LENGTH")
+        ->group(kWindowGroup);
+}
 
 void WindowOptions::check() const {
     if (from && to && to->isSurelyBefore(*from)) {
@@ -71,18 +102,20 @@ TalIec61850Analysis::TimeWindow WindowOptions::resolve(CaptureSpan const& captur
     return window;
 }
 
-void addWindowOptions(CommandDefinition& command, WindowOptions& window) {
-    addBound(command, "--from", window.from,
-             "Begin of the window: date and time, time of day, seconds since 1970, +1.5s from "
-             "the begin of the captures, -5s from their end");
-    addBound(command, "--to", window.to, "End of the window, itself inside");
-    addBound(command, "--around", window.around, "Middle of the window, in place of its ends");
-    command.parser
-        ->add_option_function<std::string>(
-            "--span", [&window](std::string const& text) { window.span = toSpan(text); },
-            "Length of the window around that, such as 500ms; 1s if not said")
-        ->option_text("LENGTH")
-        ->group(kWindowGroup);
+void addWindowOptions(CommandDefinition& command, WindowOptions& window,
+                      std::vector<TimeBound>* moreArounds) {
+    addTimeOption(command, "--from", window.from,
+                  "Begin of the window: date and time, time of day, seconds since 1970, +1.5s from "
+                  "the begin of the captures, -5s from their end");
+    addTimeOption(command, "--to", window.to, "End of the window, itself inside");
+    if (moreArounds != nullptr) {
+        addArounds(command, window, *moreArounds);
+    } else {
+        addTimeOption(command, "--around", window.around,
+                      "Middle of the window, in place of its ends");
+    }
+    addLengthOption(command, "--span", window.span,
+                    "Length of the window around that, such as 500ms; 1s if not said");
 }
 
 }  // namespace TalIec61850Tools

@@ -3,6 +3,8 @@
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <chrono>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "tools/options/CommandDefinition.hpp"
 #include "tools/options/TimeBound.hpp"
@@ -45,7 +47,20 @@ struct WindowOptions {
 };
 
 /// Adds --from, --to, --around and --span.
-/// @param window  written while the command line is parsed
-void addWindowOptions(CommandDefinition& command, WindowOptions& window);
+/// @param window       written while the command line is parsed
+/// @param moreArounds  if not null, --around may be given several times: takes those after the
+/// first
+void addWindowOptions(CommandDefinition& command, WindowOptions& window,
+                      std::vector<TimeBound>* moreArounds = nullptr);
+
+/// Adds an option that is one TIME.
+/// @param bound  written while the command line is parsed
+void addTimeOption(CommandDefinition& command, std::string const& name,
+                   std::optional<TimeBound>& bound, std::string const& help);
+
+/// Adds an option that is a length of time, such as 500ms.
+/// @param length  written while the command line is parsed
+void addLengthOption(CommandDefinition& command, std::string const& name,
+                     std::optional<std::chrono::nanoseconds>& length, std::string const& help);
 
 }  // namespace TalIec61850Tools

@@ -87,8 +87,8 @@ std::vector<GooseState> readGooseStates(TrafficIndex const& index, FrameReader& 
             }
             RecordView const& view =
                 frames.read(part.file, part.packets.frameOffsets()[ref.packet]);
-            GooseView const goose = viewGoose(view.frame, part.packets.pduOffsets()[ref.packet],
-                                              originOf(view.record));
+            GooseView const goose =
+                viewGoose(view.frame, part.packets.pduOffsets()[ref.packet], originOf(view.record));
             if (goose.allData) {
                 collector.add(part.packets.times()[ref.packet], *goose.allData);
             }

@@ -31,8 +31,8 @@ GridStream::GridStream(TrafficIndex const& index, TrafficStream const& stream,
       isWanted_(std::move(isWanted)) {}
 
 void GridStream::refuse(std::size_t row, std::string const& why) const {
-    throw RecordRefusal(fmt::format("{}: {}: {}", placeText_(*block_, row),
-                                    escapeText(stream_.key.name), why));
+    throw RecordRefusal(
+        fmt::format("{}: {}: {}", placeText_(*block_, row), escapeText(stream_.key.name), why));
 }
 
 std::optional<GridSpan> GridStream::at(std::int64_t row) {
@@ -55,8 +55,8 @@ std::optional<GridSpan> GridStream::at(std::int64_t row) {
                 .row = row, .count = inRow_ - passed, .block = block_, .first = next_ + passed};
         }
         next_ += inRow_;
-        lastRow_ = std::max(lastRow_.value_or(nextRow_),
-                            nextRow_ + static_cast<std::int64_t>(inRow_) - 1);
+        lastRow_ =
+            std::max(lastRow_.value_or(nextRow_), nextRow_ + static_cast<std::int64_t>(inRow_) - 1);
         if (next_ < block_->size()) {
             placeNext();
         }
@@ -70,6 +70,9 @@ bool GridStream::readBlock() {
     } while (block_ != nullptr && !isWanted_(*block_));
     if (block_ == nullptr) {
         return false;
+    }
+    if (look_) {
+        look_(*block_);
     }
     next_ = 0;
     checkMake(*block_);
@@ -88,8 +91,9 @@ void GridStream::checkMake(SampleBlock const& block) {
         refuse(0, fmt::format("the data set changes here: {}", kChoose));
     }
     if (layout_ && layout_->layout != block.layout.layout) {
-        refuse(0, "the samples have another layout from here on: choose one part, by --from and "
-                  "--to");
+        refuse(0,
+               "the samples have another layout from here on: choose one part, by --from and "
+               "--to");
     }
     attributes_ = block.attributes != nullptr ? block.attributes : attributes_;
     layout_ = block.layout;

@@ -7,7 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "tools/record/RecordGrid.hpp"
 
@@ -35,8 +35,8 @@ struct GridSpan {
 class GridStream {
 public:
     /// The place of a sample in words, for what is refused.
-    using PlaceText = std::function<std::string(TalIec61850Analysis::SampleBlock const& block,
-                                                std::size_t row)>;
+    using PlaceText =
+        std::function<std::string(TalIec61850Analysis::SampleBlock const& block, std::size_t row)>;
     /// Whether a block is wanted at all.
     using Wanted = std::function<bool(TalIec61850Analysis::SampleBlock const& block)>;
 
@@ -47,6 +47,11 @@ public:
                TalIec61850Analysis::TrafficStream const& stream,
                TalIec61850Analysis::SampleOptions options, std::optional<RecordGrid> grid,
                GridPlacing placing, PlaceText placeText, Wanted isWanted);
+
+    /// Has each block shown that is read from now on.
+    void showTo(std::function<void(TalIec61850Analysis::SampleBlock const& block)> look) {
+        look_ = std::move(look);
+    }
 
     /// What the stream has from a row on: some rows with samples, or some without.
     /// @param row  not before one that was asked for
@@ -77,6 +82,7 @@ private:
     GridPlacing placing_;
     PlaceText placeText_;
     Wanted isWanted_;
+    std::function<void(SampleBlock const& block)> look_;
 
     SampleBlock const* block_ = nullptr;
     bool isOver_ = false;

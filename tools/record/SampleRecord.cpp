@@ -73,7 +73,7 @@ ComtradeSamples samplesOf(ChannelColumn const& column, GridSpan const& span, std
 /// The columns of some rows, of all streams, and the memory that they are in.
 class RowColumns {
 public:
-    RowColumns(RecordWish const& wish) : wish_(wish), bits_(bitsOf(wish.quality)) {
+    explicit RowColumns(RecordWish const& wish) : wish_(wish), bits_(bitsOf(wish.quality)) {
         missing_.resize(wish.sources.size());
     }
 
@@ -90,10 +90,10 @@ public:
             isThere ? missingIn(number, *span, count) : std::span(none_.missing).first(count);
         for (std::size_t const channel : source.channels) {
             SampleChannel const& made = source.layout.channels()[channel];
-            analogs_.push_back({.samples = isThere ? samplesOf(span->block->channels[channel],
-                                                               *span, count)
-                                                   : none_.of(made.valueType(), count),
-                                .missing = missing});
+            analogs_.push_back(
+                {.samples = isThere ? samplesOf(span->block->channels[channel], *span, count)
+                                    : none_.of(made.valueType(), count),
+                 .missing = missing});
             if (made.qualityOffset) {
                 addQuality(isThere ? &span->block->channels[channel] : nullptr, span, count);
             }
@@ -189,8 +189,7 @@ GridStream SampleRecord::open(RecordSource const& source, std::optional<RecordGr
                               bool withValues) const {
     SampleOptions options = wish_.options;
     options.withValues = withValues;
-    return {index_,          *source.stream, std::move(options), grid,
-            wish_.placing, placeText_,     isWanted_};
+    return {index_, *source.stream, std::move(options), grid, wish_.placing, placeText_, isWanted_};
 }
 
 bool SampleRecord::needsExtents() const {
@@ -207,6 +206,31 @@ bool SampleRecord::needsExtents() const {
     return false;
 }
 
+/// Finds the layout of a stream's first sample, and the channels that it has.
+/// @return false where there is no sample
+bool SampleRecord::findMake(RecordSource& source, GridStream& stream,
+                            GridStream::PlaceText const& placeText) {
+    auto const span = stream.at(0);
+    if (!span) {
+        return false;
+    }
+    SampleBlock const& block = *span->block;
+    if (!block.layout.layout) {
+        throw RecordRefusal(fmt::format("{}: {}: {} of samples have no known layout: see --layout",
+                                        placeText(block, 0), escapeText(source.stream->key.name),
+                                        plural(block.dataSize, "octet")));
+    }
+    source.layout = *block.layout.layout;
+    std::size_t const count = source.layout.channels().size();
+    if (source.channels.empty()) {
+        for (std::size_t channel = 0; channel < count; ++channel) {
+            source.channels.push_back(channel);
+        }
+    }
+    std::erase_if(source.channels, [&](std::size_t channel) { return channel >= count; });
+    return true;
+}
+
 /// The first row is at the earliest sample of all streams, at the phase of the first stream.
 /// Streams without samples in the window are left out.
 void SampleRecord::findGrid() {
@@ -214,8 +238,8 @@ void SampleRecord::findGrid() {
     std::optional<RecordGrid> grid;
     std::int64_t earliest = 0;
     for (RecordSource& source : wish_.sources) {
-        GridStream stream = open(source, std::nullopt, false);
-        if (!stream.at(0)) {
+        GridStream stream = open(source, std::nullopt, true);
+        if (!findMake(source, stream, placeText_)) {
             continue;
         }
         RecordGrid const own = *stream.grid();
@@ -235,9 +259,8 @@ void SampleRecord::findGrid() {
     }
     if (earliest < grid->start) {
         // The instant is that of a sample, unless streams are of different phase.
-        grid->start = wish_.placing == GridPlacing::exact
-                          ? earliest
-                          : grid->timeOf(grid->nearest(earliest));
+        grid->start =
+            wish_.placing == GridPlacing::exact ? earliest : grid->timeOf(grid->nearest(earliest));
     }
     survey_.grid = *grid;
 }
@@ -279,8 +302,7 @@ void SampleRecord::surveySource(std::size_t number) {
                             continue;
                         }
                         Extent& extent = extents[channel];
-                        extent.smallest =
-                            extent.isKnown ? std::min(extent.smallest, value) : value;
+                        extent.smallest = extent.isKnown ? std::min(extent.smallest, value) : value;
                         extent.largest = extent.isKnown ? std::max(extent.largest, value) : value;
                         extent.isKnown = true;
                     }
@@ -316,8 +338,7 @@ void SampleRecord::describe() {
         for (GooseState const& state : *wish_.states) {
             // The end of a long name tells members apart.
             constexpr std::size_t kLongest = 64;
-            std::size_t const cut =
-                state.name.size() > kLongest ? state.name.size() - kLongest : 0;
+            std::size_t const cut = state.name.size() > kLongest ? state.name.size() - kLongest : 0;
             record_.digitals.push_back(
                 {.id = state.name.substr(cut), .phase = {}, .component = {}, .normal = false});
         }
@@ -348,8 +369,8 @@ void SampleRecord::describeSource(std::size_t number) {
         analog.phase = meanings.empty() ? "" : meanings[channel].phase;
         if (needsExtents()) {
             Extent const& extent = extents_[number][channel];
-            bool const isReal = made.valueType() == ValueType::float32 ||
-                                made.valueType() == ValueType::float64;
+            bool const isReal =
+                made.valueType() == ValueType::float32 || made.valueType() == ValueType::float64;
             if (extent.isKnown) {
                 analog.step = isReal ? stepForReals(wish_.format, extent.smallest, extent.largest)
                                      : stepForIntegers(wish_.format,
@@ -373,10 +394,15 @@ void SampleRecord::describeQuality(std::string const& channel) {
     }
 }
 
-void SampleRecord::write(ComtradeRows& rows) const {
+void SampleRecord::write(ComtradeRows& rows, Look const& look) const {
     std::vector<GridStream> streams;
     for (RecordSource const& source : wish_.sources) {
         streams.push_back(open(source, survey_.grid, true));
+        if (look) {
+            streams.back().showTo([&look, number = streams.size() - 1](SampleBlock const& block) {
+                look(number, block);
+            });
+        }
     }
     RowColumns columns(wish_);
     std::size_t const stateCount = wish_.states == nullptr ? 0 : wish_.states->size();

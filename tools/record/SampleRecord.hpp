@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "tools/record/GooseStates.hpp"
 #include "tools/record/GridStream.hpp"
 #include "tools/record/RecordGrid.hpp"
+#include "tools/selection/CaptureTime.hpp"
 
 namespace TalIec61850Tools {
 
@@ -27,11 +29,12 @@ enum class QualityChannels {
 /// One stream of a record.
 struct RecordSource {
     TalIec61850Analysis::TrafficStream const* stream = nullptr;
-    TalIec61850Analysis::SampleLayout layout;
-    /// Numbers of channels, from 0.
+    /// Numbers of channels, from 0; empty for all. Those that samples do not have are left out.
     std::vector<std::size_t> channels;
     /// Factors that the user gave, by the number of the channel; empty for those that are known.
     std::vector<double> scales;
+    /// Found when the record is made.
+    TalIec61850Analysis::SampleLayout layout = {};
 };
 
 /// What a record is to be.
@@ -80,9 +83,17 @@ public:
     [[nodiscard]] TalIec61850Analysis::ComtradeRecord const& record() const { return record_; }
     [[nodiscard]] RecordSurvey const& survey() const { return survey_; }
 
+    /// The streams that have samples in the record.
+    [[nodiscard]] std::vector<RecordSource> const& sources() const { return wish_.sources; }
+
+    /// Takes a block of one of the sources.
+    using Look =
+        std::function<void(std::size_t source, TalIec61850Analysis::SampleBlock const& block)>;
+
     /// Adds all rows.
+    /// @param look  shown each block of samples before its rows are added; may be empty
     /// @throws RecordRefusal, std::system_error  as above
-    void write(TalIec61850Analysis::ComtradeRows& rows) const;
+    void write(TalIec61850Analysis::ComtradeRows& rows, Look const& look = {}) const;
 
 private:
     /// The smallest and the largest value of a channel.
@@ -96,6 +107,8 @@ private:
                                   bool withValues) const;
     [[nodiscard]] bool needsExtents() const;
     void findGrid();
+    [[nodiscard]] static bool findMake(RecordSource& source, GridStream& stream,
+                                       GridStream::PlaceText const& placeText);
     void surveySource(std::size_t source);
     void describe();
     void describeSource(std::size_t source);

@@ -1,0 +1,369 @@
+#include "tools/commands/ComtradeCommand.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeConfiguration.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeFile.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeLimit.hpp>
+#include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
+#include <chrono>
+#include <memory>
+#include <span>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/WantedSamples.hpp"
+#include "tools/options/ComtradeOptions.hpp"
+#include "tools/options/StreamOptions.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/Complain.hpp"
+#include "tools/output/FileSet.hpp"
+#include "tools/output/Plural.hpp"
+#include "tools/output/TextEscape.hpp"
+#include "tools/output/WrapText.hpp"
+#include "tools/record/RecordRefusal.hpp"
+#include "tools/record/SampleRecord.hpp"
+#include "tools/render/CaptureText.hpp"
+#include "tools/render/RecordText.hpp"
+#include "tools/render/SampleNotes.hpp"
+
+namespace TalIec61850Tools {
+
+using namespace TalIec61850Analysis;
+
+namespace {
+
+std::string comtradeNotes() {
+    return paragraph(
+               "Writes the samples of SV streams of one rate as a COMTRADE record, in a window of "
+               "sample times: one row for each instant, and for each sample that was lost a row "
+               "marked as missing. BINARY32 holds INT32 samples bit for bit. BASE.hdr says in "
+               "words where times, scales and names come from.") +
+           "\n" +
+           paragraph(
+               "Channels are named by svID: MU01_Ia to MU01_Un where samples are those of 9-2LE, "
+               "in A and V by 1 mA and 10 mV a count; else MU01_ch1 and so on, in counts, see "
+               "--scale. What changes in the window (rate, data set, its revision, layout) makes "
+               "no record: choose one part. Streams that sample at other instants are put "
+               "together only with --align nearest.") +
+           "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" + paragraph(layoutNotes());
+}
+
+ComtradeFormat formatOf(ComtradeOptions const& options) {
+    bool const is1999 = options.edition == ComtradeEdition::of1999;
+    ComtradeFormat const format{
+        .edition = options.edition,
+        .data = options.data.value_or(is1999 ? ComtradeData::binary : ComtradeData::binary32)};
+    if (is1999 && format.data == ComtradeData::binary32) {
+        throw UsageError("--data binary32 is of edition 2013");
+    }
+    if (is1999 && options.inOneFile) {
+        throw UsageError("--cff is of edition 2013");
+    }
+    return format;
+}
+
+QualityChannels qualityOf(ComtradeOptions const& options) {
+    if (options.quality == "none") {
+        return QualityChannels::none;
+    }
+    return options.quality == "bits" ? QualityChannels::bits : QualityChannels::all;
+}
+
+void check(ComtradeOptions const& options) {
+    options.choice.window.check();
+    static_cast<void>(formatOf(options));
+    if (options.split && *options.split <= std::chrono::nanoseconds(0)) {
+        throw UsageError("--split is longer than nothing");
+    }
+    if (options.split && !options.moreArounds.empty()) {
+        throw UsageError("--split goes with one window");
+    }
+    if (options.base.empty() || options.base == "-" || options.base.ends_with('/')) {
+        throw UsageError("-o names files: a folder or standard output cannot be one");
+    }
+}
+
+/// Writes the records of a command.
+class RecordWriter {
+public:
+    RecordWriter(CommandRun& run, ComtradeOptions const& options)
+        : run_(run), options_(options), samples_(run, options.choice) {
+        for (std::string const& path : pathsOf("")) {
+            run_.refuseToOverwrite(path);
+        }
+    }
+
+    ExitStatus write() {
+        if (samples_.streams().empty()) {
+            samples_.noteIfNone(0);
+            complain("no record is written: there is no SV stream to write");
+            return ExitStatus::failure;
+        }
+        try {
+            readStates();
+            writeAll();
+        } catch (RecordRefusal const& refusal) {
+            complain(fmt::format("no record is written: {}", refusal.what()));
+            return ExitStatus::failure;
+        } catch (OutputError const&) {
+            throw;
+        } catch (std::system_error const& error) {
+            complain(fmt::format("no record is written: {}", faultText(error.code())));
+            return ExitStatus::failure;
+        }
+        return run_.finish();
+    }
+
+private:
+    void readStates() {
+        if (options_.gocbRefs.empty()) {
+            return;
+        }
+        PacketCriteria criteria;
+        criteria.protocol = Protocol::goose;
+        criteria.gocbRefs = options_.gocbRefs;
+        TrafficIndex const index = indexTraffic(run_, criteria, options_.choice.common.jobs);
+        FrameReader frames(TalIec61850Tools::pathsOf(run_));
+        states_ = readGooseStates(index, frames);
+        if (states_.empty()) {
+            complain("no GOOSE stream of --goose has booleans or double points");
+        }
+    }
+
+    void writeAll() {
+        if (options_.split) {
+            writeParts();
+            return;
+        }
+        WindowOptions window = options_.choice.window;
+        bool const areSeveral = !options_.moreArounds.empty();
+        std::size_t number = 1;
+        writeRecord(samples_.options(SampleRows::everySample, window),
+                    areSeveral ? numberText(number) : "");
+        for (TimeBound const& around : options_.moreArounds) {
+            window.around = around;
+            writeRecord(samples_.options(SampleRows::everySample, window),
+                        numberText(++number));
+        }
+    }
+
+    /// One part after the other, from the first sample on.
+    void writeParts() {
+        SampleOptions const whole = samples_.options(SampleRows::everySample);
+        RecordSurvey const survey = recordOf(whole).survey();
+        std::int64_t const length = options_.split->count();
+        if (survey.rows == 0) {
+            refuseNone();
+        }
+        std::int64_t const last =
+            survey.grid.timeOf(static_cast<std::int64_t>(survey.rows) - 1);
+        if ((last - survey.grid.start) / length >= kMostParts) {
+            throw RecordRefusal(fmt::format("--split would make more than {} records", kMostParts));
+        }
+        std::size_t number = 0;
+        for (std::int64_t start = survey.grid.start; start <= last; start += length) {
+            SampleOptions part = whole;
+            part.from = CaptureTime(std::chrono::nanoseconds(start));
+            part.end = std::min(whole.end.value_or(CaptureTime::max()),
+                                *part.from + *options_.split);
+            writeRecord(part, numberText(++number));
+        }
+    }
+
+    [[nodiscard]] static std::string numberText(std::size_t number) {
+        return fmt::format("-{:03}", number);
+    }
+
+    [[nodiscard]] std::vector<std::string> pathsOf(std::string const& number) const {
+        std::string const base = options_.base + number;
+        return options_.inOneFile
+                   ? std::vector<std::string>{base + ".cff"}
+                   : std::vector<std::string>{base + ".dat", base + ".hdr", base + ".cfg"};
+    }
+
+    [[nodiscard]] SampleRecord recordOf(SampleOptions const& window) const {
+        RecordWish wish;
+        wish.format = formatOf(options_);
+        wish.options = window;
+        wish.quality = qualityOf(options_);
+        wish.placing = options_.alignsNearest ? GridPlacing::nearest : GridPlacing::exact;
+        wish.states = &states_;
+        wish.frequency = options_.frequency;
+        wish.station = options_.station;
+        if (options_.trigger) {
+            wish.trigger = options_.trigger->resolve(spanOf(samples_.index()));
+        }
+        for (WantedStream const& stream : samples_.streams()) {
+            RecordSource source;
+            source.stream = stream.stream;
+            for (std::size_t const channel : options_.choice.channels) {
+                source.channels.push_back(channel - 1);
+            }
+            source.scales = options_.choice.scales;
+            wish.sources.push_back(std::move(source));
+        }
+        return {samples_.index(), std::move(wish),
+                [this](SampleBlock const& block, std::size_t row) {
+                    return fmt::format("{}@{}",
+                                       escapeText(samples_.fileName(block.places[row].file)),
+                                       block.places[row].fileOffset);
+                },
+                [this](SampleBlock const& block) { return samples_.isWanted(block); }};
+    }
+
+    [[noreturn]] static void refuseNone() {
+        throw RecordRefusal("there is no sample in the window");
+    }
+
+    /// A record is mostly samples, or it is not what was meant: a window over a gap of days.
+    static void refuseEmpty(RecordSurvey const& survey) {
+        constexpr std::uint64_t kManyRows = 10'000'000;
+        constexpr std::uint64_t kFew = 100;
+        if (survey.rows > kManyRows && survey.received < survey.rows / kFew) {
+            throw RecordRefusal(
+                fmt::format("of {} rows only {} have samples: choose a part, by --from and --to",
+                            survey.rows, survey.received));
+        }
+    }
+
+    void writeRecord(SampleOptions const& window, std::string const& number) {
+        SampleRecord const record = recordOf(window);
+        if (record.survey().rows == 0) {
+            refuseNone();
+        }
+        refuseEmpty(record.survey());
+        if (auto const limit = brokenLimit(record.record())) {
+            throw RecordRefusal(std::string(toText(*limit)));
+        }
+        for (std::string const& path : pathsOf(number)) {
+            run_.refuseToOverwrite(path);
+        }
+        FileSet files;
+        std::vector<ComtradeLosses> const losses =
+            options_.inOneFile ? writeOneFile(files, record, number)
+                               : writeFiles(files, record, number);
+        files.finish();
+        if (std::string const lost = lossesText(record.record(), losses); !lost.empty()) {
+            complain(escapeText(lost));
+        }
+    }
+
+    /// Notes are told once, when a record is written.
+    std::vector<ComtradeLosses> writeRows(SampleRecord const& record, Output* output) {
+        ComtradeRows rows(record.record(), [&](std::span<std::uint8_t const> octets) {
+            if (output != nullptr) {
+                output->write({reinterpret_cast<char const*>(octets.data()), octets.size()});
+            }
+        });
+        std::vector<SampleNotes> notes;
+        for (RecordSource const& source : record.sources()) {
+            notes.emplace_back(
+                *source.stream,
+                [this](std::uint32_t file) -> auto const& { return samples_.fileName(file); },
+                [](std::string const& text) { complain(text); });
+        }
+        record.write(rows, [&](std::size_t source, SampleBlock const& block) {
+            if (output != nullptr) {
+                notes[source].look(block);
+            }
+        });
+        rows.finish();
+        return {rows.losses().begin(), rows.losses().end()};
+    }
+
+    std::vector<ComtradeLosses> writeFiles(FileSet& files, SampleRecord const& record,
+                                           std::string const& number) {
+        auto const paths = pathsOf(number);
+        auto const losses = writeRows(record, &files.add(paths[0]));
+        files.add(paths[1]).write(comtradeText(headerOf(record, losses)));
+        files.add(paths[2]).write(comtradeConfiguration(record.record()));
+        return losses;
+    }
+
+    /// The header comes before the samples, so what they lose is found out first.
+    std::vector<ComtradeLosses> writeOneFile(FileSet& files, SampleRecord const& record,
+                                             std::string const& number) {
+        auto const losses = writeRows(record, nullptr);
+        Output& file = files.add(pathsOf(number)[0]);
+        file.write(comtradeFileHead(record.record(), "", headerOf(record, losses)));
+        static_cast<void>(writeRows(record, &file));
+        return losses;
+    }
+
+    [[nodiscard]] std::string headerOf(SampleRecord const& record,
+                                       std::vector<ComtradeLosses> const& losses) const {
+        RecordSurvey const& survey = record.survey();
+        RecordRemarks remarks;
+        for (CaptureSource const& capture : run_.captures()) {
+            remarks.files.push_back(escapeText(capture.name));
+        }
+        auto const by = [&](SampleTimeSource source) {
+            return survey.timeSources[static_cast<std::size_t>(source)];
+        };
+        remarks.times = fmt::format(
+            "Times of samples: {} by refrTm, {} by smpSynch 2 and smpCnt, {} by a line fitted "
+            "through times of arrival. {}",
+            by(SampleTimeSource::refrTm), by(SampleTimeSource::smpCnt), by(SampleTimeSource::fit),
+            survey.isGlobal ? "smpSynch is 2 throughout."
+                            : "smpSynch is not 2 throughout: absolute time is not reliable.");
+        remarks.missing =
+            fmt::format("Samples: {}; {} rows of channels are marked as missing.",
+                        survey.received, survey.missing);
+        remarks.scales = scaleText(record);
+        if (!record.record().digitals.empty()) {
+            remarks.digitals =
+                "Digital channels: quality bits of samples, and states of GOOSE members, which "
+                "hold from the arrival of a packet on; before the first packet they are 0.";
+        }
+        return recordText(record.record(), remarks, losses);
+    }
+
+    [[nodiscard]] std::string scaleText(SampleRecord const& record) const {
+        if (!options_.choice.scales.empty()) {
+            return "Scales: as given on the command line.";
+        }
+        for (ComtradeAnalog const& analog : record.record().analogs) {
+            if (analog.unit.empty()) {
+                return "Scales: where they are not known, values are counts (raw); else those of "
+                       "9-2LE.";
+            }
+        }
+        return "Scales and names: those of 9-2LE, 1 mA and 10 mV a count, primary values.";
+    }
+
+    static constexpr std::int64_t kMostParts = 100'000;
+
+    CommandRun& run_;
+    ComtradeOptions const& options_;
+    WantedSamples samples_;
+    std::vector<GooseState> states_;
+};
+
+ExitStatus runComtrade(ComtradeOptions const& options) {
+    check(options);
+    CommandRun run(options.choice.common);
+    RecordWriter writer(run, options);
+    return writer.write();
+}
+
+}  // namespace
+
+void addComtradeCommand(ProgramDefinition& program, Action& chosen) {
+    auto const options = std::make_shared<ComtradeOptions>();
+    CommandDefinition& command = addCommand(
+        program, "comtrade", "Write the samples of SV streams as COMTRADE records.");
+    addComtradeOptions(command, *options);
+    command.notes = comtradeNotes();
+    command.examples = {
+        "tal-iec61850 comtrade -o trip --around 10:00:00.28 --span 2s --svid MU01 bay1.pcap",
+        "tal-iec61850 comtrade -o trip --quality bits --goose '*gcbTrip' bay1.pcap",
+        "tal-iec61850 comtrade -o old --edition 1999 --data ascii --svid MU01 bay1.pcap"};
+    command.parser->callback(
+        [options, &chosen] { chosen = [options] { return runComtrade(*options); }; });
+}
+
+}  // namespace TalIec61850Tools
