@@ -118,6 +118,11 @@ std::int64_t WaveformStream::timeAfter(std::int64_t number, std::uint32_t rate) 
 
 std::int64_t WaveformStream::trueTime() const { return origin_ + timeAfter(sinceOrigin_, rate_); }
 
+std::int64_t WaveformStream::drift() const {
+    auto const since = static_cast<double>(trueTime() - std::int64_t{settings_.second} * kSecond);
+    return static_cast<std::int64_t>(std::floor(since * settings_.driftPpm * 1e-6));
+}
+
 void WaveformStream::fillValues(WaveformRow& row, std::int64_t time, std::uint64_t number) const {
     double const turns =
         static_cast<double>(time % kSecond) / static_cast<double>(kSecond) * settings_.frequency;
@@ -170,9 +175,9 @@ void WaveformStream::makeSamples() {
         Sample sample;
         sample.number = number_;
         sample.rate = rate_;
-        sample.row.smpCnt = static_cast<std::uint32_t>(number_ % rate_);
+        sample.row.smpCnt = static_cast<std::uint32_t>(number_ % wrap());
         sample.row.smpSynch = settings_.smpSynch;
-        sample.row.arrivalTime = trueTime() + clock_;
+        sample.row.arrivalTime = trueTime() + clock_ + drift();
         sample.row.taken = trueTime();
         sample.row.run = run_;
         sample.row.asdu = i;
@@ -286,7 +291,7 @@ WaveformStream& WaveformStream::repeatLast() {
     return *this;
 }
 
-WaveformStream& WaveformStream::sendLate(std::size_t frames) {
+WaveformStream& WaveformStream::sendLate(std::size_t frames, std::size_t lost) {
     if (heldBack_) return send();
     makeSamples();
     HeldBack held{frames, samples_.size() - settings_.asdus, {}};
@@ -294,6 +299,7 @@ WaveformStream& WaveformStream::sendLate(std::size_t frames) {
     if (settings_.copies != WaveCopies::none) held.frames.push_back(makeFrame('B'));
     ++redundancySequence_;
     heldBack_ = std::move(held);
+    lose(lost);
     return send(frames);
 }
 
@@ -387,7 +393,10 @@ WaveformCounts WaveformStream::counts() const {
 std::int64_t WaveformStream::exactTime(Sample const& sample,
                                        std::optional<std::int64_t> second) const {
     if (settings_.hasRefrTm && sample.isReceived) return timeSaid(sample.row.taken);
-    if (settings_.hasRefrTm || !second || sample.row.smpSynch != 2) return WaveformRow::noTime;
+    bool const isCounted = settings_.wrap.value_or(sample.rate) == sample.rate;
+    if (settings_.hasRefrTm || !isCounted || !second || sample.row.smpSynch != 2) {
+        return WaveformRow::noTime;
+    }
     return *second + timeAfter(sample.number, sample.rate);
 }
 

@@ -45,6 +45,8 @@ enum class WaveCopies { none, prp, hsr };
 struct WaveformSettings {
     /// Samples a second.
     std::uint32_t rate = 4000;
+    /// smpCnt begins again there; the rate where it is unset.
+    std::optional<std::uint32_t> wrap = {};
     /// Of the wave, in hertz.
     double frequency = 50;
     std::uint32_t asdus = 1;
@@ -65,6 +67,8 @@ struct WaveformSettings {
     /// at random, at most.
     std::int64_t delay = 300'000;
     std::int64_t jitter = 0;
+    /// How much faster the clock of the capture runs than that of the publisher.
+    double driftPpm = 0;
     std::uint32_t seed = 61850;
     /// Files are next-generation ones.
     bool isPcapng = false;
@@ -120,7 +124,8 @@ public:
     /// The frame that arrived last comes again, and is no copy.
     WaveformStream& repeatLast();
     /// A frame arrives after so many later ones.
-    WaveformStream& sendLate(std::size_t frames);
+    /// @param lost  frames that are lost directly after it
+    WaveformStream& sendLate(std::size_t frames, std::size_t lost = 0);
     /// The publisher counts on from elsewhere, in no time.
     WaveformStream& restartAt(std::uint32_t smpCnt);
     /// The publisher takes samples at another rate, and counts on from there.
@@ -177,6 +182,8 @@ private:
     void capture(std::int64_t extra);
     void captureHeldBack();
     void newRun();
+    [[nodiscard]] std::int64_t wrap() const { return settings_.wrap.value_or(rate_); }
+    [[nodiscard]] std::int64_t drift() const;
     [[nodiscard]] std::int64_t exactTime(Sample const& sample,
                                          std::optional<std::int64_t> second) const;
 

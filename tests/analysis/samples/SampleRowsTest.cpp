@@ -210,6 +210,39 @@ TEST(SampleRows, BeginAnewWhereADeclaredRateChanges) {
     expectRowsOf(stream);
 }
 
+TEST(SampleRows, ThatAreLateComeBeforeTheFirstThatArrived) {
+    for (std::uint32_t const firstCount : {3997U, 3998U, 3999U, 0U, 5U, 1234U}) {
+        for (std::uint32_t const rate : {4000U, 4800U}) {
+            SCOPED_TRACE(std::to_string(firstCount) + " at " + std::to_string(rate));
+            WaveformSettings settings;
+            settings.rate = rate;
+            settings.firstCount = firstCount + rate - 4000;
+            WaveformStream stream(settings);
+            stream.sendLate(2).lose().send(3).sendLate(3).send(5000);
+            expectRowsOf(stream);
+        }
+    }
+}
+
+TEST(SampleRows, ThatAreMissingAfterALateFirstOneAreInTheWrapBefore) {
+    // Of the first two frames, the second is lost, and the first comes after the third.
+    WaveformSettings settings;
+    settings.rate = 4800;
+    settings.firstCount = 4798;
+    WaveformStream stream(settings);
+    stream.sendLate(1, 1).send(300);
+    expectRowsOf(stream);
+}
+
+TEST(SampleRows, AreFittedWhereTheCounterRunsFreely) {
+    WaveformSettings settings;
+    settings.wrap = 65536;
+    settings.firstCount = 65536 - 3000;
+    WaveformStream stream(settings);
+    stream.send(2000).lose(3).send(6000);
+    expectRowsOf(stream);
+}
+
 TEST(SampleRows, OfEachLayoutAreReadAsWhatTheyAre) {
     using enum WaveMember;
     struct Case {
