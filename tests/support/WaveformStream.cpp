@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "support/CaptureFile.hpp"
 #include "support/Data.hpp"
@@ -170,7 +171,7 @@ void WaveformStream::fillValues(WaveformRow& row, std::int64_t time, std::uint64
 }
 
 /// The samples of the next frame.
-void WaveformStream::makeSamples() {
+void WaveformStream::makeSamples(bool isLost) {
     for (std::uint32_t i = 0; i < settings_.asdus; ++i) {
         Sample sample;
         sample.number = number_;
@@ -181,7 +182,7 @@ void WaveformStream::makeSamples() {
         sample.row.taken = trueTime();
         sample.row.run = run_;
         sample.row.asdu = i;
-        fillValues(sample.row, trueTime(), allSamples_);
+        if (!isLost) fillValues(sample.row, trueTime(), allSamples_);
         samples_.push_back(std::move(sample));
         ++number_;
         ++sinceOrigin_;
@@ -263,10 +264,10 @@ void WaveformStream::captureHeldBack() {
 
 WaveformStream& WaveformStream::send(std::size_t frames) {
     for (std::size_t i = 0; i < frames; ++i) {
-        makeSamples();
-        std::int64_t extra = 0;
+        makeSamples(false);
+        std::int64_t extra = std::exchange(delayOfNext_, 0);
         if (settings_.jitter > 0) {
-            extra = static_cast<std::int64_t>(random_()) % settings_.jitter;
+            extra += static_cast<std::int64_t>(random_()) % settings_.jitter;
         }
         capture(extra);
     }
@@ -275,8 +276,7 @@ WaveformStream& WaveformStream::send(std::size_t frames) {
 
 WaveformStream& WaveformStream::lose(std::size_t frames) {
     for (std::size_t i = 0; i < frames; ++i) {
-        makeSamples();
-        static_cast<void>(makeFrame('A'));
+        makeSamples(true);
         ++redundancySequence_;
     }
     return *this;
@@ -293,7 +293,7 @@ WaveformStream& WaveformStream::repeatLast() {
 
 WaveformStream& WaveformStream::sendLate(std::size_t frames, std::size_t lost) {
     if (heldBack_) return send();
-    makeSamples();
+    makeSamples(false);
     HeldBack held{frames, samples_.size() - settings_.asdus, {}};
     held.frames.push_back(makeFrame('A'));
     if (settings_.copies != WaveCopies::none) held.frames.push_back(makeFrame('B'));
@@ -329,6 +329,11 @@ WaveformStream& WaveformStream::stepClock(std::int64_t nanoseconds) {
     newRun();
     clock_ += nanoseconds;
     lastArrival_ = 0;
+    return *this;
+}
+
+WaveformStream& WaveformStream::delayNext(std::int64_t nanoseconds) {
+    delayOfNext_ = nanoseconds;
     return *this;
 }
 
@@ -443,9 +448,9 @@ std::vector<WaveformRow> WaveformStream::rows(bool withMissing) const {
             row.time = exactTime(lost, second);
             row.isMissing = true;
             row.arrival = WaveformRow::noTime;
-            row.values.assign(row.values.size(), 0);
-            row.qualities.assign(row.qualities.size(), 0);
-            row.octets.assign(row.octets.size(), 0);
+            row.values.assign(rows.back().values.size(), 0);
+            row.qualities.assign(rows.back().qualities.size(), 0);
+            row.octets.assign(rows.back().octets.size(), 0);
             row.file = rows.back().file;
             row.asdu = rows.back().asdu;
             missing.push_back(std::move(row));

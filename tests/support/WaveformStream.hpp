@@ -133,6 +133,8 @@ public:
                                std::optional<std::uint16_t> declared = {});
     /// The clock of the capture is set, far enough that it shows, and not ahead by whole seconds.
     WaveformStream& stepClock(std::int64_t nanoseconds);
+    /// The next frame comes so many nanoseconds later than it should.
+    WaveformStream& delayNext(std::int64_t nanoseconds);
     /// What the next samples say.
     WaveformStream& synchronize(std::optional<std::uint8_t> smpSynch);
     /// What confRev the next samples have.
@@ -152,6 +154,11 @@ public:
         bool isTwice = false;
     };
     [[nodiscard]] std::vector<Captured> const& captured() const { return captured_; }
+
+    /// smpCnt of the next sample.
+    [[nodiscard]] std::uint32_t nextCount() const {
+        return static_cast<std::uint32_t>(number_ % wrap());
+    }
 
     /// What must be read.
     /// @param withMissing  missing samples too
@@ -175,7 +182,7 @@ private:
         WaveformRow row = {};
     };
 
-    void makeSamples();
+    void makeSamples(bool isLost);
     [[nodiscard]] std::int64_t trueTime() const;
     void fillValues(WaveformRow& row, std::int64_t time, std::uint64_t number) const;
     [[nodiscard]] Bytes makeFrame(char lan);
@@ -198,6 +205,7 @@ private:
     std::uint64_t allSamples_ = 0;
     std::int64_t clock_ = 0;
     std::int64_t lastArrival_ = 0;
+    std::int64_t delayOfNext_ = 0;
     std::size_t run_ = 0;
     bool isRunEmpty_ = true;
     std::size_t file_ = 0;

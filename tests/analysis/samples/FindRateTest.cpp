@@ -207,6 +207,49 @@ TEST(FoundRates, AreUnknownForASinglePacket) {
     EXPECT_EQ(found.packets, 1U);
 }
 
+TEST(FoundRates, AreMeasuredByFewFramesOfSeveralAsdus) {
+    for (std::size_t const frames : {3U, 10U, 40U, 100U}) {
+        WaveformSettings settings = smallSettings(12800);
+        settings.asdus = 8;
+        settings.firstCount = 800;
+        WaveformStream stream(settings);
+        stream.send(frames);
+        FoundRate const found = rateOf(stream);
+        EXPECT_EQ(found.rate.samples, 12800U) << frames;
+        EXPECT_EQ(found.source, RateSource::standard) << frames;
+    }
+}
+
+TEST(FoundRates, AreNotMeasuredByLateSamples) {
+    WaveformSettings settings = smallSettings(4800);
+    settings.firstCount = 100;
+    WaveformStream stream(settings);
+    for (int i = 0; i < 20; ++i) stream.send(20).sendLate(10);
+    FoundRate const found = rateOf(stream);
+    EXPECT_EQ(found.rate.samples, 4800U);
+    EXPECT_EQ(found.source, RateSource::standard);
+}
+
+TEST(FoundRates, AreNotMeasuredByAStepOfTheClock) {
+    WaveformSettings settings = smallSettings(4800);
+    settings.firstCount = 100;
+    WaveformStream stream(settings);
+    stream.send(150).stepClock(363'000'000).send(20);
+    FoundRate const found = rateOf(stream);
+    EXPECT_EQ(found.rate.samples, 4800U);
+    EXPECT_EQ(found.source, RateSource::standard);
+}
+
+TEST(FoundRates, AreNotMeasuredAcrossALostSecond) {
+    WaveformSettings settings = smallSettings(4800);
+    settings.firstCount = 100;
+    WaveformStream stream(settings);
+    stream.send(150).lose(4800).send(20);
+    FoundRate const found = rateOf(stream);
+    EXPECT_EQ(found.rate.samples, 4800U);
+    EXPECT_EQ(found.source, RateSource::standard);
+}
+
 TEST(FoundRates, EndWhereWhatIsDeclaredChanges) {
     WaveformStream stream(declaring(4000, 4000, 1));
     stream.send(500).changeRate(4800, 0, 4800).send(300);
