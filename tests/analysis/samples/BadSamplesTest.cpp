@@ -262,6 +262,32 @@ TEST(BadSamples, ThatPauseForLongAreNotTakenForLost) {
     }
 }
 
+/// How many rows a stream has at most, if every sample is one and no more are looked at.
+std::uint64_t rowsUpTo(IndexedWaveform const& indexed, std::uint64_t most) {
+    SampleOptions options;
+    options.rows = SampleRows::everySample;
+    SampleReader reader(indexed.index(), indexed.stream(), options);
+    std::uint64_t rows = 0;
+    while (rows < most) {
+        SampleBlock const* const block = reader.next();
+        if (block == nullptr) break;
+        rows += block->size();
+    }
+    return rows;
+}
+
+TEST(BadSamples, AreNotMissingByTheBillionBecauseARateIsDeclared) {
+    // Few packets some minutes apart, which declare four billion samples a second.
+    BadCapture capture;
+    for (std::uint32_t i = 0; i < 10; ++i) {
+        Asdu asdu = asduOf(i);
+        asdu.smpRate = Unsigned<2>(0xFFFFFFFF, 4);
+        asdu.smpMod = Unsigned<2>(1);
+        capture.goTo(i * std::uint64_t{300'000'000'000}).add(asdu);
+    }
+    EXPECT_LT(rowsUpTo(capture.indexed(), 10'000'000), 10'000'000U);
+}
+
 TEST(BadSamples, OfAnotherShapeInEachFrameAreRead) {
     BadCapture capture;
     for (std::uint32_t i = 0; i < 500; ++i) {
