@@ -329,6 +329,29 @@ TEST(BadSamples, OfRevisionsAreGivenEachUnderItsOwn) {
               (std::vector<std::pair<std::uint64_t, std::size_t>>{{1, 100}, {2, 50}, {1, 70}}));
 }
 
+TEST(BadSamples, OfALateRevisionAreGivenUnderTheirOwn) {
+    BadCapture capture;
+    for (std::uint32_t i = 0; i < 60; ++i) {
+        // The last of the first revision comes after three of the second one.
+        std::uint32_t const smpCnt = i >= 30 && i < 33 ? i + 1 : i == 33 ? 30 : i;
+        Asdu asdu = asduOf(smpCnt);
+        asdu.confRev = Unsigned<4>(smpCnt <= 30 ? 1 : 2);
+        capture.add(asdu);
+    }
+    IndexedWaveform const indexed = capture.indexed();
+    SampleReader reader(indexed.index(), indexed.stream());
+    std::uint32_t next = 0;
+    while (SampleBlock const* const block = reader.next()) {
+        for (std::uint32_t const smpCnt : block->smpCnts) {
+            EXPECT_EQ(smpCnt, next++);
+            EXPECT_EQ(std::get<std::uint64_t>(*block->attributes->confRev), smpCnt <= 30 ? 1U : 2U)
+                << smpCnt;
+        }
+    }
+    EXPECT_EQ(next, 60U);
+    EXPECT_EQ(reader.counts().late, 1U);
+}
+
 TEST(BadSamples, OfTwoSourcesAreTwoStreams) {
     WaveformSettings settings;
     WaveformStream one(settings);
