@@ -51,6 +51,28 @@ public:
         return addUnusual(smpCnt, arrival);
     }
 
+    /// Samples have come that each go on where the one before is.
+    /// @param count    not 0; smpCnt stays below the wrap
+    /// @param arrival  of the last of them
+    void addNext(std::uint32_t count, std::int64_t arrival) {
+        newest_ += count;
+        number_ = newest_;
+        smpCnt_ += count;
+        arrival_ = arrival;
+        seen_ = count < 64 ? ~(~seen_ << count) : ~std::uint64_t{0};
+    }
+
+    /// How many samples can still be added before the counter begins again.
+    [[nodiscard]] std::uint32_t untilWrap() const {
+        return smpCnt_ < rule_.wrap ? rule_.wrap - 1 - smpCnt_ : 0;
+    }
+
+    /// Whether no sample is missing that may still come.
+    [[nodiscard]] bool isWhole() const {
+        constexpr std::uint64_t kReach = (std::uint64_t{1} << (kMostBehind + 1)) - 1;
+        return (seen_ & kReach) == kReach;
+    }
+
     /// The number of the sample that was added last.
     [[nodiscard]] std::int64_t number() const { return number_; }
     /// The largest number so far.
