@@ -49,9 +49,7 @@ public:
     /// 0 where all numbers are one.
     [[nodiscard]] double slope() const {
         long double const spread = sumXx_ - sumX_ * sumX_ / count_;
-        return spread > 0
-                   ? static_cast<double>((sumXy_ - sumX_ * sumY_ / count_) / spread)
-                   : 0;
+        return spread > 0 ? static_cast<double>((sumXy_ - sumX_ * sumY_ / count_) / spread) : 0;
     }
 
 private:
@@ -265,11 +263,16 @@ void SampleSequence::setTime(SequencedSample& sample) {
         fitRun();
     }
     if (fit_->origin != kNoTime && fit_->interval > 0) {
-        double const away = fit_->meanTime + fit_->interval * (static_cast<double>(
-                                                 sample.number - fit_->firstNumber) -
-                                             fit_->meanNumber);
-        sample.time = fit_->origin + static_cast<std::int64_t>(std::floor(away));
-        sample.source = SampleTimeSource::fit;
+        double const away =
+            fit_->meanTime +
+            fit_->interval *
+                (static_cast<double>(sample.number - fit_->firstNumber) - fit_->meanNumber);
+        // Where times of arrival are centuries apart, the line leaves what 64 bits hold.
+        constexpr double kMost = 9e18;
+        if (std::abs(away) < kMost && std::abs(static_cast<double>(fit_->origin) + away) < kMost) {
+            sample.time = fit_->origin + static_cast<std::int64_t>(std::floor(away));
+            sample.source = SampleTimeSource::fit;
+        }
     }
 }
 
@@ -318,9 +321,8 @@ void SampleSequence::fitRun() {
         if (step != CountStep::next) {
             continue;
         }
-        bool const isSameFrame = ref->part == last.part &&
-                                 packets.frameOffsets()[ref->packet] ==
-                                     packets.frameOffsets()[last.packet];
+        bool const isSameFrame = ref->part == last.part && packets.frameOffsets()[ref->packet] ==
+                                                               packets.frameOffsets()[last.packet];
         if (!isSameFrame) {
             addLast();
         }
