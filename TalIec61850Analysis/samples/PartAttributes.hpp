@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: the attributes of packets, for walks that go forward in each part.
+// Internal: the attributes of packets, for walks that mostly go forward in each part.
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
@@ -9,7 +9,8 @@
 
 namespace TalIec61850Analysis::detail {
 
-/// Finds the attributes of packets that are asked for in the order of each part.
+/// Finds the attributes of packets that are asked for about in the order of each part: late samples
+/// are asked for before packets that came before them.
 class PartAttributes {
 public:
     /// Both must outlive this.
@@ -21,15 +22,19 @@ public:
         auto const& changes = stream_->parts[ref.part].changes;
         std::size_t const next = next_[ref.part];
         return ref.part != part_ ||
-               (next < changes.size() && changes[next].firstPacket <= ref.packet);
+               (next < changes.size() && changes[next].firstPacket <= ref.packet) ||
+               (next > 0 && changes[next - 1].firstPacket > ref.packet);
     }
 
-    /// Those of a packet that is not before the one asked for last in its part.
+    /// Those of a packet.
     [[nodiscard]] StreamAttributes const& at(PacketRef ref) {
         StreamPart const& part = stream_->parts[ref.part];
         std::size_t& next = next_[ref.part];
         while (next < part.changes.size() && part.changes[next].firstPacket <= ref.packet) {
             ++next;
+        }
+        while (next > 1 && part.changes[next - 1].firstPacket > ref.packet) {
+            --next;
         }
         part_ = ref.part;
         return index_->attributes(part, part.changes[next - 1]);

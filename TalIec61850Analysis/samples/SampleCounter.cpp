@@ -18,8 +18,9 @@ constexpr double kEarlyFrames = 4;
 
 CountStep SampleCounter::begin(std::uint32_t smpCnt, std::int64_t arrival) {
     isStarted_ = true;
-    number_ = smpCnt;
-    newest_ = smpCnt;
+    // A wrap up: late samples may come before the first, and numbers are not negative.
+    number_ = std::int64_t{rule_.wrap} + smpCnt;
+    newest_ = number_;
     arrival_ = arrival;
     smpCnt_ = smpCnt;
     seen_ = 1;

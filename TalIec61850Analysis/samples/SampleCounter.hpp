@@ -43,7 +43,9 @@ public:
     /// @param smpCnt   below the wrap, or it is a restart
     /// @param arrival  in nanoseconds, or kNoTime
     CountStep add(std::uint32_t smpCnt, std::int64_t arrival) {
-        std::int64_t const since = arrival - arrival_;
+        // One of them may be kNoTime, and the difference beyond what there is: then it is not soon.
+        auto const since = static_cast<std::int64_t>(static_cast<std::uint64_t>(arrival) -
+                                                     static_cast<std::uint64_t>(arrival_));
         if (smpCnt == smpCnt_ + 1 && smpCnt < rule_.wrap && isStarted_ && since >= 0 &&
             since < kSoon) [[likely]] {
             return goTo(newest_ + 1, smpCnt, arrival);

@@ -310,7 +310,7 @@ void SampleSequence::setTime(SequencedSample& sample) {
     }
     if (fit_->origin != kNoTime && fit_->interval > 0) {
         sample.time = fittedTime(sample.number);
-        sample.source = SampleTimeSource::fit;
+        sample.source = sample.time == kNoTime ? SampleTimeSource::none : SampleTimeSource::fit;
     }
 }
 
@@ -322,7 +322,11 @@ std::int64_t SampleSequence::fittedTime(std::int64_t number) const {
     double const away =
         fit_->meanTime +
         fit_->interval * (static_cast<double>(number - fit_->firstNumber) - fit_->meanNumber);
-    return fit_->origin + static_cast<std::int64_t>(std::floor(away));
+    // Where times of arrival are centuries apart, the line leaves what 64 bits hold.
+    constexpr double kMost = 9e18;
+    bool const isHeld =
+        std::abs(away) < kMost && std::abs(static_cast<double>(fit_->origin) + away) < kMost;
+    return isHeld ? fit_->origin + static_cast<std::int64_t>(std::floor(away)) : kNoTime;
 }
 
 void SampleSequence::fillTimes(std::int64_t number, SequencedSample const& like,
