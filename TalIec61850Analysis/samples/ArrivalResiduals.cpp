@@ -69,7 +69,10 @@ void visitResiduals(TrafficIndex const& index, TrafficStream const& stream, Samp
     auto const visitBefore = [&] {
         std::int64_t const arrival =
             stream.parts[before.packet.part].packets.times()[before.packet.packet];
-        if (before.time != kNoTime && arrival != kNoTime) {
+        // From 1970 to 2115: differences of these, and of such differences, are within 64 bits.
+        constexpr std::int64_t kLatest = 4'600'000'000'000'000'000;
+        auto const isUsual = [](std::int64_t time) { return time >= 0 && time < kLatest; };
+        if (isUsual(before.time) && isUsual(arrival)) {
             visit(before.time, arrival - before.time);
         }
     };

@@ -6,6 +6,7 @@
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -18,6 +19,18 @@ class PacketCourse {
 public:
     /// @param stream  must outlive the walk
     explicit PacketCourse(TrafficStream const& stream);
+
+    /// Packets one after the other in one part.
+    struct Strip {
+        PacketRef first;
+        std::uint32_t count = 0;
+    };
+
+    /// The next packets of which each goes on where the one before is: smpCnt by one, within 50 ms,
+    /// with the same smpSynch and the same attributes. All others come by themselves.
+    /// @param most  not 0
+    /// @return count is 0 after the last packet
+    [[nodiscard]] Strip nextStrip(std::uint64_t most);
 
     /// The next packet; not set after the last.
     [[nodiscard]] std::optional<PacketRef> next() {
@@ -42,6 +55,8 @@ private:
         std::size_t size = 0;
         /// Of the next packet, or of the one before where that has none.
         std::int64_t time = kNoTime;
+        /// The first change of attributes after the next packet, once that was looked for.
+        std::size_t change = 0;
     };
 
     [[nodiscard]] static bool isFirst(PacketFlags flags) {
@@ -50,7 +65,11 @@ private:
     /// Goes to the next packet that is to be given.
     static void settle(Cursor& cursor);
     [[nodiscard]] std::optional<PacketRef> nextOfSeveral();
+    /// The part whose packet is next, and until when its packets are; null after the last.
+    [[nodiscard]] Cursor* nextPart(std::int64_t& until);
+    [[nodiscard]] std::size_t endOfAttributes(Cursor& cursor) const;
 
+    TrafficStream const* stream_;
     /// By the number of the part.
     std::vector<Cursor> parts_;
 };

@@ -43,12 +43,36 @@ public:
     /// @param smpCnt   below the wrap, or it is a restart
     /// @param arrival  in nanoseconds, or kNoTime
     CountStep add(std::uint32_t smpCnt, std::int64_t arrival) {
-        std::int64_t const since = arrival - arrival_;
+        // One of them may be kNoTime, and the difference beyond what there is: then it is not soon.
+        auto const since = static_cast<std::int64_t>(static_cast<std::uint64_t>(arrival) -
+                                                     static_cast<std::uint64_t>(arrival_));
         if (smpCnt == smpCnt_ + 1 && smpCnt < rule_.wrap && isStarted_ && since >= 0 &&
             since < kSoon) [[likely]] {
             return goTo(newest_ + 1, smpCnt, arrival);
         }
         return addUnusual(smpCnt, arrival);
+    }
+
+    /// Samples have come that each go on where the one before is.
+    /// @param count    not 0; smpCnt stays below the wrap
+    /// @param arrival  of the last of them
+    void addNext(std::uint32_t count, std::int64_t arrival) {
+        newest_ += count;
+        number_ = newest_;
+        smpCnt_ += count;
+        arrival_ = arrival;
+        seen_ = count < 64 ? ~(~seen_ << count) : ~std::uint64_t{0};
+    }
+
+    /// How many samples can still be added before the counter begins again.
+    [[nodiscard]] std::uint32_t untilWrap() const {
+        return smpCnt_ < rule_.wrap ? rule_.wrap - 1 - smpCnt_ : 0;
+    }
+
+    /// Whether no sample is missing that may still come.
+    [[nodiscard]] bool isWhole() const {
+        constexpr std::uint64_t kReach = (std::uint64_t{1} << (kMostBehind + 1)) - 1;
+        return (seen_ & kReach) == kReach;
     }
 
     /// The number of the sample that was added last.

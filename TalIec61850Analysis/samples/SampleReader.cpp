@@ -60,10 +60,14 @@ struct SampleReader::State {
         isOver_ = true;  // unless all goes well
         clear();
         while ((room_ == 0 || rows_ < room_) && (hasSample_ || fetch())) {
+            std::size_t const rows = rows_;
             if (!add()) {
                 break;
             }
             hasSample_ = false;
+            if (rows_ > rows && !sample_.isMissing) {
+                addRest();
+            }
         }
         trim();
         isOver_ = block_.empty();
@@ -84,8 +88,104 @@ private:
                 hasSample_ = true;
                 return true;
             }
+            passUnwanted();
         }
         return false;
+    }
+
+    /// Passes over samples that follow one that is out of the window, where all of them are.
+    void passUnwanted() {
+        auto const rest = sequence_.rest();
+        if (rest.count == 0 || sample_.time == kNoTime) {
+            return;
+        }
+        std::int64_t last = 0;
+        sequence_.fillTimes(rest.number + rest.count - 1, sample_, {&last, 1});
+        bool const isBefore = from_ && last < *from_;
+        bool const isAfter = end_ && sample_.time >= *end_;
+        if (isBefore || isAfter) {
+            sequence_.takeRest(rest.count);
+        }
+    }
+
+    /// Adds samples that follow the one that was added last, at once.
+    void addRest() {
+        auto const rest = sequence_.rest();
+        std::size_t count = std::min<std::size_t>(rest.count, room_ - rows_);
+        bool const byFrame = layouts_.haveTimes();
+        if (count == 0 || (hasWindow() && byFrame)) {
+            return;
+        }
+        std::span const times(block_.sampleTimes.data() + rows_, count);
+        sequence_.fillTimes(rest.number, sample_, times);
+        if (hasWindow()) {
+            // Times only grow; without them the window goes by arrival, sample by sample.
+            count = sample_.time == kNoTime
+                        ? 0
+                        : static_cast<std::size_t>(
+                              std::find_if(times.begin(), times.end(),
+                                           [&](std::int64_t time) { return !isInWindow(time); }) -
+                              times.begin());
+        }
+        std::fill_n(block_.timeSources.begin() + offsetOf(rows_), count, sample_.source);
+        count = readRest(rest, count);
+        if (count == 0) {
+            return;
+        }
+        StreamPart const& part = stream_.parts[rest.first.part];
+        PacketColumns const& packets = part.packets;
+        std::size_t const packet = rest.first.packet;
+        std::copy_n(packets.times().begin() + offsetOf(packet), count,
+                    block_.arrivals.begin() + offsetOf(rows_));
+        std::copy_n(packets.smpCnts().begin() + offsetOf(packet), count,
+                    block_.smpCnts.begin() + offsetOf(rows_));
+        std::fill_n(block_.smpSynchs.begin() + offsetOf(rows_), count,
+                    std::uint16_t{packets.smpSynchs()[packet]});
+        std::fill_n(block_.states.begin() + offsetOf(rows_), count, SampleState::received);
+        rows_ += count;
+        sequence_.takeRest(static_cast<std::uint32_t>(count));
+    }
+
+    /// Reads the ASDUs of samples that follow each other into rows, as long as they are alike.
+    /// @return of how many samples
+    std::size_t readRest(detail::SampleSequence::Rest const& rest, std::size_t count) {
+        StreamPart const& part = stream_.parts[rest.first.part];
+        std::uint16_t const* const asdus = part.packets.asdus().data();
+        std::uint64_t const* const frames = part.packets.frameOffsets().data();
+        bool const isRead = withValues_ || layouts_.haveTimes();
+        for (std::size_t i = 0; i < count; ++i) {
+            PacketRef const ref{.part = rest.first.part,
+                                .packet = rest.first.packet + static_cast<std::uint32_t>(i)};
+            SamplePlace& place = block_.places[rows_ + i];
+            place = {
+                .fileOffset = frames[ref.packet], .file = part.file, .asdu = asdus[ref.packet]};
+            if (!isRead) {
+                continue;
+            }
+            ReadAsdu const asdu = asdus_.read(ref);
+            std::size_t const size = withValues_ ? asdu.data.size() : 0;
+            if (size != key_.size) {
+                return i;
+            }
+            place.fileOffset = asdu.fileOffset;
+            if (asdu.refrTm != kNoTime) {
+                block_.sampleTimes[rows_ + i] = asdu.refrTm;
+                block_.timeSources[rows_ + i] = SampleTimeSource::refrTm;
+            }
+            lastRefrTm_ = asdu.refrTm;
+            lastNumber_ = rest.number + static_cast<std::int64_t>(i);
+            if (decoder_) [[likely]] {
+                decoder_->decode(asdu.data.data(), rows_ + i);
+            } else {
+                block_.octets.insert(block_.octets.end(), asdu.data.begin(),
+                                     asdu.data.begin() + offsetOf(size));
+            }
+        }
+        return count;
+    }
+
+    [[nodiscard]] static std::ptrdiff_t offsetOf(std::size_t index) {
+        return static_cast<std::ptrdiff_t>(index);
     }
 
     [[nodiscard]] bool hasWindow() const { return from_ || end_; }

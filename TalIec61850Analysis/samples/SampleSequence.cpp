@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
+#include <algorithm>
 #include <cmath>
 
 namespace TalIec61850Analysis::detail {
@@ -85,6 +86,10 @@ bool SampleSequence::next(SequencedSample& sample) {
             }
             return true;
         }
+        if (rest_.count > 0) {
+            giveRest(sample);
+            return true;
+        }
         if (held_ == 0 && nextRun_) {
             NextRun const next = *nextRun_;
             nextRun_.reset();
@@ -97,54 +102,94 @@ bool SampleSequence::next(SequencedSample& sample) {
     }
 }
 
+void SampleSequence::takeRest(std::uint32_t count) {
+    lastGiven_ = {.packet = {.part = rest_.first.part, .packet = rest_.first.packet + count - 1},
+                  .number = rest_.number + count - 1};
+    nextNumber_ = lastGiven_->number + 1;
+    rest_.first.packet += count;
+    rest_.number += count;
+    rest_.count -= count;
+    counts_.received += count;
+}
+
+void SampleSequence::giveRest(SequencedSample& sample) {
+    sample = {.packet = rest_.first, .number = rest_.number};
+    takeRest(1);
+    setTime(sample);
+}
+
 /// Reads packets until one can be given, or the run ends.
 bool SampleSequence::fill() {
     while (!isAtEnd_) {
-        if (packetsOfRate_ == rate_.packets) {
-            PacketCourse const ahead = course_;
-            auto const ref = course_.next();
-            if (!ref) {
-                isAtEnd_ = true;
-                break;
-            }
-            bool const isFirst = !lastPacket_;
-            FoundRate const found = findRate(index_, stream_, ahead, given_);
-            bool const isSame = !isFirst && found.rate == rate_.rate && found.wrap == rate_.wrap &&
-                                found.countsSeconds == rate_.countsSeconds;
-            rate_ = found;
-            packetsOfRate_ = 1;
-            if (isSame) {
-                take(*ref);
-            } else {
-                nextRun_ = {.packet = *ref,
-                            .start = isFirst ? RunStart::first : RunStart::rateChange};
-                return true;
-            }
-        } else {
-            auto const ref = course_.next();
-            if (!ref) {
-                isAtEnd_ = true;
-                break;
-            }
-            ++packetsOfRate_;
-            take(*ref);
+        if (queue_.count == 0 && !fillQueue()) {
+            break;
         }
-        if (nextRun_ || isHeadFinal()) {
+        if (!nextRun_) {
+            takeNext();
+        }
+        if (nextRun_ || isHeadFinal() || rest_.count > 0) {
             return true;
         }
     }
     return held_ > 0;
 }
 
-void SampleSequence::take(PacketRef packet) {
+/// Takes packets from the course, and finds their rate where it may be another.
+bool SampleSequence::fillQueue() {
+    bool const isNewRate = packetsOfRate_ == rate_.packets;
+    FoundRate found;
+    if (isNewRate) {
+        found = findRate(index_, stream_, course_, given_);
+    }
+    queue_ = course_.nextStrip(isNewRate ? 1 : rate_.packets - packetsOfRate_);
+    if (queue_.count == 0) {
+        isAtEnd_ = true;
+        return false;
+    }
+    packetsOfRate_ += queue_.count;
+    if (!isNewRate) {
+        return true;
+    }
+    bool const isSame = isStarted_ && found.rate == rate_.rate && found.wrap == rate_.wrap &&
+                        found.countsSeconds == rate_.countsSeconds;
+    rate_ = found;
+    packetsOfRate_ = queue_.count;
+    if (!isSame) {
+        nextRun_ = {.packet = queue_.first,
+                    .start = isStarted_ ? RunStart::rateChange : RunStart::first};
+        queue_ = {};
+        isStarted_ = true;
+    }
+    return true;
+}
+
+/// Takes the first packet of the queue; where no sample is missing that may still come, those that
+/// go on after it are counted at once.
+void SampleSequence::takeNext() {
+    PacketRef const packet = queue_.first;
+    ++queue_.first.packet;
+    --queue_.count;
+    bool const isNext = take(packet) == CountStep::next;
+    std::uint32_t const count = std::min(queue_.count, counter_.untilWrap());
+    if (!isNext || count == 0 || !counter_.isWhole()) {
+        return;
+    }
+    rest_ = {.first = queue_.first, .count = count, .number = counter_.newest() + 1};
+    PacketRef const last{.part = rest_.first.part, .packet = rest_.first.packet + count - 1};
+    counter_.addNext(count, arrivalOf(last));
+    queue_.first.packet += count;
+    queue_.count -= count;
+}
+
+CountStep SampleSequence::take(PacketRef packet) {
     bool const counted = isCounted(packet);
     if (counted != runIsCounted_) {
         nextRun_ = {.packet = packet, .start = RunStart::uncounted};
-        return;
+        return CountStep::restart;
     }
     if (!counted) {
         holdNewest(packet, ++uncounted_);
-        return;
+        return CountStep::first;
     }
     PacketColumns const& packets = stream_.parts[packet.part].packets;
     CountStep const step =
@@ -159,6 +204,7 @@ void SampleSequence::take(PacketRef packet) {
     } else if (beginsRun(step)) {
         nextRun_ = {.packet = packet, .start = startOf(step)};
     }
+    return step;
 }
 
 void SampleSequence::begin(PacketRef packet, RunStart start) {
@@ -175,10 +221,11 @@ void SampleSequence::begin(PacketRef packet, RunStart start) {
     second_.reset();
     fit_.reset();
     runCourse_ = course_;
+    runQueue_ = queue_;
     runFirst_ = packet;
     lastGiven_.reset();
     runRate_ = rate_;
-    runPackets_ = rate_.packets - packetsOfRate_;
+    runPackets_ = rate_.packets - packetsOfRate_ + queue_.count;
     uncounted_ = 0;
     counter_ = SampleCounter(countRule());
     if (runIsCounted_) {
@@ -198,7 +245,6 @@ CountRule SampleSequence::countRule() const {
 void SampleSequence::holdNewest(PacketRef packet, std::int64_t number) {
     pending_[(head_ + held_) % kRing] = {.packet = packet, .number = number};
     ++held_;
-    lastPacket_ = packet;
 }
 
 void SampleSequence::holdLate(PacketRef packet, std::int64_t number) {
@@ -215,7 +261,7 @@ bool SampleSequence::isHeadFinal() const {
     if (held_ == 0) {
         return false;
     }
-    return isAtEnd_ || nextRun_ || !runIsCounted_ ||
+    return isAtEnd_ || nextRun_ || !runIsCounted_ || counter_.isWhole() ||
            counter_.newest() - pending_[head_].number > SampleCounter::kMostBehind;
 }
 
@@ -255,7 +301,7 @@ void SampleSequence::setTime(SequencedSample& sample) {
         fixSecond(sample);
     }
     if (isGlobal && second_) {
-        sample.time = *second_ + runRate_.rate.timeOf(sample.number - numberInSecond_);
+        sample.time = countedTime(sample.number);
         sample.source = SampleTimeSource::smpCnt;
         return;
     }
@@ -263,12 +309,56 @@ void SampleSequence::setTime(SequencedSample& sample) {
         fitRun();
     }
     if (fit_->origin != kNoTime && fit_->interval > 0) {
-        double const away =
-            fit_->meanTime +
-            fit_->interval *
-                (static_cast<double>(sample.number - fit_->firstNumber) - fit_->meanNumber);
-        sample.time = fit_->origin + static_cast<std::int64_t>(std::floor(away));
-        sample.source = SampleTimeSource::fit;
+        sample.time = fittedTime(sample.number);
+        sample.source = sample.time == kNoTime ? SampleTimeSource::none : SampleTimeSource::fit;
+    }
+}
+
+std::int64_t SampleSequence::countedTime(std::int64_t number) const {
+    return *second_ + runRate_.rate.timeOf(number - numberInSecond_);
+}
+
+std::int64_t SampleSequence::fittedTime(std::int64_t number) const {
+    double const away =
+        fit_->meanTime +
+        fit_->interval * (static_cast<double>(number - fit_->firstNumber) - fit_->meanNumber);
+    // Where times of arrival are centuries apart, the line leaves what 64 bits hold.
+    constexpr double kMost = 9e18;
+    bool const isHeld =
+        std::abs(away) < kMost && std::abs(static_cast<double>(fit_->origin) + away) < kMost;
+    return isHeld ? fit_->origin + static_cast<std::int64_t>(std::floor(away)) : kNoTime;
+}
+
+void SampleSequence::fillTimes(std::int64_t number, SequencedSample const& like,
+                               std::span<std::int64_t> times) const {
+    if (times.empty()) {
+        return;
+    }
+    if (like.source == SampleTimeSource::fit) {
+        for (std::int64_t& time : times) {
+            time = fittedTime(number++);
+        }
+        return;
+    }
+    if (like.source != SampleTimeSource::smpCnt) {
+        std::fill(times.begin(), times.end(), kNoTime);
+        return;
+    }
+    // As countedTime, without a division for each: whole nanoseconds, and parts of one. smpCnt
+    // counts seconds, so that the rate is in samples a second.
+    std::int64_t const each = runRate_.rate.samples;
+    std::int64_t const whole = kSecond / each;
+    std::int64_t const part = kSecond % each;
+    std::int64_t time = countedTime(number);
+    std::int64_t parts = (number - numberInSecond_) % each * part % each;
+    for (std::int64_t& result : times) {
+        result = time;
+        time += whole;
+        parts += part;
+        if (parts >= each) {
+            parts -= each;
+            ++time;
+        }
     }
 }
 
@@ -300,29 +390,35 @@ void SampleSequence::fitRun() {
             line.add(lastNumber - fit.firstNumber, arrival - fit.origin);
         }
     };
+    PacketCourse::Strip strip = runQueue_;
     for (std::uint64_t left = runPackets_; left > 0; --left) {
-        auto const ref = course.next();
-        if (!ref) {
+        if (strip.count == 0) {
+            strip = course.nextStrip(left);
+        }
+        if (strip.count == 0) {
             break;
         }
-        PacketColumns const& packets = stream_.parts[ref->part].packets;
-        if (!isCounted(*ref)) {
+        PacketRef const ref = strip.first;
+        ++strip.first.packet;
+        --strip.count;
+        PacketColumns const& packets = stream_.parts[ref.part].packets;
+        if (!isCounted(ref)) {
             break;
         }
         CountStep const step =
-            counter.add(packets.smpCnts()[ref->packet], packets.times()[ref->packet]);
+            counter.add(packets.smpCnts()[ref.packet], packets.times()[ref.packet]);
         if (beginsRun(step)) {
             break;
         }
         if (step != CountStep::next) {
             continue;
         }
-        bool const isSameFrame = ref->part == last.part && packets.frameOffsets()[ref->packet] ==
-                                                               packets.frameOffsets()[last.packet];
+        bool const isSameFrame = ref.part == last.part && packets.frameOffsets()[ref.packet] ==
+                                                              packets.frameOffsets()[last.packet];
         if (!isSameFrame) {
             addLast();
         }
-        last = *ref;
+        last = ref;
         lastNumber = counter.newest();
     }
     addLast();

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 
 namespace TalIec61850Analysis::detail {
 
@@ -48,6 +49,27 @@ public:
     /// @return false after the last sample
     [[nodiscard]] bool next(SequencedSample& sample);
 
+    /// Samples that follow the one given last, packet by packet and number by number, with the same
+    /// attributes, the same smpSynch, and times from the same source.
+    struct Rest {
+        PacketRef first;
+        std::uint32_t count = 0;
+        std::int64_t number = 0;
+    };
+
+    /// All of them that are known; count is 0 where there are none.
+    [[nodiscard]] Rest rest() const { return held_ == 0 ? rest_ : Rest(); }
+
+    /// Gives some of them at once: `next` goes on after these.
+    /// @param count  at most as many as there are
+    void takeRest(std::uint32_t count);
+
+    /// The times of samples that follow each other in the run of the sample given last.
+    /// @param number  of the first
+    /// @param like    a sample of the run, of the same smpSynch and not before those
+    void fillTimes(std::int64_t number, SequencedSample const& like,
+                   std::span<std::int64_t> times) const;
+
     /// The run that the sample given last is of.
     [[nodiscard]] SampleRun const& run() const { return run_; }
     /// smpCnt begins again there.
@@ -76,16 +98,21 @@ private:
     };
 
     [[nodiscard]] bool fill();
-    void take(PacketRef packet);
+    [[nodiscard]] bool fillQueue();
+    void takeNext();
+    CountStep take(PacketRef packet);
     void begin(PacketRef packet, RunStart start);
     void holdNewest(PacketRef packet, std::int64_t number);
     void holdLate(PacketRef packet, std::int64_t number);
+    void giveRest(SequencedSample& sample);
     [[nodiscard]] bool isHeadFinal() const;
     void giveHead(SequencedSample& sample);
     void giveMissing(SequencedSample& sample);
     void setTime(SequencedSample& sample);
     void fixSecond(SequencedSample const& sample);
     void fitRun();
+    [[nodiscard]] std::int64_t fittedTime(std::int64_t number) const;
+    [[nodiscard]] std::int64_t countedTime(std::int64_t number) const;
     [[nodiscard]] CountRule countRule() const;
     [[nodiscard]] bool isCounted(PacketRef packet) const;
     [[nodiscard]] std::int64_t arrivalOf(PacketRef packet) const;
@@ -103,7 +130,11 @@ private:
     SampleCounts counts_;
     std::optional<NextRun> nextRun_;
     bool isAtEnd_ = false;
-    std::optional<PacketRef> lastPacket_;
+    bool isStarted_ = false;
+    /// What the course gave and was not looked at.
+    PacketCourse::Strip queue_;
+    /// What is counted, and can be given after what is held.
+    Rest rest_;
 
     /// A ring, in the order of the numbers.
     static constexpr std::size_t kRing = 32;
@@ -120,7 +151,8 @@ private:
     std::optional<std::int64_t> second_;
     std::int64_t numberInSecond_ = 0;
     std::optional<Fit> fit_;
-    /// From after the first packet of the run on.
+    /// From after the first packet of the run on: these, then the others.
+    PacketCourse::Strip runQueue_;
     std::optional<PacketCourse> runCourse_;
     PacketRef runFirst_;
     /// How many packets after that may be of the run.

@@ -146,8 +146,7 @@ private:
                     areSeveral ? numberText(number) : "");
         for (TimeBound const& around : options_.moreArounds) {
             window.around = around;
-            writeRecord(samples_.options(SampleRows::everySample, window),
-                        numberText(++number));
+            writeRecord(samples_.options(SampleRows::everySample, window), numberText(++number));
         }
     }
 
@@ -159,8 +158,7 @@ private:
         if (survey.rows == 0) {
             refuseNone();
         }
-        std::int64_t const last =
-            survey.grid.timeOf(static_cast<std::int64_t>(survey.rows) - 1);
+        std::int64_t const last = survey.grid.timeOf(static_cast<std::int64_t>(survey.rows) - 1);
         if ((last - survey.grid.start) / length >= kMostParts) {
             throw RecordRefusal(fmt::format("--split would make more than {} records", kMostParts));
         }
@@ -168,8 +166,8 @@ private:
         for (std::int64_t start = survey.grid.start; start <= last; start += length) {
             SampleOptions part = whole;
             part.from = CaptureTime(std::chrono::nanoseconds(start));
-            part.end = std::min(whole.end.value_or(CaptureTime::max()),
-                                *part.from + *options_.split);
+            part.end =
+                std::min(whole.end.value_or(CaptureTime::max()), *part.from + *options_.split);
             writeRecord(part, numberText(++number));
         }
     }
@@ -243,9 +241,9 @@ private:
             run_.refuseToOverwrite(path);
         }
         FileSet files;
-        std::vector<ComtradeLosses> const losses =
-            options_.inOneFile ? writeOneFile(files, record, number)
-                               : writeFiles(files, record, number);
+        std::vector<ComtradeLosses> const losses = options_.inOneFile
+                                                       ? writeOneFile(files, record, number)
+                                                       : writeFiles(files, record, number);
         files.finish();
         if (std::string const lost = lossesText(record.record(), losses); !lost.empty()) {
             complain(escapeText(lost));
@@ -310,9 +308,8 @@ private:
             by(SampleTimeSource::refrTm), by(SampleTimeSource::smpCnt), by(SampleTimeSource::fit),
             survey.isGlobal ? "smpSynch is 2 throughout."
                             : "smpSynch is not 2 throughout: absolute time is not reliable.");
-        remarks.missing =
-            fmt::format("Samples: {}; {} rows of channels are marked as missing.",
-                        survey.received, survey.missing);
+        remarks.missing = fmt::format("Samples: {}; {} rows of channels are marked as missing.",
+                                      survey.received, survey.missing);
         remarks.scales = scaleText(record);
         if (!record.record().digitals.empty()) {
             remarks.digitals =
@@ -354,8 +351,8 @@ ExitStatus runComtrade(ComtradeOptions const& options) {
 
 void addComtradeCommand(ProgramDefinition& program, Action& chosen) {
     auto const options = std::make_shared<ComtradeOptions>();
-    CommandDefinition& command = addCommand(
-        program, "comtrade", "Write the samples of SV streams as COMTRADE records.");
+    CommandDefinition& command =
+        addCommand(program, "comtrade", "Write the samples of SV streams as COMTRADE records.");
     addComtradeOptions(command, *options);
     command.notes = comtradeNotes();
     command.examples = {

@@ -45,8 +45,7 @@ void addFormat(CommandDefinition& command, ComtradeOptions& options) {
     CLI::Option& edition = *parser.add_option_function<std::string>(
         "--edition",
         [&options](std::string const& year) {
-            options.edition =
-                year == "1999" ? ComtradeEdition::of1999 : ComtradeEdition::of2013;
+            options.edition = year == "1999" ? ComtradeEdition::of1999 : ComtradeEdition::of2013;
         },
         "Edition of COMTRADE: 2013 (if not said) or 1999");
     edition.option_text("YEAR")->group(kRecordGroup);
@@ -91,8 +90,7 @@ void addComtradeOptions(CommandDefinition& command, ComtradeOptions& options) {
         "Where streams sample at other instants: nearest puts each sample into the nearest row");
     align.option_text("HOW")->group(kRecordGroup);
     allowOnly(command, align, {"nearest"});
-    parser
-        .add_option("--station", options.station, "Name of the station; the svID if not said")
+    parser.add_option("--station", options.station, "Name of the station; the svID if not said")
         ->option_text("NAME")
         ->group(kRecordGroup);
     parser

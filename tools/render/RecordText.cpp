@@ -52,9 +52,10 @@ std::string recordText(ComtradeRecord const& record, RecordRemarks const& remark
         steps += stepText(analog);
     }
     if (!steps.empty()) {
-        text += "Channels that are not stored as they were sent; a and b of the configuration lead "
-                "back to units:\n" +
-                steps;
+        text +=
+            "Channels that are not stored as they were sent; a and b of the configuration lead "
+            "back to units:\n" +
+            steps;
     }
     std::string const lost = lossesText(record, losses);
     text += lost.empty() ? "No sample was beyond the range of the format.\n" : lost + ".\n";
@@ -73,9 +74,9 @@ std::string lossesText(ComtradeRecord const& record, std::span<ComtradeLosses co
                                 plural(losses[i].clamped, "sample"));
         }
         if (losses[i].notANumber != 0) {
-            text += fmt::format("{} {} no number, stored as missing",
-                                losses[i].clamped != 0 ? "," : "",
-                                plural(losses[i].notANumber, "sample"));
+            text +=
+                fmt::format("{} {} no number, stored as missing", losses[i].clamped != 0 ? "," : "",
+                            plural(losses[i].notANumber, "sample"));
         }
     }
     return text;

@@ -26,9 +26,9 @@ struct RecordRemarks {
 
 /// What a record is, in words for people: its header file, lines ended by a line end.
 /// @param losses  one for each analog channel; empty before it is known
-[[nodiscard]] std::string recordText(
-    TalIec61850Analysis::ComtradeRecord const& record, RecordRemarks const& remarks,
-    std::span<TalIec61850Analysis::ComtradeLosses const> losses);
+[[nodiscard]] std::string recordText(TalIec61850Analysis::ComtradeRecord const& record,
+                                     RecordRemarks const& remarks,
+                                     std::span<TalIec61850Analysis::ComtradeLosses const> losses);
 
 /// What samples lost in the format of the record; empty where they lost nothing.
 [[nodiscard]] std::string lossesText(TalIec61850Analysis::ComtradeRecord const& record,

@@ -387,6 +387,40 @@ TEST(BadSamples, WithoutTimesOfArrivalAreGiven) {
     EXPECT_TRUE(indexed.read(window).rows.empty());
 }
 
+TEST(BadSamples, WithTimesAtTheEndsOfWhatThereIsAreRead) {
+    std::vector<std::uint64_t> const times = {0,
+                                              1,
+                                              1'700'000'000'000'000'000,
+                                              0x7FFFFFFFFFFFFFFF,
+                                              0x7FFFFFFFFFFFFFFE,
+                                              0x8000000000000000,
+                                              0x8000000000000001,
+                                              0xFFFFFFFFFFFFFFFF};
+    for (std::int64_t const offset : {std::int64_t{0}, std::int64_t{-9'000'000'000},
+                                      std::int64_t{9'000'000'000}, INT64_MIN, INT64_MAX}) {
+        PcapngMaker maker;
+        maker.section();
+        maker.interface(1, 0, maker.timeOptions(9, offset));
+        std::mt19937 random(61850);
+        for (std::uint32_t i = 0; i < 400; ++i) {
+            SvMessage message;
+            message.asdus = {asduOf(i)};
+            message.asdus[0].smpSynch = Unsigned<1>(i / 100 % 2 == 0 ? 2 : 0);
+            Bytes const frame = svFrame(svEthernet(), message);
+            if (i % 5 == 0) {
+                maker.simplePacket(frame);
+            } else {
+                PcapngMaker::Packet packet;
+                packet.time = times[random() % times.size()] + i;
+                packet.frame = frame;
+                maker.packet(packet);
+            }
+        }
+        ReadStream const read = readAllWays(IndexedWaveform({maker.bytes()}));
+        EXPECT_EQ(read.counts.received + read.counts.repeated, 400U);
+    }
+}
+
 TEST(ChangedFiles, ThatBecameShorterEndReading) {
     WaveformStream stream;
     stream.send(9000);

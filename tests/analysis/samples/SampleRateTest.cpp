@@ -34,9 +34,9 @@ RC_GTEST_PROP(SampleRateTimes, AreCutFromTheExactOnes, ()) {
         .seconds = *rc::gen::oneOf(rc::gen::just<std::uint32_t>(1),
                                    rc::gen::inRange<std::uint32_t>(1, 100))};
     Wide const most = kMostTime * rate.samples / (Wide{rate.seconds} * 1'000'000'000);
-    auto const limit = static_cast<std::int64_t>(most > INT64_MAX ? Wide{INT64_MAX} : most);
+    auto const limit = static_cast<std::int64_t>(most >= INT64_MAX ? Wide{INT64_MAX - 1} : most);
     std::int64_t const number = *rc::gen::oneOf(
-        rc::gen::inRange<std::int64_t>(0, limit + 1 > 0 ? limit + 1 : limit),
+        rc::gen::inRange<std::int64_t>(0, limit + 1),
         rc::gen::inRange<std::int64_t>(0, std::min<std::int64_t>(limit + 1, 200'000)));
     Wide const exact = Wide{number} * rate.seconds * 1'000'000'000 / rate.samples;
     RC_ASSERT(rate.timeOf(number) == static_cast<std::int64_t>(exact));

@@ -153,6 +153,29 @@ TEST(SampleRows, KeepTheirTimesUnderJitter) {
     expectRowsOf(stream);
 }
 
+TEST(SampleRows, AreOfTheSecondThatArrivalTells) {
+    // By a tenth of a second the clock of the capture may be behind; by less than nine, ahead.
+    for (std::int64_t const delay : {-99'000'000, -1'000, 0, 262'430'000, 899'000'000}) {
+        SCOPED_TRACE(delay);
+        for (std::uint32_t const firstCount : {0U, 399U, 2000U, 3999U}) {
+            WaveformSettings settings;
+            settings.delay = delay;
+            settings.firstCount = firstCount;
+            WaveformStream stream(settings);
+            stream.send(4500);
+            std::vector<WaveformRow> const rows = stream.rows(false);
+            ASSERT_EQ(rows.front().time, rows.front().taken);
+            expectRowsOf(stream);
+        }
+    }
+    WaveformSettings settings;
+    settings.delay = -101'000'000;
+    WaveformStream stream(settings);
+    stream.send(500);
+    EXPECT_EQ(stream.rows(false).front().time, stream.rows(false).front().taken - kWaveSecond);
+    expectRowsOf(stream);
+}
+
 TEST(SampleRows, AreFittedUnderJitter) {
     WaveformSettings settings;
     settings.jitter = 100'000;
