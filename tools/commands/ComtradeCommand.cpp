@@ -74,7 +74,7 @@ QualityChannels qualityOf(ComtradeOptions const& options) {
 }
 
 void check(ComtradeOptions const& options) {
-    options.choice.window.check();
+    options.choice.check();
     static_cast<void>(formatOf(options));
     if (options.split && *options.split <= std::chrono::nanoseconds(0)) {
         throw UsageError("--split is longer than nothing");

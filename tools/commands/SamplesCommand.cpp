@@ -294,7 +294,7 @@ private:
 };
 
 ExitStatus runSamples(SamplesOptions const& options) {
-    options.choice.window.check();
+    options.choice.check();
     CommandRun run(options.choice.common);
     SampleList list(run, options);
     return list.write();

@@ -14,6 +14,7 @@
 #include "tools/options/JobsOption.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/StreamOptions.hpp"
+#include "tools/options/UsageError.hpp"
 #include "tools/output/NearestWords.hpp"
 
 namespace TalIec61850Tools {
@@ -124,6 +125,13 @@ std::vector<double> toScales(std::string const& text) {
 }
 
 }  // namespace
+
+void SampleChoice::check() const {
+    if (criteria.protocol == Protocol::goose) {
+        throw UsageError("--protocol goose: GOOSE has no samples");
+    }
+    window.check();
+}
 
 void addChannelsOption(CommandDefinition& command, std::vector<std::size_t>& channels) {
     command.parser

@@ -27,6 +27,9 @@ struct SampleChoice {
     std::vector<std::size_t> channels;
     /// Factors from counts to units: one for all channels, or one for each; empty for none.
     std::vector<double> scales;
+
+    /// @throws UsageError  it can select no samples: see WindowOptions::check, or it is GOOSE
+    void check() const;
 };
 
 /// Adds the options, without those of addCommonOptions.
