@@ -54,9 +54,10 @@ TEST(SamplesJson, HasItsFieldsInOneOrder) {
     TempFile const file = samplesFile(declaredWave());
     auto const lines = linesOf(runCompanion({"samples", "-f", "json", file.path()}).out);
     std::vector<std::string> const expected = {
-        "time",     "timeNs", "sampleTime", "sampleTimeNs", "sampleTimeSource", "file",
-        "position", "source", "svID",       "appId",        "asdu",             "smpCnt",
-        "smpSynch", "missing", "values",    "quality"};
+        "time",   "timeNs",   "sampleTime", "sampleTimeNs", "sampleTimeSource",
+        "file",   "position", "source",     "svID",         "appId",
+        "asdu",   "smpCnt",   "smpSynch",   "missing",      "values",
+        "quality"};
     EXPECT_EQ(namesOf(lines.at(0)), expected);
     auto const row = Json::parse(lines.at(0));
     EXPECT_EQ(row["time"], "2023-11-14T22:13:20.000300000Z");
@@ -343,8 +344,8 @@ TEST(SamplesOctets, AreHexadecimalWhereThereIsNoLayout) {
 
 TEST(SamplesColumns, AreThoseAskedFor) {
     TempFile const file = samplesFile(declaredWave());
-    auto const result = runCompanion({"samples", "-f", "csv", "--columns", "smpCnt,svID",
-                                      "--limit", "2", file.path()});
+    auto const result = runCompanion(
+        {"samples", "-f", "csv", "--columns", "smpCnt,svID", "--limit", "2", file.path()});
     EXPECT_EQ(result.out, "smpCnt,svID\n0,MU01\n1,MU01\n");
     EXPECT_EQ(result.err, "");
     expectUsageError({"samples", "--columns", "nothing", file.path()});
