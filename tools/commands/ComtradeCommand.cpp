@@ -308,7 +308,7 @@ private:
             by(SampleTimeSource::refrTm), by(SampleTimeSource::smpCnt), by(SampleTimeSource::fit),
             survey.isGlobal ? "smpSynch is 2 throughout."
                             : "smpSynch is not 2 throughout: absolute time is not reliable.");
-        remarks.missing = fmt::format("Samples: {}; {} rows of channels are marked as missing.",
+        remarks.missing = fmt::format("Samples: {}; {} missing, marked so in their rows.",
                                       survey.received, survey.missing);
         remarks.scales = scaleText(record);
         if (!record.record().digitals.empty()) {
