@@ -76,8 +76,12 @@ private:
 
     template <typename Raw>
     [[nodiscard]] double quotient(Raw raw) const {
-        if (std::is_integral_v<Raw> && shiftsExactly_) {
-            return static_cast<double>(difference(raw)) / step_.size;
+        if constexpr (std::is_integral_v<Raw>) {
+            std::int64_t exact = 0;
+            if (shiftsExactly_ &&
+                !__builtin_sub_overflow(static_cast<std::int64_t>(raw), shift_, &exact)) {
+                return static_cast<double>(exact) / step_.size;
+            }
         }
         return (static_cast<double>(raw) - step_.middle) / step_.size;
     }
