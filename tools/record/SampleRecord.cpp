@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -151,6 +152,13 @@ private:
     std::size_t used_ = 0;
 };
 
+/// The integer that an extent is; the double next to the largest one is beyond it.
+std::int64_t toInteger(double extent) {
+    constexpr double kBeyond = 0x1p63;
+    return extent < kBeyond ? static_cast<std::int64_t>(extent)
+                            : std::numeric_limits<std::int64_t>::max();
+}
+
 /// 50 or 60, where smpRate counts samples of a period.
 std::optional<double> frequencyOf(TrafficIndex const& index, TrafficStream const& stream,
                                   SampleRate const& rate) {
@@ -241,6 +249,14 @@ void SampleRecord::findGrid() {
         GridStream stream = open(source, std::nullopt, true);
         if (!findMake(source, stream, placeText_)) {
             continue;
+        }
+        for (RecordSource const& other : sources) {
+            if (other.stream->key.name == source.stream->key.name) {
+                throw RecordRefusal(fmt::format(
+                    "two streams have the svID {}: choose one, by --source, --destination, --vlan "
+                    "or --appid",
+                    escapeText(source.stream->key.name)));
+            }
         }
         RecordGrid const own = *stream.grid();
         if (grid && own.rate != grid->rate) {
@@ -373,9 +389,8 @@ void SampleRecord::describeSource(std::size_t number) {
                 made.valueType() == ValueType::float32 || made.valueType() == ValueType::float64;
             if (extent.isKnown) {
                 analog.step = isReal ? stepForReals(wish_.format, extent.smallest, extent.largest)
-                                     : stepForIntegers(wish_.format,
-                                                       static_cast<std::int64_t>(extent.smallest),
-                                                       static_cast<std::int64_t>(extent.largest));
+                                     : stepForIntegers(wish_.format, toInteger(extent.smallest),
+                                                       toInteger(extent.largest));
             }
         }
         if (made.qualityOffset) {
