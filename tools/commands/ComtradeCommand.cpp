@@ -92,9 +92,7 @@ class RecordWriter {
 public:
     RecordWriter(CommandRun& run, ComtradeOptions const& options)
         : run_(run), options_(options), samples_(run, options.choice) {
-        for (std::string const& path : pathsOf("")) {
-            run_.refuseToOverwrite(path);
-        }
+        static_cast<void>(samples_.mostChannels());
     }
 
     ExitStatus write() {
@@ -115,7 +113,7 @@ public:
             complain(fmt::format("no record is written: {}", faultText(error.code())));
             return ExitStatus::failure;
         }
-        return run_.finish();
+        return isOneRefused_ ? ExitStatus::failure : run_.finish();
     }
 
 private:
@@ -134,24 +132,50 @@ private:
         }
     }
 
+    /// One record of the command.
+    struct Part {
+        SampleOptions window;
+        /// Empty where it is the only one.
+        std::string number;
+    };
+
     void writeAll() {
-        if (options_.split) {
-            writeParts();
-            return;
+        std::vector<Part> const parts = options_.split ? splitParts() : windowParts();
+        for (Part const& part : parts) {
+            for (std::string const& path : pathsOf(part.number)) {
+                run_.refuseToOverwrite(path);
+            }
         }
-        WindowOptions window = options_.choice.window;
-        bool const areSeveral = !options_.moreArounds.empty();
-        std::size_t number = 1;
-        writeRecord(samples_.options(SampleRows::everySample, window),
-                    areSeveral ? numberText(number) : "");
-        for (TimeBound const& around : options_.moreArounds) {
-            window.around = around;
-            writeRecord(samples_.options(SampleRows::everySample, window), numberText(++number));
+        for (Part const& part : parts) {
+            try {
+                writeRecord(part);
+            } catch (RecordRefusal const& refusal) {
+                if (parts.size() == 1) {
+                    throw;
+                }
+                complain(fmt::format("{} is not written: {}",
+                                     escapeText(options_.base + part.number), refusal.what()));
+                isOneRefused_ = true;
+            }
         }
     }
 
+    [[nodiscard]] std::vector<Part> windowParts() const {
+        WindowOptions window = options_.choice.window;
+        bool const areSeveral = !options_.moreArounds.empty();
+        std::size_t number = 1;
+        std::vector<Part> parts = {{samples_.options(SampleRows::everySample, window),
+                                    areSeveral ? numberText(number) : ""}};
+        for (TimeBound const& around : options_.moreArounds) {
+            window.around = around;
+            parts.push_back(
+                {samples_.options(SampleRows::everySample, window), numberText(++number)});
+        }
+        return parts;
+    }
+
     /// One part after the other, from the first sample on.
-    void writeParts() {
+    [[nodiscard]] std::vector<Part> splitParts() const {
         SampleOptions const whole = samples_.options(SampleRows::everySample);
         RecordSurvey const survey = recordOf(whole).survey();
         std::int64_t const length = options_.split->count();
@@ -162,14 +186,15 @@ private:
         if ((last - survey.grid.start) / length >= kMostParts) {
             throw RecordRefusal(fmt::format("--split would make more than {} records", kMostParts));
         }
-        std::size_t number = 0;
+        std::vector<Part> parts;
         for (std::int64_t start = survey.grid.start; start <= last; start += length) {
-            SampleOptions part = whole;
-            part.from = CaptureTime(std::chrono::nanoseconds(start));
-            part.end =
-                std::min(whole.end.value_or(CaptureTime::max()), *part.from + *options_.split);
-            writeRecord(part, numberText(++number));
+            Part part{whole, numberText(parts.size() + 1)};
+            part.window.from = CaptureTime(std::chrono::nanoseconds(start));
+            part.window.end = std::min(whole.end.value_or(CaptureTime::max()),
+                                       *part.window.from + *options_.split);
+            parts.push_back(std::move(part));
         }
+        return parts;
     }
 
     [[nodiscard]] static std::string numberText(std::size_t number) {
@@ -228,8 +253,11 @@ private:
         }
     }
 
-    void writeRecord(SampleOptions const& window, std::string const& number) {
-        SampleRecord const record = recordOf(window);
+    void writeRecord(Part const& part) {
+        SampleRecord const record = recordOf(part.window);
+        if (options_.split && record.survey().received == 0) {
+            return;  // all of the part was lost
+        }
         if (record.survey().rows == 0) {
             refuseNone();
         }
@@ -237,20 +265,21 @@ private:
         if (auto const limit = brokenLimit(record.record())) {
             throw RecordRefusal(std::string(toText(*limit)));
         }
-        for (std::string const& path : pathsOf(number)) {
-            run_.refuseToOverwrite(path);
-        }
+        notes_.clear();
         FileSet files;
         std::vector<ComtradeLosses> const losses = options_.inOneFile
-                                                       ? writeOneFile(files, record, number)
-                                                       : writeFiles(files, record, number);
+                                                       ? writeOneFile(files, record, part.number)
+                                                       : writeFiles(files, record, part.number);
         files.finish();
+        for (std::string const& note : notes_) {
+            complain(note);
+        }
         if (std::string const lost = lossesText(record.record(), losses); !lost.empty()) {
             complain(escapeText(lost));
         }
     }
 
-    /// Notes are told once, when a record is written.
+    /// Notes are taken once, and told when a record is written: it may be refused until then.
     std::vector<ComtradeLosses> writeRows(SampleRecord const& record, Output* output) {
         ComtradeRows rows(record.record(), [&](std::span<std::uint8_t const> octets) {
             if (output != nullptr) {
@@ -262,7 +291,7 @@ private:
             notes.emplace_back(
                 *source.stream,
                 [this](std::uint32_t file) -> auto const& { return samples_.fileName(file); },
-                [](std::string const& text) { complain(text); });
+                [this](std::string const& text) { notes_.push_back(text); });
         }
         record.write(rows, [&](std::size_t source, SampleBlock const& block) {
             if (output != nullptr) {
@@ -338,6 +367,8 @@ private:
     ComtradeOptions const& options_;
     WantedSamples samples_;
     std::vector<GooseState> states_;
+    std::vector<std::string> notes_;
+    bool isOneRefused_ = false;
 };
 
 ExitStatus runComtrade(ComtradeOptions const& options) {

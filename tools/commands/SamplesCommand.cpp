@@ -91,20 +91,13 @@ std::vector<std::size_t> channelsOf(SamplesOptions const& options, std::size_t m
     return channels;
 }
 
-/// Octets without a layout take the place of one channel.
-std::size_t channelCount(FoundLayout const& layout) {
-    return layout.layout ? layout.layout->channels().size() : 1;
-}
-
 SampleForm formOf(SamplesOptions const& options, WantedSamples const& samples) {
     SampleForm form;
     form.format = options.choice.common.format;
     form.isLong = options.isLong;
-    std::size_t most = 0;
     std::optional<std::vector<std::string>> names;
     for (WantedStream const& stream : samples.streams()) {
         for (auto const& layout : stream.layouts) {
-            most = std::max(most, channelCount(layout.found));
             std::vector<std::string> own;
             if (layout.found.layout) {
                 for (ChannelMeaning const& meaning : meaningsOf(*layout.found.layout)) {
@@ -114,11 +107,8 @@ SampleForm formOf(SamplesOptions const& options, WantedSamples const& samples) {
             names = !names || *names == own ? own : std::vector<std::string>();
         }
     }
-    form.channels = channelsOf(options, most);
+    form.channels = channelsOf(options, samples.mostChannels());
     form.names = names.value_or(std::vector<std::string>());
-    if (most > 0 && form.channels.empty()) {
-        throw UsageError(fmt::format("--channels: these streams have {}", plural(most, "channel")));
-    }
     return form;
 }
 

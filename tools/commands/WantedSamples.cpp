@@ -2,12 +2,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 
 #include "tools/commands/IndexTraffic.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
+#include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/OutputError.hpp"
+#include "tools/output/Plural.hpp"
 #include "tools/render/CaptureText.hpp"
 #include "tools/render/UtcText.hpp"
 #include "tools/selection/StreamRow.hpp"
@@ -64,6 +67,23 @@ bool WantedSamples::isWanted(TrafficStream const& stream) const {
 
 bool WantedSamples::isWanted(SampleBlock const& block) const {
     return block.attributes == nullptr || criteria_.admitAttributes(*block.attributes);
+}
+
+std::size_t WantedSamples::mostChannels() const {
+    std::size_t most = 0;
+    for (WantedStream const& stream : streams_) {
+        for (auto const& layout : stream.layouts) {
+            auto const& known = layout.found.layout;
+            most = std::max(most, known ? known->channels().size() : 1);
+        }
+    }
+    auto const& wanted = choice_.channels;
+    bool const isThere = wanted.empty() || std::any_of(wanted.begin(), wanted.end(),
+                                                       [&](auto number) { return number <= most; });
+    if (most > 0 && !isThere) {
+        throw UsageError(fmt::format("--channels: these streams have {}", plural(most, "channel")));
+    }
+    return most;
 }
 
 SampleOptions WantedSamples::options(SampleRows rows, WindowOptions const& asked) const {

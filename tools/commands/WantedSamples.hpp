@@ -32,6 +32,9 @@ public:
 
     /// The streams, in the order of the index.
     [[nodiscard]] std::vector<WantedStream> const& streams() const { return streams_; }
+    /// How many channels the samples have that have most; octets without a layout are one.
+    /// @throws UsageError  none of them is wanted
+    [[nodiscard]] std::size_t mostChannels() const;
     [[nodiscard]] TalIec61850Analysis::TrafficIndex const& index() const { return index_; }
 
     /// How samples are to be read.
