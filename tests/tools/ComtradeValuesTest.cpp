@@ -160,10 +160,9 @@ TEST(ComtradeConfigurationOf92Le, HasItsNamesUnitsAndPhases) {
 }
 
 TEST(ComtradeConfiguration, IsAsAskedFor) {
-    WrittenRecord const written(
-        lossyWave().captures()[0],
-        {"--station", "Bay, 1", "--frequency", "60", "--channels", "3,1", "--scale", "2,3,4",
-         "--trigger", "1700000000.0205"});
+    WrittenRecord const written(lossyWave().captures()[0],
+                                {"--station", "Bay, 1", "--frequency", "60", "--channels", "3,1",
+                                 "--scale", "2,3,4", "--trigger", "1700000000.0205"});
     ReadComtrade const& record = written.record();
     EXPECT_EQ(record.station.find(','), std::string::npos);
     EXPECT_TRUE(record.station.starts_with("Bay")) << record.station;
@@ -178,7 +177,8 @@ TEST(ComtradeConfiguration, IsAsAskedFor) {
 
 TEST(ComtradeConfiguration, HasTheFrequencyThatSmpRateTells) {
     for (auto const& [rate, smpRate, frequency] :
-         {std::tuple(4000U, 80, 50.0), std::tuple(4800U, 80, 60.0), std::tuple(12800U, 256, 50.0)}) {
+         {std::tuple(4000U, 80, 50.0), std::tuple(4800U, 80, 60.0),
+          std::tuple(12800U, 256, 50.0)}) {
         WaveformSettings settings = declaredWave(rate);
         settings.smpRate = static_cast<std::uint16_t>(smpRate);
         settings.smpMod = 0;
@@ -232,9 +232,9 @@ TEST(ComtradeQuality, BecomesDigitalChannels) {
         names.push_back(digital.id);
         EXPECT_FALSE(digital.normal);
     }
-    EXPECT_EQ(names, (std::vector<std::string>{
-                         "MU01_Ia invalid", "MU01_Ia questionable", "MU01_Ia test",
-                         "MU01_Ib invalid", "MU01_Ib questionable", "MU01_Ib test"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"MU01_Ia invalid", "MU01_Ia questionable",
+                                               "MU01_Ia test", "MU01_Ib invalid",
+                                               "MU01_Ib questionable", "MU01_Ib test"}));
     auto const rows = written.samples({"--channels", "1-2"});
     std::size_t set = 0;
     for (std::size_t row = 0; row < rows.size(); ++row) {
@@ -262,8 +262,8 @@ TEST(ComtradeQuality, BecomesDigitalChannels) {
 }
 
 TEST(ComtradeValues, OfFloatsAreScaledIntoIntegers) {
-    for (auto const& members :
-         {std::vector{WaveMember::float32, WaveMember::quality}, std::vector{WaveMember::float32}}) {
+    for (auto const& members : {std::vector{WaveMember::float32, WaveMember::quality},
+                                std::vector{WaveMember::float32}}) {
         WaveformSettings settings = declaredWave();
         settings.members = repeatedMembers(members, 6);
         WaveformStream stream(settings);
