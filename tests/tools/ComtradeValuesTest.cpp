@@ -351,6 +351,31 @@ TEST(ComtradeValues, BeyondTheRangeAreClampedAndCounted) {
     EXPECT_NE(textOf(written.base() + ".hdr").find(words), std::string::npos);
 }
 
+TEST(ComtradeValues, AtTheEndsOf64BitsAreWithinAStep) {
+    std::vector<std::int64_t> const sent = {INT64_MAX, INT64_MIN, 0, INT64_MAX - 1, -1};
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (std::uint32_t i = 0; i < kWaveFrames; ++i) {
+        auto const value = static_cast<std::uint64_t>(sent[i % sent.size()]);
+        Bytes data;
+        for (unsigned octet = 8; octet-- > 0;) {
+            data.push_back(static_cast<std::uint8_t>(value >> (8 * octet)));
+        }
+        SvMessage message;
+        message.asdus[0].smpCnt = Unsigned<2>(i);
+        message.asdus[0].seqData = data;
+        capture.add(1'700'000'000, 300'000 + i * 250'000, svFrame(svEthernet(), message));
+    }
+    WrittenRecord written(capture.bytes(), {"--layout", "int64"});
+    for (RecordKind const& kind : kRecordKinds) {
+        written.write(joined(kind.options(), {"--layout", "int64"}));
+        for (std::size_t row = 0; row < kWaveFrames; ++row) {
+            ASSERT_NEAR(written.record().value(row, 0).value(),
+                        static_cast<double>(sent[row % sent.size()]),
+                        written.record().analogs[0].a * 1.01);
+        }
+    }
+}
+
 TEST(ComtradeNames, HoldNothingThatAFieldCannot) {
     for (std::string const& svID :
          {std::string("MU,01;\r\n\t\x01x"), std::string(" MU 01 "), std::string(200, 'L') + "1",
