@@ -1,26 +1,34 @@
 #include <TalIec61850Analysis/samples/FindRate.hpp>
 #include <TalIec61850Analysis/samples/PartAttributes.hpp>
+#include <TalIec61850Analysis/samples/SampleSteps.hpp>
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <variant>
+#include <vector>
 
 namespace TalIec61850Analysis::detail {
 
 namespace {
 
-constexpr double kSecond = 1e9;
+constexpr double kNsPerSecond = 1e9;
 /// Two rates within this are the same: 1 %.
 constexpr double kSameRate = 0.01;
 /// By arrival alone, a rate is another beyond this: standard ones are further apart.
 constexpr double kOtherRate = 0.04;
-/// smpCnt may step by so much without being taken for a jump.
-constexpr std::int64_t kMostAhead = 64;
 /// The rates that IEC 61850-9-2LE and IEC 61869-9 name, and such as are met.
 constexpr std::array<std::uint32_t, 7> kStandardRates = {4000,  4800,  5760, 12800,
                                                          14400, 15360, 96000};
 
 bool isNear(double a, double b, double tolerance) { return std::abs(a - b) <= tolerance * b; }
+
+/// The standard rate near a measured one, or 0.
+std::uint32_t standardNear(double measured) {
+    auto const* const found =
+        std::find_if(kStandardRates.begin(), kStandardRates.end(),
+                     [&](std::uint32_t rate) { return isNear(rate, measured, kSameRate); });
+    return found == kStandardRates.end() ? 0 : *found;
+}
 
 /// The number that an attribute is, or 0.
 std::uint64_t numberIn(std::optional<Readable<std::uint64_t>> const& attribute) {
@@ -38,18 +46,6 @@ struct Declared {
     bool operator==(Declared const&) const = default;
 };
 
-/// Steps of smpCnt, and the time that they took.
-struct Steps {
-    double samples = 0;
-    double time = 0;
-
-    void add(double moreSamples, double moreTime) {
-        samples += moreSamples;
-        time += moreTime;
-    }
-    [[nodiscard]] double rate() const { return time > 0 ? samples / time * kSecond : 0; }
-};
-
 /// The largest smpCnt before 0 that were met, as many as there is room for.
 class WrapsMet {
 public:
@@ -59,204 +55,320 @@ public:
             std::find_if(met_.begin(), end, [&](Met const& met) { return met.wrap == wrap; });
         if (known != end) {
             known->since = std::min(known->since, since);
+            ++known->times;
         } else if (size_ < static_cast<std::ptrdiff_t>(met_.size())) {
-            *end = {.wrap = wrap, .since = since};
+            *end = {.wrap = wrap, .since = since, .times = 1};
             ++size_;
         }
     }
 
     /// The largest near a rate that nothing was lost before; 0 where there is none.
-    [[nodiscard]] std::uint32_t largestNear(double rate, double asdus) const {
+    /// @param likely  a rate that is as good, or 0: it goes before a smaller one that was met once
+    [[nodiscard]] std::uint32_t largestNear(double rate, double asdus, std::uint32_t likely) const {
         std::uint32_t largest = 0;
+        std::uint32_t times = 0;
         for (auto met = met_.begin(); met != met_.begin() + size_; ++met) {
-            bool const isWhole = static_cast<double>(met->since) * rate <= 1.5 * asdus * kSecond;
-            if (isNear(met->wrap, rate, kSameRate) && isWhole) {
-                largest = std::max(largest, met->wrap);
+            bool const isWhole =
+                static_cast<double>(met->since) * rate <= 1.5 * asdus * kNsPerSecond;
+            if (isNear(met->wrap, rate, kSameRate) && isWhole && met->wrap > largest) {
+                largest = met->wrap;
+                times = met->times;
             }
         }
-        return largest;
+        return times == 1 && largest < likely && isNear(likely, rate, kSameRate) ? likely : largest;
     }
 
 private:
     struct Met {
         std::uint32_t wrap = 0;
         std::int64_t since = 0;
+        std::uint32_t times = 0;
     };
 
     std::array<Met, 32> met_{};
     std::ptrdiff_t size_ = 0;
 };
 
-/// A packet that counts.
-struct Counted {
-    std::uint32_t smpCnt = 0;
-    std::int64_t time = kNoTime;
-    bool isCounted = false;
-};
-
-Counted countOf(TrafficStream const& stream, PacketRef ref) {
-    PacketColumns const& packets = stream.parts[ref.part].packets;
-    return {.smpCnt = packets.smpCnts()[ref.packet],
-            .time = packets.times()[ref.packet],
-            .isCounted = packets.flags()[ref.packet].firstCounter() == CounterState::held};
-}
-
-/// Whether smpCnt goes on from one packet to the next, in time.
-bool isStep(Counted const& before, Counted const& packet) {
-    std::int64_t const ahead = std::int64_t{packet.smpCnt} - std::int64_t{before.smpCnt};
-    return ahead > 0 && ahead <= kMostAhead && before.time != kNoTime && packet.time != kNoTime &&
-           packet.time >= before.time;
-}
-
 /// Walks over packets while their rate is the same.
 class RateWalk {
 public:
-    RateWalk(TrafficIndex const& index, TrafficStream const& stream, PacketCourse const& course)
-        : stream_(stream), attributes_(index, stream), course_(course), blockStart_(course) {}
+    /// @param limit  how many packets are looked at; they are of one rate then
+    RateWalk(TrafficIndex const& index, TrafficStream const& stream, PacketCourse const& course,
+             std::optional<std::uint64_t> limit = std::nullopt)
+        : limit_(limit),
+          stream_(stream),
+          attributes_(index, stream),
+          course_(course),
+          blockStart_{course, 0},
+          agreeingStart_{course, 0} {
+        first_.reserve(kFirstSteps);
+    }
 
     void run();
+    /// Whether arrival showed that another rate follows: what was counted is of both rates then.
+    [[nodiscard]] bool isMixed() const { return isMixed_; }
+    /// How many packets are of the rate.
+    [[nodiscard]] std::uint64_t packets() const { return packets_; }
     [[nodiscard]] FoundRate result(SampleRate given) const;
 
 private:
     /// Half a second of packets, and some dozens at least.
-    static constexpr double kBlockTime = 0.5 * kSecond;
+    static constexpr double kBlockTime = 0.5 * kNsPerSecond;
     static constexpr std::uint32_t kBlockSteps = 32;
+    /// Packets that are taken from the course at once: not more than a part of a block.
+    static constexpr std::uint64_t kStrip = 512;
+    /// Steps by which it is seen what is usual.
+    static constexpr std::size_t kFirstSteps = 31;
 
-    void add(Counted const& packet);
+    /// A place in the course, and how many packets are before it.
+    struct Place {
+        PacketCourse course;
+        std::uint64_t packets = 0;
+    };
+
+    [[nodiscard]] bool declaresOther(PacketRef ref);
+    void addStrip(PacketCourse::Strip const& strip);
+    void addPacket(PacketRef ref);
+    void closeFrame();
+    void addStep(SampleSteps const& step, std::uint32_t count);
+    void settleFirst();
     /// @return whether the rate is another since some packet, which is the end then
     bool endBlock();
     [[nodiscard]] std::uint64_t findChange(double before, double after) const;
     [[nodiscard]] FoundRate byCounter() const;
     [[nodiscard]] bool isFreeRunning(double rate) const { return largest_ + 1.0 > rate * 1.01; }
 
+    std::optional<std::uint64_t> limit_;
+    bool isMixed_ = false;
     TrafficStream const& stream_;
     PartAttributes attributes_;
     PacketCourse course_;
     std::optional<Declared> declared_;
     std::uint64_t packets_ = 0;
-    Counted last_;
     std::uint32_t largest_ = 0;
     std::uint32_t asdus_ = 1;
     WrapsMet wraps_;
+    /// The packet before, and the frame that it is of, as far as it is known.
+    std::optional<CountedFrame> lastPacket_;
+    PacketRef lastRef_;
+    FrameSteps frames_;
+    /// Nanoseconds from sample to sample, by the middle one of the first steps; 0 before that is
+    /// known, while these are kept.
+    double usual_ = 0;
+    std::vector<SampleSteps> first_;
     /// Of all packets, and of the blocks that agree.
-    Steps all_;
-    Steps agreeing_;
-    /// The block that is being filled, and the ones before it.
-    Steps block_;
+    SampleSteps all_;
+    SampleSteps agreeing_;
+    /// The block that is being filled.
+    SampleSteps block_;
     std::uint32_t blockSteps_ = 0;
-    PacketCourse blockStart_;
-    std::uint64_t blockFirst_ = 0;
-    std::optional<PacketCourse> earlierStart_;
-    std::uint64_t earlierFirst_ = 0;
+    Place blockStart_;
+    /// Where the last block starts that agrees.
+    Place agreeingStart_;
     /// The rate of the block before, where it does not agree.
     double odd_ = 0;
 };
 
+bool RateWalk::declaresOther(PacketRef ref) {
+    if (!attributes_.isChangedAt(ref)) {
+        return false;
+    }
+    StreamAttributes const& attributes = attributes_.at(ref);
+    Declared const declared(attributes);
+    if (declared_ && *declared_ != declared && !attributes.isCut) {
+        return true;
+    }
+    if (!declared_ || !attributes.isCut) {
+        declared_ = declared;
+    }
+    asdus_ = std::max(asdus_, attributes.asdus);
+    return false;
+}
+
 void RateWalk::run() {
-    while (true) {
-        auto const ref = course_.next();
-        if (!ref) {
+    while (limit_ != packets_) {
+        std::uint64_t const most = limit_ ? std::min(kStrip, *limit_ - packets_) : kStrip;
+        PacketCourse::Strip const strip = course_.nextStrip(most);
+        // Attributes are those of the first packet throughout.
+        if (strip.count == 0 || declaresOther(strip.first)) {
+            break;
+        }
+        packets_ += strip.count;
+        addStrip(strip);
+        bool const isBlock = blockSteps_ >= kBlockSteps && block_.time >= kBlockTime;
+        if (isBlock && endBlock() && !limit_) {
+            isMixed_ = true;
             return;
         }
-        if (attributes_.isChangedAt(*ref)) {
-            StreamAttributes const& attributes = attributes_.at(*ref);
-            Declared const declared(attributes);
-            if (declared_ && *declared_ != declared && !attributes.isCut) {
-                return;
-            }
-            if (!declared_ || !attributes.isCut) {
-                declared_ = declared;
-            }
-            asdus_ = std::max(asdus_, attributes.asdus);
+    }
+    closeFrame();
+    settleFirst();
+}
+
+/// In a strip smpCnt goes on by one from packet to packet: only where frames begin and end is
+/// looked for.
+void RateWalk::addStrip(PacketCourse::Strip const& strip) {
+    PacketColumns const& packets = stream_.parts[strip.first.part].packets;
+    std::uint64_t const* const frames = packets.frameOffsets().data() + strip.first.packet;
+    auto const refOf = [&](std::uint32_t number) {
+        return PacketRef{.part = strip.first.part, .packet = strip.first.packet + number};
+    };
+    addPacket(strip.first);
+    std::uint32_t second = 1;
+    while (second < strip.count && frames[second] == frames[0]) {
+        addPacket(refOf(second++));
+    }
+    std::uint32_t last = strip.count - 1;
+    while (last > second && frames[last] == frames[strip.count - 1]) {
+        --last;
+    }
+    if (last > second && usual_ > 0) {
+        // From the end of the first whole frame to the end of the last one.
+        std::uint32_t firstEnd = second;
+        while (firstEnd < last && frames[firstEnd + 1] == frames[second]) {
+            ++firstEnd;
         }
-        ++packets_;
-        if (Counted const packet = countOf(stream_, *ref); packet.isCounted) {
-            add(packet);
-            last_ = packet;
-            if (blockSteps_ >= kBlockSteps && block_.time >= kBlockTime && endBlock()) {
-                return;
-            }
+        addPacket(refOf(firstEnd));
+        closeFrame();
+        std::int64_t const* const times = packets.times().data() + strip.first.packet;
+        addStep({.samples = static_cast<double>(last - firstEnd),
+                 .time = static_cast<double>(times[last] - times[firstEnd])},
+                last - firstEnd);
+        addPacket(refOf(last));
+        frames_ = FrameSteps();
+        closeFrame();
+        second = last + 1;
+    }
+    for (; second < strip.count; ++second) {
+        addPacket(refOf(second));
+    }
+}
+
+void RateWalk::addPacket(PacketRef ref) {
+    PacketColumns const& packets = stream_.parts[ref.part].packets;
+    if (packets.flags()[ref.packet].firstCounter() != CounterState::held) {
+        return;
+    }
+    CountedFrame const packet{.smpCnt = packets.smpCnts()[ref.packet],
+                              .time = packets.times()[ref.packet]};
+    largest_ = std::max(largest_, packets.smpCnts()[ref.packet]);
+    if (lastPacket_) {
+        bool const isTimed = packet.time != kNoTime && lastPacket_->time != kNoTime;
+        if (packet.smpCnt == 0 && lastPacket_->smpCnt > 0 && isTimed &&
+            packet.time >= lastPacket_->time) {
+            wraps_.add(static_cast<std::uint32_t>(lastPacket_->smpCnt) + 1,
+                       packet.time - lastPacket_->time);
+        }
+        bool const isSameFrame =
+            ref.part == lastRef_.part &&
+            packets.frameOffsets()[ref.packet] == packets.frameOffsets()[lastRef_.packet];
+        if (!isSameFrame) {
+            closeFrame();
+        }
+    }
+    lastPacket_ = packet;
+    lastRef_ = ref;
+}
+
+/// The newest packet of a frame stands for it.
+void RateWalk::closeFrame() {
+    if (lastPacket_) {
+        if (auto const step = frames_.add(*lastPacket_)) {
+            addStep(*step, 1);
         }
     }
 }
 
-void RateWalk::add(Counted const& packet) {
-    largest_ = std::max(largest_, packet.smpCnt);
-    if (!last_.isCounted) {
+void RateWalk::addStep(SampleSteps const& step, std::uint32_t count) {
+    if (usual_ == 0) {
+        first_.push_back(step);
+        if (first_.size() == kFirstSteps) {
+            settleFirst();
+        }
         return;
     }
-    if (isStep(last_, packet)) {
-        auto const samples = static_cast<double>(packet.smpCnt - last_.smpCnt);
-        auto const time = static_cast<double>(packet.time - last_.time);
-        all_.add(samples, time);
-        block_.add(samples, time);
-        ++blockSteps_;
-    } else if (packet.smpCnt == 0 && last_.smpCnt > 0 && last_.time != kNoTime &&
-               packet.time >= last_.time) {
-        wraps_.add(last_.smpCnt + 1, packet.time - last_.time);
+    if (step.isMeasure(usual_)) {
+        all_.add(step);
+        block_.add(step);
+        blockSteps_ += count;
     }
+}
+
+/// Finds out what is usual, and takes the steps that were kept for that.
+void RateWalk::settleFirst() {
+    if (usual_ != 0 || first_.empty()) {
+        return;
+    }
+    std::vector<double> intervals;
+    for (SampleSteps const& step : first_) {
+        intervals.push_back(step.time / step.samples);
+    }
+    auto const middle = intervals.begin() + static_cast<std::ptrdiff_t>(intervals.size() / 2);
+    std::nth_element(intervals.begin(), middle, intervals.end());
+    usual_ = std::max(*middle, 1.0);
+    for (SampleSteps const& step : first_) {
+        addStep(step, 1);
+    }
+    first_.clear();
 }
 
 bool RateWalk::endBlock() {
     double const rate = block_.rate();
     double const known = agreeing_.rate();
     bool const agrees = known == 0 || isNear(rate, known, kOtherRate);
-    if (!agrees && odd_ != 0 && isNear(rate, odd_, kOtherRate) && earlierStart_) {
-        packets_ = findChange(known, rate);
+    if (agrees) {
+        agreeing_.add(block_);
+        agreeingStart_ = blockStart_;
+    } else if (odd_ != 0 && isNear(rate, odd_, kOtherRate)) {
+        if (!limit_) {
+            packets_ = findChange(known, rate);
+        }
         return true;
     }
-    if (agrees) {
-        agreeing_.add(block_.samples, block_.time);
-    }
-    if (odd_ == 0) {
-        earlierStart_ = blockStart_;
-        earlierFirst_ = blockFirst_;
-    }
     odd_ = agrees ? 0 : rate;
-    blockStart_ = course_;
-    blockFirst_ = packets_;
+    blockStart_ = {course_, packets_};
     block_ = {};
     blockSteps_ = 0;
     return false;
 }
 
-/// The number of the packet since which a rate holds, from the block on that is before the first
-/// odd one: where two lines fit best; where smpCnt jumps close to that, there.
+/// The number of the packet since which a rate holds, after the start of the last block that
+/// agrees: where two lines fit best; where smpCnt jumps close to that, there.
 std::uint64_t RateWalk::findChange(double before, double after) const {
     constexpr std::uint64_t kClose = 64;
-    PacketCourse course = *earlierStart_;
-    std::uint64_t number = earlierFirst_;
+    PacketCourse course = agreeingStart_.course;
+    FrameSteps frames;
     double cost = 0;
     double least = 0;
-    std::uint64_t best = number;
-    std::optional<std::uint64_t> jump;
-    Counted last;
-    for (; number < packets_; ++number) {
+    std::uint64_t best = agreeingStart_.packets;
+    std::vector<std::uint64_t> jumps;
+    for (std::uint64_t number = best; number < packets_; ++number) {
         auto const ref = course.next();
-        Counted const packet = ref ? countOf(stream_, *ref) : Counted();
-        if (!packet.isCounted) {
-            continue;
+        if (!ref) {
+            break;
         }
-        if (last.isCounted && !isStep(last, packet)) {
-            if (!jump || number <= best + kClose) {
-                jump = number;
-            }
-        } else if (last.isCounted) {
-            auto const samples = static_cast<double>(packet.smpCnt - last.smpCnt);
-            auto const time = static_cast<double>(packet.time - last.time);
-            double const awayBefore = time - samples * kSecond / before;
-            double const awayAfter = time - samples * kSecond / after;
+        PacketColumns const& packets = stream_.parts[ref->part].packets;
+        auto const step = frames.add(
+            {.smpCnt = packets.smpCnts()[ref->packet], .time = packets.times()[ref->packet]});
+        if (frames.isJump()) {
+            jumps.push_back(number);
+        }
+        if (step && step->isMeasure(usual_)) {
+            double const awayBefore = step->time - step->samples * kNsPerSecond / before;
+            double const awayAfter = step->time - step->samples * kNsPerSecond / after;
             cost += awayBefore * awayBefore - awayAfter * awayAfter;
-            if (cost < least) {
+            if (cost <= least) {
                 least = cost;
                 best = number;
             }
         }
-        last = packet;
     }
-    bool const isCloseJump =
-        jump && (*jump > best ? *jump - best : best - *jump) <= kClose && *jump > 0;
-    return std::max<std::uint64_t>(isCloseJump ? *jump : best + 1, 1);
+    auto const away = [&](std::uint64_t jump) { return jump > best ? jump - best : best - jump; };
+    auto const nearest =
+        std::min_element(jumps.begin(), jumps.end(),
+                         [&](std::uint64_t a, std::uint64_t b) { return away(a) < away(b); });
+    bool const isClose = nearest != jumps.end() && away(*nearest) <= kClose && *nearest > 0;
+    return std::max<std::uint64_t>(isClose ? *nearest : best + 1, 1);
 }
 
 FoundRate RateWalk::result(SampleRate given) const {
@@ -280,13 +392,18 @@ FoundRate RateWalk::result(SampleRate given) const {
 }
 
 FoundRate RateWalk::byCounter() const {
-    constexpr std::uint64_t kSecondsPerSample = 2;
+    constexpr std::uint64_t kNanosecondssPerSample = 2;
     FoundRate found;
     found.measured = agreeing_.time > 0 ? agreeing_.rate() : all_.rate();
     double const measured = found.measured;
     std::uint64_t const declared = declared_ ? declared_->rate : 0;
     std::uint64_t const unit = declared_ ? declared_->unit : 0;
-    bool const isDeclared = declared > 0 && declared <= 0xFFFFFFFF;
+    // A rate that no publisher has, or that is far from arrival, is none.
+    constexpr std::uint64_t kFastest = 1'000'000;
+    bool const isDeclared = declared > 0 && declared <= kFastest;
+    auto const isFar = [&](double perSecond) {
+        return measured > 0 && (perSecond > 2 * measured || perSecond < measured / 2);
+    };
     auto const rate = static_cast<std::uint32_t>(isDeclared ? declared : 0);
     auto const take = [&](std::uint32_t samples, std::uint32_t seconds, RateSource source) {
         found.rate = {.samples = samples, .seconds = seconds};
@@ -294,15 +411,18 @@ FoundRate RateWalk::byCounter() const {
         return found;
     };
 
-    std::uint32_t const shown = wraps_.largestNear(measured, asdus_);
+    std::uint32_t const shown = wraps_.largestNear(measured, asdus_, standardNear(measured));
     if (isDeclared && unit == 1) {
         found.isContradicted = (shown != 0 && shown != rate) || isFreeRunning(rate) ||
                                (measured > 0 && !isNear(rate, measured, kSameRate));
-        if (shown == 0 && !isFreeRunning(rate)) {
+        if (shown == 0 && !isFreeRunning(rate) && !isFar(rate)) {
             return take(rate, 1, RateSource::declared);
         }
-    } else if (isDeclared && unit == kSecondsPerSample) {
-        return take(1, rate, RateSource::declared);
+    } else if (isDeclared && unit == kNanosecondssPerSample) {
+        found.isContradicted = isFar(1.0 / rate);
+        if (!found.isContradicted) {
+            return take(1, rate, RateSource::declared);
+        }
     } else if (isDeclared && unit == 0 && measured > 0) {
         for (std::uint32_t const periods : {1U, 50U, 60U}) {
             std::uint64_t const product = std::uint64_t{rate} * periods;
@@ -320,10 +440,8 @@ FoundRate RateWalk::byCounter() const {
     if (measured <= 0) {
         return found;
     }
-    for (std::uint32_t const standard : kStandardRates) {
-        if (isNear(standard, measured, kSameRate)) {
-            return take(standard, 1, RateSource::standard);
-        }
+    if (std::uint32_t const standard = standardNear(measured); standard != 0) {
+        return take(standard, 1, RateSource::standard);
     }
     constexpr double kMost = 4e9;
     if (measured >= 1 && measured < kMost) {
@@ -341,7 +459,12 @@ FoundRate findRate(TrafficIndex const& index, TrafficStream const& stream, Packe
                    SampleRate given) {
     RateWalk walk(index, stream, course);
     walk.run();
-    return walk.result(given);
+    if (!walk.isMixed()) {
+        return walk.result(given);
+    }
+    RateWalk again(index, stream, course, walk.packets());
+    again.run();
+    return again.result(given);
 }
 
 }  // namespace TalIec61850Analysis::detail

@@ -35,10 +35,10 @@ std::vector<SampleType> repeated(std::initializer_list<SampleType> members, std:
 }  // namespace
 
 void LayoutInference::Words::add(std::uint32_t word) {
-    constexpr std::uint32_t kQualityBits = 0x3FFF;
+    constexpr std::uint32_t kUsedBits = 0x3FFF;
     constexpr float kSmallest = 1e-6F;
     constexpr float kLargest = 1e9F;
-    areQualities = areQualities && (word & ~kQualityBits) == 0;
+    areQualities = areQualities && (word & ~kUsedBits) == 0;
     if ((word & 0x7FFFFFFFU) == 0) {  // zero, of either sign
         isZero = isZero && word == 0;
         return;

@@ -3,6 +3,71 @@
 
 namespace TalIec61850Analysis::detail {
 
+namespace {
+
+/// Tells whether packets go on from the ones before them. What differs is collected without
+/// branches: a compiler makes vectors of that.
+class StripColumns {
+public:
+    /// How many packets are looked at at once.
+    static constexpr std::size_t kBlock = 32;
+
+    explicit StripColumns(PacketColumns const& packets)
+        : times_(packets.times().data()),
+          smpCnts_(packets.smpCnts().data()),
+          synchs_(packets.smpSynchs().data()),
+          flags_(packets.flags().data()) {}
+
+    /// Whether a packet has a time and both counters in their columns, and is no copy.
+    [[nodiscard]] bool isUsual(std::size_t packet) const {
+        return (flags_[packet].bits & kUnusual) == 0 && times_[packet] != kNoTime;
+    }
+
+    /// Whether a packet goes on from the one before it.
+    [[nodiscard]] bool goesOn(std::size_t packet) const { return goOn<1>(packet); }
+
+    /// Whether a block of packets does, from this one on.
+    [[nodiscard]] bool goOn(std::size_t packet) const { return goOn<kBlock>(packet); }
+
+private:
+    // Neither copy nor duplicate, and both counters in their columns.
+    static constexpr auto kUnusual = static_cast<std::uint16_t>(
+        PacketFlags::kCopy | PacketFlags::kDuplicate | 3U << PacketFlags::kFirstCounterShift |
+        3U << PacketFlags::kSecondCounterShift);
+    /// 2^26 ns: some 67 ms. A time before the other makes a large number as well.
+    static constexpr unsigned kSoonBits = 26;
+
+    template <std::size_t Count>
+    [[nodiscard]] bool goOn(std::size_t packet) const {
+        std::uint64_t late = 0;
+        std::uint32_t other = 0;
+        std::uint16_t unusual = 0;
+        std::uint8_t synch = 0;
+        for (std::size_t i = packet; i < packet + Count; ++i) {
+            late |= (static_cast<std::uint64_t>(times_[i]) -
+                     static_cast<std::uint64_t>(times_[i - 1])) >>
+                    kSoonBits;
+        }
+        for (std::size_t i = packet; i < packet + Count; ++i) {
+            other |= smpCnts_[i] ^ (smpCnts_[i - 1] + 1);
+        }
+        for (std::size_t i = packet; i < packet + Count; ++i) {
+            unusual = static_cast<std::uint16_t>(unusual | (flags_[i].bits & kUnusual));
+        }
+        for (std::size_t i = packet; i < packet + Count; ++i) {
+            synch = static_cast<std::uint8_t>(synch | (synchs_[i] ^ synchs_[i - 1]));
+        }
+        return (late | other | unusual | synch) == 0;
+    }
+
+    std::int64_t const* times_;
+    std::uint32_t const* smpCnts_;
+    std::uint8_t const* synchs_;
+    PacketFlags const* flags_;
+};
+
+}  // namespace
+
 PacketCourse::PacketCourse(TrafficStream const& stream) : stream_(&stream) {
     for (StreamPart const& part : stream.parts) {
         parts_.push_back({.flags = part.packets.flags().data(),
@@ -51,11 +116,6 @@ std::size_t PacketCourse::endOfAttributes(Cursor& cursor) const {
 }
 
 PacketCourse::Strip PacketCourse::nextStrip(std::uint64_t most) {
-    // Neither copy nor duplicate, and both counters in their columns.
-    constexpr auto kUnusual = static_cast<std::uint16_t>(
-        PacketFlags::kCopy | PacketFlags::kDuplicate | 3U << PacketFlags::kFirstCounterShift |
-        3U << PacketFlags::kSecondCounterShift);
-    constexpr std::int64_t kSoon = 50'000'000;
     std::int64_t until = 0;
     Cursor* const cursor = nextPart(until);
     if (cursor == nullptr) {
@@ -68,32 +128,27 @@ PacketCourse::Strip PacketCourse::nextStrip(std::uint64_t most) {
         }
     }
     auto const part = static_cast<std::size_t>(cursor - parts_.data());
-    PacketColumns const& packets = stream_->parts[part].packets;
     std::size_t const first = cursor->next;
-    std::size_t last = first;
-    if ((cursor->flags[first].bits & kUnusual) == 0 && cursor->times[first] != kNoTime) {
-        std::uint32_t const* const smpCnts = packets.smpCnts().data();
-        std::uint8_t const* const synchs = packets.smpSynchs().data();
-        std::size_t const end = std::min<std::uint64_t>(
-            endOfAttributes(*cursor), first + std::min<std::uint64_t>(most, cursor->size));
-        auto const goesOn = [&](std::size_t packet) {
-            std::int64_t const time = cursor->times[packet];
-            std::int64_t const since = time - cursor->times[packet - 1];
-            return smpCnts[packet] == smpCnts[packet - 1] + 1 && since >= 0 && since < kSoon &&
-                   (cursor->flags[packet].bits & kUnusual) == 0 &&
-                   synchs[packet] == synchs[first] && time < until;
-        };
-        while (last + 1 < end && goesOn(last + 1)) {
-            ++last;
+    std::size_t const end = std::min<std::uint64_t>(
+        endOfAttributes(*cursor), first + std::min<std::uint64_t>(most, cursor->size));
+    StripColumns const columns(stream_->parts[part].packets);
+    std::size_t after = first + 1;
+    if (columns.isUsual(first)) {
+        while (after + StripColumns::kBlock <= end && cursor->times[after] < until &&
+               cursor->times[after + StripColumns::kBlock - 1] < until && columns.goOn(after)) {
+            after += StripColumns::kBlock;
+        }
+        while (after < end && cursor->times[after] < until && columns.goesOn(after)) {
+            ++after;
         }
     }
-    cursor->next = last + 1;
+    cursor->next = after;
     if (parts_.size() > 1) {
         settle(*cursor);
     }
     return {.first = {.part = static_cast<std::uint32_t>(part),
                       .packet = static_cast<std::uint32_t>(first)},
-            .count = static_cast<std::uint32_t>(last + 1 - first)};
+            .count = static_cast<std::uint32_t>(after - first)};
 }
 
 std::optional<PacketRef> PacketCourse::nextOfSeveral() {

@@ -26,7 +26,7 @@ public:
         std::uint32_t count = 0;
     };
 
-    /// The next packets of which each goes on where the one before is: smpCnt by one, within 50 ms,
+    /// The next packets of which each goes on where the one before is: smpCnt by one, within 67 ms,
     /// with the same smpSynch and the same attributes. All others come by themselves.
     /// @param most  not 0
     /// @return count is 0 after the last packet

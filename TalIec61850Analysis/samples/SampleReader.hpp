@@ -22,8 +22,8 @@ enum class SampleRows : std::uint8_t {
 /// Which samples are read, and as what.
 struct SampleOptions {
     /// The first instant in the window; not set for a window without a start. Windows go by the
-    /// time of the sample, by arrival where it has none; without either, it is in no window that
-    /// has an end.
+    /// time of the sample, by arrival where it has none; without either, it is in no window but
+    /// that without start and end.
     std::optional<CaptureTime> from;
     /// The first instant after the window; not set for a window without an end.
     std::optional<CaptureTime> end;

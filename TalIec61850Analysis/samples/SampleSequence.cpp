@@ -6,7 +6,7 @@ namespace TalIec61850Analysis::detail {
 
 namespace {
 
-constexpr std::int64_t kSecond = 1'000'000'000;
+constexpr std::int64_t kSecondNs = 1'000'000'000;
 /// How far the clock of a capture may be ahead of that of a publisher.
 constexpr std::int64_t kClockAhead = 100'000'000;
 /// smpSynch of a publisher that is synchronized to a global clock.
@@ -347,8 +347,8 @@ void SampleSequence::fillTimes(std::int64_t number, SequencedSample const& like,
     // As countedTime, without a division for each: whole nanoseconds, and parts of one. smpCnt
     // counts seconds, so that the rate is in samples a second.
     std::int64_t const each = runRate_.rate.samples;
-    std::int64_t const whole = kSecond / each;
-    std::int64_t const part = kSecond % each;
+    std::int64_t const whole = kSecondNs / each;
+    std::int64_t const part = kSecondNs % each;
     std::int64_t time = countedTime(number);
     std::int64_t parts = (number - numberInSecond_) % each * part % each;
     for (std::int64_t& result : times) {
@@ -369,7 +369,7 @@ void SampleSequence::fixSecond(SequencedSample const& sample) {
         return;
     }
     std::int64_t const inSecond = sample.number % runRate_.wrap;
-    second_ = floorTo(arrival - runRate_.rate.timeOf(inSecond) + kClockAhead, kSecond);
+    second_ = floorTo(arrival - runRate_.rate.timeOf(inSecond) + kClockAhead, kSecondNs);
     numberInSecond_ = sample.number - inSecond;
 }
 

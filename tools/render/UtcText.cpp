@@ -1,5 +1,6 @@
 #include "tools/render/UtcText.hpp"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
@@ -18,26 +19,54 @@ char* writeDigits(char* end, std::uint64_t number, int digits) {
     return end;
 }
 
-}  // namespace
+/// The text of a time up to its seconds, "2023-11-14T22:13:20.".
+struct SecondText {
+    static constexpr std::size_t kSize = 20;
 
-ShortText toUtcCell(TalIec61850Analysis::CaptureTime time) {
-    auto const midnight = std::chrono::floor<std::chrono::days>(time);
+    std::chrono::sys_seconds second = std::chrono::sys_seconds::min();
+    std::array<char, kSize> text{};
+};
+
+SecondText makeSecondText(std::chrono::sys_seconds second) {
+    auto const midnight = std::chrono::floor<std::chrono::days>(second);
     std::chrono::year_month_day const date(midnight);
-    std::chrono::hh_mm_ss const clock(time - midnight);
+    std::chrono::hh_mm_ss const clock(second - midnight);
+    SecondText made{.second = second, .text = {}};
     // From the end to the start; the year of a time has four digits.
-    std::array<char, 30> text{};
-    char* at = text.data() + text.size();
+    char* at = made.text.data() + made.text.size();
     auto const put = [&at](auto number, int digits, char after) {
         *--at = after;
         at = writeDigits(at, static_cast<std::uint64_t>(number), digits);
     };
-    put(clock.subseconds().count(), 9, 'Z');
     put(clock.seconds().count(), 2, '.');
     put(clock.minutes().count(), 2, ':');
     put(clock.hours().count(), 2, ':');
     put(static_cast<unsigned>(date.day()), 2, 'T');
     put(static_cast<unsigned>(date.month()), 2, '-');
     put(static_cast<int>(date.year()), 4, '-');
+    return made;
+}
+
+/// Rows that follow each other are mostly of the same seconds: few texts are made anew.
+SecondText const& secondTextOf(std::chrono::sys_seconds second) {
+    thread_local std::array<SecondText, 4> known;
+    SecondText& text =
+        known[static_cast<std::uint64_t>(second.time_since_epoch().count()) % known.size()];
+    if (text.second != second) {
+        text = makeSecondText(second);
+    }
+    return text;
+}
+
+}  // namespace
+
+ShortText toUtcCell(TalIec61850Analysis::CaptureTime time) {
+    constexpr int kDecimals = 9;
+    auto const second = std::chrono::floor<std::chrono::seconds>(time);
+    std::array<char, SecondText::kSize + kDecimals + 1> text{};
+    std::copy_n(secondTextOf(second).text.begin(), SecondText::kSize, text.begin());
+    text.back() = 'Z';
+    writeDigits(&text.back(), static_cast<std::uint64_t>((time - second).count()), kDecimals);
     return ShortText({text.data(), text.size()});
 }
 
