@@ -386,10 +386,9 @@ void addComtradeCommand(ProgramDefinition& program, Action& chosen) {
         addCommand(program, "comtrade", "Write the samples of SV streams as COMTRADE records.");
     addComtradeOptions(command, *options);
     command.notes = comtradeNotes();
-    command.examples = {
-        "tal-iec61850 comtrade -o trip --around 10:00:00.28 --span 2s --svid MU01 bay1.pcap",
-        "tal-iec61850 comtrade -o trip --quality bits --goose '*gcbTrip' bay1.pcap",
-        "tal-iec61850 comtrade -o old --edition 1999 --data ascii --svid MU01 bay1.pcap"};
+    command.examples = {"tal-iec61850 comtrade -o trip --around 10:00:00.28 --span 2s bay1.pcap",
+                        "tal-iec61850 comtrade -o trip --quality bits --goose '*gcbTrip' bay1.pcap",
+                        "tal-iec61850 comtrade -o old --edition 1999 --svid MU01 bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runComtrade(*options); }; });
 }

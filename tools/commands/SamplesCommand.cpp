@@ -329,10 +329,9 @@ void addSamplesCommand(ProgramDefinition& program, Action& chosen) {
             "Write the first N rows at most")
         ->option_text("N");
     command.notes = samplesNotes();
-    command.examples = {
-        "tal-iec61850 samples --svid MU01 --around 10:00:00.28 --span 100ms bay1.pcap",
-        "tal-iec61850 samples --scaled --missing -f csv -o bay1.csv bay1.pcap",
-        "tal-iec61850 samples --layout 'float32,quality,float32,quality' -f json bay1.pcap"};
+    command.examples = {"tal-iec61850 samples --svid MU01 --around 10:00:00.28 bay1.pcap",
+                        "tal-iec61850 samples --scaled --missing -f csv -o bay1.csv bay1.pcap",
+                        "tal-iec61850 samples --layout float32,quality -f json bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runSamples(*options); }; });
 }
