@@ -351,6 +351,40 @@ TEST(SamplesColumns, AreThoseAskedFor) {
     expectUsageError({"samples", "--columns", "nothing", file.path()});
 }
 
+TEST(SamplesColumns, MayBeThoseOfChannels) {
+    WaveformStream stream(declaredWave());
+    stream.send(kWaveFrames).lose().send();
+    TempFile const file(stream.captures()[0]);
+    Arguments const chosen = {"samples", file.path(), "--missing", "--columns",
+                              "smpCnt,Ub,ia.quality,Ia"};
+    auto const csv = runCompanion(joined(chosen, {"-f", "csv"}));
+    EXPECT_EQ(headOf(csv), "smpCnt,Ub,Ia.quality,Ia");
+    std::string ignored;
+    auto const all = samplesOf({"--missing", file.path()}, &ignored);
+    auto const rows = csvRows(csv.out);
+    ASSERT_EQ(rows.size(), all.size());
+    for (std::size_t i = 0; i < kWaveFrames; ++i) {
+        EXPECT_EQ(rows[i].at("Ub"), all[i]["values"][5].dump());
+        EXPECT_EQ(rows[i].at("Ia"), all[i]["values"][0].dump());
+        EXPECT_EQ(rows[i].at("Ia.quality"), all[i]["quality"][0].dump());
+    }
+    EXPECT_EQ(rows[kWaveFrames].at("smpCnt"), "300");
+    EXPECT_EQ(rows[kWaveFrames].at("Ia"), std::nullopt);
+    EXPECT_EQ(rows[kWaveFrames].at("Ia.quality"), std::nullopt);
+    auto const json = Json::parse(linesOf(runCompanion(joined(chosen, {"-f", "json"})).out).at(1));
+    EXPECT_EQ(json["Ub"], all[1]["values"][5]);
+    auto const table = linesOf(runCompanion(chosen).out);
+    EXPECT_NE(table.at(0).find("UB"), std::string::npos) << table[0];
+    // Only the channels that are asked for have columns, and by number where they have no name.
+    expectUsageError({"samples", file.path(), "--channels", "2", "--columns", "Ia"});
+    TempFile const other = samplesFile(waveOf({WaveMember::float32}, 6));
+    auto const numbered =
+        runCompanion({"samples", "-f", "csv", other.path(), "--columns", "value6,quality6,asdu"});
+    EXPECT_EQ(headOf(numbered), "value6,quality6,asdu");
+    EXPECT_EQ(csvRows(numbered.out).at(0).at("quality6"), std::nullopt);
+    EXPECT_NE(csvRows(numbered.out).at(0).at("value6"), std::nullopt);
+}
+
 TEST(SamplesTable, FitsTheTerminal) {
     WaveformStream stream(declaredWave());
     WaveformSettings other = waveOf({WaveMember::int32, WaveMember::quality}, 20);

@@ -46,7 +46,11 @@ struct SamplesOptions {
 };
 
 std::string samplesNotes() {
-    SampleForm const form{.format = Format::json, .isLong = false, .channels = {}, .names = {}};
+    SampleForm const form{.format = Format::json,
+                          .isLong = false,
+                          .channels = {},
+                          .names = {},
+                          .hasFieldPerChannel = false};
     auto const fields = listFields(fieldNames(sampleRowLayout(form)),
                                    {{"timeNs", "arrival, nanoseconds since 1970"},
                                     {"sampleTimeSource", "refrTm, smpCnt or fit"},
@@ -95,6 +99,7 @@ SampleForm formOf(SamplesOptions const& options, WantedSamples const& samples) {
     SampleForm form;
     form.format = options.choice.common.format;
     form.isLong = options.isLong;
+    form.hasFieldPerChannel = !options.choice.common.columns.empty();
     std::optional<std::vector<std::string>> names;
     for (WantedStream const& stream : samples.streams()) {
         for (auto const& layout : stream.layouts) {

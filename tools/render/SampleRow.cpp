@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "tools/render/Cells.hpp"
 #include "tools/render/QualityText.hpp"
@@ -197,16 +198,19 @@ public:
         return {text_};
     }
 
-    /// The value of the row's channel.
-    [[nodiscard]] Cell value(Row row) {
+    /// The value of one channel. Octets take the place of the first.
+    [[nodiscard]] Cell value(Row row, std::size_t channel) {
         text_.clear();
         if (row.isMissing()) {
             return {};
         }
         if (row.isOctets()) {
-            return hexText(row);
+            return channel == 0 ? Cell(hexText(row)) : Cell();
         }
-        appendValue(text_, row, row.channel, form_.format == Format::json);
+        if (channel >= row.block->channels.size()) {
+            return {};
+        }
+        appendValue(text_, row, channel, form_.format == Format::json);
         return ReadyText{text_};
     }
 
@@ -240,12 +244,15 @@ Cell channelNameCell(Row row) {
 }
 
 std::optional<std::uint32_t> qualityOf(Row row, std::size_t channel) {
+    if (channel >= row.block->channels.size()) {
+        return std::nullopt;
+    }
     auto const& qualities = row.block->channels[channel].qualities;
     return qualities.empty() ? std::nullopt : std::optional(qualities[row.row]);
 }
 
-Cell channelQualityCell(Row row) {
-    auto const quality = hasChannel(row) ? qualityOf(row, row.channel) : std::nullopt;
+Cell channelQualityCell(Row row, std::size_t channel) {
+    auto const quality = hasChannel(row) ? qualityOf(row, channel) : std::nullopt;
     return quality ? Cell(*quality) : Cell();
 }
 
@@ -258,15 +265,38 @@ std::string channelName(SampleForm const& form, std::size_t channel) {
     return channel < form.names.size() ? form.names[channel] : std::string();
 }
 
+/// The names of a channel's value and of its quality.
+std::pair<std::string, std::string> columnNamesOf(SampleForm const& form, std::size_t channel) {
+    std::string const name = channelName(form, channel);
+    return name.empty() ? std::pair(fmt::format("value{}", channel + 1),
+                                    fmt::format("quality{}", channel + 1))
+                        : std::pair(name, name + ".quality");
+}
+
 /// The names of the columns that one field is made of.
 std::string_view columnNames(SampleForm const& form, std::string& names) {
     for (std::size_t const channel : form.channels) {
-        std::string const name = channelName(form, channel);
-        names += names.empty() ? "" : ",";
-        names += name.empty() ? fmt::format("value{0},quality{0}", channel + 1)
-                              : fmt::format("{0},{0}.quality", name);
+        auto const [value, quality] = columnNamesOf(form, channel);
+        names += fmt::format("{}{},{}", names.empty() ? "" : ",", value, quality);
     }
     return names;
+}
+
+/// A field for each value and each quality.
+void addChannelFields(std::vector<Field<SampleRow>>& fields, SampleForm const& form,
+                      std::shared_ptr<ChannelTexts> const& texts) {
+    auto const names = std::make_shared<std::vector<std::pair<std::string, std::string>>>();
+    for (std::size_t const channel : form.channels) {
+        names->push_back(columnNamesOf(form, channel));
+    }
+    for (std::size_t i = 0; i < names->size(); ++i) {
+        std::size_t const channel = form.channels[i];
+        fields.push_back({(*names)[i].first, [texts, names, channel](Row r) -> Cell {
+                              return texts->value(r, channel);
+                          }});
+        fields.push_back({(*names)[i].second,
+                          [channel](Row r) -> Cell { return channelQualityCell(r, channel); }});
+    }
 }
 
 /// Of a table: "good" where all are, else the channels that are not.
@@ -276,8 +306,7 @@ Cell qualitySummaryCell(Row row, SampleForm const& form) {
     }
     std::string text;
     for (std::size_t const channel : form.channels) {
-        auto const quality =
-            channel < row.block->channels.size() ? qualityOf(row, channel) : std::nullopt;
+        auto const quality = qualityOf(row, channel);
         if (quality && *quality != 0) {
             std::string const name = channelName(form, channel);
             text += text.empty() ? "" : "; ";
@@ -346,11 +375,11 @@ RowLayout<SampleRow> sampleRowLayout(SampleForm const& form) {
     if (form.isLong) {
         fields.push_back({"channel", channelNumberCell});
         fields.push_back({"name", channelNameCell});
-        fields.push_back({"value", [texts](Row r) { return texts->value(r); }});
-        fields.push_back({"quality", channelQualityCell});
+        fields.push_back({"value", [texts](Row r) { return texts->value(r, r.channel); }});
+        fields.push_back({"quality", [](Row r) { return channelQualityCell(r, r.channel); }});
         fields.push_back({"qualityText", channelQualityTextCell});
     } else if (form.format == Format::csv || form.format == Format::spreadsheet) {
-        if (!form.channels.empty()) {
+        if (!form.channels.empty() && !form.hasFieldPerChannel) {
             auto const names = std::make_shared<std::string>();
             fields.push_back({columnNames(form, *names),
                               [texts, names](Row r) -> Cell { return texts->columns(r); }});
@@ -358,6 +387,9 @@ RowLayout<SampleRow> sampleRowLayout(SampleForm const& form) {
     } else {
         fields.push_back({"values", [texts](Row r) -> Cell { return texts->values(r); }});
         fields.push_back({"quality", [texts](Row r) -> Cell { return texts->qualities(r); }});
+    }
+    if (form.hasFieldPerChannel && !form.isLong) {
+        addChannelFields(fields, form, texts);
     }
     layout.columns = tableColumns(fields, form);
     return layout;

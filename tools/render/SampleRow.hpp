@@ -42,10 +42,12 @@ struct SampleForm {
     /// By the number of the channel; empty where they are not known, or not the same for all
     /// streams.
     std::vector<std::string> names;
+    /// Each channel has fields of its own, too, to choose columns from.
+    bool hasFieldPerChannel = false;
 };
 
 /// The fields of a sample. In csv there are columns for each channel, or in rows of a channel
-/// those of one; in json there are arrays.
+/// those of one; in json there are arrays. Fields of a channel are named as its columns are.
 ///
 ///     time               text       when the frame was captured, UTC
 ///     timeNs             integer    the same in nanoseconds since 1970
