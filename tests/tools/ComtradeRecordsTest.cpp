@@ -203,6 +203,11 @@ TEST(ComtradeSplit, LeavesOutPartsWithoutASample) {
     EXPECT_EQ(samples, 800U);
 }
 
+TEST(ComtradeSplit, IntoTooManyRecordsIsRefused) {
+    RecordFolder const place(tripCapture());
+    place.expectRefusal({"--split", "1us"}, "--split would make more than 100000 records");
+}
+
 TEST(ComtradeStreams, OfOneRateShareTheirRows) {
     // The second begins 20 samples later, ends 30 later, and lost some.
     WaveformSettings settings = waveCalled("MU02");

@@ -131,8 +131,11 @@ TEST(ComtradeValues, HaveTheFilesOfTheirKind) {
     EXPECT_EQ(written.record().header.substr(0, header.size()), header);
     for (std::string const& words :
          {written.capture(), std::string("BINARY32"), std::string("edition 2013"),
-          std::string("426 at 4000 samples in 1 s"), std::string("420 by smpSynch 2 and smpCnt"),
-          std::string("1 mA and 10 mV"), std::string("6 missing")}) {
+          std::string("Rows: 426, from 2023-11-14T22:13:20.000000000Z"),
+          std::string("Rate: 4000 samples a second, by smpRate"),
+          std::string("Layout: MU01: 8 x (INT32, quality), inferred from "),
+          std::string("420 by smpSynch 2 and smpCnt"), std::string("1 mA and 10 mV"),
+          std::string("6 missing")}) {
         EXPECT_NE(header.find(words), std::string::npos) << words << "\n" << header;
     }
 }
@@ -374,6 +377,33 @@ TEST(ComtradeValues, AtTheEndsOf64BitsAreWithinAStep) {
                         written.record().analogs[0].a * 1.01);
         }
     }
+}
+
+TEST(ComtradeValues, ThatAreNoNumbersAreMissingAndCounted) {
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (std::uint32_t i = 0; i < kWaveFrames; ++i) {
+        SvMessage message;
+        message.asdus[0].smpCnt = Unsigned<2>(i);
+        // 1.5, not a number, an infinite one.
+        message.asdus[0].seqData = i == 5   ? Bytes{0x7F, 0xC0, 0, 0}
+                                   : i == 6 ? Bytes{0x7F, 0x80, 0, 0}
+                                            : Bytes{0x3F, 0xC0, 0, 0};
+        capture.add(1'700'000'000, 300'000 + i * 250'000, svFrame(svEthernet(), message));
+    }
+    Arguments const layout = {"--layout", "float32"};
+    WrittenRecord const written(capture.bytes(), layout);
+    ReadComtrade const& record = written.record();
+    EXPECT_EQ(record.value(4, 0), 1.5);
+    EXPECT_FALSE(record.rows[5].analogs[0].has_value());
+    EXPECT_NE(written.err().find("1 sample no number, stored as missing"), std::string::npos)
+        << written.err();
+    // Texts have no such numbers but csv.
+    EXPECT_EQ(written.samples(layout).at(5)["values"], Json::array({nullptr}));
+    EXPECT_EQ(written.samples(layout).at(4)["values"], Json::array({1.5}));
+    auto const csv =
+        csvRows(runCompanion(joined({"samples", "-f", "csv", written.capture()}, layout)).out);
+    EXPECT_EQ(csv.at(5).at("value1"), "nan");
+    EXPECT_EQ(csv.at(6).at("value1"), "inf");
 }
 
 TEST(ComtradeNames, HoldNothingThatAFieldCannot) {

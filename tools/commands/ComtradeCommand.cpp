@@ -328,6 +328,10 @@ private:
         for (CaptureSource const& capture : run_.captures()) {
             remarks.files.push_back(escapeText(capture.name));
         }
+        remarks.rate = rateText(survey.grid.rate, survey.rateSource);
+        for (RecordSource const& source : record.sources()) {
+            remarks.layouts.push_back(layoutOf(*source.stream, source.layout));
+        }
         auto const by = [&](SampleTimeSource source) {
             return survey.timeSources[static_cast<std::size_t>(source)];
         };
@@ -346,6 +350,32 @@ private:
                 "hold from the arrival of a packet on; before the first packet they are 0.";
         }
         return recordText(record.record(), remarks, losses);
+    }
+
+    /// The layout that samples of a stream have in a record, and on what grounds.
+    [[nodiscard]] std::string layoutOf(TrafficStream const& stream,
+                                       SampleLayout const& layout) const {
+        for (WantedStream const& wanted : samples_.streams()) {
+            for (auto const& known : wanted.layouts) {
+                if (wanted.stream == &stream && known.found.layout == layout) {
+                    return fmt::format("{}: {}, {}", escapeText(stream.key.name),
+                                       layoutText(known.found, known.dataSize),
+                                       groundsText(known.found));
+                }
+            }
+        }
+        return escapeText(stream.key.name);
+    }
+
+    [[nodiscard]] static std::string groundsText(FoundLayout const& found) {
+        switch (found.source) {
+            case LayoutSource::given:
+                return "as given on the command line";
+            case LayoutSource::inferred:
+                return fmt::format("inferred from {}", plural(found.asdus, "ASDU"));
+            default:
+                return fmt::format("not decided by {}", plural(found.asdus, "ASDU"));
+        }
     }
 
     [[nodiscard]] std::string scaleText(SampleRecord const& record) const {

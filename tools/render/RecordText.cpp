@@ -41,8 +41,11 @@ std::string recordText(ComtradeRecord const& record, RecordRemarks const& remark
     }
     text += fmt::format("\nFormat: {}, edition {}.\n", nameOf(record.format.data),
                         static_cast<unsigned>(record.format.edition));
-    text += fmt::format("Rows: {} at {} samples in {} s, from {}.\n", record.rows,
-                        record.rate.samples, record.rate.seconds, toUtcText(record.start));
+    text += fmt::format("Rows: {}, from {}.\nRate: {}.\n", record.rows, toUtcText(record.start),
+                        remarks.rate);
+    for (std::string const& layout : remarks.layouts) {
+        text += fmt::format("Layout: {}.\n", layout);
+    }
     text += remarks.missing + "\n" + remarks.times + "\n" + remarks.scales + "\n";
     if (!remarks.digitals.empty()) {
         text += remarks.digitals + "\n";

@@ -14,6 +14,10 @@ namespace TalIec61850Tools {
 struct RecordRemarks {
     /// The captures.
     std::vector<std::string> files;
+    /// What the samples of each stream are taken for.
+    std::vector<std::string> layouts;
+    /// The rate, and what tells it.
+    std::string rate;
     /// Where the times of rows come from.
     std::string times;
     /// How many rows have no sample, of how many.

@@ -22,20 +22,40 @@ constexpr std::uint64_t kMostNotes = 8;
 
 std::string_view nameOf(SampleType type) {
     switch (type) {
+        case SampleType::boolean:
+            return "BOOLEAN";
+        case SampleType::int8:
+            return "INT8";
+        case SampleType::int16:
+            return "INT16";
+        case SampleType::int24:
+            return "INT24";
+        case SampleType::int32:
+            return "INT32";
+        case SampleType::int64:
+            return "INT64";
+        case SampleType::int8u:
+            return "INT8U";
+        case SampleType::int16u:
+            return "INT16U";
+        case SampleType::int24u:
+            return "INT24U";
+        case SampleType::int32u:
+            return "INT32U";
         case SampleType::float32:
             return "FLOAT32";
         case SampleType::float64:
             return "FLOAT64";
+        case SampleType::enumerated:
+            return "enumeration";
         case SampleType::quality:
             return "quality";
-        case SampleType::timestamp:
-            return "timestamp";
         default:
-            return "INT32";
+            return "timestamp";
     }
 }
 
-std::string rateText(SampleRate const& rate) {
+std::string perSecondText(SampleRate const& rate) {
     if (!rate.isKnown()) {
         return "an unknown rate";
     }
@@ -74,6 +94,10 @@ std::string datSetText(StreamAttributes const& attributes) {
 }
 
 }  // namespace
+
+std::string rateText(SampleRate const& rate, RateSource source) {
+    return fmt::format("{}, {}", perSecondText(rate), sourceText(source));
+}
 
 std::string layoutText(FoundLayout const& layout, std::size_t dataSize) {
     if (!layout.layout) {
@@ -145,8 +169,7 @@ void SampleNotes::lookAtRun(SampleBlock const& block) {
                 note(block, "the clock of the capture jumped");
                 break;
             case RunStart::rateChange:
-                note(block, fmt::format("from here on {}, {}", rateText(run.rate),
-                                        sourceText(run.rateSource)));
+                note(block, fmt::format("from here on {}", rateText(run.rate, run.rateSource)));
                 break;
             case RunStart::uncounted:
                 note(block, "smpCnt is absent from here on, or is there again");
@@ -158,8 +181,8 @@ void SampleNotes::lookAtRun(SampleBlock const& block) {
     bool const wasTold =
         before_ && before_->run.isRateContradicted && before_->run.rate == run.rate;
     if (run.isRateContradicted && !wasTold) {
-        note(block, fmt::format("smpRate and smpCnt contradict each other: taken as {}, {}",
-                                rateText(run.rate), sourceText(run.rateSource)));
+        note(block, fmt::format("smpRate and smpCnt contradict each other: taken as {}",
+                                rateText(run.rate, run.rateSource)));
     }
 }
 

@@ -15,6 +15,10 @@ namespace TalIec61850Tools {
 [[nodiscard]] std::string layoutText(TalIec61850Analysis::FoundLayout const& layout,
                                      std::size_t dataSize);
 
+/// A rate, and what tells it: "4000 samples a second, by smpRate".
+[[nodiscard]] std::string rateText(TalIec61850Analysis::SampleRate const& rate,
+                                   TalIec61850Analysis::RateSource source);
+
 /// Says what changes in the course of the samples of a stream, and what they are taken for where
 /// that is not certain: a line each, with the place.
 class SampleNotes {
