@@ -16,6 +16,7 @@
 #include "tools/output/RowLines.hpp"
 #include "tools/render/CaptureLayout.hpp"
 #include "tools/render/PacketLayout.hpp"
+#include "tools/render/SampleRow.hpp"
 #include "tools/render/StreamLayout.hpp"
 
 namespace TalIec61850Tools {
@@ -24,8 +25,23 @@ namespace {
 using Names = std::vector<std::string_view>;
 using NameSet = std::set<std::string>;
 
+/// The fields that a row of `samples` has, or those that are of one channel alone.
+Names sampleFields(bool isLong) {
+    static SampleForm const json{.format = Format::json};
+    static SampleForm const ofOneChannel{.format = Format::json, .isLong = true};
+    Names const wide = fieldNames(sampleRowLayout(json));
+    Names names = fieldNames(sampleRowLayout(ofOneChannel));
+    if (!isLong) {
+        return wide;
+    }
+    names.erase(names.begin(), std::find(names.begin(), names.end(), "channel"));
+    return names;
+}
+
 std::map<std::string, Names> layouts() {
-    return {{"captures", fieldNames(captureLayout())},
+    return {{"samples", sampleFields(false)},
+            {"samples --long", sampleFields(true)},
+            {"captures", fieldNames(captureLayout())},
             {"streams", fieldNames(streamLayout())},
             {"packets", fieldNames(packetLayout(true))},
             {"show", fieldNames(shownPacketLayout())},
@@ -94,7 +110,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 7U);
+    EXPECT_EQ(documented.size(), 9U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {

@@ -46,11 +46,7 @@ struct SamplesOptions {
 };
 
 std::string samplesNotes() {
-    SampleForm const form{.format = Format::json,
-                          .isLong = false,
-                          .channels = {},
-                          .names = {},
-                          .hasFieldPerChannel = false};
+    SampleForm const form{.format = Format::json};
     auto const fields = listFields(fieldNames(sampleRowLayout(form)),
                                    {{"timeNs", "arrival, nanoseconds since 1970"},
                                     {"sampleTimeSource", "refrTm, smpCnt or fit"},

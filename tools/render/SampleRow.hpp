@@ -38,10 +38,10 @@ struct SampleForm {
     /// A row for each channel.
     bool isLong = false;
     /// Numbers from 0 in their order, as many as the streams have at most.
-    std::vector<std::size_t> channels;
+    std::vector<std::size_t> channels = {};
     /// By the number of the channel; empty where they are not known, or not the same for all
     /// streams.
-    std::vector<std::string> names;
+    std::vector<std::string> names = {};
     /// Each channel has fields of its own, too, to choose columns from.
     bool hasFieldPerChannel = false;
 };
