@@ -11,10 +11,6 @@
 
 namespace TalIec61850Tools {
 
-/// What a layout is, in a few words: "8 x (INT32, quality)".
-[[nodiscard]] std::string layoutText(TalIec61850Analysis::FoundLayout const& layout,
-                                     std::size_t dataSize);
-
 /// Says what changes in the course of the samples of a stream, and what they are taken for where
 /// that is not certain: a line each, with the place.
 class SampleNotes {
