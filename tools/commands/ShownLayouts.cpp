@@ -74,8 +74,7 @@ std::optional<FoundLayout> IndexedLayouts::layoutOf(TrafficStream const& stream,
     return same != known->second.end() ? std::optional(same->found) : std::nullopt;
 }
 
-AsduLayouts layoutsNear(CaptureFile& capture, CaptureRecord const& record,
-                        SvPacket const& packet) {
+AsduLayouts layoutsNear(CaptureFile& capture, CaptureRecord const& record, SvPacket const& packet) {
     std::vector<LayoutInference> inferences;
     for (AsduContent const& asdu : packet.asdus) {
         inferences.emplace_back(asdu.seqData ? octetsOf(*asdu.seqData).size() : 0);

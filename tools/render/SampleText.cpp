@@ -93,8 +93,8 @@ std::string layoutRemark(FoundLayout const& layout, std::size_t dataSize) {
     if (layout.source == LayoutSource::undecided) {
         return fmt::format("layout undecided: read as {}", layoutText(layout, dataSize));
     }
-    bool const isUsual = layout.isIntegerAndQuality && !layout.isFloatAndQuality &&
-                         !layout.isValueAndTime;
+    bool const isUsual =
+        layout.isIntegerAndQuality && !layout.isFloatAndQuality && !layout.isValueAndTime;
     return isUsual ? std::string()
                    : fmt::format("{} by {}", layoutText(layout, dataSize),
                                  plural(layout.asdus, "ASDU"));
