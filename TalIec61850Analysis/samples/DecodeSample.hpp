@@ -26,7 +26,8 @@ struct SampleValue {
 };
 
 /// Decodes one sample; for many, see SampleReader.
-/// @param seqData  its octets
+/// @param layout   what the octets are
+/// @param seqData  the octets of the sample
 /// @return one for each channel of the layout; none where there are not as many octets as the
 ///         layout has
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::vector<SampleValue> decodeSample(
