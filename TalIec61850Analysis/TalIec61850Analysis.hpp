@@ -55,6 +55,7 @@
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
 #include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
+#include <TalIec61850Analysis/samples/DecodeSample.hpp>
 #include <TalIec61850Analysis/samples/FindLayouts.hpp>
 #include <TalIec61850Analysis/samples/LayoutInference.hpp>
 #include <TalIec61850Analysis/samples/SampleBlock.hpp>

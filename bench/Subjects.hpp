@@ -41,6 +41,9 @@ void measureFiles(Settings const& settings);
 /// ahead, and several threads.
 void measureTraffic(Settings const& settings);
 
+/// Columns of samples, against reading the file and against indexing it.
+void measureSamples(Settings const& settings);
+
 /// Judging a single frame, against copying it; and what it allocates.
 void measureJudge(Settings const& settings);
 

@@ -34,7 +34,7 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 11> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 12> subjects = {{
     {"index", measureIndexes},
     {"ahead", measureAhead},
     {"growth", measureGrowth},
@@ -43,6 +43,7 @@ constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 11>
     {"packets", measurePackets},
     {"files", measureFiles},
     {"traffic", measureTraffic},
+    {"samples", measureSamples},
     {"judge", measureJudge},
     {"memory", measureMemory},
     {"hostile", measureHostile},

@@ -30,6 +30,7 @@ struct ArrivalResiduals {
 
 /// Compares arrival with the times of samples by smpCnt, or by a fit; times of refrTm are not
 /// looked up. Only the index is read.
+/// @param index   of the captures
 /// @param stream  of the index, SV
 /// @param given   the rate, in place of what the stream tells
 /// @return not set where no sample has both times

@@ -55,6 +55,20 @@ Value valueOf(SampleType type, std::uint8_t const* octets) {
 
 }  // namespace
 
+ChannelValues noValues(ValueType type) {
+    switch (type) {
+        case ValueType::int64:
+            return std::vector<std::int64_t>();
+        case ValueType::float32:
+            return std::vector<float>();
+        case ValueType::float64:
+            return std::vector<double>();
+        case ValueType::int32:
+            break;
+    }
+    return std::vector<std::int32_t>();
+}
+
 ChannelDecoder::ChannelDecoder(SampleLayout const& layout, std::vector<ChannelColumn>& columns,
                                std::size_t rows) {
     std::size_t plainEnd = 0;

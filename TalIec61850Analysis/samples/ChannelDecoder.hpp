@@ -11,6 +11,9 @@
 
 namespace TalIec61850Analysis::detail {
 
+/// A column of a type, without a row.
+[[nodiscard]] ChannelValues noValues(ValueType type);
+
 /// Writes samples into the columns of a block, a row at a time.
 class ChannelDecoder {
 public:

@@ -23,6 +23,7 @@ struct StreamLayout {
 
 /// Looks at some hundred ASDUs all over a stream, and infers what they are made of. Mostly there is
 /// one layout; where the data set changes there are several, in the order in which they are met.
+/// @param index   of the captures
 /// @param stream  of the index, SV
 /// @param given   the layout of samples of its size
 /// @throws std::system_error  a capture cannot be read, or no longer has its packets (ESTALE)

@@ -44,19 +44,26 @@ ValueType SampleChannel::valueType() const noexcept {
 }
 
 SampleLayout::SampleLayout(std::vector<SampleType> members) : members_(std::move(members)) {
-    bool isAfterValue = false;
+    // What may still follow the value that came last.
+    bool mayHaveQuality = false;
+    bool mayHaveTime = false;
     for (SampleType const member : members_) {
         if (member == SampleType::quality) {
-            if (isAfterValue) {
+            if (mayHaveQuality) {
                 channels_.back().qualityOffset = size_;
                 hasQuality_ = true;
             }
-            isAfterValue = false;
+            mayHaveTime = std::exchange(mayHaveQuality, false);
         } else if (member == SampleType::timestamp) {
-            isAfterValue = false;
+            if (mayHaveTime) {
+                channels_.back().timeOffset = size_;
+            }
+            mayHaveQuality = false;
+            mayHaveTime = false;
         } else {
             channels_.push_back({.type = member, .offset = size_, .qualityOffset = {}});
-            isAfterValue = true;
+            mayHaveQuality = true;
+            mayHaveTime = true;
         }
         size_ += sizeOf(member);
     }

@@ -43,6 +43,8 @@ struct SampleChannel {
     std::size_t offset = 0;
     /// Where the quality word of the value is; not set where it has none.
     std::optional<std::size_t> qualityOffset;
+    /// Where its time is, a UtcTime; not set where it has none.
+    std::optional<std::size_t> timeOffset = std::nullopt;
 
     /// In which type the values are given.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT ValueType valueType() const noexcept;
@@ -53,8 +55,8 @@ struct SampleChannel {
 
 /// What the octets of seqData are: the members of the data set, one after the other.
 ///
-/// Each member that is a value is a channel. A quality directly after it is its quality; any other
-/// quality, and a timestamp, is passed over.
+/// Each member that is a value is a channel. A quality directly after it is its quality, a
+/// timestamp directly after these is its time; any other quality or timestamp is passed over.
 class SampleLayout {
 public:
     SampleLayout() = default;

@@ -18,20 +18,6 @@ constexpr std::size_t kFewestRows = 16;
 
 std::int64_t nanosecondsOf(CaptureTime time) { return time.time_since_epoch().count(); }
 
-ChannelValues valuesOf(ValueType type) {
-    switch (type) {
-        case ValueType::int64:
-            return std::vector<std::int64_t>();
-        case ValueType::float32:
-            return std::vector<float>();
-        case ValueType::float64:
-            return std::vector<double>();
-        case ValueType::int32:
-            break;
-    }
-    return std::vector<std::int32_t>();
-}
-
 /// How many rows a block of such samples has at most.
 std::size_t rowsOf(std::size_t dataSize) {
     constexpr std::size_t kOtherColumns = 64;
@@ -337,7 +323,7 @@ private:
         if (block_.layout.layout) {
             for (SampleChannel const& channel : block_.layout.layout->channels()) {
                 block_.channels.push_back(
-                    {.values = valuesOf(channel.valueType()), .qualities = {}});
+                    {.values = detail::noValues(channel.valueType()), .qualities = {}});
             }
             decoder_.emplace(*block_.layout.layout, block_.channels, room_);
         }

@@ -48,8 +48,9 @@ struct SampleOptions {
 /// Memory is bounded, whatever the stream. The captures of the index are read again.
 class SampleReader {
 public:
-    /// @param index   must outlive the reader
-    /// @param stream  of the index, SV
+    /// @param index    must outlive the reader
+    /// @param stream   of the index, SV
+    /// @param options  which samples, and as what
     TALIEC61850ANALYSIS_EXPORT SampleReader(TrafficIndex const& index, TrafficStream const& stream,
                                             SampleOptions options = {});
     /// What is moved from can be destroyed and assigned to.

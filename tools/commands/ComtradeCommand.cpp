@@ -29,6 +29,7 @@
 #include "tools/render/CaptureText.hpp"
 #include "tools/render/RecordText.hpp"
 #include "tools/render/SampleNotes.hpp"
+#include "tools/render/SampleText.hpp"
 
 namespace TalIec61850Tools {
 

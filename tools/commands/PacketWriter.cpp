@@ -53,7 +53,7 @@ void PacketWriter::write(ShownPacket const& packet) {
     sink_(std::exchange(isFirst_, false) ? "" : "\n");
     sink_(emphasise(titleOf(packet), inColour_) + "\n");
     sink_(recordLineOf(packet.record));
-    sink_(packet.goose ? toText(*packet.goose) : toText(*packet.sv));
+    sink_(packet.goose ? toText(*packet.goose) : toText(*packet.sv, packet.layouts));
 }
 
 }  // namespace TalIec61850Tools

@@ -25,6 +25,7 @@
 #include "tools/render/AddressText.hpp"
 #include "tools/render/SampleNotes.hpp"
 #include "tools/render/SampleRow.hpp"
+#include "tools/render/SampleText.hpp"
 
 namespace TalIec61850Tools {
 

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "tools/commands/PacketWriter.hpp"
+#include "tools/commands/ShownLayouts.hpp"
 #include "tools/commands/ShownPacket.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
@@ -111,6 +112,9 @@ private:
         auto const record = open_->recordAt(locator.position);
         auto shown =
             record ? showFrame({*record, open_->frameOf(*record)}, source.name) : std::nullopt;
+        if (shown && shown->sv) {
+            shown->layouts = layoutsNear(*open_, *record, *shown->sv);
+        }
         if (shown) {
             found_.try_emplace({capture, record->fileOffset}, std::move(*shown));
         } else {
@@ -153,9 +157,13 @@ ExitStatus showSelected(PacketOptions const& options) {
     CommandRun run(options.common);
     PacketWriter writer(run, options.common.format, options.common.columns);
     WantedPackets packets(run, options, WantedPackets::Unit::frames);
+    IndexedLayouts layouts(packets.index());
     packets.visit([&](PacketRow const& row) {
         if (auto shown = showFrame(row.record(), row.file())) {
             shown->place = row.packet().place;
+            if (shown->sv && !row.isUnread()) {
+                shown->layouts = layouts.of(*shown->sv, *row.key());
+            }
             writer.write(*shown);
         }
     });

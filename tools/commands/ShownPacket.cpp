@@ -49,7 +49,9 @@ RowLayout<ShownPacket> shownPacketLayout() {
         {"protocol", [](Shown p) -> Cell { return toText(p.protocol()); }},
         {"goose",
          [](Shown p) { return p.goose ? Cell(JsonText{dumpJson(toJson(*p.goose))}) : Cell(); }},
-        {"sv", [](Shown p) { return p.sv ? Cell(JsonText{dumpJson(toJson(*p.sv))}) : Cell(); }}};
+        {"sv", [](Shown p) {
+             return p.sv ? Cell(JsonText{dumpJson(toJson(*p.sv, p.layouts))}) : Cell();
+         }}};
     return layout;
 }
 

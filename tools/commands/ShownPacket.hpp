@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "tools/output/RowLayout.hpp"
+#include "tools/render/SampleText.hpp"
 #include "tools/selection/PacketSelection.hpp"
 
 namespace TalIec61850Tools {
@@ -24,6 +25,8 @@ struct ShownPacket {
     /// The one of the packet's protocol is set.
     std::optional<TalIec61850Analysis::GoosePacket> goose;
     std::optional<TalIec61850Analysis::SvPacket> sv;
+    /// Of its ASDUs.
+    AsduLayouts layouts = {};
 
     [[nodiscard]] Protocol protocol() const { return goose ? Protocol::goose : Protocol::sv; }
 };

@@ -37,6 +37,9 @@ public:
     /// The last line for people, after `visit`: how many packets, of how many streams.
     [[nodiscard]] std::string summary() const;
 
+    /// That of the captures of the run.
+    [[nodiscard]] TalIec61850Analysis::TrafficIndex const& index() const { return index_; }
+
     /// How many were given.
     [[nodiscard]] std::uint64_t count() const { return count_; }
 

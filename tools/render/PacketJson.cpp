@@ -44,10 +44,23 @@ Json fieldJson(PrpTrailer const& prp) {
             {"sequence", prp.sequence}};
 }
 
-Json fieldJson(std::vector<ChannelSample> const& samples) {
+Json fieldJson(SampleValue const& sample) {
+    Json json = {{"value", std::visit([](auto value) { return Json(value); }, sample.value)},
+                 {"quality", sample.quality ? toJson(*sample.quality) : Json()}};
+    if (sample.time) {
+        json["time"] = toJson(*sample.time);
+    }
+    return json;
+}
+
+Json samplesJson(SequenceOfData const& data, FoundLayout const* layout) {
+    std::vector<SampleValue> const samples = decodeAs(data, layout);
+    if (samples.empty()) {
+        return fieldJson(octetsOf(data));
+    }
     Json json = Json::array();
-    for (ChannelSample const& sample : samples) {
-        json.push_back({{"value", sample.value}, {"quality", toJson(sample.quality)}});
+    for (SampleValue const& sample : samples) {
+        json.push_back(fieldJson(sample));
     }
     return json;
 }
@@ -122,10 +135,10 @@ Json toJson(GoosePacket const& packet) {
     return json;
 }
 
-Json toJson(SvPacket const& packet) {
+Json toJson(SvPacket const& packet, AsduLayouts const& layouts) {
     Json asdus = Json::array();
-    for (AsduContent const& asdu : packet.asdus) {
-        asdus.push_back(toJson(asdu));
+    for (std::size_t i = 0; i < packet.asdus.size(); ++i) {
+        asdus.push_back(toJson(packet.asdus[i], layoutAt(layouts, i)));
     }
     Json json = {{"protocol", "SV"},
                  {"header", toJson(packet.header)},
@@ -136,7 +149,7 @@ Json toJson(SvPacket const& packet) {
     return json;
 }
 
-Json toJson(AsduContent const& asdu) {
+Json toJson(AsduContent const& asdu, FoundLayout const* layout) {
     return {{"svID", fieldJson(asdu.svID)},
             {"datSet", fieldJson(asdu.datSet)},
             {"smpCnt", fieldJson(asdu.smpCnt)},
@@ -145,7 +158,7 @@ Json toJson(AsduContent const& asdu) {
             {"smpSynch", fieldJson(asdu.smpSynch)},
             {"smpSynchName", meaningJson(asdu.smpSynch, smpSynchText)},
             {"smpRate", fieldJson(asdu.smpRate)},
-            {"seqData", fieldJson(asdu.seqData)},
+            {"seqData", asdu.seqData ? samplesJson(*asdu.seqData, layout) : Json()},
             {"smpMod", fieldJson(asdu.smpMod)},
             {"smpModName", meaningJson(asdu.smpMod, smpModText)},
             {"gmIdentity", fieldJson(asdu.gmIdentity)},

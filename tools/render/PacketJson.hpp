@@ -7,6 +7,8 @@
 #include <nlohmann/json_fwd.hpp>
 #include <vector>
 
+#include "tools/render/SampleText.hpp"
+
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::AsduContent;
@@ -26,12 +28,16 @@ using TalIec61850Analysis::UtcTime;
 // given octet for octet, so that the writer has to replace those that are no UTF-8.
 
 [[nodiscard]] nlohmann::ordered_json toJson(GoosePacket const& packet);
-[[nodiscard]] nlohmann::ordered_json toJson(SvPacket const& packet);
+/// @param layouts  see AsduLayouts
+[[nodiscard]] nlohmann::ordered_json toJson(SvPacket const& packet,
+                                            AsduLayouts const& layouts = {});
 
 // Their parts.
 
 [[nodiscard]] nlohmann::ordered_json toJson(FrameHeader const& header);
-[[nodiscard]] nlohmann::ordered_json toJson(AsduContent const& asdu);
+/// @param layout  of seqData; null for what its length says
+[[nodiscard]] nlohmann::ordered_json toJson(AsduContent const& asdu,
+                                            FoundLayout const* layout = nullptr);
 [[nodiscard]] nlohmann::ordered_json toJson(DataValue const& value);
 [[nodiscard]] nlohmann::ordered_json toJson(std::vector<DataValue> const& values);
 [[nodiscard]] nlohmann::ordered_json toJson(Integer const& integer);

@@ -116,21 +116,31 @@ void addRest(Packet const& packet, TextTree& tree) {
     }
 }
 
-void addSamples(SequenceOfData const& data, TextTree& tree) {
-    if (auto const* const octets = std::get_if<OctetString>(&data)) {
-        tree.add("seqData", fieldText(*octets));
+void addSamples(SequenceOfData const& data, FoundLayout const* layout, TextTree& tree) {
+    OctetString const octets = octetsOf(data);
+    std::vector<SampleValue> const samples = decodeAs(data, layout);
+    if (samples.empty()) {
+        tree.add("seqData", fieldText(octets));
         return;
     }
-    tree.enter("seqData:");
+    std::string const remark = layout == nullptr ? "" : layoutRemark(*layout, octets.size());
+    tree.enter(remark.empty() ? "seqData:" : fmt::format("seqData ({}):", remark));
     std::size_t number = 0;
-    for (ChannelSample const& sample : std::get<std::vector<ChannelSample>>(data)) {
-        tree.add(std::to_string(++number),
-                 fmt::format("{}, quality: {}", sample.value, toText(sample.quality)));
+    for (SampleValue const& sample : samples) {
+        std::string text =
+            std::visit([](auto value) { return fmt::format("{}", value); }, sample.value);
+        if (sample.quality) {
+            text += ", quality: " + toText(*sample.quality);
+        }
+        if (sample.time) {
+            text += ", time: " + timeText(*sample.time);
+        }
+        tree.add(std::to_string(++number), text);
     }
     tree.leave();
 }
 
-void addAsdu(AsduContent const& asdu, TextTree& tree) {
+void addAsdu(AsduContent const& asdu, FoundLayout const* layout, TextTree& tree) {
     add("svID", asdu.svID, tree);
     add("datSet", asdu.datSet, tree);
     add("smpCnt", asdu.smpCnt, tree);
@@ -139,7 +149,7 @@ void addAsdu(AsduContent const& asdu, TextTree& tree) {
     addNamed("smpSynch", asdu.smpSynch, smpSynchText, tree);
     add("smpRate", asdu.smpRate, tree);
     if (asdu.seqData) {
-        addSamples(*asdu.seqData, tree);
+        addSamples(*asdu.seqData, layout, tree);
     }
     addNamed("smpMod", asdu.smpMod, smpModText, tree);
     add("gmIdentity", asdu.gmIdentity, tree);
@@ -175,7 +185,7 @@ std::string toText(GoosePacket const& packet) {
     return tree.take();
 }
 
-std::string toText(SvPacket const& packet) {
+std::string toText(SvPacket const& packet, AsduLayouts const& layouts) {
     TextTree tree;
     tree.enter("SV");
     addHeader(packet.header, tree);
@@ -183,8 +193,9 @@ std::string toText(SvPacket const& packet) {
     add("security", packet.security, tree);
     std::size_t number = 0;
     for (AsduContent const& asdu : packet.asdus) {
+        FoundLayout const* const layout = layoutAt(layouts, number);
         tree.enter(fmt::format("ASDU {}:", ++number));
-        addAsdu(asdu, tree);
+        addAsdu(asdu, layout, tree);
         tree.leave();
     }
     addRest(packet, tree);

@@ -4,6 +4,8 @@
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <string>
 
+#include "tools/render/SampleText.hpp"
+
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::GoosePacket;
@@ -13,6 +15,7 @@ using TalIec61850Analysis::SvPacket;
 // packet lacks is left out. Safe for a terminal.
 
 [[nodiscard]] std::string toText(GoosePacket const& packet);
-[[nodiscard]] std::string toText(SvPacket const& packet);
+/// @param layouts  see AsduLayouts
+[[nodiscard]] std::string toText(SvPacket const& packet, AsduLayouts const& layouts = {});
 
 }  // namespace TalIec61850Tools

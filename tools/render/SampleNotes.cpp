@@ -9,6 +9,7 @@
 
 #include "tools/output/Plural.hpp"
 #include "tools/output/TextEscape.hpp"
+#include "tools/render/SampleText.hpp"
 #include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
@@ -19,41 +20,6 @@ namespace {
 
 /// More would bury what else is said.
 constexpr std::uint64_t kMostNotes = 8;
-
-std::string_view nameOf(SampleType type) {
-    switch (type) {
-        case SampleType::boolean:
-            return "BOOLEAN";
-        case SampleType::int8:
-            return "INT8";
-        case SampleType::int16:
-            return "INT16";
-        case SampleType::int24:
-            return "INT24";
-        case SampleType::int32:
-            return "INT32";
-        case SampleType::int64:
-            return "INT64";
-        case SampleType::int8u:
-            return "INT8U";
-        case SampleType::int16u:
-            return "INT16U";
-        case SampleType::int24u:
-            return "INT24U";
-        case SampleType::int32u:
-            return "INT32U";
-        case SampleType::float32:
-            return "FLOAT32";
-        case SampleType::float64:
-            return "FLOAT64";
-        case SampleType::enumerated:
-            return "enumeration";
-        case SampleType::quality:
-            return "quality";
-        default:
-            return "timestamp";
-    }
-}
 
 std::string perSecondText(SampleRate const& rate) {
     if (!rate.isKnown()) {
@@ -97,30 +63,6 @@ std::string datSetText(StreamAttributes const& attributes) {
 
 std::string rateText(SampleRate const& rate, RateSource source) {
     return fmt::format("{}, {}", perSecondText(rate), sourceText(source));
-}
-
-std::string layoutText(FoundLayout const& layout, std::size_t dataSize) {
-    if (!layout.layout) {
-        return plural(dataSize, "octet");
-    }
-    auto const members = layout.layout->members();
-    // The shortest pattern that repeats.
-    std::size_t period = 1;
-    while (members.size() % period != 0 ||
-           !std::equal(members.begin() + static_cast<std::ptrdiff_t>(period), members.end(),
-                       members.begin())) {
-        ++period;
-    }
-    constexpr std::size_t kLongestPattern = 4;
-    if (period > kLongestPattern) {
-        return plural(layout.layout->channels().size(), "channel");
-    }
-    std::string pattern;
-    for (std::size_t i = 0; i < period; ++i) {
-        pattern += pattern.empty() ? "" : ", ";
-        pattern += nameOf(members[i]);
-    }
-    return fmt::format("{} x ({})", members.size() / period, pattern);
 }
 
 SampleNotes::SampleNotes(TrafficStream const& stream,

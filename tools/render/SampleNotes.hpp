@@ -11,10 +11,6 @@
 
 namespace TalIec61850Tools {
 
-/// What a layout is, in a few words: "8 x (INT32, quality)".
-[[nodiscard]] std::string layoutText(TalIec61850Analysis::FoundLayout const& layout,
-                                     std::size_t dataSize);
-
 /// A rate, and what tells it: "4000 samples a second, by smpRate".
 [[nodiscard]] std::string rateText(TalIec61850Analysis::SampleRate const& rate,
                                    TalIec61850Analysis::RateSource source);

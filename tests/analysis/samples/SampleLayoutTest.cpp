@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <TalIec61850Analysis/samples/DecodeSample.hpp>
 #include <TalIec61850Analysis/samples/LayoutInference.hpp>
 #include <TalIec61850Analysis/samples/SampleLayout.hpp>
 #include <bit>
@@ -64,7 +65,7 @@ TEST(SampleLayouts, GiveAQualityToTheValueDirectlyBeforeIt) {
     EXPECT_TRUE(layout.hasQuality());
     std::vector<SampleChannel> const expected = {
         {.type = int16, .offset = 4, .qualityOffset = 6},
-        {.type = float64, .offset = 14, .qualityOffset = {}},
+        {.type = float64, .offset = 14, .qualityOffset = {}, .timeOffset = 22},
         {.type = boolean, .offset = 34, .qualityOffset = {}},
         {.type = int24u, .offset = 35, .qualityOffset = 38}};
     EXPECT_EQ(std::vector<SampleChannel>(layout.channels().begin(), layout.channels().end()),
@@ -72,6 +73,33 @@ TEST(SampleLayouts, GiveAQualityToTheValueDirectlyBeforeIt) {
     EXPECT_EQ(layout.size(), 42U);
     EXPECT_FALSE(SampleLayout({int32, timestamp, quality}).hasQuality());
     EXPECT_EQ(SampleLayout().size(), 0U);
+}
+
+TEST(SampleLayouts, GiveATimeToTheValueBeforeItAndItsQuality) {
+    SampleLayout const layout({timestamp, int8, timestamp, timestamp, int16, quality, timestamp});
+    ASSERT_EQ(layout.channels().size(), 2U);
+    EXPECT_EQ(layout.channels()[0].timeOffset, 9U);
+    EXPECT_EQ(layout.channels()[1].timeOffset, 31U);
+}
+
+TEST(DecodedSample, HasValuesQualitiesAndTimes) {
+    Bytes const octets = concat({Bytes{0xFF, 0xFE}, wordOf(0x3FC00000), wordOf(0x2001),
+                                 wordOf(1'700'000'000), wordOf(0x8000000A)});
+    auto const sample = decodeSample(SampleLayout({int16, float32, quality, timestamp}), octets);
+    ASSERT_EQ(sample.size(), 2U);
+    EXPECT_EQ(std::get<std::int32_t>(sample[0].value), -2);
+    EXPECT_FALSE(sample[0].quality);
+    EXPECT_FALSE(sample[0].time);
+    EXPECT_EQ(std::get<float>(sample[1].value), 1.5F);
+    EXPECT_EQ(sample[1].quality, SampleQuality{0x2001});
+    EXPECT_EQ(sample[1].time,
+              (UtcTime{.seconds = 1'700'000'000, .fraction = 0x800000, .quality = 0x0A}));
+}
+
+TEST(DecodedSample, IsNoneOfOctetsOfAnotherNumber) {
+    EXPECT_TRUE(decodeSample(SampleLayout({int16}), Bytes(3)).empty());
+    EXPECT_TRUE(decodeSample(SampleLayout({int16}), Bytes(1)).empty());
+    EXPECT_TRUE(decodeSample(SampleLayout(), Bytes()).empty());
 }
 
 TEST(SampleLayouts, GiveValuesInTheSmallestTypeThatHoldsThem) {

@@ -1,0 +1,123 @@
+#include "tools/render/SampleText.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+#include <variant>
+
+#include "tools/output/Plural.hpp"
+
+namespace TalIec61850Tools {
+
+using namespace TalIec61850Analysis;
+
+namespace {
+
+std::string_view typeName(SampleType type) {
+    switch (type) {
+        case SampleType::boolean:
+            return "BOOLEAN";
+        case SampleType::int8:
+            return "INT8";
+        case SampleType::int16:
+            return "INT16";
+        case SampleType::int24:
+            return "INT24";
+        case SampleType::int32:
+            return "INT32";
+        case SampleType::int64:
+            return "INT64";
+        case SampleType::int8u:
+            return "INT8U";
+        case SampleType::int16u:
+            return "INT16U";
+        case SampleType::int24u:
+            return "INT24U";
+        case SampleType::int32u:
+            return "INT32U";
+        case SampleType::float32:
+            return "FLOAT32";
+        case SampleType::float64:
+            return "FLOAT64";
+        case SampleType::enumerated:
+            return "enumeration";
+        case SampleType::quality:
+            return "quality";
+        default:
+            return "timestamp";
+    }
+}
+
+void appendWord(OctetString& octets, std::uint32_t word) {
+    for (unsigned shift = 32; shift > 0; shift -= 8) {
+        octets.push_back(static_cast<std::uint8_t>(word >> (shift - 8)));
+    }
+}
+
+}  // namespace
+
+OctetString octetsOf(SequenceOfData const& data) {
+    if (auto const* const octets = std::get_if<OctetString>(&data)) {
+        return *octets;
+    }
+    OctetString octets;
+    for (ChannelSample const& sample : std::get<std::vector<ChannelSample>>(data)) {
+        appendWord(octets, static_cast<std::uint32_t>(sample.value));
+        appendWord(octets, sample.quality.word);
+    }
+    return octets;
+}
+
+std::vector<SampleValue> decodeAs(SequenceOfData const& data, FoundLayout const* layout) {
+    std::vector<SampleValue> samples;
+    if (layout != nullptr) {
+        return layout->layout ? decodeSample(*layout->layout, octetsOf(data)) : samples;
+    }
+    if (auto const* const channels = std::get_if<std::vector<ChannelSample>>(&data)) {
+        for (ChannelSample const& sample : *channels) {
+            samples.push_back({.value = sample.value, .quality = sample.quality});
+        }
+    }
+    return samples;
+}
+
+std::string layoutText(FoundLayout const& layout, std::size_t dataSize) {
+    if (!layout.layout) {
+        return plural(dataSize, "octet");
+    }
+    auto const members = layout.layout->members();
+    // The shortest pattern that repeats.
+    std::size_t period = 1;
+    while (members.size() % period != 0 ||
+           !std::equal(members.begin() + static_cast<std::ptrdiff_t>(period), members.end(),
+                       members.begin())) {
+        ++period;
+    }
+    constexpr std::size_t kLongestPattern = 4;
+    if (period > kLongestPattern) {
+        return plural(layout.layout->channels().size(), "channel");
+    }
+    std::string pattern;
+    for (std::size_t i = 0; i < period; ++i) {
+        pattern += pattern.empty() ? "" : ", ";
+        pattern += typeName(members[i]);
+    }
+    return fmt::format("{} x ({})", members.size() / period, pattern);
+}
+
+std::string layoutRemark(FoundLayout const& layout, std::size_t dataSize) {
+    if (!layout.layout) {
+        return {};
+    }
+    if (layout.source == LayoutSource::undecided) {
+        return fmt::format("layout undecided: read as {}", layoutText(layout, dataSize));
+    }
+    bool const isUsual =
+        layout.isIntegerAndQuality && !layout.isFloatAndQuality && !layout.isValueAndTime;
+    return isUsual ? std::string()
+                   : fmt::format("{} by {}", layoutText(layout, dataSize),
+                                 plural(layout.asdus, "ASDU"));
+}
+
+}  // namespace TalIec61850Tools
