@@ -131,6 +131,7 @@ private:
     void addPacket(PacketRef ref);
     void closeFrame();
     void addStep(SampleSteps const& step, std::uint32_t count);
+    void measure(SampleSteps const& step, std::uint32_t count);
     void settleFirst();
     /// @return whether the rate is another since some packet, which is the end then
     bool endBlock();
@@ -285,8 +286,12 @@ void RateWalk::addStep(SampleSteps const& step, std::uint32_t count) {
         if (first_.size() == kFirstSteps) {
             settleFirst();
         }
-        return;
+    } else {
+        measure(step, count);
     }
+}
+
+void RateWalk::measure(SampleSteps const& step, std::uint32_t count) {
     if (step.isMeasure(usual_)) {
         all_.add(step);
         block_.add(step);
@@ -307,7 +312,7 @@ void RateWalk::settleFirst() {
     std::nth_element(intervals.begin(), middle, intervals.end());
     usual_ = std::max(*middle, 1.0);
     for (SampleSteps const& step : first_) {
-        addStep(step, 1);
+        measure(step, 1);
     }
     first_.clear();
 }
