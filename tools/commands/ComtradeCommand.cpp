@@ -306,7 +306,7 @@ private:
     std::vector<ComtradeLosses> writeFiles(FileSet& files, SampleRecord const& record,
                                            std::string const& number) {
         auto const paths = pathsOf(number);
-        auto const losses = writeRows(record, &files.add(paths[0]));
+        auto losses = writeRows(record, &files.add(paths[0]));
         files.add(paths[1]).write(comtradeText(headerOf(record, losses)));
         files.add(paths[2]).write(comtradeConfiguration(record.record()));
         return losses;
@@ -315,7 +315,7 @@ private:
     /// The header comes before the samples, so what they lose is found out first.
     std::vector<ComtradeLosses> writeOneFile(FileSet& files, SampleRecord const& record,
                                              std::string const& number) {
-        auto const losses = writeRows(record, nullptr);
+        auto losses = writeRows(record, nullptr);
         Output& file = files.add(pathsOf(number)[0]);
         file.write(comtradeFileHead(record.record(), "", headerOf(record, losses)));
         static_cast<void>(writeRows(record, &file));

@@ -31,7 +31,6 @@ namespace TalIec61850Tools {
 
 using TalIec61850Analysis::FoundLayout;
 using TalIec61850Analysis::SampleBlock;
-using TalIec61850Analysis::SampleLayout;
 using TalIec61850Analysis::SampleRows;
 
 namespace {

@@ -125,7 +125,7 @@ private:
                     std::size_t count) {
         for (QualityBit const& bit : bits_) {
             if (column == nullptr) {
-                digitals_.push_back(std::span(none_.states).first(count));
+                digitals_.emplace_back(std::span(none_.states).first(count));
                 continue;
             }
             if (used_ == quality_.size()) {
@@ -136,7 +136,7 @@ private:
             for (std::size_t row = 0; row < count; ++row) {
                 states[row] = (words[row] & bit.mask) == bit.value ? 1 : 0;
             }
-            digitals_.push_back(std::span(states).first(count));
+            digitals_.emplace_back(std::span(states).first(count));
         }
     }
 

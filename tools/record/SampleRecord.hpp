@@ -109,9 +109,9 @@ private:
     void findGrid();
     [[nodiscard]] static bool findMake(RecordSource& source, GridStream& stream,
                                        GridStream::PlaceText const& placeText);
-    void surveySource(std::size_t source);
+    void surveySource(std::size_t number);
     void describe();
-    void describeSource(std::size_t source);
+    void describeSource(std::size_t number);
     void describeQuality(std::string const& channel);
 
     TalIec61850Analysis::TrafficIndex const& index_;

@@ -18,7 +18,6 @@
 
 namespace TalIec61850Tools {
 
-using TalIec61850Analysis::ChannelColumn;
 using TalIec61850Analysis::kNoTime;
 using TalIec61850Analysis::Octets;
 using TalIec61850Analysis::SampleBlock;
