@@ -27,6 +27,12 @@ CountStep SampleCounter::begin(std::uint32_t smpCnt, std::int64_t arrival) {
     return CountStep::first;
 }
 
+void SampleCounter::stepClock(std::int64_t step) {
+    if (arrival_ != kNoTime) {
+        arrival_ += step;
+    }
+}
+
 CountStep SampleCounter::addBehind(std::int64_t behind) {
     number_ = newest_ - behind;
     std::uint64_t const bit = std::uint64_t{1} << static_cast<unsigned>(behind);

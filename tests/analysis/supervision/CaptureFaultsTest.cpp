@@ -1,0 +1,136 @@
+// Faults of captures, not of streams; and one history over several files.
+
+#include <gtest/gtest.h>
+
+#include "analysis/supervision/FoundIn.hpp"
+
+namespace TalTest {
+namespace {
+
+using namespace TalIec61850Analysis;
+
+constexpr std::int64_t kMillisecond = 1'000'000;
+constexpr std::int64_t kSecond = 1'000'000'000;
+
+FaultyStation fullStation() {
+    FaultyStation station;
+    station.add({.svID = "MU01", .frames = 12000});
+    station.add(
+        {.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 12000, .start = 60'000});
+    station.add(GoosePlan{.firstMessage = 100, .states = {30}, .start = 70'000});
+    return station;
+}
+
+TEST(CaptureFaults, TellsStepsOfItsClock) {
+    for (std::int64_t const step : {-5 * kSecond, 5 * kSecond, 90 * kMillisecond,
+                                    -90 * kMillisecond, 600 * kSecond, kSecond}) {
+        auto station = fullStation();
+        station.stepClock(1200 * kMillisecond, step);
+        EXPECT_EQ(foundIn(station), (Lines{"clockStep MU01 #4800"})) << step;
+    }
+}
+
+TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
+    auto station = fullStation();
+    station.stepClock(1200 * kMillisecond, -7 * kSecond);
+    auto const findings = findingsIn(station.captures());
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings.front().found, FindingValue(-7 * kSecond));
+}
+
+TEST(CaptureFaults, SeesFaultsAfterAStepOfItsClock) {
+    auto station = fullStation();
+    station.stepClock(1200 * kMillisecond, 20 * kSecond);
+    station.drop(0, 6000, 3);
+    EXPECT_EQ(foundIn(station), (Lines{"clockStep MU01 #4800",
+                                       "sampleGap MU01 #6003 after #5999 lost 3 network"}));
+}
+
+TEST(CaptureFaults, TellsRecordsThatWereCut) {
+    auto station = fullStation();
+    auto captures = station.captures();
+    captures.front().resize(captures.front().size() - 20);
+    auto const findings = findingsIn(captures);
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings.front().kind, FindingKind::fileEndsInRecord);
+    EXPECT_EQ(findings.front().severity(), Severity::note);
+}
+
+TEST(CaptureFaults, TellsFramesThatCannotBeRead) {
+    auto station = fullStation();
+    for (std::size_t number = 100; number < 103; ++number) {
+        station.goose(2, number % 30).gocbRef.reset();
+    }
+    auto const findings = findingsIn(station.captures());
+    std::size_t unread = 0;
+    for (Finding const& finding : findings) {
+        if (finding.kind == FindingKind::unreadable) {
+            ++unread;
+            EXPECT_EQ(finding.reason, UnreadReason::noName);
+            EXPECT_EQ(finding.protocol, StreamProtocol::goose);
+        }
+    }
+    EXPECT_EQ(unread, 3U);
+}
+
+/// Faults of all kinds, some at the borders of files.
+FaultyStation faultyStation() {
+    auto station = fullStation();
+    station.drop(0, 3999, 2).drop(1, 7999).repeat(1, 4000, 20'000).delay(0, 8000, 300'000);
+    station.drop(2, 5).repeat(2, 11, kMillisecond);
+    return station;
+}
+
+TEST(CaptureFaults, AreTheSameInOneFileAndInMany) {
+    auto whole = faultyStation();
+    auto const lines = foundIn(whole);
+    EXPECT_GE(lines.size(), 6U);
+    auto split = faultyStation();
+    split.splitAt(kSecond).splitAt(2 * kSecond).splitAt(2 * kSecond + 100 * kMillisecond);
+    EXPECT_EQ(foundIn(split), lines);
+}
+
+TEST(CaptureFaults, AreToldOnceWhereFilesOverlap) {
+    auto whole = faultyStation();
+    auto const lines = foundIn(whole);
+    auto split = faultyStation();
+    split.splitAt(kSecond).overlap(kSecond - 50 * kMillisecond, kSecond);
+    EXPECT_EQ(foundIn(split), lines);
+}
+
+TEST(CaptureFaults, AreTheSameInAnyOrderOfFiles) {
+    auto split = faultyStation();
+    split.splitAt(kSecond).splitAt(2 * kSecond);
+    auto captures = split.captures();
+    auto const inOrder = findingsIn(captures);
+    std::swap(captures.front(), captures.back());
+    auto const inDisorder = findingsIn(captures);
+    ASSERT_EQ(inOrder.size(), inDisorder.size());
+    for (std::size_t i = 0; i < inOrder.size(); ++i) {
+        EXPECT_EQ(inOrder[i].kind, inDisorder[i].kind);
+        EXPECT_EQ(inOrder[i].from, inDisorder[i].from);
+        EXPECT_EQ(inOrder[i].lost, inDisorder[i].lost);
+        EXPECT_EQ(inOrder[i].cause, inDisorder[i].cause);
+    }
+}
+
+TEST(CaptureFaults, AreNoneOfASecondTap) {
+    auto station = fullStation();
+    auto const own = station.frames();
+    for (StationFrame frame : own) {
+        frame.time += 7'000;
+        frame.file = 1;
+        station.frames().push_back(frame);
+    }
+    EXPECT_EQ(foundIn(station), Lines());
+}
+
+TEST(CaptureFaults, HandsOnNothingAfterAStop) {
+    auto station = faultyStation();
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_TRUE(findingsIn(station.captures(), {.jitter = {}, .stop = stop.get_token()}).empty());
+}
+
+}  // namespace
+}  // namespace TalTest
