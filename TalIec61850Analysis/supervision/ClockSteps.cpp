@@ -34,10 +34,10 @@ struct Jump {
 
 bool isOriginal(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
 
-/// The time from one frame to the next, about: over some packets on one side of a place; 0 where
-/// none tell.
+/// The time from one frame to the next, about: over some packets on one side of a place; not set
+/// where none tell.
 /// @param step  1 to look at the packets from `start` on, -1 at those up to it
-double frameInterval(PacketColumns const& packets, std::size_t start, int step) {
+std::optional<double> frameInterval(PacketColumns const& packets, std::size_t start, int step) {
     constexpr int kFrames = 16;
     auto place = static_cast<std::ptrdiff_t>(start);
     auto const size = static_cast<std::ptrdiff_t>(packets.size());
@@ -53,10 +53,9 @@ double frameInterval(PacketColumns const& packets, std::size_t start, int step) 
         }
     }
     if (frames == 0 || time == kNoTime || packets.times()[start] == kNoTime) {
-        return 0;
+        return std::nullopt;
     }
-    return std::abs(static_cast<double>(time) - static_cast<double>(packets.times()[start])) /
-           frames;
+    return static_cast<double>(std::abs(time - packets.times()[start])) / frames;
 }
 
 /// Whether smpCnt goes on by one; it may begin again anywhere.
@@ -67,12 +66,11 @@ bool goesOn(std::uint32_t before, std::uint32_t after) {
 void addSvJump(Part const& part, std::size_t before, std::size_t after, std::vector<Jump>& jumps) {
     PacketColumns const& packets = part.part->packets;
     std::int64_t const away = packets.times()[after] - packets.times()[before];
-    double const intervalBefore = frameInterval(packets, before, -1);
-    double const intervalAfter = frameInterval(packets, after, 1);
-    double const interval = intervalBefore > 0 ? intervalBefore : intervalAfter;
+    auto const intervalAfter = frameInterval(packets, after, 1);
+    double const interval = frameInterval(packets, before, -1).value_or(intervalAfter.value_or(0));
     if (away > 0) {
         // Frames that were held up come close together after it.
-        bool const isHeldUp = intervalAfter > 0 && intervalAfter < interval / 2;
+        bool const isHeldUp = intervalAfter && *intervalAfter < interval / 2;
         if (interval <= 0 || isHeldUp ||
             static_cast<double>(away) < kPauseIntervals * interval) {
             return;

@@ -164,7 +164,7 @@ TEST(SvFaults, TellsSilenceWhereNothingIsMissing) {
     auto station = svStation();
     // Held up, then sent at once.
     for (std::size_t number = 1000; number < 1100; ++number) {
-        station.frame(0, number).time = 275 * kMillisecond + static_cast<std::int64_t>(number);
+        station.frame(0, number).time = 274'800'000 + static_cast<std::int64_t>(number);
     }
     auto const lines = foundIn(station, {.jitter = kSecond, .stop = {}});
     EXPECT_EQ(lines, (Lines{"silent MU01 #1000"}));
