@@ -30,13 +30,13 @@ public:
         for (std::size_t i = 0; i < interfaces.size(); ++i) {
             std::uint64_t const now = droppedBy(interfaces[i]);
             if (now > counts_[i]) {
-                drops.push_back({.file = file_,
-                                 .fileOffset = record != nullptr ? record->record.fileOffset
-                                                                 : lastOffset_,
-                                 .from = lastTold_,
-                                 .until = lastTime_,
-                                 .count = now - counts_[i],
-                                 .isExact = false});
+                drops.push_back(
+                    {.file = file_,
+                     .fileOffset = record != nullptr ? record->record.fileOffset : lastOffset_,
+                     .from = lastTold_,
+                     .until = lastTime_,
+                     .count = now - counts_[i],
+                     .isExact = false});
                 counts_[i] = now;
                 lastTold_ = lastTime_;
             }
@@ -99,9 +99,8 @@ std::vector<CaptureDrop> findCaptureDrops(TrafficIndex const& index, std::stop_t
             addDrops(index, file, stop, drops);
         }
     }
-    std::stable_sort(drops.begin(), drops.end(), [](CaptureDrop const& a, CaptureDrop const& b) {
-        return a.until < b.until;
-    });
+    std::stable_sort(drops.begin(), drops.end(),
+                     [](CaptureDrop const& a, CaptureDrop const& b) { return a.until < b.until; });
     return drops;
 }
 

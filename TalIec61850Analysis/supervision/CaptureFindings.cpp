@@ -55,11 +55,11 @@ void moveInto(FindingJoiner& joiner, std::vector<Finding>& findings) {
 FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet) {
     StreamPart const& part = index.streams()[stream].parts[packet.part];
     PacketColumns const& packets = part.packets;
-    return {.file = part.file,
-            .fileOffset =
-                packets.frameOffsets()[packet.packet] + packets.pduOffsets()[packet.packet],
-            .packet = packet,
-            .time = packets.times()[packet.packet]};
+    return {
+        .file = part.file,
+        .fileOffset = packets.frameOffsets()[packet.packet] + packets.pduOffsets()[packet.packet],
+        .packet = packet,
+        .time = packets.times()[packet.packet]};
 }
 
 void addCaptureGaps(TrafficIndex const& /*index*/, std::vector<Finding>& findings) {
@@ -145,8 +145,7 @@ void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
     for (std::uint32_t file = 0; file < index.files().size(); ++file) {
         CaptureSummary const& summary = index.files()[file].summary;
         if (summary.snappedFrames > 0) {
-            Finding finding =
-                findingAt(FindingKind::recordsCut, file, 0, timeOf(summary.first));
+            Finding finding = findingAt(FindingKind::recordsCut, file, 0, timeOf(summary.first));
             finding.until = timeOf(summary.last);
             finding.count = summary.snappedFrames;
             findings.push_back(std::move(finding));

@@ -12,8 +12,7 @@
 namespace TalIec61850Analysis::detail {
 
 /// Where a packet of a stream is.
-[[nodiscard]] FindingPlace placeOf(TrafficIndex const& index, std::size_t stream,
-                                   PacketRef packet);
+[[nodiscard]] FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet);
 
 /// Adds captureGap for each span in which all streams lack packets, by the gaps that are there.
 void addCaptureGaps(TrafficIndex const& index, std::vector<Finding>& findings);

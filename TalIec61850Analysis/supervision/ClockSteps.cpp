@@ -71,8 +71,7 @@ void addSvJump(Part const& part, std::size_t before, std::size_t after, std::vec
     if (away > 0) {
         // Frames that were held up come close together after it.
         bool const isHeldUp = intervalAfter && *intervalAfter < interval / 2;
-        if (interval <= 0 || isHeldUp ||
-            static_cast<double>(away) < kPauseIntervals * interval) {
+        if (interval <= 0 || isHeldUp || static_cast<double>(away) < kPauseIntervals * interval) {
             return;
         }
     }
@@ -162,10 +161,9 @@ std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
         auto const same = std::partition_point(own.begin(), own.end(), [&](Jump const& other) {
             return other.offsetAfter <= jump.offsetBefore;
         });
-        bool const isSame =
-            same != own.end() && same->offsetBefore < jump.offsetAfter &&
-            std::abs(same->step - jump.step) <=
-                kTolerance + std::max(same->interval, jump.interval);
+        bool const isSame = same != own.end() && same->offsetBefore < jump.offsetAfter &&
+                            std::abs(same->step - jump.step) <=
+                                kTolerance + std::max(same->interval, jump.interval);
         if (!isSame) {
             return std::nullopt;
         }
@@ -194,15 +192,13 @@ std::vector<ClockStep> stepsOf(std::vector<Part> const& svParts,
     if (jumps.empty()) {
         return {};
     }
-    std::uint32_t const largest =
-        isSv && svParts.size() == 1 ? largestCount(svParts.front()) : 0;
+    std::uint32_t const largest = isSv && svParts.size() == 1 ? largestCount(svParts.front()) : 0;
     if (!isSv) {
         // Slow streams need not have a jump each.
         witnesses = {};
     }
-    std::stable_sort(jumps.begin(), jumps.end(), [](Jump const& a, Jump const& b) {
-        return a.offsetAfter < b.offsetAfter;
-    });
+    std::stable_sort(jumps.begin(), jumps.end(),
+                     [](Jump const& a, Jump const& b) { return a.offsetAfter < b.offsetAfter; });
     std::vector<ClockStep> steps;
     for (Jump const& jump : jumps) {
         bool const isKnown = !steps.empty() && steps.back().fileOffset >= jump.offsetBefore;

@@ -24,8 +24,8 @@ struct ClockStep {
 /// Finds the steps of each file, in its order, by its number.
 ///
 /// The clock was set where time jumps, and the counters of all SV streams of the file go on as if
-/// it had not. Where a file has one SV stream alone, that and the loss of whole wraps of the counter
-/// look the same: it is taken for a loss. Where it has none, time that goes back tells.
+/// it had not. Where a file has one SV stream alone, that and the loss of whole wraps of the
+/// counter look the same: it is taken for a loss. Where it has none, time that goes back tells.
 [[nodiscard]] std::vector<std::vector<ClockStep>> findClockSteps(TrafficIndex const& index);
 
 }  // namespace TalIec61850Analysis::detail

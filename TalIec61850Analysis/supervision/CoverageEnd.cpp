@@ -36,10 +36,11 @@ CoverageEnd::CoverageEnd(TrafficIndex const& index,
                                        : lastAfter(index, file, steps[file].back().fileOffset)});
         }
     }
-    std::sort(all.begin(), all.end(), [](Span const& a, Span const& b) { return a.first < b.first; });
+    std::sort(all.begin(), all.end(),
+              [](Span const& a, Span const& b) { return a.first < b.first; });
     for (Span const& span : all) {
-        if (!spans_.empty() && (span.first <= spans_.back().last ||
-                                span.first - spans_.back().last <= kSecond)) {
+        if (!spans_.empty() &&
+            (span.first <= spans_.back().last || span.first - spans_.back().last <= kSecond)) {
             spans_.back().last = std::max(spans_.back().last, span.last);
         } else {
             spans_.push_back(span);

@@ -98,8 +98,7 @@ enum class LossWitness : std::uint8_t {
 };
 
 /// A value that was expected or found.
-using FindingValue =
-    std::variant<std::monostate, std::int64_t, double, OctetString, CaptureTime>;
+using FindingValue = std::variant<std::monostate, std::int64_t, double, OctetString, CaptureTime>;
 
 /// A packet, or another place in a capture.
 struct FindingPlace {

@@ -45,8 +45,7 @@ void GooseContentReader::readAnew(CaptureWindow& window, std::uint32_t file,
     Octets const header = window.at(file, fileOffset, kMostHeader);
     auto const start = Elements(header).begin();
     bool const isThere = start != std::default_sentinel && start->tag;
-    std::size_t const size =
-        isThere ? std::min(start->claimedEnd, kMaxFrameSize) : std::size_t{0};
+    std::size_t const size = isThere ? std::min(start->claimedEnd, kMaxFrameSize) : std::size_t{0};
     Octets const pdu = window.at(file, fileOffset, size);
     if (!isThere || pdu.size() < size) {
         throw std::system_error(ESTALE, std::generic_category());

@@ -46,12 +46,11 @@ std::optional<CourseMessage> GooseCourse::next() {
     if (files_.empty()) {
         return std::nullopt;
     }
-    auto const file = files_.size() == 1
-                          ? files_.begin()
-                          : std::min_element(files_.begin(), files_.end(),
-                                             [](File const& a, File const& b) {
-                                                 return a.time < b.time;
-                                             });
+    auto const file =
+        files_.size() == 1
+            ? files_.begin()
+            : std::min_element(files_.begin(), files_.end(),
+                               [](File const& a, File const& b) { return a.time < b.time; });
     auto& cursors = file->cursors;
     if (cursors.size() > 1) {
         std::pop_heap(cursors.begin(), cursors.end(), isLater);

@@ -16,9 +16,9 @@ struct CourseMessage {
     PacketRef packet;
 };
 
-/// Goes over the messages of all streams at once, without copies and duplicates: in each file in its
-/// order, so that it is read front to back; where files overlap, the one goes on whose next message
-/// is earlier.
+/// Goes over the messages of all streams at once, without copies and duplicates: in each file in
+/// its order, so that it is read front to back; where files overlap, the one goes on whose next
+/// message is earlier.
 class GooseCourse {
 public:
     /// @param index  must outlive the course

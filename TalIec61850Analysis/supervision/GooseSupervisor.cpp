@@ -31,9 +31,7 @@ std::int64_t accuracyOf(UtcTime const& t) {
     return t.accuracy() <= kMostBits ? kSecond >> t.accuracy() : 0;
 }
 
-MessageNumber numberOf(GooseObservation const& message) {
-    return {message.stNum, message.sqNum};
-}
+MessageNumber numberOf(GooseObservation const& message) { return {message.stNum, message.sqNum}; }
 
 FindingValue valueOf(std::optional<std::int64_t> value) {
     return value ? FindingValue(*value) : FindingValue();
@@ -68,8 +66,8 @@ Finding GooseSupervisor::finding(FindingKind kind, GooseObservation const& messa
 }
 
 void GooseSupervisor::edge(bool& isOn, bool isNow, FindingKind kind,
-                           GooseObservation const& message, FindingSink sink,
-                           FindingValue expected, FindingValue found) const {
+                           GooseObservation const& message, FindingSink sink, FindingValue expected,
+                           FindingValue found) const {
     if (isNow && !isOn) {
         Finding made = finding(kind, message);
         made.expected = std::move(expected);
@@ -150,7 +148,8 @@ void GooseSupervisor::process(GooseObservation const& message, FindingSink sink)
         }
         return;
     }
-    bool const isFall = message.stNum != number_.stNum || (message.stNum == 1 && message.sqNum <= 1);
+    bool const isFall =
+        message.stNum != number_.stNum || (message.stNum == 1 && message.sqNum <= 1);
     bool const isOtherWay = message.way != last_.way;
     if (isFall && !isOtherWay && isLate(message)) {
         checkExpiry(message, sink);
@@ -208,8 +207,7 @@ void GooseSupervisor::hold(GooseObservation const& message) {
 }
 
 /// Decides by the next message whether the counters were begun anew.
-void GooseSupervisor::settleCandidate(GooseObservation const& next, bool isOver,
-                                      FindingSink sink) {
+void GooseSupervisor::settleCandidate(GooseObservation const& next, bool isOver, FindingSink sink) {
     Candidate held = std::move(*candidate_);
     candidate_.reset();
     GooseObservation message = held.message;
@@ -332,8 +330,8 @@ bool GooseSupervisor::fill(MessageNumber number) {
     for (Gap& gap : gaps_) {
         if (gap.finding.kind == FindingKind::stateGap) {
             bool const isOf = !isLater(gap.first, number.stNum) && isLater(gap.end, number.stNum);
-            if (isOf && std::find(gap.filled.begin(), gap.filled.end(), number.stNum) ==
-                            gap.filled.end()) {
+            if (isOf &&
+                std::find(gap.filled.begin(), gap.filled.end(), number.stNum) == gap.filled.end()) {
                 gap.filled.push_back(number.stNum);
                 --gap.finding.lost;
             }
@@ -347,9 +345,8 @@ bool GooseSupervisor::fill(MessageNumber number) {
     return isFilled;
 }
 
-void GooseSupervisor::addGap(FindingKind kind, GooseObservation const& message,
-                             std::uint32_t stNum, std::uint32_t first, std::uint32_t end,
-                             std::uint64_t lost) {
+void GooseSupervisor::addGap(FindingKind kind, GooseObservation const& message, std::uint32_t stNum,
+                             std::uint32_t first, std::uint32_t end, std::uint64_t lost) {
     if (gaps_.size() == kMostGaps) {
         gaps_.front().since = kLateMessages;
     }
@@ -404,8 +401,9 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
         std::vector<QualityChange> qualities;
         DataComparison compared;
         if (!isSame) {
-            compared = compareData(*content_.allData, *now.allData,
-                                   [&](QualityChange const& change) { qualities.push_back(change); });
+            compared =
+                compareData(*content_.allData, *now.allData,
+                            [&](QualityChange const& change) { qualities.push_back(change); });
         }
         if (!compared.isSameMake && !isOtherSet) {
             Finding made = finding(FindingKind::dataSetChanged, message);
@@ -429,8 +427,8 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
         }
     }
     if (isKnown && now.t && content_.t) {
-        bool const isOtherTime = now.t->seconds != content_.t->seconds ||
-                                 now.t->fraction != content_.t->fraction;
+        bool const isOtherTime =
+            now.t->seconds != content_.t->seconds || now.t->fraction != content_.t->fraction;
         FindingValue const was = instantOf(nanosecondsOf(*content_.t));
         lasting(retimed_, !isNewState && isOtherTime, FindingKind::timeWithoutState, message, sink,
                 was, instantOf(nanosecondsOf(*now.t)));
@@ -468,8 +466,7 @@ void GooseSupervisor::keep(GooseContent const& content) {
 void GooseSupervisor::checkFlags(GooseObservation const& message, FindingSink sink) {
     GooseContent const* const content = message.content;
     bool const element = content != nullptr && content->simulation.value_or(false);
-    bool const isSimulated =
-        message.isSimulated || (content != nullptr ? element : isSimulated_);
+    bool const isSimulated = message.isSimulated || (content != nullptr ? element : isSimulated_);
     if (isSimulated != isSimulated_) {
         sink(finding(isSimulated ? FindingKind::simulationBegan : FindingKind::simulationEnded,
                      message));
@@ -496,8 +493,7 @@ void GooseSupervisor::checkTime(GooseObservation const& message, FindingSink sin
         return;
     }
     edge(isClockFailed_, t->clockFailure(), FindingKind::clockFailure, message, sink);
-    edge(isClockFree_, t->clockNotSynchronized(), FindingKind::clockNotSynchronized, message,
-         sink);
+    edge(isClockFree_, t->clockNotSynchronized(), FindingKind::clockNotSynchronized, message, sink);
     // Repetitions come later than the state that t is of.
     bool const isOther = !content_.t || content_.t->seconds != t->seconds ||
                          content_.t->fraction != t->fraction || !isStarted_;

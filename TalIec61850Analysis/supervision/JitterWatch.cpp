@@ -27,8 +27,8 @@ double JitterWatch::slopeOfBlock() const {
         return 0;
     }
     std::size_t const half = size_ / 2;
-    double const slope = static_cast<double>(medianOf(half, size_) - medianOf(0, half)) /
-                         static_cast<double>(half);
+    double const slope =
+        static_cast<double>(medianOf(half, size_) - medianOf(0, half)) / static_cast<double>(half);
     double const mostDrift = interval_ / 100;
     return std::clamp(slope, -mostDrift, mostDrift);
 }

@@ -144,7 +144,7 @@ std::uint64_t LossWitnesses::dropsIn(Hole const& hole) const {
     std::uint64_t count = 0;
     for (auto drop = std::lower_bound(
              drops_.begin(), drops_.end(), hole.from + 1,
-             [](CaptureDrop const& a, std::int64_t time) { return a.until < time; });
+             [](CaptureDrop const&a, std::int64_t time) { return a.until < time; });
          drop != drops_.end() && drop->until <= hole.until; ++drop) {
         bool const isOfFile = drop->file == hole.firstFile || drop->file == hole.lastFile;
         count += isOfFile && drop->isExact ? drop->count : 0;
@@ -152,8 +152,7 @@ std::uint64_t LossWitnesses::dropsIn(Hole const& hole) const {
     return count;
 }
 
-std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& finding,
-                                                           Hole const& hole,
+std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& finding, Hole const& hole,
                                                            std::uint64_t& seen) const {
     TrafficStream const& stream = index_.streams()[hole.stream];
     auto const& source = stream.key.source;
@@ -162,13 +161,11 @@ std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& findin
     PacketColumns const& first = stream.parts[before.part].packets;
     PacketColumns const& last = stream.parts[after.part].packets;
     auto const kind = first.flags()[before.packet].redundancy();
-    if (!source || kind == Redundancy::none ||
-        last.flags()[after.packet].redundancy() != kind) {
+    if (!source || kind == Redundancy::none || last.flags()[after.packet].redundancy() != kind) {
         return std::nullopt;
     }
     std::uint16_t const start = first.redundancySequences()[before.packet];
-    auto const width = static_cast<std::uint16_t>(
-        last.redundancySequences()[after.packet] - start);
+    auto const width = static_cast<std::uint16_t>(last.redundancySequences()[after.packet] - start);
     if (width == 0) {
         return std::nullopt;
     }
@@ -190,10 +187,9 @@ std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& findin
             }
             for (std::size_t place = begin; place < end; ++place) {
                 std::size_t const packet = part.packets.inTimeOrder(place);
-                auto const away = static_cast<std::uint16_t>(
-                    part.packets.redundancySequences()[packet] - start);
-                if (part.packets.flags()[packet].redundancy() == kind && away > 0 &&
-                    away < width) {
+                auto const away =
+                    static_cast<std::uint16_t>(part.packets.redundancySequences()[packet] - start);
+                if (part.packets.flags()[packet].redundancy() == kind && away > 0 && away < width) {
                     numbers.insert(away);
                 }
             }

@@ -10,6 +10,7 @@
 #include <TalIec61850Analysis/supervision/GooseCourse.hpp>
 #include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
 #include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
+#include <TalIec61850Analysis/supervision/SampleContents.hpp>
 #include <TalIec61850Analysis/supervision/SortFindings.hpp>
 #include <TalIec61850Analysis/supervision/StreamWays.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
@@ -143,8 +144,7 @@ std::uint32_t samplesInFrame(TrafficStream const& stream) {
     return most;
 }
 
-detail::SvCourse courseOf(detail::FoundRate const& found, std::uint32_t inFrame,
-                          bool isRedundant) {
+detail::SvCourse courseOf(detail::FoundRate const& found, std::uint32_t inFrame, bool isRedundant) {
     constexpr double kSecond = 1e9;
     return {.count = {.wrap = found.wrap,
                       .interval = found.rate.isKnown() ? kSecond / found.rate.perSecond() : 0,
@@ -226,8 +226,8 @@ public:
         : index_(index), findings_(findings), window_(pathsIn(index)) {
         for (TrafficStream const& stream : index.streams()) {
             if (stream.key.protocol == StreamProtocol::goose) {
-                streams_.push_back({.ways = detail::StreamWays(stream),
-                                    .ahead = StepsAhead(stream, steps)});
+                streams_.push_back(
+                    {.ways = detail::StreamWays(stream), .ahead = StepsAhead(stream, steps)});
             } else {
                 streams_.push_back({.ways = detail::StreamWays({}), .ahead = StepsAhead({}, {})});
             }
@@ -284,9 +284,8 @@ private:
         at.hasContent = !flags.isCut();
         at.ahead.pass(message.packet.part, frameOffset,
                       [&](std::int64_t step) { at.supervisor.stepClock(step); });
-        at.supervisor.add(observation, [&](Finding const& finding) {
-            findings_[message.stream].add(finding);
-        });
+        at.supervisor.add(observation,
+                          [&](Finding const& finding) { findings_[message.stream].add(finding); });
     }
 
     TrafficIndex const& index_;
@@ -313,6 +312,11 @@ void superviseTraffic(TrafficIndex const& index, SupervisionOptions const& optio
         std::int64_t const end = coverage.of(index.streams()[stream]);
         if (index.streams()[stream].key.protocol == StreamProtocol::sv) {
             superviseSv(index, stream, steps, options, end, findings[stream]);
+            if (options.withSamples) {
+                detail::superviseSamples(
+                    index, stream, options.stop,
+                    [&](Finding const& finding) { findings[stream].add(finding); });
+            }
         } else {
             goose.finish(stream, end);
         }

@@ -67,8 +67,7 @@ void SvSupervisor::follow(SvCourse const& course, SvObservation const& next, Fin
     if (!course.rate.isKnown() && course_.rate.isKnown()) {
         return;  // too few packets to tell
     }
-    bool const isSameCount =
-        course.count.wrap == course_.count.wrap && course.rate == course_.rate;
+    bool const isSameCount = course.count.wrap == course_.count.wrap && course.rate == course_.rate;
     if (isSameCount && isStarted_) {
         return;
     }
@@ -85,8 +84,8 @@ void SvSupervisor::follow(SvCourse const& course, SvObservation const& next, Fin
     beginJitter(sink);
     course_ = course;
     double const frame = course.count.interval * course.inFrame;
-    silence_ = frame > 0 ? std::max(kSilentTime, static_cast<std::int64_t>(kSilentFrames * frame))
-                         : 0;
+    silence_ =
+        frame > 0 ? std::max(kSilentTime, static_cast<std::int64_t>(kSilentFrames * frame)) : 0;
     soon_ = silence_ > 0 ? std::min(kSoon, static_cast<std::uint64_t>(silence_)) : kSoon;
     isStarted_ = false;
     isQuiet_ = false;
@@ -116,9 +115,9 @@ void SvSupervisor::describe(StreamAttributes const& attributes, SvObservation co
                valueOf(attributes.datSet), sink);
     }
     if (before.simulatedBit != attributes.simulatedBit) {
-        report(attributes.simulatedBit ? FindingKind::simulationBegan
-                                       : FindingKind::simulationEnded,
-               next, {}, {}, sink);
+        report(
+            attributes.simulatedBit ? FindingKind::simulationBegan : FindingKind::simulationEnded,
+            next, {}, {}, sink);
     }
     if (!attributes.isCut) {
         before = attributes;
@@ -460,8 +459,8 @@ void SvSupervisor::settleGaps(bool areAll, FindingSink sink) {
     for (; settled < gaps_.size(); ++settled) {
         Gap const& gap = gaps_[settled];
         bool const isTimed = last_.arrival != kNoTime && gap.after.arrival != kNoTime;
-        bool const mayBeCopied = course_.isRedundant && isTimed &&
-                                 last_.arrival - gap.after.arrival < kCopyTime;
+        bool const mayBeCopied =
+            course_.isRedundant && isTimed && last_.arrival - gap.after.arrival < kCopyTime;
         bool const mayFill =
             counter_.newest() - gap.end < SampleCounter::kMostBehind || mayBeCopied;
         if (!areAll && mayFill) {
@@ -499,8 +498,8 @@ void SvSupervisor::checkSilence(SvObservation const& packet, FindingSink sink) {
     }
     std::int64_t const last = std::max(heard_, last_.arrival);
     if (packet.arrival > last && packet.arrival - last > silence_) {
-        report(FindingKind::silent, packet, instantOf(last + silence_),
-               instantOf(packet.arrival), sink);
+        report(FindingKind::silent, packet, instantOf(last + silence_), instantOf(packet.arrival),
+               sink);
     }
 }
 

@@ -49,8 +49,8 @@ public:
     /// A packet has come.
     void add(SvObservation const& packet, FindingSink sink) {
         // Without a sign, what is before the last one is far from it.
-        auto const since = static_cast<std::uint64_t>(packet.arrival) -
-                           static_cast<std::uint64_t>(last_.arrival);
+        auto const since =
+            static_cast<std::uint64_t>(packet.arrival) - static_cast<std::uint64_t>(last_.arrival);
         if (isQuiet_ && packet.smpCnt == last_.smpCnt + 1 && packet.isCounted &&
             packet.smpSynch == last_.smpSynch && packet.way == last_.way && since < soon_ &&
             packet.smpCnt < course_.count.wrap) [[likely]] {

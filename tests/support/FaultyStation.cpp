@@ -172,9 +172,8 @@ FaultyStation& FaultyStation::overlap(std::int64_t from, std::int64_t until) {
 }
 
 std::vector<Bytes> FaultyStation::captures() {
-    std::stable_sort(
-        frames_.begin(), frames_.end(),
-        [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    std::stable_sort(frames_.begin(), frames_.end(),
+                     [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
     placed_.clear();
     std::size_t files = 1;
     for (StationFrame const& each : frames_) {

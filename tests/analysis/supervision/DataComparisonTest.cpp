@@ -1,5 +1,6 @@
-#include <TalIec61850Analysis/supervision/DataComparison.hpp>
 #include <gtest/gtest.h>
+
+#include <TalIec61850Analysis/supervision/DataComparison.hpp>
 
 #include "support/Bytes.hpp"
 #include "support/Data.hpp"
@@ -58,7 +59,8 @@ TEST(DataComparison, SeesAnotherMake) {
 }
 
 TEST(DataComparison, TellsQualitiesByTheirMembers) {
-    Bytes const before = joined({dataBoolean(true), dataStructure({dataBoolean(true), dataQuality()})});
+    Bytes const before =
+        joined({dataBoolean(true), dataStructure({dataBoolean(true), dataQuality()})});
     Bytes const now =
         joined({dataBoolean(true), dataStructure({dataBoolean(true), dataQuality(0x4000)})});
     std::string const change = differences(before, now);

@@ -1,5 +1,6 @@
-#include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
 #include <gtest/gtest.h>
+
+#include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
 
 namespace TalTest {
 namespace {

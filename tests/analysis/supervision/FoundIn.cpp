@@ -100,8 +100,7 @@ std::vector<Finding> findingsIn(std::vector<Bytes> const& captures,
     }
     TrafficIndex const index = indexCaptures(paths);
     std::vector<Finding> findings;
-    superviseTraffic(index, options,
-                     [&](Finding const& finding) { findings.push_back(finding); });
+    superviseTraffic(index, options, [&](Finding const& finding) { findings.push_back(finding); });
     return findings;
 }
 

@@ -69,7 +69,9 @@ TEST(GooseFaults, TellsALateFirstMessageOfAStateAlone) {
 
 TEST(GooseFaults, TellsRepeatedAndReplayedMessages) {
     auto station = gooseStation();
-    station.repeat(0, 5, kMillisecond).repeat(0, 3, 250 * kMillisecond).repeat(0, 7, 10'000'000'000);
+    station.repeat(0, 5, kMillisecond)
+        .repeat(0, 3, 250 * kMillisecond)
+        .repeat(0, 7, 10'000'000'000);
     auto const lines = foundIn(station);
     EXPECT_EQ(lines[0], "repeated " + kName + " #5 after #5");
     EXPECT_EQ(lines[1], "replay " + kName + " #3 after #5");
@@ -80,8 +82,8 @@ TEST(GooseFaults, TellsARestartAtStateOne) {
         FaultyStation station;
         station.add(GoosePlan{.firstMessage = 100, .states = {20}});
         FaultyStation after;
-        after.add(GoosePlan{.firstState = 1, .firstMessage = 0, .states = {20},
-                            .start = 2000 * kMillisecond});
+        after.add(GoosePlan{
+            .firstState = 1, .firstMessage = 0, .states = {20}, .start = 2000 * kMillisecond});
         for (StationFrame frame : after.frames()) {
             auto& message = std::get<GooseMessage>(frame.message);
             message.sqNum = frame.number + first;
@@ -127,9 +129,8 @@ TEST(GooseFaults, TellsDataThatChangeWithoutAState) {
 
 TEST(GooseFaults, TellsStatesWithoutChange) {
     auto station = gooseStation();
-    station.changeGooseFrom(0, 20, [](GooseMessage& message) {
-        message.setData(values(true, 0, 77));
-    });
+    station.changeGooseFrom(0, 20,
+                            [](GooseMessage& message) { message.setData(values(true, 0, 77)); });
     EXPECT_EQ(foundIn(station), named({"stateWithoutChange #20", "stateWithoutChange #40"}));
 }
 
@@ -137,9 +138,8 @@ TEST(GooseFaults, TellsTimesThatDoNotGoWithStates) {
     auto station = gooseStation();
     Bytes const t = *station.goose(0, 20).t;
     station.changeGooseFrom(0, 40, [&](GooseMessage& message) { message.t = t; });
-    station.changeGooseFrom(0, 50, [&](GooseMessage& message) {
-        message.t = utcTime(1'700'000'000);
-    });
+    station.changeGooseFrom(0, 50,
+                            [&](GooseMessage& message) { message.t = utcTime(1'700'000'000); });
     EXPECT_EQ(foundIn(station), named({"timeUnchanged #40", "timeWithoutState #50"}));
 }
 
@@ -167,9 +167,8 @@ TEST(GooseFaults, TellsTimesAllowedToLive) {
     auto station = gooseStation();
     station.changeGooseFrom(0, 5, [](GooseMessage& message) { message.timeAllowedtoLive = 0; });
     station.changeGooseFrom(0, 10, [](GooseMessage& message) { message.timeAllowedtoLive = 250; });
-    EXPECT_EQ(foundIn(station),
-              named({"timeAllowedtoLiveZero #5", "timeAllowedtoLiveChanged #5",
-                     "timeAllowedtoLiveChanged #10"}));
+    EXPECT_EQ(foundIn(station), named({"timeAllowedtoLiveZero #5", "timeAllowedtoLiveChanged #5",
+                                       "timeAllowedtoLiveChanged #10"}));
 }
 
 TEST(GooseFaults, TakesTimesThatGrowWithTheIntervalsAsTheyAre) {

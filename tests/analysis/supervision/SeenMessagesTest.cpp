@@ -1,5 +1,6 @@
-#include <TalIec61850Analysis/supervision/SeenMessages.hpp>
 #include <gtest/gtest.h>
+
+#include <TalIec61850Analysis/supervision/SeenMessages.hpp>
 
 namespace TalTest {
 namespace {

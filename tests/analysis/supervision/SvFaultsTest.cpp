@@ -7,6 +7,8 @@
 namespace TalTest {
 namespace {
 
+using namespace TalIec61850Analysis;
+
 constexpr std::int64_t kMillisecond = 1'000'000;
 constexpr std::int64_t kSecond = 1'000'000'000;
 /// Between frames of 4000 a second.
@@ -45,9 +47,8 @@ TEST(SvFaults, CountsMissingSamplesAtTheWrap) {
     for (std::size_t const first : {3997, 3998, 3999, 4000}) {
         auto station = svStation({.frames = 8000});
         station.drop(0, first, 2);
-        EXPECT_EQ(foundIn(station),
-                  (Lines{"sampleGap MU01 #" + std::to_string(first + 2) + " after #" +
-                         std::to_string(first - 1) + " lost 2"}));
+        EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #" + std::to_string(first + 2) +
+                                           " after #" + std::to_string(first - 1) + " lost 2"}));
     }
 }
 
@@ -68,7 +69,8 @@ TEST(SvFaults, TellsALatePacketAlone) {
     for (std::int64_t const behind : {1, 2, 15, 16}) {
         auto station = svStation();
         station.delay(0, 100, behind * kInterval + kInterval / 2);
-        EXPECT_EQ(foundIn(station), (Lines{"late MU01 #100 after #" + std::to_string(100 + behind)}))
+        EXPECT_EQ(foundIn(station),
+                  (Lines{"late MU01 #100 after #" + std::to_string(100 + behind)}))
             << behind;
     }
 }
@@ -76,15 +78,15 @@ TEST(SvFaults, TellsALatePacketAlone) {
 TEST(SvFaults, TakesWhatIsLateFromAGap) {
     auto station = svStation();
     station.drop(0, 100, 2).delay(0, 102, 4 * kInterval + kInterval / 2);
-    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #103 after #99 lost 2",
-                                       "late MU01 #102 after #106"}));
+    EXPECT_EQ(foundIn(station),
+              (Lines{"sampleGap MU01 #103 after #99 lost 2", "late MU01 #102 after #106"}));
 }
 
 TEST(SvFaults, TellsRepeatedPackets) {
     auto station = svStation();
     station.repeat(0, 100, kInterval / 4).repeat(0, 3999, kInterval / 4);
-    EXPECT_EQ(foundIn(station), (Lines{"repeated MU01 #100 after #100",
-                                       "repeated MU01 #3999 after #3999"}));
+    EXPECT_EQ(foundIn(station),
+              (Lines{"repeated MU01 #100 after #100", "repeated MU01 #3999 after #3999"}));
 }
 
 TEST(SvFaults, TellsWhatWasSeenLongerAgoAsRepeated) {
@@ -149,7 +151,7 @@ TEST(SvFaults, TellsFramesAwayFromTheirCourse) {
 TEST(SvFaults, TakesTheLimitOfJitterThatIsGiven) {
     auto station = svStation();
     station.delay(0, 1000, 12'000).delay(0, 2000, 9'000);
-    EXPECT_EQ(foundIn(station, {.jitter = 10'000, .stop = {}}), (Lines{"jitter MU01 #1000"}));
+    EXPECT_EQ(foundIn(station, {.jitter = 10'000, .withSamples = false, .stop = {}}), (Lines{"jitter MU01 #1000"}));
 }
 
 TEST(SvFaults, FollowsAConstantDrift) {
@@ -157,7 +159,40 @@ TEST(SvFaults, FollowsAConstantDrift) {
     for (StationFrame& frame : station.frames()) {
         frame.time += frame.time / 10'000;  // 100 ppm
     }
-    EXPECT_EQ(foundIn(station, {.jitter = 10'000, .stop = {}}), Lines());
+    EXPECT_EQ(foundIn(station, {.jitter = 10'000, .withSamples = false, .stop = {}}), Lines());
+}
+
+TEST(SvFaults, TellsQualitiesOfChannels) {
+    auto station = svStation();
+    auto const set = [](std::size_t channel, std::uint32_t quality) {
+        return [=](SvMessage& message) {
+            std::vector<Sample> channels(8);
+            for (Sample& each : channels) each = {1000, 0x2000};  // derived
+            channels[channel].second = quality;
+            message.asdus.front().seqData = samples(channels);
+        };
+    };
+    station.changeSvFrom(0, 0, set(0, 0)).changeSvFrom(0, 100, set(2, 0x2001));
+    station.changeSvFrom(0, 200, set(2, 3)).changeSvFrom(0, 300, set(2, 0));
+    auto const captures = station.captures();
+    EXPECT_EQ(foundIn(captures, station), Lines());
+    SupervisionOptions const options{.jitter = {}, .withSamples = true, .stop = {}};
+    EXPECT_EQ(foundIn(captures, station, options),
+              (Lines{"qualityChanged MU01 #100", "qualityChanged MU01 #300"}));
+    auto const findings = findingsIn(captures, options);
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].member, std::vector<std::uint32_t>{2});
+    EXPECT_EQ(findings[0].severity(), Severity::warning);
+    EXPECT_EQ(findings[1].severity(), Severity::note);
+}
+
+TEST(SvFaults, TellsSamplesOfAnotherSize) {
+    auto station = svStation();
+    station.changeSvFrom(0, 100, [](SvMessage& message) {
+        message.asdus.front().seqData = Bytes(48);
+    });
+    EXPECT_EQ(foundIn(station, {.jitter = {}, .withSamples = true, .stop = {}}),
+              (Lines{"dataSetChanged MU01 #100"}));
 }
 
 TEST(SvFaults, TellsSilenceWhereNothingIsMissing) {
@@ -166,7 +201,7 @@ TEST(SvFaults, TellsSilenceWhereNothingIsMissing) {
     for (std::size_t number = 1000; number < 1100; ++number) {
         station.frame(0, number).time = 274'800'000 + static_cast<std::int64_t>(number);
     }
-    auto const lines = foundIn(station, {.jitter = kSecond, .stop = {}});
+    auto const lines = foundIn(station, {.jitter = kSecond, .withSamples = false, .stop = {}});
     EXPECT_EQ(lines, (Lines{"silent MU01 #1000"}));
 }
 
@@ -197,8 +232,7 @@ TEST(SvFaults, TellsTwoCountersUnderOneName) {
                 frames.push_back(frame);
             }
         }
-        EXPECT_EQ(foundIn(station),
-                  (Lines{"twoPublishers MU01 #10500 after #500 count 1000"}))
+        EXPECT_EQ(foundIn(station), (Lines{"twoPublishers MU01 #10500 after #500 count 1000"}))
             << apart;
     }
 }
@@ -226,8 +260,7 @@ TEST(SvFaults, JoinsAFloodOfOneKind) {
     for (std::size_t number = 4000; number < 6000; number += 2) {
         station.drop(0, number);
     }
-    EXPECT_EQ(foundIn(station),
-              (Lines{"sampleGap MU01 #4001 after #3999 lost 1000 count 1000"}));
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #4001 after #3999 lost 1000 count 1000"}));
 }
 
 TEST(SvFaults, TellsNothingOfCopies) {
@@ -250,9 +283,9 @@ TEST(SvFaults, FindsTheFirstAndTheLastPacket) {
     auto station = svStation();
     station.repeat(0, 0, kInterval / 4);
     station.drop(0, 1).drop(0, 3998);
-    EXPECT_EQ(foundIn(station), (Lines{"repeated MU01 #0 after #0",
-                                       "sampleGap MU01 #2 after #0 lost 1",
-                                       "sampleGap MU01 #3999 after #3997 lost 1"}));
+    EXPECT_EQ(foundIn(station),
+              (Lines{"repeated MU01 #0 after #0", "sampleGap MU01 #2 after #0 lost 1",
+                     "sampleGap MU01 #3999 after #3997 lost 1"}));
 }
 
 }  // namespace
