@@ -13,7 +13,7 @@ namespace TalIec61850Analysis::detail {
 
 namespace {
 
-std::int64_t timeOf(std::optional<CaptureTime> const& time) {
+std::int64_t timeOrNone(std::optional<CaptureTime> const& time) {
     return time ? time->time_since_epoch().count() : kNoTime;
 }
 
@@ -28,7 +28,7 @@ Finding findingAt(FindingKind kind, std::uint32_t file, std::uint64_t fileOffset
 }
 
 /// The packet of a stream that came first; nothing where none has a time.
-std::optional<PacketRef> firstOf(TrafficStream const& stream) {
+std::optional<PacketRef> firstPacketOf(TrafficStream const& stream) {
     std::optional<PacketRef> first;
     std::int64_t earliest = 0;
     for (std::uint32_t part = 0; part < stream.parts.size(); ++part) {
@@ -45,7 +45,7 @@ std::optional<PacketRef> firstOf(TrafficStream const& stream) {
     return first;
 }
 
-void moveInto(FindingJoiner& joiner, std::vector<Finding>& findings) {
+void moveFindings(FindingJoiner& joiner, std::vector<Finding>& findings) {
     auto joined = joiner.take();
     std::move(joined.begin(), joined.end(), std::back_inserter(findings));
 }
@@ -124,7 +124,7 @@ void addClockSteps(TrafficIndex const& index, std::vector<std::vector<ClockStep>
             joiner.add(std::move(finding));
         }
     }
-    moveInto(joiner, findings);
+    moveFindings(joiner, findings);
 }
 
 void addDrops(std::vector<CaptureDrop> const& drops, std::vector<Finding>& findings) {
@@ -138,15 +138,16 @@ void addDrops(std::vector<CaptureDrop> const& drops, std::vector<Finding>& findi
         finding.witnessFrames = drop.count;
         joiner.add(std::move(finding));
     }
-    moveInto(joiner, findings);
+    moveFindings(joiner, findings);
 }
 
 void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
     for (std::uint32_t file = 0; file < index.files().size(); ++file) {
         CaptureSummary const& summary = index.files()[file].summary;
         if (summary.snappedFrames > 0) {
-            Finding finding = findingAt(FindingKind::recordsCut, file, 0, timeOf(summary.first));
-            finding.until = timeOf(summary.last);
+            Finding finding =
+                findingAt(FindingKind::recordsCut, file, 0, timeOrNone(summary.first));
+            finding.until = timeOrNone(summary.last);
             finding.count = summary.snappedFrames;
             findings.push_back(std::move(finding));
         }
@@ -155,7 +156,7 @@ void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
                        damage->kind == CaptureDamageKind::recordHeaderCut ||
                        damage->kind == CaptureDamageKind::fileShrank)) {
             Finding finding = findingAt(FindingKind::fileEndsInRecord, file, damage->fileOffset,
-                                        timeOf(summary.last));
+                                        timeOrNone(summary.last));
             finding.expected = numberOf(static_cast<std::int64_t>(damage->claimedSize));
             finding.found =
                 numberOf(static_cast<std::int64_t>(damage->claimedSize - damage->missingSize));
@@ -164,13 +165,13 @@ void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
         std::map<std::pair<StreamProtocol, UnreadReason>, FindingJoiner> joiners;
         for (UnreadFrame const& frame : summary.unread) {
             Finding finding =
-                findingAt(FindingKind::unreadable, file, frame.frameOffset, timeOf(frame.time));
+                findingAt(FindingKind::unreadable, file, frame.frameOffset, timeOrNone(frame.time));
             finding.protocol = frame.protocol;
             finding.reason = frame.reason;
             joiners[{frame.protocol, frame.reason}].add(std::move(finding));
         }
         for (auto& [kind, joiner] : joiners) {
-            moveInto(joiner, findings);
+            moveFindings(joiner, findings);
         }
     }
 }
@@ -185,7 +186,7 @@ void addSharedNames(TrafficIndex const& index, std::vector<Finding>& findings) {
     std::vector<Owner> streams;
     for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
         TrafficStream const& of = index.streams()[stream];
-        if (auto const first = firstOf(of); first && of.key.source) {
+        if (auto const first = firstPacketOf(of); first && of.key.source) {
             streams.push_back({.stream = stream,
                                .time = of.parts[first->part].packets.times()[first->packet],
                                .packet = *first});

@@ -14,7 +14,7 @@ constexpr std::int64_t kLeastBack = 1'000'000;
 constexpr double kPauseIntervals = 10;
 
 /// Packets of one stream in one file.
-struct Part {
+struct WitnessPart {
     std::size_t stream = 0;
     std::uint32_t number = 0;
     StreamPart const* part = nullptr;
@@ -22,7 +22,7 @@ struct Part {
 
 /// A place where the time of one stream jumps, and its counter does not.
 struct Jump {
-    Part of;
+    WitnessPart of;
     std::uint32_t before = 0;
     std::uint32_t after = 0;
     std::uint64_t offsetBefore = 0;
@@ -32,7 +32,7 @@ struct Jump {
     std::int64_t interval = 0;
 };
 
-bool isOriginal(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
+bool isNoCopy(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
 
 /// The time from one frame to the next, about: over some packets on one side of a place; not set
 /// where none tell.
@@ -46,7 +46,7 @@ std::optional<double> frameInterval(PacketColumns const& packets, std::size_t st
     int frames = 0;
     for (; place >= 0 && place < size && frames < kFrames; place += step) {
         auto const at = static_cast<std::size_t>(place);
-        if (isOriginal(packets.flags()[at]) && packets.frameOffsets()[at] != offset) {
+        if (isNoCopy(packets.flags()[at]) && packets.frameOffsets()[at] != offset) {
             offset = packets.frameOffsets()[at];
             time = packets.times()[at];
             ++frames;
@@ -59,11 +59,12 @@ std::optional<double> frameInterval(PacketColumns const& packets, std::size_t st
 }
 
 /// Whether smpCnt goes on by one; it may begin again anywhere.
-bool goesOn(std::uint32_t before, std::uint32_t after) {
+bool isNextCount(std::uint32_t before, std::uint32_t after) {
     return after == before + 1 || (after == 0 && before > 0);
 }
 
-void addSvJump(Part const& part, std::size_t before, std::size_t after, std::vector<Jump>& jumps) {
+void addSvJump(WitnessPart const& part, std::size_t before, std::size_t after,
+               std::vector<Jump>& jumps) {
     PacketColumns const& packets = part.part->packets;
     std::int64_t const away = packets.times()[after] - packets.times()[before];
     auto const intervalAfter = frameInterval(packets, after, 1);
@@ -85,7 +86,7 @@ void addSvJump(Part const& part, std::size_t before, std::size_t after, std::vec
                      .interval = whole});
 }
 
-void findJumps(Part const& part, bool isSv, std::vector<Jump>& jumps) {
+void findJumps(WitnessPart const& part, bool isSv, std::vector<Jump>& jumps) {
     PacketColumns const& packets = part.part->packets;
     auto const times = packets.times();
     auto const flags = packets.flags();
@@ -94,7 +95,7 @@ void findJumps(Part const& part, bool isSv, std::vector<Jump>& jumps) {
     // Times all over the place are no steps of a clock.
     constexpr std::size_t kMostJumps = 1000;
     for (std::size_t i = 0; i < size && jumps.size() < kMostJumps; ++i) {
-        if (!isOriginal(flags[i]) || times[i] == kNoTime) {
+        if (!isNoCopy(flags[i]) || times[i] == kNoTime) {
             continue;
         }
         if (before != size) {
@@ -108,7 +109,7 @@ void findJumps(Part const& part, bool isSv, std::vector<Jump>& jumps) {
                                      .offsetAfter = packets.frameOffsets()[i],
                                      .step = away,
                                      .interval = -away});
-                } else if (goesOn(packets.smpCnts()[before], packets.smpCnts()[i])) {
+                } else if (isNextCount(packets.smpCnts()[before], packets.smpCnts()[i])) {
                     addSvJump(part, before, i, jumps);
                 }
             }
@@ -117,7 +118,7 @@ void findJumps(Part const& part, bool isSv, std::vector<Jump>& jumps) {
     }
 }
 
-std::uint32_t largestCount(Part const& part) {
+std::uint32_t largestCount(WitnessPart const& part) {
     auto const smpCnts = part.part->packets.smpCnts();
     return smpCnts.empty() ? 0 : *std::max_element(smpCnts.begin(), smpCnts.end());
 }
@@ -140,7 +141,7 @@ bool mayBeLoss(Jump const& jump, std::uint32_t largest) {
 
 /// The parts of one file that tell of its clock, and the jumps of each.
 struct Witnesses {
-    std::vector<Part> parts;
+    std::vector<WitnessPart> parts;
     std::vector<std::vector<Jump>> jumps;
 };
 
@@ -150,7 +151,7 @@ std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
     std::uint64_t last = jump.offsetBefore;
     Jump const* first = &jump;
     for (std::size_t i = 0; i < witnesses.parts.size(); ++i) {
-        Part const& part = witnesses.parts[i];
+        WitnessPart const& part = witnesses.parts[i];
         auto const offsets = part.part->packets.frameOffsets();
         bool const wasThere = offsets.front() < jump.offsetAfter;
         bool const isThere = offsets.back() > jump.offsetBefore;
@@ -179,12 +180,12 @@ std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
                      .before = {first->of.number, first->before}};
 }
 
-std::vector<ClockStep> stepsOf(std::vector<Part> const& svParts,
-                               std::vector<Part> const& gooseParts) {
+std::vector<ClockStep> stepsOf(std::vector<WitnessPart> const& svParts,
+                               std::vector<WitnessPart> const& gooseParts) {
     bool const isSv = !svParts.empty();
     Witnesses witnesses{.parts = isSv ? svParts : gooseParts, .jumps = {}};
     std::vector<Jump> jumps;
-    for (Part const& part : witnesses.parts) {
+    for (WitnessPart const& part : witnesses.parts) {
         auto& own = witnesses.jumps.emplace_back();
         findJumps(part, isSv, own);
         jumps.insert(jumps.end(), own.begin(), own.end());
@@ -216,8 +217,8 @@ std::vector<ClockStep> stepsOf(std::vector<Part> const& svParts,
 
 std::vector<std::vector<ClockStep>> findClockSteps(TrafficIndex const& index) {
     std::size_t const files = index.files().size();
-    std::vector<std::vector<Part>> svParts(files);
-    std::vector<std::vector<Part>> gooseParts(files);
+    std::vector<std::vector<WitnessPart>> svParts(files);
+    std::vector<std::vector<WitnessPart>> gooseParts(files);
     for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
         TrafficStream const& of = index.streams()[stream];
         bool const isSv = of.key.protocol == StreamProtocol::sv;

@@ -8,7 +8,7 @@ namespace TalIec61850Analysis::detail {
 
 namespace {
 
-void join(Finding& all, Finding const& other) {
+void addTo(Finding& all, Finding const& other) {
     all.until = std::max(all.until, other.until);
     all.count += other.count;
     all.lost += other.lost;
@@ -49,7 +49,7 @@ void FindingJoiner::add(Finding finding) {
     Finding& all = second.findings.front();
     if (!second.isJoined) {
         for (std::size_t i = 1; i < second.findings.size(); ++i) {
-            join(all, second.findings[i]);
+            addTo(all, second.findings[i]);
         }
         second.findings.resize(1);
         second.isJoined = true;
@@ -57,7 +57,7 @@ void FindingJoiner::add(Finding finding) {
     // Nobody looked at the cause of this one.
     finding.cause = all.cause;
     finding.witness = LossWitness::none;
-    join(all, finding);
+    addTo(all, finding);
 }
 
 void FindingJoiner::flush(Second& second) {

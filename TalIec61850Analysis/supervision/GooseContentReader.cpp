@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint8_t kSqNum = 0x86;
 
-std::optional<std::int64_t> numberIn(std::optional<IntegerView> const& value) {
+std::optional<std::int64_t> plainNumberIn(std::optional<IntegerView> const& value) {
     if (!value) {
         return std::nullopt;
     }
@@ -23,7 +23,7 @@ std::optional<std::int64_t> numberIn(std::optional<IntegerView> const& value) {
 }
 
 template <typename Value>
-std::optional<Value> valueIn(std::optional<ReadableView<Value>> const& value) {
+std::optional<Value> plainValueIn(std::optional<ReadableView<Value>> const& value) {
     auto const* const held = value ? std::get_if<Value>(&*value) : nullptr;
     return held != nullptr ? std::optional(*held) : std::nullopt;
 }
@@ -55,13 +55,13 @@ void GooseContentReader::readAnew(CaptureWindow& window, std::uint32_t file,
     if (!view.pdu) {
         throw std::system_error(ESTALE, std::generic_category());
     }
-    content_ = {.timeAllowedtoLive = numberIn(view.timeAllowedtoLive),
+    content_ = {.timeAllowedtoLive = plainNumberIn(view.timeAllowedtoLive),
                 .datSet = view.datSet,
-                .confRev = numberIn(view.confRev),
-                .t = valueIn(view.t),
-                .simulation = valueIn(view.simulation),
-                .ndsCom = valueIn(view.ndsCom),
-                .numDatSetEntries = numberIn(view.numDatSetEntries),
+                .confRev = plainNumberIn(view.confRev),
+                .t = plainValueIn(view.t),
+                .simulation = plainValueIn(view.simulation),
+                .ndsCom = plainValueIn(view.ndsCom),
+                .numDatSetEntries = plainNumberIn(view.numDatSetEntries),
                 .allData = view.allData ? std::optional(view.allData->octets()) : std::nullopt};
     sqNum_ = pdu_.size();
     sqNumSize_ = 0;

@@ -9,31 +9,33 @@ namespace TalIec61850Analysis::detail {
 
 namespace {
 
-constexpr std::int64_t kMillisecond = 1'000'000;
-constexpr std::int64_t kSecond = 1'000'000'000;
+constexpr std::int64_t kNsOfMillisecond = 1'000'000;
+constexpr std::int64_t kNsOfSecond = 1'000'000'000;
 /// Messages after a gap in which a late one may fill it.
 constexpr std::uint32_t kLateMessages = 16;
-constexpr std::size_t kMostGaps = 64;
+constexpr std::size_t kMostMessageGaps = 64;
 /// So many older messages in sequence are those of another publisher.
 constexpr std::size_t kSecondPublisher = 4;
 /// A time allowed to live that comes so often again is the longest of its stream.
 constexpr std::uint32_t kSteadyLives = 4;
 /// One of two publishers is gone after so many messages of the other one.
-constexpr std::uint32_t kGone = 64;
+constexpr std::uint32_t kGoneMessages = 64;
 
-std::int64_t nanosecondsOf(UtcTime const& t) {
-    return std::int64_t{t.seconds} * kSecond + t.nanoseconds();
+std::int64_t timeOfStamp(UtcTime const& t) {
+    return std::int64_t{t.seconds} * kNsOfSecond + t.nanoseconds();
 }
 
 /// What a time may be wrong by, as it says, in nanoseconds.
 std::int64_t accuracyOf(UtcTime const& t) {
     constexpr std::uint8_t kMostBits = 24;
-    return t.accuracy() <= kMostBits ? kSecond >> t.accuracy() : 0;
+    return t.accuracy() <= kMostBits ? kNsOfSecond >> t.accuracy() : 0;
 }
 
-MessageNumber numberOf(GooseObservation const& message) { return {message.stNum, message.sqNum}; }
+MessageNumber messageNumberOf(GooseObservation const& message) {
+    return {message.stNum, message.sqNum};
+}
 
-FindingValue valueOf(std::optional<std::int64_t> value) {
+FindingValue countOrNothing(std::optional<std::int64_t> value) {
     return value ? FindingValue(*value) : FindingValue();
 }
 
@@ -133,7 +135,7 @@ void GooseSupervisor::process(GooseObservation const& message, FindingSink sink)
         begin(message, false, sink);
         return;
     }
-    MessageNumber const number = numberOf(message);
+    MessageNumber const number = messageNumberOf(message);
     if (isLater(number, number_)) {
         accept(message, sink);
         return;
@@ -182,7 +184,7 @@ void GooseSupervisor::begin(GooseObservation const& message, bool isRestart, Fin
     }
     checkContent(message, true, false, sink);
     checkFlags(message, sink);
-    number_ = numberOf(message);
+    number_ = messageNumberOf(message);
     seen_.begin(number_);
     last_ = message;
     lastSimulatedBit_ = message.isSimulated;
@@ -192,7 +194,7 @@ void GooseSupervisor::begin(GooseObservation const& message, bool isRestart, Fin
 
 void GooseSupervisor::hold(GooseObservation const& message) {
     isContentLast_ = false;
-    candidate_.emplace();
+    candidate_ = Candidate();
     candidate_->message = message;
     candidate_->message.content = nullptr;
     candidate_->message.isSame = false;
@@ -220,8 +222,8 @@ void GooseSupervisor::settleCandidate(GooseObservation const& next, bool isOver,
         }
         message.content = &held.content;
     }
-    if (!isOver && next.isCounted && isNext(numberOf(next), numberOf(message)) &&
-        !isNext(numberOf(next), number_)) {
+    if (!isOver && next.isCounted && isNext(messageNumberOf(next), messageNumberOf(message)) &&
+        !isNext(messageNumberOf(next), number_)) {
         begin(message, true, sink);
         // The next one was compared with the one that was held.
         isContentLast_ = held.hasContent;
@@ -255,7 +257,7 @@ void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) 
     }
     checkContent(message, isNewState, states == 1, sink);
     checkFlags(message, sink);
-    number_ = numberOf(message);
+    number_ = messageNumberOf(message);
     seen_.addNewest(number_);
     last_ = message;
     lastSimulatedBit_ = message.isSimulated;
@@ -264,7 +266,7 @@ void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) 
     if (!older_.empty() && ++sinceOlder_ > kLateMessages) {
         settleOlder(sink);
     }
-    if (second_ && ++sinceSecond_ > kGone) {
+    if (second_ && ++sinceSecond_ > kGoneMessages) {
         sink(*second_);
         second_.reset();
     }
@@ -272,7 +274,7 @@ void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) 
 
 void GooseSupervisor::takeOlder(GooseObservation const& message, FindingSink sink) {
     isContentLast_ = false;
-    MessageNumber const number = numberOf(message);
+    MessageNumber const number = messageNumberOf(message);
     bool const isOtherWay = message.way != last_.way;
     if (seen_.has(number)) {
         if (!isOtherWay) {
@@ -347,7 +349,7 @@ bool GooseSupervisor::fill(MessageNumber number) {
 
 void GooseSupervisor::addGap(FindingKind kind, GooseObservation const& message, std::uint32_t stNum,
                              std::uint32_t first, std::uint32_t end, std::uint64_t lost) {
-    if (gaps_.size() == kMostGaps) {
+    if (gaps_.size() == kMostMessageGaps) {
         gaps_.front().since = kLateMessages;
     }
     Gap gap{.finding = finding(kind, message),
@@ -385,8 +387,8 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
     bool const isSame = message.isSame && isContentLast_;
     if (isKnown && !isSame && now.confRev != content_.confRev) {
         Finding made = finding(FindingKind::confRevChanged, message);
-        made.expected = valueOf(content_.confRev);
-        made.found = valueOf(now.confRev);
+        made.expected = countOrNothing(content_.confRev);
+        made.found = countOrNothing(now.confRev);
         sink(made);
     }
     bool isOtherSet = false;
@@ -429,9 +431,9 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
     if (isKnown && now.t && content_.t) {
         bool const isOtherTime =
             now.t->seconds != content_.t->seconds || now.t->fraction != content_.t->fraction;
-        FindingValue const was = instantOf(nanosecondsOf(*content_.t));
+        FindingValue const was = instantOf(timeOfStamp(*content_.t));
         lasting(retimed_, !isNewState && isOtherTime, FindingKind::timeWithoutState, message, sink,
-                was, instantOf(nanosecondsOf(*now.t)));
+                was, instantOf(timeOfStamp(*now.t)));
         if (isNewState && !isOtherTime) {
             Finding made = finding(FindingKind::timeUnchanged, message);
             made.expected = was;
@@ -498,8 +500,8 @@ void GooseSupervisor::checkTime(GooseObservation const& message, FindingSink sin
     bool const isOther = !content_.t || content_.t->seconds != t->seconds ||
                          content_.t->fraction != t->fraction || !isStarted_;
     if (isOther && message.arrival != kNoTime) {
-        std::int64_t const time = nanosecondsOf(*t);
-        edge(isTimeAhead_, time - message.arrival > kMillisecond + accuracyOf(*t),
+        std::int64_t const time = timeOfStamp(*t);
+        edge(isTimeAhead_, time - message.arrival > kNsOfMillisecond + accuracyOf(*t),
              FindingKind::timeAhead, message, sink, instantOf(message.arrival), instantOf(time));
     }
 }
@@ -546,7 +548,7 @@ void GooseSupervisor::setDeadline(GooseObservation const& message) {
     constexpr std::int64_t kLongest = 1'000'000'000;  // milliseconds: more than a week
     auto const& life = content_.timeAllowedtoLive;
     bool const isTold = life && *life > 0 && *life <= kLongest && message.arrival != kNoTime;
-    deadline_ = isTold ? message.arrival + *life * kMillisecond : kNoTime;
+    deadline_ = isTold ? message.arrival + *life * kNsOfMillisecond : kNoTime;
 }
 
 void GooseSupervisor::stepClock(std::int64_t step) {

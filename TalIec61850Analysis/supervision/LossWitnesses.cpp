@@ -9,17 +9,17 @@ namespace TalIec61850Analysis::detail {
 namespace {
 
 /// Packets of a stream in a hole that are looked at.
-constexpr std::size_t kMostPackets = 4096;
+constexpr std::size_t kMostLookedAt = 4096;
 /// Frames of other streams that say that the capture was on.
 constexpr std::uint64_t kFewestFrames = 3;
 constexpr std::size_t kFewestStreams = 2;
 
-bool isOriginal(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
+bool isOriginalPacket(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
 
 /// The place in the order of time of the original packet next to one; the size where there is none.
 std::size_t nextOriginal(PacketColumns const& packets, std::size_t place) {
     std::size_t const size = packets.timedSize();
-    while (place < size && !isOriginal(packets.flags()[packets.inTimeOrder(place)])) {
+    while (place < size && !isOriginalPacket(packets.flags()[packets.inTimeOrder(place)])) {
         ++place;
     }
     return place;
@@ -27,7 +27,7 @@ std::size_t nextOriginal(PacketColumns const& packets, std::size_t place) {
 std::optional<std::size_t> originalBefore(PacketColumns const& packets, std::size_t place) {
     while (place > 0) {
         --place;
-        if (isOriginal(packets.flags()[packets.inTimeOrder(place)])) {
+        if (isOriginalPacket(packets.flags()[packets.inTimeOrder(place)])) {
             return place;
         }
     }
@@ -71,7 +71,7 @@ std::int64_t intervalBefore(PacketColumns const& packets, std::size_t place) {
     int frames = 0;
     std::size_t looked = 0;
     for (auto before = originalBefore(packets, place);
-         before && frames < wanted && looked < kMostPackets;
+         before && frames < wanted && looked < kMostLookedAt;
          before = originalBefore(packets, *before), ++looked) {
         std::size_t const packet = packets.inTimeOrder(*before);
         if (packets.frameOffsets()[packet] != offset) {
@@ -105,7 +105,7 @@ LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& h
             before = Before{&packets, packets.inTimeOrder(*last)};
             interval = intervalBefore(packets, *last);
         }
-        for (; place < packets.timedSize() && !isOver && looked < kMostPackets; ++looked) {
+        for (; place < packets.timedSize() && !isOver && looked < kMostLookedAt; ++looked) {
             std::size_t const packet = packets.inTimeOrder(place);
             isOver = packets.times()[packet] >= hole.until;
             if (before) {
@@ -122,7 +122,7 @@ LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& h
             place = nextOriginal(packets, place + 1);
         }
     }
-    bool const isThere = isOver || looked == kMostPackets;
+    bool const isThere = isOver || looked == kMostLookedAt;
     meanwhile.isDue = isThere && interval > 0 && interval < (hole.until - hole.from) / 2;
     return meanwhile;
 }
@@ -182,7 +182,7 @@ std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& findin
                 continue;
             }
             auto const [begin, end] = part.packets.placesIn(window);
-            if (end - begin > kMostPackets) {
+            if (end - begin > kMostLookedAt) {
                 return std::nullopt;
             }
             for (std::size_t place = begin; place < end; ++place) {

@@ -24,8 +24,7 @@ public:
             }
             PacketColumns const& packets = stream_.parts[part].packets;
             auto const offsets = packets.frameOffsets();
-            auto const after =
-                std::upper_bound(offsets.begin(), offsets.end(), place.fileOffset);
+            auto const after = std::upper_bound(offsets.begin(), offsets.end(), place.fileOffset);
             auto packet = static_cast<std::size_t>(after - offsets.begin());
             while (packet > 0 && packets.asdus()[packet - 1] != place.asdu) {
                 --packet;

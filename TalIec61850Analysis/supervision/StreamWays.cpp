@@ -6,14 +6,14 @@ namespace TalIec61850Analysis::detail {
 
 namespace {
 
-struct Span {
+struct PartSpan {
     std::uint32_t part = 0;
     std::int64_t first = kNoTime;
     std::int64_t last = kNoTime;
 };
 
 /// From the first packet to the last, without those that an earlier file has.
-Span spanOf(std::uint32_t number, StreamPart const& part) {
+PartSpan partSpanOf(std::uint32_t number, StreamPart const& part) {
     PacketColumns const& packets = part.packets;
     std::size_t const size = packets.timedSize();
     std::size_t first = 0;
@@ -35,17 +35,17 @@ Span spanOf(std::uint32_t number, StreamPart const& part) {
 }  // namespace
 
 StreamWays::StreamWays(TrafficStream const& stream) : taps_(stream.parts.size()) {
-    std::vector<Span> spans;
+    std::vector<PartSpan> spans;
     for (std::uint32_t part = 0; part < stream.parts.size(); ++part) {
         areSeveral_ = areSeveral_ || stream.parts[part].packets.hasRedundancy();
-        spans.push_back(spanOf(part, stream.parts[part]));
+        spans.push_back(partSpanOf(part, stream.parts[part]));
     }
     std::stable_sort(spans.begin(), spans.end(),
-                     [](Span const& a, Span const& b) { return a.first < b.first; });
+                     [](PartSpan const& a, PartSpan const& b) { return a.first < b.first; });
     // Each tap goes on where the file before has ended.
     constexpr unsigned kMostTaps = 1024;
     std::vector<std::int64_t> ends;
-    for (Span const& span : spans) {
+    for (PartSpan const& span : spans) {
         auto const free = std::find_if(ends.begin(), ends.end(),
                                        [&](std::int64_t end) { return end <= span.first; });
         auto const tap = static_cast<unsigned>(free - ends.begin());

@@ -313,9 +313,9 @@ void superviseTraffic(TrafficIndex const& index, SupervisionOptions const& optio
         if (index.streams()[stream].key.protocol == StreamProtocol::sv) {
             superviseSv(index, stream, steps, options, end, findings[stream]);
             if (options.withSamples) {
-                detail::superviseSamples(
-                    index, stream, options.stop,
-                    [&](Finding const& finding) { findings[stream].add(finding); });
+                detail::superviseSamples(index, stream, options.stop, [&](Finding const& finding) {
+                    findings[stream].add(finding);
+                });
             }
         } else {
             goose.finish(stream, end);

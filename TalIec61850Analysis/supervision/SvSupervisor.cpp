@@ -16,9 +16,9 @@ constexpr std::int64_t kSilentTime = 10'000'000;
 constexpr std::int64_t kCopyTime = 400'000'000;
 /// Packets that are looked at before a jump is taken for one.
 constexpr std::size_t kMostSuspects = 48;
-constexpr std::size_t kMostGaps = 64;
+constexpr std::size_t kMostSampleGaps = 64;
 /// One of two publishers is gone after so many packets of the other one.
-constexpr std::uint32_t kGone = 64;
+constexpr std::uint32_t kGonePackets = 64;
 
 /// How good a synchronization is: none, to some clock, to a global one.
 int levelOf(std::int16_t smpSynch) {
@@ -231,7 +231,7 @@ std::optional<bool> SvSupervisor::isSecondPublisher() const {
 
 void SvSupervisor::beginSecond() {
     SvObservation const& start = suspects_.front();
-    second_.emplace();
+    second_ = Second();
     second_->counter = SampleCounter(course_.count);
     second_->last = start;
     // Counted when it is taken.
@@ -286,7 +286,7 @@ void SvSupervisor::takeForSecond(SvObservation const& packet, FindingSink sink) 
     ++second.finding.count;
     second.finding.until = packet.arrival;
     second.missed = 0;
-    if (++second.alone > kGone) {
+    if (++second.alone > kGonePackets) {
         // The first one is gone: this one takes its place.
         settleGaps(true, sink);
         counter_ = second.counter;
@@ -315,7 +315,7 @@ void SvSupervisor::take(SvObservation const& packet, FindingSink sink) {
     }
     if (second_) {
         second_->alone = 0;
-        if (++second_->missed > kGone) {
+        if (++second_->missed > kGonePackets) {
             endSecond(sink);
         }
     }
@@ -395,7 +395,7 @@ void SvSupervisor::takeNext(SvObservation const& packet, std::int64_t newestBefo
         begin(packet, sink);
         return;
     } else {
-        if (gaps_.size() == kMostGaps) {
+        if (gaps_.size() == kMostSampleGaps) {
             settleGaps(true, sink);
         }
         gaps_.push_back({.first = newestBefore + 1,
