@@ -14,9 +14,9 @@ constexpr std::int64_t kSecond = 1'000'000'000;
 
 FaultyStation fullStation() {
     FaultyStation station;
-    station.add({.svID = "MU01", .frames = 12000});
-    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 12000, .start = 60'000});
-    station.add(GoosePlan{.firstMessage = 100, .states = {30}, .start = 70'000});
+    station.add({.svID = "MU01", .frames = 8000});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 8000, .start = 60'000});
+    station.add(GoosePlan{.firstMessage = 100, .states = {20}, .start = 70'000});
     return station;
 }
 
@@ -40,9 +40,9 @@ TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
 TEST(CaptureFaults, SeesFaultsAfterAStepOfItsClock) {
     auto station = fullStation();
     station.stepClock(1200 * kMillisecond, 20 * kSecond);
-    station.drop(0, 6000, 3);
+    station.drop(0, 7000, 3);
     EXPECT_EQ(foundIn(station),
-              (Lines{"clockStep MU01 #4800", "sampleGap MU01 #6003 after #5999 lost 3 network"}));
+              (Lines{"clockStep MU01 #4800", "sampleGap MU01 #7003 after #6999 lost 3 network"}));
 }
 
 TEST(CaptureFaults, TellsRecordsThatWereCut) {
@@ -58,7 +58,7 @@ TEST(CaptureFaults, TellsRecordsThatWereCut) {
 TEST(CaptureFaults, TellsFramesThatCannotBeRead) {
     auto station = fullStation();
     for (std::size_t number = 100; number < 103; ++number) {
-        station.goose(2, number % 30).gocbRef.reset();
+        station.goose(2, number % 20).gocbRef.reset();
     }
     auto const findings = findingsIn(station.captures());
     std::size_t unread = 0;
@@ -75,7 +75,7 @@ TEST(CaptureFaults, TellsFramesThatCannotBeRead) {
 /// Faults of all kinds, some at the borders of files.
 FaultyStation faultyStation() {
     auto station = fullStation();
-    station.drop(0, 3999, 2).drop(1, 7999).repeat(1, 4000, 20'000).delay(0, 8000, 300'000);
+    station.drop(0, 3999, 2).drop(1, 5999).repeat(1, 4000, 20'000).delay(0, 6000, 300'000);
     station.drop(2, 5).repeat(2, 11, kMillisecond);
     return station;
 }
@@ -85,7 +85,7 @@ TEST(CaptureFaults, AreTheSameInOneFileAndInMany) {
     auto const lines = foundIn(whole);
     EXPECT_GE(lines.size(), 6U);
     auto split = faultyStation();
-    split.splitAt(kSecond).splitAt(2 * kSecond).splitAt(2 * kSecond + 100 * kMillisecond);
+    split.splitAt(kSecond).splitAt(kSecond * 3 / 2).splitAt(kSecond * 3 / 2 + 100 * kMillisecond);
     EXPECT_EQ(foundIn(split), lines);
 }
 
@@ -99,7 +99,7 @@ TEST(CaptureFaults, AreToldOnceWhereFilesOverlap) {
 
 TEST(CaptureFaults, AreTheSameInAnyOrderOfFiles) {
     auto split = faultyStation();
-    split.splitAt(kSecond).splitAt(2 * kSecond);
+    split.splitAt(kSecond).splitAt(kSecond * 3 / 2);
     auto captures = split.captures();
     auto const inOrder = findingsIn(captures);
     std::swap(captures.front(), captures.back());
@@ -124,11 +124,33 @@ TEST(CaptureFaults, AreNoneOfASecondTap) {
     EXPECT_EQ(foundIn(station), Lines());
 }
 
+TEST(CaptureFaults, AreLossesWhereBothTapsLackAPacket) {
+    auto station = fullStation();
+    station.drop(0, 4321);
+    auto const own = station.frames();
+    for (StationFrame frame : own) {
+        bool const isLostHere = frame.stream == 1 && frame.number == 555;
+        frame.time += 7'000;
+        frame.file = 1;
+        if (!isLostHere) {
+            station.frames().push_back(frame);
+        }
+    }
+    std::erase_if(station.frames(), [](StationFrame const& frame) {
+        return frame.file == 0 && frame.stream == 1 && frame.number == 777;
+    });
+    auto const lines = foundIn(station, {.jitter = kSecond, .withSamples = false, .stop = {}});
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines.front().substr(0, 39), "sampleGap MU01 #4322 after #4320 lost 1");
+}
+
 TEST(CaptureFaults, HandsOnNothingAfterAStop) {
     auto station = faultyStation();
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_TRUE(findingsIn(station.captures(), {.jitter = {}, .withSamples = false, .stop = stop.get_token()}).empty());
+    EXPECT_TRUE(findingsIn(station.captures(),
+                           {.jitter = {}, .withSamples = false, .stop = stop.get_token()})
+                    .empty());
 }
 
 }  // namespace

@@ -232,6 +232,26 @@ TEST(GooseFaults, TellsTwoPublishersOfOneName) {
     EXPECT_EQ(foundIn(station), named({"twoPublishers #1000 after #0 count 40"}));
 }
 
+TEST(GooseFaults, FindsTheFirstAndTheLastMessage) {
+    auto station = gooseStation();
+    station.repeat(0, 0, kMillisecond).drop(0, 1).drop(0, 58).repeat(0, 59, kMillisecond);
+    EXPECT_EQ(foundIn(station), named({"repeated #0 after #0", "sqNumGap #2 after #0 lost 1",
+                                       "sqNumGap #59 after #57 lost 1", "repeated #59 after #59"}));
+}
+
+TEST(GooseFaults, FindsThemAtTheBordersOfFiles) {
+    auto station = gooseStation();
+    station.drop(0, 5).drop(0, 20).repeat(0, 45, kMillisecond);
+    Lines const lines = foundIn(station);
+    EXPECT_EQ(lines, named({"sqNumGap #6 after #4 lost 1", "stateStartMissing #21 after #19 lost 1",
+                            "repeated #45 after #45"}));
+    for (std::size_t const number : {4, 6, 21, 45, 46}) {
+        auto split = station;
+        split.splitAt(split.frame(0, number).time);
+        EXPECT_EQ(foundIn(split), lines) << number;
+    }
+}
+
 TEST(GooseFaults, CountsOnAfterTheLargestNumbers) {
     FaultyStation station;
     station.add(GoosePlan{.firstState = 0xFFFF'FFFF, .firstMessage = 0xFFFF'FFFA, .states = {10}});

@@ -87,6 +87,55 @@ RC_GTEST_PROP(SupervisionProperty, FilesMakeNoDifference, ()) {
     RC_ASSERT(foundIn(split) == lines);
 }
 
+RC_GTEST_PROP(SupervisionProperty, LostMessagesAreThoseDropped, ()) {
+    constexpr std::size_t kMessages = 400;
+    constexpr std::int64_t kHeartbeat = 100'000'000;
+    FaultyStation station;
+    station.add(GoosePlan{.firstMessage = *rc::gen::inRange<std::uint32_t>(10, 0xFFFF'0000),
+                          .states = {kMessages}});
+    WalkFaults done;
+    std::size_t number = 2;
+    while (number + 25 < kMessages) {
+        switch (*rc::gen::inRange(0, 3)) {
+            case 0: {
+                auto const count = *rc::gen::inRange<std::size_t>(1, 5);
+                station.drop(0, number, count);
+                done.dropped += count;
+                number += count;
+                break;
+            }
+            case 1:
+                station.repeat(0, number, kHeartbeat * *rc::gen::inRange(0, 5) + kHeartbeat / 3);
+                ++done.repeated;
+                break;
+            default:
+                station.delay(0, number, kHeartbeat * *rc::gen::inRange(1, 10) + kHeartbeat / 3);
+                ++done.late;
+                break;
+        }
+        number += 12 + *rc::gen::inRange<std::size_t>(0, 50);
+    }
+    WalkFaults found;
+    std::size_t others = 0;
+    auto const captures = station.captures();
+    for (Finding const& finding : findingsIn(captures)) {
+        RC_LOG() << lineOf(finding, station) << '\n';
+        found.dropped += finding.lost;
+        bool const isAgain =
+            finding.kind == FindingKind::repeated || finding.kind == FindingKind::replay;
+        found.repeated += isAgain ? 1U : 0U;
+        found.late += finding.kind == FindingKind::late ? 1U : 0U;
+        others += finding.kind == FindingKind::expired || finding.kind == FindingKind::sqNumGap ||
+                          isAgain || finding.kind == FindingKind::late
+                      ? 0U
+                      : 1U;
+    }
+    RC_ASSERT(found.dropped == done.dropped);
+    RC_ASSERT(found.repeated == done.repeated);
+    RC_ASSERT(found.late == done.late);
+    RC_ASSERT(others == 0U);
+}
+
 RC_GTEST_PROP(SupervisionProperty, AnyCountersAndTimesEnd, ()) {
     FaultyStation station;
     station.add(SvPlan{.frames = 300});

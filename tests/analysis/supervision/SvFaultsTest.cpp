@@ -151,7 +151,8 @@ TEST(SvFaults, TellsFramesAwayFromTheirCourse) {
 TEST(SvFaults, TakesTheLimitOfJitterThatIsGiven) {
     auto station = svStation();
     station.delay(0, 1000, 12'000).delay(0, 2000, 9'000);
-    EXPECT_EQ(foundIn(station, {.jitter = 10'000, .withSamples = false, .stop = {}}), (Lines{"jitter MU01 #1000"}));
+    EXPECT_EQ(foundIn(station, {.jitter = 10'000, .withSamples = false, .stop = {}}),
+              (Lines{"jitter MU01 #1000"}));
 }
 
 TEST(SvFaults, FollowsAConstantDrift) {
@@ -188,9 +189,8 @@ TEST(SvFaults, TellsQualitiesOfChannels) {
 
 TEST(SvFaults, TellsSamplesOfAnotherSize) {
     auto station = svStation();
-    station.changeSvFrom(0, 100, [](SvMessage& message) {
-        message.asdus.front().seqData = Bytes(48);
-    });
+    station.changeSvFrom(0, 100,
+                         [](SvMessage& message) { message.asdus.front().seqData = Bytes(48); });
     EXPECT_EQ(foundIn(station, {.jitter = {}, .withSamples = true, .stop = {}}),
               (Lines{"dataSetChanged MU01 #100"}));
 }
