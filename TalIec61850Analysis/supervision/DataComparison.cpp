@@ -27,7 +27,8 @@ struct Level {
 };
 
 bool isGroup(ElementView const& element) {
-    return (element.tag == kArray || element.tag == kStructure) && !element.fault;
+    std::uint8_t const tag = element.tag.value_or(0);
+    return (tag == kArray || tag == kStructure) && !element.fault;
 }
 
 /// The bits of a quality.

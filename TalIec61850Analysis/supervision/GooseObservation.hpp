@@ -3,6 +3,7 @@
 // Internal: what supervision is told of a GOOSE message.
 
 #include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/supervision/RedundancyNumber.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
@@ -37,6 +38,8 @@ struct GooseObservation {
     std::uint32_t sqNum = 0;
     /// Packets of several ways to the capture (LANs, lanes, taps) need not keep to one order.
     std::uint16_t way = 0;
+    /// The sequence number of HSR or PRP; kNoSequence without one.
+    std::int32_t sequence = kNoSequence;
     /// Whether there are stNum and sqNum.
     bool isCounted = true;
     /// The simulated bit of the application header.

@@ -142,7 +142,7 @@ void GooseSupervisor::process(GooseObservation const& message, FindingSink sink)
     }
     if (number == number_) {
         isContentLast_ = isContentLast_ && message.isSame;
-        if (message.way == last_.way) {
+        if (message.way == last_.way && !isExtraCopy(last_.sequence, message.sequence)) {
             sink(finding(FindingKind::repeated, message));
             // It is in time for the ones after it.
             checkExpiry(message, sink);

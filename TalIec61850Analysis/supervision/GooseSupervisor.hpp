@@ -102,30 +102,33 @@ private:
                  FindingValue found = {}) const;
     static void end(Condition& condition, FindingSink sink);
 
-    bool isStarted_ = false;
     MessageNumber number_;
     SeenMessages seen_;
     /// The newest.
     GooseObservation last_;
-    bool lastSimulatedBit_ = false;
     /// kNoTime where none can be told.
     std::int64_t deadline_ = kNoTime;
-    /// What the last message that counted said, and whether the one told last was that.
+    /// What the last message that counted said.
     Content content_;
-    bool isContentLast_ = false;
     std::optional<Candidate> candidate_;
     std::vector<Gap> gaps_;
     std::vector<Older> older_;
-    std::uint32_t sinceOlder_ = 0;
     std::optional<Finding> second_;
     MessageNumber secondNumber_;
+    std::uint32_t sinceOlder_ = 0;
     std::uint32_t sinceSecond_ = 0;
-    /// The largest time allowed to live, how often it came again within a state, and whether that
-    /// was often enough.
+    /// The largest time allowed to live, and how often it came again within a state.
     std::int64_t longestLife_ = 0;
     std::uint32_t lives_ = 0;
-    bool isLifeSteady_ = false;
+    Condition changed_;
+    Condition retimed_;
 
+    bool isStarted_ = false;
+    bool lastSimulatedBit_ = false;
+    /// Whether the message told last is the one that the content is of.
+    bool isContentLast_ = false;
+    /// Whether the largest time allowed to live came often enough to be that of the stream.
+    bool isLifeSteady_ = false;
     bool isSimulated_ = false;
     bool isContradicted_ = false;
     bool isNeeding_ = false;
@@ -134,8 +137,6 @@ private:
     bool isClockFree_ = false;
     bool isTimeAhead_ = false;
     bool isLifeZero_ = false;
-    Condition changed_;
-    Condition retimed_;
 };
 
 }  // namespace TalIec61850Analysis::detail

@@ -3,6 +3,7 @@
 // Internal: which frames of an SV stream come away from its even course.
 
 #include <TalIec61850Analysis/packet/Sink.hpp>
+#include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <array>
 #include <cstddef>
@@ -38,7 +39,7 @@ public:
 
     /// A frame has come, later than those before by its number.
     void add(std::int64_t number, std::int64_t arrival, PacketRef packet, DeviationSink report) {
-        if (interval_ <= 0) {
+        if (interval_ <= 0 || arrival == kNoTime) {
             return;
         }
         if (size_ == kBlock) {

@@ -110,6 +110,10 @@ private:
     bool isAny_ = false;
 };
 
+std::int32_t sequenceOf(PacketFlags flags, std::uint16_t sequence) {
+    return flags.redundancy() == Redundancy::none ? detail::kNoSequence : std::int32_t{sequence};
+}
+
 /// The columns of a part, where they are.
 struct SvColumns {
     explicit SvColumns(PacketColumns const& packets)
@@ -118,6 +122,7 @@ struct SvColumns {
           smpCnts(packets.smpCnts().data()),
           smpSynchs(packets.smpSynchs().data()),
           asdus(packets.asdus().data()),
+          sequences(packets.redundancySequences().data()),
           flags(packets.flags().data()) {}
 
     std::int64_t const* times;
@@ -125,6 +130,7 @@ struct SvColumns {
     std::uint32_t const* smpCnts;
     std::uint8_t const* smpSynchs;
     std::uint16_t const* asdus;
+    std::uint16_t const* sequences;
     PacketFlags const* flags;
 };
 
@@ -204,6 +210,7 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
             .smpSynch = flags.secondCounter() == CounterState::held
                             ? std::int16_t{at.smpSynchs[packet]}
                             : detail::SvObservation::kNoSynch,
+            .sequence = sequenceOf(flags, at.sequences[packet]),
             .isCounted = flags.firstCounter() == CounterState::held};
         ahead.pass(ref->part, at.offsets[packet],
                    [&](std::int64_t step) { supervisor.stepClock(step, take); });
@@ -271,6 +278,7 @@ private:
             .stNum = packets.stNums()[packet],
             .sqNum = packets.sqNums()[packet],
             .way = at.ways.wayOf(message.packet.part, flags),
+            .sequence = sequenceOf(flags, packets.redundancySequences()[packet]),
             .isCounted = flags.firstCounter() == CounterState::held &&
                          flags.secondCounter() == CounterState::held,
             .isSimulated = flags.isSimulated()};

@@ -2,6 +2,7 @@
 
 // Internal: what supervision is told of a packet of an SV stream.
 
+#include <TalIec61850Analysis/supervision/RedundancyNumber.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstdint>
@@ -22,6 +23,8 @@ struct SvObservation {
     std::uint16_t asdu = 0;
     /// kNoSynch where the packet does not have one.
     std::int16_t smpSynch = kNoSynch;
+    /// The sequence number of HSR or PRP; kNoSequence without one.
+    std::int32_t sequence = kNoSequence;
     /// Whether there is a smpCnt.
     bool isCounted = true;
 

@@ -93,6 +93,9 @@ void SvSupervisor::follow(SvCourse const& course, SvObservation const& next, Fin
 
 void SvSupervisor::describe(StreamAttributes const& attributes, SvObservation const& next,
                             FindingSink sink) {
+    if (attributes_ == attributes) {
+        return;
+    }
     settleSuspects(true, sink);
     if (!attributes_) {
         if (attributes.simulatedBit) {
@@ -334,6 +337,9 @@ void SvSupervisor::take(SvObservation const& packet, FindingSink sink) {
                    numberOf(packet.smpCnt), sink);
             break;
         case CountStep::repeated:
+            if (isExtraCopy(last_.sequence, packet.sequence)) {
+                break;
+            }
             report(FindingKind::repeated, packet, numberOf(after(last_.smpCnt)),
                    numberOf(packet.smpCnt), sink);
             break;

@@ -268,6 +268,24 @@ TEST(SvFaults, TellsNothingOfCopies) {
     EXPECT_EQ(foundIn(station), Lines());
 }
 
+TEST(SvFaults, TellsNothingOfMoreCopiesThanTwo) {
+    auto station = svStation({.frames = 1000, .prpDelay = 20'000});
+    station.repeat(0, 500, 40'000).repeat(0, 600, 400'000);
+    EXPECT_EQ(foundIn(station), Lines());
+}
+
+TEST(SvFaults, TellsWhatAPublisherRepeatsWithANewNumber) {
+    auto station = svStation({.frames = 1000, .prpDelay = 20'000});
+    for (StationFrame& frame : station.frames()) {
+        frame.ethernet.prpSequence =
+            static_cast<std::uint16_t>(frame.ethernet.prpSequence + (frame.number > 500 ? 1 : 0));
+    }
+    station.repeat(0, 500, 100'000);
+    auto& again = station.frames().back();
+    ++again.ethernet.prpSequence;
+    EXPECT_EQ(foundIn(station), (Lines{"repeated MU01 #500 after #500"}));
+}
+
 TEST(SvFaults, TakesFromTheOtherLanWhatOneLacks) {
     auto station = svStation({.frames = 4000, .prpDelay = 100'000});
     std::size_t seen = 0;
