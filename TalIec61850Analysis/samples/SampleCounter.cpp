@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/samples/SampleCounter.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <algorithm>
 #include <cmath>
@@ -29,7 +30,7 @@ CountStep SampleCounter::begin(std::uint32_t smpCnt, std::int64_t arrival) {
 
 void SampleCounter::stepClock(std::int64_t step) {
     if (arrival_ != kNoTime) {
-        arrival_ += step;
+        arrival_ = shiftedTime(arrival_, step);
     }
 }
 

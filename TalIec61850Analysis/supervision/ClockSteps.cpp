@@ -12,6 +12,8 @@ namespace {
 constexpr std::int64_t kLeastAhead = 10'000'000;
 constexpr std::int64_t kLeastBack = 1'000'000;
 constexpr double kPauseIntervals = 10;
+/// Intervals that are longer are taken for this: nanoseconds.
+constexpr double kMostInterval = 1e18;
 
 /// Packets of one stream in one file.
 struct WitnessPart {
@@ -76,13 +78,15 @@ void addSvJump(WitnessPart const& part, std::size_t before, std::size_t after,
             return;
         }
     }
-    auto const whole = static_cast<std::int64_t>(interval);
+    // Differences of two steps are numbers still.
+    constexpr std::int64_t kMost = 4'000'000'000'000'000'000;
+    auto const whole = static_cast<std::int64_t>(std::min(interval, kMostInterval));
     jumps.push_back({.of = part,
                      .before = static_cast<std::uint32_t>(before),
                      .after = static_cast<std::uint32_t>(after),
                      .offsetBefore = packets.frameOffsets()[before],
                      .offsetAfter = packets.frameOffsets()[after],
-                     .step = away - whole,
+                     .step = std::clamp(away, -kMost + whole, kMost) - whole,
                      .interval = whole});
 }
 
@@ -108,7 +112,7 @@ void findJumps(WitnessPart const& part, bool isSv, std::vector<Jump>& jumps) {
                                      .offsetBefore = packets.frameOffsets()[before],
                                      .offsetAfter = packets.frameOffsets()[i],
                                      .step = away,
-                                     .interval = -away});
+                                     .interval = 0});
                 } else if (isNextCount(packets.smpCnts()[before], packets.smpCnts()[i])) {
                     addSvJump(part, before, i, jumps);
                 }

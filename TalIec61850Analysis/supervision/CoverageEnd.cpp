@@ -36,6 +36,7 @@ CoverageEnd::CoverageEnd(TrafficIndex const& index,
                                        : lastAfter(index, file, steps[file].back().fileOffset)});
         }
     }
+    std::erase_if(all, [](Span const& span) { return span.last == kNoTime; });
     std::sort(all.begin(), all.end(),
               [](Span const& a, Span const& b) { return a.first < b.first; });
     for (Span const& span : all) {

@@ -1,6 +1,7 @@
 #include <TalIec61850Analysis/supervision/DataComparison.hpp>
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -548,12 +549,12 @@ void GooseSupervisor::setDeadline(GooseObservation const& message) {
     constexpr std::int64_t kLongest = 1'000'000'000;  // milliseconds: more than a week
     auto const& life = content_.timeAllowedtoLive;
     bool const isTold = life && *life > 0 && *life <= kLongest && message.arrival != kNoTime;
-    deadline_ = isTold ? message.arrival + *life * kNsOfMillisecond : kNoTime;
+    deadline_ = isTold ? shiftedTime(message.arrival, *life * kNsOfMillisecond) : kNoTime;
 }
 
 void GooseSupervisor::stepClock(std::int64_t step) {
     if (deadline_ != kNoTime) {
-        deadline_ += step;
+        deadline_ = shiftedTime(deadline_, step);
     }
 }
 

@@ -6,7 +6,9 @@ namespace TalIec61850Analysis::detail {
 
 void JitterWatch::begin(double interval, std::int64_t limit, DeviationSink report) {
     judge(report);
-    interval_ = interval;
+    // Of streams that are slower, nothing can be said.
+    constexpr double kMostInterval = 1e12;
+    interval_ = interval < kMostInterval ? interval : 0;
     limit_ = limit;
     hasOrigin_ = false;
     hasMedian_ = false;

@@ -5,6 +5,7 @@
 #include <TalIec61850Analysis/packet/Sink.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +52,8 @@ public:
             hasOrigin_ = true;
         }
         double const due = static_cast<double>(number - originNumber_) * interval_;
-        std::int64_t const residual = arrival - originArrival_ - static_cast<std::int64_t>(due);
+        double const away = static_cast<double>(arrival - originArrival_) - due;
+        auto const residual = static_cast<std::int64_t>(std::clamp(away, -kMostAway, kMostAway));
         residuals_[size_] = residual;  // NOLINT(cppcoreguidelines-pro-bounds-constant-array-index)
         frames_[size_] = {packet, arrival};
         ++size_;
@@ -67,6 +69,8 @@ public:
     void finish(DeviationSink report) { judge(report); }
 
 private:
+    /// Differences of two are numbers still.
+    static constexpr double kMostAway = 4e18;
     static constexpr std::size_t kBlock = 256;
     static constexpr std::size_t kFewest = 16;
 

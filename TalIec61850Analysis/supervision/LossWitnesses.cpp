@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
 #include <TalIec61850Analysis/supervision/SeenMessages.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <algorithm>
 #include <optional>
 #include <set>
@@ -81,7 +82,7 @@ std::int64_t intervalBefore(PacketColumns const& packets, std::size_t place) {
         }
     }
     std::int64_t const interval = frames == 0 ? 0 : (packets.times()[last] - time) / frames;
-    return packets.protocol() == StreamProtocol::sv ? interval : 2 * interval;
+    return packets.protocol() == StreamProtocol::sv ? interval : shiftedTime(interval, interval);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/SvSupervisor.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -27,6 +28,12 @@ int levelOf(std::int16_t smpSynch) {
         return 2;
     }
     return smpSynch == 0 ? 0 : 1;
+}
+
+/// Whole ones, of a time that may be anything.
+std::int64_t wholeNanoseconds(double time) {
+    constexpr double kMost = 1e17;
+    return static_cast<std::int64_t>(std::min(time, kMost));
 }
 
 FindingValue rateOf(SampleRate rate) {
@@ -84,8 +91,7 @@ void SvSupervisor::follow(SvCourse const& course, SvObservation const& next, Fin
     beginJitter(sink);
     course_ = course;
     double const frame = course.count.interval * course.inFrame;
-    silence_ =
-        frame > 0 ? std::max(kSilentTime, static_cast<std::int64_t>(kSilentFrames * frame)) : 0;
+    silence_ = frame > 0 ? std::max(kSilentTime, wholeNanoseconds(kSilentFrames * frame)) : 0;
     soon_ = silence_ > 0 ? std::min(kSoon, static_cast<std::uint64_t>(silence_)) : kSoon;
     isStarted_ = false;
     isQuiet_ = false;
@@ -138,10 +144,10 @@ void SvSupervisor::stepClock(std::int64_t step, FindingSink sink) {
         second_->counter.stepClock(step);
     }
     if (last_.arrival != kNoTime) {
-        last_.arrival += step;
+        last_.arrival = shiftedTime(last_.arrival, step);
     }
     if (heard_ != kNoTime) {
-        heard_ += step;
+        heard_ = shiftedTime(heard_, step);
     }
     beginJitter(sink);
 }
@@ -384,7 +390,7 @@ void SvSupervisor::begin(SvObservation const& packet, FindingSink sink) {
 }
 
 void SvSupervisor::beginJitter(FindingSink sink) {
-    auto const half = static_cast<std::int64_t>(course_.count.interval * course_.inFrame / 2);
+    auto const half = wholeNanoseconds(course_.count.interval * course_.inFrame / 2);
     jitter_.begin(course_.count.interval, jitterLimit_.value_or(half),
                   [&](Deviation const& away) { reportAway(away, sink); });
     endAway(sink);
@@ -504,8 +510,8 @@ void SvSupervisor::checkSilence(SvObservation const& packet, FindingSink sink) {
     }
     std::int64_t const last = std::max(heard_, last_.arrival);
     if (packet.arrival > last && packet.arrival - last > silence_) {
-        report(FindingKind::silent, packet, instantOf(last + silence_), instantOf(packet.arrival),
-               sink);
+        report(FindingKind::silent, packet, instantOf(shiftedTime(last, silence_)),
+               instantOf(packet.arrival), sink);
     }
 }
 
@@ -517,8 +523,8 @@ void SvSupervisor::reportAway(Deviation const& away, FindingSink sink) {
         away_->protocol = StreamProtocol::sv;
         away_->from = away.arrival;
         away_->until = away.arrival;
-        away_->expected = numberOf(jitterLimit_.value_or(
-            static_cast<std::int64_t>(course_.count.interval * course_.inFrame / 2)));
+        away_->expected = numberOf(
+            jitterLimit_.value_or(wholeNanoseconds(course_.count.interval * course_.inFrame / 2)));
         away_->found = numberOf(away.away);
         away_->place = {.packet = away.packet, .time = away.arrival};
         if (away.before) {
@@ -553,7 +559,7 @@ void SvSupervisor::finish(std::int64_t end, FindingSink sink) {
         made.place.reset();
         made.from = end;
         made.until = end;
-        made.expected = instantOf(last + silence_);
+        made.expected = instantOf(shiftedTime(last, silence_));
         made.found = instantOf(end);
         sink(made);
     }
