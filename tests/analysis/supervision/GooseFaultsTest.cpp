@@ -245,7 +245,7 @@ TEST(GooseFaults, FindsThemAtTheBordersOfFiles) {
     Lines const lines = foundIn(station);
     EXPECT_EQ(lines, named({"sqNumGap #6 after #4 lost 1", "stateStartMissing #21 after #19 lost 1",
                             "repeated #45 after #45"}));
-    for (std::size_t const number : {4, 6, 21, 45, 46}) {
+    for (std::size_t const number : {4U, 6U, 21U, 45U, 46U}) {
         auto split = station;
         split.splitAt(split.frame(0, number).time);
         EXPECT_EQ(foundIn(split), lines) << number;

@@ -44,7 +44,7 @@ TEST(SvFaults, CountsMissingSamplesOfSeveralInAFrame) {
 }
 
 TEST(SvFaults, CountsMissingSamplesAtTheWrap) {
-    for (std::size_t const first : {3997, 3998, 3999, 4000}) {
+    for (std::size_t const first : {3997U, 3998U, 3999U, 4000U}) {
         auto station = svStation({.frames = 8000});
         station.drop(0, first, 2);
         EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #" + std::to_string(first + 2) +
@@ -219,7 +219,7 @@ TEST(SvFaults, TellsNoSilenceOfAStreamThatBeginsLate) {
 }
 
 TEST(SvFaults, TellsTwoCountersUnderOneName) {
-    for (std::uint64_t const apart : {15, 700}) {
+    for (std::uint64_t const apart : {15U, 700U}) {
         auto station = svStation({.frames = 2000});
         auto& frames = station.frames();
         auto const own = frames;
