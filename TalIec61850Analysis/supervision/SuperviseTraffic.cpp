@@ -29,6 +29,7 @@ using FileSteps = std::vector<std::vector<detail::ClockStep>>;
 
 /// Packets between two looks at whether to stop.
 constexpr std::uint64_t kPatience = 0xFFFF;
+constexpr std::uint64_t kMostAtOnce = 0xFFFF;
 
 bool isLoss(FindingKind kind) {
     return kind == FindingKind::sampleGap || kind == FindingKind::sqNumGap ||
@@ -125,6 +126,21 @@ struct SvColumns {
           sequences(packets.redundancySequences().data()),
           flags(packets.flags().data()) {}
 
+    [[nodiscard]] detail::SvObservation observe(std::uint32_t part, std::uint32_t packet,
+                                                detail::StreamWays const& ways) const {
+        PacketFlags const its = flags[packet];
+        return {.arrival = times[packet],
+                .packet = {.part = part, .packet = packet},
+                .smpCnt = smpCnts[packet],
+                .way = ways.wayOf(part, its),
+                .asdu = asdus[packet],
+                .smpSynch = its.secondCounter() == CounterState::held
+                                ? std::int16_t{smpSynchs[packet]}
+                                : detail::SvObservation::kNoSynch,
+                .sequence = sequenceOf(its, sequences[packet]),
+                .isCounted = its.firstCounter() == CounterState::held};
+    }
+
     std::int64_t const* times;
     std::uint64_t const* offsets;
     std::uint32_t const* smpCnts;
@@ -178,49 +194,50 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
     detail::PacketCourse course(stream);
     // Two taps at once would tell another rate.
     std::vector<bool> const isOfRate = ways.areOfFirstTap();
+    bool const isOneTap = std::all_of(isOfRate.begin(), isOfRate.end(), [](bool is) { return is; });
     detail::PacketCourse rateCourse(stream, isOfRate);
     detail::FoundRate found;
     std::uint64_t ofRate = 0;
-    for (std::uint64_t seen = 0;; ++seen) {
-        if ((seen & kPatience) == 0 && options.stop.stop_requested()) {
-            return;
-        }
-        auto const ref = course.next();
-        if (!ref) {
-            break;
-        }
-        bool const isNewRate = isOfRate[ref->part] && ofRate == found.packets;
+    while (!options.stop.stop_requested()) {
+        bool const isNewRate = ofRate == found.packets;
         if (isNewRate) {
-            found = detail::findRate(index, stream, rateCourse, {});
+            found = detail::findRate(index, stream, isOneTap ? course : rateCourse, {});
             ofRate = 0;
         }
-        if (isOfRate[ref->part]) {
-            static_cast<void>(rateCourse.next());
-            ++ofRate;
+        // After the last packet of the first tap, its last rate goes on.
+        std::uint64_t const left = found.packets > 0 ? found.packets - ofRate : kMostAtOnce;
+        detail::PacketCourse::Strip const strip = course.nextStrip(std::min(left, kMostAtOnce));
+        if (strip.count == 0) {
+            break;
         }
-        SvColumns const& at = columns[ref->part];
-        std::size_t const packet = ref->packet;
-        PacketFlags const flags = at.flags[packet];
-        detail::SvObservation const observation{
-            .arrival = at.times[packet],
-            .packet = *ref,
-            .smpCnt = at.smpCnts[packet],
-            .way = ways.wayOf(ref->part, flags),
-            .asdu = at.asdus[packet],
-            .smpSynch = flags.secondCounter() == CounterState::held
-                            ? std::int16_t{at.smpSynchs[packet]}
-                            : detail::SvObservation::kNoSynch,
-            .sequence = sequenceOf(flags, at.sequences[packet]),
-            .isCounted = flags.firstCounter() == CounterState::held};
-        ahead.pass(ref->part, at.offsets[packet],
-                   [&](std::int64_t step) { supervisor.stepClock(step, take); });
-        if (isNewRate) {
-            supervisor.follow(courseOf(found, inFrame, ways.areSeveral()), observation, take);
+        std::uint32_t const part = strip.first.part;
+        if (isOfRate[part]) {
+            ofRate += strip.count;
+            for (std::uint32_t i = 0; !isOneTap && i < strip.count; ++i) {
+                static_cast<void>(rateCourse.next());
+            }
         }
-        if (attributes.isChangedAt(*ref)) [[unlikely]] {
-            supervisor.describe(attributes.at(*ref), observation, take);
+        SvColumns const& at = columns[part];
+        for (std::uint32_t packet = strip.first.packet; packet < strip.first.packet + strip.count;
+             ++packet) {
+            detail::SvObservation const observation = at.observe(part, packet, ways);
+            ahead.pass(part, at.offsets[packet],
+                       [&](std::int64_t step) { supervisor.stepClock(step, take); });
+            if (packet == strip.first.packet) {
+                if (isNewRate) {
+                    supervisor.follow(courseOf(found, inFrame, ways.areSeveral()), observation,
+                                      take);
+                }
+                // They are those of the whole strip.
+                if (attributes.isChangedAt(strip.first)) {
+                    supervisor.describe(attributes.at(strip.first), observation, take);
+                }
+            }
+            supervisor.add(observation, take);
         }
-        supervisor.add(observation, take);
+    }
+    if (options.stop.stop_requested()) {
+        return;
     }
     supervisor.finish(end, take);
 }

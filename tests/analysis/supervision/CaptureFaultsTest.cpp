@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "analysis/supervision/FoundIn.hpp"
+#include "support/Station.hpp"
 
 namespace TalTest {
 namespace {
@@ -18,6 +21,14 @@ FaultyStation fullStation() {
     station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 8000, .start = 60'000});
     station.add(GoosePlan{.firstMessage = 100, .states = {20}, .start = 70'000});
     return station;
+}
+
+TEST(CaptureFaults, AreNoneInTheTrafficOfAStation) {
+    std::ostringstream out;
+    // Past a fault of the line, which the relays report, and several seconds of samples.
+    writeStation(out, CaptureVariant::microLittle, 60'000);
+    std::string const octets = out.str();
+    EXPECT_TRUE(findingsIn({Bytes(octets.begin(), octets.end())}).empty());
 }
 
 TEST(CaptureFaults, TellsStepsOfItsClock) {

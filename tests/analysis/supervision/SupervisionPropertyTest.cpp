@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include <map>
-#include <set>
-
 #include "analysis/supervision/FoundIn.hpp"
 
 namespace TalTest {
@@ -49,7 +46,7 @@ WalkFaults doFaults(FaultyStation& station, std::size_t frames) {
 }
 
 RC_GTEST_PROP(SupervisionProperty, LostIsWhatWasDropped, ()) {
-    constexpr std::size_t kFrames = 1500;
+    constexpr std::size_t kFrames = 800;
     FaultyStation station;
     station.add(SvPlan{.firstCount = *rc::gen::inRange<std::uint32_t>(0, 4000), .frames = kFrames});
     WalkFaults const done = doFaults(station, kFrames);
@@ -74,7 +71,7 @@ RC_GTEST_PROP(SupervisionProperty, LostIsWhatWasDropped, ()) {
 }
 
 RC_GTEST_PROP(SupervisionProperty, FilesMakeNoDifference, ()) {
-    constexpr std::size_t kFrames = 1000;
+    constexpr std::size_t kFrames = 500;
     FaultyStation station;
     station.add(SvPlan{.firstCount = *rc::gen::inRange<std::uint32_t>(0, 4000), .frames = kFrames});
     doFaults(station, kFrames);
@@ -138,7 +135,7 @@ RC_GTEST_PROP(SupervisionProperty, LostMessagesAreThoseDropped, ()) {
 
 RC_GTEST_PROP(SupervisionProperty, AnyCountersAndTimesEnd, ()) {
     FaultyStation station;
-    station.add(SvPlan{.frames = 300});
+    station.add(SvPlan{.frames = 200});
     station.add(GoosePlan{.states = {100}});
     for (StationFrame& frame : station.frames()) {
         if (*rc::gen::inRange(0, 4) == 0) {
