@@ -9,8 +9,8 @@ namespace {
 constexpr std::uint32_t kNearEnd = 0xFFFF'0000;
 constexpr std::uint32_t kNearStart = 0x1'0000;
 
-bool hasBegunAgain(std::uint32_t now, std::uint32_t before) {
-    return before >= kNearEnd && now < kNearStart;
+bool hasBegunAgain(std::uint32_t low, std::uint32_t high) {
+    return high >= kNearEnd && low < kNearStart;
 }
 
 }  // namespace

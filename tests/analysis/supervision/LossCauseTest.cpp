@@ -117,5 +117,30 @@ TEST(LossCause, IsTheCaptureWhereItsCountsSaySo) {
     EXPECT_EQ(findings[1].from, findings[0].from);
 }
 
+TEST(LossCause, IsToldOfCountsOfInterfaces) {
+    FaultyStation station;
+    station.add({.frames = 1000});
+    PcapngMaker maker;
+    maker.section().interface(1, 0, maker.timeOptions(9));
+    constexpr std::uint16_t kInterfaceDrops = 5;
+    for (StationFrame const& frame : station.frames()) {
+        PcapngMaker::Packet packet;
+        packet.time = static_cast<std::uint64_t>(FaultyStation::timeOf(frame));
+        packet.frame = svFrame(frame.ethernet, std::get<SvMessage>(frame.message));
+        maker.packet(packet);
+        if (frame.number == 400) {
+            maker.statistics(0, maker.numberOption(kInterfaceDrops, 4));
+        }
+    }
+    maker.statistics(0, maker.numberOption(kInterfaceDrops, 9));
+    auto const findings = findingsIn({maker.bytes()});
+    using namespace TalIec61850Analysis;
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].kind, FindingKind::captureDropped);
+    EXPECT_EQ(findings[0].lost, 4U);
+    EXPECT_EQ(findings[1].kind, FindingKind::captureDropped);
+    EXPECT_EQ(findings[1].lost, 5U);
+}
+
 }  // namespace
 }  // namespace TalTest
