@@ -193,6 +193,7 @@ std::vector<Bytes> FaultyStation::captures() {
         }
     }
     std::vector<Bytes> captures;
+    captures.reserve(files);
     for (CaptureBuilder const& builder : builders) {
         captures.push_back(builder.bytes());
     }
