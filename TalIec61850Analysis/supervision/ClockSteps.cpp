@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/supervision/ClockSteps.hpp>
+#include <TalIec61850Analysis/supervision/SeenMessages.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -184,6 +185,21 @@ std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
                      .before = {first->of.number, first->before}};
 }
 
+/// Whether messages of a GOOSE stream are missing there: then time has passed.
+bool lacksMessages(StreamPart const& part, Jump const& jump) {
+    PacketColumns const& packets = part.packets;
+    auto const offsets = packets.frameOffsets();
+    auto const place = std::upper_bound(offsets.begin(), offsets.end(), jump.offsetBefore);
+    if (jump.step < 0 || place == offsets.begin() || place == offsets.end()) {
+        return false;
+    }
+    auto const after = static_cast<std::size_t>(place - offsets.begin());
+    bool const isSameState = packets.stNums()[after - 1] == packets.stNums()[after];
+    auto const counts = isSameState ? packets.sqNums() : packets.stNums();
+    return isLater(counts[after], counts[after - 1]) &&
+           stepsBetween(counts[after - 1], counts[after]) > 1;
+}
+
 std::vector<ClockStep> stepsOf(std::vector<WitnessPart> const& svParts,
                                std::vector<WitnessPart> const& gooseParts) {
     bool const isSv = !svParts.empty();
@@ -208,6 +224,13 @@ std::vector<ClockStep> stepsOf(std::vector<WitnessPart> const& svParts,
     for (Jump const& jump : jumps) {
         bool const isKnown = !steps.empty() && steps.back().fileOffset >= jump.offsetBefore;
         if (isKnown || (isSv && svParts.size() == 1 && mayBeLoss(jump, largest))) {
+            continue;
+        }
+        bool const isLoss =
+            isSv && std::any_of(gooseParts.begin(), gooseParts.end(), [&](WitnessPart const& part) {
+                return lacksMessages(*part.part, jump);
+            });
+        if (isLoss) {
             continue;
         }
         if (auto const step = stepAt(jump, witnesses)) {

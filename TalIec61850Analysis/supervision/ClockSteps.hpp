@@ -25,7 +25,8 @@ struct ClockStep {
 ///
 /// The clock was set where time jumps, and the counters of all SV streams of the file go on as if
 /// it had not. Where a file has one SV stream alone, that and the loss of whole wraps of the
-/// counter look the same: it is taken for a loss. Where it has none, time that goes back tells.
+/// counter look the same: it is taken for a loss; and so it is where a GOOSE stream lacks messages
+/// there. Where a file has no SV stream, time that goes back tells.
 [[nodiscard]] std::vector<std::vector<ClockStep>> findClockSteps(TrafficIndex const& index);
 
 }  // namespace TalIec61850Analysis::detail

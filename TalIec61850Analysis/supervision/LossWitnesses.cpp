@@ -14,6 +14,8 @@ constexpr std::size_t kMostLookedAt = 4096;
 /// Frames of other streams that say that the capture was on.
 constexpr std::uint64_t kFewestFrames = 3;
 constexpr std::size_t kFewestStreams = 2;
+/// Intervals without a packet that are no jitter.
+constexpr std::int64_t kPause = 10;
 
 bool isOriginalPacket(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
 
@@ -110,8 +112,15 @@ LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& h
             std::size_t const packet = packets.inTimeOrder(place);
             isOver = packets.times()[packet] >= hole.until;
             if (before) {
+                std::int64_t const since =
+                    packets.times()[packet] - before->packets->times()[before->packet];
+                // Whole wraps of smpCnt are not seen in it.
+                bool const isPause = packets.protocol() == StreamProtocol::sv && interval > 0 &&
+                                     since / kPause > interval &&
+                                     since > (hole.until - hole.from) / 2;
                 Follows const follows =
-                    followsOf(*before->packets, before->packet, packets, packet);
+                    isPause ? Follows::past
+                            : followsOf(*before->packets, before->packet, packets, packet);
                 bool const isOtherFrame =
                     before->packets != &packets ||
                     packets.frameOffsets()[packet] != packets.frameOffsets()[before->packet];

@@ -9,8 +9,8 @@ namespace {
 constexpr std::uint32_t kNearEnd = 0xFFFF'0000;
 constexpr std::uint32_t kNearStart = 0x1'0000;
 
-bool hasBegunAgain(std::uint32_t low, std::uint32_t high) {
-    return high >= kNearEnd && low < kNearStart;
+bool hasBegunAgain(std::uint32_t small, std::uint32_t large) {
+    return large >= kNearEnd && small < kNearStart;
 }
 
 }  // namespace

@@ -40,6 +40,23 @@ TEST(CaptureFaults, TellsStepsOfItsClock) {
     }
 }
 
+TEST(CaptureFaults, AreNoStepWhereMessagesAreMissing) {
+    auto station = fullStation();
+    station.dropBetween(500 * kMillisecond, 1500 * kMillisecond);
+    EXPECT_EQ(foundIn(station),
+              (Lines{"captureGap MU01 #6000 after #1999 lost 8010 capture",
+                     "sampleGap MU01 #6000 after #1999 lost 4000 capture",
+                     "sampleGap MU02 #6000 after #1999 lost 4000 capture",
+                     "sqNumGap RELAY1LD0/LLN0$GO$gcb1 #15 after #4 lost 10 capture",
+                     "expired RELAY1LD0/LLN0$GO$gcb1 #15 after #4"}));
+}
+
+TEST(CaptureFaults, TellsWholeSecondsThatOneStreamLost) {
+    auto station = fullStation();
+    station.drop(1, 2000, 4000);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #6000 after #1999 lost 4000 network"}));
+}
+
 TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
     auto station = fullStation();
     station.stepClock(1200 * kMillisecond, -7 * kSecond);

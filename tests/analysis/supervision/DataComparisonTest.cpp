@@ -15,7 +15,9 @@ std::string differences(Bytes const& before, Bytes const& now) {
     std::string text;
     auto const compared = compareData(before, now, [&](QualityChange const& change) {
         text += " q";
-        for (std::uint32_t const index : change.member) text += "." + std::to_string(index);
+        for (std::uint32_t const index : change.member) {
+            text += "." + std::to_string(index);
+        }
         text += ":" + std::to_string(change.before) + ">" + std::to_string(change.now);
     });
     return (compared.isSameMake ? "" : "make ") + std::string(compared.isChanged ? "data" : "") +
@@ -24,7 +26,9 @@ std::string differences(Bytes const& before, Bytes const& now) {
 
 Bytes joined(std::vector<Bytes> const& all) {
     Bytes data;
-    for (Bytes const& each : all) data.insert(data.end(), each.begin(), each.end());
+    for (Bytes const& each : all) {
+        data.insert(data.end(), each.begin(), each.end());
+    }
     return data;
 }
 

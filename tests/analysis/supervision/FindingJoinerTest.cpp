@@ -20,7 +20,9 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 
 TEST(FindingJoiner, KeepsAHundredInASecond) {
     detail::FindingJoiner joiner;
-    for (std::int64_t i = 0; i < 100; ++i) joiner.add(gapAt(i * kMillisecond));
+    for (std::int64_t i = 0; i < 100; ++i) {
+        joiner.add(gapAt(i * kMillisecond));
+    }
     EXPECT_TRUE(joiner.isFlooded(FindingKind::sampleGap, 100 * kMillisecond));
     EXPECT_FALSE(joiner.isFlooded(FindingKind::late, 100 * kMillisecond));
     EXPECT_FALSE(joiner.isFlooded(FindingKind::sampleGap, 1000 * kMillisecond));
@@ -29,7 +31,9 @@ TEST(FindingJoiner, KeepsAHundredInASecond) {
 
 TEST(FindingJoiner, JoinsMoreThanAHundred) {
     detail::FindingJoiner joiner;
-    for (std::int64_t i = 0; i < 1500; ++i) joiner.add(gapAt(i * kMillisecond));
+    for (std::int64_t i = 0; i < 1500; ++i) {
+        joiner.add(gapAt(i * kMillisecond));
+    }
     auto const findings = joiner.take();
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[0].count, 1000U);

@@ -106,8 +106,10 @@ std::vector<Finding> findingsIn(std::vector<Bytes> const& captures,
 
 std::vector<std::string> foundIn(std::vector<Bytes> const& captures, FaultyStation const& station,
                                  SupervisionOptions const& options) {
+    auto const findings = findingsIn(captures, options);
     std::vector<std::string> lines;
-    for (Finding const& finding : findingsIn(captures, options)) {
+    lines.reserve(findings.size());
+    for (Finding const& finding : findings) {
         lines.push_back(lineOf(finding, station));
     }
     return lines;

@@ -118,7 +118,9 @@ TEST(GooseFaults, TakesAStateThatFallsInTimeForAReplay) {
 TEST(GooseFaults, TellsDataThatChangeWithoutAState) {
     auto station = gooseStation();
     station.changeGooseFrom(0, 5, [](GooseMessage& message) {
-        if (message.stNum->value == 5) message.setData(values(false));
+        if (message.stNum->value == 5) {
+            message.setData(values(false));
+        }
     });
     station.goose(0, 30).setData(values(true, 0x4000));
     auto const lines = foundIn(station);
@@ -216,7 +218,9 @@ TEST(GooseFaults, TellsClocksThatAreNotRight) {
 TEST(GooseFaults, TellsTimesAheadOfArrival) {
     auto station = gooseStation();
     station.changeGooseFrom(0, 20, [](GooseMessage& message) {
-        if (message.stNum->value == 6) message.t = utcTime(1'700'000'060);
+        if (message.stNum->value == 6) {
+            message.t = utcTime(1'700'000'060);
+        }
     });
     EXPECT_EQ(foundIn(station), named({"timeAhead #20"}));
 }

@@ -168,7 +168,9 @@ TEST(SvFaults, TellsQualitiesOfChannels) {
     auto const set = [](std::size_t channel, std::uint32_t quality) {
         return [=](SvMessage& message) {
             std::vector<Sample> channels(8);
-            for (Sample& each : channels) each = {1000, 0x2000};  // derived
+            for (Sample& each : channels) {
+                each = {1000, 0x2000};  // derived
+            }
             channels[channel].second = quality;
             message.asdus.front().seqData = samples(channels);
         };
