@@ -64,6 +64,8 @@
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
 #include <TalIec61850Analysis/samples/SampleRun.hpp>
 #include <TalIec61850Analysis/samples/SampleTimeSource.hpp>
+#include <TalIec61850Analysis/supervision/Finding.hpp>
+#include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>

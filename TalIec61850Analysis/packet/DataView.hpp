@@ -39,6 +39,9 @@ public:
     /// Whether there is none.
     [[nodiscard]] bool empty() const noexcept { return elements_.empty(); }
 
+    /// The octets of the values, as far as they were captured.
+    [[nodiscard]] Octets octets() const noexcept { return elements_.octets(); }
+
     /// Hands on all that is wrong with the values and those inside them, front to back.
     TALIEC61850ANALYSIS_EXPORT void visitFaults(FaultSink sink) const;
 

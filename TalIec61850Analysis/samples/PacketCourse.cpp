@@ -68,12 +68,17 @@ private:
 
 }  // namespace
 
-PacketCourse::PacketCourse(TrafficStream const& stream) : stream_(&stream) {
-    for (StreamPart const& part : stream.parts) {
+PacketCourse::PacketCourse(TrafficStream const& stream)
+    : PacketCourse(stream, std::vector<bool>(stream.parts.size(), true)) {}
+
+PacketCourse::PacketCourse(TrafficStream const& stream, std::vector<bool> const& areWanted)
+    : stream_(&stream) {
+    for (std::size_t number = 0; number < stream.parts.size(); ++number) {
+        StreamPart const& part = stream.parts[number];
         parts_.push_back({.flags = part.packets.flags().data(),
                           .times = part.packets.times().data(),
                           .next = 0,
-                          .size = part.packets.size(),
+                          .size = areWanted[number] ? part.packets.size() : 0,
                           .time = kNoTime});
         if (stream.parts.size() > 1) {
             settle(parts_.back());

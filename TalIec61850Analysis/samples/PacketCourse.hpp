@@ -19,6 +19,9 @@ class PacketCourse {
 public:
     /// @param stream  must outlive the walk
     explicit PacketCourse(TrafficStream const& stream);
+    /// Walks over some parts alone.
+    /// @param areWanted  by part
+    PacketCourse(TrafficStream const& stream, std::vector<bool> const& areWanted);
 
     /// Packets one after the other in one part.
     struct Strip {

@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/samples/SampleCounter.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <algorithm>
 #include <cmath>
@@ -25,6 +26,12 @@ CountStep SampleCounter::begin(std::uint32_t smpCnt, std::int64_t arrival) {
     smpCnt_ = smpCnt;
     seen_ = 1;
     return CountStep::first;
+}
+
+void SampleCounter::stepClock(std::int64_t step) {
+    if (arrival_ != kNoTime) {
+        arrival_ = shiftedTime(arrival_, step);
+    }
 }
 
 CountStep SampleCounter::addBehind(std::int64_t behind) {

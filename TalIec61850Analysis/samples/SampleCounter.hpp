@@ -75,6 +75,10 @@ public:
         return (seen_ & kReach) == kReach;
     }
 
+    /// The clock that tells arrival is set.
+    /// @param step  in nanoseconds
+    void stepClock(std::int64_t step);
+
     /// The number of the sample that was added last.
     [[nodiscard]] std::int64_t number() const { return number_; }
     /// The largest number so far.

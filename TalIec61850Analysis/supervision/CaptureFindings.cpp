@@ -1,0 +1,227 @@
+#include <TalIec61850Analysis/supervision/CaptureFindings.hpp>
+#include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
+#include <TalIec61850Analysis/supervision/FindingValues.hpp>
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace TalIec61850Analysis::detail {
+
+namespace {
+
+std::int64_t timeOrNone(std::optional<CaptureTime> const& time) {
+    return time ? time->time_since_epoch().count() : kNoTime;
+}
+
+Finding findingAt(FindingKind kind, std::uint32_t file, std::uint64_t fileOffset,
+                  std::int64_t time) {
+    Finding finding;
+    finding.kind = kind;
+    finding.from = time;
+    finding.until = time;
+    finding.place = {.file = file, .fileOffset = fileOffset, .packet = {}, .time = time};
+    return finding;
+}
+
+/// The packet of a stream that came first; nothing where none has a time.
+std::optional<PacketRef> firstPacketOf(TrafficStream const& stream) {
+    std::optional<PacketRef> first;
+    std::int64_t earliest = 0;
+    for (std::uint32_t part = 0; part < stream.parts.size(); ++part) {
+        PacketColumns const& packets = stream.parts[part].packets;
+        if (packets.timedSize() == 0) {
+            continue;
+        }
+        std::size_t const packet = packets.inTimeOrder(0);
+        if (!first || packets.times()[packet] < earliest) {
+            first = PacketRef{.part = part, .packet = static_cast<std::uint32_t>(packet)};
+            earliest = packets.times()[packet];
+        }
+    }
+    return first;
+}
+
+void moveFindings(FindingJoiner& joiner, std::vector<Finding>& findings) {
+    auto joined = joiner.take();
+    std::move(joined.begin(), joined.end(), std::back_inserter(findings));
+}
+
+}  // namespace
+
+FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet) {
+    StreamPart const& part = index.streams()[stream].parts[packet.part];
+    PacketColumns const& packets = part.packets;
+    return {
+        .file = part.file,
+        .fileOffset = packets.frameOffsets()[packet.packet] + packets.pduOffsets()[packet.packet],
+        .packet = packet,
+        .time = packets.times()[packet.packet]};
+}
+
+void addCaptureGaps(TrafficIndex const& /*index*/, std::vector<Finding>& findings) {
+    /// The time that several gaps share.
+    struct Shared {
+        Finding finding;
+        std::int64_t from = 0;
+        std::int64_t until = 0;
+    };
+    std::vector<Finding const*> gaps;
+    for (Finding const& finding : findings) {
+        if (finding.witness == LossWitness::otherStreamsLost && finding.count == 1) {
+            gaps.push_back(&finding);
+        }
+    }
+    std::sort(gaps.begin(), gaps.end(), [](Finding const* a, Finding const* b) {
+        return std::tie(a->before->time, a->stream) < std::tie(b->before->time, b->stream);
+    });
+    std::vector<Shared> spans;
+    for (Finding const* gap : gaps) {
+        if (spans.empty() || gap->before->time >= spans.back().until) {
+            Shared span{.finding = *gap, .from = gap->before->time, .until = gap->from};
+            span.finding.kind = FindingKind::captureGap;
+            span.finding.protocol.reset();
+            span.finding.stream.reset();
+            span.finding.expected = {};
+            span.finding.found = {};
+            spans.push_back(std::move(span));
+            continue;
+        }
+        Shared& span = spans.back();
+        span.finding.lost += gap->lost;
+        span.finding.witnessFrames = std::max(span.finding.witnessFrames, gap->witnessFrames);
+        if (gap->before->time >= span.from) {
+            span.from = gap->before->time;
+            span.finding.before = gap->before;
+        }
+        if (gap->from < span.until) {
+            span.until = gap->from;
+            span.finding.from = gap->from;
+            span.finding.until = gap->from;
+            span.finding.place = gap->place;
+        }
+    }
+    for (Shared& span : spans) {
+        findings.push_back(std::move(span.finding));
+    }
+}
+
+void addClockSteps(TrafficIndex const& index, std::vector<std::vector<ClockStep>> const& steps,
+                   std::vector<Finding>& findings) {
+    FindingJoiner joiner;
+    for (auto const& ofFile : steps) {
+        for (ClockStep const& step : ofFile) {
+            FindingPlace const place = placeOf(index, step.stream, step.after);
+            FindingPlace const before = placeOf(index, step.stream, step.before);
+            Finding finding =
+                findingAt(FindingKind::clockStep, place.file, place.fileOffset, place.time);
+            finding.place = place;
+            finding.before = before;
+            finding.found = numberOf(step.step);
+            joiner.add(std::move(finding));
+        }
+    }
+    moveFindings(joiner, findings);
+}
+
+void addDrops(std::vector<CaptureDrop> const& drops, std::vector<Finding>& findings) {
+    FindingJoiner joiner;
+    for (CaptureDrop const& drop : drops) {
+        Finding finding =
+            findingAt(FindingKind::captureDropped, drop.file, drop.fileOffset, drop.until);
+        finding.lost = drop.count;
+        finding.cause = LossCause::capture;
+        finding.witness = LossWitness::dropCounts;
+        finding.witnessFrames = drop.count;
+        joiner.add(std::move(finding));
+    }
+    moveFindings(joiner, findings);
+}
+
+void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
+    for (std::uint32_t file = 0; file < index.files().size(); ++file) {
+        CaptureSummary const& summary = index.files()[file].summary;
+        if (summary.snappedFrames > 0) {
+            Finding finding =
+                findingAt(FindingKind::recordsCut, file, 0, timeOrNone(summary.first));
+            finding.until = timeOrNone(summary.last);
+            finding.count = summary.snappedFrames;
+            findings.push_back(std::move(finding));
+        }
+        if (auto const& damage = summary.damage;
+            damage && (damage->kind == CaptureDamageKind::recordCut ||
+                       damage->kind == CaptureDamageKind::recordHeaderCut ||
+                       damage->kind == CaptureDamageKind::fileShrank)) {
+            Finding finding = findingAt(FindingKind::fileEndsInRecord, file, damage->fileOffset,
+                                        timeOrNone(summary.last));
+            finding.expected = numberOf(static_cast<std::int64_t>(damage->claimedSize));
+            finding.found =
+                numberOf(static_cast<std::int64_t>(damage->claimedSize - damage->missingSize));
+            findings.push_back(std::move(finding));
+        }
+        std::map<std::pair<StreamProtocol, UnreadReason>, FindingJoiner> joiners;
+        for (UnreadFrame const& frame : summary.unread) {
+            Finding finding =
+                findingAt(FindingKind::unreadable, file, frame.frameOffset, timeOrNone(frame.time));
+            finding.protocol = frame.protocol;
+            finding.reason = frame.reason;
+            joiners[{frame.protocol, frame.reason}].add(std::move(finding));
+        }
+        for (auto& [kind, joiner] : joiners) {
+            moveFindings(joiner, findings);
+        }
+    }
+}
+
+void addSharedNames(TrafficIndex const& index, std::vector<Finding>& findings) {
+    /// The stream that had the name first.
+    struct Owner {
+        std::size_t stream = 0;
+        std::int64_t time = 0;
+        PacketRef packet;
+    };
+    std::vector<Owner> streams;
+    for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
+        TrafficStream const& of = index.streams()[stream];
+        if (auto const first = firstPacketOf(of); first && of.key.source) {
+            streams.push_back({.stream = stream,
+                               .time = of.parts[first->part].packets.times()[first->packet],
+                               .packet = *first});
+        }
+    }
+    std::stable_sort(streams.begin(), streams.end(),
+                     [](Owner const& a, Owner const& b) { return a.time < b.time; });
+    std::map<std::pair<StreamProtocol, std::string_view>, std::vector<Owner>> owners;
+    for (Owner const& each : streams) {
+        StreamKey const& key = index.streams()[each.stream].key;
+        auto& known = owners[{key.protocol, key.name}];
+        auto const sourceOf = [&](Owner const& owner) {
+            return *index.streams()[owner.stream].key.source;
+        };
+        bool const isKnown = std::any_of(known.begin(), known.end(), [&](Owner const& owner) {
+            return sourceOf(owner) == *key.source;
+        });
+        if (isKnown) {
+            continue;
+        }
+        if (!known.empty()) {
+            FindingPlace const place = placeOf(index, each.stream, each.packet);
+            Finding finding =
+                findingAt(FindingKind::twoPublishers, place.file, place.fileOffset, place.time);
+            finding.protocol = key.protocol;
+            finding.stream = each.stream;
+            finding.place = place;
+            finding.before = placeOf(index, known.front().stream, known.front().packet);
+            MacAddress const first = sourceOf(known.front());
+            finding.expected = OctetString(first.begin(), first.end());
+            finding.found = OctetString(key.source->begin(), key.source->end());
+            findings.push_back(std::move(finding));
+        }
+        known.push_back(each);
+    }
+}
+
+}  // namespace TalIec61850Analysis::detail

@@ -1,0 +1,77 @@
+#include <TalIec61850Analysis/packet/GooseView.hpp>
+#include <TalIec61850Analysis/supervision/GooseContentReader.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <optional>
+#include <system_error>
+#include <variant>
+
+namespace TalIec61850Analysis::detail {
+
+namespace {
+
+constexpr std::uint8_t kSqNum = 0x86;
+
+std::optional<std::int64_t> plainNumberIn(std::optional<IntegerView> const& value) {
+    if (!value) {
+        return std::nullopt;
+    }
+    auto const* const number = std::get_if<std::int64_t>(&*value);
+    return number != nullptr ? std::optional(*number) : std::nullopt;
+}
+
+template <typename Value>
+std::optional<Value> plainValueIn(std::optional<ReadableView<Value>> const& value) {
+    auto const* const held = value ? std::get_if<Value>(&*value) : nullptr;
+    return held != nullptr ? std::optional(*held) : std::nullopt;
+}
+
+}  // namespace
+
+bool GooseContentReader::isSame(Octets pdu) const {
+    if (pdu.size() != pdu_.size()) {
+        return false;
+    }
+    std::size_t const after = sqNum_ + sqNumSize_;
+    return std::memcmp(pdu.data(), pdu_.data(), sqNum_) == 0 &&
+           std::memcmp(pdu.data() + after, pdu_.data() + after, pdu_.size() - after) == 0;
+}
+
+void GooseContentReader::readAnew(CaptureWindow& window, std::uint32_t file,
+                                  std::uint64_t fileOffset) {
+    constexpr std::size_t kMostHeader = 8;
+    Octets const header = window.at(file, fileOffset, kMostHeader);
+    auto const start = Elements(header).begin();
+    bool const isThere = start != std::default_sentinel && start->tag;
+    std::size_t const size = isThere ? std::min(start->claimedEnd, kMaxFrameSize) : std::size_t{0};
+    Octets const pdu = window.at(file, fileOffset, size);
+    if (!isThere || pdu.size() < size) {
+        throw std::system_error(ESTALE, std::generic_category());
+    }
+    pdu_.assign(pdu.begin(), pdu.end());
+    GooseView const view = viewGoose(pdu_, 0);
+    if (!view.pdu) {
+        throw std::system_error(ESTALE, std::generic_category());
+    }
+    content_ = {.timeAllowedtoLive = plainNumberIn(view.timeAllowedtoLive),
+                .datSet = view.datSet,
+                .confRev = plainNumberIn(view.confRev),
+                .t = plainValueIn(view.t),
+                .simulation = plainValueIn(view.simulation),
+                .ndsCom = plainValueIn(view.ndsCom),
+                .numDatSetEntries = plainNumberIn(view.numDatSetEntries),
+                .allData = view.allData ? std::optional(view.allData->octets()) : std::nullopt};
+    sqNum_ = pdu_.size();
+    sqNumSize_ = 0;
+    for (auto element = view.pdu->members().begin(); element != std::default_sentinel; ++element) {
+        if (element->tag == kSqNum) {
+            sqNum_ = element->valueOffset;
+            sqNumSize_ = element->octets.size();
+            break;
+        }
+    }
+}
+
+}  // namespace TalIec61850Analysis::detail

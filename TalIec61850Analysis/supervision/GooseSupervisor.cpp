@@ -1,0 +1,584 @@
+#include <TalIec61850Analysis/supervision/DataComparison.hpp>
+#include <TalIec61850Analysis/supervision/FindingValues.hpp>
+#include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace TalIec61850Analysis::detail {
+
+namespace {
+
+constexpr std::int64_t kNsOfMillisecond = 1'000'000;
+constexpr std::int64_t kNsOfSecond = 1'000'000'000;
+/// Messages after a gap in which a late one may fill it.
+constexpr std::uint32_t kLateMessages = 16;
+constexpr std::size_t kMostMessageGaps = 64;
+/// So many older messages in sequence are those of another publisher.
+constexpr std::size_t kSecondPublisher = 4;
+/// A time allowed to live that comes so often again is the longest of its stream.
+constexpr std::uint32_t kSteadyLives = 4;
+/// One of two publishers is gone after so many messages of the other one.
+constexpr std::uint32_t kGoneMessages = 64;
+
+std::int64_t timeOfStamp(UtcTime const& t) {
+    return std::int64_t{t.seconds} * kNsOfSecond + t.nanoseconds();
+}
+
+/// What a time may be wrong by, as it says, in nanoseconds.
+std::int64_t accuracyOf(UtcTime const& t) {
+    constexpr std::uint8_t kMostBits = 24;
+    return t.accuracy() <= kMostBits ? kNsOfSecond >> t.accuracy() : 0;
+}
+
+MessageNumber messageNumberOf(GooseObservation const& message) {
+    return {message.stNum, message.sqNum};
+}
+
+FindingValue countOrNothing(std::optional<std::int64_t> value) {
+    return value ? FindingValue(*value) : FindingValue();
+}
+
+FindingValue octetsOf(std::optional<std::string_view> text) {
+    return text ? FindingValue(OctetString(text->begin(), text->end())) : FindingValue();
+}
+
+/// Whether a message is the next one after another.
+bool isNext(MessageNumber now, MessageNumber before) {
+    if (now.stNum == before.stNum) {
+        return isLater(now.sqNum, before.sqNum) && stepsBetween(before.sqNum, now.sqNum) == 1;
+    }
+    return isLater(now.stNum, before.stNum) && stepsBetween(before.stNum, now.stNum) == 1 &&
+           now.sqNum <= 1;
+}
+
+}  // namespace
+
+Finding GooseSupervisor::finding(FindingKind kind, GooseObservation const& message) const {
+    Finding finding;
+    finding.kind = kind;
+    finding.protocol = StreamProtocol::goose;
+    finding.from = message.arrival;
+    finding.until = message.arrival;
+    finding.place = {.packet = message.packet, .time = message.arrival};
+    if (isStarted_) {
+        finding.before = {.packet = last_.packet, .time = last_.arrival};
+    }
+    return finding;
+}
+
+void GooseSupervisor::edge(bool& isOn, bool isNow, FindingKind kind,
+                           GooseObservation const& message, FindingSink sink, FindingValue expected,
+                           FindingValue found) const {
+    if (isNow && !isOn) {
+        Finding made = finding(kind, message);
+        made.expected = std::move(expected);
+        made.found = std::move(found);
+        sink(made);
+    }
+    isOn = isNow;
+}
+
+void GooseSupervisor::lasting(Condition& condition, bool isNow, FindingKind kind,
+                              GooseObservation const& message, FindingSink sink,
+                              FindingValue expected, FindingValue found) const {
+    if (!isNow) {
+        end(condition, sink);
+        return;
+    }
+    if (condition.finding) {
+        ++condition.finding->count;
+        condition.finding->until = message.arrival;
+        return;
+    }
+    condition.finding = finding(kind, message);
+    condition.finding->expected = std::move(expected);
+    condition.finding->found = std::move(found);
+}
+
+void GooseSupervisor::end(Condition& condition, FindingSink sink) {
+    if (condition.finding) {
+        sink(*condition.finding);
+        condition.finding.reset();
+    }
+}
+
+void GooseSupervisor::add(GooseObservation const& message, FindingSink sink) {
+    bool const isPlain = message.isSame && isContentLast_ && message.isCounted &&
+                         message.stNum == number_.stNum && message.sqNum == number_.sqNum + 1 &&
+                         message.isSimulated == lastSimulatedBit_ && message.way == last_.way;
+    bool const isQuiet = isStarted_ && !candidate_ && gaps_.empty() && older_.empty() && !second_ &&
+                         !changed_.finding && !retimed_.finding && isLifeSteady_;
+    if (isPlain && isQuiet && !isLate(message)) {
+        number_.sqNum = message.sqNum;
+        seen_.addNewest(number_);
+        last_ = message;
+        setDeadline(message);
+        return;
+    }
+    if (candidate_) {
+        settleCandidate(message, false, sink);
+    }
+    process(message, sink);
+}
+
+bool GooseSupervisor::isLate(GooseObservation const& message) const {
+    return deadline_ != kNoTime && message.arrival != kNoTime && message.arrival > deadline_;
+}
+
+void GooseSupervisor::process(GooseObservation const& message, FindingSink sink) {
+    if (!message.isCounted) {
+        isContentLast_ = false;
+        return;
+    }
+    if (!isStarted_) {
+        begin(message, false, sink);
+        return;
+    }
+    MessageNumber const number = messageNumberOf(message);
+    if (isLater(number, number_)) {
+        accept(message, sink);
+        return;
+    }
+    if (number == number_) {
+        isContentLast_ = isContentLast_ && message.isSame;
+        if (message.way == last_.way && !isExtraCopy(last_.sequence, message.sequence)) {
+            sink(finding(FindingKind::repeated, message));
+            // It is in time for the ones after it.
+            checkExpiry(message, sink);
+            setDeadline(message);
+        }
+        return;
+    }
+    bool const isFall =
+        message.stNum != number_.stNum || (message.stNum == 1 && message.sqNum <= 1);
+    bool const isOtherWay = message.way != last_.way;
+    if (isFall && !isOtherWay && isLate(message)) {
+        checkExpiry(message, sink);
+        begin(message, true, sink);
+    } else if (isFall && !isOtherWay && message.stNum == 1) {
+        hold(message);
+    } else {
+        takeOlder(message, sink);
+    }
+}
+
+void GooseSupervisor::begin(GooseObservation const& message, bool isRestart, FindingSink sink) {
+    if (isRestart) {
+        settleGaps(true, sink);
+        settleOlder(sink);
+        if (second_) {
+            sink(*second_);
+            second_.reset();
+        }
+        end(changed_, sink);
+        end(retimed_, sink);
+        Finding made = finding(FindingKind::counterRestart, message);
+        made.expected = std::int64_t{number_.stNum};
+        made.found = std::int64_t{message.stNum};
+        sink(made);
+        if (message.sqNum > 1) {
+            addGap(FindingKind::stateStartMissing, message, message.stNum, 1, message.sqNum,
+                   message.sqNum - 1);
+        }
+    }
+    checkContent(message, true, false, sink);
+    checkFlags(message, sink);
+    number_ = messageNumberOf(message);
+    seen_.begin(number_);
+    last_ = message;
+    lastSimulatedBit_ = message.isSimulated;
+    isStarted_ = true;
+    setDeadline(message);
+}
+
+void GooseSupervisor::hold(GooseObservation const& message) {
+    isContentLast_ = false;
+    candidate_ = Candidate();
+    candidate_->message = message;
+    candidate_->message.content = nullptr;
+    candidate_->message.isSame = false;
+    candidate_->hasContent = message.content != nullptr;
+    if (message.content != nullptr) {
+        candidate_->content = *message.content;
+        if (auto const& data = message.content->allData) {
+            candidate_->allData = toOwned(*data);
+        }
+        candidate_->datSet = message.content->datSet.value_or("");
+    }
+}
+
+/// Decides by the next message whether the counters were begun anew.
+void GooseSupervisor::settleCandidate(GooseObservation const& next, bool isOver, FindingSink sink) {
+    Candidate held = std::move(*candidate_);
+    candidate_.reset();
+    GooseObservation message = held.message;
+    if (held.hasContent) {
+        if (held.content.allData) {
+            held.content.allData = held.allData;
+        }
+        if (held.content.datSet) {
+            held.content.datSet = held.datSet;
+        }
+        message.content = &held.content;
+    }
+    if (!isOver && next.isCounted && isNext(messageNumberOf(next), messageNumberOf(message)) &&
+        !isNext(messageNumberOf(next), number_)) {
+        begin(message, true, sink);
+        // The next one was compared with the one that was held.
+        isContentLast_ = held.hasContent;
+    } else {
+        takeOlder(message, sink);
+    }
+}
+
+void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) {
+    checkExpiry(message, sink);
+    MessageNumber const before = number_;
+    bool const isNewState = message.stNum != before.stNum;
+    std::uint64_t const states = isNewState ? stepsBetween(before.stNum, message.stNum) : 0;
+    if (!isNewState) {
+        std::uint64_t const steps = stepsBetween(before.sqNum, message.sqNum);
+        if (steps > 1) {
+            addGap(FindingKind::sqNumGap, message, message.stNum, before.sqNum + 1, message.sqNum,
+                   steps - 1);
+        }
+    } else {
+        if (states > 1) {
+            addGap(FindingKind::stateGap, message, message.stNum, before.stNum + 1, message.stNum,
+                   states - 1);
+        }
+        // After its largest value, stNum begins with sqNum 1.
+        std::uint32_t const first = message.stNum < before.stNum ? 1 : 0;
+        if (message.sqNum > first) {
+            addGap(FindingKind::stateStartMissing, message, message.stNum, first, message.sqNum,
+                   message.sqNum - first);
+        }
+    }
+    checkContent(message, isNewState, states == 1, sink);
+    checkFlags(message, sink);
+    number_ = messageNumberOf(message);
+    seen_.addNewest(number_);
+    last_ = message;
+    lastSimulatedBit_ = message.isSimulated;
+    setDeadline(message);
+    settleGaps(false, sink);
+    if (!older_.empty() && ++sinceOlder_ > kLateMessages) {
+        settleOlder(sink);
+    }
+    if (second_ && ++sinceSecond_ > kGoneMessages) {
+        sink(*second_);
+        second_.reset();
+    }
+}
+
+void GooseSupervisor::takeOlder(GooseObservation const& message, FindingSink sink) {
+    isContentLast_ = false;
+    MessageNumber const number = messageNumberOf(message);
+    bool const isOtherWay = message.way != last_.way;
+    if (seen_.has(number)) {
+        if (!isOtherWay) {
+            Finding made = finding(FindingKind::replay, message);
+            made.expected = std::int64_t{number_.stNum};
+            made.found = std::int64_t{message.stNum};
+            sink(made);
+        }
+        return;
+    }
+    seen_.addOlder(number);
+    bool const isFilled = fill(number);
+    if (isOtherWay) {
+        return;
+    }
+    Finding made = finding(FindingKind::late, message);
+    made.expected = std::int64_t{number_.stNum};
+    made.found = std::int64_t{message.stNum};
+    if (second_ && (isNext(number, secondNumber_) || number == secondNumber_)) {
+        ++second_->count;
+        second_->until = message.arrival;
+        secondNumber_ = number;
+        sinceSecond_ = 0;
+        return;
+    }
+    if (isFilled) {
+        sink(made);
+        return;
+    }
+    if (!older_.empty() && !isNext(number, older_.back().number)) {
+        settleOlder(sink);
+    }
+    older_.push_back({.number = number, .finding = made});
+    sinceOlder_ = 0;
+    if (older_.size() == kSecondPublisher && !second_) {
+        second_ = older_.front().finding;
+        second_->kind = FindingKind::twoPublishers;
+        second_->count = older_.size();
+        second_->until = message.arrival;
+        secondNumber_ = number;
+        sinceSecond_ = 0;
+        older_.clear();
+    }
+}
+
+void GooseSupervisor::settleOlder(FindingSink sink) {
+    for (Older const& older : older_) {
+        sink(older.finding);
+    }
+    older_.clear();
+}
+
+bool GooseSupervisor::fill(MessageNumber number) {
+    bool isFilled = false;
+    for (Gap& gap : gaps_) {
+        if (gap.finding.kind == FindingKind::stateGap) {
+            bool const isOf = !isLater(gap.first, number.stNum) && isLater(gap.end, number.stNum);
+            if (isOf &&
+                std::find(gap.filled.begin(), gap.filled.end(), number.stNum) == gap.filled.end()) {
+                gap.filled.push_back(number.stNum);
+                --gap.finding.lost;
+            }
+            isFilled = isFilled || isOf;
+        } else if (gap.stNum == number.stNum && gap.finding.lost > 0 &&
+                   !isLater(gap.first, number.sqNum) && isLater(gap.end, number.sqNum)) {
+            --gap.finding.lost;
+            isFilled = true;
+        }
+    }
+    return isFilled;
+}
+
+void GooseSupervisor::addGap(FindingKind kind, GooseObservation const& message, std::uint32_t stNum,
+                             std::uint32_t first, std::uint32_t end, std::uint64_t lost) {
+    if (gaps_.size() == kMostMessageGaps) {
+        gaps_.front().since = kLateMessages;
+    }
+    Gap gap{.finding = finding(kind, message),
+            .stNum = stNum,
+            .first = first,
+            .end = end,
+            .filled = {}};
+    gap.finding.lost = lost;
+    gap.finding.cause = LossCause::unknown;
+    gap.finding.expected = std::int64_t{first};
+    gap.finding.found = std::int64_t{end};
+    gaps_.push_back(std::move(gap));
+}
+
+void GooseSupervisor::settleGaps(bool areAll, FindingSink sink) {
+    std::erase_if(gaps_, [&](Gap& gap) {
+        bool const isOver = areAll || ++gap.since > kLateMessages;
+        if (isOver && gap.finding.lost > 0) {
+            sink(gap.finding);
+        }
+        return isOver;
+    });
+}
+
+void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewState,
+                                   bool isNextState, FindingSink sink) {
+    if (message.content == nullptr) {
+        isContentLast_ = false;
+        end(changed_, sink);
+        end(retimed_, sink);
+        return;
+    }
+    GooseContent const& now = *message.content;
+    bool const isKnown = content_.isWhole;
+    bool const isSame = message.isSame && isContentLast_;
+    if (isKnown && !isSame && now.confRev != content_.confRev) {
+        Finding made = finding(FindingKind::confRevChanged, message);
+        made.expected = countOrNothing(content_.confRev);
+        made.found = countOrNothing(now.confRev);
+        sink(made);
+    }
+    bool isOtherSet = false;
+    if (isKnown && !isSame && now.datSet != content_.datSet) {
+        Finding made = finding(FindingKind::dataSetChanged, message);
+        made.expected = octetsOf(content_.datSet);
+        made.found = octetsOf(now.datSet);
+        sink(made);
+        isOtherSet = true;
+    }
+    if (isKnown && now.allData && content_.allData) {
+        std::vector<QualityChange> qualities;
+        DataComparison compared;
+        if (!isSame) {
+            compared =
+                compareData(*content_.allData, *now.allData,
+                            [&](QualityChange const& change) { qualities.push_back(change); });
+        }
+        if (!compared.isSameMake && !isOtherSet) {
+            Finding made = finding(FindingKind::dataSetChanged, message);
+            made.expected = static_cast<std::int64_t>(countMembers(*content_.allData));
+            made.found = static_cast<std::int64_t>(countMembers(*now.allData));
+            sink(made);
+        }
+        if (compared.isSameMake) {
+            for (QualityChange& change : qualities) {
+                Finding made = finding(FindingKind::qualityChanged, message);
+                made.expected = std::int64_t{change.before};
+                made.found = std::int64_t{change.now};
+                made.member = std::move(change.member);
+                sink(made);
+            }
+        }
+        lasting(changed_, !isNewState && compared.isChanged && compared.isSameMake,
+                FindingKind::changedWithoutState, message, sink);
+        if (isNextState && !compared.isChanged) {
+            sink(finding(FindingKind::stateWithoutChange, message));
+        }
+    }
+    if (isKnown && now.t && content_.t) {
+        bool const isOtherTime =
+            now.t->seconds != content_.t->seconds || now.t->fraction != content_.t->fraction;
+        FindingValue const was = instantOf(timeOfStamp(*content_.t));
+        lasting(retimed_, !isNewState && isOtherTime, FindingKind::timeWithoutState, message, sink,
+                was, instantOf(timeOfStamp(*now.t)));
+        if (isNewState && !isOtherTime) {
+            Finding made = finding(FindingKind::timeUnchanged, message);
+            made.expected = was;
+            made.found = was;
+            sink(made);
+        }
+    }
+    checkTime(message, sink);
+    checkLifetime(message, isNewState, sink);
+    if (!isSame) {
+        keep(now);
+    }
+    content_.timeAllowedtoLive = now.timeAllowedtoLive;
+    isContentLast_ = true;
+}
+
+void GooseSupervisor::keep(GooseContent const& content) {
+    content_.datSet = content.datSet;
+    content_.confRev = content.confRev;
+    content_.t = content.t;
+    if (content.allData) {
+        if (!content_.allData) {
+            content_.allData.emplace();
+        }
+        content_.allData->assign(content.allData->begin(), content.allData->end());
+    } else {
+        content_.allData.reset();
+    }
+    content_.isWhole = true;
+}
+
+void GooseSupervisor::checkFlags(GooseObservation const& message, FindingSink sink) {
+    GooseContent const* const content = message.content;
+    bool const element = content != nullptr && content->simulation.value_or(false);
+    bool const isSimulated = message.isSimulated || (content != nullptr ? element : isSimulated_);
+    if (isSimulated != isSimulated_) {
+        sink(finding(isSimulated ? FindingKind::simulationBegan : FindingKind::simulationEnded,
+                     message));
+        isSimulated_ = isSimulated;
+    }
+    if (content == nullptr) {
+        return;
+    }
+    edge(isContradicted_, content->simulation && element != message.isSimulated,
+         FindingKind::simulationContradicts, message, sink,
+         std::int64_t{message.isSimulated ? 1 : 0}, std::int64_t{element ? 1 : 0});
+    edge(isNeeding_, content->ndsCom.value_or(false), FindingKind::needsCommissioning, message,
+         sink);
+    if (content->numDatSetEntries && content->allData) {
+        auto const members = static_cast<std::int64_t>(countMembers(*content->allData));
+        edge(isOfOtherSize_, *content->numDatSetEntries != members, FindingKind::entriesDiffer,
+             message, sink, *content->numDatSetEntries, members);
+    }
+}
+
+void GooseSupervisor::checkTime(GooseObservation const& message, FindingSink sink) {
+    auto const& t = message.content->t;
+    if (!t) {
+        return;
+    }
+    edge(isClockFailed_, t->clockFailure(), FindingKind::clockFailure, message, sink);
+    edge(isClockFree_, t->clockNotSynchronized(), FindingKind::clockNotSynchronized, message, sink);
+    // Repetitions come later than the state that t is of.
+    bool const isOther = !content_.t || content_.t->seconds != t->seconds ||
+                         content_.t->fraction != t->fraction || !isStarted_;
+    if (isOther && message.arrival != kNoTime) {
+        std::int64_t const time = timeOfStamp(*t);
+        edge(isTimeAhead_, time - message.arrival > kNsOfMillisecond + accuracyOf(*t),
+             FindingKind::timeAhead, message, sink, instantOf(message.arrival), instantOf(time));
+    }
+}
+
+/// A time allowed to live that grows within a state, and is short again in the next one, is that of
+/// the intervals of repetition.
+void GooseSupervisor::checkLifetime(GooseObservation const& message, bool isNewState,
+                                    FindingSink sink) {
+    auto const& life = message.content->timeAllowedtoLive;
+    if (!life) {
+        return;
+    }
+    edge(isLifeZero_, *life == 0, FindingKind::timeAllowedtoLiveZero, message, sink);
+    auto const& before = content_.timeAllowedtoLive;
+    bool const isLonger = *life > longestLife_ && isLifeSteady_;
+    bool const isShorter = !isNewState && before && *life < *before;
+    if (before && (isLonger || isShorter)) {
+        Finding made = finding(FindingKind::timeAllowedtoLiveChanged, message);
+        made.expected = *before;
+        made.found = *life;
+        sink(made);
+        longestLife_ = *life;
+    } else {
+        if (*life > longestLife_) {
+            longestLife_ = *life;
+            isLifeSteady_ = false;
+            lives_ = 0;
+        } else if (!isNewState && before == life && *life == longestLife_) {
+            isLifeSteady_ = isLifeSteady_ || ++lives_ >= kSteadyLives;
+        }
+    }
+}
+
+void GooseSupervisor::checkExpiry(GooseObservation const& message, FindingSink sink) {
+    if (isLate(message)) {
+        Finding made = finding(FindingKind::expired, message);
+        made.expected = instantOf(deadline_);
+        made.found = instantOf(message.arrival);
+        sink(made);
+    }
+}
+
+void GooseSupervisor::setDeadline(GooseObservation const& message) {
+    constexpr std::int64_t kLongest = 1'000'000'000;  // milliseconds: more than a week
+    auto const& life = content_.timeAllowedtoLive;
+    bool const isTold = life && *life > 0 && *life <= kLongest && message.arrival != kNoTime;
+    deadline_ = isTold ? shiftedTime(message.arrival, *life * kNsOfMillisecond) : kNoTime;
+}
+
+void GooseSupervisor::stepClock(std::int64_t step) {
+    if (deadline_ != kNoTime) {
+        deadline_ = shiftedTime(deadline_, step);
+    }
+}
+
+void GooseSupervisor::finish(std::int64_t end, FindingSink sink) {
+    if (candidate_) {
+        settleCandidate({}, true, sink);
+    }
+    settleGaps(true, sink);
+    settleOlder(sink);
+    this->end(changed_, sink);
+    this->end(retimed_, sink);
+    if (second_) {
+        sink(*second_);
+        second_.reset();
+    }
+    if (isStarted_ && deadline_ != kNoTime && end != kNoTime && end > deadline_) {
+        Finding made = finding(FindingKind::expired, last_);
+        made.place.reset();
+        made.from = end;
+        made.until = end;
+        made.expected = instantOf(deadline_);
+        made.found = instantOf(end);
+        sink(made);
+    }
+}
+
+}  // namespace TalIec61850Analysis::detail

@@ -1,0 +1,263 @@
+#include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
+#include <TalIec61850Analysis/supervision/SeenMessages.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
+#include <algorithm>
+#include <optional>
+#include <set>
+
+namespace TalIec61850Analysis::detail {
+
+namespace {
+
+/// Packets of a stream in a hole that are looked at.
+constexpr std::size_t kMostLookedAt = 4096;
+/// Frames of other streams that say that the capture was on.
+constexpr std::uint64_t kFewestFrames = 3;
+constexpr std::size_t kFewestStreams = 2;
+/// Intervals without a packet that are no jitter.
+constexpr std::int64_t kPause = 10;
+
+bool isOriginalPacket(PacketFlags flags) { return !flags.isCopy() && !flags.isDuplicate(); }
+
+/// The place in the order of time of the original packet next to one; the size where there is none.
+std::size_t nextOriginal(PacketColumns const& packets, std::size_t place) {
+    std::size_t const size = packets.timedSize();
+    while (place < size && !isOriginalPacket(packets.flags()[packets.inTimeOrder(place)])) {
+        ++place;
+    }
+    return place;
+}
+std::optional<std::size_t> originalBefore(PacketColumns const& packets, std::size_t place) {
+    while (place > 0) {
+        --place;
+        if (isOriginalPacket(packets.flags()[packets.inTimeOrder(place)])) {
+            return place;
+        }
+    }
+    return std::nullopt;
+}
+
+/// How the counters of a packet follow those of another.
+enum class Follows : std::uint8_t { next, past, other };
+
+Follows followsOf(PacketColumns const& before, std::size_t first, PacketColumns const& after,
+                  std::size_t second) {
+    if (before.protocol() == StreamProtocol::sv) {
+        constexpr std::uint32_t kMostBehind = 16;
+        std::uint32_t const was = before.smpCnts()[first];
+        std::uint32_t const is = after.smpCnts()[second];
+        if (is == was + 1 || (is == 0 && was > 0)) {
+            return Follows::next;
+        }
+        // It may have begun again.
+        return is > was || was - is > kMostBehind ? Follows::past : Follows::other;
+    }
+    MessageNumber const was{before.stNums()[first], before.sqNums()[first]};
+    MessageNumber const is{after.stNums()[second], after.sqNums()[second]};
+    if (!isLater(is, was)) {
+        return Follows::other;
+    }
+    bool const isNext = was.stNum == is.stNum
+                            ? stepsBetween(was.sqNum, is.sqNum) == 1
+                            : stepsBetween(was.stNum, is.stNum) == 1 && is.sqNum <= 1;
+    return isNext ? Follows::next : Follows::past;
+}
+
+/// The time from one frame to the next before a place, in nanoseconds; 0 where none tells.
+std::int64_t intervalBefore(PacketColumns const& packets, std::size_t place) {
+    constexpr int kFrames = 8;
+    std::size_t const last = packets.inTimeOrder(place);
+    // The intervals of GOOSE grow up to twice the one before.
+    int const wanted = packets.protocol() == StreamProtocol::sv ? kFrames : 1;
+    std::uint64_t offset = packets.frameOffsets()[last];
+    std::int64_t time = packets.times()[last];
+    int frames = 0;
+    std::size_t looked = 0;
+    for (auto before = originalBefore(packets, place);
+         before && frames < wanted && looked < kMostLookedAt;
+         before = originalBefore(packets, *before), ++looked) {
+        std::size_t const packet = packets.inTimeOrder(*before);
+        if (packets.frameOffsets()[packet] != offset) {
+            offset = packets.frameOffsets()[packet];
+            time = packets.times()[packet];
+            ++frames;
+        }
+    }
+    std::int64_t const interval = frames == 0 ? 0 : (packets.times()[last] - time) / frames;
+    return packets.protocol() == StreamProtocol::sv ? interval : shiftedTime(interval, interval);
+}
+
+}  // namespace
+
+LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& hole) const {
+    Meanwhile meanwhile;
+    TimeWindow const window{.from = CaptureTime(std::chrono::nanoseconds(hole.from + 1)), .to = {}};
+    /// The original packet before.
+    struct Before {
+        PacketColumns const* packets = nullptr;
+        std::size_t packet = 0;
+    };
+    std::optional<Before> before;
+    std::int64_t interval = 0;
+    bool isOver = false;
+    std::size_t looked = 0;
+    for (StreamPart const* const part : partsOf(stream, hole)) {
+        PacketColumns const& packets = part->packets;
+        std::size_t place = nextOriginal(packets, packets.placesIn(window).first);
+        if (auto const last = originalBefore(packets, place)) {
+            before = Before{&packets, packets.inTimeOrder(*last)};
+            interval = intervalBefore(packets, *last);
+        }
+        for (; place < packets.timedSize() && !isOver && looked < kMostLookedAt; ++looked) {
+            std::size_t const packet = packets.inTimeOrder(place);
+            isOver = packets.times()[packet] >= hole.until;
+            if (before) {
+                std::int64_t const since =
+                    packets.times()[packet] - before->packets->times()[before->packet];
+                // Whole wraps of smpCnt are not seen in it.
+                bool const isPause = packets.protocol() == StreamProtocol::sv && interval > 0 &&
+                                     since / kPause > interval &&
+                                     since > (hole.until - hole.from) / 2;
+                Follows const follows =
+                    isPause ? Follows::past
+                            : followsOf(*before->packets, before->packet, packets, packet);
+                bool const isOtherFrame =
+                    before->packets != &packets ||
+                    packets.frameOffsets()[packet] != packets.frameOffsets()[before->packet];
+                meanwhile.inSequence +=
+                    !isOver && follows == Follows::next && isOtherFrame ? 1U : 0U;
+                meanwhile.hasLost = meanwhile.hasLost || follows == Follows::past;
+            }
+            before = Before{&packets, packet};
+            place = nextOriginal(packets, place + 1);
+        }
+    }
+    bool const isThere = isOver || looked == kMostLookedAt;
+    meanwhile.isDue = isThere && interval > 0 && interval < (hole.until - hole.from) / 2;
+    return meanwhile;
+}
+
+/// What the files of a hole have of a stream, in their order of time.
+std::vector<StreamPart const*> LossWitnesses::partsOf(std::size_t stream, Hole const& hole) const {
+    std::vector<StreamPart const*> parts;
+    for (StreamPart const& part : index_.streams()[stream].parts) {
+        if (part.file == hole.firstFile) {
+            parts.insert(parts.begin(), &part);
+        } else if (part.file == hole.lastFile) {
+            parts.push_back(&part);
+        }
+    }
+    return parts;
+}
+
+std::uint64_t LossWitnesses::dropsIn(Hole const& hole) const {
+    std::uint64_t count = 0;
+    for (auto drop = std::lower_bound(
+             drops_.begin(), drops_.end(), hole.from + 1,
+             [](CaptureDrop const&a, std::int64_t time) { return a.until < time; });
+         drop != drops_.end() && drop->until <= hole.until; ++drop) {
+        bool const isOfFile = drop->file == hole.firstFile || drop->file == hole.lastFile;
+        count += isOfFile && drop->isExact ? drop->count : 0;
+    }
+    return count;
+}
+
+std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& finding, Hole const& hole,
+                                                           std::uint64_t& seen) const {
+    TrafficStream const& stream = index_.streams()[hole.stream];
+    auto const& source = stream.key.source;
+    PacketRef const before = finding.before->packet;
+    PacketRef const after = finding.place->packet;
+    PacketColumns const& first = stream.parts[before.part].packets;
+    PacketColumns const& last = stream.parts[after.part].packets;
+    auto const kind = first.flags()[before.packet].redundancy();
+    if (!source || kind == Redundancy::none || last.flags()[after.packet].redundancy() != kind) {
+        return std::nullopt;
+    }
+    std::uint16_t const start = first.redundancySequences()[before.packet];
+    auto const width = static_cast<std::uint16_t>(last.redundancySequences()[after.packet] - start);
+    if (width == 0) {
+        return std::nullopt;
+    }
+    // Numbers of all that the source sent meanwhile, as far as it is GOOSE or SV.
+    std::set<std::uint16_t> numbers;
+    TimeWindow const window{.from = CaptureTime(std::chrono::nanoseconds(hole.from)),
+                            .to = CaptureTime(std::chrono::nanoseconds(hole.until))};
+    for (TrafficStream const& other : index_.streams()) {
+        if (other.key.source != source) {
+            continue;
+        }
+        for (StreamPart const& part : other.parts) {
+            if (part.file != hole.firstFile && part.file != hole.lastFile) {
+                continue;
+            }
+            auto const [begin, end] = part.packets.placesIn(window);
+            if (end - begin > kMostLookedAt) {
+                return std::nullopt;
+            }
+            for (std::size_t place = begin; place < end; ++place) {
+                std::size_t const packet = part.packets.inTimeOrder(place);
+                auto const away =
+                    static_cast<std::uint16_t>(part.packets.redundancySequences()[packet] - start);
+                if (part.packets.flags()[packet].redundancy() == kind && away > 0 && away < width) {
+                    numbers.insert(away);
+                }
+            }
+        }
+    }
+    seen = numbers.size();
+    return std::uint64_t{width} - 1 - numbers.size();
+}
+
+void LossWitnesses::judge(Finding& finding) const {
+    finding.cause = LossCause::unknown;
+    if (!finding.stream || !finding.place || !finding.before || finding.place->time == kNoTime ||
+        finding.before->time == kNoTime || finding.before->time >= finding.place->time) {
+        return;
+    }
+    Hole const hole{.stream = *finding.stream,
+                    .from = finding.before->time,
+                    .until = finding.place->time,
+                    .firstFile = finding.before->file,
+                    .lastFile = finding.place->file};
+    auto const settle = [&](LossCause cause, LossWitness witness, std::uint64_t frames) {
+        finding.cause = cause;
+        finding.witness = witness;
+        finding.witnessFrames = frames;
+    };
+    std::uint64_t seen = 0;
+    auto const missing = missingNumbers(finding, hole, seen);
+    if (missing && *missing == 0) {
+        settle(LossCause::publisher, LossWitness::redundancyRanOn, seen + 2);
+        return;
+    }
+    if (std::uint64_t const drops = dropsIn(hole); drops > 0) {
+        settle(LossCause::capture, LossWitness::dropCounts, drops);
+        return;
+    }
+    std::size_t due = 0;
+    std::size_t lost = 0;
+    std::uint64_t inSequence = 0;
+    std::uint64_t inSequenceOfOthers = 0;
+    for (std::size_t stream = 0; stream < index_.streams().size(); ++stream) {
+        if (stream == hole.stream) {
+            continue;
+        }
+        Meanwhile const meanwhile = lookAt(stream, hole);
+        due += meanwhile.isDue ? 1U : 0U;
+        lost += meanwhile.isDue && meanwhile.hasLost ? 1U : 0U;
+        inSequence += meanwhile.inSequence;
+        if (index_.streams()[stream].key.source != index_.streams()[hole.stream].key.source) {
+            inSequenceOfOthers += meanwhile.inSequence;
+        }
+    }
+    if (due >= kFewestStreams && lost == due) {
+        settle(LossCause::capture, LossWitness::otherStreamsLost, lost);
+    } else if (missing && *missing >= 1 && inSequenceOfOthers > 0) {
+        settle(LossCause::network, LossWitness::redundancyGap, *missing);
+    } else if (inSequence >= kFewestFrames) {
+        settle(LossCause::network, LossWitness::otherStreamsRanOn, inSequence);
+    }
+}
+
+}  // namespace TalIec61850Analysis::detail

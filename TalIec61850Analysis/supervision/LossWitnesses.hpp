@@ -1,0 +1,57 @@
+#pragma once
+
+// Internal: who lost what is missing.
+
+#include <TalIec61850Analysis/supervision/CaptureDrops.hpp>
+#include <TalIec61850Analysis/supervision/Finding.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace TalIec61850Analysis::detail {
+
+/// Asks all that came between the packet before a gap and the one after it.
+class LossWitnesses {
+public:
+    /// Both must outlive this.
+    LossWitnesses(TrafficIndex const& index, std::vector<CaptureDrop> const& drops)
+        : index_(index), drops_(drops) {}
+
+    /// Sets cause and witness of a gap of a stream.
+    /// @param finding  with both packets, and their files
+    void judge(Finding& finding) const;
+
+private:
+    /// The time between the two packets, and where it is looked at.
+    struct Hole {
+        std::size_t stream = 0;
+        std::int64_t from = 0;
+        std::int64_t until = 0;
+        std::uint32_t firstFile = 0;
+        std::uint32_t lastFile = 0;
+    };
+    /// What one stream did meanwhile.
+    struct Meanwhile {
+        /// Packets that go on from the one before.
+        std::uint64_t inSequence = 0;
+        bool hasLost = false;
+        /// Whether it should have sent, and may be asked.
+        bool isDue = false;
+    };
+
+    [[nodiscard]] Meanwhile lookAt(std::size_t stream, Hole const& hole) const;
+    [[nodiscard]] std::vector<StreamPart const*> partsOf(std::size_t stream,
+                                                         Hole const& hole) const;
+    [[nodiscard]] std::uint64_t dropsIn(Hole const& hole) const;
+    /// How many redundancy numbers of the source are missing; not set where it has none.
+    [[nodiscard]] std::optional<std::uint64_t> missingNumbers(Finding const& finding,
+                                                              Hole const& hole,
+                                                              std::uint64_t& seen) const;
+
+    TrafficIndex const& index_;
+    std::vector<CaptureDrop> const& drops_;
+};
+
+}  // namespace TalIec61850Analysis::detail

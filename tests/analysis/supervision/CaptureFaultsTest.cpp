@@ -1,0 +1,185 @@
+// Faults of captures, not of streams; and one history over several files.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "analysis/supervision/FoundIn.hpp"
+#include "support/Station.hpp"
+
+namespace TalTest {
+namespace {
+
+using namespace TalIec61850Analysis;
+
+constexpr std::int64_t kMillisecond = 1'000'000;
+constexpr std::int64_t kSecond = 1'000'000'000;
+
+FaultyStation fullStation() {
+    FaultyStation station;
+    station.add({.svID = "MU01", .frames = 8000});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 8000, .start = 60'000});
+    station.add(GoosePlan{.firstMessage = 100, .states = {20}, .start = 70'000});
+    return station;
+}
+
+TEST(CaptureFaults, AreNoneInTheTrafficOfAStation) {
+    std::ostringstream out;
+    // Past a fault of the line, which the relays report, and several seconds of samples.
+    writeStation(out, CaptureVariant::microLittle, 60'000);
+    std::string const octets = out.str();
+    EXPECT_TRUE(findingsIn({Bytes(octets.begin(), octets.end())}).empty());
+}
+
+TEST(CaptureFaults, TellsStepsOfItsClock) {
+    for (std::int64_t const step : {-5 * kSecond, 5 * kSecond, 90 * kMillisecond,
+                                    -90 * kMillisecond, 600 * kSecond, kSecond}) {
+        auto station = fullStation();
+        station.stepClock(1200 * kMillisecond, step);
+        EXPECT_EQ(foundIn(station), (Lines{"clockStep MU01 #4800"})) << step;
+    }
+}
+
+TEST(CaptureFaults, AreNoStepWhereMessagesAreMissing) {
+    auto station = fullStation();
+    station.dropBetween(500 * kMillisecond, 1500 * kMillisecond);
+    EXPECT_EQ(foundIn(station),
+              (Lines{"captureGap MU01 #6000 after #1999 lost 8010 capture",
+                     "sampleGap MU01 #6000 after #1999 lost 4000 capture",
+                     "sampleGap MU02 #6000 after #1999 lost 4000 capture",
+                     "sqNumGap RELAY1LD0/LLN0$GO$gcb1 #15 after #4 lost 10 capture",
+                     "expired RELAY1LD0/LLN0$GO$gcb1 #15 after #4"}));
+}
+
+TEST(CaptureFaults, TellsWholeSecondsThatOneStreamLost) {
+    auto station = fullStation();
+    station.drop(1, 2000, 4000);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #6000 after #1999 lost 4000 network"}));
+}
+
+TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
+    auto station = fullStation();
+    station.stepClock(1200 * kMillisecond, -7 * kSecond);
+    auto const findings = findingsIn(station.captures());
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings.front().found, FindingValue(-7 * kSecond));
+}
+
+TEST(CaptureFaults, SeesFaultsAfterAStepOfItsClock) {
+    auto station = fullStation();
+    station.stepClock(1200 * kMillisecond, 20 * kSecond);
+    station.drop(0, 7000, 3);
+    EXPECT_EQ(foundIn(station),
+              (Lines{"clockStep MU01 #4800", "sampleGap MU01 #7003 after #6999 lost 3 network"}));
+}
+
+TEST(CaptureFaults, TellsRecordsThatWereCut) {
+    auto station = fullStation();
+    auto captures = station.captures();
+    captures.front().resize(captures.front().size() - 20);
+    auto const findings = findingsIn(captures);
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings.front().kind, FindingKind::fileEndsInRecord);
+    EXPECT_EQ(findings.front().severity(), Severity::note);
+}
+
+TEST(CaptureFaults, TellsFramesThatCannotBeRead) {
+    auto station = fullStation();
+    for (std::size_t number = 100; number < 103; ++number) {
+        station.goose(2, number % 20).gocbRef.reset();
+    }
+    auto const findings = findingsIn(station.captures());
+    std::size_t unread = 0;
+    for (Finding const& finding : findings) {
+        if (finding.kind == FindingKind::unreadable) {
+            ++unread;
+            EXPECT_EQ(finding.reason, UnreadReason::noName);
+            EXPECT_EQ(finding.protocol, StreamProtocol::goose);
+        }
+    }
+    EXPECT_EQ(unread, 3U);
+}
+
+/// Faults of all kinds, some at the borders of files.
+FaultyStation faultyStation() {
+    auto station = fullStation();
+    station.drop(0, 3999, 2).drop(1, 5999).repeat(1, 4000, 20'000).delay(0, 6000, 300'000);
+    station.drop(2, 5).repeat(2, 11, kMillisecond);
+    return station;
+}
+
+TEST(CaptureFaults, AreTheSameInOneFileAndInMany) {
+    auto whole = faultyStation();
+    auto const lines = foundIn(whole);
+    EXPECT_GE(lines.size(), 6U);
+    auto split = faultyStation();
+    split.splitAt(kSecond).splitAt(kSecond * 3 / 2).splitAt(kSecond * 3 / 2 + 100 * kMillisecond);
+    EXPECT_EQ(foundIn(split), lines);
+}
+
+TEST(CaptureFaults, AreToldOnceWhereFilesOverlap) {
+    auto whole = faultyStation();
+    auto const lines = foundIn(whole);
+    auto split = faultyStation();
+    split.splitAt(kSecond).overlap(kSecond - 50 * kMillisecond, kSecond);
+    EXPECT_EQ(foundIn(split), lines);
+}
+
+TEST(CaptureFaults, AreTheSameInAnyOrderOfFiles) {
+    auto split = faultyStation();
+    split.splitAt(kSecond).splitAt(kSecond * 3 / 2);
+    auto captures = split.captures();
+    auto const inOrder = findingsIn(captures);
+    std::swap(captures.front(), captures.back());
+    auto const inDisorder = findingsIn(captures);
+    ASSERT_EQ(inOrder.size(), inDisorder.size());
+    for (std::size_t i = 0; i < inOrder.size(); ++i) {
+        EXPECT_EQ(inOrder[i].kind, inDisorder[i].kind);
+        EXPECT_EQ(inOrder[i].from, inDisorder[i].from);
+        EXPECT_EQ(inOrder[i].lost, inDisorder[i].lost);
+        EXPECT_EQ(inOrder[i].cause, inDisorder[i].cause);
+    }
+}
+
+TEST(CaptureFaults, AreNoneOfASecondTap) {
+    auto station = fullStation();
+    auto const own = station.frames();
+    for (StationFrame frame : own) {
+        frame.time += 7'000;
+        frame.file = 1;
+        station.frames().push_back(frame);
+    }
+    EXPECT_EQ(foundIn(station), Lines());
+}
+
+TEST(CaptureFaults, AreLossesWhereBothTapsLackAPacket) {
+    auto station = fullStation();
+    station.drop(0, 4321);
+    auto const own = station.frames();
+    for (StationFrame frame : own) {
+        bool const isLostHere = frame.stream == 1 && frame.number == 555;
+        frame.time += 7'000;
+        frame.file = 1;
+        if (!isLostHere) {
+            station.frames().push_back(frame);
+        }
+    }
+    std::erase_if(station.frames(), [](StationFrame const& frame) {
+        return frame.file == 0 && frame.stream == 1 && frame.number == 777;
+    });
+    auto const lines = foundIn(station, {.jitter = kSecond, .withSamples = false, .stop = {}});
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines.front().substr(0, 39), "sampleGap MU01 #4322 after #4320 lost 1");
+}
+
+TEST(CaptureFaults, HandsOnNothingAfterAStop) {
+    auto station = faultyStation();
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_TRUE(findingsIn(station.captures(),
+                           {.jitter = {}, .withSamples = false, .stop = stop.get_token()})
+                    .empty());
+}
+
+}  // namespace
+}  // namespace TalTest

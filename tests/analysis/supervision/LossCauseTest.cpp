@@ -1,0 +1,146 @@
+// Who lost what is missing, by what came meanwhile.
+
+#include <gtest/gtest.h>
+
+#include "analysis/supervision/FoundIn.hpp"
+#include "support/PcapngMaker.hpp"
+
+namespace TalTest {
+namespace {
+
+constexpr std::int64_t kMillisecond = 1'000'000;
+
+/// Three merging units of three sources.
+FaultyStation threeUnits(std::optional<std::int64_t> prpDelay = {}) {
+    FaultyStation station;
+    for (std::size_t unit = 0; unit < 3; ++unit) {
+        std::string const number = std::to_string(unit + 1);
+        station.add({.svID = "MU0" + number,
+                     .source = "02:00:00:00:00:0" + number,
+                     .start = static_cast<std::int64_t>(unit) * 60'000,
+                     .prpDelay = prpDelay});
+    }
+    return station;
+}
+
+TEST(LossCause, IsTheCaptureWhereAllStreamsLose) {
+    auto station = threeUnits();
+    station.dropBetween(500 * kMillisecond, 520 * kMillisecond);
+    EXPECT_EQ(foundIn(station), (Lines{"captureGap MU01 #2080 after #1999 lost 240 capture",
+                                       "sampleGap MU01 #2080 after #1999 lost 80 capture",
+                                       "sampleGap MU02 #2080 after #1999 lost 80 capture",
+                                       "sampleGap MU03 #2080 after #1999 lost 80 capture"}));
+}
+
+TEST(LossCause, IsTheNetworkWhereOthersRunOn) {
+    auto station = threeUnits();
+    station.drop(1, 1000, 5);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #1005 after #999 lost 5 network"}));
+}
+
+TEST(LossCause, IsUnknownWhereTooLittleCameMeanwhile) {
+    auto station = threeUnits();
+    station.drop(2, 1000);
+    // Between two frames there are two of each of the other streams.
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU03 #1001 after #999 lost 1 network"}));
+    FaultyStation two;
+    two.add(SvPlan{});
+    two.add({.svID = "MU02", .source = "02:00:00:00:00:02", .start = 60'000});
+    two.drop(0, 1000);
+    EXPECT_EQ(foundIn(two), (Lines{"sampleGap MU01 #1001 after #999 lost 1"}));
+}
+
+TEST(LossCause, IsUnknownWithOneStream) {
+    FaultyStation station;
+    station.add(SvPlan{});
+    station.drop(0, 1000, 100);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #1100 after #999 lost 100"}));
+}
+
+TEST(LossCause, IsThePublisherWhereItsRedundancyNumbersRunOn) {
+    auto station = threeUnits(20'000);
+    // The numbers go on as if the frames had not been.
+    for (StationFrame& frame : station.frames()) {
+        if (frame.stream == 1 && frame.number >= 1005) {
+            frame.ethernet.prpSequence = static_cast<std::uint16_t>(frame.ethernet.prpSequence - 5);
+        }
+    }
+    station.drop(1, 1000, 5);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #1005 after #999 lost 5 publisher"}));
+}
+
+TEST(LossCause, IsTheNetworkWhereTheRedundancyNumbersHaveTheSameGap) {
+    auto station = threeUnits(20'000);
+    station.drop(1, 1000, 1);
+    auto const findings = findingsIn(station.captures());
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings.front().cause, TalIec61850Analysis::LossCause::network);
+    EXPECT_EQ(findings.front().witness, TalIec61850Analysis::LossWitness::redundancyGap);
+    EXPECT_EQ(findings.front().witnessFrames, 1U);
+}
+
+TEST(LossCause, TellsBothAtOnceApart) {
+    auto station = threeUnits();
+    station.drop(1, 1000, 50).dropBetween(500 * kMillisecond, 520 * kMillisecond);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #1050 after #999 lost 50 network",
+                                       "captureGap MU01 #2080 after #1999 lost 240 capture",
+                                       "sampleGap MU01 #2080 after #1999 lost 80 capture",
+                                       "sampleGap MU02 #2080 after #1999 lost 80 capture",
+                                       "sampleGap MU03 #2080 after #1999 lost 80 capture"}));
+}
+
+TEST(LossCause, IsTheCaptureWhereItsCountsSaySo) {
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.drop(0, 500, 7);
+    PcapngMaker maker;
+    maker.section().interface(1, 0, maker.timeOptions(9));
+    constexpr std::uint16_t kDropCount = 4;
+    for (StationFrame const& frame : station.frames()) {
+        PcapngMaker::Packet packet;
+        packet.time = static_cast<std::uint64_t>(FaultyStation::timeOf(frame));
+        packet.frame = svFrame(frame.ethernet, std::get<SvMessage>(frame.message));
+        if (frame.number == 507) {
+            packet.options = maker.numberOption(kDropCount, 7);
+        }
+        maker.packet(packet);
+    }
+    auto const findings = findingsIn({maker.bytes()});
+    using namespace TalIec61850Analysis;
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[1].kind, FindingKind::sampleGap);
+    EXPECT_EQ(findings[1].cause, LossCause::capture);
+    EXPECT_EQ(findings[1].witness, LossWitness::dropCounts);
+    EXPECT_EQ(findings[1].witnessFrames, 7U);
+    EXPECT_EQ(findings[0].kind, FindingKind::captureDropped);
+    EXPECT_EQ(findings[0].lost, 7U);
+    EXPECT_EQ(findings[1].from, findings[0].from);
+}
+
+TEST(LossCause, IsToldOfCountsOfInterfaces) {
+    FaultyStation station;
+    station.add({.frames = 1000});
+    PcapngMaker maker;
+    maker.section().interface(1, 0, maker.timeOptions(9));
+    constexpr std::uint16_t kInterfaceDrops = 5;
+    for (StationFrame const& frame : station.frames()) {
+        PcapngMaker::Packet packet;
+        packet.time = static_cast<std::uint64_t>(FaultyStation::timeOf(frame));
+        packet.frame = svFrame(frame.ethernet, std::get<SvMessage>(frame.message));
+        maker.packet(packet);
+        if (frame.number == 400) {
+            maker.statistics(0, maker.numberOption(kInterfaceDrops, 4));
+        }
+    }
+    maker.statistics(0, maker.numberOption(kInterfaceDrops, 9));
+    auto const findings = findingsIn({maker.bytes()});
+    using namespace TalIec61850Analysis;
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].kind, FindingKind::captureDropped);
+    EXPECT_EQ(findings[0].lost, 4U);
+    EXPECT_EQ(findings[1].kind, FindingKind::captureDropped);
+    EXPECT_EQ(findings[1].lost, 5U);
+}
+
+}  // namespace
+}  // namespace TalTest
