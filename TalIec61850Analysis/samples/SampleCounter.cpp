@@ -11,7 +11,7 @@ namespace {
 /// What the clock of a capture, and the way to it, may be wrong by from one packet to the next.
 constexpr double kClockStep = 100e6;
 /// A pause in nanoseconds: nothing is taken for lost.
-constexpr double kPause = 600e9;
+constexpr double kLongPause = 600e9;
 /// A frame may come so many frames sooner than the ones lost before it would have it.
 constexpr double kEarlyFrames = 4;
 
@@ -62,7 +62,7 @@ CountStep SampleCounter::addUnusual(std::uint32_t smpCnt, std::int64_t arrival) 
     }
 
     double const since = static_cast<double>(arrival) - static_cast<double>(arrival_);
-    if (since > kPause) {
+    if (since > kLongPause) {
         return CountStep::pause;
     }
     double const passed = since / rule_.interval;  // in samples

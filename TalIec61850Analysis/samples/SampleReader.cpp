@@ -13,17 +13,19 @@ namespace {
 
 /// Octets of a block, about.
 constexpr std::size_t kBlockOctets = std::size_t{512} << 10U;
-constexpr std::size_t kMostRows = 4096;
+constexpr std::size_t kMostBlockRows = 4096;
 constexpr std::size_t kFewestRows = 16;
 
-std::int64_t nanosecondsOf(CaptureTime time) { return time.time_since_epoch().count(); }
+std::optional<std::int64_t> boundOf(std::optional<CaptureTime> const& time) {
+    return time ? std::optional(time->time_since_epoch().count()) : std::nullopt;
+}
 
 /// How many rows a block of such samples has at most.
 std::size_t rowsOf(std::size_t dataSize) {
     constexpr std::size_t kOtherColumns = 64;
     // A value of an octet is kept in four.
     std::size_t const row = kOtherColumns + 4 * dataSize;
-    return std::clamp(kBlockOctets / row, kFewestRows, kMostRows);
+    return std::clamp(kBlockOctets / row, kFewestRows, kMostBlockRows);
 }
 
 }  // namespace
@@ -31,8 +33,8 @@ std::size_t rowsOf(std::size_t dataSize) {
 struct SampleReader::State {
     State(TrafficIndex const& index, TrafficStream const& stream, SampleOptions&& given)
         : stream_(stream),
-          from_(given.from ? std::optional(nanosecondsOf(*given.from)) : std::nullopt),
-          end_(given.end ? std::optional(nanosecondsOf(*given.end)) : std::nullopt),
+          from_(boundOf(given.from)),
+          end_(boundOf(given.end)),
           sequence_(index, stream, given.rate, given.rows == SampleRows::everySample),
           attributes_(index, stream),
           asdus_(index, stream),

@@ -10,7 +10,7 @@ constexpr std::int64_t kSecondNs = 1'000'000'000;
 /// How far the clock of a capture may be ahead of that of a publisher.
 constexpr std::int64_t kClockAhead = 100'000'000;
 /// smpSynch of a publisher that is synchronized to a global clock.
-constexpr std::uint8_t kGlobal = 2;
+constexpr std::uint8_t kGlobalSynch = 2;
 
 std::int64_t floorTo(std::int64_t value, std::int64_t unit) {
     std::int64_t const rest = value % unit;
@@ -295,7 +295,7 @@ void SampleSequence::setTime(SequencedSample& sample) {
     }
     PacketColumns const& packets = stream_.parts[sample.packet.part].packets;
     bool const isGlobal =
-        runRate_.countsSeconds && packets.smpSynchs()[sample.packet.packet] == kGlobal &&
+        runRate_.countsSeconds && packets.smpSynchs()[sample.packet.packet] == kGlobalSynch &&
         packets.flags()[sample.packet.packet].secondCounter() == CounterState::held;
     if (isGlobal && !second_) {
         fixSecond(sample);

@@ -26,21 +26,18 @@ using TalIec61850Analysis::SampleTimeSource;
 
 namespace {
 
-using Row = SampleRow const&;
+using Sampled = SampleRow const&;
 
-std::optional<CaptureTime> timeOf(std::int64_t nanoseconds) {
-    return nanoseconds == kNoTime
-               ? std::nullopt
-               : std::optional(CaptureTime(std::chrono::nanoseconds(nanoseconds)));
+std::optional<CaptureTime> timeOf(std::int64_t time) {
+    return time == kNoTime ? std::nullopt
+                           : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
 }
 
-Cell nanosecondsCell(std::int64_t nanoseconds) {
-    return nanoseconds == kNoTime ? Cell() : Cell(nanoseconds);
-}
+Cell nanosecondsCell(std::int64_t time) { return time == kNoTime ? Cell() : Cell(time); }
 
-Cell timeTextCell(std::int64_t nanoseconds) {
+Cell timeTextCell(std::int64_t time) {
     // Dates before 1970 and after 2262 are no times of captures; a fit may lead there.
-    return nanoseconds < 0 ? Cell() : timeCell(timeOf(nanoseconds));
+    return time < 0 ? Cell() : timeCell(timeOf(time));
 }
 
 Cell timeSourceCell(SampleTimeSource source) {
@@ -56,39 +53,40 @@ Cell timeSourceCell(SampleTimeSource source) {
     }
 }
 
-Cell positionCell(Row row) {
+Cell asduPlaceCell(Sampled row) {
     return row.isMissing() ? Cell() : Cell(row.block->places[row.row].fileOffset);
 }
 
-Cell smpCntCell(Row row) {
+Cell smpCntCell(Sampled row) {
     return row.block->states[row.row] == SampleState::uncounted ? Cell()
                                                                 : Cell(row.block->smpCnts[row.row]);
 }
 
-Cell smpSynchCell(Row row) {
+Cell smpSynchCell(Sampled row) {
     auto const synch = row.block->smpSynchs[row.row];
     return synch == SampleBlock::kNoSynch ? Cell() : Cell(synch);
 }
 
-void const* streamOf(Row row) { return row.stream; }
-void const* fileOf(Row row) { return row.file; }
+void const* sampledStream(Sampled row) { return row.stream; }
+void const* sampledFile(Sampled row) { return row.file; }
 
 std::vector<Field<SampleRow>> commonFields() {
     return {
-        {"time", [](Row r) { return timeTextCell(r.block->arrivals[r.row]); }},
-        {"timeNs", [](Row r) { return nanosecondsCell(r.block->arrivals[r.row]); }},
-        {"sampleTime", [](Row r) { return timeTextCell(r.block->sampleTimes[r.row]); }},
-        {"sampleTimeNs", [](Row r) { return nanosecondsCell(r.block->sampleTimes[r.row]); }},
-        {"sampleTimeSource", [](Row r) { return timeSourceCell(r.block->timeSources[r.row]); }},
-        {"file", [](Row r) -> Cell { return *r.file; }, fileOf},
-        {"position", positionCell},
-        {"source", [](Row r) { return addressCell(r.stream->key.source); }, streamOf},
-        {"svID", [](Row r) -> Cell { return std::string_view(r.stream->key.name); }, streamOf},
-        {"appId", [](Row r) { return appIdCell(r.stream->key.appId); }, streamOf},
-        {"asdu", [](Row r) -> Cell { return r.block->places[r.row].asdu + 1U; }},
+        {"time", [](Sampled r) { return timeTextCell(r.block->arrivals[r.row]); }},
+        {"timeNs", [](Sampled r) { return nanosecondsCell(r.block->arrivals[r.row]); }},
+        {"sampleTime", [](Sampled r) { return timeTextCell(r.block->sampleTimes[r.row]); }},
+        {"sampleTimeNs", [](Sampled r) { return nanosecondsCell(r.block->sampleTimes[r.row]); }},
+        {"sampleTimeSource", [](Sampled r) { return timeSourceCell(r.block->timeSources[r.row]); }},
+        {"file", [](Sampled r) -> Cell { return *r.file; }, sampledFile},
+        {"position", asduPlaceCell},
+        {"source", [](Sampled r) { return addressCell(r.stream->key.source); }, sampledStream},
+        {"svID", [](Sampled r) -> Cell { return std::string_view(r.stream->key.name); },
+         sampledStream},
+        {"appId", [](Sampled r) { return appIdCell(r.stream->key.appId); }, sampledStream},
+        {"asdu", [](Sampled r) -> Cell { return r.block->places[r.row].asdu + 1U; }},
         {"smpCnt", smpCntCell},
         {"smpSynch", smpSynchCell},
-        {"missing", [](Row r) -> Cell { return r.isMissing(); }},
+        {"missing", [](Sampled r) -> Cell { return r.isMissing(); }},
     };
 }
 
@@ -109,7 +107,7 @@ void appendReal(std::string& text, std::floating_point auto value, bool isJson) 
     }
 }
 
-void appendValue(std::string& text, Row row, std::size_t channel, bool isJson) {
+void appendValue(std::string& text, Sampled row, std::size_t channel, bool isJson) {
     std::visit(
         [&](auto const& values) {
             auto const value = values[row.row];
@@ -126,7 +124,7 @@ void appendValue(std::string& text, Row row, std::size_t channel, bool isJson) {
 
 /// Appends the word, if the channel has one.
 /// @return whether it has
-bool appendQuality(std::string& text, Row row, std::size_t channel) {
+bool appendQuality(std::string& text, Sampled row, std::size_t channel) {
     auto const& qualities = row.block->channels[channel].qualities;
     if (qualities.empty()) {
         return false;
@@ -135,7 +133,7 @@ bool appendQuality(std::string& text, Row row, std::size_t channel) {
     return true;
 }
 
-std::string hexText(Row row) {
+std::string hexText(Sampled row) {
     std::string text;
     for (std::uint8_t const octet : row.block->octetsOf(row.row)) {
         text += fmt::format("{:02x}", octet);
@@ -149,7 +147,7 @@ public:
     explicit ChannelTexts(SampleForm const& form) : form_(form) {}
 
     /// Of csv: value and quality of each channel, with commas between them.
-    [[nodiscard]] ReadyText columns(Row row) {
+    [[nodiscard]] ReadyText columns(Sampled row) {
         text_.clear();
         bool isFirst = true;
         for (std::size_t const channel : form_.channels) {
@@ -170,7 +168,7 @@ public:
     }
 
     /// Of json: the values as an array.
-    [[nodiscard]] ReadyText values(Row row) {
+    [[nodiscard]] ReadyText values(Sampled row) {
         text_.clear();
         if (row.isMissing()) {
             return {"null"};
@@ -184,7 +182,7 @@ public:
     }
 
     /// Of json: the quality words as an array.
-    [[nodiscard]] ReadyText qualities(Row row) {
+    [[nodiscard]] ReadyText qualities(Sampled row) {
         text_.clear();
         if (row.isMissing() || row.isOctets() || !row.block->layout.layout->hasQuality()) {
             return {"null"};
@@ -198,7 +196,7 @@ public:
     }
 
     /// The value of one channel. Octets take the place of the first.
-    [[nodiscard]] Cell value(Row row, std::size_t channel) {
+    [[nodiscard]] Cell value(Sampled row, std::size_t channel) {
         text_.clear();
         if (row.isMissing()) {
             return {};
@@ -215,7 +213,7 @@ public:
 
 private:
     template <typename Append>
-    void appendArray(Row row, Append const& append) {
+    void appendArray(Sampled row, Append const& append) {
         text_ += '[';
         for (std::size_t const channel : form_.channels) {
             if (channel < row.block->channels.size()) {
@@ -230,11 +228,11 @@ private:
     std::string text_;
 };
 
-bool hasChannel(Row row) { return !row.isMissing() && !row.isOctets(); }
+bool hasChannel(Sampled row) { return !row.isMissing() && !row.isOctets(); }
 
-Cell channelNumberCell(Row row) { return hasChannel(row) ? Cell(row.channel + 1) : Cell(); }
+Cell channelNumberCell(Sampled row) { return hasChannel(row) ? Cell(row.channel + 1) : Cell(); }
 
-Cell channelNameCell(Row row) {
+Cell channelNameCell(Sampled row) {
     if (!hasChannel(row)) {
         return {};
     }
@@ -242,7 +240,7 @@ Cell channelNameCell(Row row) {
     return meanings.empty() ? Cell() : Cell(std::string_view(meanings[row.channel].name));
 }
 
-std::optional<std::uint32_t> qualityOf(Row row, std::size_t channel) {
+std::optional<std::uint32_t> qualityOf(Sampled row, std::size_t channel) {
     if (channel >= row.block->channels.size()) {
         return std::nullopt;
     }
@@ -250,12 +248,12 @@ std::optional<std::uint32_t> qualityOf(Row row, std::size_t channel) {
     return qualities.empty() ? std::nullopt : std::optional(qualities[row.row]);
 }
 
-Cell channelQualityCell(Row row, std::size_t channel) {
+Cell channelQualityCell(Sampled row, std::size_t channel) {
     auto const quality = hasChannel(row) ? qualityOf(row, channel) : std::nullopt;
     return quality ? Cell(*quality) : Cell();
 }
 
-Cell channelQualityTextCell(Row row) {
+Cell channelQualityTextCell(Sampled row) {
     auto const quality = hasChannel(row) ? qualityOf(row, row.channel) : std::nullopt;
     return quality ? Cell(toText(SampleQuality{*quality})) : Cell();
 }
@@ -290,16 +288,16 @@ void addChannelFields(std::vector<Field<SampleRow>>& fields, SampleForm const& f
     }
     for (std::size_t i = 0; i < names->size(); ++i) {
         std::size_t const channel = form.channels[i];
-        fields.push_back({(*names)[i].first, [texts, names, channel](Row r) -> Cell {
+        fields.push_back({(*names)[i].first, [texts, names, channel](Sampled r) -> Cell {
                               return texts->value(r, channel);
                           }});
         fields.push_back({(*names)[i].second,
-                          [channel](Row r) -> Cell { return channelQualityCell(r, channel); }});
+                          [channel](Sampled r) -> Cell { return channelQualityCell(r, channel); }});
     }
 }
 
 /// Of a table: "good" where all are, else the channels that are not.
-Cell qualitySummaryCell(Row row, SampleForm const& form) {
+Cell qualitySummaryCell(Sampled row, SampleForm const& form) {
     if (!hasChannel(row) || !row.block->layout.layout->hasQuality()) {
         return {};
     }
@@ -316,7 +314,7 @@ Cell qualitySummaryCell(Row row, SampleForm const& form) {
     return text.empty() ? std::string("good") : text;
 }
 
-Cell tableValueCell(Row row, std::size_t channel) {
+Cell tableValueCell(Sampled row, std::size_t channel) {
     if (row.isMissing()) {
         return {};
     }
@@ -331,7 +329,9 @@ Cell tableValueCell(Row row, std::size_t channel) {
     return text;
 }
 
-Cell missingMark(Row row) { return row.isMissing() ? Cell(std::string_view("missing")) : Cell(); }
+Cell missingMark(Sampled row) {
+    return row.isMissing() ? Cell(std::string_view("missing")) : Cell();
+}
 
 std::vector<Column<SampleRow>> tableColumns(std::vector<Field<SampleRow>> const& fields,
                                             SampleForm const& form) {
@@ -358,10 +358,10 @@ std::vector<Column<SampleRow>> tableColumns(std::vector<Field<SampleRow>> const&
         std::string const name = channelName(form, channel);
         columns.push_back(
             {{name.empty() ? std::to_string(channel + 1) : name, Align::right, {.rank = rank++}},
-             [channel](Row r) { return tableValueCell(r, channel); }});
+             [channel](Sampled r) { return tableValueCell(r, channel); }});
     }
     columns.push_back({{"QUALITY", Align::left, {.rank = rank, .least = 4}},
-                       [&form](Row r) { return qualitySummaryCell(r, form); }});
+                       [&form](Sampled r) { return qualitySummaryCell(r, form); }});
     return columns;
 }
 
@@ -374,18 +374,18 @@ RowLayout<SampleRow> sampleRowLayout(SampleForm const& form) {
     if (form.isLong) {
         fields.push_back({"channel", channelNumberCell});
         fields.push_back({"name", channelNameCell});
-        fields.push_back({"value", [texts](Row r) { return texts->value(r, r.channel); }});
-        fields.push_back({"quality", [](Row r) { return channelQualityCell(r, r.channel); }});
+        fields.push_back({"value", [texts](Sampled r) { return texts->value(r, r.channel); }});
+        fields.push_back({"quality", [](Sampled r) { return channelQualityCell(r, r.channel); }});
         fields.push_back({"qualityText", channelQualityTextCell});
     } else if (form.format == Format::csv || form.format == Format::spreadsheet) {
         if (!form.channels.empty() && !form.hasFieldPerChannel) {
             auto const names = std::make_shared<std::string>();
             fields.push_back({columnNames(form, *names),
-                              [texts, names](Row r) -> Cell { return texts->columns(r); }});
+                              [texts, names](Sampled r) -> Cell { return texts->columns(r); }});
         }
     } else {
-        fields.push_back({"values", [texts](Row r) -> Cell { return texts->values(r); }});
-        fields.push_back({"quality", [texts](Row r) -> Cell { return texts->qualities(r); }});
+        fields.push_back({"values", [texts](Sampled r) -> Cell { return texts->values(r); }});
+        fields.push_back({"quality", [texts](Sampled r) -> Cell { return texts->qualities(r); }});
     }
     if (form.hasFieldPerChannel && !form.isLong) {
         addChannelFields(fields, form, texts);
