@@ -23,8 +23,11 @@ std::uint32_t word(std::uint8_t const* octets) {
 
 /// A number of some octets with its sign.
 std::int64_t withSign(std::uint64_t value, std::size_t size) {
-    unsigned const unused = 64U - 8U * static_cast<unsigned>(size);
-    return static_cast<std::int64_t>(value << unused) >> unused;
+    if (size == 0 || size > sizeof value) {
+        return 0;
+    }
+    std::uint64_t const sign = std::uint64_t{1} << (8 * size - 1);
+    return static_cast<std::int64_t>((value ^ sign) - sign);
 }
 
 bool isPlain(SampleChannel const& channel) {

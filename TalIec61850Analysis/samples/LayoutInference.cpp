@@ -44,7 +44,7 @@ void LayoutInference::Words::add(std::uint32_t word) {
         return;
     }
     isZero = false;
-    float const magnitude = std::bit_cast<float>(word & 0x7FFFFFFFU);
+    auto const magnitude = std::bit_cast<float>(word & 0x7FFFFFFFU);
     areFloats = areFloats && magnitude >= kSmallest && magnitude <= kLargest;
     auto const exponent = static_cast<std::uint8_t>(word >> 23U & 0xFFU);
     leastExponent = std::min(leastExponent, exponent);

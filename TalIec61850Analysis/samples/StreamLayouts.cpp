@@ -72,6 +72,7 @@ std::vector<StreamLayout> StreamLayouts::all() {
         }
     });
     std::vector<StreamLayout> layouts;
+    layouts.reserve(keys.size());
     for (LayoutKey const& key : keys) {
         layouts.push_back({.dataSize = key.size, .found = of(key)});
     }

@@ -86,12 +86,12 @@ std::size_t WantedSamples::mostChannels() const {
     return most;
 }
 
-SampleOptions WantedSamples::options(SampleRows rows, WindowOptions const& asked) const {
-    auto const window = asked.resolve(spanOf(index_));
+SampleOptions WantedSamples::options(SampleRows rows, WindowOptions const& window) const {
+    auto const resolved = window.resolve(spanOf(index_));
     SampleOptions options;
-    options.from = window.from;
-    if (window.to && *window.to != CaptureTime::max()) {
-        options.end = *window.to + std::chrono::nanoseconds(1);  // the end itself is inside
+    options.from = resolved.from;
+    if (resolved.to && *resolved.to != CaptureTime::max()) {
+        options.end = *resolved.to + std::chrono::nanoseconds(1);  // the end itself is inside
     }
     options.layout = choice_.layout;
     options.rate = choice_.rate;

@@ -47,6 +47,7 @@ constexpr std::array<std::pair<std::string_view, SampleType>, 15> kTypes = {{
 
 std::vector<std::string> typeNames() {
     std::vector<std::string> names;
+    names.reserve(kTypes.size());
     for (auto const& [name, type] : kTypes) {
         names.emplace_back(name);
     }

@@ -26,6 +26,7 @@ public:
 private:
     static constexpr std::size_t kDoublePointBits = 2;
 
+    // NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than is read
     void addAll(std::int64_t time, DataViews const& values, std::string const& parent) {
         std::size_t number = 0;
         for (DataView const& value : values) {
@@ -62,14 +63,14 @@ private:
 
 }  // namespace
 
-void GooseState::at(std::span<std::int64_t const> instants, std::vector<std::uint8_t>& result,
+void GooseState::at(std::span<std::int64_t const> instants, std::vector<std::uint8_t>& asked,
                     std::size_t& cursor) const {
-    result.clear();
+    asked.clear();
     for (std::int64_t const instant : instants) {
         while (cursor < times.size() && times[cursor] <= instant) {
             ++cursor;
         }
-        result.push_back(cursor == 0 ? std::uint8_t{0} : states[cursor - 1]);
+        asked.push_back(cursor == 0 ? std::uint8_t{0} : states[cursor - 1]);
     }
 }
 

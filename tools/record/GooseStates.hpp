@@ -24,7 +24,9 @@ struct GooseState {
     /// Writes the states at some instants, not before those asked for last; 0 where it is not
     /// known.
     /// @param instants  in nanoseconds since 1970, in their order
-    void at(std::span<std::int64_t const> instants, std::vector<std::uint8_t>& states,
+    /// @param asked     set to the states, one for each instant
+    /// @param cursor    0 at first, then as it was left
+    void at(std::span<std::int64_t const> instants, std::vector<std::uint8_t>& asked,
             std::size_t& cursor) const;
 };
 
