@@ -61,6 +61,7 @@ public:
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT FoundLayout result() const;
 
 private:
+    /// @cond
     /// What has been seen of the words at odd or at even places.
     struct Words {
         bool areFloats = true;
@@ -74,6 +75,7 @@ private:
             return areFloats && leastExponent < largestExponent;
         }
     };
+    /// @endcond
 
     void lookForTimes(Octets seqData, std::optional<CaptureTime> arrival);
 
