@@ -77,18 +77,6 @@ void addTime(std::string& text, CaptureTime time, bool isInNanoseconds) {
                        (isInNanoseconds ? paddedNumber(below, 9) : paddedNumber(below / 1000, 6))});
 }
 
-std::string_view nameOf(ComtradeData data) {
-    switch (data) {
-        case ComtradeData::ascii:
-            return "ASCII";
-        case ComtradeData::binary:
-            return "BINARY";
-        case ComtradeData::binary32:
-            break;
-    }
-    return "BINARY32";
-}
-
 }  // namespace
 
 std::string comtradeConfiguration(ComtradeRecord const& record) {
@@ -118,7 +106,7 @@ std::string comtradeConfiguration(ComtradeRecord const& record) {
     detail::ComtradeClock const clock(record);
     addTime(text, record.start, clock.isInNanoseconds());
     addTime(text, record.trigger, clock.isInNanoseconds());
-    addLine(text, {nameOf(record.format.data)});
+    addLine(text, {comtradeName(record.format.data)});
     addLine(text, {std::to_string(clock.multiplier())});
     if (is2013) {
         constexpr std::string_view hexDigits = "0123456789ABCDEF";

@@ -21,10 +21,9 @@ std::string sectionText(std::string text) {
 }
 
 std::string dataHeader(ComtradeRecord const& record) {
-    std::string kind = "ASCII";
+    std::string kind(comtradeName(record.format.data));
     if (auto const size = comtradeDataSize(record)) {
-        kind = record.format.data == ComtradeData::binary ? "BINARY: " : "BINARY32: ";
-        kind += std::to_string(*size);
+        kind += ": " + std::to_string(*size);
     }
     return "--- file type: DAT " + kind + " ---\r\n";
 }

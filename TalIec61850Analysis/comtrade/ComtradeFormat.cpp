@@ -2,6 +2,18 @@
 
 namespace TalIec61850Analysis {
 
+std::string_view comtradeName(ComtradeData data) noexcept {
+    switch (data) {
+        case ComtradeData::ascii:
+            return "ASCII";
+        case ComtradeData::binary:
+            return "BINARY";
+        case ComtradeData::binary32:
+            break;
+    }
+    return "BINARY32";
+}
+
 ComtradeRange comtradeRange(ComtradeFormat format) noexcept {
     switch (format.data) {
         case ComtradeData::binary:

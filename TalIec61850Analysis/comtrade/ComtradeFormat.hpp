@@ -2,6 +2,7 @@
 
 #include <TalIec61850Analysis/Export.hpp>
 #include <cstdint>
+#include <string_view>
 
 namespace TalIec61850Analysis {
 
@@ -11,6 +12,10 @@ enum class ComtradeEdition : std::uint16_t { of1999 = 1999, of2013 = 2013 };
 /// How the data file holds samples. Binary is 16 bits wide, binary32 is 32; binary32 is in the
 /// edition of 2013 only.
 enum class ComtradeData : std::uint8_t { ascii, binary, binary32 };
+
+/// The name of a kind of data in configuration files: ASCII, BINARY, BINARY32.
+/// @param data  any
+[[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::string_view comtradeName(ComtradeData data) noexcept;
 
 /// Edition and data together: what the numbers that are stored can be depends on both.
 struct ComtradeFormat {

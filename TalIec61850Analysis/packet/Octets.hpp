@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <variant>
 #include <vector>
@@ -20,6 +21,14 @@ using Readable = std::variant<Value, OctetString>;
 /// The same without a copy of the octets.
 template <typename Value>
 using ReadableView = std::variant<Value, Octets>;
+
+/// What a field holds, where it is there and was read as what it should be; null otherwise.
+/// @param field  a Readable or a ReadableView; what is returned points into it
+template <typename Value, typename Raw>
+[[nodiscard]] constexpr Value const* valueIn(
+    std::optional<std::variant<Value, Raw>> const& field) noexcept {
+    return field ? std::get_if<0>(&*field) : nullptr;
+}
 
 /// The octets, copied.
 [[nodiscard]] inline OctetString toOwned(Octets octets) { return {octets.begin(), octets.end()}; }

@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
+#include <TalIec61850Analysis/samples/LineFit.hpp>
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
 #include <algorithm>
 #include <array>
@@ -105,25 +106,14 @@ public:
     }
 
     [[nodiscard]] std::optional<double> slope() const {
-        double count = 0;
-        double sumX = 0;
-        double sumY = 0;
-        double sumXx = 0;
-        double sumXy = 0;
+        detail::LineFit line;
         std::int64_t const origin = *std::min_element(least_.begin(), least_.end());
         for (std::size_t i = 0; i < least_.size(); ++i) {
             if (least_[i] != kNone) {
-                double const x = static_cast<double>(i) * static_cast<double>(width_);
-                auto const y = static_cast<double>(least_[i] - origin);
-                count += 1;
-                sumX += x;
-                sumY += y;
-                sumXx += x * x;
-                sumXy += x * y;
+                line.add(static_cast<std::int64_t>(i) * width_, least_[i] - origin);
             }
         }
-        double const spread = count * sumXx - sumX * sumX;
-        return spread > 0 ? std::optional((count * sumXy - sumX * sumY) / spread) : std::nullopt;
+        return line.slope();
     }
 
 private:

@@ -23,12 +23,11 @@ AsduReader::AsduReader(TrafficIndex const& index, TrafficStream const& stream)
     : index_(index), stream_(stream), window_(pathsOf(index)) {}
 
 ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint64_t offset) {
-    constexpr std::int64_t kSecond = 1'000'000'000;
     ReadAsdu read{.fileOffset = offset + places.asdu,
                   .data = sequence.subspan(places.data, places.dataSize)};
     if (places.refrTm != 0) {
         if (auto const time = readUtcTime(sequence.subspan(places.refrTm, kUtcTimeSize))) {
-            read.refrTm = std::int64_t{time->seconds} * kSecond + time->nanoseconds();
+            read.refrTm = time->nanosecondsSince1970();
         }
     }
     return read;

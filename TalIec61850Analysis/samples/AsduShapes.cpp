@@ -1,4 +1,6 @@
 #include <TalIec61850Analysis/packet/Elements.hpp>
+#include <TalIec61850Analysis/packet/FieldFilter.hpp>
+#include <TalIec61850Analysis/packet/PduFields.hpp>
 #include <TalIec61850Analysis/samples/AsduShapes.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <TalIec61850Parser/wire/SvTags.hpp>
@@ -36,18 +38,18 @@ private:
 
 AsduPlaces placesIn(ElementView const& asdu, MaskNotes& notes) {
     AsduPlaces places{.asdu = static_cast<std::uint32_t>(asdu.offset)};
-    bool hasData = false;
+    FieldFilter filter(kAsduFields);
     std::size_t end = asdu.valueOffset;
     for (ElementView const& field : asdu.members()) {
         notes.addHead(field);
         if (!field.tag || field.fault) {
             break;
         }
-        if (*field.tag == primitive(wire::kSeqData) && !hasData) {
-            hasData = true;
+        bool const isField = filter.takes(field);
+        if (isField && *field.tag == primitive(wire::kSeqData)) {
             places.data = static_cast<std::uint32_t>(field.valueOffset);
             places.dataSize = static_cast<std::uint32_t>(field.octets.size());
-        } else if (*field.tag == primitive(wire::kRefrTm) && places.refrTm == 0 &&
+        } else if (isField && *field.tag == primitive(wire::kRefrTm) &&
                    field.octets.size() == kUtcTimeSize) {
             places.refrTm = static_cast<std::uint32_t>(field.valueOffset);
         }

@@ -30,21 +30,32 @@ std::uint32_t standardNear(double measured) {
     return found == kStandardRates.end() ? 0 : *found;
 }
 
-/// The number that an attribute is, or 0.
-std::uint64_t numberIn(std::optional<Readable<std::uint64_t>> const& attribute) {
-    auto const* const number = attribute ? std::get_if<std::uint64_t>(&*attribute) : nullptr;
-    return number != nullptr ? *number : 0;
-}
-
 /// What is declared of a rate.
 struct Declared {
-    std::uint64_t rate = 0;
-    std::uint64_t unit = 0;
+    // smpMod: the unit of smpRate.
+    static constexpr std::uint64_t kPerPeriod = 0;
+    static constexpr std::uint64_t kPerSecond = 1;
+    static constexpr std::uint64_t kSecondsPerSample = 2;
 
-    explicit Declared(StreamAttributes const& attributes)
-        : rate(numberIn(attributes.smpRate)), unit(numberIn(attributes.smpMod)) {}
+    /// 0 for none.
+    std::uint64_t rate = 0;
+    std::uint64_t unit = kPerPeriod;
+
+    explicit Declared(StreamAttributes const& attributes) {
+        auto const* const smpRate = valueIn(attributes.smpRate);
+        auto const* const smpMod = valueIn(attributes.smpMod);
+        rate = smpRate != nullptr ? *smpRate : 0;
+        unit = smpMod != nullptr ? *smpMod : kPerPeriod;
+    }
     bool operator==(Declared const&) const = default;
 };
+
+FoundRate withRate(FoundRate found, std::uint32_t samples, std::uint32_t seconds,
+                   RateSource source) {
+    found.rate = {.samples = samples, .seconds = seconds};
+    found.source = source;
+    return found;
+}
 
 /// The largest smpCnt before 0 that were met, as many as there is room for.
 class WrapsMet {
@@ -136,7 +147,11 @@ private:
     /// @return whether the rate is another since some packet, which is the end then
     bool endBlock();
     [[nodiscard]] std::uint64_t findChange(double before, double after) const;
-    [[nodiscard]] FoundRate byCounter() const;
+    [[nodiscard]] FoundRate find() const;
+    [[nodiscard]] FoundRate byDeclared(FoundRate found, std::uint32_t shown) const;
+    [[nodiscard]] static FoundRate byPeriods(FoundRate found, std::uint32_t rate,
+                                             std::uint32_t shown);
+    [[nodiscard]] static FoundRate byArrival(FoundRate found);
     [[nodiscard]] bool isFreeRunning(double rate) const { return largest_ + 1.0 > rate * 1.01; }
 
     std::optional<std::uint64_t> limit_;
@@ -197,7 +212,7 @@ void RateWalk::run() {
         packets_ += strip.count;
         addStrip(strip);
         bool const isBlock = blockSteps_ >= kBlockSteps && block_.time >= kBlockTime;
-        if (isBlock && endBlock() && !limit_) {
+        if (isBlock && endBlock()) {
             isMixed_ = true;
             return;
         }
@@ -321,14 +336,14 @@ bool RateWalk::endBlock() {
     double const rate = block_.rate();
     double const known = agreeing_.rate();
     bool const agrees = known == 0 || isNear(rate, known, kOtherRate);
+    bool const isOther = !agrees && odd_ != 0 && isNear(rate, odd_, kOtherRate);
+    if (isOther && !limit_) {
+        packets_ = findChange(known, rate);
+        return true;
+    }
     if (agrees) {
         agreeing_.add(block_);
         agreeingStart_ = blockStart_;
-    } else if (odd_ != 0 && isNear(rate, odd_, kOtherRate)) {
-        if (!limit_) {
-            packets_ = findChange(known, rate);
-        }
-        return true;
     }
     odd_ = agrees ? 0 : rate;
     blockStart_ = {course_, packets_};
@@ -377,7 +392,7 @@ std::uint64_t RateWalk::findChange(double before, double after) const {
 }
 
 FoundRate RateWalk::result(SampleRate given) const {
-    FoundRate found = byCounter();
+    FoundRate found = find();
     if (given.isKnown()) {
         found.rate = given;
         found.source = RateSource::given;
@@ -396,64 +411,73 @@ FoundRate RateWalk::result(SampleRate given) const {
     return found;
 }
 
-FoundRate RateWalk::byCounter() const {
-    constexpr std::uint64_t kNanosecondssPerSample = 2;
+FoundRate RateWalk::find() const {
     FoundRate found;
     found.measured = agreeing_.time > 0 ? agreeing_.rate() : all_.rate();
-    double const measured = found.measured;
-    std::uint64_t const declared = declared_ ? declared_->rate : 0;
-    std::uint64_t const unit = declared_ ? declared_->unit : 0;
-    // A rate that no publisher has, or that is far from arrival, is none.
+    std::uint32_t const shown =
+        wraps_.largestNear(found.measured, asdus_, standardNear(found.measured));
+    found = byDeclared(found, shown);
+    if (found.rate.isKnown()) {
+        return found;
+    }
+    return shown != 0 ? withRate(found, shown, 1, RateSource::counter) : byArrival(found);
+}
+
+/// What is declared, where smpCnt and arrival leave that.
+/// @param shown  by smpCnt, or 0
+FoundRate RateWalk::byDeclared(FoundRate found, std::uint32_t shown) const {
+    // A rate that no publisher has is none.
     constexpr std::uint64_t kFastest = 1'000'000;
-    bool const isDeclared = declared > 0 && declared <= kFastest;
+    if (!declared_ || declared_->rate == 0 || declared_->rate > kFastest) {
+        return found;
+    }
+    auto const rate = static_cast<std::uint32_t>(declared_->rate);
+    double const measured = found.measured;
     auto const isFar = [&](double perSecond) {
         return measured > 0 && (perSecond > 2 * measured || perSecond < measured / 2);
     };
-    auto const rate = static_cast<std::uint32_t>(isDeclared ? declared : 0);
-    auto const take = [&](std::uint32_t samples, std::uint32_t seconds, RateSource source) {
-        found.rate = {.samples = samples, .seconds = seconds};
-        found.source = source;
-        return found;
-    };
+    switch (declared_->unit) {
+        case Declared::kPerSecond: {
+            found.isContradicted = (shown != 0 && shown != rate) || isFreeRunning(rate) ||
+                                   (measured > 0 && !isNear(rate, measured, kSameRate));
+            bool const isTaken = shown == 0 && !isFreeRunning(rate) && !isFar(rate);
+            return isTaken ? withRate(found, rate, 1, RateSource::declared) : found;
+        }
+        case Declared::kSecondsPerSample:
+            found.isContradicted = isFar(1.0 / rate);
+            return found.isContradicted ? found : withRate(found, 1, rate, RateSource::declared);
+        case Declared::kPerPeriod:
+            return measured > 0 ? byPeriods(found, rate, shown) : found;
+        default:
+            return found;
+    }
+}
 
-    std::uint32_t const shown = wraps_.largestNear(measured, asdus_, standardNear(measured));
-    if (isDeclared && unit == 1) {
-        found.isContradicted = (shown != 0 && shown != rate) || isFreeRunning(rate) ||
-                               (measured > 0 && !isNear(rate, measured, kSameRate));
-        if (shown == 0 && !isFreeRunning(rate) && !isFar(rate)) {
-            return take(rate, 1, RateSource::declared);
+/// Samples of a period: the frequency is the one by which they come to what is measured.
+FoundRate RateWalk::byPeriods(FoundRate found, std::uint32_t rate, std::uint32_t shown) {
+    for (std::uint32_t const periods : {1U, 50U, 60U}) {
+        std::uint32_t const product = rate * periods;
+        if (isNear(product, found.measured, kSameRate)) {
+            return shown != 0 ? found : withRate(found, product, 1, RateSource::declared);
         }
-    } else if (isDeclared && unit == kNanosecondssPerSample) {
-        found.isContradicted = isFar(1.0 / rate);
-        if (!found.isContradicted) {
-            return take(1, rate, RateSource::declared);
-        }
-    } else if (isDeclared && unit == 0 && measured > 0) {
-        for (std::uint32_t const periods : {1U, 50U, 60U}) {
-            std::uint64_t const product = std::uint64_t{rate} * periods;
-            if (isNear(static_cast<double>(product), measured, kSameRate)) {
-                return shown != 0
-                           ? take(shown, 1, RateSource::counter)
-                           : take(static_cast<std::uint32_t>(product), 1, RateSource::declared);
-            }
-        }
-        found.isContradicted = true;
     }
-    if (shown != 0) {
-        return take(shown, 1, RateSource::counter);
-    }
-    if (measured <= 0) {
-        return found;
-    }
-    if (std::uint32_t const standard = standardNear(measured); standard != 0) {
-        return take(standard, 1, RateSource::standard);
-    }
+    found.isContradicted = true;
+    return found;
+}
+
+FoundRate RateWalk::byArrival(FoundRate found) {
     constexpr double kMost = 4e9;
-    if (measured >= 1 && measured < kMost) {
-        return take(static_cast<std::uint32_t>(std::lround(measured)), 1, RateSource::arrival);
+    double const measured = found.measured;
+    if (std::uint32_t const standard = standardNear(measured); standard != 0) {
+        return withRate(found, standard, 1, RateSource::standard);
     }
-    if (measured < 1 && 1 / measured < kMost) {
-        return take(1, static_cast<std::uint32_t>(std::lround(1 / measured)), RateSource::arrival);
+    if (measured >= 1 && measured < kMost) {
+        return withRate(found, static_cast<std::uint32_t>(std::lround(measured)), 1,
+                        RateSource::arrival);
+    }
+    if (measured > 0 && measured < 1 && 1 / measured < kMost) {
+        return withRate(found, 1, static_cast<std::uint32_t>(std::lround(1 / measured)),
+                        RateSource::arrival);
     }
     return found;
 }

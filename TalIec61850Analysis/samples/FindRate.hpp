@@ -3,6 +3,7 @@
 // Internal: how fast a publisher samples, from one packet on.
 
 #include <TalIec61850Analysis/samples/PacketCourse.hpp>
+#include <TalIec61850Analysis/samples/SampleCounter.hpp>
 #include <TalIec61850Analysis/samples/SampleRate.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
@@ -27,6 +28,11 @@ struct FoundRate {
     std::uint32_t asdus = 1;
     /// How many packets of the walk it holds for.
     std::uint64_t packets = 0;
+
+    /// How samples are counted.
+    [[nodiscard]] CountRule countRule() const {
+        return {.wrap = wrap, .interval = rate.interval(), .atOnce = asdus};
+    }
 };
 
 /// Finds the rate, and up to where it is the same: until smpRate or smpMod change, or the rate of

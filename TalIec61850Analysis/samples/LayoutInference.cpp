@@ -40,10 +40,8 @@ void LayoutInference::Words::add(std::uint32_t word) {
     constexpr float kLargest = 1e9F;
     areQualities = areQualities && (word & ~kUsedBits) == 0;
     if ((word & 0x7FFFFFFFU) == 0) {  // zero, of either sign
-        isZero = isZero && word == 0;
         return;
     }
-    isZero = false;
     auto const magnitude = std::bit_cast<float>(word & 0x7FFFFFFFU);
     areFloats = areFloats && magnitude >= kSmallest && magnitude <= kLargest;
     auto const exponent = static_cast<std::uint8_t>(word >> 23U & 0xFFU);

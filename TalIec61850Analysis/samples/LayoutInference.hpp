@@ -66,7 +66,6 @@ private:
     struct Words {
         bool areFloats = true;
         bool areQualities = true;
-        bool isZero = true;
         std::uint8_t leastExponent = 255;
         std::uint8_t largestExponent = 0;
 

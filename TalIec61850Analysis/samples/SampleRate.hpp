@@ -17,6 +17,10 @@ struct SampleRate {
     [[nodiscard]] constexpr double perSecond() const noexcept {
         return static_cast<double>(samples) / static_cast<double>(seconds);
     }
+    /// Nanoseconds from sample to sample; 0 where the rate is not known.
+    [[nodiscard]] constexpr double interval() const noexcept {
+        return isKnown() ? 1e9 / perSecond() : 0;
+    }
     /// When a sample is due, in nanoseconds after sample 0, cut to whole ones.
     /// @pre isKnown()
     /// @param number  of the sample; not negative, and at most 292 years after sample 0

@@ -1,3 +1,4 @@
+#include <TalIec61850Analysis/samples/LineFit.hpp>
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
 #include <algorithm>
 #include <cmath>
@@ -32,35 +33,6 @@ bool beginsRun(CountStep step) {
     return step == CountStep::restart || step == CountStep::pause || step == CountStep::clockStep;
 }
 
-/// Least squares of arrival over numbers.
-class LineFit {
-public:
-    void add(std::int64_t number, std::int64_t time) {
-        auto const x = static_cast<long double>(number);
-        auto const y = static_cast<long double>(time);
-        count_ += 1;
-        sumX_ += x;
-        sumY_ += y;
-        sumXx_ += x * x;
-        sumXy_ += x * y;
-    }
-    [[nodiscard]] bool isEmpty() const { return count_ == 0; }
-    [[nodiscard]] double meanX() const { return static_cast<double>(sumX_ / count_); }
-    [[nodiscard]] double meanY() const { return static_cast<double>(sumY_ / count_); }
-    /// 0 where all numbers are one.
-    [[nodiscard]] double slope() const {
-        long double const spread = sumXx_ - sumX_ * sumX_ / count_;
-        return spread > 0 ? static_cast<double>((sumXy_ - sumX_ * sumY_ / count_) / spread) : 0;
-    }
-
-private:
-    long double count_ = 0;
-    long double sumX_ = 0;
-    long double sumY_ = 0;
-    long double sumXx_ = 0;
-    long double sumXy_ = 0;
-};
-
 }  // namespace
 
 SampleSequence::SampleSequence(TrafficIndex const& index, TrafficStream const& stream,
@@ -70,6 +42,10 @@ SampleSequence::SampleSequence(TrafficIndex const& index, TrafficStream const& s
 bool SampleSequence::isCounted(PacketRef packet) const {
     return stream_.parts[packet.part].packets.flags()[packet.packet].firstCounter() ==
            CounterState::held;
+}
+
+std::pair<std::uint32_t, std::uint64_t> SampleSequence::frameOf(PacketRef packet) const {
+    return {packet.part, stream_.parts[packet.part].packets.frameOffsets()[packet.packet]};
 }
 
 std::int64_t SampleSequence::arrivalOf(PacketRef packet) const {
@@ -227,19 +203,13 @@ void SampleSequence::begin(PacketRef packet, RunStart start) {
     runRate_ = rate_;
     runPackets_ = rate_.packets - packetsOfRate_ + queue_.count;
     uncounted_ = 0;
-    counter_ = SampleCounter(countRule());
+    counter_ = SampleCounter(runRate_.countRule());
     if (runIsCounted_) {
         PacketColumns const& packets = stream_.parts[packet.part].packets;
         static_cast<void>(
             counter_.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]));
     }
     holdNewest(packet, counter_.newest());
-}
-
-CountRule SampleSequence::countRule() const {
-    return {.wrap = runRate_.wrap,
-            .interval = runRate_.rate.isKnown() ? 1e9 / runRate_.rate.perSecond() : 0,
-            .atOnce = runRate_.asdus};
 }
 
 void SampleSequence::holdNewest(PacketRef packet, std::int64_t number) {
@@ -373,14 +343,40 @@ void SampleSequence::fixSecond(SequencedSample const& sample) {
     numberInSecond_ = sample.number - inSecond;
 }
 
+/// Visits the packets of the run that go on in the counter, after the first one.
+template <typename Visit>
+void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const {
+    PacketCourse course = *runCourse_;
+    PacketCourse::Strip strip = runQueue_;
+    for (std::uint64_t left = runPackets_; left > 0; --left) {
+        if (strip.count == 0) {
+            strip = course.nextStrip(left);
+        }
+        if (strip.count == 0 || !isCounted(strip.first)) {
+            return;
+        }
+        PacketRef const packet = strip.first;
+        ++strip.first.packet;
+        --strip.count;
+        PacketColumns const& packets = stream_.parts[packet.part].packets;
+        CountStep const step =
+            counter.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]);
+        if (beginsRun(step)) {
+            return;
+        }
+        if (step == CountStep::next) {
+            visit(packet);
+        }
+    }
+}
+
 /// Fits a line through the arrivals of a run: of each frame, that of its newest sample.
 void SampleSequence::fitRun() {
-    PacketColumns const& firstPackets = stream_.parts[runFirst_.part].packets;
-    SampleCounter counter(countRule());
-    static_cast<void>(counter.add(firstPackets.smpCnts()[runFirst_.packet], arrivalOf(runFirst_)));
+    SampleCounter counter(runRate_.countRule());
+    static_cast<void>(counter.add(stream_.parts[runFirst_.part].packets.smpCnts()[runFirst_.packet],
+                                  arrivalOf(runFirst_)));
     Fit fit{.firstNumber = counter.newest()};
     LineFit line;
-    PacketCourse course = *runCourse_;
     PacketRef last = runFirst_;
     std::int64_t lastNumber = counter.newest();
     auto const addLast = [&] {
@@ -390,43 +386,19 @@ void SampleSequence::fitRun() {
             line.add(lastNumber - fit.firstNumber, arrival - fit.origin);
         }
     };
-    PacketCourse::Strip strip = runQueue_;
-    for (std::uint64_t left = runPackets_; left > 0; --left) {
-        if (strip.count == 0) {
-            strip = course.nextStrip(left);
-        }
-        if (strip.count == 0) {
-            break;
-        }
-        PacketRef const ref = strip.first;
-        ++strip.first.packet;
-        --strip.count;
-        PacketColumns const& packets = stream_.parts[ref.part].packets;
-        if (!isCounted(ref)) {
-            break;
-        }
-        CountStep const step =
-            counter.add(packets.smpCnts()[ref.packet], packets.times()[ref.packet]);
-        if (beginsRun(step)) {
-            break;
-        }
-        if (step != CountStep::next) {
-            continue;
-        }
-        bool const isSameFrame = ref.part == last.part && packets.frameOffsets()[ref.packet] ==
-                                                              packets.frameOffsets()[last.packet];
-        if (!isSameFrame) {
+    visitRun(counter, [&](PacketRef packet) {
+        if (frameOf(packet) != frameOf(last)) {
             addLast();
         }
-        last = ref;
+        last = packet;
         lastNumber = counter.newest();
-    }
+    });
     addLast();
     if (!line.isEmpty()) {
         fit.meanNumber = line.meanX();
         fit.meanTime = line.meanY();
-        double const nominal = runRate_.rate.isKnown() ? 1e9 / runRate_.rate.perSecond() : 0;
-        double const slope = line.slope();
+        double const nominal = runRate_.rate.interval();
+        double const slope = line.slope().value_or(0);
         bool const isPlausible =
             slope > 0 && (nominal == 0 || std::abs(slope - nominal) <= nominal / 100);
         fit.interval = isPlausible ? slope : nominal;

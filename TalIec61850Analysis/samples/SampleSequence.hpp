@@ -12,9 +12,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
+#include <utility>
 
 namespace TalIec61850Analysis::detail {
 
@@ -110,12 +110,15 @@ private:
     void giveMissing(SequencedSample& sample);
     void setTime(SequencedSample& sample);
     void fixSecond(SequencedSample const& sample);
+    template <typename Visit>
+    void visitRun(SampleCounter& counter, Visit const& visit) const;
     void fitRun();
     [[nodiscard]] std::int64_t fittedTime(std::int64_t number) const;
     [[nodiscard]] std::int64_t countedTime(std::int64_t number) const;
-    [[nodiscard]] CountRule countRule() const;
     [[nodiscard]] bool isCounted(PacketRef packet) const;
     [[nodiscard]] std::int64_t arrivalOf(PacketRef packet) const;
+    /// What tells its frame from others.
+    [[nodiscard]] std::pair<std::uint32_t, std::uint64_t> frameOf(PacketRef packet) const;
 
     TrafficIndex const& index_;
     TrafficStream const& stream_;

@@ -50,6 +50,62 @@ void moveFindings(FindingJoiner& joiner, std::vector<Finding>& findings) {
     std::move(joined.begin(), joined.end(), std::back_inserter(findings));
 }
 
+/// The time that the gaps of several streams share.
+struct SharedGap {
+    explicit SharedGap(Finding const& gap) : finding(gap), from(gap.before->time), until(gap.from) {
+        finding.kind = FindingKind::captureGap;
+        finding.protocol.reset();
+        finding.stream.reset();
+        finding.expected = {};
+        finding.found = {};
+    }
+
+    void join(Finding const& gap) {
+        finding.lost += gap.lost;
+        finding.witnessFrames = std::max(finding.witnessFrames, gap.witnessFrames);
+        if (gap.before->time >= from) {
+            from = gap.before->time;
+            finding.before = gap.before;
+        }
+        if (gap.from < until) {
+            until = gap.from;
+            finding.from = gap.from;
+            finding.until = gap.from;
+            finding.place = gap.place;
+        }
+    }
+
+    Finding finding;
+    std::int64_t from = 0;
+    std::int64_t until = 0;
+};
+
+/// A stream, and its first packet.
+struct Owner {
+    std::size_t stream = 0;
+    std::int64_t time = 0;
+    PacketRef packet;
+};
+
+/// Two streams of one name.
+Finding sharedName(TrafficIndex const& index, Owner const& first, Owner const& second) {
+    StreamKey const& key = index.streams()[second.stream].key;
+    FindingPlace const place = placeOf(index, second.stream, second.packet);
+    Finding finding =
+        findingAt(FindingKind::twoPublishers, place.file, place.fileOffset, place.time);
+    finding.protocol = key.protocol;
+    finding.stream = second.stream;
+    finding.place = place;
+    finding.before = placeOf(index, first.stream, first.packet);
+    auto const octetsOf = [&](std::size_t stream) {
+        MacAddress const& source = *index.streams()[stream].key.source;
+        return OctetString(source.begin(), source.end());
+    };
+    finding.expected = octetsOf(first.stream);
+    finding.found = octetsOf(second.stream);
+    return finding;
+}
+
 }  // namespace
 
 FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet) {
@@ -62,13 +118,7 @@ FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef pa
         .time = packets.times()[packet.packet]};
 }
 
-void addCaptureGaps(TrafficIndex const& /*index*/, std::vector<Finding>& findings) {
-    /// The time that several gaps share.
-    struct Shared {
-        Finding finding;
-        std::int64_t from = 0;
-        std::int64_t until = 0;
-    };
+void addCaptureGaps(std::vector<Finding>& findings) {
     std::vector<Finding const*> gaps;
     for (Finding const& finding : findings) {
         if (finding.witness == LossWitness::otherStreamsLost && finding.count == 1) {
@@ -78,33 +128,15 @@ void addCaptureGaps(TrafficIndex const& /*index*/, std::vector<Finding>& finding
     std::sort(gaps.begin(), gaps.end(), [](Finding const* a, Finding const* b) {
         return std::tie(a->before->time, a->stream) < std::tie(b->before->time, b->stream);
     });
-    std::vector<Shared> spans;
+    std::vector<SharedGap> spans;
     for (Finding const* gap : gaps) {
         if (spans.empty() || gap->before->time >= spans.back().until) {
-            Shared span{.finding = *gap, .from = gap->before->time, .until = gap->from};
-            span.finding.kind = FindingKind::captureGap;
-            span.finding.protocol.reset();
-            span.finding.stream.reset();
-            span.finding.expected = {};
-            span.finding.found = {};
-            spans.push_back(std::move(span));
-            continue;
-        }
-        Shared& span = spans.back();
-        span.finding.lost += gap->lost;
-        span.finding.witnessFrames = std::max(span.finding.witnessFrames, gap->witnessFrames);
-        if (gap->before->time >= span.from) {
-            span.from = gap->before->time;
-            span.finding.before = gap->before;
-        }
-        if (gap->from < span.until) {
-            span.until = gap->from;
-            span.finding.from = gap->from;
-            span.finding.until = gap->from;
-            span.finding.place = gap->place;
+            spans.emplace_back(*gap);
+        } else {
+            spans.back().join(*gap);
         }
     }
-    for (Shared& span : spans) {
+    for (SharedGap& span : spans) {
         findings.push_back(std::move(span.finding));
     }
 }
@@ -177,12 +209,6 @@ void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
 }
 
 void addSharedNames(TrafficIndex const& index, std::vector<Finding>& findings) {
-    /// The stream that had the name first.
-    struct Owner {
-        std::size_t stream = 0;
-        std::int64_t time = 0;
-        PacketRef packet;
-    };
     std::vector<Owner> streams;
     for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
         TrafficStream const& of = index.streams()[stream];
@@ -198,27 +224,14 @@ void addSharedNames(TrafficIndex const& index, std::vector<Finding>& findings) {
     for (Owner const& each : streams) {
         StreamKey const& key = index.streams()[each.stream].key;
         auto& known = owners[{key.protocol, key.name}];
-        auto const sourceOf = [&](Owner const& owner) {
-            return *index.streams()[owner.stream].key.source;
-        };
         bool const isKnown = std::any_of(known.begin(), known.end(), [&](Owner const& owner) {
-            return sourceOf(owner) == *key.source;
+            return index.streams()[owner.stream].key.source == key.source;
         });
         if (isKnown) {
             continue;
         }
         if (!known.empty()) {
-            FindingPlace const place = placeOf(index, each.stream, each.packet);
-            Finding finding =
-                findingAt(FindingKind::twoPublishers, place.file, place.fileOffset, place.time);
-            finding.protocol = key.protocol;
-            finding.stream = each.stream;
-            finding.place = place;
-            finding.before = placeOf(index, known.front().stream, known.front().packet);
-            MacAddress const first = sourceOf(known.front());
-            finding.expected = OctetString(first.begin(), first.end());
-            finding.found = OctetString(key.source->begin(), key.source->end());
-            findings.push_back(std::move(finding));
+            findings.push_back(sharedName(index, known.front(), each));
         }
         known.push_back(each);
     }

@@ -15,7 +15,7 @@ namespace TalIec61850Analysis::detail {
 [[nodiscard]] FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet);
 
 /// Adds captureGap for each span in which all streams lack packets, by the gaps that are there.
-void addCaptureGaps(TrafficIndex const& index, std::vector<Finding>& findings);
+void addCaptureGaps(std::vector<Finding>& findings);
 
 /// Adds clockStep.
 void addClockSteps(TrafficIndex const& index, std::vector<std::vector<ClockStep>> const& steps,

@@ -22,10 +22,6 @@ constexpr std::uint32_t kSteadyLives = 4;
 /// One of two publishers is gone after so many messages of the other one.
 constexpr std::uint32_t kGoneMessages = 64;
 
-std::int64_t timeOfStamp(UtcTime const& t) {
-    return std::int64_t{t.seconds} * kNsOfSecond + t.nanoseconds();
-}
-
 /// What a time may be wrong by, as it says, in nanoseconds.
 std::int64_t accuracyOf(UtcTime const& t) {
     constexpr std::uint8_t kMostBits = 24;
@@ -311,14 +307,19 @@ void GooseSupervisor::takeOlder(GooseObservation const& message, FindingSink sin
     older_.push_back({.number = number, .finding = made});
     sinceOlder_ = 0;
     if (older_.size() == kSecondPublisher && !second_) {
-        second_ = older_.front().finding;
-        second_->kind = FindingKind::twoPublishers;
-        second_->count = older_.size();
-        second_->until = message.arrival;
-        secondNumber_ = number;
-        sinceSecond_ = 0;
-        older_.clear();
+        beginSecond(message);
     }
+}
+
+/// The older messages are those of a second publisher, up to this one.
+void GooseSupervisor::beginSecond(GooseObservation const& message) {
+    second_ = older_.front().finding;
+    second_->kind = FindingKind::twoPublishers;
+    second_->count = older_.size();
+    second_->until = message.arrival;
+    secondNumber_ = messageNumberOf(message);
+    sinceSecond_ = 0;
+    older_.clear();
 }
 
 void GooseSupervisor::settleOlder(FindingSink sink) {
@@ -432,9 +433,9 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
     if (isKnown && now.t && content_.t) {
         bool const isOtherTime =
             now.t->seconds != content_.t->seconds || now.t->fraction != content_.t->fraction;
-        FindingValue const was = instantOf(timeOfStamp(*content_.t));
+        FindingValue const was = instantOf(content_.t->nanosecondsSince1970());
         lasting(retimed_, !isNewState && isOtherTime, FindingKind::timeWithoutState, message, sink,
-                was, instantOf(timeOfStamp(*now.t)));
+                was, instantOf(now.t->nanosecondsSince1970()));
         if (isNewState && !isOtherTime) {
             Finding made = finding(FindingKind::timeUnchanged, message);
             made.expected = was;
@@ -501,7 +502,7 @@ void GooseSupervisor::checkTime(GooseObservation const& message, FindingSink sin
     bool const isOther = !content_.t || content_.t->seconds != t->seconds ||
                          content_.t->fraction != t->fraction || !isStarted_;
     if (isOther && message.arrival != kNoTime) {
-        std::int64_t const time = timeOfStamp(*t);
+        std::int64_t const time = t->nanosecondsSince1970();
         edge(isTimeAhead_, time - message.arrival > kNsOfMillisecond + accuracyOf(*t),
              FindingKind::timeAhead, message, sink, instantOf(message.arrival), instantOf(time));
     }

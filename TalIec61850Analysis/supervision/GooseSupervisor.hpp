@@ -77,6 +77,7 @@ private:
     void process(GooseObservation const& message, FindingSink sink);
     void accept(GooseObservation const& message, FindingSink sink);
     void takeOlder(GooseObservation const& message, FindingSink sink);
+    void beginSecond(GooseObservation const& message);
     void settleOlder(FindingSink sink);
     bool fill(MessageNumber number);
     void addGap(FindingKind kind, GooseObservation const& message, std::uint32_t stNum,

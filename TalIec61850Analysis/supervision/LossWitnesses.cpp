@@ -87,6 +87,12 @@ std::int64_t intervalBefore(PacketColumns const& packets, std::size_t place) {
     return packets.protocol() == StreamProtocol::sv ? interval : shiftedTime(interval, interval);
 }
 
+/// Whether the time since the packet before is many intervals: whole wraps of smpCnt are not seen
+/// in it.
+bool isPauseOf(PacketColumns const& packets, std::int64_t interval, std::int64_t since) {
+    return packets.protocol() == StreamProtocol::sv && interval > 0 && since / kPause > interval;
+}
+
 }  // namespace
 
 LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& hole) const {
@@ -114,10 +120,8 @@ LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& h
             if (before) {
                 std::int64_t const since =
                     packets.times()[packet] - before->packets->times()[before->packet];
-                // Whole wraps of smpCnt are not seen in it.
-                bool const isPause = packets.protocol() == StreamProtocol::sv && interval > 0 &&
-                                     since / kPause > interval &&
-                                     since > (hole.until - hole.from) / 2;
+                bool const isPause =
+                    isPauseOf(packets, interval, since) && since > (hole.until - hole.from) / 2;
                 Follows const follows =
                     isPause ? Follows::past
                             : followsOf(*before->packets, before->packet, packets, packet);
@@ -209,6 +213,26 @@ std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& findin
     return std::uint64_t{width} - 1 - numbers.size();
 }
 
+LossWitnesses::Others LossWitnesses::lookAtOthers(Hole const& hole) const {
+    Others others;
+    auto const sourceOf = [&](std::size_t stream) -> auto const& {
+        return index_.streams()[stream].key.source;
+    };
+    for (std::size_t stream = 0; stream < index_.streams().size(); ++stream) {
+        if (stream == hole.stream) {
+            continue;
+        }
+        Meanwhile const meanwhile = lookAt(stream, hole);
+        others.due += meanwhile.isDue ? 1U : 0U;
+        others.lost += meanwhile.isDue && meanwhile.hasLost ? 1U : 0U;
+        others.inSequence += meanwhile.inSequence;
+        if (sourceOf(stream) != sourceOf(hole.stream)) {
+            others.inSequenceOfOtherSources += meanwhile.inSequence;
+        }
+    }
+    return others;
+}
+
 void LossWitnesses::judge(Finding& finding) const {
     finding.cause = LossCause::unknown;
     if (!finding.stream || !finding.place || !finding.before || finding.place->time == kNoTime ||
@@ -235,28 +259,13 @@ void LossWitnesses::judge(Finding& finding) const {
         settle(LossCause::capture, LossWitness::dropCounts, drops);
         return;
     }
-    std::size_t due = 0;
-    std::size_t lost = 0;
-    std::uint64_t inSequence = 0;
-    std::uint64_t inSequenceOfOthers = 0;
-    for (std::size_t stream = 0; stream < index_.streams().size(); ++stream) {
-        if (stream == hole.stream) {
-            continue;
-        }
-        Meanwhile const meanwhile = lookAt(stream, hole);
-        due += meanwhile.isDue ? 1U : 0U;
-        lost += meanwhile.isDue && meanwhile.hasLost ? 1U : 0U;
-        inSequence += meanwhile.inSequence;
-        if (index_.streams()[stream].key.source != index_.streams()[hole.stream].key.source) {
-            inSequenceOfOthers += meanwhile.inSequence;
-        }
-    }
-    if (due >= kFewestStreams && lost == due) {
-        settle(LossCause::capture, LossWitness::otherStreamsLost, lost);
-    } else if (missing && *missing >= 1 && inSequenceOfOthers > 0) {
+    Others const others = lookAtOthers(hole);
+    if (others.due >= kFewestStreams && others.lost == others.due) {
+        settle(LossCause::capture, LossWitness::otherStreamsLost, others.lost);
+    } else if (missing && *missing >= 1 && others.inSequenceOfOtherSources > 0) {
         settle(LossCause::network, LossWitness::redundancyGap, *missing);
-    } else if (inSequence >= kFewestFrames) {
-        settle(LossCause::network, LossWitness::otherStreamsRanOn, inSequence);
+    } else if (others.inSequence >= kFewestFrames) {
+        settle(LossCause::network, LossWitness::otherStreamsRanOn, others.inSequence);
     }
 }
 

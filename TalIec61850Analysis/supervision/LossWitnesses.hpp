@@ -40,7 +40,18 @@ private:
         /// Whether it should have sent, and may be asked.
         bool isDue = false;
     };
+    /// The same of all other streams.
+    struct Others {
+        /// Streams that should have sent.
+        std::size_t due = 0;
+        /// Those of them that lost packets.
+        std::size_t lost = 0;
+        std::uint64_t inSequence = 0;
+        /// Of these, frames of other sources than the hole's.
+        std::uint64_t inSequenceOfOtherSources = 0;
+    };
 
+    [[nodiscard]] Others lookAtOthers(Hole const& hole) const;
     [[nodiscard]] Meanwhile lookAt(std::size_t stream, Hole const& hole) const;
     [[nodiscard]] std::vector<StreamPart const*> partsOf(std::size_t stream,
                                                          Hole const& hole) const;

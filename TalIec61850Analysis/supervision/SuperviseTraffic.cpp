@@ -167,10 +167,7 @@ std::uint32_t samplesInFrame(TrafficStream const& stream) {
 }
 
 detail::SvCourse courseOf(detail::FoundRate const& found, std::uint32_t inFrame, bool isRedundant) {
-    constexpr double kSecond = 1e9;
-    return {.count = {.wrap = found.wrap,
-                      .interval = found.rate.isKnown() ? kSecond / found.rate.perSecond() : 0,
-                      .atOnce = found.asdus},
+    return {.count = found.countRule(),
             .rate = found.rate,
             .inFrame = inFrame,
             .isRedundant = isRedundant};
@@ -353,7 +350,7 @@ void superviseTraffic(TrafficIndex const& index, SupervisionOptions const& optio
     for (StreamFindings& each : findings) {
         each.takeInto(all);
     }
-    detail::addCaptureGaps(index, all);
+    detail::addCaptureGaps(all);
     detail::addClockSteps(index, steps, all);
     detail::addDrops(drops, all);
     detail::addUnread(index, all);

@@ -331,6 +331,11 @@ void SvSupervisor::take(SvObservation const& packet, FindingSink sink) {
     if (packet.way != last_.way && takeFromOtherWay(packet)) {
         return;
     }
+    takeCounted(packet, sink);
+    heard_ = packet.arrival;
+}
+
+void SvSupervisor::takeCounted(SvObservation const& packet, FindingSink sink) {
     std::int64_t const newestBefore = counter_.newest();
     CountStep const step = counter_.add(packet.smpCnt, packet.arrival);
     switch (step) {
@@ -362,7 +367,6 @@ void SvSupervisor::take(SvObservation const& packet, FindingSink sink) {
             begin(packet, sink);
             break;
     }
-    heard_ = packet.arrival;
 }
 
 void SvSupervisor::takeUncounted(SvObservation const& packet, FindingSink sink) {

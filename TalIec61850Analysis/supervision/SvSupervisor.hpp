@@ -110,6 +110,7 @@ private:
     void takeNext(SvObservation const& packet, std::int64_t newestBefore, FindingSink sink);
     [[nodiscard]] bool isJump(SvObservation const& packet, std::int64_t advance) const;
     bool takeFromOtherWay(SvObservation const& packet);
+    void takeCounted(SvObservation const& packet, FindingSink sink);
     void takeUncounted(SvObservation const& packet, FindingSink sink);
     void begin(SvObservation const& packet, FindingSink sink);
     void beginJitter(FindingSink sink);

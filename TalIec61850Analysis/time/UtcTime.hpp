@@ -20,6 +20,12 @@ struct UtcTime {
     /// The fraction in nanoseconds, cut: at most one nanosecond early, while the unit is 60.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::uint32_t nanoseconds() const noexcept;
 
+    /// The whole, in nanoseconds since 1970, cut likewise.
+    [[nodiscard]] std::int64_t nanosecondsSince1970() const noexcept {
+        constexpr std::int64_t kSecond = 1'000'000'000;
+        return std::int64_t{seconds} * kSecond + nanoseconds();
+    }
+
     /// The clock takes leap seconds into account.
     [[nodiscard]] bool leapSecondsKnown() const { return (quality & 0x80U) != 0; }
     /// The clock has failed.

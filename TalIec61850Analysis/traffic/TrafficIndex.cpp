@@ -3,17 +3,10 @@
 #include <algorithm>
 #include <iterator>
 #include <utility>
-#include <variant>
 
 namespace TalIec61850Analysis {
 
 namespace {
-
-/// The number that an attribute is, if it is there and is one.
-std::optional<std::uint64_t> numberIn(std::optional<Readable<std::uint64_t>> const& attribute) {
-    auto const* const number = attribute ? std::get_if<std::uint64_t>(&*attribute) : nullptr;
-    return number != nullptr ? std::optional(*number) : std::nullopt;
-}
 
 /// The largest smpCnt and one more, where the count falls by half or more of it somewhere.
 std::optional<double> rateByCounts(TrafficStream const& stream) {
@@ -59,13 +52,13 @@ std::optional<double> TrafficIndex::nominalRate(TrafficStream const& stream) con
     if (!stream.parts.empty() && !stream.parts.back().changes.empty()) {
         StreamPart const& part = stream.parts.back();
         StreamAttributes const& all = attributes(part, part.changes.back());
-        auto const rate = numberIn(all.smpRate);
-        auto const unit = numberIn(all.smpMod);
-        bool const isRate = rate.value_or(0) != 0;
-        if (isRate && unit == kSamplesPerSecond) {
+        auto const* const rate = valueIn(all.smpRate);
+        auto const* const unit = valueIn(all.smpMod);
+        bool const isRate = rate != nullptr && *rate != 0 && unit != nullptr;
+        if (isRate && *unit == kSamplesPerSecond) {
             return static_cast<double>(*rate);
         }
-        if (isRate && unit == kSecondsPerSample) {
+        if (isRate && *unit == kSecondsPerSample) {
             return 1 / static_cast<double>(*rate);
         }
     }

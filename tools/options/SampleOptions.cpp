@@ -4,11 +4,9 @@
 #include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "tools/options/JobsOption.hpp"
@@ -16,6 +14,7 @@
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/NearestWords.hpp"
+#include "tools/selection/SampleTypeNames.hpp"
 
 namespace TalIec61850Tools {
 
@@ -25,34 +24,6 @@ using TalIec61850Analysis::SampleType;
 namespace {
 
 constexpr char const* kSamplesGroup = "Which samples";
-
-/// The types by their names, which are those of IEC 61850-7-2 in small letters.
-constexpr std::array<std::pair<std::string_view, SampleType>, 15> kTypes = {{
-    {"boolean", SampleType::boolean},
-    {"int8", SampleType::int8},
-    {"int16", SampleType::int16},
-    {"int24", SampleType::int24},
-    {"int32", SampleType::int32},
-    {"int64", SampleType::int64},
-    {"int8u", SampleType::int8u},
-    {"int16u", SampleType::int16u},
-    {"int24u", SampleType::int24u},
-    {"int32u", SampleType::int32u},
-    {"float32", SampleType::float32},
-    {"float64", SampleType::float64},
-    {"enum", SampleType::enumerated},
-    {"quality", SampleType::quality},
-    {"timestamp", SampleType::timestamp},
-}};
-
-std::vector<std::string> typeNames() {
-    std::vector<std::string> names;
-    names.reserve(kTypes.size());
-    for (auto const& [name, type] : kTypes) {
-        names.emplace_back(name);
-    }
-    return names;
-}
 
 /// The parts of a list, commas between them.
 std::vector<std::string> partsOf(std::string const& text) {
@@ -75,16 +46,14 @@ SampleLayout toLayout(std::string const& text) {
     constexpr std::size_t kMostMembers = 8192;
     std::vector<SampleType> members;
     for (std::string const& part : partsOf(text)) {
-        auto const* const known = std::find_if(kTypes.begin(), kTypes.end(), [&](auto const& type) {
-            return isSameWord(type.first, part);
-        });
-        if (known == kTypes.end()) {
+        auto const type = typeOfWord(part);
+        if (!type) {
             throw CLI::ValidationError(
                 "--layout",
                 fmt::format("{} is none of {}{}", part.empty() ? "\"\"" : part,
-                            fmt::join(typeNames(), ", "), didYouMean(part, typeNames())));
+                            fmt::join(typeWords(), ", "), didYouMean(part, typeWords())));
         }
-        members.push_back(known->second);
+        members.push_back(*type);
         if (members.size() > kMostMembers) {
             throw CLI::ValidationError("--layout", "there are more members than any frame has");
         }
@@ -186,7 +155,7 @@ std::string layoutNotes() {
         "goes for streams with samples of that length. Without it, the layout is inferred from "
         "some hundred ASDUs of each stream: INT32 and quality, FLOAT32 and quality, FLOAT32, or "
         "a value and its time; what looks like none of these is given as octets.",
-        fmt::join(typeNames(), ", "));
+        fmt::join(typeWords(), ", "));
 }
 
 }  // namespace TalIec61850Tools

@@ -164,13 +164,12 @@ std::optional<double> frequencyOf(TrafficIndex const& index, TrafficStream const
                                   SampleRate const& rate) {
     StreamPart const& part = stream.parts.back();
     StreamAttributes const& all = index.attributes(part, part.changes.back());
-    auto const numberIn = [](std::optional<Readable<std::uint64_t>> const& attribute) {
-        auto const* const number = attribute ? std::get_if<std::uint64_t>(&*attribute) : nullptr;
-        return number != nullptr ? *number : 0;
-    };
+    auto const* const declared = valueIn(all.smpRate);
+    auto const* const unit = valueIn(all.smpMod);
+    bool const isOfPeriods = declared != nullptr && (unit == nullptr || *unit == 0);
     for (std::uint32_t const frequency : {50U, 60U}) {
-        if (numberIn(all.smpMod) == 0 && rate.seconds == 1 &&
-            numberIn(all.smpRate) * frequency == rate.samples && rate.samples != 0) {
+        if (isOfPeriods && rate.isKnown() && rate.seconds == 1 &&
+            *declared * frequency == rate.samples) {
             return frequency;
         }
     }
@@ -285,48 +284,52 @@ void SampleRecord::surveySource(std::size_t number) {
     RecordSource const& source = wish_.sources[number];
     bool const withValues = needsExtents();
     GridStream stream = open(source, survey_.grid, withValues);
-    std::vector<Extent>& extents = extents_[number];
-    extents.resize(source.layout.channels().size());
+    extents_[number].resize(source.layout.channels().size());
     std::int64_t row = 0;
     while (auto const span = stream.at(row)) {
         row = span->row + static_cast<std::int64_t>(span->count);
         if (span->block == nullptr) {
             continue;
         }
-        SampleBlock const& block = *span->block;
-        survey_.rateSource = block.run.rateSource;
-        for (std::size_t i = span->first; i < span->first + span->count; ++i) {
-            if (block.states[i] == SampleState::missing) {
-                continue;
+        countSamples(*span);
+        if (withValues) {
+            for (std::size_t const channel : source.channels) {
+                extents_[number][channel].add(*span, channel);
             }
+        }
+    }
+    survey_.rows = std::max(survey_.rows, static_cast<std::uint64_t>(row));
+}
+
+void SampleRecord::countSamples(GridSpan const& span) {
+    SampleBlock const& block = *span.block;
+    survey_.rateSource = block.run.rateSource;
+    for (std::size_t i = span.first; i < span.first + span.count; ++i) {
+        if (block.states[i] != SampleState::missing) {
             ++survey_.received;
             ++survey_.timeSources[static_cast<std::size_t>(block.timeSources[i])];
             survey_.isGlobal = survey_.isGlobal && block.smpSynchs[i] == kGlobal;
         }
-        if (!withValues) {
-            continue;
-        }
-        for (std::size_t const channel : source.channels) {
-            if (channel >= block.channels.size()) {
+    }
+}
+
+void SampleRecord::Extent::add(GridSpan const& span, std::size_t channel) {
+    SampleBlock const& block = *span.block;
+    if (channel >= block.channels.size()) {
+        return;
+    }
+    auto const addAll = [&](auto const& values) {
+        for (std::size_t i = span.first; i < span.first + span.count; ++i) {
+            auto const value = static_cast<double>(values[i]);
+            if (block.states[i] == SampleState::missing || !std::isfinite(value)) {
                 continue;
             }
-            std::visit(
-                [&](auto const& values) {
-                    for (std::size_t i = span->first; i < span->first + span->count; ++i) {
-                        auto const value = static_cast<double>(values[i]);
-                        if (block.states[i] == SampleState::missing || !std::isfinite(value)) {
-                            continue;
-                        }
-                        Extent& extent = extents[channel];
-                        extent.smallest = extent.isKnown ? std::min(extent.smallest, value) : value;
-                        extent.largest = extent.isKnown ? std::max(extent.largest, value) : value;
-                        extent.isKnown = true;
-                    }
-                },
-                block.channels[channel].values);
+            smallest = isKnown ? std::min(smallest, value) : value;
+            largest = isKnown ? std::max(largest, value) : value;
+            isKnown = true;
         }
-    }
-    survey_.rows = std::max(survey_.rows, static_cast<std::uint64_t>(row));
+    };
+    std::visit(addAll, block.channels[channel].values);
 }
 
 void SampleRecord::describe() {

@@ -101,6 +101,9 @@ private:
         double smallest = 0;
         double largest = 0;
         bool isKnown = false;
+
+        /// Looks at the samples of some rows.
+        void add(GridSpan const& span, std::size_t channel);
     };
 
     [[nodiscard]] GridStream open(RecordSource const& source, std::optional<RecordGrid> grid,
@@ -110,6 +113,7 @@ private:
     [[nodiscard]] static bool findMake(RecordSource& source, GridStream& stream,
                                        GridStream::PlaceText const& placeText);
     void surveySource(std::size_t number);
+    void countSamples(GridSpan const& span);
     void describe();
     void describeSource(std::size_t number);
     void describeQuality(std::string const& channel);

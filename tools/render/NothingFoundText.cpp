@@ -49,7 +49,7 @@ Texts lanesOf(std::array<std::uint64_t, 2> const& over) {
 }
 
 std::optional<std::uint64_t> confRevOf(StreamRow const& row) {
-    auto const* const number = row.confRev ? std::get_if<std::uint64_t>(&*row.confRev) : nullptr;
+    auto const* const number = TalIec61850Analysis::valueIn(row.confRev);
     return number == nullptr ? std::nullopt : std::optional(*number);
 }
 

@@ -78,7 +78,7 @@ Json fieldJson(std::optional<Value> const& field) {
 /// The name of a number's meaning; null where there is no number.
 template <typename Name>
 Json meaningJson(std::optional<Readable<std::uint64_t>> const& field, Name const& name) {
-    auto const* const number = field ? std::get_if<std::uint64_t>(&*field) : nullptr;
+    auto const* const number = valueIn(field);
     return number != nullptr ? Json(name(*number)) : Json();
 }
 

@@ -67,7 +67,7 @@ void addWord(std::string_view name, std::optional<std::uint16_t> word, TextTree&
 template <typename Name>
 void addNamed(std::string_view name, std::optional<Readable<std::uint64_t>> const& field,
               Name const& meaning, TextTree& tree) {
-    auto const* const number = field ? std::get_if<std::uint64_t>(&*field) : nullptr;
+    auto const* const number = valueIn(field);
     if (number != nullptr) {
         tree.add(name, fmt::format("{} ({})", *number, meaning(*number)));
     } else {

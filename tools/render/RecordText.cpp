@@ -11,17 +11,6 @@ using namespace TalIec61850Analysis;
 
 namespace {
 
-std::string_view nameOf(ComtradeData data) {
-    switch (data) {
-        case ComtradeData::ascii:
-            return "ASCII";
-        case ComtradeData::binary:
-            return "BINARY";
-        default:
-            return "BINARY32";
-    }
-}
-
 /// How a channel's samples are stored, where not as they are.
 std::string stepText(ComtradeAnalog const& analog) {
     if (analog.step == ComtradeStep()) {
@@ -39,7 +28,7 @@ std::string recordText(ComtradeRecord const& record, RecordRemarks const& remark
     for (std::string const& file : remarks.files) {
         text += "  " + file + "\n";
     }
-    text += fmt::format("\nFormat: {}, edition {}.\n", nameOf(record.format.data),
+    text += fmt::format("\nFormat: {}, edition {}.\n", comtradeName(record.format.data),
                         static_cast<unsigned>(record.format.edition));
     text += fmt::format("Rows: {}, from {}.\nRate: {}.\n", record.rows, toUtcText(record.start),
                         remarks.rate);

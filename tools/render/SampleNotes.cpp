@@ -50,7 +50,7 @@ std::string confRevText(StreamAttributes const& attributes) {
     if (!attributes.confRev) {
         return "none";
     }
-    auto const* const number = std::get_if<std::uint64_t>(&*attributes.confRev);
+    auto const* const number = valueIn(attributes.confRev);
     return number != nullptr ? std::to_string(*number)
                              : toHex(std::get<OctetString>(*attributes.confRev));
 }

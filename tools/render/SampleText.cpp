@@ -7,47 +7,13 @@
 #include <variant>
 
 #include "tools/output/Plural.hpp"
+#include "tools/selection/SampleTypeNames.hpp"
 
 namespace TalIec61850Tools {
 
 using namespace TalIec61850Analysis;
 
 namespace {
-
-std::string_view typeName(SampleType type) {
-    switch (type) {
-        case SampleType::boolean:
-            return "BOOLEAN";
-        case SampleType::int8:
-            return "INT8";
-        case SampleType::int16:
-            return "INT16";
-        case SampleType::int24:
-            return "INT24";
-        case SampleType::int32:
-            return "INT32";
-        case SampleType::int64:
-            return "INT64";
-        case SampleType::int8u:
-            return "INT8U";
-        case SampleType::int16u:
-            return "INT16U";
-        case SampleType::int24u:
-            return "INT24U";
-        case SampleType::int32u:
-            return "INT32U";
-        case SampleType::float32:
-            return "FLOAT32";
-        case SampleType::float64:
-            return "FLOAT64";
-        case SampleType::enumerated:
-            return "enumeration";
-        case SampleType::quality:
-            return "quality";
-        default:
-            return "timestamp";
-    }
-}
 
 void appendWord(OctetString& octets, std::uint32_t word) {
     for (unsigned shift = 32; shift > 0; shift -= 8) {
@@ -101,7 +67,7 @@ std::string layoutText(FoundLayout const& layout, std::size_t dataSize) {
     std::string pattern;
     for (std::size_t i = 0; i < period; ++i) {
         pattern += pattern.empty() ? "" : ", ";
-        pattern += typeName(members[i]);
+        pattern += typeText(members[i]);
     }
     return fmt::format("{} x ({})", members.size() / period, pattern);
 }

@@ -26,7 +26,7 @@ bool meetsLane(std::vector<char> const& wanted, PacketFlags flags,
 }
 
 std::optional<std::uint64_t> numberOf(std::optional<Readable<std::uint64_t>> const& field) {
-    auto const* const number = field ? std::get_if<std::uint64_t>(&*field) : nullptr;
+    auto const* const number = TalIec61850Analysis::valueIn(field);
     return number != nullptr ? std::optional(*number) : std::nullopt;
 }
 

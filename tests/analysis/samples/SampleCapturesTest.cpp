@@ -178,7 +178,8 @@ TEST(SamplesOfCaptures, AreTheOctetsOfTheirFiles) {
         }
     }
     EXPECT_GE(streams, 10U);
-    EXPECT_GE(compared, 500U);
+    // The project's own captures have few samples; a recorded one has thousands.
+    EXPECT_GE(compared, capture("sv-92le-4000hz-three-phase-fault.pcap") ? 10'000U : 600U);
 }
 
 TEST(SamplesOfCaptures, AreThoseOfTheRecordedFault) {
