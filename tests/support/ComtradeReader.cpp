@@ -298,10 +298,12 @@ void checkRow(FieldReader const& place, ReadComtrade const& record, ReadRow cons
                                   static_cast<double>(*stored) <= record.analogs[i].highest),
                       "a sample that is not between min and max");
     }
-    auto const before = record.rows.empty() ? std::nullopt : record.rows.back().stamp;
-    place.require(record.rows.empty() || before.has_value() == row.stamp.has_value(),
-                  "stamps on some rows only");
-    place.require(!before || *before <= row.stamp.value_or(0),
+    if (record.rows.empty()) {
+        return;
+    }
+    auto const& before = record.rows.back().stamp;
+    place.require(before.has_value() == row.stamp.has_value(), "stamps on some rows only");
+    place.require(before.value_or(0) <= row.stamp.value_or(0),
                   "a stamp that is before the last one");
 }
 
