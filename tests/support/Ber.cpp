@@ -57,7 +57,12 @@ Bytes ber(std::uint8_t tag, std::initializer_list<std::uint8_t> value, LengthFor
 }
 
 Bytes berClaiming(std::uint8_t tag, Bytes const& lengthOctets, Bytes const& value) {
-    return concat({{tag}, lengthOctets, value});
+    Bytes element;
+    element.reserve(1 + lengthOctets.size() + value.size());
+    element.push_back(tag);
+    element.insert(element.end(), lengthOctets.begin(), lengthOctets.end());
+    element.insert(element.end(), value.begin(), value.end());
+    return element;
 }
 
 Bytes nested(std::uint8_t tag, std::size_t levels, Bytes const& innermost) {

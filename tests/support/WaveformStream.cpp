@@ -194,6 +194,7 @@ void WaveformStream::makeSamples(bool isLost) {
 Bytes WaveformStream::makeFrame(char lan) {
     SvMessage message;
     message.asdus.clear();
+    message.asdus.reserve(settings_.asdus);
     std::size_t const first = samples_.size() - settings_.asdus;
     std::size_t content = 0;
     std::vector<std::size_t> places;
@@ -211,12 +212,18 @@ Bytes WaveformStream::makeFrame(char lan) {
         asdu.seqData = row.octets;
         places.push_back(content);
         content += asduElement(asdu).size();
-        message.asdus.push_back(asdu);
+        message.asdus.push_back(std::move(asdu));
     }
     Ethernet ethernet = settings_.ethernet;
     if (settings_.copies == WaveCopies::prp) ethernet = ethernet.withPrp(lan, redundancySequence_);
     if (settings_.copies == WaveCopies::hsr) ethernet = ethernet.withHsr(lan, redundancySequence_);
-    std::size_t const sequence = payloadOffset(ethernet) + 8 + sequenceOffset(message);
+    // What is before the sequence is as long wherever the sequence is.
+    auto const known = sequenceOffsets_.find(content);
+    std::size_t const inPdu =
+        known != sequenceOffsets_.end()
+            ? known->second
+            : sequenceOffsets_.emplace(content, sequenceOffset(message)).first->second;
+    std::size_t const sequence = payloadOffset(ethernet) + 8 + inPdu;
     for (std::size_t i = 0; i < places.size(); ++i) {
         samples_[first + i].offsetInFrame = sequence + headOf(content) + places[i];
     }

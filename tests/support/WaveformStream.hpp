@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <random>
 #include <string>
@@ -211,6 +212,8 @@ private:
     std::size_t file_ = 0;
     bool isTwice_ = false;
     std::uint16_t redundancySequence_ = 0;
+    /// By the octets of the ASDUs.
+    std::map<std::size_t, std::size_t> sequenceOffsets_;
     std::mt19937 random_;
 
     /// All, in the order in which they were taken.

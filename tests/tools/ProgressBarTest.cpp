@@ -79,12 +79,16 @@ TEST(ProgressLine, TakesMoreThanAllForAllAndNothingForNothing) {
     EXPECT_EQ(Progress().timeLeft(), std::nullopt);
 }
 
-Bytes longCapture() {
-    CaptureBuilder capture;
-    for (std::uint32_t i = 0; i < 40'000; ++i) {
-        capture.add(i, 0, oneSv());
-    }
-    return capture.bytes();
+Bytes const& longCapture() {
+    static Bytes const made = [] {
+        Bytes const frame = oneSv();
+        CaptureBuilder capture;
+        for (std::uint32_t i = 0; i < 40'000; ++i) {
+            capture.add(i, 0, frame);
+        }
+        return capture.bytes();
+    }();
+    return made;
 }
 
 /// With the begin of one record more.

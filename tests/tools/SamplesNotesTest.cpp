@@ -187,7 +187,7 @@ TEST(SamplesNotes, TellOfACaptureThatShrankSinceItWasIndexed) {
     // The capture is cut while the program waits for its first rows to be taken: there are more
     // than a pipe holds.
     WaveformStream stream(declaredWave());
-    Bytes const capture = stream.send(60'000).captures()[0];
+    Bytes const capture = stream.send(20'000).captures()[0];
     TempDir const folder;
     auto const path = folder.write("mu.pcap", capture);
     auto const result =
