@@ -65,6 +65,7 @@
 #include <TalIec61850Analysis/samples/SampleRun.hpp>
 #include <TalIec61850Analysis/samples/SampleTimeSource.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
+#include <TalIec61850Analysis/supervision/LiveSupervision.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
@@ -73,6 +74,7 @@
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <TalIec61850Analysis/traffic/TrafficFollower.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficOptions.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>

@@ -52,8 +52,9 @@ detail::InterfaceTable classicTable(Descriptor const& file,
 
 /// It stays where it is, since parts of it refer to others.
 struct CaptureFile::State {
-    State(std::string const& path, ReadMode mode)
-        : file(detail::openToRead(path)),
+    State(std::string const& path, ReadMode readMode)
+        : mode(readMode),
+          file(detail::openToRead(path)),
           size(sizeOf(file)),
           identity(identityOf(file)),
           kind(detail::recogniseStart(file)),
@@ -79,6 +80,7 @@ struct CaptureFile::State {
         return detail::NextGenerationDecoder(size, table);
     }
 
+    ReadMode mode;
     Descriptor file;
     std::uint64_t size;
     FileIdentity identity;
@@ -102,6 +104,28 @@ bool CaptureFile::readMore() {
     next_ = records.data();
     end_ = next_ + records.size();
     return !records.empty();
+}
+
+bool CaptureFile::readOn() {
+    detail::RecordWalk& walk = state_->walk;
+    auto const& damage = walk.walked().final();
+    bool const mayGrow = !damage || damage->kind == CaptureDamageKind::recordCut ||
+                         damage->kind == CaptureDamageKind::recordHeaderCut;
+    if (next_ != end_ || !walk.walked().isFinished()) {
+        return true;
+    }
+    if (!mayGrow) {
+        return false;
+    }
+    std::uint64_t const size = sizeOf(state_->file);
+    if (size <= state_->size) {
+        return false;
+    }
+    state_->size = size;
+    state_->finder.grow(size);
+    walk = detail::RecordWalk(state_->file, size, walk.position(),
+                              detail::withFileSize(walk.decoder(), size), state_->mode);
+    return true;
 }
 
 std::uint64_t CaptureFile::offsetAfter() const noexcept { return state_->walk.position(); }

@@ -19,9 +19,9 @@ namespace TalIec61850Analysis {
 /// descriptor is open as long as this object lives. Memory is taken for octets that the file holds,
 /// never for what a header claims, and less than 20 MiB whatever the file.
 ///
-/// What the file has when it is opened is read; what is appended later is not. A file that is
-/// replaced by another of its name is read on. One that becomes shorter ends where it does then:
-/// `CaptureDamageKind::fileShrank`.
+/// What the file has when it is opened is read; what is appended later is read where `readOn` asks
+/// for it. A file that is replaced by another of its name is read on. One that becomes shorter ends
+/// where it does then: `CaptureDamageKind::fileShrank`.
 class CaptureFile {
 public:
     /// Opens the file, and reads what it starts with. A file that is no capture has no records, and
@@ -48,6 +48,14 @@ public:
         return next_++;
     }
 
+    /// Lets `next` go on with what was appended to the file, once it has given null: first with the
+    /// record that the file ended inside. What `damage`, `damages` and `cutRecord` tell is that of
+    /// the octets read from then on.
+    /// @return whether there is more; never after damage other than the end of the file inside a
+    ///         record
+    /// @throws std::system_error  the file cannot be asked for its size
+    [[nodiscard]] TALIEC61850ANALYSIS_EXPORT bool readOn();
+
     /// The damage that ended the file. It is known once `next` gave null; not set for a file that
     /// was read to its end.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<CaptureDamage> const& damage()
@@ -70,7 +78,7 @@ public:
     /// How the file is written; classic for a file that is no capture.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT CaptureFormat format() const noexcept;
 
-    /// Octets in the file when it was opened.
+    /// Octets in the file when it was opened, or read on.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::uint64_t size() const noexcept;
 
     /// What tells the open file from others.

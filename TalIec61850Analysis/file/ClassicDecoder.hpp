@@ -31,6 +31,9 @@ public:
 
     /// How records are counted: only where the file is read the first time.
     void setCounting(bool isCounting) { isCounting_ = isCounting; }
+    /// The file has grown.
+    /// @param fileSize  in octets
+    void setFileSize(std::uint64_t fileSize) { fileSize_ = fileSize; }
 
     [[nodiscard]] TalIec61850Parser::wire::CaptureVariant variant() const { return variant_; }
 

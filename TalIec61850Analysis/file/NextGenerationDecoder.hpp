@@ -31,6 +31,9 @@ public:
 
     /// How records and statistics are counted: only where the file is read the first time.
     void setCounting(bool isCounting) { isCounting_ = isCounting; }
+    /// The file has grown.
+    /// @param fileSize  in octets
+    void setFileSize(std::uint64_t fileSize) { fileSize_ = fileSize; }
 
     [[nodiscard]] bool isLittleEndian() const { return section_.isLittleEndian; }
 

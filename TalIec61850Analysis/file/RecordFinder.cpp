@@ -33,6 +33,14 @@ void RecordFinder::note(RecordWalk const& walk) {
     }
 }
 
+void RecordFinder::grow(std::uint64_t fileSize) {
+    fileSize_ = fileSize;
+    isWalked_ = false;
+    for (Place& place : places_) {
+        place.decoder = withFileSize(place.decoder, fileSize);
+    }
+}
+
 std::optional<CaptureRecord> RecordFinder::find(std::uint64_t fileOffset) {
     if (fileOffset < places_.front().fileOffset || fileOffset >= fileSize_) {
         return std::nullopt;

@@ -23,6 +23,10 @@ public:
     /// Keeps where a walk has come to, which began at the start or at a place kept before.
     void note(RecordWalk const& walk);
 
+    /// The file has grown.
+    /// @param fileSize  in octets
+    void grow(std::uint64_t fileSize);
+
     /// @return none where no record holds the offset
     /// @throws std::system_error  the file cannot be read
     [[nodiscard]] std::optional<CaptureRecord> find(std::uint64_t fileOffset);

@@ -24,6 +24,12 @@ using Decoder = std::variant<ClassicDecoder, NextGenerationDecoder>;
     return decoder;
 }
 
+/// The same decoder for a file that has grown.
+[[nodiscard]] inline Decoder withFileSize(Decoder decoder, std::uint64_t fileSize) {
+    std::visit([&](auto& either) { either.setFileSize(fileSize); }, decoder);
+    return decoder;
+}
+
 /// A walk over records, some of them at a time.
 class RecordWalk {
 public:
@@ -45,7 +51,8 @@ public:
     /// Nothing can be read.
     void finish(CaptureDamage const& damage) { walked_.finish(damage); }
 
-    /// Where the record or block after those read last is in the file.
+    /// Where the record or block after those read last is in the file; that which the file ends
+    /// inside is not read.
     [[nodiscard]] std::uint64_t position() const { return position_; }
     /// What decodes it.
     [[nodiscard]] Decoder const& decoder() const { return decoder_; }

@@ -70,6 +70,12 @@ void addDrops(TrafficIndex const& index, std::uint32_t file, std::stop_token con
         if (stop.stop_requested()) {
             return;
         }
+        if (record->record.fileOffset < summary.startOffset) {
+            continue;
+        }
+        if (record->record.fileOffset >= summary.fileSize) {
+            break;
+        }
         std::int64_t const time =
             record->record.time ? record->record.time->time_since_epoch().count() : before;
         if (record->record.dropped.value_or(0) > 0) {

@@ -45,6 +45,9 @@ struct CaptureSummary {
     std::string path;
     /// Octets of the file.
     std::uint64_t fileSize = 0;
+    /// Where reading began, in octets from the start of the file: not 0 where TrafficFollower went
+    /// on in a file that has grown. What is counted below is of what was read.
+    std::uint64_t startOffset = 0;
     /// How the file is written.
     CaptureFormat format = CaptureFormat::classic;
     /// What the file says of the interfaces that its records come from.

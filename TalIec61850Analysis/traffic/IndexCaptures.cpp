@@ -22,40 +22,45 @@ constexpr std::uint64_t kRecordsBetweenCalls = 8192;
 
 }  // namespace
 
+void indexRecords(CaptureFile& capture, TrafficOptions const& options, FileIndexer& indexer,
+                  std::function<void(std::uint64_t)> const& progress) {
+    CaptureSummary& summary = indexer.summary();
+    summary.fileSize = capture.size();
+    summary.format = capture.format();
+    std::uint64_t untilCall = kRecordsBetweenCalls;
+    while (RecordView const* const view = capture.next()) {
+        indexer.add(*view);
+        if (--untilCall == 0) {
+            untilCall = kRecordsBetweenCalls;
+            if (progress) {
+                progress(view->record.frameOffset + view->frame.size());
+            }
+            if (options.stop.stop_requested()) {
+                summary.stopped = true;
+                break;
+            }
+        }
+    }
+    summary.damage = capture.damage();
+    summary.damages.assign(capture.damages().begin(), capture.damages().end());
+    summary.damageCount = capture.damageCount();
+    summary.interfaces.assign(capture.interfaces().begin(), capture.interfaces().end());
+    if (progress) {
+        progress(summary.fileSize);
+    }
+}
+
 FileTraffic indexFile(std::string const& path, std::uint32_t number, TrafficOptions const& options,
                       WalkMemory memory, std::function<void(std::uint64_t)> const& progress) {
     FileIndexer indexer(options.keeps, memory);
-    CaptureSummary& summary = indexer.summary();
-    summary.path = path;
-    FileTraffic traffic;
+    indexer.summary().path = path;
     try {
         CaptureFile capture(path, options.read);
-        summary.fileSize = capture.size();
-        summary.format = capture.format();
-        std::uint64_t untilCall = kRecordsBetweenCalls;
-        while (RecordView const* const view = capture.next()) {
-            indexer.add(*view);
-            if (--untilCall == 0) {
-                untilCall = kRecordsBetweenCalls;
-                if (progress) {
-                    progress(view->record.frameOffset + view->frame.size());
-                }
-                if (options.stop.stop_requested()) {
-                    summary.stopped = true;
-                    break;
-                }
-            }
-        }
-        summary.damage = capture.damage();
-        summary.damages.assign(capture.damages().begin(), capture.damages().end());
-        summary.damageCount = capture.damageCount();
-        summary.interfaces.assign(capture.interfaces().begin(), capture.interfaces().end());
-        if (progress) {
-            progress(summary.fileSize);
-        }
+        indexRecords(capture, options, indexer, progress);
     } catch (std::system_error const& error) {
-        summary.error = error.code();
+        indexer.summary().error = error.code();
     }
+    FileTraffic traffic;
     traffic.streams = indexer.takeStreams(number);
     traffic.file = indexer.takeFile();
     return traffic;

@@ -2,6 +2,7 @@
 
 // Internal: the index of one file, before it is joined with others.
 
+#include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficOptions.hpp>
@@ -19,6 +20,13 @@ struct FileTraffic {
     /// In the order of their keys.
     std::vector<TrafficStream> streams;
 };
+
+/// Indexes the records that a capture has from where it is on.
+/// @param indexer   is given the records, and the summary but for its path
+/// @param progress  called now and then with the octets of the file that were read; may be empty
+/// @throws std::system_error  the file cannot be read; what was read before is in the indexer
+void indexRecords(CaptureFile& capture, TrafficOptions const& options, FileIndexer& indexer,
+                  std::function<void(std::uint64_t)> const& progress = {});
 
 /// Indexes one file. What the operating system refuses is in the summary.
 /// @param number    of the file in the index

@@ -226,6 +226,26 @@ void ColumnsWriter::reserve(std::size_t capacity) {
     columns_.capacity_ = capacity;
 }
 
+void ColumnsWriter::addAll(PacketColumns const& columns, std::size_t from) {
+    bool const isGoose = columns.isGoose();
+    for (auto const& wide : columns.wide_) {
+        if (wide.packet >= from) {
+            columns_.wide_.push_back(wide);
+            columns_.wide_.back().packet += static_cast<std::uint32_t>(size() - from);
+        }
+    }
+    for (std::size_t i = from; i < columns.size(); ++i) {
+        add(0, 0) = {.time = columns.times()[i],
+                     .frameOffset = columns.frameOffsets()[i],
+                     .first = isGoose ? columns.stNums()[i] : columns.smpCnts()[i],
+                     .second = isGoose ? columns.sqNums()[i] : columns.smpSynchs()[i],
+                     .pduOffset = columns.pduOffsets()[i],
+                     .sequence = columns.redundancySequences()[i],
+                     .flags = columns.flags()[i].bits,
+                     .asdu = isGoose ? std::uint16_t{0} : columns.asdus()[i]};
+    }
+}
+
 PacketColumns ColumnsWriter::take() {
     std::size_t const size = this->size();
     // Of small blocks, room that is not used lies among what is. A little is not worth a copy.

@@ -41,6 +41,9 @@ public:
         }
         return stage_[staged_++];
     }
+    /// Adds the packets that columns have from one on.
+    void addAll(PacketColumns const& columns, std::size_t from);
+
     /// How many packets were added.
     [[nodiscard]] std::size_t size() const { return columns_.size_ + staged_; }
 

@@ -1,4 +1,6 @@
+#include <TalIec61850Analysis/traffic/JoinFiles.hpp>
 #include <TalIec61850Analysis/traffic/MarkCopies.hpp>
+#include <TalIec61850Analysis/traffic/PacketRow.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
 #include <iterator>
@@ -111,17 +113,142 @@ void TrafficIndex::settle() {
     detail::CopyMarker copies;
     for (TrafficStream& stream : streams_) {
         copies.mark(stream.parts);
-        stream.packets = 0;
-        stream.copies = 0;
-        stream.duplicates = 0;
+        count(stream);
+    }
+}
+
+void TrafficIndex::count(TrafficStream& stream) {
+    stream.copies = 0;
+    stream.duplicates = 0;
+    for (StreamPart const& part : stream.parts) {
+        for (PacketFlags const& flag : part.packets.flags()) {
+            stream.duplicates += flag.isDuplicate() ? 1U : 0U;
+            stream.copies += flag.isCopy() && !flag.isDuplicate() ? 1U : 0U;
+        }
+    }
+    stream.packets = stream.size() - stream.copies - stream.duplicates;
+}
+
+void TrafficIndex::append(TrafficIndex added) {
+    std::vector<std::uint32_t> numbers;
+    // Those of the added files here, by their numbers there.
+    std::vector<std::vector<std::uint32_t>> attributes;
+    for (IndexedFile& file : added.files_) {
+        auto const known = std::find_if(
+            files_.rbegin(), files_.rend(),
+            [&](IndexedFile const& each) { return each.summary.path == file.summary.path; });
+        bool const isNew = known == files_.rend() || file.summary.startOffset == 0;
+        if (isNew) {
+            files_.push_back({});
+            files_.back().summary = std::move(file.summary);
+        }
+        IndexedFile& target = isNew ? files_.back() : *known;
+        if (!isNew) {
+            detail::joinSummaries(target.summary, std::move(file.summary));
+        }
+        numbers.push_back(static_cast<std::uint32_t>(&target - files_.data()));
+        attributes.push_back(detail::joinAttributes(target.attributes, file.attributes));
+    }
+    for (TrafficStream& stream : added.streams_) {
+        for (StreamPart& part : stream.parts) {
+            auto const& its = attributes[part.file];
+            part.file = numbers[part.file];
+            appendPart(stream.key, std::move(part), its);
+        }
+    }
+    settle();
+}
+
+/// @param attributes  the numbers here, by those that the part has
+void TrafficIndex::appendPart(StreamKey const& key, StreamPart part,
+                              std::vector<std::uint32_t> const& attributes) {
+    for (AttributeChange& change : part.changes) {
+        change.attributes = attributes[change.attributes];
+    }
+    auto stream =
+        std::lower_bound(streams_.begin(), streams_.end(), key,
+                         [](TrafficStream const& each, auto const& k) { return each.key < k; });
+    if (stream == streams_.end() || stream->key != key) {
+        stream = streams_.insert(stream, TrafficStream{});
+        stream->key = key;
+    }
+    auto const after =
+        std::partition_point(stream->parts.begin(), stream->parts.end(),
+                             [&](StreamPart const& each) { return each.file < part.file; });
+    if (after == stream->parts.end() || after->file != part.file) {
+        stream->parts.insert(after, std::move(part));
+        return;
+    }
+    auto const before = static_cast<std::uint32_t>(after->packets.size());
+    detail::ColumnsWriter writer(key.protocol);
+    writer.addAll(after->packets, 0);
+    writer.addAll(part.packets, 0);
+    after->packets = writer.take();
+    for (AttributeChange const& change : part.changes) {
+        if (after->changes.back().attributes != change.attributes) {
+            after->changes.push_back({before + change.firstPacket, change.attributes});
+        }
+    }
+}
+
+/// The earliest and the latest packet of a file.
+std::pair<std::optional<CaptureTime>, std::optional<CaptureTime>> TrafficIndex::timesOf(
+    std::uint32_t file) const {
+    std::optional<CaptureTime> first;
+    std::optional<CaptureTime> last;
+    for (TrafficStream const& stream : streams_) {
         for (StreamPart const& part : stream.parts) {
-            for (PacketFlags const& flag : part.packets.flags()) {
-                stream.duplicates += flag.isDuplicate() ? 1U : 0U;
-                stream.copies += flag.isCopy() && !flag.isDuplicate() ? 1U : 0U;
+            if (std::size_t const size = part.packets.timedSize(); part.file == file && size > 0) {
+                auto const earliest = part.packets.time(part.packets.inTimeOrder(0));
+                first = std::min(first.value_or(*earliest), *earliest);
+                last = std::max(last, part.packets.time(part.packets.inTimeOrder(size - 1)));
             }
         }
-        stream.packets = stream.size() - stream.copies - stream.duplicates;
     }
+    return {first, last};
+}
+
+void TrafficIndex::forgetBefore(
+    std::uint32_t file, std::uint64_t frameOffset,
+    std::function<std::size_t(StreamKey const&, PacketColumns const&)> const& keeps) {
+    for (TrafficStream& stream : streams_) {
+        for (StreamPart& part : stream.parts) {
+            if (part.file != file) {
+                continue;
+            }
+            auto const offsets = part.packets.frameOffsets();
+            auto const before = static_cast<std::size_t>(
+                std::lower_bound(offsets.begin(), offsets.end(), frameOffset) - offsets.begin());
+            std::size_t const kept =
+                keeps ? std::min(keeps(stream.key, part.packets), offsets.size()) : 0;
+            auto const gone = static_cast<std::uint32_t>(std::min(before, offsets.size() - kept));
+            if (gone == 0) {
+                continue;
+            }
+            detail::ColumnsWriter writer(stream.key.protocol);
+            writer.addAll(part.packets, gone);
+            part.packets = writer.take();
+            auto const next = std::find_if(
+                part.changes.begin(), part.changes.end(),
+                [&](AttributeChange const& change) { return change.firstPacket > gone; });
+            part.changes.erase(part.changes.begin(), next - 1);
+            for (AttributeChange& change : part.changes) {
+                change.firstPacket -= std::min(change.firstPacket, gone);
+            }
+        }
+        std::erase_if(stream.parts,
+                      [](StreamPart const& part) { return part.packets.size() == 0; });
+        count(stream);
+    }
+    std::erase_if(streams_, [](TrafficStream const& stream) { return stream.parts.empty(); });
+    CaptureSummary& summary = files_[file].summary;
+    summary.startOffset = std::max(summary.startOffset, frameOffset);
+    if (auto const [first, last] = timesOf(file); first) {
+        summary.first = first;
+        summary.last = last;
+    }
+    std::erase_if(summary.unread,
+                  [&](UnreadFrame const& frame) { return frame.frameOffset < frameOffset; });
 }
 
 }  // namespace TalIec61850Analysis

@@ -6,11 +6,14 @@
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Analysis/traffic/TrafficOptions.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace TalIec61850Analysis {
@@ -93,12 +96,35 @@ public:
     /// @throws std::system_error  a file cannot be read where frames of two have to be compared
     TALIEC61850ANALYSIS_EXPORT void merge(TrafficIndex other);
 
+    /// Adds what TrafficFollower has read on: to the file of its path that was added last, so that
+    /// the result is that of indexing the file as it is now. What was read from the start of a file
+    /// is added as another file.
+    /// @throws std::system_error  as `merge`
+    TALIEC61850ANALYSIS_EXPORT void append(TrafficIndex added);
+
+    /// Leaves out the packets and the unread frames at the start of a file, so that an index of a
+    /// file that grows need not grow. Streams without other packets go too. The times of the
+    /// file become those of the packets that stay, where any do; what is counted of it stays as it
+    /// is, and so do copies of packets that went.
+    /// @param file         its number
+    /// @param frameOffset  of the first frame that stays, in octets
+    /// @param keeps        asked how many of the last packets that the file has of a stream stay
+    ///                     even so; none where it is empty
+    TALIEC61850ANALYSIS_EXPORT void forgetBefore(
+        std::uint32_t file, std::uint64_t frameOffset,
+        std::function<std::size_t(StreamKey const&, PacketColumns const&)> const& keeps = {});
+
     /// File by file and stream by stream.
     friend bool operator==(TrafficIndex const&, TrafficIndex const&) = default;
 
 private:
     void join(std::vector<TrafficStream> streams);
     void settle();
+    static void count(TrafficStream& stream);
+    [[nodiscard]] std::pair<std::optional<CaptureTime>, std::optional<CaptureTime>> timesOf(
+        std::uint32_t file) const;
+    void appendPart(StreamKey const& key, StreamPart part,
+                    std::vector<std::uint32_t> const& attributes);
 
     std::vector<IndexedFile> files_;
     std::vector<TrafficStream> streams_;
