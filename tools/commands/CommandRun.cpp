@@ -6,6 +6,7 @@
 
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
@@ -38,8 +39,8 @@ std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
 
 }  // namespace
 
-CommandRun::CommandRun(CommonOptions const& options)
-    : options_(options), found_(findCaptures(options.files)) {
+CommandRun::CommandRun(CommonOptions const& options, FoundCaptures found)
+    : options_(options), found_(std::move(found)) {
     refuseToOverwrite(options_.outputFile);
     output_.emplace(options_.outputFile);
     for (auto const& fault : found_.faults) {
@@ -76,9 +77,15 @@ void CommandRun::note(std::string const& text) const {
 }
 
 void CommandRun::complainOf(std::string const& captureName, std::string const& fault) {
-    complain(fmt::format("{}: {}", escapeText(captureName), fault));
+    complainAbout(fmt::format("{}: {}", escapeText(captureName), fault));
+}
+
+void CommandRun::complainAbout(std::string const& text) {
+    complain(text);
     isComplete_ = false;
 }
+
+void CommandRun::flush() { output_->flush(); }
 
 TextSink CommandRun::sink() {
     return [this](std::string_view text) { output_->write(text); };

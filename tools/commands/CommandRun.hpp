@@ -24,7 +24,13 @@ public:
     /// @param options  must outlive the run
     /// @throws UsageError   the output would overwrite a file that is to be read
     /// @throws OutputError  the output cannot be opened
-    explicit CommandRun(CommonOptions const& options);
+    explicit CommandRun(CommonOptions const& options)
+        : CommandRun(options, findCaptures(options.files)) {}
+
+    /// A run that finds its captures itself, while they are written.
+    [[nodiscard]] static CommandRun following(CommonOptions const& options) {
+        return CommandRun(options, FoundCaptures());
+    }
 
     [[nodiscard]] std::vector<CaptureSource> const& captures() const { return found_.captures; }
 
@@ -56,6 +62,14 @@ public:
     /// Reports a fault of a capture on standard error; the exit status shows it.
     void complainOf(std::string const& captureName, std::string const& fault);
 
+    /// Reports a fault that names its capture already; the exit status shows it.
+    /// @param text  safe for a terminal
+    void complainAbout(std::string const& text);
+
+    /// Hands over what was written so far.
+    /// @throws OutputError  it cannot be written
+    void flush();
+
     /// A writer of rows into the output.
     template <typename Row>
     [[nodiscard]] RowWriter<Row> rowWriter(RowLayout<Row> const& layout) {
@@ -74,6 +88,8 @@ public:
     [[nodiscard]] ExitStatus finish();
 
 private:
+    CommandRun(CommonOptions const& options, FoundCaptures found);
+
     CommonOptions const& options_;
     FoundCaptures found_;
     std::optional<Output> output_;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/commands/FollowPackets.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
@@ -34,8 +35,8 @@ std::string packetsNotes() {
                "each. Frames that are GOOSE or SV by their EtherType but of no stream, as they "
                "cannot be read, are rows too. A packet that two files have comes once. "
                "FILE@POSITION is what `tal-iec61850 show` takes.") +
-           "\n" + kTimeNotes + "\n" + paragraph(kCriteriaNotes) + "\n" +
-           paragraph("The fields of json and csv: " + fields + ".");
+           "\n" + paragraph(kFollowNotes) + "\n" + kTimeNotes + "\n" + paragraph(kCriteriaNotes) +
+           "\n" + paragraph("The fields of json and csv: " + fields + ".");
 }
 
 /// Writes a row for each wanted packet.
@@ -86,16 +87,22 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
         ->add_option("-w,--write", options->captureFile,
                      "Write the frames into FILE, a capture with nanoseconds, in place of rows")
         ->option_text("FILE");
+    addFollowOptions(command, options->follow);
     command.notes = packetsNotes();
     command.examples = {"tal-iec61850 packets --gocbref '*gcbTrip' --from +10s --context bay1.pcap",
                         "tal-iec61850 packets --svid MU01 --from 10:00:00 -f csv captures/",
-                        "tal-iec61850 packets --appid 4001 --from -5s -w last.pcap bay1.pcap"};
+                        "tal-iec61850 packets --appid 4001 --from -5s -w last.pcap bay1.pcap",
+                        "tal-iec61850 packets -F --gocbref '*gcbTrip' ring/"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runPackets(*options); }; });
 }
 
 ExitStatus runPackets(PacketOptions const& options) {
     options.window.check();
+    options.follow.check(options.common);
+    if (options.follow.isOn) {
+        return followPackets(options);
+    }
     return options.captureFile.empty() ? listPackets(options) : writeCapture(options);
 }
 

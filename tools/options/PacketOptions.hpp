@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tools/options/CommonOptions.hpp"
+#include "tools/options/FollowOptions.hpp"
 #include "tools/options/WindowOptions.hpp"
 #include "tools/selection/PacketCriteria.hpp"
 
@@ -21,6 +22,7 @@ struct PacketOptions {
     std::optional<std::uint64_t> limit;
     /// A capture to write the frames into, in place of rows; empty for rows.
     std::string captureFile;
+    FollowOptions follow;
 
     /// Whether any option selects packets.
     [[nodiscard]] bool areSelecting() const {

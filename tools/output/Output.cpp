@@ -118,11 +118,15 @@ void Output::finish() {
     takeName();
 }
 
-void Output::complete() {
+void Output::flush() {
     writePending();
     if (std::fflush(stream_) != 0) {
         fail();
     }
+}
+
+void Output::complete() {
+    flush();
     if (file_ && std::fclose(file_.release()) != 0) {
         fail();
     }

@@ -31,6 +31,10 @@ public:
     /// @throws OutputError  it is closed, full, or a pipe without a reader
     void write(std::string_view text);
 
+    /// Hands over what was written so far.
+    /// @throws OutputError  as write
+    void flush();
+
     /// Flushes the output and gives a file its name. To be called once, after the last piece.
     /// @throws OutputError  as write
     void finish();

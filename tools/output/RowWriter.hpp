@@ -61,6 +61,14 @@ public:
         table_->add(cells_);
     }
 
+    /// Writes the rows that are held back, where there are any; columns keep the widths that they
+    /// have then.
+    void flush() {
+        if (table_) {
+            table_->flush();
+        }
+    }
+
     /// Writes the rows that are held back. To be called once, after the last row.
     void finish() {
         if (!table_) {

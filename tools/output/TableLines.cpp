@@ -38,6 +38,12 @@ void TableLines::add(std::vector<std::string> const& cells) {
     }
 }
 
+void TableLines::flush() {
+    if (!held_.empty()) {
+        writeHeld();
+    }
+}
+
 void TableLines::finish() {
     if (isHolding_) {
         writeHeld();

@@ -38,7 +38,11 @@ public:
     /// @param cells  one for each heading, safe for a terminal
     void add(std::vector<std::string> const& cells);
 
-    /// Writes the rows that are held back.
+    /// Writes the rows that are held back, if there are any: the widths of columns are certain
+    /// then.
+    void flush();
+
+    /// Writes the rows that are held back, or the headings alone.
     void finish();
 
     /// Aligns a column to the right, in the lines that are not written yet.

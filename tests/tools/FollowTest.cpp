@@ -1,0 +1,126 @@
+// Captures that are listed while they are written.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "analysis/traffic/TrafficCaptures.hpp"
+#include "support/Process.hpp"
+#include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
+#include "tools/CompanionRows.hpp"
+#include "tools/StreamsTraffic.hpp"
+
+namespace TalIec61850Tools {
+namespace {
+
+using namespace TalTest;
+
+Bytes messages(std::uint64_t first, std::uint64_t count) {
+    TrafficCapture capture;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        GooseMessage message;
+        message.stNum = 1;
+        message.sqNum = first + i;
+        capture.addAt((first + i) * 1'000'000, gooseFrame(Ethernet(), message));
+    }
+    return capture.bytes();
+}
+
+/// Runs the program, and a command once its first lines have come: nothing has to be waited for.
+/// @param lines    how many lines are waited for
+/// @param command  of the shell; $1 and $2 are the other arguments
+ProcessResult runAndThen(std::string const& arguments, int lines, std::string const& command,
+                         std::string const& first, std::string const& second) {
+    std::string reading;
+    for (int i = 0; i < lines; ++i) reading += "read -r line; printf '%s\\n' \"$line\"; ";
+    return run({"/bin/sh", "-c", "\"$0\" " + arguments + " | { " + reading + command + "; cat; }",
+                TAL_COMPANION_PATH, first, second});
+}
+
+std::vector<std::string> sqNumsOf(std::string const& csv) {
+    std::vector<std::string> lines = linesOf(csv);
+    EXPECT_EQ(lines.empty() ? "" : lines.front(), "sqNum") << csv;
+    if (!lines.empty()) lines.erase(lines.begin());
+    return lines;
+}
+
+using Numbers = std::vector<std::string>;
+
+TEST(Follow, ListsWhatIsAddedToAFile) {
+    Bytes const capture = messages(0, 5);
+    TempDir const folder;
+    // The third record is there in part.
+    std::size_t const record = (capture.size() - 24) / 5;
+    auto const path = folder.write("bay1.pcap", prefix(capture, 24 + 2 * record + 20));
+    auto const rest = folder.write(
+        "rest",
+        Bytes(capture.begin() + static_cast<std::ptrdiff_t>(24 + 2 * record + 20), capture.end()));
+    auto const result = runAndThen("packets -F --limit 5 -f csv --columns sqNum \"$1\"", 3,
+                                   "cat \"$2\" >> \"$1\"", path, rest);
+    EXPECT_EQ(sqNumsOf(result.out), (Numbers{"0", "1", "2", "3", "4"})) << result.err;
+    EXPECT_EQ(result.err, "");
+}
+
+TEST(Follow, ListsTheFilesThatAppearInAFolder) {
+    TempDir const folder;
+    TempDir const other;
+    folder.write("ring1.pcap", messages(0, 2));
+    auto const second = other.write("next.pcap", messages(2, 2));
+    auto const result =
+        runAndThen("packets --follow --limit 4 -f csv --columns sqNum \"$1\"", 3,
+                   "cp \"$2\" \"$1\"/ring2.pcap; rm \"$1\"/ring1.pcap", folder.path(), second);
+    EXPECT_EQ(sqNumsOf(result.out), (Numbers{"0", "1", "2", "3"})) << result.err;
+    EXPECT_EQ(result.err, "");
+}
+
+TEST(Follow, ListsTheFileThatTakesTheName) {
+    TempDir const folder;
+    auto const path = folder.write("bay1.pcap", messages(0, 2));
+    auto const second = folder.write("next.pcap", messages(7, 2));
+    auto const result = runAndThen("packets -F --limit 4 -f csv --columns sqNum \"$1\"", 3,
+                                   "mv \"$2\" \"$1\"", path, second);
+    EXPECT_EQ(sqNumsOf(result.out), (Numbers{"0", "1", "7", "8"})) << result.err;
+}
+
+TEST(Follow, ListsTheSelectedPacketsAlone) {
+    TempFile const file(messages(0, 9));
+    auto const result = runCompanion({"packets", "-F", "--idle", "20ms", "--sqnum", "3", "-f",
+                                      "csv", "--columns", "sqNum", file.path()});
+    EXPECT_EQ(sqNumsOf(result.out), Numbers{"3"});
+    auto const window = runCompanion({"packets", "-F", "--idle", "20ms", "--from", "+7ms", "-f",
+                                      "csv", "--columns", "sqNum", file.path()});
+    EXPECT_EQ(sqNumsOf(window.out), (Numbers{"7", "8"}));
+    EXPECT_EQ(window.status, 0);
+}
+
+TEST(Follow, WritesATableWhoseRowsAreNotHeldBack) {
+    TempDir const folder;
+    auto const path = folder.write("bay1.pcap", messages(0, 2));
+    auto const second = folder.write("next.pcap", messages(2, 1));
+    auto const result = runAndThen("packets -F --limit 3 --columns sqNum \"$1\"", 3,
+                                   "mv \"$2\" \"$1\"", path, second);
+    EXPECT_EQ(linesOf(result.out).size(), 4U) << result.out;
+}
+
+TEST(Follow, SaysWhatWasNeverThere) {
+    TempDir const folder;
+    auto const result =
+        runCompanion({"packets", "-F", "--idle", "20ms", "-f", "csv", folder.file("x.pcap")});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "tal-iec61850: " + folder.file("x.pcap") + ": no capture was there\n");
+}
+
+TEST(Follow, DoesNotGoWithWhatIsNotAppendedTo) {
+    TempFile const file(messages(0, 1));
+    expectUsageError({"packets", "-F", "-"});
+    expectUsageError({"packets", "-F", "-o", "x.csv", file.path()});
+    expectUsageError({"packets", "-F", "-w", "x.pcap", file.path()});
+    expectUsageError({"packets", "-F", "-c", file.path()});
+    expectUsageError({"packets", "--idle", "1s", file.path()});
+    expectUsageError({"packets", "-F", "--idle", "soon", file.path()});
+}
+
+}  // namespace
+}  // namespace TalIec61850Tools
