@@ -7,14 +7,14 @@
 #include <TalIec61850Analysis/supervision/CoverageEnd.hpp>
 #include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
 #include <TalIec61850Analysis/supervision/GooseContentReader.hpp>
-#include <TalIec61850Analysis/supervision/GooseCourse.hpp>
 #include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
 #include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
 #include <TalIec61850Analysis/supervision/SampleContents.hpp>
 #include <TalIec61850Analysis/supervision/SortFindings.hpp>
-#include <TalIec61850Analysis/supervision/StreamWays.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/supervision/SvSupervisor.hpp>
+#include <TalIec61850Analysis/traffic/GooseCourse.hpp>
+#include <TalIec61850Analysis/traffic/StreamWays.hpp>
 #include <algorithm>
 #include <iterator>
 #include <string>

@@ -1,5 +1,5 @@
 #include <TalIec61850Analysis/file/ReadAt.hpp>
-#include <TalIec61850Analysis/samples/CaptureWindow.hpp>
+#include <TalIec61850Analysis/traffic/CaptureWindow.hpp>
 #include <algorithm>
 
 namespace TalIec61850Analysis::detail {
