@@ -17,4 +17,12 @@ namespace TalIec61850Analysis::detail {
 [[nodiscard]] Octets readGoosePdu(CaptureWindow& window, std::uint32_t file,
                                   std::uint64_t fileOffset);
 
+/// The octets of a goosePdu that a snap length cut off, from its identifier up to the end of stNum:
+/// what comes before that was captured, where the index has stNum.
+/// @param window      as above
+/// @param fileOffset  of a goosePdu of which the index has stNum
+/// @throws std::system_error  the capture cannot be read, or no longer has stNum there (ESTALE)
+[[nodiscard]] Octets readCutGoosePdu(CaptureWindow& window, std::uint32_t file,
+                                     std::uint64_t fileOffset);
+
 }  // namespace TalIec61850Analysis::detail
