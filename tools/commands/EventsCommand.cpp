@@ -85,10 +85,11 @@ std::string eventsNotes() {
            paragraph(
                "--member shows the events that change a value of that place, and of their changes "
                "these alone: * is any text, so 9.* are the values inside the ninth. "
-               "retransmissionsNs has the first 64. LONGEST/TAL is the longest interval between "
-               "two messages of the state as a part of timeAllowedtoLive: above 1, it expired, "
-               "unless "
-               "later messages are to live longer. "
+               "retransmissionsNs has the first 64. AGAIN is how many there were, TAL the time "
+               "allowed "
+               "to live of the event itself, which may be short where a publisher lengthens it "
+               "with "
+               "its intervals. "
                "nextStream is the next other stream that changed within a second, or what "
                "--next-within says, be it in the window or not.") +
            "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +

@@ -8,17 +8,21 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 #include "tools/output/DumpJson.hpp"
 #include "tools/render/Cells.hpp"
 #include "tools/render/DataText.hpp"
 #include "tools/render/PacketJson.hpp"
+#include "tools/render/QualityText.hpp"
 #include "tools/render/ValueText.hpp"
 
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::kNoTime;
 using TalIec61850Analysis::MemberChange;
+using TalIec61850Analysis::readQuality;
+using TalIec61850Analysis::toView;
 
 namespace {
 
@@ -40,11 +44,6 @@ Cell millisecondsCell(std::optional<std::int64_t> nanoseconds) {
                : Cell();
 }
 
-Cell partOfLifeCell(Event row) {
-    auto const part = row.event->longestPartOfLife();
-    return part ? Cell(fmt::format("{:.2f}", *part)) : Cell();
-}
-
 Json changesJson(Event row) {
     Json json = Json::array();
     for (MemberChange const* const change : row.changes) {
@@ -56,12 +55,21 @@ Json changesJson(Event row) {
     return json;
 }
 
-std::string changesText(Event row) {
+/// For the column of a table: a quality in words alone, and other values without what else there is
+/// to say of them.
+std::string shortValueText(DataValue const& value) {
+    auto const* const bits = std::get_if<BitString>(&value.value);
+    auto const quality = value.kind == DataKind::bitString && bits != nullptr
+                             ? readQuality(toView(*bits))
+                             : std::nullopt;
+    return quality ? toText(*quality) : toText(value);
+}
+
+std::string changesText(Event row, std::string (*textOf)(DataValue const&)) {
     std::string text;
     for (MemberChange const* const change : row.changes) {
-        text +=
-            fmt::format("{}{}: {} -> {}", text.empty() ? "" : "; ", memberText(change->member),
-                        change->from ? valueText(*change->from) : "none", valueText(change->to));
+        text += fmt::format("{}{}: {} -> {}", text.empty() ? "" : "; ", memberText(change->member),
+                            change->from ? textOf(*change->from) : "none", textOf(change->to));
     }
     return text;
 }
@@ -71,15 +79,18 @@ Cell changesCell(Event row, Format format) {
         return {};
     }
     // Texts of values are escaped already.
-    return JsonText{format == Format::json ? dumpJson(changesJson(row)) : changesText(row)};
+    return JsonText{format == Format::json ? dumpJson(changesJson(row))
+                                           : changesText(row, valueText)};
 }
 
-/// For people: nothing to read is said in a word.
 Cell changesColumn(Event row) {
-    if (row.areChangesKnown() && row.changes.empty()) {
+    if (!row.areChangesKnown()) {
+        return {};
+    }
+    if (row.changes.empty()) {
         return std::string_view("none");
     }
-    return changesCell(row, Format::table);
+    return JsonText{changesText(row, shortValueText)};
 }
 
 Cell retransmissionsCell(Event row, Format format) {
@@ -162,13 +173,16 @@ RowLayout<EventRow> eventRowLayout(Format format) {
         column("time", {"TIME", Align::left, fitTime(0)}),
         column("gocbRef", {"GOCBREF", Align::left, fitName(1, 14)}),
         column("stNum", {"STNUM", Align::right, {.rank = 2}}),
-        column("sqNum", {"SQNUM", Align::right, {.rank = 8}}),
+        column("sqNum", {"SQNUM", Align::right, {.rank = 11}}),
         {{"DELAY/MS", Align::right, {.rank = 4}},
          [](Event r) { return millisecondsCell(r.event->delay()); },
          "delayNs"},
         {{"CHANGES", Align::left, {.rank = 3, .least = kLeastChanges}}, changesColumn, "changes"},
         column("retransmissions", {"AGAIN", Align::right, {.rank = 6}}),
-        {{"LONGEST/TAL", Align::right, {.rank = 7}}, partOfLifeCell},
+        column("timeAllowedtoLive", {"TAL", Align::right, {.rank = 7}}),
+        {{"LONGEST/MS", Align::right, {.rank = 8}},
+         [](Event r) { return millisecondsCell(r.event->longestInterval); },
+         "longestIntervalNs"},
         {{"NEXT/MS", Align::right, {.rank = 9}},
          [](Event r) { return millisecondsCell(nextAfter(r)); },
          "nextNs"},
