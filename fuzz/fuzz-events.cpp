@@ -52,7 +52,7 @@ void requireSound(TrafficIndex const& index, GooseEvent const& event) {
         require(!change.member.empty() && change.member.size() <= kMaxDataDepth,
                 "a value is somewhere");
         require(last < change.member, "changes are in their order");
-        require(!change.from || change.from->tag == change.to.tag, "a value keeps its type");
+        require(!change.from || change.from->kind == change.to.kind, "a value keeps its type");
         require(event.data == EventData::otherMake || change.from.has_value(),
                 "values of one make have others before them");
         last = change.member;

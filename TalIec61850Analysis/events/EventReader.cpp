@@ -1,22 +1,12 @@
 #include <TalIec61850Analysis/events/EventReader.hpp>
 #include <TalIec61850Analysis/events/MemberChanges.hpp>
 #include <TalIec61850Analysis/traffic/ReadGoosePdu.hpp>
-#include <string>
 #include <utility>
 #include <variant>
-#include <vector>
 
 namespace TalIec61850Analysis::detail {
 
 namespace {
-
-std::vector<std::string> pathsIn(TrafficIndex const& index) {
-    std::vector<std::string> paths;
-    for (IndexedFile const& file : index.files()) {
-        paths.push_back(file.summary.path);
-    }
-    return paths;
-}
 
 std::optional<std::int64_t> lifeIn(GooseView const& view) {
     auto const& life = view.timeAllowedtoLive;
@@ -28,7 +18,7 @@ std::optional<std::int64_t> lifeIn(GooseView const& view) {
 Elements valuesIn(DataViews const& data, OctetString const& pdu, std::size_t pduOffset) {
     Octets const octets = data.octets();
     if (octets.empty()) {
-        return Elements();
+        return {};
     }
     std::size_t const offset = pduOffset + static_cast<std::size_t>(octets.data() - pdu.data());
     return Elements(octets, offset, offset + octets.size());
@@ -36,7 +26,7 @@ Elements valuesIn(DataViews const& data, OctetString const& pdu, std::size_t pdu
 
 }  // namespace
 
-EventReader::EventReader(TrafficIndex const& index) : index_(index), window_(pathsIn(index)) {}
+EventReader::EventReader(TrafficIndex const& index) : index_(index), window_(index) {}
 
 void EventReader::load(std::size_t stream, PacketRef packet, Message& message) {
     StreamPart const& part = index_.streams()[stream].parts[packet.part];

@@ -36,14 +36,6 @@ bool isLoss(FindingKind kind) {
            kind == FindingKind::stateGap || kind == FindingKind::stateStartMissing;
 }
 
-std::vector<std::string> pathsIn(TrafficIndex const& index) {
-    std::vector<std::string> paths;
-    for (IndexedFile const& file : index.files()) {
-        paths.push_back(file.summary.path);
-    }
-    return paths;
-}
-
 /// Takes the findings of one stream: gives them their places and causes, and joins them.
 class StreamFindings {
 public:
@@ -244,7 +236,7 @@ class GooseWatch {
 public:
     GooseWatch(TrafficIndex const& index, FileSteps const& steps,
                std::vector<StreamFindings>& findings)
-        : index_(index), findings_(findings), window_(pathsIn(index)) {
+        : index_(index), findings_(findings), window_(index) {
         for (TrafficStream const& stream : index.streams()) {
             if (stream.key.protocol == StreamProtocol::goose) {
                 streams_.push_back(

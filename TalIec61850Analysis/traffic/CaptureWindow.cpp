@@ -4,6 +4,12 @@
 
 namespace TalIec61850Analysis::detail {
 
+CaptureWindow::CaptureWindow(TrafficIndex const& index) {
+    for (IndexedFile const& file : index.files()) {
+        paths_.push_back(file.summary.path);
+    }
+}
+
 void CaptureWindow::open(std::uint32_t file) {
     current_ = nullptr;
     auto const known = std::find_if(open_.begin(), open_.end(),

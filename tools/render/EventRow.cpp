@@ -24,9 +24,10 @@ using TalIec61850Analysis::MemberChange;
 using TalIec61850Analysis::readQuality;
 using TalIec61850Analysis::toView;
 
+using Json = nlohmann::ordered_json;
+
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Event = EventRow const&;
 
 std::optional<CaptureTime> arrivalOf(Event row) {
