@@ -108,8 +108,8 @@ struct GooseEvent {
     }
 
     /// The longest interval as a part of timeAllowedtoLive: above 1 where the state has expired
-    /// meanwhile, unless its later messages are to live longer, as those of many publishers are. Not
-    /// set where one of them is not known, or the time is not above 0.
+    /// meanwhile, unless its later messages are to live longer, as those of many publishers are.
+    /// Not set where one of them is not known, or the time is not above 0.
     [[nodiscard]] std::optional<double> longestPartOfLife() const noexcept {
         constexpr double kNsOfMillisecond = 1e6;
         return longestInterval && timeAllowedtoLive && *timeAllowedtoLive > 0
