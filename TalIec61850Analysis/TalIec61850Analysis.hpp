@@ -19,6 +19,8 @@
 #include <TalIec61850Analysis/comtrade/ComtradeRecord.hpp>
 #include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
 #include <TalIec61850Analysis/comtrade/ComtradeStep.hpp>
+#include <TalIec61850Analysis/events/FindEvents.hpp>
+#include <TalIec61850Analysis/events/GooseEvent.hpp>
 #include <TalIec61850Analysis/file/CaptureCheck.hpp>
 #include <TalIec61850Analysis/file/CaptureDamage.hpp>
 #include <TalIec61850Analysis/file/CaptureFile.hpp>

@@ -40,6 +40,9 @@ void writeCaptureSeeds(Seeds seeds);
 /// For fuzz-capture-file: small captures of both formats.
 void writeCaptureFileSeeds(Seeds seeds);
 
+/// For fuzz-events: short streams of states, with restarts, late messages and the like.
+void writeEventSeeds(Seeds seeds);
+
 /// For fuzz-frame and fuzz-inspect: a frame of every kind, under filters.
 void writeFrameSeeds(Seeds seeds);
 

@@ -17,6 +17,7 @@ int main(int argc, char** argv) try {
     TalFuzz::writeCaptureFileSeeds(Seeds(folder / "fuzz-capture-file"));
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-decode"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-elements"));
+    TalFuzz::writeEventSeeds(Seeds(folder / "fuzz-events"));
     TalFuzz::writeFrameSeeds(Seeds(folder / "fuzz-frame"));
     TalFuzz::writeFrameSeeds(Seeds(folder / "fuzz-inspect"));
     TalFuzz::writeLaneSeeds(Seeds(folder / "fuzz-lanes"));

@@ -1,6 +1,6 @@
 // The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
-// PacketsCommand, ShowCommand, SamplesCommand, ComtradeCommand, CapturesCommand; HelpCommands has
-// the rest, LibraryCommands the group `library`.
+// PacketsCommand, ShowCommand, EventsCommand, SamplesCommand, ComtradeCommand, CapturesCommand;
+// HelpCommands has the rest, LibraryCommands the group `library`.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,6 +16,7 @@
 
 #include "tools/commands/CapturesCommand.hpp"
 #include "tools/commands/ComtradeCommand.hpp"
+#include "tools/commands/EventsCommand.hpp"
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/LibraryCommands.hpp"
 #include "tools/commands/PacketsCommand.hpp"
@@ -98,6 +99,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addStreamsCommand(definition, chosen);
     addPacketsCommand(definition, chosen);
     addShowCommand(definition, chosen);
+    addEventsCommand(definition, chosen);
     addSamplesCommand(definition, chosen);
     addComtradeCommand(definition, chosen);
     addCapturesCommand(definition, chosen);

@@ -2,25 +2,12 @@
 #include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <algorithm>
 #include <cerrno>
-#include <string>
 #include <system_error>
 
 namespace TalIec61850Analysis::detail {
 
-namespace {
-
-std::vector<std::string> pathsOf(TrafficIndex const& index) {
-    std::vector<std::string> paths;
-    for (IndexedFile const& file : index.files()) {
-        paths.push_back(file.summary.path);
-    }
-    return paths;
-}
-
-}  // namespace
-
 AsduReader::AsduReader(TrafficIndex const& index, TrafficStream const& stream)
-    : index_(index), stream_(stream), window_(pathsOf(index)) {}
+    : index_(index), stream_(stream), window_(index) {}
 
 ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint64_t offset) {
     ReadAsdu read{.fileOffset = offset + places.asdu,

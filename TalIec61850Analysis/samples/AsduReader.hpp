@@ -5,7 +5,7 @@
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/samples/AsduShapes.hpp>
-#include <TalIec61850Analysis/samples/CaptureWindow.hpp>
+#include <TalIec61850Analysis/traffic/CaptureWindow.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstdint>

@@ -1,5 +1,5 @@
 #include <TalIec61850Analysis/supervision/ClockSteps.hpp>
-#include <TalIec61850Analysis/supervision/SeenMessages.hpp>
+#include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include <TalIec61850Analysis/packet/GooseView.hpp>
 #include <TalIec61850Analysis/supervision/GooseContentReader.hpp>
-#include <algorithm>
+#include <TalIec61850Analysis/traffic/ReadGoosePdu.hpp>
 #include <cerrno>
 #include <cstring>
 #include <iterator>
@@ -41,15 +41,7 @@ bool GooseContentReader::isSame(Octets pdu) const {
 
 void GooseContentReader::readAnew(CaptureWindow& window, std::uint32_t file,
                                   std::uint64_t fileOffset) {
-    constexpr std::size_t kMostHeader = 8;
-    Octets const header = window.at(file, fileOffset, kMostHeader);
-    auto const start = Elements(header).begin();
-    bool const isThere = start != std::default_sentinel && start->tag;
-    std::size_t const size = isThere ? std::min(start->claimedEnd, kMaxFrameSize) : std::size_t{0};
-    Octets const pdu = window.at(file, fileOffset, size);
-    if (!isThere || pdu.size() < size) {
-        throw std::system_error(ESTALE, std::generic_category());
-    }
+    Octets const pdu = readGoosePdu(window, file, fileOffset);
     pdu_.assign(pdu.begin(), pdu.end());
     GooseView const view = viewGoose(pdu_, 0);
     if (!view.pdu) {

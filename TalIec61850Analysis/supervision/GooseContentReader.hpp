@@ -3,8 +3,8 @@
 // Internal: what indexed GOOSE messages hold, read again from their captures.
 
 #include <TalIec61850Analysis/packet/Octets.hpp>
-#include <TalIec61850Analysis/samples/CaptureWindow.hpp>
 #include <TalIec61850Analysis/supervision/GooseObservation.hpp>
+#include <TalIec61850Analysis/traffic/CaptureWindow.hpp>
 #include <cstddef>
 #include <cstdint>
 

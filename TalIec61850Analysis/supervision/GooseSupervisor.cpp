@@ -2,6 +2,7 @@
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
+#include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -38,15 +39,6 @@ FindingValue countOrNothing(std::optional<std::int64_t> value) {
 
 FindingValue octetsOf(std::optional<std::string_view> text) {
     return text ? FindingValue(OctetString(text->begin(), text->end())) : FindingValue();
-}
-
-/// Whether a message is the next one after another.
-bool isNext(MessageNumber now, MessageNumber before) {
-    if (now.stNum == before.stNum) {
-        return isLater(now.sqNum, before.sqNum) && stepsBetween(before.sqNum, now.sqNum) == 1;
-    }
-    return isLater(now.stNum, before.stNum) && stepsBetween(before.stNum, now.stNum) == 1 &&
-           now.sqNum <= 1;
 }
 
 }  // namespace
@@ -132,31 +124,31 @@ void GooseSupervisor::process(GooseObservation const& message, FindingSink sink)
         begin(message, false, sink);
         return;
     }
-    MessageNumber const number = messageNumberOf(message);
-    if (isLater(number, number_)) {
-        accept(message, sink);
-        return;
-    }
-    if (number == number_) {
-        isContentLast_ = isContentLast_ && message.isSame;
-        if (message.way == last_.way && !isExtraCopy(last_.sequence, message.sequence)) {
-            sink(finding(FindingKind::repeated, message));
-            // It is in time for the ones after it.
-            checkExpiry(message, sink);
-            setDeadline(message);
-        }
-        return;
-    }
-    bool const isFall =
-        message.stNum != number_.stNum || (message.stNum == 1 && message.sqNum <= 1);
     bool const isOtherWay = message.way != last_.way;
-    if (isFall && !isOtherWay && isLate(message)) {
-        checkExpiry(message, sink);
-        begin(message, true, sink);
-    } else if (isFall && !isOtherWay && message.stNum == 1) {
-        hold(message);
-    } else {
-        takeOlder(message, sink);
+    switch (
+        turnOf(messageNumberOf(message), number_, isOtherWay, [&] { return isLate(message); })) {
+        case MessageTurn::later:
+            accept(message, sink);
+            return;
+        case MessageTurn::same:
+            isContentLast_ = isContentLast_ && message.isSame;
+            if (!isOtherWay && !isExtraCopy(last_.sequence, message.sequence)) {
+                sink(finding(FindingKind::repeated, message));
+                // It is in time for the ones after it.
+                checkExpiry(message, sink);
+                setDeadline(message);
+            }
+            return;
+        case MessageTurn::restart:
+            checkExpiry(message, sink);
+            begin(message, true, sink);
+            return;
+        case MessageTurn::mayBeRestart:
+            hold(message);
+            return;
+        case MessageTurn::older:
+            takeOlder(message, sink);
+            return;
     }
 }
 
@@ -219,8 +211,8 @@ void GooseSupervisor::settleCandidate(GooseObservation const& next, bool isOver,
         }
         message.content = &held.content;
     }
-    if (!isOver && next.isCounted && isNext(messageNumberOf(next), messageNumberOf(message)) &&
-        !isNext(messageNumberOf(next), number_)) {
+    if (!isOver && next.isCounted &&
+        isRestart(messageNumberOf(message), messageNumberOf(next), number_)) {
         begin(message, true, sink);
         // The next one was compared with the one that was held.
         isContentLast_ = held.hasContent;
@@ -547,10 +539,7 @@ void GooseSupervisor::checkExpiry(GooseObservation const& message, FindingSink s
 }
 
 void GooseSupervisor::setDeadline(GooseObservation const& message) {
-    constexpr std::int64_t kLongest = 1'000'000'000;  // milliseconds: more than a week
-    auto const& life = content_.timeAllowedtoLive;
-    bool const isTold = life && *life > 0 && *life <= kLongest && message.arrival != kNoTime;
-    deadline_ = isTold ? shiftedTime(message.arrival, *life * kNsOfMillisecond) : kNoTime;
+    deadline_ = expiryOf(message.arrival, content_.timeAllowedtoLive);
 }
 
 void GooseSupervisor::stepClock(std::int64_t step) {

@@ -1,6 +1,6 @@
 #include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
-#include <TalIec61850Analysis/supervision/SeenMessages.hpp>
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
+#include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <algorithm>
 #include <optional>
 #include <set>

@@ -2,28 +2,12 @@
 
 // Internal: which messages of a GOOSE stream have come.
 
+#include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 
 namespace TalIec61850Analysis::detail {
-
-/// stNum and sqNum of a message.
-struct MessageNumber {
-    std::uint32_t stNum = 0;
-    std::uint32_t sqNum = 0;
-
-    friend bool operator==(MessageNumber const&, MessageNumber const&) = default;
-};
-
-/// The steps from one counter to a later one. Counters begin again at 1 after their largest value.
-[[nodiscard]] std::uint64_t stepsBetween(std::uint32_t before, std::uint32_t now);
-
-/// Whether a counter is later: the larger one, unless it has just begun again.
-[[nodiscard]] bool isLater(std::uint32_t now, std::uint32_t before);
-
-/// Whether a message is later.
-[[nodiscard]] bool isLater(MessageNumber now, MessageNumber before);
 
 /// Remembers messages as runs of sqNum. Memory is bounded: of what was forgotten, all that is not
 /// before the first counts as seen.

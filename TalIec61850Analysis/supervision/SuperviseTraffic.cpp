@@ -7,14 +7,14 @@
 #include <TalIec61850Analysis/supervision/CoverageEnd.hpp>
 #include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
 #include <TalIec61850Analysis/supervision/GooseContentReader.hpp>
-#include <TalIec61850Analysis/supervision/GooseCourse.hpp>
 #include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
 #include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
 #include <TalIec61850Analysis/supervision/SampleContents.hpp>
 #include <TalIec61850Analysis/supervision/SortFindings.hpp>
-#include <TalIec61850Analysis/supervision/StreamWays.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/supervision/SvSupervisor.hpp>
+#include <TalIec61850Analysis/traffic/GooseCourse.hpp>
+#include <TalIec61850Analysis/traffic/StreamWays.hpp>
 #include <algorithm>
 #include <iterator>
 #include <string>
@@ -34,14 +34,6 @@ constexpr std::uint64_t kMostAtOnce = 0xFFFF;
 bool isLoss(FindingKind kind) {
     return kind == FindingKind::sampleGap || kind == FindingKind::sqNumGap ||
            kind == FindingKind::stateGap || kind == FindingKind::stateStartMissing;
-}
-
-std::vector<std::string> pathsIn(TrafficIndex const& index) {
-    std::vector<std::string> paths;
-    for (IndexedFile const& file : index.files()) {
-        paths.push_back(file.summary.path);
-    }
-    return paths;
 }
 
 /// Takes the findings of one stream: gives them their places and causes, and joins them.
@@ -244,7 +236,7 @@ class GooseWatch {
 public:
     GooseWatch(TrafficIndex const& index, FileSteps const& steps,
                std::vector<StreamFindings>& findings)
-        : index_(index), findings_(findings), window_(pathsIn(index)) {
+        : index_(index), findings_(findings), window_(index) {
         for (TrafficStream const& stream : index.streams()) {
             if (stream.key.protocol == StreamProtocol::goose) {
                 streams_.push_back(

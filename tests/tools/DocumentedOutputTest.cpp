@@ -15,6 +15,7 @@
 #include "tools/options/ExitStatus.hpp"
 #include "tools/output/RowLines.hpp"
 #include "tools/render/CaptureLayout.hpp"
+#include "tools/render/EventRow.hpp"
 #include "tools/render/PacketLayout.hpp"
 #include "tools/render/SampleRow.hpp"
 #include "tools/render/StreamLayout.hpp"
@@ -39,7 +40,8 @@ Names sampleFields(bool isLong) {
 }
 
 std::map<std::string, Names> layouts() {
-    return {{"samples", sampleFields(false)},
+    return {{"events", fieldNames(eventRowLayout(Format::json))},
+            {"samples", sampleFields(false)},
             {"samples --long", sampleFields(true)},
             {"captures", fieldNames(captureLayout())},
             {"streams", fieldNames(streamLayout())},
@@ -110,7 +112,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 9U);
+    EXPECT_EQ(documented.size(), 10U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {

@@ -54,9 +54,13 @@ Bytes trafficNamed(std::vector<std::string> const& names) {
     return capture.bytes();
 }
 
-std::vector<Arguments> const kCommands = {
-    {"streams"},  {"packets"},          {"show"},
-    {"captures"}, {"library", "judge"}, {"library", "judge", "--list"}};
+std::vector<Arguments> const kCommands = {{"streams"},
+                                          {"packets"},
+                                          {"show"},
+                                          {"events"},
+                                          {"captures"},
+                                          {"library", "judge"},
+                                          {"library", "judge", "--list"}};
 
 TEST(HostileNames, InFramesReachNoTerminal) {
     TempFile const file(trafficNamed(kHostile));

@@ -97,8 +97,7 @@ std::string toText(DataValue const& value) { return std::visit(ContentText{}, va
 void addData(std::string_view name, DataValue const& value, TextTree& tree) {
     auto const* const members = std::get_if<DataValue::Members>(&value.value);
     if (members == nullptr) {
-        tree.add(fmt::format("{}: {}", name, kindText(value)),
-                 contentText(value) + remarkOn(value));
+        tree.add(fmt::format("{}: {}", name, kindText(value)), valueText(value));
         return;
     }
     tree.enter(fmt::format("{}: {}{}", name, kindText(value), remarkOn(value)));
@@ -109,13 +108,20 @@ void addData(std::string_view name, DataValue const& value, TextTree& tree) {
     tree.leave();
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
+std::string valueText(DataValue const& value) { return contentText(value) + remarkOn(value); }
+
 std::string integerText(Integer const& integer) { return std::visit(ContentText{}, integer); }
 
+std::string timeQualityText(UtcTime const& time) {
+    return fmt::format("{}{}{}{}", time.leapSecondsKnown() ? "leapSecondsKnown, " : "",
+                       time.clockFailure() ? "clockFailure, " : "",
+                       time.clockNotSynchronized() ? "clockNotSynchronized, " : "",
+                       accuracyText(time.accuracy()));
+}
+
 std::string timeText(UtcTime const& time) {
-    return fmt::format(
-        "{} ({}{}{}{})", toIsoText(time), time.leapSecondsKnown() ? "leapSecondsKnown, " : "",
-        time.clockFailure() ? "clockFailure, " : "",
-        time.clockNotSynchronized() ? "clockNotSynchronized, " : "", accuracyText(time.accuracy()));
+    return fmt::format("{} ({})", toIsoText(time), timeQualityText(time));
 }
 
 }  // namespace TalIec61850Tools

@@ -30,6 +30,13 @@ void addData(std::string_view name, DataValue const& value, TextTree& tree);
 
 [[nodiscard]] std::string integerText(Integer const& integer);
 
+/// A value as `show` writes it: without its kind, and in brackets what there is to say of it, such
+/// as the quality that its bits make. Safe for a terminal.
+[[nodiscard]] std::string valueText(DataValue const& value);
+
+/// What the quality of a time says: "leapSecondsKnown, accuracy 10 bits".
+[[nodiscard]] std::string timeQualityText(UtcTime const& time);
+
 /// The time, and in brackets what its quality says.
 [[nodiscard]] std::string timeText(UtcTime const& time);
 

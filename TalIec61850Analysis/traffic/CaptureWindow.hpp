@@ -4,6 +4,7 @@
 
 #include <TalIec61850Analysis/file/Descriptor.hpp>
 #include <TalIec61850Analysis/packet/Octets.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <list>
@@ -22,6 +23,8 @@ public:
 
     /// @param paths  of the files, by their number
     explicit CaptureWindow(std::vector<std::string> paths) : paths_(std::move(paths)) {}
+    /// @param index  of the files
+    explicit CaptureWindow(TrafficIndex const& index);
 
     /// Octets of a file.
     /// @param size  at most kMostOctets

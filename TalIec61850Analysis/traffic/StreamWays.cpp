@@ -1,4 +1,4 @@
-#include <TalIec61850Analysis/supervision/StreamWays.hpp>
+#include <TalIec61850Analysis/traffic/StreamWays.hpp>
 #include <algorithm>
 #include <cstddef>
 

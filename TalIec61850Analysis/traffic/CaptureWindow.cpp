@@ -1,8 +1,14 @@
 #include <TalIec61850Analysis/file/ReadAt.hpp>
-#include <TalIec61850Analysis/samples/CaptureWindow.hpp>
+#include <TalIec61850Analysis/traffic/CaptureWindow.hpp>
 #include <algorithm>
 
 namespace TalIec61850Analysis::detail {
+
+CaptureWindow::CaptureWindow(TrafficIndex const& index) {
+    for (IndexedFile const& file : index.files()) {
+        paths_.push_back(file.summary.path);
+    }
+}
 
 void CaptureWindow::open(std::uint32_t file) {
     current_ = nullptr;

@@ -1,4 +1,4 @@
-#include <TalIec61850Analysis/supervision/GooseCourse.hpp>
+#include <TalIec61850Analysis/traffic/GooseCourse.hpp>
 #include <algorithm>
 
 namespace TalIec61850Analysis::detail {

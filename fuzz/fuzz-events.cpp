@@ -1,0 +1,110 @@
+// A whole capture file, the state changes of its GOOSE streams: in windows of time and whole, of
+// all streams and of one.
+
+#include <TalIec61850Analysis/events/FindEvents.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "fuzz/CaptureInput.hpp"
+#include "fuzz/Check.hpp"
+#include "fuzz/Tally.hpp"
+#include "index/Indexing.hpp"
+
+namespace {
+
+using namespace TalIec61850Analysis;
+using namespace TalFuzz;
+
+/// What the octets of two messages make, at most: hostile ones make much of it.
+constexpr std::size_t kMostEvents = 200;
+
+std::vector<GooseEvent> eventsOf(TrafficIndex const& index, EventOptions options) {
+    std::vector<GooseEvent> events;
+    std::stop_source stop;
+    options.stop = stop.get_token();
+    findEvents(index, options, [&](GooseEvent const& event) {
+        events.push_back(event);
+        if (events.size() == kMostEvents) stop.request_stop();
+    });
+    return events;
+}
+
+void requireSound(TrafficIndex const& index, GooseEvent const& event) {
+    TrafficStream const& stream = index.streams()[event.stream];
+    require(stream.key.protocol == StreamProtocol::goose, "events are of GOOSE");
+    PacketRef const packet = event.place.packet;
+    PacketColumns const& packets = stream.parts.at(packet.part).packets;
+    require(packets.times()[packet.packet] == event.arrival, "an event comes with its packet");
+    require(packets.stNums()[packet.packet] == event.stNum, "so does its state");
+    require(packets.sqNums()[packet.packet] == event.sqNum, "and its message");
+    require(event.before.packet != packet, "the message before is another one");
+    require(event.isRestart || event.stNum != event.previousStNum, "a state is a new one");
+    require(event.retransmissions.size() <= event.retransmissionCount, "all are counted");
+    require(event.retransmissions.size() <= GooseEvent::kMostRetransmissions, "few are kept");
+    bool const isKnown = event.data == EventData::compared || event.data == EventData::otherMake;
+    require(isKnown || event.changes.empty(), "nothing is told of what is not known");
+    std::vector<std::uint32_t> last;
+    for (MemberChange const& change : event.changes) {
+        require(!change.member.empty() && change.member.size() <= kMaxDataDepth,
+                "a value is somewhere");
+        require(last < change.member, "changes are in their order");
+        require(!change.from || change.from->kind == change.to.kind, "a value keeps its type");
+        require(event.data == EventData::otherMake || change.from.has_value(),
+                "values of one make have others before them");
+        last = change.member;
+    }
+    if (event.next) {
+        require(event.next->stream != event.stream && event.next->after >= 0,
+                "the next stream is another one");
+    }
+}
+
+/// The events before a time and from it on are all.
+void requireSameInWindows(TrafficIndex const& index, std::vector<GooseEvent> const& whole) {
+    std::int64_t const middle = whole[whole.size() / 2].arrival;
+    if (middle == kNoTime) return;
+    CaptureTime const time{std::chrono::nanoseconds(middle)};
+    std::vector<GooseEvent> parts =
+        eventsOf(index, {.window = {.from = {}, .to = time - std::chrono::nanoseconds(1)}});
+    for (GooseEvent const& event : eventsOf(index, {.window = {.from = time, .to = {}}}))
+        parts.push_back(event);
+    for (GooseEvent const& event : whole)
+        if (event.arrival == kNoTime) parts.push_back(event);
+    require(parts == whole, "windows have the events between their ends");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    static Tally read("captures have events");
+    static TalTest::ScratchFile file;
+    CaptureInput const input = captureInput({data, size});
+    file.assign(input.capture);
+    TrafficIndex const index = indexCapture(file.path());
+    std::vector<GooseEvent> const whole = eventsOf(index, {});
+    std::int64_t last = kNoTime;
+    bool isUntimed = false;
+    for (GooseEvent const& event : whole) {
+        requireSound(index, event);
+        require(event.arrival >= last || event.arrival == kNoTime, "events are in time order");
+        require(!isUntimed || event.arrival == kNoTime, "those without a time come last");
+        isUntimed = event.arrival == kNoTime;
+        last = event.arrival;
+    }
+    if (!whole.empty() && whole.size() < kMostEvents) {
+        requireSameInWindows(index, whole);
+        std::size_t ofStreams = 0;
+        for (TrafficStream const& stream : index.streams()) {
+            ofStreams +=
+                eventsOf(index, {.takes = [&](StreamKey const& key) { return key == stream.key; }})
+                    .size();
+        }
+        require(ofStreams == whole.size(), "streams do not depend on one another");
+    }
+    read.add(whole.empty() ? 0 : 1, 1);
+    return 0;
+}

@@ -1,0 +1,270 @@
+#include "tools/commands/EventsCommand.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <TalIec61850Analysis/events/FindEvents.hpp>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <stop_token>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "tools/commands/CommandRun.hpp"
+#include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NothingFoundNote.hpp"
+#include "tools/help/FieldList.hpp"
+#include "tools/options/ChosenColumns.hpp"
+#include "tools/options/JobsOption.hpp"
+#include "tools/options/RepeatableOption.hpp"
+#include "tools/options/StreamOptions.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/options/WindowOptions.hpp"
+#include "tools/output/OutputError.hpp"
+#include "tools/output/Plural.hpp"
+#include "tools/output/WrapText.hpp"
+#include "tools/render/CaptureText.hpp"
+#include "tools/render/EventRow.hpp"
+#include "tools/render/UtcText.hpp"
+#include "tools/selection/StreamRow.hpp"
+
+namespace TalIec61850Tools {
+
+using TalIec61850Analysis::EventOptions;
+using TalIec61850Analysis::GooseEvent;
+using TalIec61850Analysis::MemberChange;
+using TalIec61850Analysis::StreamKey;
+using TalIec61850Analysis::StreamPart;
+using TalIec61850Analysis::TrafficIndex;
+using TalIec61850Analysis::TrafficStream;
+
+namespace {
+
+/// What `events` is asked for.
+struct EventsOptions {
+    CommonOptions common;
+    PacketCriteria criteria;
+    WindowOptions window;
+    /// Patterns of places in data sets; empty for all.
+    std::vector<std::string> members;
+    std::optional<std::chrono::nanoseconds> nextWithin;
+    std::optional<std::uint64_t> limit;
+};
+
+std::string eventsNotes() {
+    auto const fields = listFields(fieldNames(eventRowLayout(Format::json)),
+                                   {{"timeNs", "arrival, nanoseconds since 1970"},
+                                    {"t", "of the message: when the state began"},
+                                    {"delayNs", "timeNs less tNs"},
+                                    {"changes", "objects of member, name, from, to"},
+                                    {"retransmissionsNs", "after timeNs"},
+                                    {"retransmissions", "how many, listed or not"},
+                                    {"timeAllowedtoLive", "milliseconds"},
+                                    {"longestIntervalNs", "between two messages of the state"},
+                                    {"position", "of the goosePdu, in octets"}});
+    return paragraph(
+               "A row is a new state of a GOOSE stream: its first message that came. Rows come in "
+               "the order of arrival, over all streams and files. The first message of a stream, "
+               "late ones and those that were sent again are no events; what came over two LANs or "
+               "lanes, or is in two files, is one. Where stNum falls to 1 and goes on from there, "
+               "or falls after the time allowed to live, the publisher began anew: that is an "
+               "event "
+               "too.") +
+           "\n" +
+           paragraph(
+               "changes are the values that differ from those of the message before, qualities and "
+               "time stamps among them, by their places in the data set: 3, or 9.2 for the second "
+               "value inside the ninth, as show numbers them. Where number, nesting or types of "
+               "values changed, all values are listed, with none for what was not there. Where a "
+               "snap length cut the message or the one before, changes are not known.") +
+           "\n" +
+           paragraph(
+               "--member shows the events that change a value of that place, and of their changes "
+               "these alone: * is any text, so 9.* are the values inside the ninth. "
+               "retransmissionsNs has the first 64. AGAIN is how many there were, TAL the time "
+               "allowed "
+               "to live of the event itself, which may be short where a publisher lengthens it "
+               "with "
+               "its intervals. "
+               "nextStream is the next other stream that changed within a second, or what "
+               "--next-within says, be it in the window or not.") +
+           "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
+           paragraph("The fields of json: " + fields +
+                     ". csv has the same, with changes as a text, and blanks between times.");
+}
+
+PacketCriteria ofGoose(PacketCriteria criteria) {
+    criteria.protocol = Protocol::goose;
+    return criteria;
+}
+
+/// Writes the events of all streams.
+class EventList {
+public:
+    EventList(CommandRun& run, EventsOptions const& options)
+        : run_(run),
+          options_(options),
+          criteria_(ofGoose(options.criteria)),
+          index_(indexTraffic(run, criteria_, options.common.jobs)),
+          writer_(run.rowWriter(
+              chooseColumns(eventRowLayout(options.common.format), options.common.columns))) {
+        reportFaults(run, index_);
+    }
+
+    ExitStatus write() {
+        if (!isFull()) {
+            find();
+        }
+        writer_.finish();
+        if (rows_ == 0 && options_.limit != 0U && !isLost_) {
+            noteNone();
+        }
+        run_.writeSummary(fmt::format(
+            "{} of {} in {}{}", plural(rows_, "event"), plural(streams_.size(), "stream"),
+            plural(run_.captures().size(), "file"), isFull() ? "; more may be there" : ""));
+        return run_.finish();
+    }
+
+private:
+    void find() {
+        EventOptions options;
+        options.takes = [&](StreamKey const& key) { return isWanted(*index_.find(key)); };
+        options.window = options_.window.resolve(spanOf(index_));
+        options.nextWithin = options_.nextWithin.value_or(options.nextWithin);
+        options.stop = full_.get_token();
+        try {
+            findEvents(index_, options, [&](GooseEvent const& event) { take(event); });
+        } catch (OutputError const&) {
+            throw;
+        } catch (std::system_error const& error) {
+            isLost_ = true;
+            auto const& captures = run_.captures();
+            run_.complainOf(captures.size() == 1 ? captures.front().name : "one of the captures",
+                            faultText(error.code()));
+        }
+    }
+
+    void take(GooseEvent const& event) {
+        TrafficStream const& stream = index_.streams()[event.stream];
+        StreamPart const& part = stream.parts[event.place.packet.part];
+        if (!PartPackets(criteria_, index_, part).admit(event.place.packet.packet)) {
+            return;
+        }
+        EventRow row{.event = &event,
+                     .stream = &stream,
+                     .next = event.next ? &index_.streams()[event.next->stream] : nullptr,
+                     .file = &run_.captures()[event.place.file].name,
+                     .changes = {}};
+        for (MemberChange const& change : event.changes) {
+            if (meetsPattern(options_.members, memberText(change.member))) {
+                row.changes.push_back(&change);
+            }
+        }
+        if (row.changes.empty() && !options_.members.empty()) {
+            return;
+        }
+        writer_.write(row);
+        streams_.insert(event.stream);
+        ++rows_;
+        if (isFull()) {
+            full_.request_stop();
+        }
+    }
+
+    [[nodiscard]] bool isWanted(TrafficStream const& stream) const {
+        for (StreamPart const& part : stream.parts) {
+            for (auto const& change : part.changes) {
+                if (criteria_.admitAttributes(index_.attributes(part, change))) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    [[nodiscard]] bool isFull() const { return options_.limit && rows_ >= *options_.limit; }
+
+    void noteNone() const {
+        if (index_.streams().empty()) {
+            noteNoStreams(run_, index_, criteria_, options_.common.jobs);
+            return;
+        }
+        auto const span = timesOf(collectRows(index_, criteria_));
+        if (!span) {
+            return;
+        }
+        std::string const what =
+            options_.members.empty() ? "no state changed" : "no such member changed";
+        run_.note(fmt::format("{}{}; these streams have packets from {} to {}", what,
+                              options_.window.isEmpty() ? "" : " in the window",
+                              toUtcText(span->first), toUtcText(span->last)));
+    }
+
+    CommandRun& run_;
+    EventsOptions const& options_;
+    PacketCriteria criteria_;
+    TrafficIndex index_;
+    RowWriter<EventRow> writer_;
+    std::stop_source full_;
+    std::set<std::size_t> streams_;
+    std::uint64_t rows_ = 0;
+    bool isLost_ = false;
+};
+
+ExitStatus runEvents(EventsOptions const& options) {
+    if (options.criteria.protocol == Protocol::sv) {
+        throw UsageError("--protocol sv: SV has no states");
+    }
+    options.window.check();
+    CommandRun run(options.common);
+    EventList list(run, options);
+    return list.write();
+}
+
+void addEventOptions(CommandDefinition& command, EventsOptions& options) {
+    constexpr char const* kEventsGroup = "Which events";
+    addRepeatable(command, "--member", options.members, "PATTERN",
+                  "Changes of this value alone, such as 3, 9.2 or 9.*",
+                  [](std::string const&, std::string const& text) { return text; })
+        .group(kEventsGroup);
+    addLengthOption(command, "--next-within", options.nextWithin,
+                    "How long after an event another stream may be the next; 1s if not said");
+    command.parser
+        ->add_option_function<std::string>(
+            "--limit",
+            [&options](std::string const& text) {
+                auto const number = readNumber(text, 10, std::uint64_t{1} << 62U);
+                if (!number) {
+                    refuseValue("--limit", text, "a number of events");
+                }
+                options.limit = *number;
+            },
+            "Write the first N events at most")
+        ->option_text("N")
+        ->group(kEventsGroup);
+}
+
+}  // namespace
+
+void addEventsCommand(ProgramDefinition& program, Action& chosen) {
+    auto const options = std::make_shared<EventsOptions>();
+    CommandDefinition& command =
+        addCommand(program, "events", "List the state changes of GOOSE streams, and what changed.");
+    addCommonOptions(command, options->common);
+    addJobsOption(command, options->common.jobs);
+    addWindowOptions(command, options->window);
+    addEventOptions(command, *options);
+    addContentOptions(command, options->criteria);
+    command.notes = eventsNotes();
+    command.examples = {"tal-iec61850 events bay1.pcap",
+                        "tal-iec61850 events --gocbref '*gcbTrip' --around 10:00:00.28 bay1.pcap",
+                        "tal-iec61850 events --member '9.*' -f json captures/"};
+    command.parser->callback(
+        [options, &chosen] { chosen = [options] { return runEvents(*options); }; });
+}
+
+}  // namespace TalIec61850Tools
