@@ -104,26 +104,26 @@ RowLayout<RedundancyRow> redundancyLayout(Format format) {
     column("protocol", {"PROTO"});
     layout.columns.push_back(
         {{"SVID/GOCBREF", Align::left, fitName(1, 16)}, [](Row r) -> Cell { return r.key->name; }});
-    column("appId", {"APPID", Align::right, {.rank = 12}});
-    column("source", {"SOURCE", Align::left, {.rank = 13}});
+    column("appId", {"APPID", Align::right, {.rank = 14}});
+    column("source", {"SOURCE", Align::left, {.rank = 19}});
     column("destination", {"DESTINATION", Align::left, {.rank = 20}});
     column("vlanId", {"VLAN", Align::right, {.rank = 21}});
     column("redundancy", {"KIND", Align::left, {.rank = 2}});
     column("both", {"BOTH", Align::right, {.rank = 3}});
     column("onlyA", {"ONLYA", Align::right, {.rank = 4}});
     column("onlyB", {"ONLYB", Align::right, {.rank = 5}});
-    counts("more", "MORE", 9, &CopyCounts::more);
-    column("firstA", {"FIRSTA", Align::right, {.rank = 14}});
-    column("firstB", {"FIRSTB", Align::right, {.rank = 15}});
-    column("differenceMinNs", {"B-A MIN/NS", Align::right, {.rank = 16}});
+    counts("more", "MORE", 11, &CopyCounts::more);
+    column("firstA", {"FIRSTA", Align::right, {.rank = 15}});
+    column("firstB", {"FIRSTB", Align::right, {.rank = 16}});
+    column("differenceMinNs", {"B-A MIN/NS", Align::right, {.rank = 17}});
     column("differenceP50Ns", {"B-A P50/NS", Align::right, {.rank = 6}});
-    column("differenceP99Ns", {"B-A P99/NS", Align::right, {.rank = 17}});
+    column("differenceP99Ns", {"B-A P99/NS", Align::right, {.rank = 18}});
     column("differenceMaxNs", {"B-A MAX/NS", Align::right, {.rank = 8}});
     column("clockOffsetNs", {"CLOCK/NS", Align::right, {.rank = 7}});
-    counts("missingRunsA", "RUNSA", 18, &CopyCounts::missingRunsA);
-    counts("missingRunsB", "RUNSB", 19, &CopyCounts::missingRunsB);
-    counts("differs", "DIFFERS", 10, &CopyCounts::differs);
-    counts("wrongLan", "WRONGLAN", 11, &CopyCounts::wrongLan);
+    counts("missingRunsA", "RUNSA", 9, &CopyCounts::missingRunsA);
+    counts("missingRunsB", "RUNSB", 10, &CopyCounts::missingRunsB);
+    counts("differs", "DIFFERS", 12, &CopyCounts::differs);
+    counts("wrongLan", "WRONGLAN", 13, &CopyCounts::wrongLan);
     return layout;
 }
 
