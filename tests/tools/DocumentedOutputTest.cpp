@@ -16,6 +16,7 @@
 #include "tools/output/RowLines.hpp"
 #include "tools/render/CaptureLayout.hpp"
 #include "tools/render/PacketLayout.hpp"
+#include "tools/render/RedundancyLayout.hpp"
 #include "tools/render/SampleRow.hpp"
 #include "tools/render/StreamLayout.hpp"
 
@@ -43,6 +44,7 @@ std::map<std::string, Names> layouts() {
             {"samples --long", sampleFields(true)},
             {"captures", fieldNames(captureLayout())},
             {"streams", fieldNames(streamLayout())},
+            {"redundancy", fieldNames(redundancyLayout(Format::json))},
             {"packets", fieldNames(packetLayout(true))},
             {"show", fieldNames(shownPacketLayout())},
             {"library judge", fieldNames(verdictCountLayout())},
@@ -76,8 +78,8 @@ NameSet commandsIn(std::string const& cell, NameSet const& above) {
         return above;
     }
     if (cell.find("all") != std::string::npos) {
-        return {"streams",         "packets",       "show",
-                "library streams", "library judge", "library judge --list"};
+        return {"streams",       "redundancy",          "packets", "show", "library streams",
+                "library judge", "library judge --list"};
     }
     auto const codes = codesIn(cell);
     return {codes.begin(), codes.end()};
@@ -110,7 +112,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 9U);
+    EXPECT_EQ(documented.size(), 10U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {

@@ -26,6 +26,7 @@ struct ToldPairs {
     std::uint64_t both = 0;
     std::uint64_t onlyA = 0;
     std::uint64_t onlyB = 0;
+    std::uint64_t more = 0;
     std::vector<std::int64_t> differences;
 };
 
@@ -53,7 +54,7 @@ ToldPairs toldBy(std::string const& tshark, std::string const& path) {
         command.insert(command.end(), {"-e", field});
     }
     std::istringstream lines(run(command, {{"LC_ALL", "C"}}).out);
-    std::map<std::pair<std::string, std::string>, std::map<char, std::int64_t>> frames;
+    std::map<std::pair<std::string, std::string>, std::map<char, std::vector<std::int64_t>>> frames;
     for (std::string line; std::getline(lines, line);) {
         std::vector<std::string> fields;
         std::istringstream parts(line);
@@ -63,17 +64,22 @@ ToldPairs toldBy(std::string const& tshark, std::string const& path) {
         bool const isHsr = !fields.at(1).empty();
         std::string const lane = fields.at(isHsr ? 2 : 4);
         char const way = lane == "1" || lane == "11" || lane == "0xb" ? 'B' : 'A';
-        frames[{fields.at(0), fields.at(isHsr ? 1 : 3)}][way] = nanosecondsIn(fields.at(5));
+        frames[{fields.at(0), fields.at(isHsr ? 1 : 3)}][way].push_back(
+            nanosecondsIn(fields.at(5)));
     }
     ToldPairs told;
-    for (auto const& [key, ways] : frames) {
-        bool const hasA = ways.count('A') != 0;
-        bool const hasB = ways.count('B') != 0;
-        told.both += hasA && hasB ? 1U : 0U;
-        told.onlyA += hasA && !hasB ? 1U : 0U;
-        told.onlyB += !hasA && hasB ? 1U : 0U;
-        if (hasA && hasB) {
-            told.differences.push_back(ways.at('B') - ways.at('A'));
+    for (auto& [key, ways] : frames) {
+        std::vector<std::int64_t> const& a = ways['A'];
+        std::vector<std::int64_t> const& b = ways['B'];
+        if (a.size() > 1 || b.size() > 1) {
+            ++told.more;
+            continue;
+        }
+        told.onlyA += b.empty() ? 1U : 0U;
+        told.onlyB += a.empty() ? 1U : 0U;
+        if (!a.empty() && !b.empty()) {
+            ++told.both;
+            told.differences.push_back(b.front() - a.front());
         }
     }
     return told;
@@ -89,12 +95,13 @@ void expectAsTold(std::string const& path) {
         all.both += source.counts.both;
         all.onlyA += source.counts.onlyA;
         all.onlyB += source.counts.onlyB;
-        EXPECT_EQ(source.counts.differs, 0U);
+        all.more += source.counts.more;
     }
     EXPECT_GT(all.frames(), 0U);
     EXPECT_EQ(all.both, told.both);
     EXPECT_EQ(all.onlyA, told.onlyA);
     EXPECT_EQ(all.onlyB, told.onlyB);
+    EXPECT_EQ(all.more, told.more);
     if (paired.sources.size() == 1 && !told.differences.empty()) {
         auto const& differences = paired.sources.front().counts.differences;
         ASSERT_TRUE(differences);
