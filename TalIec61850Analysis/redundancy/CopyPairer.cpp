@@ -259,7 +259,9 @@ void CopyPairer::judge(CopyGroup const& group, RedundancyFaultSink sink) {
         if (tallyOf_[stream] != RedundantSources::kNone) {
             tallies_[tallyOf_[stream]].add(judged);
         }
-        reportFaults(group, judged, stream, sink);
+        if (!judged.isFaultless() || runs_.isAnyOpen(stream)) {
+            reportFaults(group, judged, stream, sink);
+        }
     }
 }
 

@@ -28,6 +28,11 @@ struct JudgedFrame {
     std::optional<std::int64_t> clockOffset;
     /// Whether it is in the window that is counted.
     bool isCounted = true;
+
+    [[nodiscard]] bool isFaultless() const {
+        return !differs && !missing && outcome != CopyOutcome::more &&
+               outcome != CopyOutcome::wrongLan;
+    }
 };
 
 /// Adds up frames that come in their order.

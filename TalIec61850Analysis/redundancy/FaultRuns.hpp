@@ -23,6 +23,8 @@ public:
     [[nodiscard]] bool isOpen(RedundancyFaultKind kind, char lane, std::size_t stream) const {
         return (areOpen_[stream] >> slotOf(kind, lane) & 1U) != 0;
     }
+    /// Whether it had any.
+    [[nodiscard]] bool isAnyOpen(std::size_t stream) const { return areOpen_[stream] != 0; }
     /// A frame of a stream does not have a fault.
     void end(RedundancyFaultKind kind, char lane, std::size_t stream, RedundancyFaultSink sink) {
         if (isOpen(kind, lane, stream)) [[unlikely]] {

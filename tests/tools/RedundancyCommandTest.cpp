@@ -117,7 +117,7 @@ TEST(Redundancy, SaysWhereThereIsNone) {
               complaint("no stream matches --svid MU03; there are MU01, MU02"));
     EXPECT_EQ(saidBy({"--from", "+5s", "--svid", "MU01", file.path()}),
               complaint("no packet in the window; these streams have packets from "
-                        "2023-11-14T22:13:20.000000000Z to 2023-11-14T22:13:20.999005001Z"));
+                        "2023-11-14T22:13:20.000000000Z to 2023-11-14T22:13:20.999000000Z"));
     EXPECT_EQ(saidBy({"-q", plain.path()}), "");
 }
 
@@ -135,7 +135,7 @@ TEST(Redundancy, TellsOfFilesThatCannotBeRead) {
     TempFile const file(lansCapture("AB"));
     auto const result = runCompanion({"redundancy", "-f", "json", file.path(), "/no/such/file"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(linesOf(result.out).size(), 2U);
+    EXPECT_EQ(jsonOf(result.out).size(), 1U);
     EXPECT_NE(result.err.find("/no/such/file"), std::string::npos);
 }
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "analysis/redundancy/RedundantTraffic.hpp"
+#include "support/CaptureFile.hpp"
+#include "support/SampledValues.hpp"
 
 namespace TalTest {
 namespace {
@@ -68,6 +70,20 @@ TEST(InvalidTrailers, OfAllFramesOfASourceAreTold) {
     EXPECT_TRUE(paired.redundancy.sources.empty());
     EXPECT_EQ(paired.faultLines(),
               (FaultLines{"trailerInvalid A #0 count 10", "trailerInvalid B #0 count 10"}));
+}
+
+TEST(InvalidTrailers, AreNoneOfASourceWhoseFramesSeldomEndSo) {
+    // As a signature may.
+    CaptureBuilder builder(CaptureVariant::nanoLittle);
+    for (std::uint16_t number = 0; number < 20; ++number) {
+        SvMessage message = message92le("MU01", number);
+        message.trailing = {1, 2, 3, 4, 5, 6, 0xA0, 1, 0x88, 0xFB};
+        message.trailing.back() = number == 7 ? 0xFB : 0xFC;
+        builder.add(1, number * 1000U, svFrame(svEthernet(), message));
+    }
+    auto const paired = pairIn(std::vector<Bytes>{builder.bytes()});
+    EXPECT_TRUE(paired.index.streams()[0].parts[0].packets.flags()[7].isTrailerMisfit());
+    EXPECT_EQ(paired.faultLines(), FaultLines());
 }
 
 TEST(InvalidTrailers, MayHavePaddingAfterThem) {
