@@ -11,7 +11,7 @@ namespace TalIec61850Analysis::detail {
 namespace {
 
 /// As long as a receiver remembers what it has.
-constexpr std::int64_t kForgetTime = 400'000'000;
+constexpr std::int64_t kPairTime = 400'000'000;
 /// A way over which nothing came for longer is not one of the source.
 constexpr std::int64_t kHeardTime = 1'000'000'000;
 
@@ -20,7 +20,7 @@ bool isWithin(std::int64_t a, std::int64_t b, std::int64_t most) {
     return a > b ? a - b <= most : b - a <= most;
 }
 
-std::int64_t timeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet) {
+std::int64_t arrivalIn(TrafficIndex const& index, std::size_t stream, PacketRef packet) {
     return index.streams()[stream].parts[packet.part].packets.times()[packet.packet];
 }
 
@@ -96,7 +96,7 @@ void CopyPairer::add(CourseFrame const& frame, RedundancyFaultSink sink) {
 
 /// Groups whose first copy is too far away for any more, be it that the clock was set back.
 void CopyPairer::settleOld(std::int64_t now, RedundancyFaultSink sink) {
-    while (!opened_.empty() && !isWithin(opened_.front().time, now, kForgetTime)) {
+    while (!opened_.empty() && !isWithin(opened_.front().time, now, kPairTime)) {
         Opened const first = opened_.front();
         opened_.pop_front();
         auto const found = groups_.find(first.key);
@@ -110,7 +110,7 @@ void CopyPairer::settleOld(std::int64_t now, RedundancyFaultSink sink) {
 CopyGroup& CopyPairer::groupOf(CourseFrame const& frame, CopyKey key, std::int64_t now,
                                RedundancyFaultSink sink) {
     auto [at, isNew] = groups_.try_emplace(key);
-    if (!isNew && !isWithin(at->second.opened, now, kForgetTime)) {
+    if (!isNew && !isWithin(at->second.opened, now, kPairTime)) {
         judge(at->second, sink);
         at->second = CopyGroup();
         isNew = true;
@@ -286,7 +286,7 @@ void CopyPairer::reportFaults(CopyGroup const& group, JudgedFrame const& judged,
         fault.stream = stream;
         fault.packet = packetIn(*at, stream)->packet;
         fault.other = other;
-        fault.from = timeOf(index_, stream, fault.packet);
+        fault.from = arrivalIn(index_, stream, fault.packet);
         fault.until = fault.from;
         fault.lane = lane;
         runs_.add(fault);

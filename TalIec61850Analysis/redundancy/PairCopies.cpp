@@ -10,7 +10,7 @@ namespace TalIec61850Analysis {
 TrafficRedundancy pairCopies(TrafficIndex const& index, PairingOptions const& options,
                              RedundancyFaultSink sink) {
     // Frames between two looks at whether to stop.
-    constexpr std::uint64_t kPatience = 0xFFF;
+    constexpr std::uint64_t kFramesBetweenLooks = 0xFFF;
     detail::RedundantSources const sources(index);
     if (!sources.isAny()) {
         return {};
@@ -19,7 +19,7 @@ TrafficRedundancy pairCopies(TrafficIndex const& index, PairingOptions const& op
     detail::CopyPairer pairer(index, sources, clocks, options.window);
     detail::FrameCourse course(index, sources, clocks);
     for (std::uint64_t seen = 0; auto const* const frame = course.next(); ++seen) {
-        if ((seen & kPatience) == 0 && options.stop.stop_requested()) {
+        if ((seen & kFramesBetweenLooks) == 0 && options.stop.stop_requested()) {
             break;
         }
         pairer.add(*frame, sink);

@@ -27,9 +27,10 @@ struct PairingOptions {
 /// those that an earlier file has at the same time, are passed over. Where a source came over both
 /// ways, its frames are read again, each once, front to back. Memory grows with streams, and with
 /// what comes within 400 ms.
-/// @param index  of captures that are still there
-/// @param sink   called with each fault, once it is over; those of one kind and stream in their
-///               order
+/// @param index    of captures that are still there
+/// @param options  what is counted
+/// @param sink     called with each fault, once it is over; those of one kind and stream in their
+///                 order
 /// @throws std::system_error  a capture cannot be read again, or is no longer the one (ESTALE)
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT TrafficRedundancy pairCopies(TrafficIndex const& index,
                                                                       PairingOptions const& options,

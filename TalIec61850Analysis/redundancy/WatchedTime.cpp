@@ -7,7 +7,7 @@ namespace TalIec61850Analysis::detail {
 
 WatchedTime::WatchedTime(TrafficIndex const& index, RedundantSources const& sources,
                          std::span<TapClock const> clocks) {
-    constexpr std::int64_t kPause = 1'000'000'000;
+    constexpr std::int64_t kFilePause = 1'000'000'000;
     auto const spansOfFiles = [&](std::vector<std::uint32_t> const& files) {
         Spans all;
         for (std::uint32_t const file : files) {
@@ -23,8 +23,8 @@ WatchedTime::WatchedTime(TrafficIndex const& index, RedundantSources const& sour
                   [](Span const& a, Span const& b) { return a.first < b.first; });
         Spans joined;
         for (Span const& span : all) {
-            if (!joined.empty() &&
-                (span.first <= joined.back().last || span.first - joined.back().last <= kPause)) {
+            if (!joined.empty() && (span.first <= joined.back().last ||
+                                    span.first - joined.back().last <= kFilePause)) {
                 joined.back().last = std::max(joined.back().last, span.last);
             } else {
                 joined.push_back(span);

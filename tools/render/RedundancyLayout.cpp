@@ -14,10 +14,10 @@ using TalIec61850Analysis::TimeDifferences;
 
 namespace {
 
-using Row = RedundancyRow const&;
+using Pairs = RedundancyRow const&;
 using RowField = Field<RedundancyRow>;
 
-Cell kindCell(Row row) {
+Cell redundancyCell(Pairs row) {
     switch (row.counts.redundancy) {
         case Redundancy::hsr:
             return std::string_view("hsr");
@@ -29,11 +29,11 @@ Cell kindCell(Row row) {
     return {};
 }
 
-Cell nameOf(Row row, Protocol protocol) {
+Cell nameOfProtocol(Pairs row, Protocol protocol) {
     return row.key->protocol == protocol ? Cell(row.key->name) : Cell();
 }
 
-Cell differencesCell(Row row) {
+Cell differencesCell(Pairs row) {
     auto const& all = row.counts.differences;
     return all ? Cell(JsonText{fmt::format(R"({{"min":{},"p50":{},"p99":{},"max":{}}})", all->min,
                                            all->p50, all->p99, all->max)})
@@ -41,31 +41,31 @@ Cell differencesCell(Row row) {
 }
 
 template <std::int64_t TimeDifferences::*Member>
-Cell differenceCell(Row row) {
+Cell differenceCell(Pairs row) {
     auto const& all = row.counts.differences;
     return all ? Cell((*all).*Member) : Cell();
 }
 
 /// Empty where there is none, so that the column goes where no stream has any.
-Cell countCell(std::uint64_t count) { return count == 0 ? Cell() : Cell(count); }
+Cell countIfAny(std::uint64_t count) { return count == 0 ? Cell() : Cell(count); }
 
-std::vector<RowField> fieldsOf(Format format) {
+std::vector<RowField> redundancyFields(Format format) {
     std::vector<RowField> fields = {
-        {"protocol", [](Row r) -> Cell { return toText(r.key->protocol); }},
-        {"source", [](Row r) { return addressCell(r.key->source); }},
-        {"destination", [](Row r) { return addressCell(r.key->destination); }},
+        {"protocol", [](Pairs r) -> Cell { return toText(r.key->protocol); }},
+        {"source", [](Pairs r) { return addressCell(r.key->source); }},
+        {"destination", [](Pairs r) { return addressCell(r.key->destination); }},
         {"vlanId",
-         [](Row r) { return r.key->vlans.empty() ? Cell() : Cell(r.key->vlans.back().id); }},
-        {"appId", [](Row r) { return appIdCell(r.key->appId); }},
-        {"svID", [](Row r) { return nameOf(r, Protocol::sv); }},
-        {"gocbRef", [](Row r) { return nameOf(r, Protocol::goose); }},
-        {"redundancy", kindCell},
-        {"both", [](Row r) -> Cell { return r.counts.both; }},
-        {"onlyA", [](Row r) -> Cell { return r.counts.onlyA; }},
-        {"onlyB", [](Row r) -> Cell { return r.counts.onlyB; }},
-        {"more", [](Row r) -> Cell { return r.counts.more; }},
-        {"firstA", [](Row r) -> Cell { return r.counts.firstA; }},
-        {"firstB", [](Row r) -> Cell { return r.counts.firstB; }}};
+         [](Pairs r) { return r.key->vlans.empty() ? Cell() : Cell(r.key->vlans.back().id); }},
+        {"appId", [](Pairs r) { return appIdCell(r.key->appId); }},
+        {"svID", [](Pairs r) { return nameOfProtocol(r, Protocol::sv); }},
+        {"gocbRef", [](Pairs r) { return nameOfProtocol(r, Protocol::goose); }},
+        {"redundancy", redundancyCell},
+        {"both", [](Pairs r) -> Cell { return r.counts.both; }},
+        {"onlyA", [](Pairs r) -> Cell { return r.counts.onlyA; }},
+        {"onlyB", [](Pairs r) -> Cell { return r.counts.onlyB; }},
+        {"more", [](Pairs r) -> Cell { return r.counts.more; }},
+        {"firstA", [](Pairs r) -> Cell { return r.counts.firstA; }},
+        {"firstB", [](Pairs r) -> Cell { return r.counts.firstB; }}};
     if (format == Format::json) {
         fields.push_back({"differenceNs", differencesCell});
     } else {
@@ -75,11 +75,11 @@ std::vector<RowField> fieldsOf(Format format) {
         fields.push_back({"differenceMaxNs", differenceCell<&TimeDifferences::max>});
     }
     std::vector<RowField> const rest = {
-        {"clockOffsetNs", [](Row r) -> Cell { return r.counts.clockOffset; }},
-        {"missingRunsA", [](Row r) -> Cell { return r.counts.missingRunsA; }},
-        {"missingRunsB", [](Row r) -> Cell { return r.counts.missingRunsB; }},
-        {"differs", [](Row r) -> Cell { return r.counts.differs; }},
-        {"wrongLan", [](Row r) -> Cell { return r.counts.wrongLan; }}};
+        {"clockOffsetNs", [](Pairs r) -> Cell { return r.counts.clockOffset; }},
+        {"missingRunsA", [](Pairs r) -> Cell { return r.counts.missingRunsA; }},
+        {"missingRunsB", [](Pairs r) -> Cell { return r.counts.missingRunsB; }},
+        {"differs", [](Pairs r) -> Cell { return r.counts.differs; }},
+        {"wrongLan", [](Pairs r) -> Cell { return r.counts.wrongLan; }}};
     fields.insert(fields.end(), rest.begin(), rest.end());
     return fields;
 }
@@ -87,7 +87,7 @@ std::vector<RowField> fieldsOf(Format format) {
 }  // namespace
 
 RowLayout<RedundancyRow> redundancyLayout(Format format) {
-    RowLayout<RedundancyRow> layout{.fields = fieldsOf(format), .columns = {}};
+    RowLayout<RedundancyRow> layout{.fields = redundancyFields(format), .columns = {}};
     if (format == Format::json) {
         return layout;
     }
@@ -97,13 +97,13 @@ RowLayout<RedundancyRow> redundancyLayout(Format format) {
     auto const counts = [&](std::string_view field, std::string heading, std::size_t rank,
                             std::uint64_t TalIec61850Analysis::CopyCounts::*count) {
         layout.columns.push_back({{std::move(heading), Align::right, {.rank = rank}},
-                                  [count](Row r) { return countCell(r.counts.*count); },
+                                  [count](Pairs r) { return countIfAny(r.counts.*count); },
                                   field});
     };
     using TalIec61850Analysis::CopyCounts;
     column("protocol", {"PROTO"});
-    layout.columns.push_back(
-        {{"SVID/GOCBREF", Align::left, fitName(1, 16)}, [](Row r) -> Cell { return r.key->name; }});
+    layout.columns.push_back({{"SVID/GOCBREF", Align::left, fitName(1, 16)},
+                              [](Pairs r) -> Cell { return r.key->name; }});
     column("appId", {"APPID", Align::right, {.rank = 14}});
     column("source", {"SOURCE", Align::left, {.rank = 19}});
     column("destination", {"DESTINATION", Align::left, {.rank = 20}});
