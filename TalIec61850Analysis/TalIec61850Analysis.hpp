@@ -56,6 +56,9 @@
 #include <TalIec61850Analysis/packet/Sink.hpp>
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
+#include <TalIec61850Analysis/redundancy/CopyCounts.hpp>
+#include <TalIec61850Analysis/redundancy/PairCopies.hpp>
+#include <TalIec61850Analysis/redundancy/RedundancyFault.hpp>
 #include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
 #include <TalIec61850Analysis/samples/DecodeSample.hpp>
 #include <TalIec61850Analysis/samples/FindLayouts.hpp>

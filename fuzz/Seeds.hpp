@@ -52,6 +52,9 @@ void writeCodecSeeds(Seeds seeds);
 /// For fuzz-positions: PDUs and sequences of ASDU, where they stand in a file.
 void writePositionSeeds(Seeds seeds);
 
+/// For fuzz-redundancy: frames over both ways of HSR or PRP, and what can be wrong with copies.
+void writeRedundancySeeds(Seeds seeds);
+
 /// For fuzz-samples: short streams of samples, with losses, late samples and the like.
 void writeSampleSeeds(Seeds seeds);
 

@@ -23,6 +23,7 @@ int main(int argc, char** argv) try {
     TalFuzz::writeLaneSeeds(Seeds(folder / "fuzz-lanes"));
     TalFuzz::writePositionSeeds(Seeds(folder / "fuzz-positions"));
     TalFuzz::writeQuerySeeds(Seeds(folder / "fuzz-queries"));
+    TalFuzz::writeRedundancySeeds(Seeds(folder / "fuzz-redundancy"));
     TalFuzz::writeSampleSeeds(Seeds(folder / "fuzz-samples"));
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-traffic"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-values"));

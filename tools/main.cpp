@@ -20,6 +20,7 @@
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/LibraryCommands.hpp"
 #include "tools/commands/PacketsCommand.hpp"
+#include "tools/commands/RedundancyCommand.hpp"
 #include "tools/commands/SamplesCommand.hpp"
 #include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
@@ -102,6 +103,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addEventsCommand(definition, chosen);
     addSamplesCommand(definition, chosen);
     addComtradeCommand(definition, chosen);
+    addRedundancyCommand(definition, chosen);
     addCapturesCommand(definition, chosen);
     addHelpCommands(definition, chosen);
     addLibraryCommands(definition, chosen);

@@ -4,6 +4,7 @@
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <TalIec61850Parser/wire/GooseTags.hpp>
 #include <TalIec61850Parser/wire/SvTags.hpp>
+#include <algorithm>
 #include <cstring>
 
 namespace TalIec61850Analysis {
@@ -57,6 +58,25 @@ std::optional<PlacedTrailer> searchPrpTrailer(Octets frame, std::size_t pduEnd,
         ++at;
     }
     return found;
+}
+
+std::optional<PrpTrailer> misfitTrailer(Octets frame, std::size_t pduEnd) noexcept {
+    constexpr std::size_t kMostPadding = 64;
+    constexpr std::uint8_t kLans = 0xA;
+    std::size_t const least = pduEnd + wire::kPrpTrailerSize;
+    if (least > frame.size()) {
+        return std::nullopt;
+    }
+    std::size_t end = frame.size();
+    std::size_t const last = std::max(least, end - std::min(end, kMostPadding));
+    while (end > last && frame[end - 1] == 0) {
+        --end;
+    }
+    auto const tag = wire::readPrpTrailer(frame.first(end));
+    if (!tag || tag->path >> 1U != kLans >> 1U) {
+        return std::nullopt;
+    }
+    return PrpTrailer{.sequence = tag->sequence, .lanId = tag->path, .lsduSize = tag->lsduSize};
 }
 
 }  // namespace TalIec61850Analysis

@@ -81,6 +81,11 @@ struct PlacedTrailer {
                                                           FrameHeader const& header,
                                                           FrameOrigin const& origin) noexcept;
 
+/// What ends a frame as a PRP trailer does, be its size right or not: suffix and LAN, and nothing
+/// after them but zeros up to the size of a short frame.
+/// @param pduEnd  index in the frame; nothing before it is looked at
+[[nodiscard]] std::optional<PrpTrailer> misfitTrailer(Octets frame, std::size_t pduEnd) noexcept;
+
 /// Whether the size in an HSR tag reaches from the tag to a place after the PDU and within the
 /// frame.
 /// @param pduEnd  index in the frame

@@ -14,7 +14,7 @@ constexpr std::int64_t kLeastAhead = 10'000'000;
 constexpr std::int64_t kLeastBack = 1'000'000;
 constexpr double kPauseIntervals = 10;
 /// Intervals that are longer are taken for this: nanoseconds.
-constexpr double kMostInterval = 1e18;
+constexpr double kLongestInterval = 1e18;
 
 /// Packets of one stream in one file.
 struct WitnessPart {
@@ -81,7 +81,7 @@ void addSvJump(WitnessPart const& part, std::size_t before, std::size_t after,
     }
     // Differences of two steps are numbers still.
     constexpr std::int64_t kMost = 4'000'000'000'000'000'000;
-    auto const whole = static_cast<std::int64_t>(std::min(interval, kMostInterval));
+    auto const whole = static_cast<std::int64_t>(std::min(interval, kLongestInterval));
     jumps.push_back({.of = part,
                      .before = static_cast<std::uint32_t>(before),
                      .after = static_cast<std::uint32_t>(after),

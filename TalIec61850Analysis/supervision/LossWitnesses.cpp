@@ -203,7 +203,10 @@ std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& findin
                 std::size_t const packet = part.packets.inTimeOrder(place);
                 auto const away =
                     static_cast<std::uint16_t>(part.packets.redundancySequences()[packet] - start);
-                if (part.packets.flags()[packet].redundancy() == kind && away > 0 && away < width) {
+                PacketFlags const flags = part.packets.flags()[packet];
+                bool const isNumbered = flags.redundancy() == kind ||
+                                        (kind == Redundancy::prp && flags.isTrailerMisfit());
+                if (isNumbered && away > 0 && away < width) {
                     numbers.insert(away);
                 }
             }

@@ -1,3 +1,4 @@
+#include <TalIec61850Analysis/redundancy/PairCopies.hpp>
 #include <TalIec61850Analysis/samples/FindRate.hpp>
 #include <TalIec61850Analysis/samples/PacketCourse.hpp>
 #include <TalIec61850Analysis/samples/PartAttributes.hpp>
@@ -9,6 +10,7 @@
 #include <TalIec61850Analysis/supervision/GooseContentReader.hpp>
 #include <TalIec61850Analysis/supervision/GooseSupervisor.hpp>
 #include <TalIec61850Analysis/supervision/LossWitnesses.hpp>
+#include <TalIec61850Analysis/supervision/RedundancyFindings.hpp>
 #include <TalIec61850Analysis/supervision/SampleContents.hpp>
 #include <TalIec61850Analysis/supervision/SortFindings.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
@@ -104,7 +106,8 @@ private:
 };
 
 std::int32_t sequenceOf(PacketFlags flags, std::uint16_t sequence) {
-    return flags.redundancy() == Redundancy::none ? detail::kNoSequence : std::int32_t{sequence};
+    bool const isAny = flags.redundancy() != Redundancy::none || flags.isTrailerMisfit();
+    return isAny ? std::int32_t{sequence} : detail::kNoSequence;
 }
 
 /// The columns of a part, where they are.
@@ -335,6 +338,10 @@ void superviseTraffic(TrafficIndex const& index, SupervisionOptions const& optio
             goose.finish(stream, end);
         }
     }
+    static_cast<void>(
+        pairCopies(index, {.window = {}, .stop = options.stop}, [&](RedundancyFault const& fault) {
+            findings[fault.stream].add(detail::findingOf(index, fault));
+        }));
     if (options.stop.stop_requested()) {
         return;
     }

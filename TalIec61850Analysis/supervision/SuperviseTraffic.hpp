@@ -24,8 +24,9 @@ struct SupervisionOptions {
 /// Goes through all streams of an index, and tells what goes wrong in them and in the captures.
 ///
 /// Of SV, the index alone is read, unless samples are wanted; the messages of GOOSE are read again
-/// from their captures. Where more than a hundred findings of one kind begin within a second of one
-/// stream, they are made one. Memory grows with streams and findings, not with packets.
+/// from their captures, and so are all frames of sources that came over both ways of HSR or PRP.
+/// Where more than a hundred findings of one kind begin within a second of one stream, they are
+/// made one. Memory grows with streams and findings, not with packets.
 /// @param index    of captures that are still there
 /// @param options  what is looked at, and how closely
 /// @param sink     called with each finding, in the order of their times, when all are known

@@ -131,7 +131,16 @@ inline FileIndexer::RedundancyMark FileIndexer::trailerOf(Result const& result, 
     }
     auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
     auto const found = searchPrpTrailer(frame, pduEnd, result.lsduOffset, false);
-    return found ? markOf(found->trailer) : RedundancyMark();
+    if (found) {
+        return markOf(found->trailer);
+    }
+    auto const misfit = misfitTrailer(frame, pduEnd);
+    if (!misfit) {
+        return {};
+    }
+    bool const isB = (misfit->lanId & 1U) != 0;
+    return {misfit->sequence, static_cast<std::uint16_t>(flagsOf(Redundancy::none, isB) |
+                                                         unsigned{PacketFlags::kTrailerMisfit})};
 }
 
 FileIndexer::RedundancyMark FileIndexer::hsrTagOf(Result const& result, RecordView const& view) {

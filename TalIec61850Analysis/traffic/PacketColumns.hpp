@@ -49,6 +49,7 @@ struct PacketFlags {
     static constexpr unsigned kSecondCounterShift = 10;
     static constexpr std::uint16_t kCopy = 1U << 12U;
     static constexpr std::uint16_t kDuplicate = 1U << 13U;
+    static constexpr std::uint16_t kTrailerMisfit = 1U << 14U;
     /// @endcond
 
     /// The frame was cut by a snap length, within its PDU.
@@ -65,6 +66,11 @@ struct PacketFlags {
     [[nodiscard]] constexpr bool isCopy() const noexcept { return has(kCopy); }
     /// A file that comes before this one in the index has the same frame at the same time.
     [[nodiscard]] constexpr bool isDuplicate() const noexcept { return has(kDuplicate); }
+    /// The frame ends as one with a PRP trailer does, but for a size that does not fit: it counts
+    /// as a frame without redundancy.
+    [[nodiscard]] constexpr bool isTrailerMisfit() const noexcept { return has(kTrailerMisfit); }
+    /// Of such a frame: 'A' or 'B', as the trailer says.
+    [[nodiscard]] constexpr char claimedLane() const noexcept { return has(kLaneB) ? 'B' : 'A'; }
     /// Whether the frame has an HSR tag, or else a PRP trailer.
     [[nodiscard]] constexpr Redundancy redundancy() const noexcept {
         return static_cast<Redundancy>(bits >> kRedundancyShift & 3U);
@@ -119,7 +125,8 @@ public:
     [[nodiscard]] std::span<std::uint16_t const> pduOffsets() const noexcept {
         return column<std::uint16_t>(places().pduOffsets);
     }
-    /// The sequence numbers of HSR or PRP; 0 without either.
+    /// The sequence numbers of HSR or PRP; 0 without either. Where a PRP trailer does not fit, what
+    /// it says.
     [[nodiscard]] std::span<std::uint16_t const> redundancySequences() const noexcept {
         return column<std::uint16_t>(places().sequences);
     }
@@ -187,6 +194,8 @@ public:
         TimeWindow const& window) const noexcept;
     /// Whether any packet has a redundancy sequence number.
     [[nodiscard]] bool hasRedundancy() const noexcept { return hasRedundancy_; }
+    /// Whether any packet has a PRP trailer that does not fit.
+    [[nodiscard]] bool hasTrailerMisfit() const noexcept { return hasTrailerMisfit_; }
 
     /// Column by column.
     friend TALIEC61850ANALYSIS_EXPORT bool operator==(PacketColumns const& a,
@@ -257,6 +266,7 @@ private:
     StreamProtocol protocol_ = StreamProtocol::goose;
     bool hasTimes_ = false;
     bool hasRedundancy_ = false;
+    bool hasTrailerMisfit_ = false;
     std::size_t size_ = 0;
     /// Packets that there is room for in each column. What is not used was never written, so that
     /// the system gives no memory for it.

@@ -258,6 +258,7 @@ PacketColumns ColumnsWriter::take() {
     stage_.reset();
     stageSize_ = 0;
     columns_.hasRedundancy_ = PacketFlags{allFlags_}.redundancy() != Redundancy::none;
+    columns_.hasTrailerMisfit_ = PacketFlags{allFlags_}.isTrailerMisfit();
     columns_.hasTimes_ = isSorted_;
     if (!isSorted_) {
         sort(columns_);

@@ -37,7 +37,8 @@ PartSpan partSpanOf(std::uint32_t number, StreamPart const& part) {
 StreamWays::StreamWays(TrafficStream const& stream) : taps_(stream.parts.size()) {
     std::vector<PartSpan> spans;
     for (std::uint32_t part = 0; part < stream.parts.size(); ++part) {
-        areSeveral_ = areSeveral_ || stream.parts[part].packets.hasRedundancy();
+        PacketColumns const& packets = stream.parts[part].packets;
+        areSeveral_ = areSeveral_ || packets.hasRedundancy() || packets.hasTrailerMisfit();
         spans.push_back(partSpanOf(part, stream.parts[part]));
     }
     std::stable_sort(spans.begin(), spans.end(),

@@ -15,7 +15,8 @@ public:
     explicit StreamWays(TrafficStream const& stream);
 
     [[nodiscard]] std::uint16_t wayOf(std::uint32_t part, PacketFlags flags) const {
-        char const lane = flags.lane();
+        // What a trailer says is of that LAN, whether its size is right or not.
+        char const lane = flags.isTrailerMisfit() ? flags.claimedLane() : flags.lane();
         unsigned const number = lane == 0 ? 0U : (lane == 'A' ? 1U : 2U);
         return static_cast<std::uint16_t>(taps_[part] * 4U + number);
     }

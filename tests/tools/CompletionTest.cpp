@@ -50,8 +50,8 @@ Words offeredByBash(std::string const& words) {
 
 TEST(BashCompletion, OffersTheCommands) {
     EXPECT_EQ(offeredByBash("tal-iec61850 ''"),
-              (Words{"streams", "packets", "show", "events", "samples", "comtrade", "captures",
-                     "completion", "manual", "library", "--help", "--version"}));
+              (Words{"streams", "packets", "show", "events", "samples", "comtrade", "redundancy",
+                     "captures", "completion", "manual", "library", "--help", "--version"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 pa"), Words{"packets"});
 }
 
@@ -122,7 +122,7 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
     };
     EXPECT_EQ(offered("tal-iec61850 "),
               (Words{"captures", "completion", "comtrade", "events", "library", "manual", "packets",
-                     "samples", "show", "streams"}));
+                     "redundancy", "samples", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
     EXPECT_EQ(offered("tal-iec61850 show --format "),
               (Words{"csv", "json", "spreadsheet", "table"}));

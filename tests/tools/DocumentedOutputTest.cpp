@@ -17,6 +17,7 @@
 #include "tools/render/CaptureLayout.hpp"
 #include "tools/render/EventRow.hpp"
 #include "tools/render/PacketLayout.hpp"
+#include "tools/render/RedundancyLayout.hpp"
 #include "tools/render/SampleRow.hpp"
 #include "tools/render/StreamLayout.hpp"
 
@@ -45,6 +46,7 @@ std::map<std::string, Names> layouts() {
             {"samples --long", sampleFields(true)},
             {"captures", fieldNames(captureLayout())},
             {"streams", fieldNames(streamLayout())},
+            {"redundancy", fieldNames(redundancyLayout(Format::json))},
             {"packets", fieldNames(packetLayout(true))},
             {"show", fieldNames(shownPacketLayout())},
             {"library judge", fieldNames(verdictCountLayout())},
@@ -78,8 +80,8 @@ NameSet commandsIn(std::string const& cell, NameSet const& above) {
         return above;
     }
     if (cell.find("all") != std::string::npos) {
-        return {"streams",         "packets",       "show",
-                "library streams", "library judge", "library judge --list"};
+        return {"streams",       "redundancy",          "packets", "show", "library streams",
+                "library judge", "library judge --list"};
     }
     auto const codes = codesIn(cell);
     return {codes.begin(), codes.end()};

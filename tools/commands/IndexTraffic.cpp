@@ -19,11 +19,6 @@ using TalIec61850Analysis::TrafficOptions;
 
 namespace {
 
-/// What the progress of all files together is called.
-std::string nameOfAll(std::vector<CaptureSource> const& captures) {
-    return captures.size() == 1 ? captures.front().name : plural(captures.size(), "file");
-}
-
 TrafficIndex readCaptures(CommandRun const& run, TrafficOptions options) {
     std::uint64_t size = 0;
     for (CaptureSource const& capture : run.captures()) {
@@ -41,6 +36,10 @@ TrafficIndex readCaptures(CommandRun const& run, TrafficOptions options) {
 }
 
 }  // namespace
+
+std::string nameOfAll(std::vector<CaptureSource> const& captures) {
+    return captures.size() == 1 ? captures.front().name : plural(captures.size(), "file");
+}
 
 TrafficIndex indexTraffic(CommandRun const& run, PacketCriteria const& criteria, std::size_t jobs) {
     TrafficOptions options{.keeps = {}, .stop = {}, .progress = {}, .jobs = jobs};

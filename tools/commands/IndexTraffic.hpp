@@ -29,6 +29,9 @@ void reportFaults(CommandRun& run, TalIec61850Analysis::TrafficIndex const& inde
 /// From the earliest to the latest record of all files; of none, 1970.
 [[nodiscard]] CaptureSpan spanOf(TalIec61850Analysis::TrafficIndex const& index);
 
+/// What several files together are called: the name of one, "2 files".
+[[nodiscard]] std::string nameOfAll(std::vector<CaptureSource> const& captures);
+
 /// The paths by which the captures of a command are opened.
 [[nodiscard]] std::vector<std::string> pathsOf(CommandRun const& run);
 

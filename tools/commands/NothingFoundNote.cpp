@@ -52,10 +52,21 @@ void noteNoPackets(CommandRun const& run, TrafficIndex const& index, PacketOptio
     if (rows.empty()) {
         run.note(
             fmt::format("no packet of {} meets the options on packets", plural(streams, "stream")));
-    } else if (auto const span = timesOf(rows)) {
+    } else {
+        noteOtherTimes(run, rows);
+    }
+}
+
+void noteOtherTimes(CommandRun const& run, std::vector<StreamRow> const& rows) {
+    if (auto const span = timesOf(rows)) {
         run.note(fmt::format("no packet in the window; these streams have packets from {} to {}",
                              toUtcText(span->first), toUtcText(span->last)));
     }
+}
+
+void noteNoRedundancy(CommandRun const& run, std::size_t streams) {
+    run.note(
+        fmt::format("no packet of {} has an HSR tag or a PRP trailer", plural(streams, "stream")));
 }
 
 void noteUnread(CommandRun const& run, TrafficIndex const& index) {

@@ -2,9 +2,11 @@
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstddef>
+#include <vector>
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/options/PacketOptions.hpp"
+#include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
 
@@ -19,6 +21,14 @@ void noteNoStreams(CommandRun const& run, TalIec61850Analysis::TrafficIndex cons
 /// @param streams  how many of these there are
 void noteNoPackets(CommandRun const& run, TalIec61850Analysis::TrafficIndex const& index,
                    PacketOptions const& options, std::size_t streams);
+
+/// Says on standard error that no packet is in the window, and when there are some.
+/// @param rows  of the streams that are meant
+void noteOtherTimes(CommandRun const& run, std::vector<StreamRow> const& rows);
+
+/// Says on standard error that nothing is redundant.
+/// @param streams  how many were looked at
+void noteNoRedundancy(CommandRun const& run, std::size_t streams);
 
 /// Says on standard error how many frames are of no stream, though they are GOOSE or SV.
 void noteUnread(CommandRun const& run, TalIec61850Analysis::TrafficIndex const& index);

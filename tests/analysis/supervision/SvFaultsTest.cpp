@@ -270,10 +270,11 @@ TEST(SvFaults, TellsNothingOfCopies) {
     EXPECT_EQ(foundIn(station), Lines());
 }
 
-TEST(SvFaults, TellsNothingOfMoreCopiesThanTwo) {
+TEST(SvFaults, TakesMoreCopiesThanTwoForNoRepetition) {
     auto station = svStation({.frames = 1000, .prpDelay = 20'000});
     station.repeat(0, 500, 40'000).repeat(0, 600, 400'000);
-    EXPECT_EQ(foundIn(station), Lines());
+    EXPECT_EQ(foundIn(station),
+              (Lines{"copyExtra MU01 #500 after #500", "copyExtra MU01 #600 after #600"}));
 }
 
 TEST(SvFaults, TellsWhatAPublisherRepeatsWithANewNumber) {
