@@ -28,7 +28,11 @@ ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint
     if (places.refrTm != 0) {
         if (auto const time = readUtcTime(sequence.subspan(places.refrTm, kUtcTimeSize))) {
             read.refrTm = time->nanosecondsSince1970();
+            read.timeQuality = time->quality;
         }
+    }
+    if (places.gmIdentity != 0) {
+        read.gmIdentity = sequence.subspan(places.gmIdentity, kGmIdentitySize);
     }
     return read;
 }

@@ -22,6 +22,10 @@ struct ReadAsdu {
     Octets data;
     /// In nanoseconds since 1970, or kNoTime.
     std::int64_t refrTm = kNoTime;
+    /// The quality octet of refrTm; 0 without it.
+    std::uint8_t timeQuality = 0;
+    /// Of the clock; empty where there is none.
+    Octets gmIdentity = {};
 };
 
 /// Reads the ASDUs of one stream.

@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: what changes in the samples of an SV stream that its index does not have.
+// Internal: what changes in the ASDUs of an SV stream that its index does not have.
 
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
@@ -9,10 +9,12 @@
 
 namespace TalIec61850Analysis::detail {
 
-/// Reads the samples of a stream, and tells of each quality that leaves good or is good again, and
-/// of samples of another size. `derived` is no fault of a value.
+/// Reads the ASDUs of a stream in the order in which they came, and tells of each quality that
+/// leaves good or is good again, of seqData of another size, of another clock (gmIdentity), and of
+/// times (refrTm) that begin to say that their clock failed or is not synchronized. `derived` is no
+/// fault of a value.
 /// @param stop  ends it soon
-/// @throws std::system_error  a capture cannot be read, or no longer has the samples (ESTALE)
+/// @throws std::system_error  a capture cannot be read, or no longer has the ASDUs (ESTALE)
 void superviseSamples(TrafficIndex const& index, std::size_t stream, std::stop_token const& stop,
                       FindingSink sink);
 

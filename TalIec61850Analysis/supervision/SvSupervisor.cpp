@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/SvSupervisor.hpp>
+#include <TalIec61850Analysis/supervision/SynchLevel.hpp>
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <algorithm>
 #include <cmath>
@@ -20,15 +21,6 @@ constexpr std::size_t kMostSuspects = 48;
 constexpr std::size_t kMostSampleGaps = 64;
 /// One of two publishers is gone after so many packets of the other one.
 constexpr std::uint32_t kGonePackets = 64;
-
-/// How good a synchronization is: none, to some clock, to a global one.
-int levelOf(std::int16_t smpSynch) {
-    constexpr std::int16_t kGlobal = 2;
-    if (smpSynch == kGlobal) {
-        return 2;
-    }
-    return smpSynch == 0 ? 0 : 1;
-}
 
 /// Whole ones, of a time that may be anything.
 std::int64_t wholeNanoseconds(double time) {
@@ -499,9 +491,9 @@ void SvSupervisor::checkSynch(SvObservation const& packet, FindingSink sink) {
     if (packet.smpSynch == SvObservation::kNoSynch) {
         return;
     }
-    if (synch_ && levelOf(*synch_) != levelOf(packet.smpSynch)) {
-        report(levelOf(packet.smpSynch) < levelOf(*synch_) ? FindingKind::synchLost
-                                                           : FindingKind::synchRegained,
+    if (synch_ && synchLevelOf(*synch_) != synchLevelOf(packet.smpSynch)) {
+        report(synchLevelOf(packet.smpSynch) < synchLevelOf(*synch_) ? FindingKind::synchLost
+                                                                     : FindingKind::synchRegained,
                packet, numberOf(*synch_), numberOf(packet.smpSynch), sink);
     }
     synch_ = packet.smpSynch;

@@ -33,8 +33,10 @@ class SvSupervisor {
 public:
     /// @param jitterLimit  beyond it a frame is away from its course, in nanoseconds; not set for
     ///                     half an interval of frames
-    explicit SvSupervisor(std::optional<std::int64_t> jitterLimit = {})
-        : jitterLimit_(jitterLimit) {}
+    /// @param distances    see JitterWatch
+    explicit SvSupervisor(std::optional<std::int64_t> jitterLimit = {},
+                          Histogram* distances = nullptr)
+        : jitterLimit_(jitterLimit), jitter_(distances) {}
 
     /// The packets from the next one on should come like this.
     void follow(SvCourse const& course, SvObservation const& next, FindingSink sink);
