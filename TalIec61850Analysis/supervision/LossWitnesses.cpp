@@ -114,12 +114,11 @@ public:
     /// Counts what is missing in each of the times, and keeps what may be due to one of them.
     void take(Finding& finding) {
         std::int64_t const from = finding.before->time;
-        auto const first = std::lower_bound(
-            spans_.begin(), spans_.end(), from,
-            [](Span const& span, std::int64_t time) { return span.drop.until < time; });
-        auto const end = std::upper_bound(
-            first, spans_.end(), finding.until,
-            [](std::int64_t time, Span const& span) { return time < span.drop.from; });
+        auto const first =
+            std::partition_point(spans_.begin(), spans_.end(),
+                                 [&](Span const& span) { return span.drop.until <= from; });
+        auto const end = std::partition_point(
+            first, spans_.end(), [&](Span const& span) { return span.drop.from < finding.until; });
         bool const mayBeDropped =
             finding.cause == LossCause::unknown || finding.witness == LossWitness::otherStreamsLost;
         if (first == end || !mayBeDropped) {
@@ -359,12 +358,14 @@ void judgeByStatistics(TrafficIndex const& index, std::vector<CaptureDrop> const
             spans[drop.file].add(drop);
         }
     }
-    for (auto& [file, ofFile] : spans) {
-        for (Finding& finding : findings) {
-            if (isHole(finding) && finding.before->file == file && finding.place->file == file) {
-                ofFile.take(finding);
+    for (Finding& finding : findings) {
+        if (isHole(finding) && finding.before->file == finding.place->file) {
+            if (auto const ofFile = spans.find(finding.place->file); ofFile != spans.end()) {
+                ofFile->second.take(finding);
             }
         }
+    }
+    for (auto& [file, ofFile] : spans) {
         ofFile.judge();
     }
 }
