@@ -4,23 +4,24 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace TalIec61850Analysis::detail {
 
-namespace {
-
-std::vector<std::string> pathsOf(TrafficIndex const& index) {
+std::shared_ptr<CaptureWindow> windowOf(TrafficIndex const& index) {
     std::vector<std::string> paths;
     for (IndexedFile const& file : index.files()) {
         paths.push_back(file.summary.path);
     }
-    return paths;
+    return std::make_shared<CaptureWindow>(std::move(paths));
 }
 
-}  // namespace
-
 AsduReader::AsduReader(TrafficIndex const& index, TrafficStream const& stream)
-    : index_(index), stream_(stream), window_(pathsOf(index)) {}
+    : AsduReader(index, stream, windowOf(index)) {}
+
+AsduReader::AsduReader(TrafficIndex const& index, TrafficStream const& stream,
+                       std::shared_ptr<CaptureWindow> window)
+    : index_(index), stream_(stream), window_(std::move(window)) {}
 
 ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint64_t offset) {
     ReadAsdu read{.fileOffset = offset + places.asdu,
@@ -54,7 +55,7 @@ ReadAsdu AsduReader::readPlainly(PacketRef ref, std::uint64_t offset, std::size_
     PacketFlags const flags = part.packets.flags()[ref.packet];
     std::size_t const size =
         flags.isCut() ? std::min(capturedAfter(ref), kLongestSequence) : kLongestSequence;
-    Octets const sequence = window_.at(part.file, offset, size);
+    Octets const sequence = window_->at(part.file, offset, size);
     auto const places = findAsdu(sequence, number, &mask_);
     if (!places) {
         throw std::system_error(ESTALE, std::generic_category());

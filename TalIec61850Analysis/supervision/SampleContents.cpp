@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace TalIec61850Analysis::detail {
@@ -17,8 +19,6 @@ namespace {
 
 /// The bits of a quality word that say anything against a value: all but `derived`.
 constexpr std::uint32_t kFaults = ~0x2000U;
-/// ASDUs between two looks at whether to stop.
-constexpr std::uint64_t kPatience = 0xFFFF;
 
 /// @param octets  four of them, the most significant first
 std::uint32_t wordAt(std::uint8_t const* octets) {
@@ -37,63 +37,128 @@ struct WatchedQuality {
 /// Follows the contents of the ASDUs of one stream.
 class ContentWatch {
 public:
-    ContentWatch(TrafficIndex const& index, TrafficStream const& stream, FindingSink sink)
-        : stream_(stream),
+    ContentWatch(TrafficIndex const& index, std::size_t stream,
+                 std::shared_ptr<CaptureWindow> const& window, StreamFindingSink const& sink)
+        : index_(index),
+          number_(stream),
+          stream_(index.streams()[stream]),
           sink_(sink),
-          layouts_(index, stream, std::nullopt),
-          attributes_(index, stream),
-          reader_(index, stream) {}
+          course_(stream_),
+          next_(course_.next()),
+          attributes_(index, stream_),
+          window_(window),
+          reader_(index, stream_, window) {}
 
+    /// Whether any packet is left.
+    [[nodiscard]] bool isLeft() const { return next_.has_value(); }
+    /// Of the next packet.
+    [[nodiscard]] std::uint32_t file() const { return stream_.parts[next_->part].file; }
+    [[nodiscard]] std::uint64_t fileOffset() const {
+        return stream_.parts[next_->part].packets.frameOffsets()[next_->packet];
+    }
+
+    /// Looks at the next packets, while they are in a file before an offset.
+    void lookUpTo(std::uint32_t file, std::uint64_t end) {
+        while (next_ && this->file() == file && fileOffset() < end) {
+            look(*next_);
+            next_ = course_.next();
+        }
+    }
+
+private:
     void look(PacketRef packet) {
         ReadAsdu const asdu = reader_.read(packet);
         lookAtClock(asdu, packet);
         if (!asdu.data.empty()) {
             if (attributes_.isChangedAt(packet) || asdu.data.size() != dataSize_) {
-                findQualities(asdu, packet);
+                beginData(asdu, packet);
             }
-            for (WatchedQuality& quality : qualities_) {
-                std::uint32_t const faults = wordAt(asdu.data.data() + quality.offset) & kFaults;
-                if ((faults != 0) != (quality.faults != 0)) [[unlikely]] {
-                    Finding made = finding(FindingKind::qualityChanged, packet);
-                    made.expected = numberOf(quality.faults);
-                    made.found = numberOf(faults);
-                    made.member = {quality.channel};
-                    sink_(made);
-                }
-                quality.faults = faults;
+            if (isAnyChanged(asdu.data)) [[unlikely]] {
+                lookAtQualities(asdu.data, packet);
             }
         }
         last_ = packet;
     }
 
-private:
-    /// Where qualities are from here on.
-    void findQualities(ReadAsdu const& asdu, PacketRef packet) {
-        if (dataSize_ != 0 && dataSize_ != asdu.data.size()) {
+    /// From here on, seqData may be made otherwise. In what layouts are inferred to be, qualities
+    /// are the second of each two words: which they are matters only once one of these is none that
+    /// is good.
+    void beginData(ReadAsdu const& asdu, PacketRef packet) {
+        constexpr std::size_t kPair = 8;
+        constexpr std::size_t kWord = 4;
+        std::size_t const size = asdu.data.size();
+        if (dataSize_ != 0 && dataSize_ != size) {
             Finding made = finding(FindingKind::dataSetChanged, packet);
             made.expected = numberOf(static_cast<std::int64_t>(dataSize_));
-            made.found = numberOf(static_cast<std::int64_t>(asdu.data.size()));
-            sink_(made);
+            made.found = numberOf(static_cast<std::int64_t>(size));
+            sink_(number_, made);
             qualities_.clear();
         }
-        dataSize_ = asdu.data.size();
-        std::vector<WatchedQuality> found;
-        auto const& layout =
-            layouts_.of({.size = dataSize_, .attributes = &attributes_.at(packet)}).layout;
-        for (std::size_t channel = 0; layout && channel < layout->channels().size(); ++channel) {
-            if (auto const offset = layout->channels()[channel].qualityOffset) {
-                found.push_back({.offset = *offset,
-                                 .channel = static_cast<std::uint32_t>(channel),
-                                 .faults = 0});
-            }
+        dataSize_ = size;
+        attributesNow_ = &attributes_.at(packet);
+        std::vector<WatchedQuality> second;
+        for (std::size_t offset = kWord; size % kPair == 0 && offset < size; offset += kPair) {
+            second.push_back({.offset = offset,
+                              .channel = static_cast<std::uint32_t>(offset / kPair),
+                              .faults = 0});
         }
-        for (WatchedQuality& quality : found) {
+        watch(std::move(second));
+        isLayoutKnown_ = false;
+    }
+
+    /// Watches these, with what is known of them.
+    void watch(std::vector<WatchedQuality> qualities) {
+        for (WatchedQuality& quality : qualities) {
             auto const known = std::find_if(
                 qualities_.begin(), qualities_.end(),
                 [&](WatchedQuality const& each) { return each.channel == quality.channel; });
             quality.faults = known == qualities_.end() ? 0 : known->faults;
         }
-        qualities_ = std::move(found);
+        qualities_ = std::move(qualities);
+    }
+
+    [[nodiscard]] bool isAnyChanged(Octets data) const {
+        std::uint32_t changed = 0;
+        for (WatchedQuality const& quality : qualities_) {
+            changed |= (wordAt(data.data() + quality.offset) & kFaults) ^ quality.faults;
+        }
+        return changed != 0;
+    }
+
+    void lookAtQualities(Octets data, PacketRef packet) {
+        OctetString kept;
+        if (!isLayoutKnown_) {
+            // Other ASDUs are read in between.
+            kept = toOwned(data);
+            data = kept;
+            if (!layouts_) {
+                layouts_.emplace(index_, stream_, std::nullopt, window_);
+            }
+            auto const& layout =
+                layouts_->of({.size = dataSize_, .attributes = attributesNow_}).layout;
+            std::vector<WatchedQuality> found;
+            for (std::size_t channel = 0; layout && channel < layout->channels().size();
+                 ++channel) {
+                if (auto const offset = layout->channels()[channel].qualityOffset) {
+                    found.push_back({.offset = *offset,
+                                     .channel = static_cast<std::uint32_t>(channel),
+                                     .faults = 0});
+                }
+            }
+            watch(std::move(found));
+            isLayoutKnown_ = true;
+        }
+        for (WatchedQuality& quality : qualities_) {
+            std::uint32_t const faults = wordAt(data.data() + quality.offset) & kFaults;
+            if ((faults != 0) != (quality.faults != 0)) {
+                Finding made = finding(FindingKind::qualityChanged, packet);
+                made.expected = numberOf(quality.faults);
+                made.found = numberOf(faults);
+                made.member = {quality.channel};
+                sink_(number_, made);
+            }
+            quality.faults = faults;
+        }
     }
 
     void lookAtClock(ReadAsdu const& asdu, PacketRef packet) {
@@ -110,7 +175,7 @@ private:
             Finding made = finding(FindingKind::grandmasterChanged, packet);
             made.expected = OctetString(clock_.begin(), clock_.end());
             made.found = toOwned(asdu.gmIdentity);
-            sink_(made);
+            sink_(number_, made);
         }
         std::copy_n(asdu.gmIdentity.begin(), clock_.size(), clock_.begin());
         hasClock_ = true;
@@ -118,7 +183,7 @@ private:
 
     void edge(bool& isOn, bool isNow, FindingKind kind, PacketRef packet) {
         if (isNow && !isOn) {
-            sink_(finding(kind, packet));
+            sink_(number_, finding(kind, packet));
         }
         isOn = isNow;
     }
@@ -137,14 +202,24 @@ private:
         return made;
     }
 
+    TrafficIndex const& index_;
+    std::size_t number_;
     TrafficStream const& stream_;
-    FindingSink sink_;
-    StreamLayouts layouts_;
+    StreamFindingSink const& sink_;
+    PacketCourse course_;
+    /// Not looked at yet.
+    std::optional<PacketRef> next_;
     PartAttributes attributes_;
+    std::shared_ptr<CaptureWindow> window_;
     AsduReader reader_;
+    /// Inferred only where it matters.
+    std::optional<StreamLayouts> layouts_;
     /// Of seqData; 0 before the first.
     std::size_t dataSize_ = 0;
+    StreamAttributes const* attributesNow_ = nullptr;
     std::vector<WatchedQuality> qualities_;
+    /// Whether these are what the layout says, not just what they may be.
+    bool isLayoutKnown_ = false;
     std::array<std::uint8_t, kGmIdentitySize> clock_{};
     bool hasClock_ = false;
     bool isClockFailed_ = false;
@@ -154,16 +229,25 @@ private:
 
 }  // namespace
 
-void superviseSamples(TrafficIndex const& index, std::size_t stream, std::stop_token const& stop,
-                      FindingSink sink) {
-    TrafficStream const& of = index.streams()[stream];
-    ContentWatch watch(index, of, sink);
-    PacketCourse course(of);
-    for (std::uint64_t seen = 0; auto const packet = course.next(); ++seen) {
-        if ((seen & kPatience) == 0 && stop.stop_requested()) {
+void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const& streams,
+                      std::stop_token const& stop, StreamFindingSink const& sink) {
+    // What one reading of a capture brings.
+    constexpr std::uint64_t kStretch = std::uint64_t{192} << 10U;
+    auto const window = windowOf(index);
+    std::vector<std::unique_ptr<ContentWatch>> watches;
+    for (std::size_t const stream : streams) {
+        watches.push_back(std::make_unique<ContentWatch>(index, stream, window, sink));
+    }
+    while (!stop.stop_requested()) {
+        std::erase_if(watches, [](auto const& watch) { return !watch->isLeft(); });
+        if (watches.empty()) {
             return;
         }
-        watch.look(*packet);
+        std::uint32_t const file = watches.front()->file();
+        std::uint64_t const end = watches.front()->fileOffset() + kStretch;
+        for (auto const& watch : watches) {
+            watch->lookUpTo(file, end);
+        }
     }
 }
 

@@ -385,7 +385,8 @@ public:
           drops_(detail::findCaptureDrops(index, options.stop)),
           steps_(detail::findClockSteps(index)),
           witnesses_(index, drops_),
-          coverage_(index, steps_) {
+          coverage_(index, steps_),
+          ofSamples_(index.streams().size()) {
         // Counts of interfaces are compared with all that is missing.
         bool const areAllGoneThrough = detail::haveStatistics(drops_);
         for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
@@ -404,13 +405,24 @@ public:
 
     /// Goes through the streams: all of GOOSE at once, the others one by one.
     void run() {
-        detail::runJobs(svStreams_.size() + 1, options_.jobs, [&](std::size_t task) {
+        // Samples first, as they take longest: each task reads the captures for its share of the
+        // streams.
+        std::size_t const shares =
+            options_.withSamples ? detail::countJobs(svStreams_.size(), options_.jobs) : 0;
+        detail::runJobs(svStreams_.size() + 1 + shares, options_.jobs, [&](std::size_t task) {
             if (task == 0) {
                 superviseGoose();
+            } else if (task <= shares) {
+                superviseShare(task - 1, shares);
             } else {
-                superviseSvStream(svStreams_[task - 1]);
+                superviseSvStream(svStreams_[task - 1 - shares]);
             }
         });
+        for (std::size_t const stream : svStreams_) {
+            for (Finding const& finding : ofSamples_[stream].take()) {
+                findings_[stream].add(finding);
+            }
+        }
     }
 
     /// All that is found, in the order of time.
@@ -474,10 +486,17 @@ private:
         StreamFindings& findings = findings_[stream];
         superviseSv(index_, stream, steps_, options_, coverage_.of(index_.streams()[stream]),
                     findings);
-        if (options_.withSamples) {
-            detail::superviseSamples(index_, stream, options_.stop,
-                                     [&](Finding const& finding) { findings.add(finding); });
+    }
+
+    /// Reads the samples of every so manieth stream.
+    void superviseShare(std::size_t first, std::size_t shares) {
+        std::vector<std::size_t> streams;
+        for (std::size_t i = first; i < svStreams_.size(); i += shares) {
+            streams.push_back(svStreams_[i]);
         }
+        detail::superviseSamples(
+            index_, streams, options_.stop,
+            [&](std::size_t stream, Finding const& finding) { ofSamples_[stream].add(finding); });
     }
 
     TrafficIndex const& index_;
@@ -492,6 +511,8 @@ private:
     /// Each is written by one thread.
     std::vector<StreamFindings> findings_;
     std::vector<std::size_t> svStreams_;
+    /// By stream, what its samples tell; each is written by one thread.
+    std::vector<detail::FindingJoiner> ofSamples_;
 };
 
 }  // namespace

@@ -16,10 +16,7 @@ public:
         : count_(count), task_(task) {}
 
     void run(std::size_t jobs) {
-        if (jobs == 0) {
-            jobs = std::max(1U, std::thread::hardware_concurrency());
-        }
-        jobs = std::min(jobs, count_);
+        jobs = countJobs(count_, jobs);
         std::vector<std::thread> threads;
         threads.reserve(jobs);
         for (std::size_t i = 1; i < jobs; ++i) {
@@ -63,6 +60,11 @@ private:
 };
 
 }  // namespace
+
+std::size_t countJobs(std::size_t count, std::size_t jobs) {
+    std::size_t const most = jobs == 0 ? std::max(1U, std::thread::hardware_concurrency()) : jobs;
+    return std::min(most, count);
+}
 
 void runJobs(std::size_t count, std::size_t jobs, std::function<void(std::size_t)> const& task) {
     Jobs(count, task).run(jobs);

@@ -7,6 +7,10 @@
 
 namespace TalIec61850Analysis::detail {
 
+/// How many of so many tasks run at a time.
+/// @param jobs  at most; 0 for as many as the machine has cores
+[[nodiscard]] std::size_t countJobs(std::size_t count, std::size_t jobs);
+
 /// Runs tasks, each once, some at a time; those of lower numbers begin first. Where the system has
 /// no more threads, fewer do the same.
 /// @param count  tasks, numbered from 0

@@ -84,8 +84,9 @@ void addCheckOptions(CommandDefinition& command, CheckOptions& options) {
                     "interval of its frames if not said",
                     kFindingsGroup);
     command.parser
-        ->add_flag("--samples", options.withSamples,
-                   "Read the ASDUs of SV too: qualities, sizes, clocks")
+        ->add_flag_callback(
+            "--no-samples", [&options] { options.withSamples = false; },
+            "Leave out what only the ASDUs of SV tell: qualities, sizes of seqData, clocks; faster")
         ->group(kFindingsGroup);
     addWindowOptions(command, options.window);
     addContentOptions(command, options.criteria);

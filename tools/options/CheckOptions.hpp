@@ -26,7 +26,7 @@ struct CheckOptions {
     /// How far a frame may be from its course.
     std::optional<std::chrono::nanoseconds> jitter;
     /// Whether ASDUs are read too.
-    bool withSamples = false;
+    bool withSamples = true;
     /// A row for each stream, in place of findings.
     bool isSummary = false;
     /// The least that the program fails on; not set for nothing.
