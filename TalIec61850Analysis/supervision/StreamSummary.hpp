@@ -33,7 +33,8 @@ struct StreamSummary {
 
     /// SV: samples a second that the stream is to have, see TrafficIndex::nominalRate.
     std::optional<double> nominalRate;
-    /// SV: samples a second by smpCnt and arrival, over the longest stretch of one rate.
+    /// SV: samples a second by smpCnt and arrival, lost ones counted, over the longest time in
+    /// which the counter goes on.
     std::optional<double> measuredRate;
 
     /// Samples or messages that are missing, at least; a lost state counts as one message.
@@ -60,9 +61,9 @@ struct StreamSummary {
     /// Whether any packet says that it is simulated.
     bool isSimulated = false;
 
-    /// GOOSE: the least of timeAllowedtoLive over the time to the next message, where that is the
-    /// next one by its counters; not set where there is none. At most 1 means that receivers can
-    /// take the stream for dead with nothing lost.
+    /// GOOSE: the least of timeAllowedtoLive over the time to the next message of the state, where
+    /// none is missing between; not set where there are no such two. At most 1 means that receivers
+    /// can take the publisher for dead with nothing lost.
     std::optional<double> timeAllowedtoLiveMargin;
     /// GOOSE: states that were seen.
     std::uint64_t states = 0;

@@ -33,14 +33,6 @@ void setSpan(StreamSummary& summary, StreamPart const& part) {
     summary.last = summary.last == kNoTime ? latest : std::max(summary.last, latest);
 }
 
-/// Whether a message is the next one of its stream.
-bool isNextMessage(GooseObservation const& message, std::uint32_t stNum, std::uint32_t sqNum) {
-    if (message.stNum == stNum) {
-        return stepsBetween(sqNum, message.sqNum) == 1;
-    }
-    return stepsBetween(stNum, message.stNum) == 1 && message.sqNum <= 1;
-}
-
 bool saysSimulated(StreamAttributes const& attributes) {
     auto const* const element = valueIn(attributes.simulation);
     return attributes.simulatedBit || (element != nullptr && *element);
@@ -125,13 +117,6 @@ void StreamTally::addArrivals(std::span<std::int64_t const> arrivals) {
     }
 }
 
-void StreamTally::addRate(FoundRate const& rate) {
-    if (rate.measured > 0 && rate.packets > ofRate_) {
-        ofRate_ = rate.packets;
-        summary_.measuredRate = rate.measured;
-    }
-}
-
 void StreamTally::addSynch(std::uint8_t smpSynch) {
     auto& lowest = summary_.lowestSynch;
     if (!lowest || synchLevelOf(smpSynch) < synchLevelOf(*lowest)) {
@@ -157,7 +142,8 @@ void StreamTally::addMessage(GooseObservation const& message,
         auto const pause = static_cast<double>(*length);
         auto& margin = summary_.timeAllowedtoLiveMargin;
         bool const isLess = pause > 0 && (!margin || life_ < *margin * pause);
-        if (isLess && life_ > 0 && message.isCounted && isNextMessage(message, stNum_, sqNum_)) {
+        if (isLess && life_ > 0 && message.isCounted && message.stNum == stNum_ &&
+            stepsBetween(sqNum_, message.sqNum) == 1) {
             margin = life_ / pause;
         }
     }

@@ -2,7 +2,6 @@
 
 // Internal: what is counted of a stream while it is gone through.
 
-#include <TalIec61850Analysis/samples/FindRate.hpp>
 #include <TalIec61850Analysis/samples/Histogram.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/supervision/GooseObservation.hpp>
@@ -31,8 +30,8 @@ public:
     /// nothing.
     void forgetArrival() { arrival_ = kNoTime; }
 
-    /// SV: a rate that holds for some packets.
-    void addRate(FoundRate const& rate);
+    /// SV: samples a second.
+    void setMeasuredRate(std::optional<double> rate) { summary_.measuredRate = rate; }
     /// SV: a packet has a smpSynch.
     void addSynch(std::uint8_t smpSynch);
     /// SV: how far frames were from their course.
@@ -60,8 +59,6 @@ private:
     /// The loss with the longest pause, and where it ends.
     std::int64_t longestLoss_ = -1;
     std::optional<FindingPlace> lossEnd_;
-    /// Packets of the rate that is told.
-    std::uint64_t ofRate_ = 0;
     std::uint32_t stNum_ = 0;
     std::uint32_t sqNum_ = 0;
     /// Of the message before, in nanoseconds; 0 where it says nothing.

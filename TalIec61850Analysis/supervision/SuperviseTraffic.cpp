@@ -235,9 +235,6 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
         if (isNewRate) {
             found = detail::findRate(index, stream, isOneTap ? course : rateCourse, {});
             ofRate = 0;
-            if (tally != nullptr) {
-                tally->addRate(found);
-            }
         }
         // After the last packet of the first tap, its last rate goes on.
         std::uint64_t const left = found.packets > 0 ? found.packets - ofRate : kMostAtOnce;
@@ -277,6 +274,9 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
         return;
     }
     supervisor.finish(end, take);
+    if (tally != nullptr) {
+        tally->setMeasuredRate(supervisor.measuredRate());
+    }
     if (distances) {
         tally->addJitter(*distances);
     }

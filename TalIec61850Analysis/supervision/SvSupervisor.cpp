@@ -138,6 +138,9 @@ void SvSupervisor::stepClock(std::int64_t step, FindingSink sink) {
     if (last_.arrival != kNoTime) {
         last_.arrival = shiftedTime(last_.arrival, step);
     }
+    if (run_) {
+        run_->arrival = shiftedTime(run_->arrival, step);
+    }
     if (heard_ != kNoTime) {
         heard_ = shiftedTime(heard_, step);
     }
@@ -290,8 +293,10 @@ void SvSupervisor::takeForSecond(SvObservation const& packet, FindingSink sink) 
     if (++second.alone > kGonePackets) {
         // The first one is gone: this one takes its place.
         settleGaps(true, sink);
+        endRun();
         counter_ = second.counter;
         last_ = second.last;
+        beginRun();
         beginJitter(sink);
         endSecond(sink);
     }
@@ -366,6 +371,7 @@ void SvSupervisor::takeUncounted(SvObservation const& packet, FindingSink sink) 
     settleGaps(true, sink);
     checkSynch(packet, sink);
     beginJitter(sink);
+    endRun();
     isStarted_ = false;
     last_ = packet;
     heard_ = packet.arrival;
@@ -374,15 +380,45 @@ void SvSupervisor::takeUncounted(SvObservation const& packet, FindingSink sink) 
 void SvSupervisor::begin(SvObservation const& packet, FindingSink sink) {
     settleGaps(true, sink);
     checkSynch(packet, sink);
+    endRun();
     counter_ = SampleCounter(course_.count);
     static_cast<void>(counter_.add(packet.smpCnt, packet.arrival));
     beginJitter(sink);
     isStarted_ = true;
     last_ = packet;
+    beginRun();
     // It is the first of a frame, whatever its number.
     jitter_.add(counter_.newest(), packet.arrival, packet.packet,
                 [&](Deviation const& away) { reportAway(away, sink); });
     heard_ = packet.arrival;
+}
+
+void SvSupervisor::beginRun() {
+    if (last_.arrival != kNoTime) {
+        run_ = Run{.number = counter_.newest(), .arrival = last_.arrival, .asdu = last_.asdu};
+    }
+}
+
+void SvSupervisor::endRun() {
+    if (run_ && last_.arrival != kNoTime && last_.arrival > run_->arrival) {
+        // Without a sign, the difference of any two is exact.
+        auto const time = static_cast<double>(static_cast<std::uint64_t>(last_.arrival) -
+                                              static_cast<std::uint64_t>(run_->arrival));
+        // All ASDUs of a frame arrive at once.
+        std::int64_t const atOnce = std::int64_t{last_.asdu} - std::int64_t{run_->asdu};
+        if (time > longestTime_) {
+            longestTime_ = time;
+            longestSamples_ = static_cast<double>(counter_.newest() - run_->number - atOnce);
+        }
+    }
+    run_.reset();
+}
+
+std::optional<double> SvSupervisor::measuredRate() const {
+    constexpr double kNanoseconds = 1e9;
+    return longestTime_ > 0 && longestSamples_ > 0
+               ? std::optional(longestSamples_ * kNanoseconds / longestTime_)
+               : std::nullopt;
 }
 
 void SvSupervisor::beginJitter(FindingSink sink) {
@@ -548,6 +584,7 @@ void SvSupervisor::finish(std::int64_t end, FindingSink sink) {
     settleGaps(true, sink);
     jitter_.finish([&](Deviation const& away) { reportAway(away, sink); });
     endAway(sink);
+    endRun();
     std::int64_t const last = heard_ == kNoTime ? kNoTime : std::max(heard_, last_.arrival);
     if (silence_ > 0 && last != kNoTime && end != kNoTime && end > last && end - last > silence_) {
         Finding made = finding(FindingKind::silent, last_);
