@@ -51,6 +51,11 @@ void addStreams(FaultyStation& station) {
                  .firstMessage = 100,
                  .states = {19},
                  .start = 3 * kMs});
+    // A second source of one svID.
+    station.add({.svID = "BAY1_MU03",
+                 .source = "02:00:00:00:00:99",
+                 .frames = 1200,
+                 .start = 1700 * kMs + 30'000});
 }
 
 /// Between two times, changes what the ASDU of a merging unit says.
@@ -108,9 +113,13 @@ void addGooseFaults(FaultyStation& station) {
                             [](GooseMessage& message) { message.t = utcTime(1'700'000'000); });
     station.changeGooseFrom(status, 3, [](GooseMessage& message) { message.ndsCom = true; });
     station.changeGooseFrom(status, 5, [](GooseMessage& message) { message.numDatSetEntries = 4; });
+    station.changeGooseFrom(status, 5, [](GooseMessage& message) { message.numDatSetEntries = 4; });
     station.changeGooseFrom(status, 7, [](GooseMessage& message) { message.simulation = true; });
     station.changeGooseFrom(
         status, 9, [](GooseMessage& message) { message.t = utcTime(1'700'000'100, 0, 0x6A); });
+    station.changeGooseFrom(status, 13, [](GooseMessage& message) {
+        message.setData({dataBoolean(false), dataQuality(), dataUtcTime(1'700'000'000)});
+    });
     station.changeGooseFrom(status, 17,
                             [](GooseMessage& message) { message.timeAllowedtoLive = 0; });
 }

@@ -153,7 +153,11 @@ TEST(FindingSentence, IsOneForTwoPublishers) {
 
 TEST(FindingSentence, IsOneForContentsAgainstCounters) {
     EXPECT_EQ(
-        afterGoose("changedWithoutState", 5, [](GooseMessage& message) { message.stNum = 5; }),
+        afterGoose(
+            "changedWithoutState", 5,
+            [](GooseMessage& message) {
+                message.setData({dataBoolean(false), dataQuality(), dataUtcTime(1'700'000'000)});
+            }),
         Sentences{"data changed, stNum stayed 5"});
     EXPECT_EQ(afterGoose("stateWithoutChange", 0,
                          [](GooseMessage& message) { message.setData({dataBoolean(true)}); }),

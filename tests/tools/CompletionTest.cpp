@@ -50,8 +50,8 @@ Words offeredByBash(std::string const& words) {
 
 TEST(BashCompletion, OffersTheCommands) {
     EXPECT_EQ(offeredByBash("tal-iec61850 ''"),
-              (Words{"streams", "packets", "show", "samples", "comtrade", "captures", "completion",
-                     "manual", "library", "--help", "--version"}));
+              (Words{"streams", "packets", "show", "samples", "comtrade", "check", "captures",
+                     "completion", "manual", "library", "--help", "--version"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 pa"), Words{"packets"});
 }
 
@@ -120,8 +120,9 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
         EXPECT_EQ(result.err, "");
         return linesOf(result.out);
     };
-    EXPECT_EQ(offered("tal-iec61850 "), (Words{"captures", "completion", "comtrade", "library",
-                                               "manual", "packets", "samples", "show", "streams"}));
+    EXPECT_EQ(offered("tal-iec61850 "),
+              (Words{"captures", "check", "completion", "comtrade", "library", "manual", "packets",
+                     "samples", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
     EXPECT_EQ(offered("tal-iec61850 show --format "),
               (Words{"csv", "json", "spreadsheet", "table"}));
