@@ -21,7 +21,7 @@ namespace {
 constexpr std::uint32_t kFaults = ~0x2000U;
 
 /// @param octets  four of them, the most significant first
-std::uint32_t wordAt(std::uint8_t const* octets) {
+std::uint32_t qualityWordAt(std::uint8_t const* octets) {
     return std::uint32_t{octets[0]} << 24U | std::uint32_t{octets[1]} << 16U |
            std::uint32_t{octets[2]} << 8U | std::uint32_t{octets[3]};
 }
@@ -120,7 +120,7 @@ private:
     [[nodiscard]] bool isAnyChanged(Octets data) const {
         std::uint32_t changed = 0;
         for (WatchedQuality const& quality : qualities_) {
-            changed |= (wordAt(data.data() + quality.offset) & kFaults) ^ quality.faults;
+            changed |= (qualityWordAt(data.data() + quality.offset) & kFaults) ^ quality.faults;
         }
         return changed != 0;
     }
@@ -149,7 +149,7 @@ private:
             isLayoutKnown_ = true;
         }
         for (WatchedQuality& quality : qualities_) {
-            std::uint32_t const faults = wordAt(data.data() + quality.offset) & kFaults;
+            std::uint32_t const faults = qualityWordAt(data.data() + quality.offset) & kFaults;
             if ((faults != 0) != (quality.faults != 0)) {
                 Finding made = finding(FindingKind::qualityChanged, packet);
                 made.expected = numberOf(quality.faults);

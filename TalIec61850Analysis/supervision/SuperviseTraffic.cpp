@@ -185,8 +185,8 @@ detail::SvCourse courseOf(detail::FoundRate const& found, std::uint32_t inFrame,
 }
 
 /// Counts what a strip has; all of it has one smpSynch.
-void addStrip(detail::StreamTally& tally, SvColumns const& at,
-              detail::PacketCourse::Strip const& strip, bool isStepped) {
+void tallyStrip(detail::StreamTally& tally, SvColumns const& at,
+                detail::PacketCourse::Strip const& strip, bool isStepped) {
     if (isStepped) {
         tally.forgetArrival();
     }
@@ -267,7 +267,7 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
             supervisor.add(observation, take);
         }
         if (tally != nullptr) {
-            addStrip(*tally, at, strip, std::exchange(isStepped, false));
+            tallyStrip(*tally, at, strip, std::exchange(isStepped, false));
         }
     }
     if (options.stop.stop_requested()) {

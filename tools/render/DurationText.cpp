@@ -10,15 +10,16 @@ namespace TalIec61850Tools {
 
 namespace {
 
-struct Unit {
+struct DurationUnit {
     std::string_view name;
     double nanoseconds;
 };
 
-std::string textOf(double nanoseconds) {
-    constexpr std::array<Unit, 4> kUnits = {{{"s", 1e9}, {"ms", 1e6}, {"us", 1e3}, {"ns", 1}}};
+std::string lengthText(double nanoseconds) {
+    constexpr std::array<DurationUnit, 4> kUnits = {
+        {{"s", 1e9}, {"ms", 1e6}, {"us", 1e3}, {"ns", 1}}};
     constexpr double kManySeconds = 1e6;
-    for (Unit const& unit : kUnits) {
+    for (DurationUnit const& unit : kUnits) {
         double const number = nanoseconds / unit.nanoseconds;
         if (std::abs(number) >= kManySeconds) {
             return fmt::format("{:.0f} {}", number, unit.name);
@@ -33,7 +34,7 @@ std::string textOf(double nanoseconds) {
 }  // namespace
 
 std::string durationText(std::int64_t nanoseconds) {
-    return textOf(static_cast<double>(nanoseconds));
+    return lengthText(static_cast<double>(nanoseconds));
 }
 
 std::string durationText(std::int64_t from, std::int64_t until) {
@@ -41,7 +42,7 @@ std::string durationText(std::int64_t from, std::int64_t until) {
     std::uint64_t const length =
         from < until ? static_cast<std::uint64_t>(until) - static_cast<std::uint64_t>(from)
                      : static_cast<std::uint64_t>(from) - static_cast<std::uint64_t>(until);
-    return textOf(static_cast<double>(length));
+    return lengthText(static_cast<double>(length));
 }
 
 }  // namespace TalIec61850Tools

@@ -76,16 +76,16 @@ std::optional<Value> valueCalled(std::array<std::string_view, Size> const& names
 }
 
 template <typename Value, std::size_t Size>
-std::string_view nameOf(std::array<std::string_view, Size> const& names, Value value) {
+std::string_view nameAt(std::array<std::string_view, Size> const& names, Value value) {
     return names.at(static_cast<std::size_t>(value));
 }
 
 }  // namespace
 
-std::string_view toText(FindingKind kind) { return nameOf(kKinds, kind); }
-std::string_view toText(Severity severity) { return nameOf(kSeverities, severity); }
-std::string_view toText(LossCause cause) { return nameOf(kCauses, cause); }
-std::string_view toText(LossWitness witness) { return nameOf(kWitnesses, witness); }
+std::string_view toText(FindingKind kind) { return nameAt(kKinds, kind); }
+std::string_view toText(Severity severity) { return nameAt(kSeverities, severity); }
+std::string_view toText(LossCause cause) { return nameAt(kCauses, cause); }
+std::string_view toText(LossWitness witness) { return nameAt(kWitnesses, witness); }
 
 std::vector<std::string> findingKindNames() { return {kKinds.begin(), kKinds.end()}; }
 std::vector<std::string> severityNames() { return {kSeverities.begin(), kSeverities.end()}; }

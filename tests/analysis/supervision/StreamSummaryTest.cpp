@@ -13,7 +13,7 @@ using namespace TalIec61850Analysis;
 constexpr std::int64_t kMicrosecond = 1'000;
 constexpr std::int64_t kMillisecondNs = 1'000'000;
 /// Of 4000 samples a second.
-constexpr std::int64_t kInterval = 250 * kMicrosecond;
+constexpr std::int64_t kSampleInterval = 250 * kMicrosecond;
 
 StreamSummary summaryOf(FaultyStation& station, std::size_t stream = 0) {
     return summariesIn(station.captures()).at(stream);
@@ -26,11 +26,11 @@ TEST(SvSummary, HasTheFiguresOfACleanStream) {
     EXPECT_EQ(figures.stream, 0U);
     EXPECT_EQ(figures.packets, 8000U);
     EXPECT_EQ(figures.first, FaultyStation::kStart * 1'000'000'000);
-    EXPECT_EQ(figures.last, figures.first + 7999 * kInterval);
+    EXPECT_EQ(figures.last, figures.first + 7999 * kSampleInterval);
     EXPECT_EQ(figures.nominalRate, 4000);
     EXPECT_EQ(figures.measuredRate, 4000);
     EXPECT_EQ(figures.lost + figures.late + figures.repeated + figures.restarts, 0U);
-    EXPECT_EQ(figures.largestGap, kInterval);
+    EXPECT_EQ(figures.largestGap, kSampleInterval);
     EXPECT_EQ(figures.largestGapLost, 0U);
     EXPECT_EQ(figures.jitter, StreamJitter());
     EXPECT_EQ(figures.lowestSynch, 2);
@@ -45,13 +45,13 @@ TEST(SvSummary, CountsWhatIsLostLateAndRepeated) {
     FaultyStation station;
     station.add({.frames = 4000});
     station.drop(0, 1000, 3).drop(0, 2000, 5).repeat(0, 2500, 20'000);
-    station.delay(0, 3000, 2 * kInterval + 20'000);
+    station.delay(0, 3000, 2 * kSampleInterval + 20'000);
     auto const figures = summaryOf(station);
     EXPECT_EQ(figures.packets, 3993U);
     EXPECT_EQ(figures.lost, 8U);
     EXPECT_EQ(figures.repeated, 1U);
     EXPECT_EQ(figures.late, 1U);
-    EXPECT_EQ(figures.largestGap, 6 * kInterval);
+    EXPECT_EQ(figures.largestGap, 6 * kSampleInterval);
     EXPECT_EQ(figures.largestGapLost, 5U);
     EXPECT_EQ(figures.errors, 4U);
 }
@@ -87,11 +87,11 @@ TEST(SvSummary, TellsPausesWithoutLossAsLargestGap) {
     // Held up, then sent at once.
     for (std::size_t number = 2000; number < 2050; ++number) {
         station.frame(0, number).time =
-            2049 * kInterval + static_cast<std::int64_t>(number - 2000) * kMicrosecond;
+            2049 * kSampleInterval + static_cast<std::int64_t>(number - 2000) * kMicrosecond;
     }
     auto const figures = summaryOf(station);
     EXPECT_EQ(figures.lost, 3U);
-    EXPECT_EQ(figures.largestGap, 50 * kInterval);
+    EXPECT_EQ(figures.largestGap, 50 * kSampleInterval);
     EXPECT_EQ(figures.largestGapLost, 0U);
 }
 
@@ -160,8 +160,8 @@ TEST(SvSummary, CountsCopiesOnce) {
     station.add({.frames = 400, .prpDelay = 5 * kMicrosecond});
     auto const figures = summaryOf(station);
     EXPECT_EQ(figures.packets, 400U);
-    EXPECT_EQ(figures.last - figures.first, 399 * kInterval);
-    EXPECT_EQ(figures.largestGap, kInterval);
+    EXPECT_EQ(figures.last - figures.first, 399 * kSampleInterval);
+    EXPECT_EQ(figures.largestGap, kSampleInterval);
 }
 
 TEST(SvSummary, IsNotMisledByAClockThatIsSet) {
@@ -169,8 +169,8 @@ TEST(SvSummary, IsNotMisledByAClockThatIsSet) {
     station.add({.frames = 4000});
     station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .start = 60'000});
     station.stepClock(500 * kMillisecondNs, 20'000 * kMillisecondNs);
-    EXPECT_EQ(summaryOf(station, 0).largestGap, kInterval);
-    EXPECT_EQ(summaryOf(station, 1).largestGap, kInterval);
+    EXPECT_EQ(summaryOf(station, 0).largestGap, kSampleInterval);
+    EXPECT_EQ(summaryOf(station, 1).largestGap, kSampleInterval);
 }
 
 TEST(GooseSummary, HasTheFiguresOfACleanStream) {
