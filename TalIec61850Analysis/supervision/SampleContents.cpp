@@ -235,6 +235,7 @@ void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const&
     constexpr std::uint64_t kStretch = std::uint64_t{192} << 10U;
     auto const window = windowOf(index);
     std::vector<std::unique_ptr<ContentWatch>> watches;
+    watches.reserve(streams.size());
     for (std::size_t const stream : streams) {
         watches.push_back(std::make_unique<ContentWatch>(index, stream, window, sink));
     }

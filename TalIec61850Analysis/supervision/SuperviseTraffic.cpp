@@ -282,37 +282,39 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
     }
 }
 
-/// Watches all GOOSE streams at once, so that each capture is read front to back.
+/// Watches some GOOSE streams at once, so that each capture is read front to back.
 class GooseWatch {
 public:
     /// @param watched  by stream
-    GooseWatch(TrafficIndex const& index, FileSteps const& steps, std::vector<bool> const& watched,
+    GooseWatch(TrafficIndex const& index, FileSteps const& steps, std::vector<bool> watched,
                std::vector<StreamFindings>& findings)
-        : index_(index), watched_(watched), findings_(findings), window_(pathsIn(index)) {
-        for (TrafficStream const& stream : index.streams()) {
-            if (stream.key.protocol == StreamProtocol::goose) {
+        : index_(index),
+          watched_(std::move(watched)),
+          findings_(findings),
+          window_(pathsIn(index)),
+          places_(watched_.size()) {
+        for (std::size_t number = 0; number < watched_.size(); ++number) {
+            if (watched_[number]) {
+                TrafficStream const& stream = index.streams()[number];
+                places_[number] = streams_.size();
                 streams_.push_back(
                     {.ways = detail::StreamWays(stream), .ahead = StepsAhead(stream, steps)});
-            } else {
-                streams_.push_back({.ways = detail::StreamWays({}), .ahead = StepsAhead({}, {})});
             }
         }
     }
 
     void run(SupervisionOptions const& options) {
-        detail::GooseCourse course(index_);
+        detail::GooseCourse course(index_, watched_);
         for (std::uint64_t seen = 0; auto const message = course.next(); ++seen) {
             if ((seen & kPatience) == 0 && options.stop.stop_requested()) {
                 return;
             }
-            if (watched_[message->stream]) {
-                take(*message);
-            }
+            take(*message);
         }
     }
 
     void finish(std::size_t stream, std::int64_t end) {
-        detail::GooseSupervisor& supervisor = streams_[stream].supervisor;
+        detail::GooseSupervisor& supervisor = streamAt(stream).supervisor;
         supervisor.finish(end, [&](Finding const& finding) { findings_[stream].add(finding); });
         if (detail::StreamTally* const tally = findings_[stream].tallied()) {
             tally->setStates(supervisor.states());
@@ -328,8 +330,10 @@ private:
         bool hasContent = false;
     };
 
+    [[nodiscard]] Stream& streamAt(std::size_t stream) { return streams_[places_[stream]]; }
+
     void take(detail::CourseMessage const& message) {
-        Stream& at = streams_[message.stream];
+        Stream& at = streamAt(message.stream);
         StreamPart const& part = index_.streams()[message.stream].parts[message.packet.part];
         PacketColumns const& packets = part.packets;
         std::size_t const packet = message.packet.packet;
@@ -370,9 +374,11 @@ private:
     }
 
     TrafficIndex const& index_;
-    std::vector<bool> const& watched_;
+    std::vector<bool> watched_;
     std::vector<StreamFindings>& findings_;
     detail::CaptureWindow window_;
+    /// By stream of the index: where it is among these.
+    std::vector<std::size_t> places_;
     std::vector<Stream> streams_;
 };
 
@@ -392,30 +398,31 @@ public:
         for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
             bool const isWatched = !options.watches || options.watches(index.streams()[stream].key);
             watched_.push_back(isWatched);
-            goneThrough_.push_back(isWatched || areAllGoneThrough);
             findings_.emplace_back(index, stream, witnesses_);
             if (withTallies && isWatched) {
                 findings_.back().tally();
             }
-            if (isSv(stream) && goneThrough_.back()) {
-                svStreams_.push_back(stream);
+            if (isWatched || areAllGoneThrough) {
+                (isSv(stream) ? svStreams_ : gooseStreams_).push_back(stream);
             }
         }
     }
 
-    /// Goes through the streams: all of GOOSE at once, the others one by one.
+    /// Goes through the streams.
     void run() {
         // Samples first, as they take longest: each task reads the captures for its share of the
         // streams.
-        std::size_t const shares =
+        std::size_t const goose = detail::countJobs(gooseStreams_.size(), options_.jobs);
+        std::size_t const samples =
             options_.withSamples ? detail::countJobs(svStreams_.size(), options_.jobs) : 0;
-        detail::runJobs(svStreams_.size() + 1 + shares, options_.jobs, [&](std::size_t task) {
-            if (task == 0) {
-                superviseGoose();
-            } else if (task <= shares) {
-                superviseShare(task - 1, shares);
+        std::size_t const shares = goose + samples;
+        detail::runJobs(svStreams_.size() + shares, options_.jobs, [&](std::size_t task) {
+            if (task < goose) {
+                superviseGoose(shareOf(gooseStreams_, task, goose));
+            } else if (task < shares) {
+                superviseContents(shareOf(svStreams_, task - goose, samples));
             } else {
-                superviseSvStream(svStreams_[task - 1 - shares]);
+                superviseSvStream(svStreams_[task - shares]);
             }
         });
         for (std::size_t const stream : svStreams_) {
@@ -472,13 +479,25 @@ private:
         return index_.streams()[stream].key.protocol == StreamProtocol::sv;
     }
 
-    void superviseGoose() {
-        GooseWatch goose(index_, steps_, goneThrough_, findings_);
+    /// Every so manieth stream.
+    [[nodiscard]] static std::vector<std::size_t> shareOf(std::vector<std::size_t> const& streams,
+                                                          std::size_t first, std::size_t shares) {
+        std::vector<std::size_t> share;
+        for (std::size_t i = first; i < streams.size(); i += shares) {
+            share.push_back(streams[i]);
+        }
+        return share;
+    }
+
+    void superviseGoose(std::vector<std::size_t> const& streams) {
+        std::vector<bool> watched(findings_.size());
+        for (std::size_t const stream : streams) {
+            watched[stream] = true;
+        }
+        GooseWatch goose(index_, steps_, std::move(watched), findings_);
         goose.run(options_);
-        for (std::size_t stream = 0; stream < findings_.size(); ++stream) {
-            if (!isSv(stream) && goneThrough_[stream]) {
-                goose.finish(stream, coverage_.of(index_.streams()[stream]));
-            }
+        for (std::size_t const stream : streams) {
+            goose.finish(stream, coverage_.of(index_.streams()[stream]));
         }
     }
 
@@ -488,12 +507,7 @@ private:
                     findings);
     }
 
-    /// Reads the samples of every so manieth stream.
-    void superviseShare(std::size_t first, std::size_t shares) {
-        std::vector<std::size_t> streams;
-        for (std::size_t i = first; i < svStreams_.size(); i += shares) {
-            streams.push_back(svStreams_[i]);
-        }
+    void superviseContents(std::vector<std::size_t> const& streams) {
         detail::superviseSamples(
             index_, streams, options_.stop,
             [&](std::size_t stream, Finding const& finding) { ofSamples_[stream].add(finding); });
@@ -507,10 +521,11 @@ private:
     detail::CoverageEnd coverage_;
     // By stream.
     std::vector<bool> watched_;
-    std::vector<bool> goneThrough_;
     /// Each is written by one thread.
     std::vector<StreamFindings> findings_;
+    // Those that are gone through.
     std::vector<std::size_t> svStreams_;
+    std::vector<std::size_t> gooseStreams_;
     /// By stream, what its samples tell; each is written by one thread.
     std::vector<detail::FindingJoiner> ofSamples_;
 };

@@ -24,8 +24,8 @@ struct SupervisionOptions {
     /// Whether the ASDUs of SV are read again too, for the qualities of their values, the size of
     /// seqData, the clock that they name, and the quality of their times.
     bool withSamples = false;
-    /// How many streams are gone through at a time, all of GOOSE as one; 0 for as many as the
-    /// machine has cores. What is found does not depend on it.
+    /// How many threads go through streams; 0 for as many as the machine has cores. What is found
+    /// does not depend on it.
     std::size_t jobs = 1;
     /// Ends supervision soon after a stop is requested; nothing is handed on then.
     std::stop_token stop = {};
