@@ -71,6 +71,7 @@
 #include <TalIec61850Analysis/samples/SampleTimeSource.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/supervision/LiveSupervision.hpp>
+#include <TalIec61850Analysis/supervision/StreamSummary.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>

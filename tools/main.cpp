@@ -1,6 +1,6 @@
 // The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
-// PacketsCommand, ShowCommand, EventsCommand, SamplesCommand, ComtradeCommand, CapturesCommand;
-// HelpCommands has the rest, LibraryCommands the group `library`.
+// PacketsCommand, ShowCommand, EventsCommand, SamplesCommand, ComtradeCommand, RedundancyCommand,
+// CheckCommand, CapturesCommand; HelpCommands has the rest, LibraryCommands the group `library`.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "tools/commands/CapturesCommand.hpp"
+#include "tools/commands/CheckCommand.hpp"
 #include "tools/commands/ComtradeCommand.hpp"
 #include "tools/commands/EventsCommand.hpp"
 #include "tools/commands/HelpCommands.hpp"
@@ -104,6 +105,7 @@ ExitStatus runProgram(int argc, char** argv) {
     addSamplesCommand(definition, chosen);
     addComtradeCommand(definition, chosen);
     addRedundancyCommand(definition, chosen);
+    addCheckCommand(definition, chosen);
     addCapturesCommand(definition, chosen);
     addHelpCommands(definition, chosen);
     addLibraryCommands(definition, chosen);

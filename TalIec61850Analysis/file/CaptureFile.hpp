@@ -89,8 +89,9 @@ public:
         return next_ == end_ ? offsetAfter() : next_->record.fileOffset;
     }
 
-    /// The interfaces described so far, those of all sections in the order of the file. Their
-    /// counts may be those of up to 64 records after the one that `next` gave last.
+    /// The interfaces described so far, those of all sections in the order of the file: maybe those
+    /// of up to 64 records after the one that `next` gave last. Their counts are what the blocks
+    /// before that record say.
     /// @return valid until the next call of `next` or `recordAt`
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::span<CaptureInterface const> interfaces()
         const noexcept;

@@ -115,7 +115,8 @@ std::size_t NextGenerationDecoder::decode(std::span<std::uint8_t const> octets,
     std::size_t begin = 0;
     while (!walked.isFull() && begin <= octets.size()) {
         begin += decodeUsual(octets.subspan(begin), fileOffset + begin, walked);
-        if (walked.isFull()) {
+        // Counts are told when the records before them have been handed over.
+        if (walked.isFull() || (!walked.isEmpty() && isStatistics(octets.subspan(begin)))) {
             break;
         }
         std::size_t const used = decodeBlock(octets.subspan(begin), fileOffset + begin, walked);
@@ -125,6 +126,11 @@ std::size_t NextGenerationDecoder::decode(std::span<std::uint8_t const> octets,
         begin += used;
     }
     return begin;
+}
+
+bool NextGenerationDecoder::isStatistics(std::span<std::uint8_t const> octets) const {
+    return octets.size() >= wire::kBlockHeaderSize &&
+           wire::readFileUint32(octets, 0, section_.isLittleEndian) == wire::kStatisticsBlock;
 }
 
 /// Decodes whole enhanced packet blocks that have no options and nothing wrong, as nearly all

@@ -64,6 +64,7 @@ private:
         std::span<std::uint8_t const> body;
     };
 
+    [[nodiscard]] bool isStatistics(std::span<std::uint8_t const> octets) const;
     [[nodiscard]] std::size_t decodeUsual(std::span<std::uint8_t const> octets,
                                           std::uint64_t fileOffset, WalkedRecords& walked) const;
     template <bool IsLittleEndian>

@@ -1,60 +1,14 @@
 #include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
+#include <TalIec61850Analysis/samples/Histogram.hpp>
 #include <TalIec61850Analysis/samples/LineFit.hpp>
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <limits>
-#include <vector>
 
 namespace TalIec61850Analysis {
 
 namespace {
-
-/// Counts of numbers, in classes that are right to 1 %, whatever their size.
-class Histogram {
-public:
-    void add(std::uint64_t number) {
-        ++counts_[classOf(number)];
-        ++count_;
-    }
-
-    /// A number that a share of all are not above.
-    [[nodiscard]] std::int64_t percentile(unsigned percent) const {
-        std::uint64_t const wanted = (count_ * percent + 99) / 100;
-        std::uint64_t passed = 0;
-        for (std::size_t i = 0; i < counts_.size(); ++i) {
-            passed += counts_[i];
-            if (passed >= wanted) {
-                return static_cast<std::int64_t>(startOf(i));
-            }
-        }
-        return 0;
-    }
-
-private:
-    /// Bits of a number that its class keeps below the highest one.
-    static constexpr unsigned kBits = 7;
-    static constexpr std::size_t kFine = std::size_t{1} << kBits;
-
-    static std::size_t classOf(std::uint64_t number) {
-        if (number < kFine) {
-            return number;
-        }
-        auto const shift = static_cast<unsigned>(std::bit_width(number)) - 1 - kBits;
-        return (std::size_t{shift} + 1) * kFine + (number >> shift) - kFine;
-    }
-    static std::uint64_t startOf(std::size_t number) {
-        if (number < kFine) {
-            return number;
-        }
-        std::size_t const shift = number / kFine - 1;
-        return (std::uint64_t{number % kFine} + kFine) << shift;
-    }
-
-    std::vector<std::uint64_t> counts_ = std::vector<std::uint64_t>((64 - kBits + 1) * kFine);
-    std::uint64_t count_ = 0;
-};
 
 /// Calls with the time of each sample that is the newest of its frame, and its residual.
 template <typename Visit>
@@ -144,17 +98,17 @@ std::optional<ArrivalResiduals> arrivalResiduals(TrafficIndex const& index,
     if (residuals.samples == 0) {
         return std::nullopt;
     }
-    Histogram histogram;
+    detail::Histogram histogram;
     Envelope envelope(first, last);
     visitResiduals(index, stream, given, [&](std::int64_t time, std::int64_t residual) {
         std::int64_t const above = residual - residuals.least;
         histogram.add(static_cast<std::uint64_t>(above));
-        residuals.largest = std::max(residuals.largest, above);
         envelope.add(time, residual);
     });
     residuals.median = histogram.percentile(50);
     residuals.percentile90 = histogram.percentile(90);
     residuals.percentile99 = histogram.percentile(99);
+    residuals.largest = static_cast<std::int64_t>(histogram.largest());
     if (last - first >= kSecond) {
         if (auto const slope = envelope.slope()) {
             residuals.driftPpm = *slope * kPartsPerMillion;

@@ -3,11 +3,20 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 namespace TalIec61850Analysis::detail {
 
+std::shared_ptr<CaptureWindow> windowOf(TrafficIndex const& index) {
+    return std::make_shared<CaptureWindow>(index);
+}
+
 AsduReader::AsduReader(TrafficIndex const& index, TrafficStream const& stream)
-    : index_(index), stream_(stream), window_(index) {}
+    : AsduReader(index, stream, windowOf(index)) {}
+
+AsduReader::AsduReader(TrafficIndex const& index, TrafficStream const& stream,
+                       std::shared_ptr<CaptureWindow> window)
+    : index_(index), stream_(stream), window_(std::move(window)) {}
 
 ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint64_t offset) {
     ReadAsdu read{.fileOffset = offset + places.asdu,
@@ -15,7 +24,11 @@ ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint
     if (places.refrTm != 0) {
         if (auto const time = readUtcTime(sequence.subspan(places.refrTm, kUtcTimeSize))) {
             read.refrTm = time->nanosecondsSince1970();
+            read.timeQuality = time->quality;
         }
+    }
+    if (places.gmIdentity != 0) {
+        read.gmIdentity = sequence.subspan(places.gmIdentity, kGmIdentitySize);
     }
     return read;
 }
@@ -37,7 +50,7 @@ ReadAsdu AsduReader::readPlainly(PacketRef ref, std::uint64_t offset, std::size_
     PacketFlags const flags = part.packets.flags()[ref.packet];
     std::size_t const size =
         flags.isCut() ? std::min(capturedAfter(ref), kLongestSequence) : kLongestSequence;
-    Octets const sequence = window_.at(part.file, offset, size);
+    Octets const sequence = window_->at(part.file, offset, size);
     auto const places = findAsdu(sequence, number, &mask_);
     if (!places) {
         throw std::system_error(ESTALE, std::generic_category());

@@ -9,6 +9,7 @@
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -22,13 +23,25 @@ struct ReadAsdu {
     Octets data;
     /// In nanoseconds since 1970, or kNoTime.
     std::int64_t refrTm = kNoTime;
+    /// The quality octet of refrTm; 0 without it.
+    std::uint8_t timeQuality = 0;
+    /// Of the clock; empty where there is none.
+    Octets gmIdentity = {};
 };
+
+/// The captures of an index.
+[[nodiscard]] std::shared_ptr<CaptureWindow> windowOf(TrafficIndex const& index);
 
 /// Reads the ASDUs of one stream.
 class AsduReader {
 public:
     /// @param index, stream  must outlive the reader
     AsduReader(TrafficIndex const& index, TrafficStream const& stream);
+    /// Readers of streams that are gone through together share what is read at once.
+    /// @param index, stream  must outlive the reader
+    /// @param window         of the captures of the index
+    AsduReader(TrafficIndex const& index, TrafficStream const& stream,
+               std::shared_ptr<CaptureWindow> window);
 
     /// @throws std::system_error  the capture cannot be read, or no longer has the ASDU (ESTALE)
     [[nodiscard]] ReadAsdu read(PacketRef ref) {
@@ -38,7 +51,7 @@ public:
             packets.frameOffsets()[ref.packet] + packets.pduOffsets()[ref.packet];
         std::size_t const number = packets.asdus()[ref.packet];
         if (!packets.flags()[ref.packet].isCut() && shapes_.reach() != 0) [[likely]] {
-            Octets const sequence = window_.at(part.file, offset, shapes_.reach());
+            Octets const sequence = window_->at(part.file, offset, shapes_.reach());
             if (AsduPlaces const* const places = shapes_.find(sequence, number)) [[likely]] {
                 return readAt(sequence, *places, offset);
             }
@@ -54,7 +67,7 @@ private:
 
     TrafficIndex const& index_;
     TrafficStream const& stream_;
-    CaptureWindow window_;
+    std::shared_ptr<CaptureWindow> window_;
     AsduShapes shapes_;
     std::vector<std::uint8_t> mask_;
     /// Tells how much was captured of frames that were cut; not open before the first of them.

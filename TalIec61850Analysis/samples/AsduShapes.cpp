@@ -52,6 +52,9 @@ AsduPlaces placesIn(ElementView const& asdu, MaskNotes& notes) {
         } else if (isField && *field.tag == primitive(wire::kRefrTm) &&
                    field.octets.size() == kUtcTimeSize) {
             places.refrTm = static_cast<std::uint32_t>(field.valueOffset);
+        } else if (isField && *field.tag == primitive(wire::kGmIdentity) &&
+                   field.octets.size() == kGmIdentitySize) {
+            places.gmIdentity = static_cast<std::uint32_t>(field.valueOffset);
         }
         end = field.end();
     }

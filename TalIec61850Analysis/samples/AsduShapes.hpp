@@ -20,9 +20,14 @@ struct AsduPlaces {
     std::uint32_t dataSize = 0;
     /// Of the eight octets of refrTm; 0 where there is none.
     std::uint32_t refrTm = 0;
+    /// Of the octets of gmIdentity; 0 where there is none, or none of eight octets.
+    std::uint32_t gmIdentity = 0;
     /// Of what follows all of these.
     std::uint32_t end = 0;
 };
+
+/// Octets of gmIdentity.
+inline constexpr std::size_t kGmIdentitySize = 8;
 
 /// The most octets that a sequence of ASDU is read up to.
 inline constexpr std::size_t kLongestSequence = std::size_t{64} << 10U;

@@ -16,7 +16,15 @@ constexpr std::size_t kMostLayouts = 32;
 
 StreamLayouts::StreamLayouts(TrafficIndex const& index, TrafficStream const& stream,
                              std::optional<SampleLayout> given)
-    : index_(index), stream_(stream), given_(std::move(given)), asdus_(index, stream) {}
+    : StreamLayouts(index, stream, std::move(given), windowOf(index)) {}
+
+StreamLayouts::StreamLayouts(TrafficIndex const& index, TrafficStream const& stream,
+                             std::optional<SampleLayout> given,
+                             std::shared_ptr<CaptureWindow> window)
+    : index_(index),
+      stream_(stream),
+      given_(std::move(given)),
+      asdus_(index, stream, std::move(window)) {}
 
 template <typename Visit>
 void StreamLayouts::visitSome(Visit const& visit) {

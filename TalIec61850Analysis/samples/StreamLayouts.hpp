@@ -9,6 +9,7 @@
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -35,6 +36,10 @@ public:
     /// @param given  the layout of samples of its size, whatever they look like
     StreamLayouts(TrafficIndex const& index, TrafficStream const& stream,
                   std::optional<SampleLayout> given);
+    /// @param window  of the captures of the index, which others use too: what they read last of it
+    ///                is gone after each call
+    StreamLayouts(TrafficIndex const& index, TrafficStream const& stream,
+                  std::optional<SampleLayout> given, std::shared_ptr<CaptureWindow> window);
 
     /// @return valid until the next call
     /// @throws std::system_error  a capture cannot be read

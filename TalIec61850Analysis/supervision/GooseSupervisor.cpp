@@ -171,6 +171,7 @@ void GooseSupervisor::begin(GooseObservation const& message, bool isRestart, Fin
                    message.sqNum - 1);
         }
     }
+    ++states_;
     checkContent(message, true, false, sink);
     checkFlags(message, sink);
     number_ = messageNumberOf(message);
@@ -225,6 +226,7 @@ void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) 
     checkExpiry(message, sink);
     MessageNumber const before = number_;
     bool const isNewState = message.stNum != before.stNum;
+    states_ += isNewState ? 1U : 0U;
     std::uint64_t const states = isNewState ? stepsBetween(before.stNum, message.stNum) : 0;
     if (!isNewState) {
         std::uint64_t const steps = stepsBetween(before.sqNum, message.sqNum);

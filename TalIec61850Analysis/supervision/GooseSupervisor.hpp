@@ -32,6 +32,9 @@ public:
     /// @param end  of what was captured, in nanoseconds, or kNoTime
     void finish(std::int64_t end, FindingSink sink);
 
+    /// How many states there were, those that are missing not counted.
+    [[nodiscard]] std::uint64_t states() const { return states_; }
+
 private:
     /// What is kept of a message's content.
     struct Content {
@@ -109,6 +112,7 @@ private:
     GooseObservation last_;
     /// kNoTime where none can be told.
     std::int64_t deadline_ = kNoTime;
+    std::uint64_t states_ = 0;
     /// What the last message that counted said.
     Content content_;
     std::optional<Candidate> candidate_;

@@ -49,7 +49,7 @@ void JitterWatch::judge(DeviationSink report) {
     // Too few have no median of their own.
     std::int64_t const median = size_ >= kFewest || !hasMedian_ ? medianOf(0, size_) : median_;
     std::int64_t const widest = std::max(most_ - median, median - least_);
-    if (widest <= limit_) {
+    if (widest <= limit_ && distances_ == nullptr) {
         isAway_ = false;
     } else {
         double const slope = slopeOfBlock();
@@ -57,15 +57,18 @@ void JitterWatch::judge(DeviationSink report) {
         for (std::size_t i = 0; i < size_; ++i) {
             double const drift = slope * (static_cast<double>(i) - centre);
             std::int64_t const away = residuals_[i] - median - static_cast<std::int64_t>(drift);
+            if (distances_ != nullptr) {
+                distances_->add(static_cast<std::uint64_t>(std::abs(away)));
+            }
             bool const isAway = std::abs(away) > limit_;
-            if (isAway) {
+            if (isAway && widest > limit_) {
                 report({.packet = frames_[i].packet,
                         .arrival = frames_[i].arrival,
                         .before = i > 0 ? std::optional(frames_[i - 1].packet) : frameBefore_,
                         .away = away,
                         .isFirst = !isAway_});
             }
-            isAway_ = isAway;
+            isAway_ = isAway && widest > limit_;
         }
     }
     frameBefore_ = frames_[size_ - 1].packet;

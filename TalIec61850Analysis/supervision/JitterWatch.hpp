@@ -3,6 +3,7 @@
 // Internal: which frames of an SV stream come away from its even course.
 
 #include <TalIec61850Analysis/packet/Sink.hpp>
+#include <TalIec61850Analysis/samples/Histogram.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <algorithm>
@@ -33,6 +34,10 @@ using DeviationSink = Sink<Deviation>;
 /// delay nor a constant drift counts.
 class JitterWatch {
 public:
+    /// @param distances  if not null, gets how far each frame is from its course, in nanoseconds;
+    ///                   must outlive the watch
+    explicit JitterWatch(Histogram* distances = nullptr) : distances_(distances) {}
+
     /// Another course begins: what is held is judged before.
     /// @param interval  from one sample to the next, in nanoseconds; 0 where it is not known
     /// @param limit     what is beyond it is reported, in nanoseconds
@@ -83,6 +88,7 @@ private:
     [[nodiscard]] std::int64_t medianOf(std::size_t first, std::size_t end) const;
     [[nodiscard]] double slopeOfBlock() const;
 
+    Histogram* distances_;
     double interval_ = 0;
     std::int64_t limit_ = 0;
     bool hasOrigin_ = false;

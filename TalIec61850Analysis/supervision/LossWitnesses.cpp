@@ -2,6 +2,7 @@
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -92,6 +93,80 @@ std::int64_t intervalBefore(PacketColumns const& packets, std::size_t place) {
 bool isPauseOf(PacketColumns const& packets, std::int64_t interval, std::int64_t since) {
     return packets.protocol() == StreamProtocol::sv && interval > 0 && since / kPause > interval;
 }
+
+/// Whether a finding is of packets that are missing between two others.
+bool isHole(Finding const& finding) {
+    return finding.cause != LossCause::none && finding.place && finding.before &&
+           finding.before->time != kNoTime && finding.until != kNoTime;
+}
+
+/// Times in which the interface of a file dropped packets, and what is missing then.
+class DropSpans {
+public:
+    /// @param drop  in the order of time; others are passed over
+    void add(CaptureDrop const& drop) {
+        bool const isAfter = spans_.empty() || spans_.back().drop.until <= drop.from;
+        if (drop.from != kNoTime && drop.from <= drop.until && isAfter) {
+            spans_.push_back({.drop = drop});
+        }
+    }
+
+    /// Counts what is missing in each of the times, and keeps what may be due to one of them.
+    void take(Finding& finding) {
+        std::int64_t const from = finding.before->time;
+        auto const first =
+            std::partition_point(spans_.begin(), spans_.end(),
+                                 [&](Span const& span) { return span.drop.until <= from; });
+        auto const end = std::partition_point(
+            first, spans_.end(), [&](Span const& span) { return span.drop.from < finding.until; });
+        bool const mayBeDropped =
+            finding.cause == LossCause::unknown || finding.witness == LossWitness::otherStreamsLost;
+        if (first == end || !mayBeDropped) {
+            return;
+        }
+        first->begins += finding.lost;
+        (end - 1)->ends += finding.lost;
+        bool const isInside = first->drop.from <= from && finding.until <= first->drop.until;
+        if (isInside && finding.cause == LossCause::unknown && finding.count == 1) {
+            holes_.push_back(
+                {.span = static_cast<std::size_t>(first - spans_.begin()), .finding = &finding});
+        }
+    }
+
+    void judge() {
+        std::vector<std::uint64_t> missing;
+        std::uint64_t now = 0;
+        for (Span const& span : spans_) {
+            now += span.begins;
+            missing.push_back(now);
+            now -= span.ends;
+        }
+        for (Hole const& hole : holes_) {
+            std::uint64_t const dropped = spans_[hole.span].drop.count;
+            if (missing[hole.span] <= dropped) {
+                hole.finding->cause = LossCause::capture;
+                hole.finding->witness = LossWitness::dropCounts;
+                hole.finding->witnessFrames = dropped;
+            }
+        }
+    }
+
+private:
+    struct Span {
+        CaptureDrop drop;
+        /// What is missing since this one, and up to it.
+        std::uint64_t begins = 0;
+        std::uint64_t ends = 0;
+    };
+    struct Hole {
+        std::size_t span = 0;
+        Finding* finding = nullptr;
+    };
+
+    /// One after the other.
+    std::vector<Span> spans_;
+    std::vector<Hole> holes_;
+};
 
 }  // namespace
 
@@ -269,6 +344,32 @@ void LossWitnesses::judge(Finding& finding) const {
         settle(LossCause::network, LossWitness::redundancyGap, *missing);
     } else if (others.inSequence >= kFewestFrames) {
         settle(LossCause::network, LossWitness::otherStreamsRanOn, others.inSequence);
+    }
+}
+
+bool haveStatistics(std::vector<CaptureDrop> const& drops) {
+    return std::any_of(drops.begin(), drops.end(),
+                       [](CaptureDrop const& drop) { return !drop.isExact; });
+}
+
+void judgeByStatistics(TrafficIndex const& index, std::vector<CaptureDrop> const& drops,
+                       std::vector<Finding>& findings) {
+    std::map<std::uint32_t, DropSpans> spans;
+    for (CaptureDrop const& drop : drops) {
+        // With several interfaces, nothing says which of them a stream came by.
+        if (!drop.isExact && index.files()[drop.file].summary.interfaces.size() == 1) {
+            spans[drop.file].add(drop);
+        }
+    }
+    for (Finding& finding : findings) {
+        if (isHole(finding) && finding.before->file == finding.place->file) {
+            if (auto const ofFile = spans.find(finding.place->file); ofFile != spans.end()) {
+                ofFile->second.take(finding);
+            }
+        }
+    }
+    for (auto& [file, ofFile] : spans) {
+        ofFile.judge();
     }
 }
 

@@ -1,8 +1,16 @@
-#include <TalIec61850Analysis/samples/SampleReader.hpp>
+#include <TalIec61850Analysis/samples/AsduReader.hpp>
+#include <TalIec61850Analysis/samples/PacketCourse.hpp>
+#include <TalIec61850Analysis/samples/PartAttributes.hpp>
+#include <TalIec61850Analysis/samples/StreamLayouts.hpp>
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/SampleContents.hpp>
+#include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace TalIec61850Analysis::detail {
@@ -12,111 +20,235 @@ namespace {
 /// The bits of a quality word that say anything against a value: all but `derived`.
 constexpr std::uint32_t kFaults = ~0x2000U;
 
-/// Finds packets by their places in files.
-class PacketFinder {
-public:
-    explicit PacketFinder(TrafficStream const& stream) : stream_(stream) {}
+/// @param octets  four of them, the most significant first
+std::uint32_t qualityWordAt(std::uint8_t const* octets) {
+    return std::uint32_t{octets[0]} << 24U | std::uint32_t{octets[1]} << 16U |
+           std::uint32_t{octets[2]} << 8U | std::uint32_t{octets[3]};
+}
 
-    [[nodiscard]] std::optional<FindingPlace> find(SamplePlace const& place) const {
-        for (std::uint32_t part = 0; part < stream_.parts.size(); ++part) {
-            if (stream_.parts[part].file != place.file) {
-                continue;
-            }
-            PacketColumns const& packets = stream_.parts[part].packets;
-            auto const offsets = packets.frameOffsets();
-            auto const after = std::upper_bound(offsets.begin(), offsets.end(), place.fileOffset);
-            auto packet = static_cast<std::size_t>(after - offsets.begin());
-            while (packet > 0 && packets.asdus()[packet - 1] != place.asdu) {
-                --packet;
-            }
-            if (packet > 0) {
-                return FindingPlace{
-                    .packet = {.part = part, .packet = static_cast<std::uint32_t>(packet - 1)},
-                    .time = packets.times()[packet - 1]};
-            }
-        }
-        return std::nullopt;
-    }
-
-private:
-    TrafficStream const& stream_;
+/// The quality word of a channel, where it is in seqData, and what was wrong with the value before.
+struct WatchedQuality {
+    std::size_t offset = 0;
+    std::uint32_t channel = 0;
+    /// 0 is good.
+    std::uint32_t faults = 0;
 };
 
-/// Follows the contents of samples.
+/// Follows the contents of the ASDUs of one stream.
 class ContentWatch {
 public:
-    ContentWatch(TrafficStream const& stream, FindingSink sink) : packets_(stream), sink_(sink) {}
+    ContentWatch(TrafficIndex const& index, std::size_t stream,
+                 std::shared_ptr<CaptureWindow> const& window, StreamFindingSink const& sink)
+        : index_(index),
+          number_(stream),
+          stream_(index.streams()[stream]),
+          sink_(sink),
+          course_(stream_),
+          next_(course_.next()),
+          attributes_(index, stream_),
+          window_(window),
+          reader_(index, stream_, window) {}
 
-    void look(SampleBlock const& block) {
-        if (dataSize_ && *dataSize_ != block.dataSize) {
-            report(FindingKind::dataSetChanged, block, 0, static_cast<std::int64_t>(*dataSize_),
-                   static_cast<std::int64_t>(block.dataSize));
-            faults_.clear();
+    /// Whether any packet is left.
+    [[nodiscard]] bool isLeft() const { return next_.has_value(); }
+    /// Of the next packet.
+    [[nodiscard]] std::uint32_t file() const { return stream_.parts[next_->part].file; }
+    [[nodiscard]] std::uint64_t fileOffset() const {
+        return stream_.parts[next_->part].packets.frameOffsets()[next_->packet];
+    }
+
+    /// Looks at the next packets, while they are in a file before an offset.
+    void lookUpTo(std::uint32_t file, std::uint64_t end) {
+        while (next_ && this->file() == file && fileOffset() < end) {
+            look(*next_);
+            next_ = course_.next();
         }
-        dataSize_ = block.dataSize;
-        faults_.resize(std::max(faults_.size(), block.channels.size()));
-        for (std::size_t channel = 0; channel < block.channels.size(); ++channel) {
-            lookAt(block, channel);
-        }
-        last_ = block.places.back();
-        hasLast_ = true;
     }
 
 private:
-    void lookAt(SampleBlock const& block, std::size_t channel) {
-        auto const& qualities = block.channels[channel].qualities;
-        for (std::size_t row = 0; row < qualities.size(); ++row) {
-            std::uint32_t const faults = qualities[row] & kFaults;
-            if ((faults != 0) != (faults_[channel] != 0) &&
-                block.states[row] != SampleState::missing) [[unlikely]] {
-                report(FindingKind::qualityChanged, block, row, std::int64_t{faults_[channel]},
-                       std::int64_t{faults}, static_cast<std::uint32_t>(channel));
-                faults_[channel] = faults;
+    void look(PacketRef packet) {
+        ReadAsdu const asdu = reader_.read(packet);
+        lookAtClock(asdu, packet);
+        if (!asdu.data.empty()) {
+            if (attributes_.isChangedAt(packet) || asdu.data.size() != dataSize_) {
+                beginData(asdu, packet);
             }
+            if (isAnyChanged(asdu.data)) [[unlikely]] {
+                lookAtQualities(asdu.data, packet);
+            }
+        }
+        last_ = packet;
+    }
+
+    /// From here on, seqData may be made otherwise. In what layouts are inferred to be, qualities
+    /// are the second of each two words: which they are matters only once one of these is none that
+    /// is good.
+    void beginData(ReadAsdu const& asdu, PacketRef packet) {
+        constexpr std::size_t kPair = 8;
+        constexpr std::size_t kWord = 4;
+        std::size_t const size = asdu.data.size();
+        if (dataSize_ != 0 && dataSize_ != size) {
+            Finding made = finding(FindingKind::dataSetChanged, packet);
+            made.expected = numberOf(static_cast<std::int64_t>(dataSize_));
+            made.found = numberOf(static_cast<std::int64_t>(size));
+            sink_(number_, made);
+            qualities_.clear();
+        }
+        dataSize_ = size;
+        attributesNow_ = &attributes_.at(packet);
+        std::vector<WatchedQuality> second;
+        for (std::size_t offset = kWord; size % kPair == 0 && offset < size; offset += kPair) {
+            second.push_back({.offset = offset,
+                              .channel = static_cast<std::uint32_t>(offset / kPair),
+                              .faults = 0});
+        }
+        watch(std::move(second));
+        isLayoutKnown_ = false;
+    }
+
+    /// Watches these, with what is known of them.
+    void watch(std::vector<WatchedQuality> qualities) {
+        for (WatchedQuality& quality : qualities) {
+            auto const known = std::find_if(
+                qualities_.begin(), qualities_.end(),
+                [&](WatchedQuality const& each) { return each.channel == quality.channel; });
+            quality.faults = known == qualities_.end() ? 0 : known->faults;
+        }
+        qualities_ = std::move(qualities);
+    }
+
+    [[nodiscard]] bool isAnyChanged(Octets data) const {
+        std::uint32_t changed = 0;
+        for (WatchedQuality const& quality : qualities_) {
+            changed |= (qualityWordAt(data.data() + quality.offset) & kFaults) ^ quality.faults;
+        }
+        return changed != 0;
+    }
+
+    void lookAtQualities(Octets data, PacketRef packet) {
+        OctetString kept;
+        if (!isLayoutKnown_) {
+            // Other ASDUs are read in between.
+            kept = toOwned(data);
+            data = kept;
+            if (!layouts_) {
+                layouts_.emplace(index_, stream_, std::nullopt, window_);
+            }
+            auto const& layout =
+                layouts_->of({.size = dataSize_, .attributes = attributesNow_}).layout;
+            std::vector<WatchedQuality> found;
+            for (std::size_t channel = 0; layout && channel < layout->channels().size();
+                 ++channel) {
+                if (auto const offset = layout->channels()[channel].qualityOffset) {
+                    found.push_back({.offset = *offset,
+                                     .channel = static_cast<std::uint32_t>(channel),
+                                     .faults = 0});
+                }
+            }
+            watch(std::move(found));
+            isLayoutKnown_ = true;
+        }
+        for (WatchedQuality& quality : qualities_) {
+            std::uint32_t const faults = qualityWordAt(data.data() + quality.offset) & kFaults;
+            if ((faults != 0) != (quality.faults != 0)) {
+                Finding made = finding(FindingKind::qualityChanged, packet);
+                made.expected = numberOf(quality.faults);
+                made.found = numberOf(faults);
+                made.member = {quality.channel};
+                sink_(number_, made);
+            }
+            quality.faults = faults;
         }
     }
 
-    void report(FindingKind kind, SampleBlock const& block, std::size_t row, std::int64_t expected,
-                std::int64_t found, std::optional<std::uint32_t> channel = std::nullopt) {
+    void lookAtClock(ReadAsdu const& asdu, PacketRef packet) {
+        if (asdu.refrTm != kNoTime) {
+            UtcTime const time{.quality = asdu.timeQuality};
+            edge(isClockFailed_, time.clockFailure(), FindingKind::clockFailure, packet);
+            edge(isClockFree_, time.clockNotSynchronized(), FindingKind::clockNotSynchronized,
+                 packet);
+        }
+        if (asdu.gmIdentity.empty()) {
+            return;
+        }
+        if (hasClock_ && !std::equal(clock_.begin(), clock_.end(), asdu.gmIdentity.begin())) {
+            Finding made = finding(FindingKind::grandmasterChanged, packet);
+            made.expected = OctetString(clock_.begin(), clock_.end());
+            made.found = toOwned(asdu.gmIdentity);
+            sink_(number_, made);
+        }
+        std::copy_n(asdu.gmIdentity.begin(), clock_.size(), clock_.begin());
+        hasClock_ = true;
+    }
+
+    void edge(bool& isOn, bool isNow, FindingKind kind, PacketRef packet) {
+        if (isNow && !isOn) {
+            sink_(number_, finding(kind, packet));
+        }
+        isOn = isNow;
+    }
+
+    [[nodiscard]] Finding finding(FindingKind kind, PacketRef packet) const {
+        std::int64_t const arrival = stream_.parts[packet.part].packets.times()[packet.packet];
         Finding made;
         made.kind = kind;
         made.protocol = StreamProtocol::sv;
-        made.from = block.arrivals[row];
-        made.until = made.from;
-        made.expected = numberOf(expected);
-        made.found = numberOf(found);
-        made.place = packets_.find(block.places[row]);
-        if (row > 0) {
-            made.before = packets_.find(block.places[row - 1]);
-        } else if (hasLast_) {
-            made.before = packets_.find(last_);
+        made.from = arrival;
+        made.until = arrival;
+        made.place = {.packet = packet, .time = arrival};
+        if (last_) {
+            made.before = {.packet = *last_};
         }
-        if (channel) {
-            made.member = {*channel};
-        }
-        sink_(made);
+        return made;
     }
 
-    PacketFinder packets_;
-    FindingSink sink_;
-    std::optional<std::size_t> dataSize_;
-    /// By channel, of the last sample; 0 is good.
-    std::vector<std::uint32_t> faults_;
-    SamplePlace last_;
-    bool hasLast_ = false;
+    TrafficIndex const& index_;
+    std::size_t number_;
+    TrafficStream const& stream_;
+    StreamFindingSink const& sink_;
+    PacketCourse course_;
+    /// Not looked at yet.
+    std::optional<PacketRef> next_;
+    PartAttributes attributes_;
+    std::shared_ptr<CaptureWindow> window_;
+    AsduReader reader_;
+    /// Inferred only where it matters.
+    std::optional<StreamLayouts> layouts_;
+    /// Of seqData; 0 before the first.
+    std::size_t dataSize_ = 0;
+    StreamAttributes const* attributesNow_ = nullptr;
+    std::vector<WatchedQuality> qualities_;
+    /// Whether these are what the layout says, not just what they may be.
+    bool isLayoutKnown_ = false;
+    std::array<std::uint8_t, kGmIdentitySize> clock_{};
+    bool hasClock_ = false;
+    bool isClockFailed_ = false;
+    bool isClockFree_ = false;
+    std::optional<PacketRef> last_;
 };
 
 }  // namespace
 
-void superviseSamples(TrafficIndex const& index, std::size_t stream, std::stop_token const& stop,
-                      FindingSink sink) {
-    SampleReader reader(index, index.streams()[stream]);
-    ContentWatch watch(index.streams()[stream], sink);
-    while (SampleBlock const* const block = reader.next()) {
-        if (stop.stop_requested()) {
+void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const& streams,
+                      std::stop_token const& stop, StreamFindingSink const& sink) {
+    // What one reading of a capture brings.
+    constexpr std::uint64_t kStretch = std::uint64_t{192} << 10U;
+    auto const window = windowOf(index);
+    std::vector<std::unique_ptr<ContentWatch>> watches;
+    watches.reserve(streams.size());
+    for (std::size_t const stream : streams) {
+        watches.push_back(std::make_unique<ContentWatch>(index, stream, window, sink));
+    }
+    while (!stop.stop_requested()) {
+        std::erase_if(watches, [](auto const& watch) { return !watch->isLeft(); });
+        if (watches.empty()) {
             return;
         }
-        watch.look(*block);
+        std::uint32_t const file = watches.front()->file();
+        std::uint64_t const end = watches.front()->fileOffset() + kStretch;
+        for (auto const& watch : watches) {
+            watch->lookUpTo(file, end);
+        }
     }
 }
 

@@ -1,19 +1,28 @@
 #pragma once
 
-// Internal: what changes in the samples of an SV stream that its index does not have.
+// Internal: what changes in the ASDUs of an SV stream that its index does not have.
 
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstddef>
+#include <functional>
 #include <stop_token>
+#include <vector>
 
 namespace TalIec61850Analysis::detail {
 
-/// Reads the samples of a stream, and tells of each quality that leaves good or is good again, and
-/// of samples of another size. `derived` is no fault of a value.
-/// @param stop  ends it soon
-/// @throws std::system_error  a capture cannot be read, or no longer has the samples (ESTALE)
-void superviseSamples(TrafficIndex const& index, std::size_t stream, std::stop_token const& stop,
-                      FindingSink sink);
+/// Takes a finding of a stream.
+using StreamFindingSink = std::function<void(std::size_t stream, Finding const& finding)>;
+
+/// Reads the ASDUs of streams, those of each in the order in which they came, and tells of each
+/// quality that leaves good or is good again, of seqData of another size, of another clock
+/// (gmIdentity), and of times (refrTm) that begin to say that their clock failed or is not
+/// synchronized. `derived` is no fault of a value. Captures are read front to back, once for all
+/// of the streams.
+/// @param streams  of the index, SV
+/// @param stop     ends it soon
+/// @throws std::system_error  a capture cannot be read, or no longer has the ASDUs (ESTALE)
+void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const& streams,
+                      std::stop_token const& stop, StreamFindingSink const& sink);
 
 }  // namespace TalIec61850Analysis::detail

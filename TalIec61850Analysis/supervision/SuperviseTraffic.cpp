@@ -13,9 +13,11 @@
 #include <TalIec61850Analysis/supervision/RedundancyFindings.hpp>
 #include <TalIec61850Analysis/supervision/SampleContents.hpp>
 #include <TalIec61850Analysis/supervision/SortFindings.hpp>
+#include <TalIec61850Analysis/supervision/StreamTally.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/supervision/SvSupervisor.hpp>
 #include <TalIec61850Analysis/traffic/GooseCourse.hpp>
+#include <TalIec61850Analysis/traffic/RunJobs.hpp>
 #include <TalIec61850Analysis/traffic/StreamWays.hpp>
 #include <algorithm>
 #include <iterator>
@@ -45,6 +47,11 @@ public:
                    detail::LossWitnesses const& witnesses)
         : index_(&index), stream_(stream), witnesses_(&witnesses) {}
 
+    /// From here on, findings are counted too.
+    void tally() { tally_.emplace(*index_, stream_); }
+    /// What is counted of the stream; null where nothing is.
+    [[nodiscard]] detail::StreamTally* tallied() { return tally_ ? &*tally_ : nullptr; }
+
     void add(Finding finding) {
         finding.stream = stream_;
         if (finding.place) {
@@ -55,6 +62,9 @@ public:
         }
         if (isLoss(finding.kind) && !joiner_.isFlooded(finding.kind, finding.from)) {
             witnesses_->judge(finding);
+        }
+        if (tally_) {
+            tally_->add(finding);
         }
         joiner_.add(std::move(finding));
     }
@@ -69,6 +79,7 @@ private:
     std::size_t stream_;
     detail::LossWitnesses const* witnesses_;
     detail::FindingJoiner joiner_;
+    std::optional<detail::StreamTally> tally_;
 };
 
 /// Where a stream is among the steps of the clocks of its files.
@@ -168,6 +179,18 @@ detail::SvCourse courseOf(detail::FoundRate const& found, std::uint32_t inFrame,
             .isRedundant = isRedundant};
 }
 
+/// Counts what a strip has; all of it has one smpSynch.
+void tallyStrip(detail::StreamTally& tally, SvColumns const& at,
+                detail::PacketCourse::Strip const& strip, bool isStepped) {
+    if (isStepped) {
+        tally.forgetArrival();
+    }
+    tally.addArrivals({at.times + strip.first.packet, strip.count});
+    if (at.flags[strip.first.packet].secondCounter() == CounterState::held) {
+        tally.addSynch(at.smpSynchs[strip.first.packet]);
+    }
+}
+
 /// Goes through one SV stream.
 void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const& steps,
                  SupervisionOptions const& options, std::int64_t end, StreamFindings& findings) {
@@ -180,8 +203,20 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
         columns.emplace_back(part.packets);
     }
     std::uint32_t const inFrame = samplesInFrame(stream);
-    detail::SvSupervisor supervisor(options.jitter);
+    detail::StreamTally* const tally = findings.tallied();
+    // Of fewer frames, no jitter is told.
+    constexpr std::uint64_t kFewest = 16;
+    std::optional<detail::Histogram> distances;
+    if (tally != nullptr && stream.packets >= kFewest) {
+        distances.emplace();
+    }
+    detail::SvSupervisor supervisor(options.jitter, distances ? &*distances : nullptr);
     auto const take = [&](Finding const& finding) { findings.add(finding); };
+    bool isStepped = false;
+    auto const step = [&](std::int64_t by) {
+        supervisor.stepClock(by, take);
+        isStepped = true;
+    };
 
     detail::PacketCourse course(stream);
     // Two taps at once would tell another rate.
@@ -213,8 +248,7 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
         for (std::uint32_t packet = strip.first.packet; packet < strip.first.packet + strip.count;
              ++packet) {
             detail::SvObservation const observation = at.observe(part, packet, ways);
-            ahead.pass(part, at.offsets[packet],
-                       [&](std::int64_t step) { supervisor.stepClock(step, take); });
+            ahead.pass(part, at.offsets[packet], step);
             if (packet == strip.first.packet) {
                 if (isNewRate) {
                     supervisor.follow(courseOf(found, inFrame, ways.areSeveral()), observation,
@@ -227,31 +261,45 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
             }
             supervisor.add(observation, take);
         }
+        if (tally != nullptr) {
+            tallyStrip(*tally, at, strip, std::exchange(isStepped, false));
+        }
     }
     if (options.stop.stop_requested()) {
         return;
     }
     supervisor.finish(end, take);
+    if (tally != nullptr) {
+        tally->setMeasuredRate(supervisor.measuredRate());
+    }
+    if (distances) {
+        tally->addJitter(*distances);
+    }
 }
 
-/// Watches all GOOSE streams at once, so that each capture is read front to back.
+/// Watches some GOOSE streams at once, so that each capture is read front to back.
 class GooseWatch {
 public:
-    GooseWatch(TrafficIndex const& index, FileSteps const& steps,
+    /// @param watched  by stream
+    GooseWatch(TrafficIndex const& index, FileSteps const& steps, std::vector<bool> watched,
                std::vector<StreamFindings>& findings)
-        : index_(index), findings_(findings), window_(index) {
-        for (TrafficStream const& stream : index.streams()) {
-            if (stream.key.protocol == StreamProtocol::goose) {
+        : index_(index),
+          watched_(std::move(watched)),
+          findings_(findings),
+          window_(index),
+          places_(watched_.size()) {
+        for (std::size_t number = 0; number < watched_.size(); ++number) {
+            if (watched_[number]) {
+                TrafficStream const& stream = index.streams()[number];
+                places_[number] = streams_.size();
                 streams_.push_back(
                     {.ways = detail::StreamWays(stream), .ahead = StepsAhead(stream, steps)});
-            } else {
-                streams_.push_back({.ways = detail::StreamWays({}), .ahead = StepsAhead({}, {})});
             }
         }
     }
 
     void run(SupervisionOptions const& options) {
-        detail::GooseCourse course(index_);
+        detail::GooseCourse course(index_, watched_);
         for (std::uint64_t seen = 0; auto const message = course.next(); ++seen) {
             if ((seen & kPatience) == 0 && options.stop.stop_requested()) {
                 return;
@@ -261,8 +309,11 @@ public:
     }
 
     void finish(std::size_t stream, std::int64_t end) {
-        streams_[stream].supervisor.finish(
-            end, [&](Finding const& finding) { findings_[stream].add(finding); });
+        detail::GooseSupervisor& supervisor = streamAt(stream).supervisor;
+        supervisor.finish(end, [&](Finding const& finding) { findings_[stream].add(finding); });
+        if (detail::StreamTally* const tally = findings_[stream].tallied()) {
+            tally->setStates(supervisor.states());
+        }
     }
 
 private:
@@ -274,8 +325,10 @@ private:
         bool hasContent = false;
     };
 
+    [[nodiscard]] Stream& streamAt(std::size_t stream) { return streams_[places_[stream]]; }
+
     void take(detail::CourseMessage const& message) {
-        Stream& at = streams_[message.stream];
+        Stream& at = streamAt(message.stream);
         StreamPart const& part = index_.streams()[message.stream].parts[message.packet.part];
         PacketColumns const& packets = part.packets;
         std::size_t const packet = message.packet.packet;
@@ -299,63 +352,210 @@ private:
             observation.content = &at.reader.content();
         }
         at.hasContent = !flags.isCut();
-        at.ahead.pass(message.packet.part, frameOffset,
-                      [&](std::int64_t step) { at.supervisor.stepClock(step); });
-        at.supervisor.add(observation,
-                          [&](Finding const& finding) { findings_[message.stream].add(finding); });
+        StreamFindings& findings = findings_[message.stream];
+        detail::StreamTally* const tally = findings.tallied();
+        at.ahead.pass(message.packet.part, frameOffset, [&](std::int64_t step) {
+            at.supervisor.stepClock(step);
+            if (tally != nullptr) {
+                tally->forgetArrival();
+            }
+        });
+        at.supervisor.add(observation, [&](Finding const& finding) { findings.add(finding); });
+        if (tally != nullptr) {
+            auto const* const content = observation.content;
+            tally->addMessage(observation,
+                              content != nullptr ? content->timeAllowedtoLive : std::nullopt);
+        }
     }
 
     TrafficIndex const& index_;
+    std::vector<bool> watched_;
     std::vector<StreamFindings>& findings_;
     detail::CaptureWindow window_;
+    /// By stream of the index: where it is among these.
+    std::vector<std::size_t> places_;
     std::vector<Stream> streams_;
+};
+
+/// Supervises the streams of an index that are watched.
+class TrafficWatch {
+public:
+    TrafficWatch(TrafficIndex const& index, SupervisionOptions const& options, bool withTallies)
+        : index_(index),
+          options_(options),
+          drops_(detail::findCaptureDrops(index, options.stop)),
+          steps_(detail::findClockSteps(index)),
+          witnesses_(index, drops_),
+          coverage_(index, steps_),
+          ofSamples_(index.streams().size()) {
+        // Counts of interfaces are compared with all that is missing.
+        bool const areAllGoneThrough = detail::haveStatistics(drops_);
+        for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
+            bool const isWatched = !options.watches || options.watches(index.streams()[stream].key);
+            watched_.push_back(isWatched);
+            findings_.emplace_back(index, stream, witnesses_);
+            if (withTallies && isWatched) {
+                findings_.back().tally();
+            }
+            if (isWatched || areAllGoneThrough) {
+                (isSv(stream) ? svStreams_ : gooseStreams_).push_back(stream);
+            }
+        }
+    }
+
+    /// Goes through the streams.
+    void run() {
+        // Samples first, as they take longest: each task reads the captures for its share of the
+        // streams.
+        std::size_t const goose = detail::countJobs(gooseStreams_.size(), options_.jobs);
+        std::size_t const samples =
+            options_.withSamples ? detail::countJobs(svStreams_.size(), options_.jobs) : 0;
+        std::size_t const shares = goose + samples;
+        detail::runJobs(svStreams_.size() + shares, options_.jobs, [&](std::size_t task) {
+            if (task < goose) {
+                superviseGoose(shareOf(gooseStreams_, task, goose));
+            } else if (task < shares) {
+                superviseContents(shareOf(svStreams_, task - goose, samples));
+            } else {
+                superviseSvStream(svStreams_[task - shares]);
+            }
+        });
+        for (std::size_t const stream : svStreams_) {
+            for (Finding const& finding : ofSamples_[stream].take()) {
+                findings_[stream].add(finding);
+            }
+        }
+        static_cast<void>(pairCopies(
+            index_, {.window = {}, .stop = options_.stop}, [&](RedundancyFault const& fault) {
+                findings_[fault.stream].add(detail::findingOf(index_, fault));
+            }));
+    }
+
+    /// All that is found, in the order of time.
+    [[nodiscard]] std::vector<Finding> takeFindings() {
+        std::vector<Finding> all;
+        for (StreamFindings& each : findings_) {
+            each.takeInto(all);
+        }
+        detail::judgeByStatistics(index_, drops_, all);
+        std::erase_if(all, [&](Finding const& finding) { return !watched_[*finding.stream]; });
+        detail::addCaptureGaps(all);
+        detail::addClockSteps(index_, steps_, all);
+        detail::addDrops(drops_, all);
+        detail::addUnread(index_, all);
+        std::vector<Finding> shared;
+        detail::addSharedNames(index_, shared);
+        std::copy_if(shared.begin(), shared.end(), std::back_inserter(all),
+                     [&](Finding const& finding) { return watched_[*finding.stream]; });
+        return detail::sortedByTime(std::move(all));
+    }
+
+    /// The streams in figures.
+    /// @param found  all that is found
+    [[nodiscard]] std::vector<StreamSummary> summaries(std::vector<Finding> const& found) {
+        std::vector<StreamSummary> summaries;
+        std::vector<std::size_t> places(findings_.size());
+        for (std::size_t stream = 0; stream < findings_.size(); ++stream) {
+            if (detail::StreamTally const* const tally = findings_[stream].tallied()) {
+                places[stream] = summaries.size();
+                summaries.push_back(tally->summary());
+            }
+        }
+        for (Finding const& finding : found) {
+            if (finding.stream) {
+                StreamSummary& summary = summaries[places[*finding.stream]];
+                Severity const severity = finding.severity();
+                ++(severity == Severity::error     ? summary.errors
+                   : severity == Severity::warning ? summary.warnings
+                                                   : summary.notes);
+            }
+        }
+        return summaries;
+    }
+
+private:
+    [[nodiscard]] bool isSv(std::size_t stream) const {
+        return index_.streams()[stream].key.protocol == StreamProtocol::sv;
+    }
+
+    /// Every so manieth stream.
+    [[nodiscard]] static std::vector<std::size_t> shareOf(std::vector<std::size_t> const& streams,
+                                                          std::size_t first, std::size_t shares) {
+        std::vector<std::size_t> share;
+        for (std::size_t i = first; i < streams.size(); i += shares) {
+            share.push_back(streams[i]);
+        }
+        return share;
+    }
+
+    void superviseGoose(std::vector<std::size_t> const& streams) {
+        std::vector<bool> watched(findings_.size());
+        for (std::size_t const stream : streams) {
+            watched[stream] = true;
+        }
+        GooseWatch goose(index_, steps_, std::move(watched), findings_);
+        goose.run(options_);
+        for (std::size_t const stream : streams) {
+            goose.finish(stream, coverage_.of(index_.streams()[stream]));
+        }
+    }
+
+    void superviseSvStream(std::size_t stream) {
+        StreamFindings& findings = findings_[stream];
+        superviseSv(index_, stream, steps_, options_, coverage_.of(index_.streams()[stream]),
+                    findings);
+    }
+
+    void superviseContents(std::vector<std::size_t> const& streams) {
+        detail::superviseSamples(
+            index_, streams, options_.stop,
+            [&](std::size_t stream, Finding const& finding) { ofSamples_[stream].add(finding); });
+    }
+
+    TrafficIndex const& index_;
+    SupervisionOptions const& options_;
+    std::vector<detail::CaptureDrop> drops_;
+    FileSteps steps_;
+    detail::LossWitnesses witnesses_;
+    detail::CoverageEnd coverage_;
+    // By stream.
+    std::vector<bool> watched_;
+    /// Each is written by one thread.
+    std::vector<StreamFindings> findings_;
+    // Those that are gone through.
+    std::vector<std::size_t> svStreams_;
+    std::vector<std::size_t> gooseStreams_;
+    /// By stream, what its samples tell; each is written by one thread.
+    std::vector<detail::FindingJoiner> ofSamples_;
 };
 
 }  // namespace
 
 void superviseTraffic(TrafficIndex const& index, SupervisionOptions const& options,
                       FindingSink sink) {
-    auto const drops = detail::findCaptureDrops(index, options.stop);
-    FileSteps const steps = detail::findClockSteps(index);
-    detail::LossWitnesses const witnesses(index, drops);
-    detail::CoverageEnd const coverage(index, steps);
-    std::vector<StreamFindings> findings;
-    for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
-        findings.emplace_back(index, stream, witnesses);
-    }
-    GooseWatch goose(index, steps, findings);
-    goose.run(options);
-    for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
-        std::int64_t const end = coverage.of(index.streams()[stream]);
-        if (index.streams()[stream].key.protocol == StreamProtocol::sv) {
-            superviseSv(index, stream, steps, options, end, findings[stream]);
-            if (options.withSamples) {
-                detail::superviseSamples(index, stream, options.stop, [&](Finding const& finding) {
-                    findings[stream].add(finding);
-                });
-            }
-        } else {
-            goose.finish(stream, end);
-        }
-    }
-    static_cast<void>(
-        pairCopies(index, {.window = {}, .stop = options.stop}, [&](RedundancyFault const& fault) {
-            findings[fault.stream].add(detail::findingOf(index, fault));
-        }));
+    TrafficWatch watch(index, options, false);
+    watch.run();
     if (options.stop.stop_requested()) {
         return;
     }
-    std::vector<Finding> all;
-    for (StreamFindings& each : findings) {
-        each.takeInto(all);
-    }
-    detail::addCaptureGaps(all);
-    detail::addClockSteps(index, steps, all);
-    detail::addDrops(drops, all);
-    detail::addUnread(index, all);
-    detail::addSharedNames(index, all);
-    for (Finding const& finding : detail::sortedByTime(std::move(all))) {
+    for (Finding const& finding : watch.takeFindings()) {
         sink(finding);
+    }
+}
+
+void superviseTraffic(TrafficIndex const& index, SupervisionOptions const& options,
+                      FindingSink sink, StreamSummarySink summaries) {
+    TrafficWatch watch(index, options, true);
+    watch.run();
+    if (options.stop.stop_requested()) {
+        return;
+    }
+    std::vector<Finding> const findings = watch.takeFindings();
+    for (Finding const& finding : findings) {
+        sink(finding);
+    }
+    for (StreamSummary const& summary : watch.summaries(findings)) {
+        summaries(summary);
     }
 }
 

@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/SvSupervisor.hpp>
+#include <TalIec61850Analysis/supervision/SynchLevel.hpp>
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <algorithm>
 #include <cmath>
@@ -20,15 +21,6 @@ constexpr std::size_t kMostSuspects = 48;
 constexpr std::size_t kMostSampleGaps = 64;
 /// One of two publishers is gone after so many packets of the other one.
 constexpr std::uint32_t kGonePackets = 64;
-
-/// How good a synchronization is: none, to some clock, to a global one.
-int levelOf(std::int16_t smpSynch) {
-    constexpr std::int16_t kGlobal = 2;
-    if (smpSynch == kGlobal) {
-        return 2;
-    }
-    return smpSynch == 0 ? 0 : 1;
-}
 
 /// Whole ones, of a time that may be anything.
 std::int64_t wholeNanoseconds(double time) {
@@ -145,6 +137,9 @@ void SvSupervisor::stepClock(std::int64_t step, FindingSink sink) {
     }
     if (last_.arrival != kNoTime) {
         last_.arrival = shiftedTime(last_.arrival, step);
+    }
+    if (run_) {
+        run_->arrival = shiftedTime(run_->arrival, step);
     }
     if (heard_ != kNoTime) {
         heard_ = shiftedTime(heard_, step);
@@ -298,8 +293,10 @@ void SvSupervisor::takeForSecond(SvObservation const& packet, FindingSink sink) 
     if (++second.alone > kGonePackets) {
         // The first one is gone: this one takes its place.
         settleGaps(true, sink);
+        endRun();
         counter_ = second.counter;
         last_ = second.last;
+        beginRun();
         beginJitter(sink);
         endSecond(sink);
     }
@@ -374,6 +371,7 @@ void SvSupervisor::takeUncounted(SvObservation const& packet, FindingSink sink) 
     settleGaps(true, sink);
     checkSynch(packet, sink);
     beginJitter(sink);
+    endRun();
     isStarted_ = false;
     last_ = packet;
     heard_ = packet.arrival;
@@ -382,15 +380,45 @@ void SvSupervisor::takeUncounted(SvObservation const& packet, FindingSink sink) 
 void SvSupervisor::begin(SvObservation const& packet, FindingSink sink) {
     settleGaps(true, sink);
     checkSynch(packet, sink);
+    endRun();
     counter_ = SampleCounter(course_.count);
     static_cast<void>(counter_.add(packet.smpCnt, packet.arrival));
     beginJitter(sink);
     isStarted_ = true;
     last_ = packet;
+    beginRun();
     // It is the first of a frame, whatever its number.
     jitter_.add(counter_.newest(), packet.arrival, packet.packet,
                 [&](Deviation const& away) { reportAway(away, sink); });
     heard_ = packet.arrival;
+}
+
+void SvSupervisor::beginRun() {
+    if (last_.arrival != kNoTime) {
+        run_ = Run{.number = counter_.newest(), .arrival = last_.arrival, .asdu = last_.asdu};
+    }
+}
+
+void SvSupervisor::endRun() {
+    if (run_ && last_.arrival != kNoTime && last_.arrival > run_->arrival) {
+        // Without a sign, the difference of any two is exact.
+        auto const time = static_cast<double>(static_cast<std::uint64_t>(last_.arrival) -
+                                              static_cast<std::uint64_t>(run_->arrival));
+        // All ASDUs of a frame arrive at once.
+        std::int64_t const atOnce = std::int64_t{last_.asdu} - std::int64_t{run_->asdu};
+        if (time > longestTime_) {
+            longestTime_ = time;
+            longestSamples_ = static_cast<double>(counter_.newest() - run_->number - atOnce);
+        }
+    }
+    run_.reset();
+}
+
+std::optional<double> SvSupervisor::measuredRate() const {
+    constexpr double kNanoseconds = 1e9;
+    return longestTime_ > 0 && longestSamples_ > 0
+               ? std::optional(longestSamples_ * kNanoseconds / longestTime_)
+               : std::nullopt;
 }
 
 void SvSupervisor::beginJitter(FindingSink sink) {
@@ -499,9 +527,9 @@ void SvSupervisor::checkSynch(SvObservation const& packet, FindingSink sink) {
     if (packet.smpSynch == SvObservation::kNoSynch) {
         return;
     }
-    if (synch_ && levelOf(*synch_) != levelOf(packet.smpSynch)) {
-        report(levelOf(packet.smpSynch) < levelOf(*synch_) ? FindingKind::synchLost
-                                                           : FindingKind::synchRegained,
+    if (synch_ && synchLevelOf(*synch_) != synchLevelOf(packet.smpSynch)) {
+        report(synchLevelOf(packet.smpSynch) < synchLevelOf(*synch_) ? FindingKind::synchLost
+                                                                     : FindingKind::synchRegained,
                packet, numberOf(*synch_), numberOf(packet.smpSynch), sink);
     }
     synch_ = packet.smpSynch;
@@ -556,6 +584,7 @@ void SvSupervisor::finish(std::int64_t end, FindingSink sink) {
     settleGaps(true, sink);
     jitter_.finish([&](Deviation const& away) { reportAway(away, sink); });
     endAway(sink);
+    endRun();
     std::int64_t const last = heard_ == kNoTime ? kNoTime : std::max(heard_, last_.arrival);
     if (silence_ > 0 && last != kNoTime && end != kNoTime && end > last && end - last > silence_) {
         Finding made = finding(FindingKind::silent, last_);

@@ -33,8 +33,10 @@ class SvSupervisor {
 public:
     /// @param jitterLimit  beyond it a frame is away from its course, in nanoseconds; not set for
     ///                     half an interval of frames
-    explicit SvSupervisor(std::optional<std::int64_t> jitterLimit = {})
-        : jitterLimit_(jitterLimit) {}
+    /// @param distances    see JitterWatch
+    explicit SvSupervisor(std::optional<std::int64_t> jitterLimit = {},
+                          Histogram* distances = nullptr)
+        : jitterLimit_(jitterLimit), jitter_(distances) {}
 
     /// The packets from the next one on should come like this.
     void follow(SvCourse const& course, SvObservation const& next, FindingSink sink);
@@ -65,6 +67,10 @@ public:
     /// @param end  of what was captured, in nanoseconds, or kNoTime
     void finish(std::int64_t end, FindingSink sink);
 
+    /// Samples a second over the longest time in which the counter went on, lost ones counted; not
+    /// set where no time passed. To be asked after `finish`.
+    [[nodiscard]] std::optional<double> measuredRate() const;
+
 private:
     static constexpr std::uint64_t kSoon = 50'000'000;
 
@@ -78,6 +84,12 @@ private:
         SvObservation after;
         /// The late ones, each once.
         std::vector<std::int64_t> filled;
+    };
+    /// Since when the counter has gone on.
+    struct Run {
+        std::int64_t number = 0;
+        std::int64_t arrival = kNoTime;
+        std::uint16_t asdu = 0;
     };
     /// The second of two publishers.
     struct Second {
@@ -113,6 +125,8 @@ private:
     void takeCounted(SvObservation const& packet, FindingSink sink);
     void takeUncounted(SvObservation const& packet, FindingSink sink);
     void begin(SvObservation const& packet, FindingSink sink);
+    void beginRun();
+    void endRun();
     void beginJitter(FindingSink sink);
     void fill(std::int64_t number);
     void settleGaps(bool areAll, FindingSink sink);
@@ -147,6 +161,10 @@ private:
     JitterWatch jitter_;
     std::optional<Finding> away_;
     std::optional<StreamAttributes> attributes_;
+    std::optional<Run> run_;
+    /// The longest run so far.
+    double longestSamples_ = 0;
+    double longestTime_ = 0;
 };
 
 }  // namespace TalIec61850Analysis::detail

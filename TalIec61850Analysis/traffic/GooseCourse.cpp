@@ -3,10 +3,11 @@
 
 namespace TalIec61850Analysis::detail {
 
-GooseCourse::GooseCourse(TrafficIndex const& index) : files_(index.files().size()) {
+GooseCourse::GooseCourse(TrafficIndex const& index, std::vector<bool> const& areWanted)
+    : files_(index.files().size()) {
     for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
         TrafficStream const& of = index.streams()[stream];
-        if (of.key.protocol != StreamProtocol::goose) {
+        if (of.key.protocol != StreamProtocol::goose || !areWanted[stream]) {
             continue;
         }
         for (std::uint32_t part = 0; part < of.parts.size(); ++part) {

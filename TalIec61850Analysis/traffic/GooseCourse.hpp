@@ -22,7 +22,11 @@ struct CourseMessage {
 class GooseCourse {
 public:
     /// @param index  must outlive the course
-    explicit GooseCourse(TrafficIndex const& index);
+    explicit GooseCourse(TrafficIndex const& index)
+        : GooseCourse(index, std::vector<bool>(index.streams().size(), true)) {}
+    /// Goes over some streams alone.
+    /// @param areWanted  by stream of the index
+    GooseCourse(TrafficIndex const& index, std::vector<bool> const& areWanted);
 
     /// The next message; not set after the last.
     [[nodiscard]] std::optional<CourseMessage> next();

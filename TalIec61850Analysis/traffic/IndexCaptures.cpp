@@ -2,14 +2,11 @@
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/traffic/FileIndexer.hpp>
 #include <TalIec61850Analysis/traffic/IndexFile.hpp>
+#include <TalIec61850Analysis/traffic/RunJobs.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
-#include <algorithm>
-#include <atomic>
-#include <exception>
 #include <iterator>
 #include <mutex>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace TalIec61850Analysis {
@@ -103,64 +100,18 @@ private:
 };
 
 /// Indexes files, each on one thread.
-class CaptureJobs {
-public:
-    CaptureJobs(std::span<std::string const> paths, TrafficOptions const& options)
-        : paths_(paths),
-          options_(options),
-          progress_(options, paths),
-          results_(paths.size()),
-          failures_(paths.size()) {}
-
-    std::vector<detail::FileTraffic> run() {
-        std::size_t jobs = options_.jobs;
-        if (jobs == 0) {
-            jobs = std::max(1U, std::thread::hardware_concurrency());
-        }
-        jobs = std::min(jobs, paths_.size());
-        std::vector<std::thread> threads;
-        threads.reserve(jobs);
-        for (std::size_t i = 1; i < jobs; ++i) {
-            try {
-                threads.emplace_back([this] { work(); });
-            } catch (std::exception const&) {
-                break;  // fewer threads do the same
-            }
-        }
-        work();
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-        for (std::exception_ptr const& failure : failures_) {
-            if (failure) {
-                std::rethrow_exception(failure);
-            }
-        }
-        return std::move(results_);
-    }
-
-private:
-    void work() noexcept {
-        for (std::size_t file = next_++; file < paths_.size(); file = next_++) {
-            try {
-                results_[file] = detail::indexFile(
-                    paths_[file], static_cast<std::uint32_t>(file), options_,
-                    detail::WalkMemory::on,
-                    [this, file](std::uint64_t done) { progress_.tell(file, done); });
-            } catch (...) {
-                failures_[file] = std::current_exception();
-            }
-        }
-    }
-
-    std::span<std::string const> paths_;
-    TrafficOptions const& options_;
-    SharedProgress progress_;
-    std::atomic<std::size_t> next_ = 0;
+std::vector<detail::FileTraffic> indexFiles(std::span<std::string const> paths,
+                                            TrafficOptions const& options) {
+    SharedProgress progress(options, paths);
     // By the number of the file; each is written by one thread.
-    std::vector<detail::FileTraffic> results_;
-    std::vector<std::exception_ptr> failures_;
-};
+    std::vector<detail::FileTraffic> results(paths.size());
+    detail::runJobs(paths.size(), options.jobs, [&](std::size_t file) {
+        results[file] = detail::indexFile(
+            paths[file], static_cast<std::uint32_t>(file), options, detail::WalkMemory::on,
+            [&progress, file](std::uint64_t done) { progress.tell(file, done); });
+    });
+    return results;
+}
 
 }  // namespace
 
@@ -175,7 +126,7 @@ TrafficIndex indexCapture(std::string const& path, TrafficOptions const& options
 TrafficIndex indexCaptures(std::span<std::string const> paths, TrafficOptions const& options) {
     std::vector<IndexedFile> files;
     std::vector<TrafficStream> streams;
-    for (detail::FileTraffic& traffic : CaptureJobs(paths, options).run()) {
+    for (detail::FileTraffic& traffic : indexFiles(paths, options)) {
         files.push_back(std::move(traffic.file));
         streams.insert(streams.end(), std::make_move_iterator(traffic.streams.begin()),
                        std::make_move_iterator(traffic.streams.end()));

@@ -69,7 +69,8 @@ TEST_P(Documents, ShowWhatTheirCommandsPrint) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Docs, Documents,
-                         testing::Values("../README.md", "guide.md", "samples.md", "tool.md"),
+                         testing::Values("../README.md", "guide.md", "samples.md", "supervision.md",
+                                         "tool.md"),
                          [](auto const& document) {
                              return std::filesystem::path(document.param).stem().string();
                          });

@@ -49,9 +49,10 @@ Words offeredByBash(std::string const& words) {
 }
 
 TEST(BashCompletion, OffersTheCommands) {
-    EXPECT_EQ(offeredByBash("tal-iec61850 ''"),
-              (Words{"streams", "packets", "show", "events", "samples", "comtrade", "redundancy",
-                     "captures", "completion", "manual", "library", "--help", "--version"}));
+    EXPECT_EQ(
+        offeredByBash("tal-iec61850 ''"),
+        (Words{"streams", "packets", "show", "events", "samples", "comtrade", "redundancy", "check",
+               "captures", "completion", "manual", "library", "--help", "--version"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 pa"), Words{"packets"});
 }
 
@@ -121,8 +122,8 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
         return linesOf(result.out);
     };
     EXPECT_EQ(offered("tal-iec61850 "),
-              (Words{"captures", "completion", "comtrade", "events", "library", "manual", "packets",
-                     "redundancy", "samples", "show", "streams"}));
+              (Words{"captures", "check", "completion", "comtrade", "events", "library", "manual",
+                     "packets", "redundancy", "samples", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
     EXPECT_EQ(offered("tal-iec61850 show --format "),
               (Words{"csv", "json", "spreadsheet", "table"}));

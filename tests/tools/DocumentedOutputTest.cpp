@@ -16,10 +16,12 @@
 #include "tools/output/RowLines.hpp"
 #include "tools/render/CaptureLayout.hpp"
 #include "tools/render/EventRow.hpp"
+#include "tools/render/FindingLayout.hpp"
 #include "tools/render/PacketLayout.hpp"
 #include "tools/render/RedundancyLayout.hpp"
 #include "tools/render/SampleRow.hpp"
 #include "tools/render/StreamLayout.hpp"
+#include "tools/render/SummaryLayout.hpp"
 
 namespace TalIec61850Tools {
 namespace {
@@ -48,6 +50,8 @@ std::map<std::string, Names> layouts() {
             {"streams", fieldNames(streamLayout())},
             {"redundancy", fieldNames(redundancyLayout(Format::json))},
             {"packets", fieldNames(packetLayout(true))},
+            {"check", fieldNames(findingLayout())},
+            {"check --summary", fieldNames(summaryLayout())},
             {"show", fieldNames(shownPacketLayout())},
             {"library judge", fieldNames(verdictCountLayout())},
             {"library streams", fieldNames(libraryLayout())},
@@ -80,8 +84,15 @@ NameSet commandsIn(std::string const& cell, NameSet const& above) {
         return above;
     }
     if (cell.find("all") != std::string::npos) {
-        return {"streams",       "redundancy",          "packets", "show", "library streams",
-                "library judge", "library judge --list"};
+        return {"streams",
+                "redundancy",
+                "packets",
+                "show",
+                "check",
+                "check --summary",
+                "library streams",
+                "library judge",
+                "library judge --list"};
     }
     auto const codes = codesIn(cell);
     return {codes.begin(), codes.end()};
@@ -114,7 +125,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 10U);
+    EXPECT_EQ(documented.size(), 12U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {
@@ -171,10 +182,11 @@ TEST(Help, ListsTheFieldsInTheirOrder) {
 
 TEST(ExitStatusTexts, AreOneForEachStatusInOrder) {
     auto const texts = exitStatusTexts();
-    ASSERT_EQ(texts.size(), 3U);
+    ASSERT_EQ(texts.size(), 4U);
     EXPECT_EQ(texts[0].status, ExitStatus::success);
     EXPECT_EQ(texts[1].status, ExitStatus::usageError);
     EXPECT_EQ(texts[2].status, ExitStatus::failure);
+    EXPECT_EQ(texts[3].status, ExitStatus::findings);
     for (std::size_t i = 0; i < texts.size(); ++i) {
         EXPECT_EQ(static_cast<std::size_t>(texts[i].status), i);
     }

@@ -41,7 +41,7 @@ void addCommonOptions(CommandDefinition& command, CommonOptions& options,
                     "Write tables whole on a terminal, where they are fitted otherwise");
     CLI::Option& colour =
         *parser.add_option("--color", options.colour,
-                           "Headings in bold: auto (if not said; on a terminal that is not dumb, "
+                           "Bold and colours: auto (if not said; on a terminal that is not dumb, "
                            "unless NO_COLOR is set), always or never");
     colour.option_text("WHEN");
     allowOnly(command, colour, {"auto", "always", "never"});

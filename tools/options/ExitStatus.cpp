@@ -13,7 +13,11 @@ std::vector<ExitStatusText> exitStatusTexts() {
              .full = "Wrong usage: the command line makes no sense, and nothing was done."},
             {.status = ExitStatus::failure,
              .brief = "a" + failures + ": " + rest,
-             .full = "A" + failures + "; that is said on standard error, and " + rest + "."}};
+             .full = "A" + failures + "; that is said on standard error, and " + rest + "."},
+            {.status = ExitStatus::findings,
+             .brief = "check found an error, or what else it was told to fail on; this outranks 2",
+             .full = "Found: check found an error, or what else it was told to fail on. This "
+                     "outranks 2."}};
 }
 
 }  // namespace TalIec61850Tools

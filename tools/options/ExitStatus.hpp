@@ -10,6 +10,7 @@ enum class ExitStatus {
     success = 0,
     usageError = 1,  ///< the command line makes no sense; nothing was done
     failure = 2,     ///< something could not be read whole, or not be written; the rest was done
+    findings = 3,    ///< what was asked to fail on was found; this outranks a failure
 };
 
 /// An exit status in words.

@@ -65,12 +65,13 @@ void addTimeOption(CommandDefinition& command, std::string const& name,
 }
 
 void addLengthOption(CommandDefinition& command, std::string const& name,
-                     std::optional<std::chrono::nanoseconds>& length, std::string const& help) {
+                     std::optional<std::chrono::nanoseconds>& length, std::string const& help,
+                     std::string const& group) {
     command.parser
         ->add_option_function<std::string>(
             name, [&length, name](std::string const& text) { length = toLength(name, text); }, help)
         ->option_text("LENGTH")
-        ->group(kWindowGroup);
+        ->group(group);
 }
 
 void WindowOptions::check() const {

@@ -60,7 +60,9 @@ void addTimeOption(CommandDefinition& command, std::string const& name,
 
 /// Adds an option that is a length of time, such as 500ms.
 /// @param length  written while the command line is parsed
+/// @param group   the heading in a help
 void addLengthOption(CommandDefinition& command, std::string const& name,
-                     std::optional<std::chrono::nanoseconds>& length, std::string const& help);
+                     std::optional<std::chrono::nanoseconds>& length, std::string const& help,
+                     std::string const& group = kWindowGroup);
 
 }  // namespace TalIec61850Tools

@@ -46,6 +46,8 @@ struct Heading {
     std::string text;
     Align align = Align::left;
     Fit fit = {};
+    /// Gives a cell colours, where there are any; null for none. What it adds takes no column.
+    std::string (*paint)(std::string_view cell) = nullptr;
 };
 
 /// A column of a table for people.

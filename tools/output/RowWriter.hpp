@@ -16,7 +16,7 @@ namespace TalIec61850Tools {
 
 /// What a table for people looks like.
 struct TableStyle {
-    /// Bold headings.
+    /// Bold headings, and colours of cells.
     bool inColour = false;
     /// Not set for a table that is as wide as its cells.
     std::optional<TableRoom> room;

@@ -59,7 +59,7 @@ void TableLines::writeHeld() {
     if (room_) {
         fit();
     }
-    std::string head = makeLine(heads);
+    std::string head = makeLine(heads, false);
     head.pop_back();
     sink_(emphasise(head, inColour_) + "\n");
     for (auto const& cells : std::exchange(held_, {})) {
@@ -122,7 +122,7 @@ void TableLines::fit() {
     }
 }
 
-std::string const& TableLines::makeLine(std::vector<std::string> const& cells) {
+std::string const& TableLines::makeLine(std::vector<std::string> const& cells, bool isRow) {
     line_.clear();
     for (std::size_t const i : shown_) {
         std::string_view cell = cells[i];
@@ -136,7 +136,13 @@ std::string const& TableLines::makeLine(std::vector<std::string> const& cells) {
         std::size_t const blanks = widths_[i] - std::min(columns, widths_[i]);
         bool const isRight = headings_[i].align == Align::right;
         bool const isLast = i == shown_.back();
-        line_.append(isRight ? blanks : 0, ' ').append(cell);
+        bool const isPainted = inColour_ && headings_[i].paint != nullptr && isRow;
+        line_.append(isRight ? blanks : 0, ' ');
+        if (isPainted) {
+            line_ += headings_[i].paint(cell);
+        } else {
+            line_ += cell;
+        }
         line_.append(isRight || isLast ? 0 : blanks, ' ').append(isLast ? "" : kGap);
     }
     line_ += '\n';

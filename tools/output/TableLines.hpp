@@ -30,7 +30,7 @@ class TableLines {
 public:
     static constexpr std::size_t kRowsForWidths = 10'000;
 
-    /// @param inColour  bold headings
+    /// @param inColour  bold headings, and cells in the colours of their columns
     /// @param room      not set for a table that is as wide as its cells
     TableLines(std::vector<Heading> headings, TextSink sink, bool inColour,
                std::optional<TableRoom> room = std::nullopt);
@@ -52,7 +52,9 @@ public:
     [[nodiscard]] std::vector<std::string> const& withoutRoom() const { return withoutRoom_; }
 
 private:
-    [[nodiscard]] std::string const& makeLine(std::vector<std::string> const& cells);
+    /// @param isRow  not the headings
+    [[nodiscard]] std::string const& makeLine(std::vector<std::string> const& cells,
+                                              bool isRow = true);
     void widen(std::vector<std::string> const& cells);
     void writeHeld();
     void fit();

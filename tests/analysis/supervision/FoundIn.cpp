@@ -63,6 +63,21 @@ StationFrame const* frameOf(std::optional<FindingPlace> const& place,
     return place ? station.frameAt(place->file, place->fileOffset) : nullptr;
 }
 
+/// Captures as files, while this is there.
+struct WrittenCaptures {
+    explicit WrittenCaptures(std::vector<Bytes> const& captures) {
+        std::vector<std::string> paths;
+        for (Bytes const& capture : captures) {
+            paths.push_back(
+                directory.write("capture" + std::to_string(paths.size()) + ".pcap", capture));
+        }
+        index = indexCaptures(paths);
+    }
+
+    TempDir directory;
+    TrafficIndex index;
+};
+
 }  // namespace
 
 std::string lineOf(Finding const& finding, FaultyStation const& station) {
@@ -92,16 +107,26 @@ std::string lineOf(Finding const& finding, FaultyStation const& station) {
 
 std::vector<Finding> findingsIn(std::vector<Bytes> const& captures,
                                 SupervisionOptions const& options) {
-    TempDir const directory;
-    std::vector<std::string> paths;
-    for (Bytes const& capture : captures) {
-        paths.push_back(
-            directory.write("capture" + std::to_string(paths.size()) + ".pcap", capture));
-    }
-    TrafficIndex const index = indexCaptures(paths);
+    WrittenCaptures const written(captures);
     std::vector<Finding> findings;
-    superviseTraffic(index, options, [&](Finding const& finding) { findings.push_back(finding); });
+    superviseTraffic(written.index, options,
+                     [&](Finding const& finding) { findings.push_back(finding); });
     return findings;
+}
+
+std::vector<StreamSummary> summariesIn(std::vector<Bytes> const& captures,
+                                       SupervisionOptions const& options,
+                                       std::vector<Finding>* findings) {
+    WrittenCaptures const written(captures);
+    std::vector<Finding> found;
+    std::vector<StreamSummary> summaries;
+    superviseTraffic(
+        written.index, options, [&](Finding const& finding) { found.push_back(finding); },
+        [&](StreamSummary const& summary) { summaries.push_back(summary); });
+    if (findings != nullptr) {
+        *findings = found;
+    }
+    return summaries;
 }
 
 std::vector<std::string> foundIn(std::vector<Bytes> const& captures, FaultyStation const& station,

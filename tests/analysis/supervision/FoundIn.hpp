@@ -27,6 +27,11 @@ namespace TalTest {
     std::vector<Bytes> const& captures,
     TalIec61850Analysis::SupervisionOptions const& options = {});
 
+/// The streams in figures; findings are given back if wanted.
+[[nodiscard]] std::vector<TalIec61850Analysis::StreamSummary> summariesIn(
+    std::vector<Bytes> const& captures, TalIec61850Analysis::SupervisionOptions const& options = {},
+    std::vector<TalIec61850Analysis::Finding>* findings = nullptr);
+
 /// One finding in a line.
 [[nodiscard]] std::string lineOf(TalIec61850Analysis::Finding const& finding,
                                  FaultyStation const& station);

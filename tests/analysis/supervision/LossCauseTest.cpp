@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/PcapngMaker.hpp"
 
@@ -140,6 +143,94 @@ TEST(LossCause, IsToldOfCountsOfInterfaces) {
     EXPECT_EQ(findings[0].lost, 4U);
     EXPECT_EQ(findings[1].kind, FindingKind::captureDropped);
     EXPECT_EQ(findings[1].lost, 5U);
+}
+
+constexpr std::uint16_t kInterfaceDropOption = 5;
+
+/// The frames of a station in a next-generation capture.
+/// @param counts  by the number of a frame of stream 0: what statistics say after it, in all
+Bytes withStatistics(FaultyStation& station, std::map<std::size_t, std::uint64_t> const& counts,
+                     std::size_t interfaces = 1) {
+    std::stable_sort(station.frames().begin(), station.frames().end(),
+                     [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    PcapngMaker maker;
+    maker.section();
+    for (std::size_t i = 0; i < interfaces; ++i) {
+        maker.interface(1, 0, maker.timeOptions(9));
+    }
+    for (StationFrame const& frame : station.frames()) {
+        PcapngMaker::Packet packet;
+        packet.time = static_cast<std::uint64_t>(FaultyStation::timeOf(frame));
+        packet.frame = svFrame(frame.ethernet, std::get<SvMessage>(frame.message));
+        maker.packet(packet);
+        auto const count = counts.find(frame.number);
+        if (frame.stream == 0 && count != counts.end()) {
+            maker.statistics(0, maker.numberOption(kInterfaceDropOption, count->second));
+        }
+    }
+    return maker.bytes();
+}
+
+/// The causes of the gaps in a capture.
+std::vector<TalIec61850Analysis::LossCause> causesIn(Bytes const& capture) {
+    std::vector<TalIec61850Analysis::LossCause> causes;
+    for (auto const& finding : findingsIn({capture})) {
+        if (finding.kind == TalIec61850Analysis::FindingKind::sampleGap) {
+            causes.push_back(finding.cause);
+        }
+    }
+    return causes;
+}
+
+TEST(LossCause, IsTheCaptureWhereItsInterfaceDroppedAsManyMeanwhile) {
+    using namespace TalIec61850Analysis;
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.drop(0, 500, 7);
+    Bytes const capture = withStatistics(station, {{300, 0}, {800, 9}});
+    EXPECT_EQ(causesIn(capture), std::vector{LossCause::capture});
+    for (Finding const& finding : findingsIn({capture})) {
+        EXPECT_EQ(finding.witness, LossWitness::dropCounts);
+        EXPECT_EQ(finding.witnessFrames, 9U);
+    }
+}
+
+TEST(LossCause, IsUnknownWhereTheInterfaceDroppedLess) {
+    using TalIec61850Analysis::LossCause;
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.drop(0, 500, 7).drop(0, 600, 3);
+    EXPECT_EQ(causesIn(withStatistics(station, {{800, 9}})),
+              (std::vector{LossCause::unknown, LossCause::unknown}));
+    EXPECT_EQ(causesIn(withStatistics(station, {{800, 10}})),
+              (std::vector{LossCause::capture, LossCause::capture}));
+    EXPECT_EQ(causesIn(withStatistics(station, {{550, 7}, {800, 9}})),
+              (std::vector{LossCause::capture, LossCause::unknown}));
+}
+
+TEST(LossCause, IsUnknownWhereTheInterfaceDroppedAtAnotherTime) {
+    using TalIec61850Analysis::LossCause;
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.drop(0, 500, 7);
+    EXPECT_EQ(causesIn(withStatistics(station, {{400, 50}})), std::vector{LossCause::unknown});
+    EXPECT_EQ(causesIn(withStatistics(station, {{400, 50}, {600, 50}})),
+              std::vector{LossCause::unknown});
+}
+
+TEST(LossCause, IsUnknownWhereSeveralInterfacesMayHaveDropped) {
+    using TalIec61850Analysis::LossCause;
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.drop(0, 500, 7);
+    EXPECT_EQ(causesIn(withStatistics(station, {{800, 9}}, 2)), std::vector{LossCause::unknown});
+}
+
+TEST(LossCause, StaysTheNetworkWhateverTheInterfaceDropped) {
+    using TalIec61850Analysis::LossCause;
+    auto station = threeUnits();
+    station.drop(1, 1000, 5);
+    EXPECT_EQ(causesIn(withStatistics(station, {{2000, 50}})), std::vector{LossCause::network});
 }
 
 }  // namespace

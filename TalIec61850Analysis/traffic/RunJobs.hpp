@@ -1,0 +1,22 @@
+#pragma once
+
+// Internal: tasks on several threads.
+
+#include <cstddef>
+#include <functional>
+
+namespace TalIec61850Analysis::detail {
+
+/// How many of so many tasks run at a time.
+/// @param jobs  at most; 0 for as many as the machine has cores
+[[nodiscard]] std::size_t countJobs(std::size_t count, std::size_t jobs);
+
+/// Runs tasks, each once, some at a time; those of lower numbers begin first. Where the system has
+/// no more threads, fewer do the same.
+/// @param count  tasks, numbered from 0
+/// @param jobs   how many run at a time; 0 for as many as the machine has cores
+/// @param task   called with each number, on several threads at a time
+/// @throws what the first task throws that fails, when all have ended
+void runJobs(std::size_t count, std::size_t jobs, std::function<void(std::size_t)> const& task);
+
+}  // namespace TalIec61850Analysis::detail

@@ -1,0 +1,505 @@
+#include "tools/render/FindingText.hpp"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <TalIec61850Analysis/packet/Quality.hpp>
+#include <TalIec61850Analysis/packet/SampleQuality.hpp>
+#include <TalIec61850Analysis/samples/FindLayouts.hpp>
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <variant>
+
+#include "tools/output/Plural.hpp"
+#include "tools/render/AddressText.hpp"
+#include "tools/render/DurationText.hpp"
+#include "tools/render/QualityText.hpp"
+#include "tools/render/UtcText.hpp"
+#include "tools/render/ValueText.hpp"
+#include "tools/selection/ChannelMeaning.hpp"
+
+namespace TalIec61850Tools {
+
+using namespace TalIec61850Analysis;
+
+namespace {
+
+std::int64_t numberIn(FindingValue const& value) {
+    auto const* const number = std::get_if<std::int64_t>(&value);
+    return number != nullptr ? *number : 0;
+}
+
+std::int64_t timeIn(FindingValue const& value) {
+    auto const* const time = std::get_if<CaptureTime>(&value);
+    return time != nullptr ? time->time_since_epoch().count() : 0;
+}
+
+bool isSv(Finding const& finding) { return finding.protocol == StreamProtocol::sv; }
+
+/// The octets of an address or a clock as 00:30:a7:01:02:03.
+std::string colonText(OctetString const& octets) {
+    return fmt::format("{:02x}", fmt::join(octets, ":"));
+}
+
+std::string octetText(Finding const& finding, OctetString const& octets) {
+    switch (finding.kind) {
+        case FindingKind::twoPublishers:
+        case FindingKind::grandmasterChanged:
+            return colonText(octets);
+        case FindingKind::dataSetChanged:
+            return {octets.begin(), octets.end()};
+        default:
+            return toHex(octets);
+    }
+}
+
+/// The quality that a finding's number is.
+std::string qualityWords(Finding const& finding, std::int64_t bits) {
+    auto const word = static_cast<std::uint32_t>(bits);
+    if (isSv(finding)) {
+        return toText(SampleQuality{.word = word});
+    }
+    // The first bit of a BIT STRING is the highest of the 13.
+    constexpr unsigned kUnusedBits = 3;
+    std::uint32_t const shifted = word << kUnusedBits;
+    std::array<std::uint8_t, 2> const octets = {static_cast<std::uint8_t>(shifted >> 8U),
+                                                static_cast<std::uint8_t>(shifted)};
+    auto const quality = readQuality({.octets = octets, .unusedBits = kUnusedBits});
+    return quality ? toText(*quality) : toHex({octets.begin(), octets.end()});
+}
+
+/// A value in a sentence.
+std::string valueText(Finding const& finding, FindingValue const& value) {
+    struct Text {
+        Finding const& finding;
+
+        std::string operator()(std::monostate /*nothing*/) const { return "none"; }
+        std::string operator()(std::int64_t number) const {
+            return finding.kind == FindingKind::qualityChanged ? qualityWords(finding, number)
+                                                               : std::to_string(number);
+        }
+        std::string operator()(double number) const { return fmt::format("{:.6g}", number); }
+        std::string operator()(OctetString const& octets) const {
+            return octetText(finding, octets);
+        }
+        std::string operator()(CaptureTime time) const { return toUtcText(time); }
+    };
+    return std::visit(Text{finding}, value);
+}
+
+std::string expectedText(Finding const& finding) { return valueText(finding, finding.expected); }
+std::string foundText(Finding const& finding) { return valueText(finding, finding.found); }
+
+/// "went from A to B".
+std::string changeText(Finding const& finding) {
+    return fmt::format("went from {} to {}", expectedText(finding), foundText(finding));
+}
+
+std::string millisecondsText(FindingValue const& value) {
+    return fmt::format("{} ms", numberIn(value));
+}
+
+std::string synchText(FindingValue const& value) {
+    auto const smpSynch = numberIn(value);
+    return fmt::format("{} ({})", smpSynch, smpSynchText(static_cast<std::uint64_t>(smpSynch)));
+}
+
+/// Whether nothing came from the packet before until the one that shows the finding.
+bool hasPause(Finding const& finding) {
+    return finding.before && finding.before->time != kNoTime && finding.from != kNoTime &&
+           finding.before->time < finding.from;
+}
+
+std::string pauseText(Finding const& finding) {
+    return hasPause(finding) ? durationText(finding.before->time, finding.from)
+                             : std::string("a time that is not known");
+}
+
+std::string witnessText(Finding const& finding) {
+    std::uint64_t const frames = finding.witnessFrames;
+    switch (finding.witness) {
+        case LossWitness::dropCounts:
+            return fmt::format(": it counted {}", plural(frames, "dropped packet"));
+        case LossWitness::otherStreamsLost:
+            return fmt::format(": {} at the same time",
+                               frames == 1 ? std::string("another stream lacks packets")
+                                           : fmt::format("{} other streams lack packets", frames));
+        case LossWitness::otherStreamsRanOn:
+            return fmt::format(": {} of other streams came meanwhile", plural(frames, "packet"));
+        case LossWitness::redundancyGap:
+            return fmt::format(": {} of the source missing too",
+                               frames == 1 ? std::string("1 redundancy number is")
+                                           : fmt::format("{} redundancy numbers are", frames));
+        case LossWitness::redundancyRanOn:
+            return ": the redundancy numbers of the source have no gap";
+        case LossWitness::none:
+            break;
+    }
+    return {};
+}
+
+/// Who lost what is missing.
+std::string causeText(Finding const& finding) {
+    switch (finding.cause) {
+        case LossCause::none:
+            return {};
+        case LossCause::capture:
+            return "; lost in the capture" + witnessText(finding);
+        case LossCause::network:
+            return "; lost on the network" + witnessText(finding);
+        case LossCause::publisher:
+            return "; never sent" + witnessText(finding);
+        case LossCause::unknown:
+            break;
+    }
+    return "; nothing tells who lost them";
+}
+
+std::string reasonText(UnreadReason reason) {
+    switch (reason) {
+        case UnreadReason::headerCut:
+            return "it ends inside its header";
+        case UnreadReason::cut:
+            return "the snap length cut it before its name";
+        case UnreadReason::noPdu:
+            return "no PDU is after its header";
+        case UnreadReason::pduPastFrame:
+            return "its PDU claims more octets than it has";
+        case UnreadReason::noName:
+            return "it has no gocbRef, or an ASDU without svID";
+        case UnreadReason::noAsdu:
+            break;
+    }
+    return "it has no ASDU";
+}
+
+std::string jitterText(Finding const& finding) {
+    std::int64_t const away = numberIn(finding.found);
+    std::string const limit = durationText(numberIn(finding.expected));
+    // The sign goes into the word.
+    std::string const length = durationText(std::int64_t{0}, away);
+    std::string_view const which = away < 0 ? "early" : "late";
+    return finding.count == 1
+               ? fmt::format("a frame came {} {}, more than {}", length, which, limit)
+               : fmt::format("{} came away from their course by more than {}, one {} {}",
+                             plural(finding.count, "frame"), limit, length, which);
+}
+
+std::string expiredText(Finding const& finding) {
+    std::string const late = durationText(timeIn(finding.expected), timeIn(finding.found));
+    return finding.place
+               ? fmt::format("timeAllowedtoLive ran out: the next message came {} too late", late)
+               : fmt::format(
+                     "timeAllowedtoLive ran out {} before the captures end, and no message "
+                     "came",
+                     late);
+}
+
+std::string dataSetText(Finding const& finding) {
+    bool const areNames = std::holds_alternative<OctetString>(finding.expected) ||
+                          std::holds_alternative<OctetString>(finding.found);
+    if (areNames) {
+        return "datSet " + changeText(finding);
+    }
+    if (finding.expected == finding.found) {
+        return fmt::format("the {} of the data set have other types",
+                           foundText(finding) + " members");
+    }
+    return fmt::format("{} {}", isSv(finding) ? "octets of seqData" : "members of the data set",
+                       changeText(finding));
+}
+
+std::string twoPublishersText(Finding const& finding) {
+    if (std::holds_alternative<OctetString>(finding.found)) {
+        return fmt::format("{} is sent by two sources: {} and {}",
+                           isSv(finding) ? "svID" : "gocbRef", expectedText(finding),
+                           foundText(finding));
+    }
+    std::string_view const counter = isSv(finding) ? "smpCnt" : "stNum";
+    return fmt::format("two counters take turns in one stream: {} {} and {}, {} of the second",
+                       counter, expectedText(finding), foundText(finding),
+                       plural(finding.count, "packet"));
+}
+
+/// What simulation is, by a number.
+std::string_view simulationText(FindingValue const& value) {
+    return numberIn(value) != 0 ? "simulated" : "not simulated";
+}
+
+/// Which time stamp a finding is of.
+std::string_view stampOf(Finding const& finding) { return isSv(finding) ? "refrTm" : "t"; }
+
+std::string_view protocolText(Finding const& finding) { return isSv(finding) ? "SV" : "GOOSE"; }
+
+/// Whether the sentence of a kind says how often it was met.
+bool saysHowOften(FindingKind kind) {
+    switch (kind) {
+        case FindingKind::sampleGap:
+        case FindingKind::sqNumGap:
+        case FindingKind::stateGap:
+        case FindingKind::stateStartMissing:
+        case FindingKind::twoPublishers:
+        case FindingKind::jitter:
+        case FindingKind::recordsCut:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+std::string FindingText::sentence(Finding const& finding) {
+    std::string text = what(finding);
+    if (finding.count > 1 && !saysHowOften(finding.kind)) {
+        text += fmt::format("; {} times in {}", finding.count,
+                            durationText(finding.from, finding.until));
+    }
+    return text;
+}
+
+std::uint32_t FindingText::stNumOf(Finding const& finding) const {
+    auto const& place = finding.place ? finding.place : finding.before;
+    if (!finding.stream || !place) {
+        return 0;
+    }
+    PacketRef const packet = place->packet;
+    auto const stNums = index_.streams()[*finding.stream].parts[packet.part].packets.stNums();
+    return stNums.empty() ? 0 : stNums[packet.packet];
+}
+
+/// "stNum 5, sqNum 3".
+std::string FindingText::messageText(Finding const& finding) const {
+    PacketRef const packet = finding.place->packet;
+    auto const& packets = index_.streams()[*finding.stream].parts[packet.part].packets;
+    return fmt::format("stNum {}, sqNum {}", packets.stNums()[packet.packet],
+                       packets.sqNums()[packet.packet]);
+}
+
+/// Over which LAN or direction the packet came; '?' where that is not known.
+char FindingText::laneOf(Finding const& finding) const {
+    if (!finding.stream || !finding.place) {
+        return '?';
+    }
+    PacketRef const packet = finding.place->packet;
+    char const lane =
+        index_.streams()[*finding.stream].parts[packet.part].packets.flags()[packet.packet].lane();
+    return lane == 0 ? '?' : lane;
+}
+
+std::string FindingText::gapText(Finding const& finding) const {
+    std::string_view const unit = isSv(finding)                           ? "sample"
+                                  : finding.kind == FindingKind::stateGap ? "state"
+                                                                          : "message";
+    std::string const lost = plural(finding.lost, unit);
+    if (finding.count > 1) {
+        return fmt::format("{} gaps in {}, {} missing{}", finding.count,
+                           durationText(finding.from, finding.until), lost, causeText(finding));
+    }
+    std::string counters;
+    switch (finding.kind) {
+        case FindingKind::stateGap:
+            counters = fmt::format("{} missing: stNum", lost);
+            break;
+        case FindingKind::sqNumGap:
+            counters = fmt::format("{} of state {} missing: sqNum", lost, stNumOf(finding));
+            break;
+        case FindingKind::stateStartMissing:
+            counters =
+                fmt::format("the first {} of state {} missing: sqNum", lost, stNumOf(finding));
+            break;
+        default:
+            counters = fmt::format("{} missing: smpCnt", lost);
+            break;
+    }
+    std::string const pause =
+        hasPause(finding) ? fmt::format(", after {}", pauseText(finding)) : std::string();
+    return fmt::format("{} {} expected, {} came{}{}", counters, expectedText(finding),
+                       foundText(finding), pause, causeText(finding));
+}
+
+std::string FindingText::ofCounters(Finding const& finding) const {
+    std::string const expected = expectedText(finding);
+    std::string const found = foundText(finding);
+    switch (finding.kind) {
+        case FindingKind::repeated:
+            return isSv(finding) ? fmt::format("smpCnt {} came again, {} was due", found, expected)
+                                 : fmt::format("{} came again", messageText(finding));
+        case FindingKind::late:
+            return isSv(finding) ? fmt::format("smpCnt {} came late, {} was due", found, expected)
+                                 : fmt::format("{} came late, after stNum {}", messageText(finding),
+                                               expected);
+        case FindingKind::counterRestart:
+            return isSv(finding)
+                       ? fmt::format(
+                             "smpCnt goes on with {}, {} was due: nothing is missing, the "
+                             "publisher began anew or its clock was set",
+                             found, expected)
+                       : fmt::format("stNum went back from {} to {}: the publisher began anew",
+                                     expected, found);
+        default:
+            return fmt::format("{} came again, long after: stNum {} was there already",
+                               messageText(finding), expected);
+    }
+}
+
+/// "channel 1 (Ia)"; from 1, as everywhere.
+std::string FindingText::channelText(std::size_t stream, std::size_t channel) {
+    auto const [known, isNew] = channels_.try_emplace(stream);
+    if (isNew) {
+        try {
+            for (StreamLayout const& layout : findLayouts(index_, index_.streams()[stream])) {
+                if (layout.found.layout && known->second.empty()) {
+                    for (ChannelMeaning const& meaning : meaningsOf(*layout.found.layout)) {
+                        known->second.push_back(meaning.name);
+                    }
+                }
+            }
+        } catch (std::system_error const&) {
+            known->second.clear();  // numbers say enough
+        }
+    }
+    std::string const name =
+        channel < known->second.size() ? fmt::format(" ({})", known->second[channel]) : "";
+    return fmt::format("channel {}{}", channel + 1, name);
+}
+
+std::string FindingText::qualityChangeText(Finding const& finding) {
+    std::string of;
+    if (isSv(finding) && finding.stream && !finding.member.empty()) {
+        of = channelText(*finding.stream, finding.member.front());
+    } else {
+        std::vector<std::uint32_t> numbers = finding.member;
+        std::for_each(numbers.begin(), numbers.end(), [](std::uint32_t& number) { ++number; });
+        of = fmt::format("member {}", fmt::join(numbers, "."));
+    }
+    return fmt::format("quality of {} {}", of, changeText(finding));
+}
+
+std::string FindingText::what(Finding const& finding) {
+    switch (finding.kind) {
+        case FindingKind::sampleGap:
+        case FindingKind::sqNumGap:
+        case FindingKind::stateGap:
+        case FindingKind::stateStartMissing:
+            return gapText(finding);
+        case FindingKind::repeated:
+        case FindingKind::late:
+        case FindingKind::counterRestart:
+        case FindingKind::replay:
+            return ofCounters(finding);
+        case FindingKind::twoPublishers:
+            return twoPublishersText(finding);
+        case FindingKind::changedWithoutState:
+            return fmt::format("data changed, stNum stayed {}", stNumOf(finding));
+        case FindingKind::stateWithoutChange:
+            return fmt::format("stNum went up to {}, no value or quality changed",
+                               stNumOf(finding));
+        case FindingKind::timeWithoutState:
+            return fmt::format("t {}, stNum stayed {}", changeText(finding), stNumOf(finding));
+        case FindingKind::timeUnchanged:
+            return fmt::format("stNum went up to {}, t stayed {}", stNumOf(finding),
+                               foundText(finding));
+        case FindingKind::expired:
+            return expiredText(finding);
+        case FindingKind::timeAllowedtoLiveZero:
+            return "timeAllowedtoLive is 0: receivers cannot supervise the stream";
+        case FindingKind::timeAllowedtoLiveChanged:
+            return fmt::format("timeAllowedtoLive went from {} to {}",
+                               millisecondsText(finding.expected), millisecondsText(finding.found));
+        case FindingKind::silent:
+            return finding.place
+                       ? fmt::format("nothing for {}, though smpCnt shows no gap",
+                                     pauseText(finding))
+                       : fmt::format("nothing for the last {} of the captures", pauseText(finding));
+        case FindingKind::jitter:
+            return jitterText(finding);
+        case FindingKind::timeAhead:
+            return fmt::format("t is {} later than arrival: one of the clocks is wrong",
+                               durationText(timeIn(finding.expected), timeIn(finding.found)));
+        case FindingKind::confRevChanged:
+            return fmt::format("confRev {}: the publisher was configured anew",
+                               changeText(finding));
+        case FindingKind::dataSetChanged:
+            return dataSetText(finding);
+        case FindingKind::rateChanged:
+            return fmt::format("samples a second {}", changeText(finding));
+        case FindingKind::grandmasterChanged:
+            return fmt::format("the grandmaster clock {}", changeText(finding));
+        case FindingKind::simulationBegan:
+            return "packets are simulated from here on";
+        case FindingKind::simulationEnded:
+            return "packets are not simulated any more";
+        case FindingKind::simulationContradicts:
+            return fmt::format("the header says {}, the element of the message {}",
+                               simulationText(finding.expected), simulationText(finding.found));
+        case FindingKind::needsCommissioning:
+            return "ndsCom is set: the control block is not configured in full";
+        case FindingKind::entriesDiffer:
+            return fmt::format(
+                "numDatSetEntries is {}, but the data set has {}", expectedText(finding),
+                plural(static_cast<std::uint64_t>(numberIn(finding.found)), "member"));
+        case FindingKind::synchLost:
+            return fmt::format("smpSynch fell from {} to {}", synchText(finding.expected),
+                               synchText(finding.found));
+        case FindingKind::synchRegained:
+            return fmt::format("smpSynch rose from {} to {}", synchText(finding.expected),
+                               synchText(finding.found));
+        case FindingKind::clockFailure:
+            return fmt::format("{} says that its clock has failed", stampOf(finding));
+        case FindingKind::clockNotSynchronized:
+            return fmt::format("{} says that its clock is not synchronized", stampOf(finding));
+        case FindingKind::qualityChanged:
+            return qualityChangeText(finding);
+        case FindingKind::copyMissing:
+            return fmt::format("came over {} alone: the copy over the other way is missing",
+                               laneOf(finding));
+        case FindingKind::copyDiffers:
+            return "the two copies of a frame have different contents";
+        case FindingKind::copyExtra:
+            return fmt::format("came more than once over {}", laneOf(finding));
+        case FindingKind::wrongLan:
+            return fmt::format("both copies say LAN {}: one came over the wrong LAN",
+                               laneOf(finding));
+        case FindingKind::trailerInvalid:
+            return "the PRP trailer has a size that does not fit the frame";
+        case FindingKind::captureGap:
+            return fmt::format("all streams pause for {} and lack what should have come, {} in all",
+                               pauseText(finding), plural(finding.lost, "packet"));
+        case FindingKind::captureDropped:
+            return fmt::format("the capture says that it lost {}", plural(finding.lost, "packet"));
+        case FindingKind::clockStep:
+            return fmt::format("the clock of the capture was set {} by {}",
+                               numberIn(finding.found) < 0 ? "back" : "ahead",
+                               durationText(std::int64_t{0}, numberIn(finding.found)));
+        case FindingKind::recordsCut:
+            return fmt::format("a snap length cut {}", plural(finding.count, "frame"));
+        case FindingKind::fileEndsInRecord:
+            return fmt::format("the file ends inside a record: {} of its {} octets are there",
+                               foundText(finding), expectedText(finding));
+        case FindingKind::unreadable:
+            break;
+    }
+    return fmt::format("{} frame that cannot be read: {}", protocolText(finding),
+                       reasonText(finding.reason.value_or(UnreadReason::noPdu)));
+}
+
+Cell valueCell(Finding const& finding, FindingValue const& value) {
+    if (std::holds_alternative<std::monostate>(value)) {
+        return {};
+    }
+    if (auto const* const number = std::get_if<std::int64_t>(&value);
+        number != nullptr && finding.kind != FindingKind::qualityChanged) {
+        return *number;
+    }
+    if (auto const* const number = std::get_if<double>(&value)) {
+        return *number;
+    }
+    return valueText(finding, value);
+}
+
+}  // namespace TalIec61850Tools

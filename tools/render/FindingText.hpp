@@ -1,0 +1,44 @@
+#pragma once
+
+#include <TalIec61850Analysis/supervision/Finding.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/output/Cell.hpp"
+
+namespace TalIec61850Tools {
+
+/// Findings in words.
+class FindingText {
+public:
+    /// @param index  of the findings; must outlive this
+    explicit FindingText(TalIec61850Analysis::TrafficIndex const& index) : index_(index) {}
+
+    /// One sentence, without the name of the stream. Names in it are as they are in the frames.
+    [[nodiscard]] std::string sentence(TalIec61850Analysis::Finding const& finding);
+
+private:
+    [[nodiscard]] std::string what(TalIec61850Analysis::Finding const& finding);
+    [[nodiscard]] std::string ofCounters(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string gapText(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string messageText(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::uint32_t stNumOf(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] char laneOf(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string qualityChangeText(TalIec61850Analysis::Finding const& finding);
+    [[nodiscard]] std::string channelText(std::size_t stream, std::size_t channel);
+
+    TalIec61850Analysis::TrafficIndex const& index_;
+    /// By stream: the names of its channels; empty where none are known.
+    std::map<std::size_t, std::vector<std::string>> channels_;
+};
+
+/// A value that was expected or found, for other programs: a number, a text, or nothing.
+/// @param value  `expected` or `found` of the finding
+[[nodiscard]] Cell valueCell(TalIec61850Analysis::Finding const& finding,
+                             TalIec61850Analysis::FindingValue const& value);
+
+}  // namespace TalIec61850Tools
