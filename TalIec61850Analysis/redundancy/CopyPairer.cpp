@@ -175,14 +175,7 @@ JudgedFrame CopyPairer::judgedOf(CopyGroup const& group) const {
     std::size_t const way = a > 0 ? kWayA : kWayB;
     std::size_t const other = 1 - way;
     bool const isOneWay = a == 0 || b == 0;
-    // Two taps of one LAN each are not asked for the other LAN of a frame.
-    auto const total = static_cast<std::size_t>(
-        std::count_if(group.copies.begin(), group.copies.end(),
-                      [&](FrameCopy const& copy) { return copy.way == way; }));
-    bool const isOfSplitTaps =
-        std::all_of(group.copies.begin(), group.copies.end(),
-                    [&](FrameCopy const& copy) { return clocks_[copy.file].way.has_value(); });
-    std::size_t const ofWay = isOfSplitTaps && isOneWay ? total : std::max(a, b);
+    std::size_t const ofWay = std::max(a, b);
 
     JudgedFrame judged;
     judged.redundancy = group.redundancy;

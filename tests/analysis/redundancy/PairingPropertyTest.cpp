@@ -12,7 +12,7 @@ namespace {
 
 using namespace TalIec61850Analysis;
 
-constexpr std::size_t kSentFrames = 1500;
+constexpr std::size_t kSentFrames = 900;
 
 /// What was done to frames.
 struct DoneToCopies {

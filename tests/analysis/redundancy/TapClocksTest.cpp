@@ -141,6 +141,24 @@ TEST(Taps, WithAWrongLanAmongThemAreStillOfOneLanEach) {
     EXPECT_EQ(paired.faultLines(), FaultLines{"wrongLan A #1000"});
 }
 
+TEST(Taps, OfOneLanThatAreTwoAreNoWrongLan) {
+    WireFrames frames = tapped(sendBoth({}));
+    lose(frames, 'B', 1000);
+    WireFrames more;
+    for (WireFrame const& frame : frames) {
+        if (frame.way == 'A') {
+            more.push_back(frame);
+            more.back().file = 2;
+            more.back().time += 7 * kMicrosecond;
+        }
+    }
+    frames.insert(frames.end(), more.begin(), more.end());
+    auto const paired = pairIn(capturesOf(frames, {0, kWholeSecond, 0}));
+    EXPECT_EQ(paired.counts().both, 1999U);
+    EXPECT_EQ(paired.counts().onlyA, 1U);
+    EXPECT_EQ(paired.faultLines(), FaultLines{"copyMissing B #1000"});
+}
+
 TEST(Taps, OfOneCaptureThatOverlapCountEachFrameOnce) {
     WireFrames frames = sendBoth({.frames = 3000});
     WireFrames again;
