@@ -104,6 +104,57 @@ TEST(Follow, WritesATableWhoseRowsAreNotHeldBack) {
     EXPECT_EQ(linesOf(result.out).size(), 4U) << result.out;
 }
 
+TEST(FollowedCheck, TellsAFindingAsItHappens) {
+    // Two messages are missing between the two captures; the second one is longer, so that the
+    // finding is not at its end.
+    TempDir const folder;
+    TempDir const other;
+    folder.write("ring1.pcap", messages(0, 4));
+    auto const second = other.write("next.pcap", messages(6, 40));
+    // The fault at the start is told first.
+    auto const result = runAndThen(
+        "check -F --limit 2 --idle 5s -f csv --columns finding,lost,file \"$1\"", 2,
+        "cp \"$2\" \"$1\"/ring2.pcap", folder.path(), second);
+    auto const lines = linesOf(result.out);
+    ASSERT_EQ(lines.size(), 3U) << result.out << result.err;
+    EXPECT_EQ(lines[0], "finding,lost,file");
+    EXPECT_EQ(lines[2], "sqNumGap,2," + folder.file("ring2.pcap"));
+}
+
+TEST(FollowedCheck, TellsWhatCheckTellsOfAWholeCapture) {
+    TrafficCapture capture;
+    for (std::uint64_t i = 0; i < 200; ++i) {
+        GooseMessage message;
+        message.stNum = i < 100 ? 1 : 3;
+        message.sqNum = i < 100 ? i : i - 100;
+        capture.addAt(i * 1'000'000, gooseFrame(Ethernet(), message));
+    }
+    TempFile const file(capture.bytes());
+    for (std::vector<std::string> const& options :
+         {std::vector<std::string>{}, {"--kind", "stateGap"}, {"--severity", "error"},
+          {"--gocbref", "none*"}, {"--from", "+150ms"}}) {
+        std::vector<std::string> const common{"-f", "csv", "--columns",
+                                              "time,finding,lost,position"};
+        auto const all = joined(joined({"check"}, options), joined(common, {file.path()}));
+        auto const followed = joined(joined({"check", "-F", "--idle", "20ms"}, options),
+                                     joined(common, {file.path()}));
+        auto const expected = runCompanion(all);
+        auto const result = runCompanion(followed);
+        EXPECT_EQ(result.out, expected.out) << testing::PrintToString(options);
+        EXPECT_EQ(result.status, expected.status) << testing::PrintToString(options);
+    }
+}
+
+TEST(FollowedCheck, FailsOnWhatCheckFailsOn) {
+    TempDir const folder;
+    auto const path = folder.write("bay1.pcap", messages(0, 3));
+    EXPECT_EQ(runCompanion({"check", "-F", "--idle", "20ms", "--fail-on", "none", path}).status, 0);
+    expectUsageError({"check", "-F", "--summary", path});
+    expectUsageError({"check", "-F", "-"});
+    EXPECT_EQ(
+        runCompanion({"check", "-F", "--idle", "20ms", folder.file("x.pcap")}).status, 2);
+}
+
 TEST(Follow, SaysWhatWasNeverThere) {
     TempDir const folder;
     auto const result =

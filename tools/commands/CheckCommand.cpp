@@ -5,7 +5,6 @@
 #include <CLI/CLI.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -15,8 +14,10 @@
 #include <vector>
 
 #include "tools/commands/CommandRun.hpp"
+#include "tools/commands/FollowCheck.hpp"
 #include "tools/commands/IndexTraffic.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
+#include "tools/commands/WantedFindings.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/CheckOptions.hpp"
 #include "tools/options/ChosenColumns.hpp"
@@ -34,7 +35,6 @@ using TalIec61850Analysis::Severity;
 using TalIec61850Analysis::StreamKey;
 using TalIec61850Analysis::StreamSummary;
 using TalIec61850Analysis::SupervisionOptions;
-using TalIec61850Analysis::TimeWindow;
 using TalIec61850Analysis::TrafficIndex;
 using TalIec61850Analysis::TrafficStream;
 
@@ -64,6 +64,10 @@ std::string checkNotes() {
                "the captures themselves are left out; all streams are witnesses all the same. "
                "--summary has a row for each stream: figures of the whole captures, and counts of "
                "the findings that are selected.") +
+           "\n" +
+           paragraph(std::string(kFollowNotes) +
+                     " Findings are told about a second after the packet that shows them, since "
+                     "what is missing may be late.") +
            "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
            paragraph("The fields of json and csv: " + fields + ". With --summary: " + figures +
                      ".");
@@ -79,18 +83,6 @@ std::string withCommas(std::uint64_t count) {
     return text;
 }
 
-/// How many findings there are of each severity.
-struct SeverityCounts {
-    std::uint64_t errors = 0;
-    std::uint64_t warnings = 0;
-    std::uint64_t notes = 0;
-
-    void add(Severity severity) {
-        ++(severity == Severity::error ? errors : severity == Severity::warning ? warnings : notes);
-    }
-    [[nodiscard]] std::uint64_t all() const { return errors + warnings + notes; }
-};
-
 /// Checks the captures of a run.
 class Check {
 public:
@@ -99,14 +91,14 @@ public:
           run_(options.common),
           // Streams that are not selected are witnesses.
           index_(indexTraffic(run_, {}, options.common.jobs)),
-          window_(options.window.resolve(spanOf(index_))),
+          wanted_(options, options.window.resolve(spanOf(index_))),
           counts_(index_.streams().size()) {
         reportFaults(run_, index_);
         for (auto const& capture : run_.captures()) {
             files_.push_back(capture.name);
         }
         for (TrafficStream const& stream : index_.streams()) {
-            areWatched_.push_back(isWatched(stream));
+            areWatched_.push_back(wanted_.isWatched(index_, stream));
         }
     }
 
@@ -126,43 +118,14 @@ public:
     }
 
 private:
-    [[nodiscard]] bool isWatched(TrafficStream const& stream) const {
-        if (!options_.criteria.admitKey(stream.key)) {
-            return false;
-        }
-        return std::any_of(stream.parts.begin(), stream.parts.end(), [&](auto const& part) {
-            return std::any_of(part.changes.begin(), part.changes.end(), [&](auto const& change) {
-                return options_.criteria.admitAttributes(index_.attributes(part, change));
-            });
-        });
-    }
-
-    [[nodiscard]] bool areStreamsSelected() const { return options_.criteria != PacketCriteria(); }
-
-    [[nodiscard]] bool isWanted(Finding const& finding) const {
-        if (!options_.admit(finding) || (!finding.stream && areStreamsSelected())) {
-            return false;
-        }
-        if (finding.from == TalIec61850Analysis::kNoTime) {
-            return options_.window.isEmpty();
-        }
-        CaptureTime const time{std::chrono::nanoseconds(finding.from)};
-        return (!window_.from || time >= *window_.from) && (!window_.to || time <= *window_.to);
-    }
-
     void supervise() {
-        SupervisionOptions options;
-        if (areStreamsSelected()) {
+        SupervisionOptions options = wanted_.supervision();
+        if (wanted_.areStreamsSelected()) {
             options.watches = [this](StreamKey const& key) {
                 auto const number = index_.find(key) - index_.streams().data();
                 return areWatched_[static_cast<std::size_t>(number)];
             };
         }
-        if (options_.jitter) {
-            options.jitter = options_.jitter->count();
-        }
-        options.withSamples = options_.withSamples;
-        options.jobs = options_.common.jobs;
         auto const take = [this](Finding const& finding) { this->take(finding); };
         try {
             if (options_.isSummary) {
@@ -179,12 +142,12 @@ private:
     }
 
     void take(Finding const& finding) {
-        if (!isWanted(finding)) {
+        if (!wanted_.isWanted(finding)) {
             ++others_;
             return;
         }
         Severity const severity = finding.severity();
-        isFailure_ = isFailure_ || (options_.failOn && severity >= *options_.failOn);
+        isFailure_ = isFailure_ || wanted_.failsOn(severity);
         found_.add(severity);
         if (finding.stream) {
             streams_.insert(*finding.stream);
@@ -267,7 +230,7 @@ private:
     CheckOptions const& options_;
     CommandRun run_;
     TrafficIndex index_;
-    TimeWindow window_;
+    WantedFindings wanted_;
     std::vector<std::string> files_;
     /// By stream.
     std::vector<bool> areWatched_;
@@ -291,6 +254,10 @@ ExitStatus runCheck(CheckOptions const& options) {
     } else {
         static_cast<void>(chooseColumns(findingLayout(), options.common.columns));
     }
+    options.follow.check(options.common);
+    if (options.follow.isOn) {
+        return followCheck(options);
+    }
     Check check(options);
     return check.write();
 }
@@ -305,6 +272,7 @@ void addCheckCommand(ProgramDefinition& program, Action& chosen) {
     command.notes = checkNotes();
     command.examples = {"tal-iec61850 check --severity warning bay1.pcap bay2.pcap",
                         "tal-iec61850 check --summary captures/",
+                        "tal-iec61850 check --follow -f json ring/",
                         "tal-iec61850 check -q --kind sampleGap --svid MU01 -f json bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runCheck(*options); }; });

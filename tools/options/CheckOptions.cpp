@@ -88,6 +88,7 @@ void addCheckOptions(CommandDefinition& command, CheckOptions& options) {
             "--no-samples", [&options] { options.withSamples = false; },
             "Leave out what only the ASDUs of SV tell: qualities, sizes of seqData, clocks; faster")
         ->group(kFindingsGroup);
+    addFollowOptions(command, options.follow);
     addWindowOptions(command, options.window);
     addContentOptions(command, options.criteria);
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/options/CommonOptions.hpp"
+#include "tools/options/FollowOptions.hpp"
 #include "tools/options/WindowOptions.hpp"
 #include "tools/selection/PacketCriteria.hpp"
 
@@ -31,6 +32,8 @@ struct CheckOptions {
     bool isSummary = false;
     /// The least that the program fails on; not set for nothing.
     std::optional<TalIec61850Analysis::Severity> failOn = TalIec61850Analysis::Severity::error;
+
+    FollowOptions follow;
 
     /// Whether a finding is wanted, by its kind and severity.
     [[nodiscard]] bool admit(TalIec61850Analysis::Finding const& finding) const;

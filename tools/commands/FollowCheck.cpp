@@ -1,0 +1,124 @@
+#include "tools/commands/FollowCheck.hpp"
+
+#include <TalIec61850Analysis/supervision/LiveSupervision.hpp>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tools/commands/CommandRun.hpp"
+#include "tools/commands/FollowCaptures.hpp"
+#include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/WantedFindings.hpp"
+#include "tools/input/FollowedCaptures.hpp"
+#include "tools/options/ChosenColumns.hpp"
+#include "tools/options/UsageError.hpp"
+#include "tools/output/Plural.hpp"
+#include "tools/render/CaptureText.hpp"
+#include "tools/render/FindingLayout.hpp"
+
+namespace TalIec61850Tools {
+
+using TalIec61850Analysis::Finding;
+using TalIec61850Analysis::LiveSupervision;
+using TalIec61850Analysis::TrafficIndex;
+
+namespace {
+
+/// Writes rows of what goes wrong.
+class FindingLines {
+public:
+    FindingLines(CommandRun& run, CheckOptions const& options)
+        : run_(run),
+          options_(options),
+          supervision_(WantedFindings(options, {}).supervision()),
+          writer_(run.rowWriter(chooseColumns(findingLayout(), options.common.columns))) {}
+
+    /// @return whether more may be written
+    bool write(std::vector<AddedTraffic>&& added) {
+        TrafficIndex index;
+        for (AddedTraffic& each : added) {
+            index.merge(std::move(each.index));
+        }
+        if (!wanted_ && !index.files().empty()) {
+            // What the window is relative to does not change any more.
+            wanted_.emplace(options_, options_.window.resolve(spanOf(index)));
+        }
+        supervise([&](auto const& sink) { supervision_.add(std::move(index), sink); });
+        writer_.flush();
+        return !isFull();
+    }
+
+    void finish() {
+        supervise([&](auto const& sink) { supervision_.finish(sink); });
+        writer_.finish();
+    }
+
+    [[nodiscard]] bool isFailure() const { return isFailure_; }
+
+private:
+    [[nodiscard]] bool isFull() const { return options_.limit && count_ >= *options_.limit; }
+
+    /// @param call  with a sink of findings
+    template <typename Call>
+    void supervise(Call const& call) {
+        try {
+            call([this](Finding const& finding) { take(finding); });
+        } catch (OutputError const&) {
+            throw;
+        } catch (std::system_error const& error) {
+            run_.complainOf(plural(supervision_.index().files().size(), "file"),
+                            faultText(error.code()));
+        }
+    }
+
+    void take(Finding const& finding) {
+        TrafficIndex const& index = supervision_.index();
+        bool const isOfWatched =
+            !finding.stream || wanted_->isWatched(index, index.streams()[*finding.stream]);
+        if (!isOfWatched || !wanted_->isWanted(finding)) {
+            return;
+        }
+        isFailure_ = isFailure_ || wanted_->failsOn(finding.severity());
+        if (isFull()) {
+            return;
+        }
+        std::vector<std::string> names;
+        for (auto const& file : index.files()) {
+            names.push_back(file.summary.path);
+        }
+        FindingText words(index);
+        writer_.write({.finding = &finding, .index = &index, .words = &words, .files = &names});
+        ++count_;
+    }
+
+    CommandRun& run_;
+    CheckOptions const& options_;
+    LiveSupervision supervision_;
+    RowWriter<FindingRow> writer_;
+    /// Set when there is something.
+    std::optional<WantedFindings> wanted_;
+    std::uint64_t count_ = 0;
+    bool isFailure_ = false;
+};
+
+}  // namespace
+
+ExitStatus followCheck(CheckOptions const& options) {
+    if (options.isSummary) {
+        throw UsageError("--follow tells findings; --summary does not go with it");
+    }
+    CommandRun run = CommandRun::following(options.common);
+    FollowedCaptures captures(options.common.files, {});
+    FindingLines lines(run, options);
+    followCaptures(
+        run, options.follow, FollowPace::steady, captures,
+        [&](std::vector<AddedTraffic>&& added) { return lines.write(std::move(added)); });
+    lines.finish();
+    ExitStatus const status = run.finish();
+    return lines.isFailure() ? ExitStatus::findings : status;
+}
+
+}  // namespace TalIec61850Tools
