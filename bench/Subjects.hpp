@@ -44,6 +44,9 @@ void measureTraffic(Settings const& settings);
 /// Columns of samples, against reading the file and against indexing it.
 void measureSamples(Settings const& settings);
 
+/// Supervision and events, with indexing the capture, against indexing alone.
+void measureChecks(Settings const& settings);
+
 /// Judging a single frame, against copying it; and what it allocates.
 void measureJudge(Settings const& settings);
 

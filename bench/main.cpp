@@ -34,7 +34,7 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 12> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 13> subjects = {{
     {"index", measureIndexes},
     {"ahead", measureAhead},
     {"growth", measureGrowth},
@@ -44,6 +44,7 @@ constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 12>
     {"files", measureFiles},
     {"traffic", measureTraffic},
     {"samples", measureSamples},
+    {"check", measureChecks},
     {"judge", measureJudge},
     {"memory", measureMemory},
     {"hostile", measureHostile},

@@ -61,4 +61,7 @@ void writeSampleSeeds(Seeds seeds);
 /// For fuzz-queries: lists of packets, and windows.
 void writeQuerySeeds(Seeds seeds);
 
+/// For fuzz-supervision: short traffic with a fault.
+void writeSupervisionSeeds(Seeds seeds);
+
 }  // namespace TalFuzz

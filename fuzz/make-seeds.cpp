@@ -24,6 +24,7 @@ int main(int argc, char** argv) try {
     TalFuzz::writePositionSeeds(Seeds(folder / "fuzz-positions"));
     TalFuzz::writeQuerySeeds(Seeds(folder / "fuzz-queries"));
     TalFuzz::writeRedundancySeeds(Seeds(folder / "fuzz-redundancy"));
+    TalFuzz::writeSupervisionSeeds(Seeds(folder / "fuzz-supervision"));
     TalFuzz::writeSampleSeeds(Seeds(folder / "fuzz-samples"));
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-traffic"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-values"));
