@@ -41,7 +41,8 @@ void requireSound(TrafficIndex const& index, Finding const& finding) {
     requirePlace(index, finding, finding.before);
     require(finding.count > 0, "it was met");
     bool const isLoss = finding.cause != LossCause::none;
-    require(!isLoss || finding.lost > 0, "what has a cause was lost");
+    require(!isLoss || finding.lost > 0 || finding.kind == FindingKind::copyMissing,
+            "what has a cause was lost");
     bool const isCertain = isLoss && finding.cause != LossCause::unknown;
     require(!isCertain || finding.count > 1 || finding.witness != LossWitness::none,
             "a cause has a witness");

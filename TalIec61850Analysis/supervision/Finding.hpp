@@ -95,6 +95,7 @@ enum class LossWitness : std::uint8_t {
     otherStreamsRanOn,  ///< packets of other streams came meanwhile, in sequence
     redundancyGap,      ///< the redundancy numbers of the source have a gap, others do not
     redundancyRanOn,    ///< the redundancy numbers of the source have no gap
+    otherCopy,          ///< the copy over the other LAN or lane is there
 };
 
 /// A value that was expected or found.
@@ -136,7 +137,7 @@ struct Finding {
     FindingValue expected;
     /// What came.
     FindingValue found;
-    /// Who lost what is missing.
+    /// Who lost what is missing; of copyMissing, who lost the copy.
     LossCause cause = LossCause::none;
     /// What tells the cause.
     LossWitness witness = LossWitness::none;

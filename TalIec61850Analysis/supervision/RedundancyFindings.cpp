@@ -41,6 +41,9 @@ Finding findingOf(TrafficIndex const& index, RedundancyFault const& fault) {
         case RedundancyFaultKind::copyMissing:
             finding.expected = wayText(fault.lane);
             finding.found = wayText(otherLane);
+            finding.cause = LossCause::network;
+            finding.witness = LossWitness::otherCopy;
+            finding.witnessFrames = fault.count;
             break;
         case RedundancyFaultKind::wrongLan:
             finding.expected = wayText(otherLane);

@@ -65,6 +65,7 @@ std::vector<std::uint32_t> joinAttributes(std::vector<StreamAttributes>& first,
         static_cast<void>(table.numberOf(each));
     }
     std::vector<std::uint32_t> numbers;
+    numbers.reserve(second.size());
     for (StreamAttributes const& each : second) {
         numbers.push_back(table.numberOf(each));
     }

@@ -20,7 +20,6 @@
 
 namespace TalIec61850Tools {
 
-using TalIec61850Analysis::FrameHeader;
 using TalIec61850Analysis::RecordView;
 using TalIec61850Analysis::StreamKey;
 using TalIec61850Analysis::TimeWindow;

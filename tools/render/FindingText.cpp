@@ -136,6 +136,7 @@ std::string witnessText(Finding const& finding) {
                                            : fmt::format("{} redundancy numbers are", frames));
         case LossWitness::redundancyRanOn:
             return ": the redundancy numbers of the source have no gap";
+        case LossWitness::otherCopy:  // the sentence says so
         case LossWitness::none:
             break;
     }
@@ -456,8 +457,13 @@ std::string FindingText::what(Finding const& finding) {
         case FindingKind::qualityChanged:
             return qualityChangeText(finding);
         case FindingKind::copyMissing:
-            return fmt::format("came over {} alone: the copy over the other way is missing",
-                               laneOf(finding));
+            return finding.count == 1
+                       ? fmt::format("came over {} alone: the copy over the other way is missing",
+                                     laneOf(finding))
+                       : fmt::format(
+                             "{} frames came over {} alone: the copies over the other way are "
+                             "missing",
+                             finding.count, laneOf(finding));
         case FindingKind::copyDiffers:
             return "the two copies of a frame have different contents";
         case FindingKind::copyExtra:

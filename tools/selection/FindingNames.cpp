@@ -63,9 +63,10 @@ static_assert(kKinds.size() == static_cast<std::size_t>(FindingKind::unreadable)
 constexpr std::array<std::string_view, 3> kSeverities = {"note", "warning", "error"};
 constexpr std::array<std::string_view, 5> kCauses = {"none", "unknown", "capture", "network",
                                                      "publisher"};
-constexpr std::array<std::string_view, 6> kWitnesses = {
-    "none",          "dropCounts",     "otherStreamsLost", "otherStreamsRanOn",
-    "redundancyGap", "redundancyRanOn"};
+constexpr std::array<std::string_view, 7> kWitnesses = {
+    "none",          "dropCounts",      "otherStreamsLost", "otherStreamsRanOn",
+    "redundancyGap", "redundancyRanOn", "otherCopy"};
+static_assert(kWitnesses.size() == static_cast<std::size_t>(LossWitness::otherCopy) + 1);
 
 template <typename Value, std::size_t Size>
 std::optional<Value> valueCalled(std::array<std::string_view, Size> const& names,

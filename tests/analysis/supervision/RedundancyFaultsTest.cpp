@@ -49,7 +49,7 @@ TEST(RedundancyFaults, AreCopiesThatAreMissing) {
     loseCopies(station, 'B', 4000, 1);
     loseCopies(station, 'A', 5000, 8);
     EXPECT_EQ(foundIn(station),
-              (Lines{"copyMissing MU01 #4000", "copyMissing MU01 #5000 count 8"}));
+              (Lines{"copyMissing MU01 #4000 network", "copyMissing MU01 #5000 count 8 network"}));
     auto const captures = station.captures();
     Finding const finding = findingsIn(captures).front();
     EXPECT_EQ(finding.severity(), Severity::error);
@@ -137,7 +137,7 @@ TEST(RedundancyFaults, AreJoinedWhereTheyAreMany) {
                frame.number % 2 == 0;
     });
     auto const lines = foundIn(station);
-    EXPECT_EQ(lines, Lines{"copyMissing MU01 #2000 count 2000"});
+    EXPECT_EQ(lines, Lines{"copyMissing MU01 #2000 count 2000 network"});
 }
 
 }  // namespace
