@@ -133,6 +133,11 @@ TEST(FindingSentence, IsOneForAPublisherThatBeganAnew) {
     station.changeGooseFrom(0, 10, [](GooseMessage& message) { message.stNum = 1; });
     EXPECT_EQ(sentencesOf(station, "counterRestart"),
               Sentences{"stNum went back from 9 to 1: the publisher began anew"});
+    FaultyStation first;
+    first.add(GoosePlan{.firstState = 1, .firstMessage = 100, .states = {10, 10}});
+    first.changeGooseFrom(0, 10, [](GooseMessage& message) { message.stNum = 1; });
+    EXPECT_EQ(sentencesOf(first, "counterRestart"),
+              Sentences{"sqNum went back from 109 to 0, stNum stayed 1: the publisher began anew"});
 }
 
 TEST(FindingSentence, IsOneForTwoPublishers) {

@@ -323,6 +323,21 @@ std::string FindingText::gapText(Finding const& finding) const {
                        foundText(finding), pause, causeText(finding));
 }
 
+/// Which counter of a message went back: a publisher may begin anew in the first state again.
+std::string FindingText::restartText(Finding const& finding) const {
+    if (finding.expected != finding.found || !finding.before) {
+        return fmt::format("stNum went back from {} to {}: the publisher began anew",
+                           expectedText(finding), foundText(finding));
+    }
+    auto const sqNumOf = [&](PacketRef packet) {
+        auto const& packets = index_.streams()[*finding.stream].parts[packet.part].packets;
+        return packets.sqNums()[packet.packet];
+    };
+    return fmt::format("sqNum went back from {} to {}, stNum stayed {}: the publisher began anew",
+                       sqNumOf(finding.before->packet), sqNumOf(finding.place->packet),
+                       foundText(finding));
+}
+
 std::string FindingText::ofCounters(Finding const& finding) const {
     std::string const expected = expectedText(finding);
     std::string const found = foundText(finding);
@@ -340,8 +355,7 @@ std::string FindingText::ofCounters(Finding const& finding) const {
                              "smpCnt goes on with {}, {} was due: nothing is missing, the "
                              "publisher began anew or its clock was set",
                              found, expected)
-                       : fmt::format("stNum went back from {} to {}: the publisher began anew",
-                                     expected, found);
+                       : restartText(finding);
         default:
             return fmt::format("{} came again, long after: stNum {} was there already",
                                messageText(finding), expected);

@@ -26,6 +26,7 @@ private:
     [[nodiscard]] std::string ofCounters(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string gapText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string messageText(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string restartText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::uint32_t stNumOf(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] char laneOf(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string qualityChangeText(TalIec61850Analysis::Finding const& finding);

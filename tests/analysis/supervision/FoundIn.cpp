@@ -80,8 +80,10 @@ struct WrittenCaptures {
 
 }  // namespace
 
+std::string kindName(FindingKind kind) { return kKinds.at(static_cast<std::size_t>(kind)); }
+
 std::string lineOf(Finding const& finding, FaultyStation const& station) {
-    std::string line = kKinds.at(static_cast<std::size_t>(finding.kind));
+    std::string line = kindName(finding.kind);
     StationFrame const* const at = frameOf(finding.place, station);
     StationFrame const* const before = frameOf(finding.before, station);
     if (StationFrame const* const any = at != nullptr ? at : before; any != nullptr) {

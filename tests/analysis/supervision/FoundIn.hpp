@@ -32,6 +32,9 @@ namespace TalTest {
     std::vector<Bytes> const& captures, TalIec61850Analysis::SupervisionOptions const& options = {},
     std::vector<TalIec61850Analysis::Finding>* findings = nullptr);
 
+/// The name of a kind of finding, as programs read it.
+[[nodiscard]] std::string kindName(TalIec61850Analysis::FindingKind kind);
+
 /// One finding in a line.
 [[nodiscard]] std::string lineOf(TalIec61850Analysis::Finding const& finding,
                                  FaultyStation const& station);
