@@ -134,6 +134,7 @@ void GooseSupervisor::process(GooseObservation const& message, FindingSink sink)
             isContentLast_ = isContentLast_ && message.isSame;
             if (!isOtherWay && !isExtraCopy(last_.sequence, message.sequence)) {
                 sink(finding(FindingKind::repeated, message));
+                checkRepeatedData(message, sink);
                 // It is in time for the ones after it.
                 checkExpiry(message, sink);
                 setDeadline(message);
@@ -163,8 +164,9 @@ void GooseSupervisor::begin(GooseObservation const& message, bool isRestart, Fin
         end(changed_, sink);
         end(retimed_, sink);
         Finding made = finding(FindingKind::counterRestart, message);
-        made.expected = std::int64_t{number_.stNum};
-        made.found = std::int64_t{message.stNum};
+        bool const isSameState = message.stNum == number_.stNum;
+        made.expected = isSameState ? std::int64_t{number_.sqNum} + 1 : std::int64_t{number_.stNum};
+        made.found = std::int64_t{isSameState ? message.sqNum : message.stNum};
         sink(made);
         if (message.sqNum > 1) {
             addGap(FindingKind::stateStartMissing, message, message.stNum, 1, message.sqNum,
@@ -446,6 +448,20 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
     isContentLast_ = true;
 }
 
+/// A message that came again with other data is another one, whatever its counters say. Its data
+/// are not kept.
+void GooseSupervisor::checkRepeatedData(GooseObservation const& message, FindingSink sink) {
+    auto const* const now = message.content;
+    if (isContentLast_ || now == nullptr || !now->allData || !content_.allData) {
+        return;
+    }
+    auto const compared =
+        compareData(*content_.allData, *now->allData, [](QualityChange const& /*change*/) {});
+    if (compared.isChanged && compared.isSameMake) {
+        lasting(changed_, true, FindingKind::changedWithoutState, message, sink);
+    }
+}
+
 void GooseSupervisor::keep(GooseContent const& content) {
     content_.datSet = content.datSet;
     content_.confRev = content.confRev;
@@ -478,8 +494,9 @@ void GooseSupervisor::checkFlags(GooseObservation const& message, FindingSink si
          std::int64_t{message.isSimulated ? 1 : 0}, std::int64_t{element ? 1 : 0});
     edge(isNeeding_, content->ndsCom.value_or(false), FindingKind::needsCommissioning, message,
          sink);
-    if (content->numDatSetEntries && content->allData) {
-        auto const members = static_cast<std::int64_t>(countMembers(*content->allData));
+    if (content->numDatSetEntries) {
+        auto const members =
+            static_cast<std::int64_t>(content->allData ? countMembers(*content->allData) : 0);
         edge(isOfOtherSize_, *content->numDatSetEntries != members, FindingKind::entriesDiffer,
              message, sink, *content->numDatSetEntries, members);
     }

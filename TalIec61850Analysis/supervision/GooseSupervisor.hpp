@@ -88,6 +88,7 @@ private:
     void settleGaps(bool areAll, FindingSink sink);
     void checkContent(GooseObservation const& message, bool isNewState, bool isNextState,
                       FindingSink sink);
+    void checkRepeatedData(GooseObservation const& message, FindingSink sink);
     void checkFlags(GooseObservation const& message, FindingSink sink);
     void checkTime(GooseObservation const& message, FindingSink sink);
     void checkLifetime(GooseObservation const& message, bool isNewState, FindingSink sink);

@@ -42,6 +42,7 @@ public:
     [[nodiscard]] TrafficIndex const& index() const noexcept { return index_; }
 
 private:
+    /// @cond
     /// How far a file is told of, in octets from its start.
     struct Progress {
         std::uint64_t told = 0;
@@ -53,6 +54,7 @@ private:
         std::uint64_t fileOffset = 0;
         std::int64_t time = 0;
     };
+    /// @endcond
 
     void tell(bool areAll, FindingSink sink);
     [[nodiscard]] bool isNew(Finding const& finding, bool areAll);

@@ -20,6 +20,7 @@
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/options/JobsOption.hpp"
+#include "tools/options/LimitOption.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
@@ -233,19 +234,7 @@ void addEventOptions(CommandDefinition& command, EventsOptions& options) {
         .group(kEventsGroup);
     addLengthOption(command, "--next-within", options.nextWithin,
                     "How long after an event another stream may be the next; 1s if not said");
-    command.parser
-        ->add_option_function<std::string>(
-            "--limit",
-            [&options](std::string const& text) {
-                auto const number = readNumber(text, 10, std::uint64_t{1} << 62U);
-                if (!number) {
-                    refuseValue("--limit", text, "a number of events");
-                }
-                options.limit = *number;
-            },
-            "Write the first N events at most")
-        ->option_text("N")
-        ->group(kEventsGroup);
+    addLimitOption(command, options.limit, kEventsGroup);
 }
 
 }  // namespace

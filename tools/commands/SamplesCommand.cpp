@@ -14,6 +14,7 @@
 #include "tools/commands/WantedSamples.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
+#include "tools/options/LimitOption.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/SampleOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
@@ -317,18 +318,7 @@ void addSamplesCommand(ProgramDefinition& program, Action& chosen) {
             [options](std::string const& text) { options->every = toPositive("--every", text); },
             "Each Nth row of a stream, from its first")
         ->option_text("N");
-    command.parser
-        ->add_option_function<std::string>(
-            "--limit",
-            [options](std::string const& text) {
-                auto const number = readNumber(text, 10, std::uint64_t{1} << 62U);
-                if (!number) {
-                    refuseValue("--limit", text, "a number of rows");
-                }
-                options->limit = *number;
-            },
-            "Write the first N rows at most")
-        ->option_text("N");
+    addLimitOption(command, options->limit);
     command.notes = samplesNotes();
     command.examples = {"tal-iec61850 samples --svid MU01 --around 10:00:00.28 bay1.pcap",
                         "tal-iec61850 samples --scaled --missing -f csv -o bay1.csv bay1.pcap",

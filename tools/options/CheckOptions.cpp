@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tools/options/JobsOption.hpp"
+#include "tools/options/LimitOption.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/selection/FindingNames.hpp"
@@ -66,19 +67,7 @@ void addCheckOptions(CommandDefinition& command, CheckOptions& options) {
                              "A row for each stream, in place of findings");
     addKinds(command, options);
     addSeverities(command, options);
-    command.parser
-        ->add_option_function<std::string>(
-            "--limit",
-            [&options](std::string const& text) {
-                auto const number = readNumber(text, 10, std::uint64_t{1} << 62U);
-                if (!number) {
-                    refuseValue("--limit", text, "a number of rows");
-                }
-                options.limit = *number;
-            },
-            "Write the first N rows at most")
-        ->option_text("N")
-        ->group(kFindingsGroup);
+    addLimitOption(command, options.limit, kFindingsGroup);
     addLengthOption(command, "--jitter", options.jitter,
                     "How far a frame of SV may be from its even course, such as 50us; half an "
                     "interval of its frames if not said",

@@ -325,17 +325,19 @@ std::string FindingText::gapText(Finding const& finding) const {
 
 /// Which counter of a message went back: a publisher may begin anew in the first state again.
 std::string FindingText::restartText(Finding const& finding) const {
-    if (finding.expected != finding.found || !finding.before) {
+    auto const columnsOf = [&](PacketRef packet) -> auto const& {
+        return index_.streams()[*finding.stream].parts[packet.part].packets;
+    };
+    auto const stNumAt = [&](PacketRef packet) {
+        return columnsOf(packet).stNums()[packet.packet];
+    };
+    if (!finding.before || stNumAt(finding.before->packet) != stNumAt(finding.place->packet)) {
         return fmt::format("stNum went back from {} to {}: the publisher began anew",
                            expectedText(finding), foundText(finding));
     }
-    auto const sqNumOf = [&](PacketRef packet) {
-        auto const& packets = index_.streams()[*finding.stream].parts[packet.part].packets;
-        return packets.sqNums()[packet.packet];
-    };
+    PacketRef const last = finding.before->packet;
     return fmt::format("sqNum went back from {} to {}, stNum stayed {}: the publisher began anew",
-                       sqNumOf(finding.before->packet), sqNumOf(finding.place->packet),
-                       foundText(finding));
+                       columnsOf(last).sqNums()[last.packet], foundText(finding), stNumAt(last));
 }
 
 std::string FindingText::ofCounters(Finding const& finding) const {

@@ -35,6 +35,22 @@ TEST(GooseFaults, FindsNothingInACleanStream) {
     EXPECT_EQ(foundIn(station), Lines());
 }
 
+TEST(GooseFaults, TellsDataThatDifferInAMessageThatCameAgain) {
+    auto station = gooseStation();
+    station.repeat(0, 25, kMillisecond);
+    auto& again = std::get<GooseMessage>(station.frames().back().message);
+    again.allData = station.goose(0, 45).allData;
+    EXPECT_EQ(foundIn(station), named({"repeated #25 after #25", "changedWithoutState #25 after #25"}));
+}
+
+TEST(GooseFaults, TellsEntriesOfWhichThereIsNone) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 0, [](GooseMessage& message) { message.allData.reset(); });
+    auto const lines = foundIn(station);
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.front(), named({"entriesDiffer #0"}).front());
+}
+
 TEST(GooseFaults, CountsMissingMessages) {
     auto station = gooseStation();
     station.drop(0, 5).drop(0, 30, 2);

@@ -56,7 +56,8 @@ TEST(RedundancyFaults, AreCopiesThatAreMissing) {
     EXPECT_EQ(textIn(finding.expected), "B");
     EXPECT_EQ(textIn(finding.found), "A");
     EXPECT_EQ(finding.protocol, StreamProtocol::sv);
-    EXPECT_EQ(finding.cause, LossCause::none);
+    EXPECT_EQ(finding.witness, LossWitness::otherCopy);
+    EXPECT_EQ(finding.witnessFrames, 1U);
 }
 
 TEST(RedundancyFaults, AreLossesWhereBothCopiesAreMissing) {
