@@ -83,10 +83,12 @@ TEST(CaptureFaults, TakesAPauseOfAllStreamsUpToASecondsStartForALoss) {
     FaultyStation station;
     station.add({.svID = "MU01", .frames = 8000});
     station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 8000, .start = 60'000});
+    station.add({.svID = "MU03", .source = "02:00:00:00:00:03", .frames = 8000, .start = 90'000});
     station.dropBetween(250 * kMillisecond, kSecond);
-    EXPECT_EQ(foundIn(station), (Lines{"captureGap MU01 #4000 after #999 lost 6000",
-                                       "sampleGap MU01 #4000 after #999 lost 3000",
-                                       "sampleGap MU02 #4000 after #999 lost 3000"}));
+    EXPECT_EQ(foundIn(station), (Lines{"captureGap MU01 #4000 after #999 lost 9000 capture",
+                                       "sampleGap MU01 #4000 after #999 lost 3000 capture",
+                                       "sampleGap MU02 #4000 after #999 lost 3000 capture",
+                                       "sampleGap MU03 #4000 after #999 lost 3000 capture"}));
 }
 
 TEST(CaptureFaults, TellsStepsOfItsClockByOneStream) {
@@ -118,7 +120,7 @@ TEST(CaptureFaults, TakesWholeSecondsForALossWhereTheOtherStreamHasEnded) {
     station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 1000, .start = 60'000});
     station.drop(0, 2000, 4000);
     EXPECT_EQ(foundIn(station),
-              (Lines{"silent MU02 end after #999", "sampleGap MU01 #6000 after #1999 lost 4000"}));
+              (Lines{"sampleGap MU01 #6000 after #1999 lost 4000", "silent MU02 end after #999"}));
 }
 
 TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
