@@ -54,6 +54,22 @@ TEST(LossCause, IsUnknownWhereTooLittleCameMeanwhile) {
     EXPECT_EQ(foundIn(two), (Lines{"sampleGap MU01 #1001 after #999 lost 1"}));
 }
 
+TEST(LossCause, IsTheNetworkWhereSomeOthersLoseAndOneRunsOn) {
+    auto station = threeUnits();
+    station.drop(0, 2000, 80).drop(1, 2000, 80);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #2080 after #1999 lost 80 network",
+                                       "sampleGap MU02 #2080 after #1999 lost 80 network"}));
+}
+
+TEST(LossCause, IsUnknownWhereOneOtherStreamAloneLosesToo) {
+    FaultyStation station;
+    station.add(SvPlan{});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .start = 60'000});
+    station.dropBetween(500 * kMillisecond, 520 * kMillisecond);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #2080 after #1999 lost 80",
+                                       "sampleGap MU02 #2080 after #1999 lost 80"}));
+}
+
 TEST(LossCause, IsUnknownWithOneStream) {
     FaultyStation station;
     station.add(SvPlan{});
