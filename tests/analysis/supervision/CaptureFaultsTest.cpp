@@ -123,6 +123,20 @@ TEST(CaptureFaults, TakesWholeSecondsForALossWhereTheOtherStreamHasEnded) {
               (Lines{"sampleGap MU01 #6000 after #1999 lost 4000", "silent MU02 end after #999"}));
 }
 
+TEST(CaptureFaults, TakesAWholeWrapOfACounterThatRunsFreelyForALoss) {
+    // Of a counter of two octets, in frames of eight samples: some 5.12 s.
+    FaultyStation station;
+    station.add({.rate = 12800, .asdus = 8, .frames = 10000});
+    for (StationFrame& frame : station.frames()) {
+        std::size_t number = frame.number * 8;
+        for (Asdu& asdu : std::get<SvMessage>(frame.message).asdus) {
+            asdu.smpCnt = Unsigned<2>(number++ % 65536);
+        }
+    }
+    station.drop(0, 1000, 8192);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #9192 after #999 lost 65536"}));
+}
+
 TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
     auto station = fullStation();
     station.stepClock(1200 * kMillisecond, -7 * kSecond);
