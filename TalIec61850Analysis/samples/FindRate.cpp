@@ -123,8 +123,10 @@ public:
     [[nodiscard]] FoundRate result(SampleRate given) const;
 
 private:
-    /// Half a second of packets, and some dozens at least.
-    static constexpr double kBlockTime = 0.5 * kNsPerSecond;
+    /// A quarter of a second of packets, and some dozens at least: so another rate is seen within a
+    /// second. What is left at the end may be half of that.
+    static constexpr double kBlockTime = 0.25 * kNsPerSecond;
+    static constexpr double kLastBlockTime = kBlockTime / 2;
     static constexpr std::uint32_t kBlockSteps = 32;
     /// Packets that are taken from the course at once: not more than a part of a block.
     static constexpr std::uint64_t kStrip = 512;
@@ -144,6 +146,9 @@ private:
     void addStep(SampleSteps const& step, std::uint32_t count);
     void measure(SampleSteps const& step, std::uint32_t count);
     void settleFirst();
+    [[nodiscard]] bool isBlock(double time) const {
+        return blockSteps_ >= kBlockSteps && block_.time >= time;
+    }
     /// @return whether the rate is another since some packet, which is the end then
     bool endBlock();
     [[nodiscard]] std::uint64_t findChange(double before, double after) const;
@@ -211,14 +216,16 @@ void RateWalk::run() {
         }
         packets_ += strip.count;
         addStrip(strip);
-        bool const isBlock = blockSteps_ >= kBlockSteps && block_.time >= kBlockTime;
-        if (isBlock && endBlock()) {
+        if (isBlock(kBlockTime) && endBlock()) {
             isMixed_ = true;
             return;
         }
     }
     closeFrame();
     settleFirst();
+    if (isBlock(kLastBlockTime)) {
+        isMixed_ = endBlock();
+    }
 }
 
 /// In a strip smpCnt goes on by one from packet to packet: only where frames begin and end is

@@ -1,3 +1,6 @@
+#include <TalIec61850Analysis/samples/FindRate.hpp>
+#include <TalIec61850Analysis/samples/PacketCourse.hpp>
+#include <TalIec61850Analysis/samples/SampleCounter.hpp>
 #include <TalIec61850Analysis/supervision/ClockSteps.hpp>
 #include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <algorithm>
@@ -23,9 +26,67 @@ struct WitnessPart {
     StreamPart const* part = nullptr;
 };
 
+/// How a stream counts in one file. Its rate is looked for when it is asked for: few files need it.
+class PartCount {
+public:
+    PartCount(TrafficIndex const& index, WitnessPart const& part) : index_(&index), of_(part) {}
+
+    /// Whether smpCnt begins again after this one: by the rate, where that is known; otherwise
+    /// after the largest one there is.
+    [[nodiscard]] bool isLast(std::uint32_t smpCnt) {
+        FoundRate const& found = rate();
+        std::uint64_t const count = std::uint64_t{smpCnt} + 1;
+        if (count == found.wrap) {
+            return true;
+        }
+        // A rate that is measured is right to 1 %; one that is exceeded has changed.
+        bool const mayBeOther = !found.rate.isKnown() || count > found.wrap ||
+                                (found.source == RateSource::arrival && !isFarBelow(count));
+        return mayBeOther && smpCnt == largest();
+    }
+
+    /// Whether arrival says that whole wraps of the counter were lost between two packets.
+    [[nodiscard]] bool areWrapsLost(std::size_t before, std::size_t after) {
+        PacketColumns const& packets = of_.part->packets;
+        SampleCounter counter(rate().countRule());
+        static_cast<void>(counter.add(packets.smpCnts()[before], packets.times()[before]));
+        std::int64_t const newest = counter.newest();
+        return counter.add(packets.smpCnts()[after], packets.times()[after]) == CountStep::next &&
+               counter.newest() > newest + 1;
+    }
+
+private:
+    [[nodiscard]] FoundRate const& rate() {
+        if (!rate_) {
+            TrafficStream const& stream = index_->streams()[of_.stream];
+            std::vector<bool> areWanted(stream.parts.size(), false);
+            areWanted[of_.number] = true;
+            rate_ = findRate(*index_, stream, PacketCourse(stream, areWanted), {});
+        }
+        return *rate_;
+    }
+    [[nodiscard]] std::uint32_t largest() {
+        if (!largest_) {
+            auto const smpCnts = of_.part->packets.smpCnts();
+            largest_ = *std::max_element(smpCnts.begin(), smpCnts.end());
+        }
+        return *largest_;
+    }
+    [[nodiscard]] bool isFarBelow(std::uint64_t count) {
+        return count * 100 < std::uint64_t{rate().wrap} * 99;
+    }
+
+    TrafficIndex const* index_;
+    WitnessPart of_;
+    std::optional<FoundRate> rate_;
+    std::optional<std::uint32_t> largest_;
+};
+
 /// A place where the time of one stream jumps, and its counter does not.
 struct Jump {
     WitnessPart of;
+    /// By which part it is told, in their order.
+    std::size_t witness = 0;
     std::uint32_t before = 0;
     std::uint32_t after = 0;
     std::uint64_t offsetBefore = 0;
@@ -61,12 +122,13 @@ std::optional<double> frameInterval(PacketColumns const& packets, std::size_t st
     return static_cast<double>(std::abs(time - packets.times()[start])) / frames;
 }
 
-/// Whether smpCnt goes on by one; it may begin again anywhere.
-bool isNextCount(std::uint32_t before, std::uint32_t after) {
-    return after == before + 1 || (after == 0 && before > 0);
+/// Whether smpCnt goes on by one, by a clock that went on or was set back.
+/// @param away  in nanoseconds: below 0, the clock was set, wherever smpCnt begins again
+bool isNextCount(std::uint32_t before, std::uint32_t after, std::int64_t away, PartCount& count) {
+    return after == before + 1 || (after == 0 && before > 0 && (away < 0 || count.isLast(before)));
 }
 
-void addSvJump(WitnessPart const& part, std::size_t before, std::size_t after,
+void addSvJump(WitnessPart const& part, std::size_t witness, std::size_t before, std::size_t after,
                std::vector<Jump>& jumps) {
     PacketColumns const& packets = part.part->packets;
     std::int64_t const away = packets.times()[after] - packets.times()[before];
@@ -83,6 +145,7 @@ void addSvJump(WitnessPart const& part, std::size_t before, std::size_t after,
     constexpr std::int64_t kMost = 4'000'000'000'000'000'000;
     auto const whole = static_cast<std::int64_t>(std::min(interval, kLongestInterval));
     jumps.push_back({.of = part,
+                     .witness = witness,
                      .before = static_cast<std::uint32_t>(before),
                      .after = static_cast<std::uint32_t>(after),
                      .offsetBefore = packets.frameOffsets()[before],
@@ -91,7 +154,10 @@ void addSvJump(WitnessPart const& part, std::size_t before, std::size_t after,
                      .interval = whole});
 }
 
-void findJumps(WitnessPart const& part, bool isSv, std::vector<Jump>& jumps) {
+/// @param count  of the part, where it is one of SV
+void findJumps(WitnessPart const& part, std::size_t witness, PartCount* count,
+               std::vector<Jump>& jumps) {
+    bool const isSv = count != nullptr;
     PacketColumns const& packets = part.part->packets;
     auto const times = packets.times();
     auto const flags = packets.flags();
@@ -108,14 +174,16 @@ void findJumps(WitnessPart const& part, bool isSv, std::vector<Jump>& jumps) {
             if (away < -kLeastBack || (isSv && away > kLeastAhead)) [[unlikely]] {
                 if (!isSv) {
                     jumps.push_back({.of = part,
+                                     .witness = witness,
                                      .before = static_cast<std::uint32_t>(before),
                                      .after = static_cast<std::uint32_t>(i),
                                      .offsetBefore = packets.frameOffsets()[before],
                                      .offsetAfter = packets.frameOffsets()[i],
                                      .step = away,
                                      .interval = 0});
-                } else if (isNextCount(packets.smpCnts()[before], packets.smpCnts()[i])) {
-                    addSvJump(part, before, i, jumps);
+                } else if (isNextCount(packets.smpCnts()[before], packets.smpCnts()[i], away,
+                                       *count)) {
+                    addSvJump(part, witness, before, i, jumps);
                 }
             }
         }
@@ -123,38 +191,35 @@ void findJumps(WitnessPart const& part, bool isSv, std::vector<Jump>& jumps) {
     }
 }
 
-std::uint32_t largestCount(WitnessPart const& part) {
-    auto const smpCnts = part.part->packets.smpCnts();
-    return smpCnts.empty() ? 0 : *std::max_element(smpCnts.begin(), smpCnts.end());
-}
-
-/// Whether a stream alone may as well have lost whole wraps of its counter.
-bool mayBeLoss(Jump const& jump, std::uint32_t largest) {
+/// Whether a stream that nobody else speaks for may as well have lost whole wraps of its counter.
+bool mayBeLoss(Jump const& jump, PartCount& count) {
     // In seconds where the counter never began again.
     constexpr double kSecond = 1e9;
     constexpr double kTolerance = 50e6;
     if (jump.step < 0) {
         return false;
     }
-    double const wrap = std::max((largest + 1.0) * static_cast<double>(jump.interval), kSecond);
-    auto const isWhole = [&](double unit) {
-        double const units = std::round(static_cast<double>(jump.step) / unit);
-        return units >= 1 && std::abs(static_cast<double>(jump.step) - units * unit) < kTolerance;
-    };
-    return isWhole(kSecond) || isWhole(wrap);
+    double const seconds = std::round(static_cast<double>(jump.step) / kSecond);
+    bool const isWhole =
+        seconds >= 1 && std::abs(static_cast<double>(jump.step) - seconds * kSecond) < kTolerance;
+    return isWhole || count.areWrapsLost(jump.before, jump.after);
 }
 
 /// The parts of one file that tell of its clock, and the jumps of each.
 struct Witnesses {
     std::vector<WitnessPart> parts;
     std::vector<std::vector<Jump>> jumps;
+    /// Of SV alone.
+    std::vector<PartCount> counts;
 };
 
-/// Takes a jump for a step where all other streams that were there have it too.
-std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
+/// Takes a jump for a step where all other streams that were there have it too; where none was, one
+/// of SV may be a loss.
+std::optional<ClockStep> stepAt(Jump const& jump, Witnesses& witnesses) {
     constexpr std::int64_t kTolerance = 2'000'000;
     std::uint64_t last = jump.offsetBefore;
     Jump const* first = &jump;
+    bool isAlone = true;
     for (std::size_t i = 0; i < witnesses.parts.size(); ++i) {
         WitnessPart const& part = witnesses.parts[i];
         auto const offsets = part.part->packets.frameOffsets();
@@ -163,6 +228,7 @@ std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
         if (part.part == jump.of.part || !wasThere || !isThere) {
             continue;
         }
+        isAlone = false;
         auto const& own = witnesses.jumps[i];
         auto const same = std::partition_point(own.begin(), own.end(), [&](Jump const& other) {
             return other.offsetAfter <= jump.offsetBefore;
@@ -177,6 +243,9 @@ std::optional<ClockStep> stepAt(Jump const& jump, Witnesses const& witnesses) {
         if (same->offsetAfter < first->offsetAfter) {
             first = &*same;
         }
+    }
+    if (isAlone && !witnesses.counts.empty() && mayBeLoss(jump, witnesses.counts[jump.witness])) {
+        return std::nullopt;
     }
     return ClockStep{.fileOffset = last,
                      .step = jump.step,
@@ -200,20 +269,22 @@ bool lacksMessages(StreamPart const& part, Jump const& jump) {
            stepsBetween(counts[after - 1], counts[after]) > 1;
 }
 
-std::vector<ClockStep> stepsOf(std::vector<WitnessPart> const& svParts,
+std::vector<ClockStep> stepsOf(TrafficIndex const& index, std::vector<WitnessPart> const& svParts,
                                std::vector<WitnessPart> const& gooseParts) {
     bool const isSv = !svParts.empty();
-    Witnesses witnesses{.parts = isSv ? svParts : gooseParts, .jumps = {}};
+    Witnesses witnesses{.parts = isSv ? svParts : gooseParts, .jumps = {}, .counts = {}};
+    for (WitnessPart const& part : svParts) {
+        witnesses.counts.emplace_back(index, part);
+    }
     std::vector<Jump> jumps;
-    for (WitnessPart const& part : witnesses.parts) {
+    for (std::size_t i = 0; i < witnesses.parts.size(); ++i) {
         auto& own = witnesses.jumps.emplace_back();
-        findJumps(part, isSv, own);
+        findJumps(witnesses.parts[i], i, isSv ? &witnesses.counts[i] : nullptr, own);
         jumps.insert(jumps.end(), own.begin(), own.end());
     }
     if (jumps.empty()) {
         return {};
     }
-    std::uint32_t const largest = isSv && svParts.size() == 1 ? largestCount(svParts.front()) : 0;
     if (!isSv) {
         // Slow streams need not have a jump each.
         witnesses = {};
@@ -223,7 +294,7 @@ std::vector<ClockStep> stepsOf(std::vector<WitnessPart> const& svParts,
     std::vector<ClockStep> steps;
     for (Jump const& jump : jumps) {
         bool const isKnown = !steps.empty() && steps.back().fileOffset >= jump.offsetBefore;
-        if (isKnown || (isSv && svParts.size() == 1 && mayBeLoss(jump, largest))) {
+        if (isKnown) {
             continue;
         }
         bool const isLoss =
@@ -256,7 +327,7 @@ std::vector<std::vector<ClockStep>> findClockSteps(TrafficIndex const& index) {
     }
     std::vector<std::vector<ClockStep>> steps;
     for (std::size_t file = 0; file < files; ++file) {
-        steps.push_back(stepsOf(svParts[file], gooseParts[file]));
+        steps.push_back(stepsOf(index, svParts[file], gooseParts[file]));
     }
     return steps;
 }

@@ -24,9 +24,10 @@ struct ClockStep {
 /// Finds the steps of each file, in its order, by its number.
 ///
 /// The clock was set where time jumps, and the counters of all SV streams of the file go on as if
-/// it had not. Where a file has one SV stream alone, that and the loss of whole wraps of the
-/// counter look the same: it is taken for a loss; and so it is where a GOOSE stream lacks messages
-/// there. Where a file has no SV stream, time that goes back tells.
+/// it had not: smpCnt goes on by one, from the last one of a wrap to 0. Where one SV stream alone
+/// was there, that and the loss of whole wraps of the counter look the same: it is taken for a
+/// loss; and so it is where a GOOSE stream lacks messages there. Where a file has no SV stream,
+/// time that goes back tells.
 [[nodiscard]] std::vector<std::vector<ClockStep>> findClockSteps(TrafficIndex const& index);
 
 }  // namespace TalIec61850Analysis::detail

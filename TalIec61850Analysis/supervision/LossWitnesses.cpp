@@ -5,6 +5,8 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
+#include <vector>
 
 namespace TalIec61850Analysis::detail {
 
@@ -170,6 +172,44 @@ private:
 
 }  // namespace
 
+bool LossWitnesses::Hole::isIn(std::uint32_t file) const {
+    return std::find(files.begin(), files.end(), file) != files.end();
+}
+
+std::optional<std::vector<std::uint32_t>> LossWitnesses::filesOf(FindingPlace const& before,
+                                                                 FindingPlace const& after) const {
+    if (before.file == after.file) {
+        return std::vector{before.file};
+    }
+    std::vector<std::uint32_t> files{before.file};
+    for (std::uint32_t file = 0; file < index_.files().size(); ++file) {
+        CaptureSummary const& summary = index_.files()[file].summary;
+        bool const isOther = file != before.file && file != after.file;
+        if (isOther && summary.first && summary.last &&
+            summary.first->time_since_epoch().count() > before.time &&
+            summary.last->time_since_epoch().count() < after.time) {
+            files.push_back(file);
+        }
+    }
+    if (files.size() == 1) {
+        files.push_back(after.file);
+        return files;
+    }
+    std::sort(files.begin() + 1, files.end(), [&](std::uint32_t a, std::uint32_t b) {
+        return *index_.files()[a].summary.first < *index_.files()[b].summary.first;
+    });
+    files.push_back(after.file);
+    // Files that overlap may be of another tap.
+    for (std::size_t i = 1; i < files.size(); ++i) {
+        auto const& last = index_.files()[files[i - 1]].summary.last;
+        auto const& first = index_.files()[files[i]].summary.first;
+        if (!last || !first || *first < *last) {
+            return std::nullopt;
+        }
+    }
+    return files;
+}
+
 LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& hole) const {
     Meanwhile meanwhile;
     TimeWindow const window{.from = CaptureTime(std::chrono::nanoseconds(hole.from + 1)), .to = {}};
@@ -219,11 +259,11 @@ LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& h
 /// What the files of a hole have of a stream, in their order of time.
 std::vector<StreamPart const*> LossWitnesses::partsOf(std::size_t stream, Hole const& hole) const {
     std::vector<StreamPart const*> parts;
-    for (StreamPart const& part : index_.streams()[stream].parts) {
-        if (part.file == hole.firstFile) {
-            parts.insert(parts.begin(), &part);
-        } else if (part.file == hole.lastFile) {
-            parts.push_back(&part);
+    for (std::uint32_t const file : hole.files) {
+        for (StreamPart const& part : index_.streams()[stream].parts) {
+            if (part.file == file) {
+                parts.push_back(&part);
+            }
         }
     }
     return parts;
@@ -235,8 +275,7 @@ std::uint64_t LossWitnesses::dropsIn(Hole const& hole) const {
              drops_.begin(), drops_.end(), hole.from + 1,
              [](CaptureDrop const&a, std::int64_t time) { return a.until < time; });
          drop != drops_.end() && drop->until <= hole.until; ++drop) {
-        bool const isOfFile = drop->file == hole.firstFile || drop->file == hole.lastFile;
-        count += isOfFile && drop->isExact ? drop->count : 0;
+        count += hole.isIn(drop->file) && drop->isExact ? drop->count : 0;
     }
     return count;
 }
@@ -267,7 +306,7 @@ std::optional<std::uint64_t> LossWitnesses::missingNumbers(Finding const& findin
             continue;
         }
         for (StreamPart const& part : other.parts) {
-            if (part.file != hole.firstFile && part.file != hole.lastFile) {
+            if (!hole.isIn(part.file)) {
                 continue;
             }
             auto const [begin, end] = part.packets.placesIn(window);
@@ -317,11 +356,14 @@ void LossWitnesses::judge(Finding& finding) const {
         finding.before->time == kNoTime || finding.before->time >= finding.place->time) {
         return;
     }
+    auto files = filesOf(*finding.before, *finding.place);
+    if (!files) {
+        return;
+    }
     Hole const hole{.stream = *finding.stream,
                     .from = finding.before->time,
                     .until = finding.place->time,
-                    .firstFile = finding.before->file,
-                    .lastFile = finding.place->file};
+                    .files = std::move(*files)};
     auto const settle = [&](LossCause cause, LossWitness witness, std::uint64_t frames) {
         finding.cause = cause;
         finding.witness = witness;

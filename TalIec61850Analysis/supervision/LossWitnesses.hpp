@@ -29,8 +29,10 @@ private:
         std::size_t stream = 0;
         std::int64_t from = 0;
         std::int64_t until = 0;
-        std::uint32_t firstFile = 0;
-        std::uint32_t lastFile = 0;
+        /// In their order of time.
+        std::vector<std::uint32_t> files;
+
+        [[nodiscard]] bool isIn(std::uint32_t file) const;
     };
     /// What one stream did meanwhile.
     struct Meanwhile {
@@ -51,6 +53,9 @@ private:
         std::uint64_t inSequenceOfOtherSources = 0;
     };
 
+    /// The files from one to another; not set where it is not clear which are between them.
+    [[nodiscard]] std::optional<std::vector<std::uint32_t>> filesOf(
+        FindingPlace const& before, FindingPlace const& after) const;
     [[nodiscard]] Others lookAtOthers(Hole const& hole) const;
     [[nodiscard]] Meanwhile lookAt(std::size_t stream, Hole const& hole) const;
     [[nodiscard]] std::vector<StreamPart const*> partsOf(std::size_t stream,

@@ -71,10 +71,10 @@ void SvSupervisor::follow(SvCourse const& course, SvObservation const& next, Fin
         return;
     }
     settleSuspects(true, sink);
-    constexpr double kSameRate = 0.01;
+    constexpr double kRateTolerance = 0.01;
     bool const isOther =
         course_.rate.isKnown() && std::abs(course.rate.perSecond() - course_.rate.perSecond()) >
-                                      kSameRate * course_.rate.perSecond();
+                                      kRateTolerance * course_.rate.perSecond();
     if (isOther) {
         report(FindingKind::rateChanged, next, rateOf(course_.rate), rateOf(course.rate), sink);
     }

@@ -258,6 +258,26 @@ TEST(FoundRates, EndWhereWhatIsDeclaredChanges) {
     EXPECT_EQ(found.packets, 500U);
 }
 
+TEST(FoundRates, EndWhereArrivalShowsAnotherForASecond) {
+    struct Case {
+        std::uint32_t before;
+        std::uint32_t after;
+    };
+    for (Case const& one : {Case{4000, 4800}, Case{4800, 4000}, Case{4800, 5760}}) {
+        // The change is anywhere in the times over which rates are measured.
+        for (std::uint32_t tenths = 10; tenths < 18; ++tenths) {
+            WaveformSettings settings = smallSettings(one.before);
+            settings.firstCount = 100;
+            WaveformStream stream(settings);
+            std::uint32_t const frames = one.before * tenths / 10;
+            stream.send(frames).changeRate(one.after, 0).send(one.after);
+            FoundRate const found = rateOf(stream);
+            EXPECT_EQ(found.rate.samples, one.before) << tenths;
+            EXPECT_EQ(found.packets, frames) << tenths;
+        }
+    }
+}
+
 TEST(FoundRates, AreMeasuredByWhatWasNotLost) {
     WaveformSettings settings = smallSettings(4000);
     settings.firstCount = 100;

@@ -57,6 +57,86 @@ TEST(CaptureFaults, TellsWholeSecondsThatOneStreamLost) {
     EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #6000 after #1999 lost 4000 network"}));
 }
 
+TEST(CaptureFaults, TakesAPauseUpToASecondsStartForALoss) {
+    for (std::size_t const seconds : {0U, 1U, 3U}) {
+        FaultyStation station;
+        station.add({.frames = 20000});
+        std::size_t const lost = 3000 + seconds * 4000;
+        station.drop(0, 1000, lost);
+        std::string const next = std::to_string(1000 + lost);
+        EXPECT_EQ(foundIn(station),
+                  (Lines{"sampleGap MU01 #" + next + " after #999 lost " + std::to_string(lost)}));
+    }
+}
+
+TEST(CaptureFaults, TakesPausesUpToTheStartOfEachSecondForLosses) {
+    // The counter never comes to its wrap.
+    FaultyStation station;
+    station.add({.frames = 13000});
+    station.drop(0, 1000, 3000).drop(0, 5000, 3000).drop(0, 9000, 3000);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #4000 after #999 lost 3000",
+                                       "sampleGap MU01 #8000 after #4999 lost 3000",
+                                       "sampleGap MU01 #12000 after #8999 lost 3000"}));
+}
+
+TEST(CaptureFaults, TakesAPauseOfAllStreamsUpToASecondsStartForALoss) {
+    FaultyStation station;
+    station.add({.svID = "MU01", .frames = 8000});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 8000, .start = 60'000});
+    station.add({.svID = "MU03", .source = "02:00:00:00:00:03", .frames = 8000, .start = 90'000});
+    station.dropBetween(250 * kMillisecond, kSecond);
+    EXPECT_EQ(foundIn(station), (Lines{"captureGap MU01 #4000 after #999 lost 9000 capture",
+                                       "sampleGap MU01 #4000 after #999 lost 3000 capture",
+                                       "sampleGap MU02 #4000 after #999 lost 3000 capture",
+                                       "sampleGap MU03 #4000 after #999 lost 3000 capture"}));
+}
+
+TEST(CaptureFaults, TellsStepsOfItsClockByOneStream) {
+    for (std::size_t const frame : {3999U, 4000U, 4001U, 4800U}) {
+        for (std::int64_t const step :
+             {-5 * kSecond, 90 * kMillisecond, 5300 * kMillisecond, -700 * kMillisecond}) {
+            FaultyStation station;
+            station.add({.frames = 8000});
+            station.stepClock(static_cast<std::int64_t>(frame) * 250'000, step);
+            EXPECT_EQ(foundIn(station), (Lines{"clockStep MU01 #" + std::to_string(frame)}))
+                << step;
+        }
+    }
+}
+
+TEST(CaptureFaults, TellsStepsOfItsClockAtTheOnlyStartOfASecond) {
+    for (std::uint32_t const rate : {4000U, 4123U}) {
+        FaultyStation station;
+        station.add({.rate = rate, .firstCount = rate - 1000, .frames = 3000});
+        std::int64_t const wrap = station.frame(0, 1000).time;
+        station.stepClock(wrap, 5300 * kMillisecond);
+        EXPECT_EQ(foundIn(station), (Lines{"clockStep MU01 #1000"})) << rate;
+    }
+}
+
+TEST(CaptureFaults, TakesWholeSecondsForALossWhereTheOtherStreamHasEnded) {
+    FaultyStation station;
+    station.add({.svID = "MU01", .frames = 12000});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 1000, .start = 60'000});
+    station.drop(0, 2000, 4000);
+    EXPECT_EQ(foundIn(station),
+              (Lines{"sampleGap MU01 #6000 after #1999 lost 4000", "silent MU02 end after #999"}));
+}
+
+TEST(CaptureFaults, TakesAWholeWrapOfACounterThatRunsFreelyForALoss) {
+    // Of a counter of two octets, in frames of eight samples: some 5.12 s.
+    FaultyStation station;
+    station.add({.rate = 12800, .asdus = 8, .frames = 10000});
+    for (StationFrame& frame : station.frames()) {
+        std::size_t number = frame.number * 8;
+        for (Asdu& asdu : std::get<SvMessage>(frame.message).asdus) {
+            asdu.smpCnt = Unsigned<2>(number++ % 65536);
+        }
+    }
+    station.drop(0, 1000, 8192);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #9192 after #999 lost 65536"}));
+}
+
 TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
     auto station = fullStation();
     station.stepClock(1200 * kMillisecond, -7 * kSecond);

@@ -181,6 +181,18 @@ TEST(GooseFaults, TellsExpiryAtTheEnd) {
     EXPECT_EQ(lines, named({"expired end after #59"}));
 }
 
+TEST(GooseFaults, TellsExpiryAtTheEndToTheNanosecond) {
+    // The last frame of all comes when the time allowed to live ends, or directly after it.
+    constexpr std::int64_t kLife = 250'000'000;
+    constexpr std::int64_t kInterval = 250'000;
+    for (std::int64_t const late : {-1, 0, 1}) {
+        auto station = gooseStation();
+        std::int64_t const end = station.frame(0, 59).time + kLife + late;
+        station.add(SvPlan{.frames = 100, .start = end - 99 * kInterval});
+        EXPECT_EQ(foundIn(station), late > 0 ? named({"expired end after #59"}) : Lines()) << late;
+    }
+}
+
 TEST(GooseFaults, TellsTimesAllowedToLive) {
     auto station = gooseStation();
     station.changeGooseFrom(0, 5, [](GooseMessage& message) { message.timeAllowedtoLive = 0; });

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/PcapngMaker.hpp"
@@ -51,6 +52,22 @@ TEST(LossCause, IsUnknownWhereTooLittleCameMeanwhile) {
     two.add({.svID = "MU02", .source = "02:00:00:00:00:02", .start = 60'000});
     two.drop(0, 1000);
     EXPECT_EQ(foundIn(two), (Lines{"sampleGap MU01 #1001 after #999 lost 1"}));
+}
+
+TEST(LossCause, IsTheNetworkWhereSomeOthersLoseAndOneRunsOn) {
+    auto station = threeUnits();
+    station.drop(0, 2000, 80).drop(1, 2000, 80);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #2080 after #1999 lost 80 network",
+                                       "sampleGap MU02 #2080 after #1999 lost 80 network"}));
+}
+
+TEST(LossCause, IsUnknownWhereOneOtherStreamAloneLosesToo) {
+    FaultyStation station;
+    station.add(SvPlan{});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .start = 60'000});
+    station.dropBetween(500 * kMillisecond, 520 * kMillisecond);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #2080 after #1999 lost 80",
+                                       "sampleGap MU02 #2080 after #1999 lost 80"}));
 }
 
 TEST(LossCause, IsUnknownWithOneStream) {
@@ -231,6 +248,94 @@ TEST(LossCause, StaysTheNetworkWhateverTheInterfaceDropped) {
     auto station = threeUnits();
     station.drop(1, 1000, 5);
     EXPECT_EQ(causesIn(withStatistics(station, {{2000, 50}})), std::vector{LossCause::network});
+}
+
+TEST(LossCause, IsTheNetworkWhereOthersRanOnInAllFilesOfTheHole) {
+    auto station = threeUnits();
+    station.drop(1, 1000, 2000);
+    station.splitAt(300 * kMillisecond).splitAt(700 * kMillisecond);
+    ASSERT_EQ(station.captures().size(), 3U);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #3000 after #999 lost 2000 network"}));
+    auto captures = station.captures();
+    std::swap(captures[0], captures[1]);
+    EXPECT_EQ(findingsIn(captures).front().cause, TalIec61850Analysis::LossCause::network);
+}
+
+TEST(LossCause, IsTheNetworkWhereOthersAreInTheMiddleFileAlone) {
+    auto station = threeUnits();
+    station.drop(1, 1000, 2000);
+    for (std::size_t const unit : {0U, 2U}) {
+        station.drop(unit, 0, 1300).drop(unit, 2700, 1300);
+    }
+    station.splitAt(300 * kMillisecond).splitAt(700 * kMillisecond);
+    auto const findings = findingsIn(station.captures());
+    ASSERT_FALSE(findings.empty());
+    for (auto const& finding : findings) {
+        if (finding.kind == TalIec61850Analysis::FindingKind::sampleGap) {
+            EXPECT_EQ(finding.cause, TalIec61850Analysis::LossCause::network);
+            EXPECT_EQ(finding.lost, 2000U);
+        }
+    }
+}
+
+TEST(LossCause, IsUnknownWhereFilesOfTheHoleOverlap) {
+    auto station = threeUnits();
+    station.drop(1, 1000, 2000);
+    station.splitAt(300 * kMillisecond).splitAt(500 * kMillisecond).splitAt(700 * kMillisecond);
+    station.overlap(480 * kMillisecond, 500 * kMillisecond);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #3000 after #999 lost 2000"}));
+}
+
+TEST(LossCause, IsThePublisherWhereItsNumbersRunOnInTheMiddleFile) {
+    FaultyStation station;
+    // One source: one unit is silent for a time, the other one is not.
+    station.add({.svID = "MU01", .frames = 1000, .prpDelay = 20'000});
+    station.add({.svID = "MU02", .frames = 1000, .start = 60'000, .prpDelay = 20'000});
+    station.drop(1, 300, 400).splitAt(100 * kMillisecond).splitAt(150 * kMillisecond);
+    std::stable_sort(station.frames().begin(), station.frames().end(),
+                     [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    std::map<std::pair<std::size_t, std::size_t>, std::uint16_t> numbers;
+    for (StationFrame& frame : station.frames()) {
+        auto const next = static_cast<std::uint16_t>(numbers.size());
+        frame.ethernet.prpSequence =
+            numbers.try_emplace({frame.stream, frame.number}, next).first->second;
+    }
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU02 #700 after #299 lost 400 publisher"}));
+}
+
+TEST(LossCause, IsTheCaptureWhereAMiddleFileSaysSo) {
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.add({.svID = "MU02", .source = "02:00:00:00:00:02", .frames = 1000, .start = 60'000});
+    station.drop(0, 300, 400).splitAt(100 * kMillisecond).splitAt(150 * kMillisecond);
+    std::stable_sort(station.frames().begin(), station.frames().end(),
+                     [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    std::vector<Bytes> captures;
+    for (std::size_t file = 0; file < 3; ++file) {
+        PcapngMaker maker;
+        maker.section().interface(1, 0, maker.timeOptions(9));
+        constexpr std::uint16_t kDropCount = 4;
+        for (StationFrame const& frame : station.frames()) {
+            PcapngMaker::Packet packet;
+            packet.time = static_cast<std::uint64_t>(FaultyStation::timeOf(frame));
+            packet.frame = svFrame(frame.ethernet, std::get<SvMessage>(frame.message));
+            if (frame.stream == 1 && frame.number == 500) {
+                packet.options = maker.numberOption(kDropCount, 400);
+            }
+            if (frame.file == file) {
+                maker.packet(packet);
+            }
+        }
+        captures.push_back(maker.bytes());
+    }
+    std::vector<TalIec61850Analysis::LossCause> causes;
+    for (auto const& finding : findingsIn(captures)) {
+        if (finding.kind == TalIec61850Analysis::FindingKind::sampleGap) {
+            causes.push_back(finding.cause);
+            EXPECT_EQ(finding.witness, TalIec61850Analysis::LossWitness::dropCounts);
+        }
+    }
+    EXPECT_EQ(causes, std::vector{TalIec61850Analysis::LossCause::capture});
 }
 
 }  // namespace

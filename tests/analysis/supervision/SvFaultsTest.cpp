@@ -247,14 +247,19 @@ TEST(SvFaults, TellsTwoSourcesOfOneName) {
 }
 
 TEST(SvFaults, TellsAnotherRate) {
-    auto station = svStation({.frames = 8000});
-    FaultyStation other;
-    other.add({.rate = 4800, .frames = 9600, .start = 2 * kSecond});
-    for (StationFrame frame : other.frames()) {
-        frame.number += 8000;
-        station.frames().push_back(frame);
+    for (std::size_t const seconds : {1U, 2U}) {
+        std::size_t const before = seconds * 4000;
+        auto station = svStation({.frames = before});
+        FaultyStation other;
+        other.add({.rate = 4800,
+                   .frames = seconds * 4800,
+                   .start = static_cast<std::int64_t>(seconds) * kSecond});
+        for (StationFrame frame : other.frames()) {
+            frame.number += before;
+            station.frames().push_back(frame);
+        }
+        EXPECT_EQ(foundIn(station), (Lines{"rateChanged MU01 #" + std::to_string(before)}));
     }
-    EXPECT_EQ(foundIn(station), (Lines{"rateChanged MU01 #8000"}));
 }
 
 TEST(SvFaults, JoinsAFloodOfOneKind) {
