@@ -112,9 +112,9 @@ TEST(FollowedCheck, TellsAFindingAsItHappens) {
     folder.write("ring1.pcap", messages(0, 4));
     auto const second = other.write("next.pcap", messages(6, 40));
     // The fault at the start is told first.
-    auto const result = runAndThen(
-        "check -F --limit 2 --idle 5s -f csv --columns finding,lost,file \"$1\"", 2,
-        "cp \"$2\" \"$1\"/ring2.pcap", folder.path(), second);
+    auto const result =
+        runAndThen("check -F --limit 2 --idle 5s -f csv --columns finding,lost,file \"$1\"", 2,
+                   "cp \"$2\" \"$1\"/ring2.pcap", folder.path(), second);
     auto const lines = linesOf(result.out);
     ASSERT_EQ(lines.size(), 3U) << result.out << result.err;
     EXPECT_EQ(lines[0], "finding,lost,file");
@@ -130,9 +130,11 @@ TEST(FollowedCheck, TellsWhatCheckTellsOfAWholeCapture) {
         capture.addAt(i * 1'000'000, gooseFrame(Ethernet(), message));
     }
     TempFile const file(capture.bytes());
-    for (std::vector<std::string> const& options :
-         {std::vector<std::string>{}, {"--kind", "stateGap"}, {"--severity", "error"},
-          {"--gocbref", "none*"}, {"--from", "+150ms"}}) {
+    for (std::vector<std::string> const& options : {std::vector<std::string>{},
+                                                    {"--kind", "stateGap"},
+                                                    {"--severity", "error"},
+                                                    {"--gocbref", "none*"},
+                                                    {"--from", "+150ms"}}) {
         std::vector<std::string> const common{"-f", "csv", "--columns",
                                               "time,finding,lost,position"};
         auto const all = joined(joined({"check"}, options), joined(common, {file.path()}));
@@ -151,8 +153,7 @@ TEST(FollowedCheck, FailsOnWhatCheckFailsOn) {
     EXPECT_EQ(runCompanion({"check", "-F", "--idle", "20ms", "--fail-on", "none", path}).status, 0);
     expectUsageError({"check", "-F", "--summary", path});
     expectUsageError({"check", "-F", "-"});
-    EXPECT_EQ(
-        runCompanion({"check", "-F", "--idle", "20ms", folder.file("x.pcap")}).status, 2);
+    EXPECT_EQ(runCompanion({"check", "-F", "--idle", "20ms", folder.file("x.pcap")}).status, 2);
 }
 
 TEST(Follow, SaysWhatWasNeverThere) {

@@ -40,7 +40,8 @@ TEST(GooseFaults, TellsDataThatDifferInAMessageThatCameAgain) {
     station.repeat(0, 25, kMillisecond);
     auto& again = std::get<GooseMessage>(station.frames().back().message);
     again.allData = station.goose(0, 45).allData;
-    EXPECT_EQ(foundIn(station), named({"repeated #25 after #25", "changedWithoutState #25 after #25"}));
+    EXPECT_EQ(foundIn(station),
+              named({"repeated #25 after #25", "changedWithoutState #25 after #25"}));
 }
 
 TEST(GooseFaults, TellsEntriesOfWhichThereIsNone) {
