@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "analysis/supervision/FoundIn.hpp"
@@ -135,6 +136,32 @@ TEST(CaptureFaults, TakesAWholeWrapOfACounterThatRunsFreelyForALoss) {
     }
     station.drop(0, 1000, 8192);
     EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #9192 after #999 lost 65536"}));
+}
+
+TEST(CaptureFaults, TellsStepsOfItsClockAtTheEndOfAWrapOfAnotherRate) {
+    FaultyStation station;
+    station.add({.frames = 8000});
+    FaultyStation other;
+    other.add({.rate = 4800, .frames = 9600, .start = 2 * kSecond});
+    for (StationFrame frame : other.frames()) {
+        frame.number += 8000;
+        station.frames().push_back(frame);
+    }
+    station.stepClock(3 * kSecond, 5300 * kMillisecond);
+    EXPECT_EQ(foundIn(station), (Lines{"rateChanged MU01 #8000", "clockStep MU01 #12800"}));
+}
+
+TEST(CaptureFaults, TellsAStepBackWhereTheCounterBeginsAgain) {
+    FaultyStation station;
+    station.add({.frames = 6000});
+    station.changeSvFrom(0, 1000, [](SvMessage& message) {
+        auto& smpCnt = *message.asdus.front().smpCnt;
+        smpCnt = Unsigned<2>((smpCnt.value + 3000) % 4000);
+    });
+    station.stepClock(250 * kMillisecond, -5 * kSecond);
+    Lines const lines = foundIn(station);
+    EXPECT_TRUE(std::find(lines.begin(), lines.end(), "clockStep MU01 #1000") != lines.end());
+    EXPECT_TRUE(std::find(lines.begin(), lines.end(), "counterRestart MU01 #1000") != lines.end());
 }
 
 TEST(CaptureFaults, TellsHowFarItsClockWasSet) {
