@@ -11,13 +11,6 @@ namespace {
 
 constexpr std::int64_t kSecond = 1'000'000'000;
 
-Bytes octetsOf(StationFrame const& frame) {
-    if (auto const* const sv = std::get_if<SvMessage>(&frame.message)) {
-        return svFrame(frame.ethernet, *sv);
-    }
-    return gooseFrame(frame.ethernet, std::get<GooseMessage>(frame.message));
-}
-
 }  // namespace
 
 std::size_t FaultyStation::add(SvPlan const& plan) {
@@ -171,9 +164,21 @@ FaultyStation& FaultyStation::overlap(std::int64_t from, std::int64_t until) {
     return *this;
 }
 
-std::vector<Bytes> FaultyStation::captures() {
+Bytes FaultyStation::octetsOf(StationFrame const& frame) {
+    if (auto const* const sv = std::get_if<SvMessage>(&frame.message)) {
+        return svFrame(frame.ethernet, *sv);
+    }
+    return gooseFrame(frame.ethernet, std::get<GooseMessage>(frame.message));
+}
+
+std::vector<StationFrame> const& FaultyStation::inTimeOrder() {
     std::stable_sort(frames_.begin(), frames_.end(),
                      [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    return frames_;
+}
+
+std::vector<Bytes> FaultyStation::captures() {
+    inTimeOrder();
     placed_.clear();
     std::size_t files = 1;
     for (StationFrame const& each : frames_) {

@@ -98,6 +98,8 @@ public:
     /// What comes between two times is in this file and the next one.
     FaultyStation& overlap(std::int64_t from, std::int64_t until);
 
+    /// The frames as they come.
+    std::vector<StationFrame> const& inTimeOrder();
     /// The captures, next-generation ones or classic ones with nanoseconds.
     [[nodiscard]] std::vector<Bytes> captures();
 
@@ -107,6 +109,8 @@ public:
     [[nodiscard]] std::string const& name(std::size_t stream) const { return names_[stream]; }
     [[nodiscard]] std::size_t streams() const { return names_.size(); }
 
+    /// A frame as it is on the wire.
+    [[nodiscard]] static Bytes octetsOf(StationFrame const& frame);
     /// When a frame was captured, in nanoseconds since 1970.
     [[nodiscard]] static std::int64_t timeOf(StationFrame const& frame) {
         return kStart * 1'000'000'000 + frame.time + frame.clock;

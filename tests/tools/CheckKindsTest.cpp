@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CaptureFile.hpp"
 #include "support/PcapngMaker.hpp"
 #include "tools/CheckTraffic.hpp"
 #include "tools/selection/FindingNames.hpp"
@@ -248,7 +249,7 @@ TEST(FindingSentence, IsOneForAnotherRate) {
     station.add({.frames = 8000});
     station.add({.rate = 4800, .frames = 9600, .start = 2000 * kNsOfMs});
     auto const sentences = sentencesOf(station, "rateChanged");
-    EXPECT_EQ(sentences, Sentences{"samples a second went from 4000 to 4800"});
+    EXPECT_EQ(sentences, Sentences{"the rate went from 4000 to 4800 samples a second"});
 }
 
 TEST(FindingSentence, IsOneForClocks) {
@@ -348,8 +349,11 @@ TEST(FindingSentence, IsOneForFramesThatAreNotRead) {
     auto const rows = checkRows(station, {"--kind", "unreadable"});
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0]["protocol"], "GOOSE");
-    EXPECT_EQ(rows[0]["text"],
-              "GOOSE frame that cannot be read: it has no gocbRef, or an ASDU without svID");
+    EXPECT_EQ(rows[0]["text"], "GOOSE frame that cannot be read: it has no gocbRef");
+    auto nameless = smallStation();
+    nameless.sv(0, 5).asdus.front().svID.reset();
+    EXPECT_EQ(sentencesOf(nameless, "unreadable"),
+              Sentences{"SV frame that cannot be read: an ASDU has no svID"});
     auto captures = smallStation().captures();
     captures.front().resize(captures.front().size() - 20);
     auto const result =
@@ -358,6 +362,26 @@ TEST(FindingSentence, IsOneForFramesThatAreNotRead) {
     auto const cut = Json::parse(result.out);
     EXPECT_EQ(cut["finding"], "fileEndsInRecord");
     EXPECT_EQ(std::string(cut["text"]).substr(0, 33), "the file ends inside a record: 96");
+}
+
+TEST(FindingSentence, IsOneForFramesThatASnapLengthCut) {
+    for (std::size_t const cut : {1U, 20U}) {
+        FaultyStation station;
+        station.add({.frames = 100});
+        CaptureBuilder capture(CaptureVariant::nanoLittle);
+        for (StationFrame const& frame : station.inTimeOrder()) {
+            Bytes const octets = FaultyStation::octetsOf(frame);
+            auto const size = static_cast<std::uint32_t>(octets.size());
+            capture.addSnapped(FaultyStation::kStart, static_cast<std::uint32_t>(frame.time),
+                               frame.number < cut ? size - 8 : size, octets);
+        }
+        auto const rows = checkRows(StationFiles({capture.bytes()}), {"--kind", "recordsCut"});
+        ASSERT_EQ(rows.size(), 1U);
+        EXPECT_EQ(rows[0]["count"], cut);
+        EXPECT_EQ(rows[0]["text"],
+                  cut == 1 ? "a snap length cut 1 frame" : "a snap length cut 20 frames");
+        EXPECT_EQ(rows[0]["svID"], nullptr);
+    }
 }
 
 TEST(FindingNames, AreFoundAgain) {

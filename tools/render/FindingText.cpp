@@ -160,8 +160,8 @@ std::string causeText(Finding const& finding) {
     return "; nothing tells who lost them";
 }
 
-std::string reasonText(UnreadReason reason) {
-    switch (reason) {
+std::string reasonText(Finding const& finding) {
+    switch (finding.reason.value_or(UnreadReason::noPdu)) {
         case UnreadReason::headerCut:
             return "it ends inside its header";
         case UnreadReason::cut:
@@ -171,7 +171,7 @@ std::string reasonText(UnreadReason reason) {
         case UnreadReason::pduPastFrame:
             return "its PDU claims more octets than it has";
         case UnreadReason::noName:
-            return "it has no gocbRef, or an ASDU without svID";
+            return isSv(finding) ? "an ASDU has no svID" : "it has no gocbRef";
         case UnreadReason::noAsdu:
             break;
     }
@@ -245,6 +245,7 @@ bool saysHowOften(FindingKind kind) {
         case FindingKind::stateStartMissing:
         case FindingKind::twoPublishers:
         case FindingKind::jitter:
+        case FindingKind::copyMissing:
         case FindingKind::recordsCut:
             return true;
         default:
@@ -281,15 +282,30 @@ std::string FindingText::messageText(Finding const& finding) const {
                        packets.sqNums()[packet.packet]);
 }
 
-/// Over which LAN or direction the packet came; '?' where that is not known.
-char FindingText::laneOf(Finding const& finding) const {
+/// "LAN A" of PRP, "lane A" of HSR: the way that the packet came over, or the other one. "one way"
+/// and "the other one" where that is not known.
+std::string FindingText::wayText(Finding const& finding, bool isOther) const {
     if (!finding.stream || !finding.place) {
-        return '?';
+        return isOther ? "the other one" : "one way";
     }
     PacketRef const packet = finding.place->packet;
-    char const lane =
-        index_.streams()[*finding.stream].parts[packet.part].packets.flags()[packet.packet].lane();
-    return lane == 0 ? '?' : lane;
+    PacketFlags const flags =
+        index_.streams()[*finding.stream].parts[packet.part].packets.flags()[packet.packet];
+    if (flags.redundancy() == Redundancy::none) {
+        return isOther ? "the other one" : "one way";
+    }
+    return fmt::format("{} {}", flags.redundancy() == Redundancy::hsr ? "lane" : "LAN",
+                       (flags.lane() == 'B') != isOther ? 'B' : 'A');
+}
+
+std::string FindingText::copyMissingText(Finding const& finding) const {
+    std::string const came = wayText(finding, false);
+    std::string const lacks = wayText(finding, true);
+    return finding.count == 1
+               ? fmt::format("a frame came over {} alone: its copy over {} is missing", came, lacks)
+               : fmt::format("{} in {} came over {} alone: their copies over {} are missing",
+                             plural(finding.count, "frame"),
+                             durationText(finding.from, finding.until), came, lacks);
 }
 
 std::string FindingText::gapText(Finding const& finding) const {
@@ -444,7 +460,7 @@ std::string FindingText::what(Finding const& finding) {
         case FindingKind::dataSetChanged:
             return dataSetText(finding);
         case FindingKind::rateChanged:
-            return fmt::format("samples a second {}", changeText(finding));
+            return fmt::format("the rate {} samples a second", changeText(finding));
         case FindingKind::grandmasterChanged:
             return fmt::format("the grandmaster clock {}", changeText(finding));
         case FindingKind::simulationBegan:
@@ -473,22 +489,18 @@ std::string FindingText::what(Finding const& finding) {
         case FindingKind::qualityChanged:
             return qualityChangeText(finding);
         case FindingKind::copyMissing:
-            return finding.count == 1
-                       ? fmt::format("came over {} alone: the copy over the other way is missing",
-                                     laneOf(finding))
-                       : fmt::format(
-                             "{} frames came over {} alone: the copies over the other way are "
-                             "missing",
-                             finding.count, laneOf(finding));
+            return copyMissingText(finding);
         case FindingKind::copyDiffers:
             return "the two copies of a frame have different contents";
         case FindingKind::copyExtra:
-            return fmt::format("came more than once over {}", laneOf(finding));
+            return fmt::format("a frame came more than once over {}", wayText(finding, false));
         case FindingKind::wrongLan:
-            return fmt::format("both copies say LAN {}: one came over the wrong LAN",
-                               laneOf(finding));
+            return fmt::format("both copies say {}: one came over the wrong LAN",
+                               wayText(finding, false));
         case FindingKind::trailerInvalid:
-            return "the PRP trailer has a size that does not fit the frame";
+            return fmt::format("the PRP trailer gives a size of {}, {} would fit",
+                               plural(static_cast<std::uint64_t>(numberIn(finding.found)), "octet"),
+                               expectedText(finding));
         case FindingKind::captureGap:
             return fmt::format("all streams pause for {} and lack what should have come, {} in all",
                                pauseText(finding), plural(finding.lost, "packet"));
@@ -507,7 +519,7 @@ std::string FindingText::what(Finding const& finding) {
             break;
     }
     return fmt::format("{} frame that cannot be read: {}", protocolText(finding),
-                       reasonText(finding.reason.value_or(UnreadReason::noPdu)));
+                       reasonText(finding));
 }
 
 Cell valueCell(Finding const& finding, FindingValue const& value) {

@@ -28,7 +28,9 @@ private:
     [[nodiscard]] std::string messageText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string restartText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::uint32_t stNumOf(TalIec61850Analysis::Finding const& finding) const;
-    [[nodiscard]] char laneOf(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string wayText(TalIec61850Analysis::Finding const& finding,
+                                      bool isOther) const;
+    [[nodiscard]] std::string copyMissingText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string qualityChangeText(TalIec61850Analysis::Finding const& finding);
     [[nodiscard]] std::string channelText(std::size_t stream, std::size_t channel);
 
