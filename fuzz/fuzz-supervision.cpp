@@ -38,7 +38,9 @@ void requirePlace(TrafficIndex const& index, Finding const& finding,
 void requireSound(TrafficIndex const& index, Finding const& finding) {
     require(!finding.stream || *finding.stream < index.streams().size(), "the stream is there");
     requirePlace(index, finding, finding.place);
-    requirePlace(index, finding, finding.before);
+    if (finding.kind != FindingKind::twoPublishers) {
+        requirePlace(index, finding, finding.before);
+    }
     require(finding.count > 0, "it was met");
     bool const isLoss = finding.cause != LossCause::none;
     require(!isLoss || finding.lost > 0 || finding.kind == FindingKind::copyMissing,

@@ -145,7 +145,8 @@ struct Finding {
     std::uint64_t witnessFrames = 0;
     /// The packet that shows it; not set at the end of the captures.
     std::optional<FindingPlace> place;
-    /// The packet of the stream before it.
+    /// The packet of the stream before it; of twoPublishers that have two addresses, the first one
+    /// of the other stream.
     std::optional<FindingPlace> before;
     /// Of qualityChanged: the member by its index, then by those inside it; of SV, the channel.
     std::vector<std::uint32_t> member;

@@ -44,6 +44,15 @@ TEST(FindingSentence, IsOneForSamplesThatAreMissing) {
                         "tells who lost them"});
 }
 
+TEST(FindingSentence, SaysThatAGapIsAtTheBorderOfFiles) {
+    FaultyStation station;
+    station.add(SvPlan{});
+    station.drop(0, 1000, 8).splitAt(251 * kNsOfMs);
+    EXPECT_EQ(sentencesOf(station, "sampleGap"),
+              Sentences{"8 samples missing: smpCnt 1000 expected, 1008 came, after 2.25 ms, from "
+                        "one file to the next; nothing tells who lost them"});
+}
+
 TEST(FindingSentence, NamesEachWitness) {
     auto all = smallStation();
     all.add({.svID = "MU03", .source = "02:00:00:00:00:03", .frames = 8000, .start = 90'000});

@@ -29,7 +29,7 @@ public:
 
     /// A run that finds its captures itself, while they are written.
     [[nodiscard]] static CommandRun following(CommonOptions const& options) {
-        return CommandRun(options, FoundCaptures());
+        return {options, FoundCaptures()};
     }
 
     [[nodiscard]] std::vector<CaptureSource> const& captures() const { return found_.captures; }

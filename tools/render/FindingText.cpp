@@ -335,8 +335,11 @@ std::string FindingText::gapText(Finding const& finding) const {
     }
     std::string const pause =
         hasPause(finding) ? fmt::format(", after {}", pauseText(finding)) : std::string();
-    return fmt::format("{} {} expected, {} came{}{}", counters, expectedText(finding),
-                       foundText(finding), pause, causeText(finding));
+    bool const isAtBorder =
+        finding.place && finding.before && finding.place->file != finding.before->file;
+    return fmt::format("{} {} expected, {} came{}{}{}", counters, expectedText(finding),
+                       foundText(finding), pause, isAtBorder ? ", from one file to the next" : "",
+                       causeText(finding));
 }
 
 /// Which counter of a message went back: a publisher may begin anew in the first state again.
