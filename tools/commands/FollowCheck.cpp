@@ -64,6 +64,8 @@ private:
     /// @param call  with a sink of findings
     template <typename Call>
     void supervise(Call const& call) {
+        // Streams have other numbers each time.
+        words_.emplace(supervision_.index());
         try {
             call([this](Finding const& finding) { take(finding); });
         } catch (OutputError const&) {
@@ -85,12 +87,11 @@ private:
         if (isFull()) {
             return;
         }
-        std::vector<std::string> names;
-        for (auto const& file : index.files()) {
-            names.push_back(file.summary.path);
+        // Files keep their numbers.
+        while (names_.size() < index.files().size()) {
+            names_.push_back(index.files()[names_.size()].summary.path);
         }
-        FindingText words(index);
-        writer_.write({.finding = &finding, .index = &index, .words = &words, .files = &names});
+        writer_.write({.finding = &finding, .index = &index, .words = &*words_, .files = &names_});
         ++count_;
     }
 
@@ -98,6 +99,9 @@ private:
     CheckOptions const& options_;
     LiveSupervision supervision_;
     RowWriter<FindingRow> writer_;
+    std::optional<FindingText> words_;
+    /// Of the captures, by the numbers of the files.
+    std::vector<std::string> names_;
     /// Set when there is something.
     std::optional<WantedFindings> wanted_;
     std::uint64_t count_ = 0;
