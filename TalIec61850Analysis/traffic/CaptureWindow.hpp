@@ -15,51 +15,77 @@
 namespace TalIec61850Analysis::detail {
 
 /// Shows octets of some files. The files that were used last stay open, with what was read last of
-/// each.
+/// each: one piece, or several where streams are gone through together, one a little ahead of the
+/// other.
 class CaptureWindow {
 public:
     /// The most that can be asked for.
     static constexpr std::size_t kMostOctets = std::size_t{128} << 10U;
 
+    /// What is read at once where one part after the other is asked for: it fits the cache, and
+    /// system calls cost little beside it.
+    static constexpr std::size_t kWindow = std::size_t{256} << 10U;
+    /// What is read at once elsewhere: a look here and there must not cost as much as all between.
+    static constexpr std::size_t kFirst = std::size_t{8} << 10U;
+
     /// @param paths  of the files, by their number
     explicit CaptureWindow(std::vector<std::string> paths) : paths_(std::move(paths)) {}
-    /// @param index  of the files
-    explicit CaptureWindow(TrafficIndex const& index);
+    /// @param index   of the files
+    /// @param pieces  that stay of each file; not 0
+    /// @param first   octets of a first look: kWindow where streams take turns with the same octets
+    explicit CaptureWindow(TrafficIndex const& index, std::size_t pieces = 1,
+                           std::size_t first = kFirst);
 
     /// Octets of a file.
     /// @param size  at most kMostOctets
     /// @return fewer only at the end of the file; valid until the next call
     /// @throws std::system_error  the file cannot be opened or read
     [[nodiscard]] Octets at(std::uint32_t file, std::uint64_t fileOffset, std::size_t size) {
-        if (current_ != nullptr && current_->number == file && fileOffset >= current_->start &&
-            fileOffset + size <= current_->start + current_->size) [[likely]] {
+        if (current_ != nullptr && file_ == file && current_->holds(fileOffset, size)) [[likely]] {
             return {current_->octets.get() + (fileOffset - current_->start), size};
         }
         return readAround(file, fileOffset, size);
     }
 
 private:
-    /// What is read at once: it fits the cache, and system calls cost little beside it.
-    static constexpr std::size_t kWindow = std::size_t{256} << 10U;
     /// Late samples are before those that were asked for last.
     static constexpr std::size_t kBefore = std::size_t{8} << 10U;
     static constexpr std::size_t kMostOpen = 8;
 
-    struct Open {
-        std::uint32_t number = 0;
-        Descriptor file;
+    /// What is skipped at most where it is read on.
+    static constexpr std::size_t kGap = std::size_t{32} << 10U;
+
+    struct Piece {
         std::unique_ptr<std::uint8_t[]> octets;
         std::uint64_t start = 0;
         std::size_t size = 0;
+        /// What was asked for of this piece.
+        std::size_t wanted = kFirst;
+
+        [[nodiscard]] std::uint64_t end() const { return start + size; }
+        [[nodiscard]] bool holds(std::uint64_t fileOffset, std::size_t octetCount) const {
+            return fileOffset >= start && fileOffset + octetCount <= end();
+        }
+    };
+    struct Open {
+        std::uint32_t number = 0;
+        Descriptor file;
+        /// The one that was read last comes first.
+        std::list<Piece> pieces;
     };
 
     [[nodiscard]] Octets readAround(std::uint32_t file, std::uint64_t fileOffset, std::size_t size);
     void open(std::uint32_t file);
+    void read(Open& open, std::uint64_t fileOffset, std::size_t size) const;
 
     std::vector<std::string> paths_;
+    std::size_t mostPieces_ = 1;
+    std::size_t first_ = kFirst;
     /// The one that was used last comes first.
     std::list<Open> open_;
-    Open* current_ = nullptr;
+    /// The piece that was used last, and its file.
+    Piece* current_ = nullptr;
+    std::uint32_t file_ = 0;
 };
 
 }  // namespace TalIec61850Analysis::detail

@@ -6,17 +6,33 @@ namespace TalIec61850Analysis::detail {
 GooseCourse::GooseCourse(TrafficIndex const& index, std::vector<bool> const& areWanted)
     : files_(index.files().size()) {
     for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
-        TrafficStream const& of = index.streams()[stream];
-        if (of.key.protocol != StreamProtocol::goose || !areWanted[stream]) {
-            continue;
-        }
-        for (std::uint32_t part = 0; part < of.parts.size(); ++part) {
-            Cursor cursor{.packets = &of.parts[part].packets, .stream = stream, .part = part};
-            if (settle(cursor)) {
-                files_[of.parts[part].file].cursors.push_back(cursor);
-            }
+        if (areWanted[stream]) {
+            add(index, stream);
         }
     }
+    begin();
+}
+
+GooseCourse::GooseCourse(TrafficIndex const& index, std::size_t stream)
+    : files_(index.files().size()) {
+    add(index, stream);
+    begin();
+}
+
+void GooseCourse::add(TrafficIndex const& index, std::size_t stream) {
+    TrafficStream const& of = index.streams()[stream];
+    if (of.key.protocol != StreamProtocol::goose) {
+        return;
+    }
+    for (std::uint32_t part = 0; part < of.parts.size(); ++part) {
+        Cursor cursor{.packets = &of.parts[part].packets, .stream = stream, .part = part};
+        if (settle(cursor)) {
+            files_[of.parts[part].file].cursors.push_back(cursor);
+        }
+    }
+}
+
+void GooseCourse::begin() {
     std::erase_if(files_, [](File const& file) { return file.cursors.empty(); });
     for (File& file : files_) {
         std::make_heap(file.cursors.begin(), file.cursors.end(), isLater);

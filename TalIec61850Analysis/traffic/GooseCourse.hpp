@@ -27,6 +27,9 @@ public:
     /// Goes over some streams alone.
     /// @param areWanted  by stream of the index
     GooseCourse(TrafficIndex const& index, std::vector<bool> const& areWanted);
+    /// Goes over one stream alone, and looks at no other.
+    /// @param stream  its number in the index; one of Sampled Values has no messages
+    GooseCourse(TrafficIndex const& index, std::size_t stream);
 
     /// The next message; not set after the last.
     [[nodiscard]] std::optional<CourseMessage> next();
@@ -50,6 +53,9 @@ private:
     [[nodiscard]] static bool isLater(Cursor const& a, Cursor const& b) {
         return a.offset > b.offset;
     }
+    void add(TrafficIndex const& index, std::size_t stream);
+    /// To be called when all streams are added.
+    void begin();
     /// Goes to the next message that is to be given.
     /// @return false after the last
     [[nodiscard]] static bool settle(Cursor& cursor);

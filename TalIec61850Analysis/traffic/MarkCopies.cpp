@@ -16,10 +16,8 @@ void CopyMarker::mark(std::span<StreamPart> parts) {
     }
     std::vector<std::span<PacketFlags>> flags;
     for (StreamPart& part : parts) {
+        ColumnsWriter::clearFlag(part.packets, PacketFlags::kCopy);
         flags.push_back(ColumnsWriter::flags(part.packets));
-        for (PacketFlags& each : flags.back()) {
-            each.bits &= static_cast<std::uint16_t>(~unsigned{PacketFlags::kCopy});
-        }
     }
     constexpr std::size_t kSequences = std::size_t{1} << 16U;
     met_.resize(2 * kSequences);

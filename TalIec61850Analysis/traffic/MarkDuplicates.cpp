@@ -21,8 +21,9 @@ struct Pair {
     std::uint32_t otherFile = 0;
     std::uint64_t offset = 0;
     std::uint64_t otherOffset = 0;
-    /// Of the packet in the other file.
-    PacketFlags* flag = nullptr;
+    /// The packet in the other file.
+    PacketColumns* other = nullptr;
+    std::uint32_t otherPacket = 0;
     /// The packets that may be one share a number.
     std::uint64_t group = 0;
 
@@ -69,7 +70,7 @@ private:
                          std::equal(frame.begin(), frame.end(), other.begin(), other.end());
             }
             if (isSame) {
-                pair.flag->bits |= PacketFlags::kDuplicate;
+                ColumnsWriter::flags(*pair.other)[pair.otherPacket].bits |= PacketFlags::kDuplicate;
             } else {
                 different_.push_back(pair);
             }
@@ -193,7 +194,8 @@ void pairAlike(TrafficStream& stream, std::vector<Candidate>& group, FrameCompar
                       .otherFile = other.file,
                       .offset = part.packets.frameOffsets()[first->ref.packet],
                       .otherOffset = other.packets.frameOffsets()[each.ref.packet],
-                      .flag = &ColumnsWriter::flags(other.packets)[each.ref.packet],
+                      .other = &other.packets,
+                      .otherPacket = each.ref.packet,
                       .group = number});
     }
 }
@@ -262,9 +264,7 @@ void markDuplicates(std::span<IndexedFile const> files, std::span<TrafficStream>
     FrameComparer comparer(files);
     for (TrafficStream& stream : streams) {
         for (StreamPart& part : stream.parts) {
-            for (PacketFlags& each : ColumnsWriter::flags(part.packets)) {
-                each.bits &= static_cast<std::uint16_t>(~unsigned{PacketFlags::kDuplicate});
-            }
+            ColumnsWriter::clearFlag(part.packets, PacketFlags::kDuplicate);
         }
         for (TimeWindow const& window : sharedTimes(stream.parts)) {
             pairInWindow(stream, window, comparer);

@@ -4,6 +4,7 @@
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
+#include <TalIec61850Analysis/traffic/ColumnView.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <cstddef>
 #include <cstdint>
@@ -102,8 +103,9 @@ private:
 inline constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
 
 /// The packets of one stream in one file, in the order of the file: a column for each thing that is
-/// kept of them. A packet takes 30 octets (GOOSE) or 29 (SV); what does not fit a column is kept
-/// apart. Spans hold as long as the columns.
+/// kept of them. A packet takes 24 to 30 octets (GOOSE) or 20 to 29 (SV), fewer the more columns
+/// have one value for all packets; what does not fit a column is kept apart. Spans and views hold
+/// as long as the columns.
 class PacketColumns {
 public:
     PacketColumns() = default;
@@ -122,17 +124,17 @@ public:
         return column<std::uint64_t>(places().frameOffsets);
     }
     /// Where in the frame the goosePdu (61), or the sequence of ASDU (A2), is.
-    [[nodiscard]] std::span<std::uint16_t const> pduOffsets() const noexcept {
-        return column<std::uint16_t>(places().pduOffsets);
+    [[nodiscard]] ColumnView<std::uint16_t> pduOffsets() const noexcept {
+        return view(pduOffset_, places().pduOffsets);
     }
     /// The sequence numbers of HSR or PRP; 0 without either. Where a PRP trailer does not fit, what
     /// it says.
-    [[nodiscard]] std::span<std::uint16_t const> redundancySequences() const noexcept {
-        return column<std::uint16_t>(places().sequences);
+    [[nodiscard]] ColumnView<std::uint16_t> redundancySequences() const noexcept {
+        return view(sequence_, places().sequences);
     }
     /// What is to be said of packets in single bits.
-    [[nodiscard]] std::span<PacketFlags const> flags() const noexcept {
-        return column<PacketFlags>(places().flags);
+    [[nodiscard]] ColumnView<PacketFlags> flags() const noexcept {
+        return view(flags_, places().flags);
     }
 
     /// Of GOOSE: where flags say that it is held; else 0. Empty for SV.
@@ -151,13 +153,12 @@ public:
                          : column<std::uint32_t>(places().firstCounters);
     }
     /// Of SV, as `smpCnts`.
-    [[nodiscard]] std::span<std::uint8_t const> smpSynchs() const noexcept {
-        return isGoose() ? std::span<std::uint8_t const>()
-                         : column<std::uint8_t>(places().secondCounters);
+    [[nodiscard]] ColumnView<std::uint8_t> smpSynchs() const noexcept {
+        return isGoose() ? ColumnView<std::uint8_t>() : view(smpSynch_, places().secondCounters);
     }
     /// The number of the ASDU in its frame, from 0. Empty for GOOSE.
-    [[nodiscard]] std::span<std::uint16_t const> asdus() const noexcept {
-        return isGoose() ? std::span<std::uint16_t const>() : column<std::uint16_t>(places().asdus);
+    [[nodiscard]] ColumnView<std::uint16_t> asdus() const noexcept {
+        return isGoose() ? ColumnView<std::uint16_t>() : view(asdu_, places().asdus);
     }
 
     /// stNum of GOOSE, smpCnt of SV, wherever it is kept: the octets of a number that 64 bits do
@@ -214,6 +215,13 @@ private:
         friend bool operator==(WideCounter const&, WideCounter const&) = default;
     };
 
+    /// The value of a column that all packets have; where they differ, they are in the block.
+    template <typename Value>
+    struct CommonValue {
+        Value value{};
+        bool isCommon = true;
+    };
+
     /// Where columns are in the block: octets of a packet in the columns before each, and in all.
     /// Wider ones come first, so that each is aligned.
     struct ColumnPlaces {
@@ -256,6 +264,12 @@ private:
     [[nodiscard]] std::span<Value const> column(std::size_t place) const noexcept {
         return {reinterpret_cast<Value const*>(block_.get() + place * capacity_), size_};
     }
+    template <typename Value>
+    [[nodiscard]] ColumnView<Value> view(CommonValue<Value> const& common,
+                                         std::size_t place) const noexcept {
+        return common.isCommon ? ColumnView<Value>(common.value, size_)
+                               : ColumnView<Value>(column<Value>(place).data(), size_);
+    }
     /// Where a column starts; it has room for `capacity_` values.
     template <typename Value>
     [[nodiscard]] Value* columnStart(std::size_t place) noexcept {
@@ -267,6 +281,11 @@ private:
     bool hasTimes_ = false;
     bool hasRedundancy_ = false;
     bool hasTrailerMisfit_ = false;
+    CommonValue<std::uint16_t> pduOffset_;
+    CommonValue<std::uint16_t> sequence_;
+    CommonValue<PacketFlags> flags_;
+    CommonValue<std::uint16_t> asdu_;
+    CommonValue<std::uint8_t> smpSynch_;
     std::size_t size_ = 0;
     /// Packets that there is room for in each column. What is not used was never written, so that
     /// the system gives no memory for it.

@@ -32,32 +32,46 @@ void store(void* to, Vectors const& vectors) {
 /// Rows that become columns together.
 constexpr std::uint32_t kRowsAtOnce = 8;
 
-/// What so many rows have of each column.
-struct RowsAsColumns {
-    explicit RowsAsColumns(PacketRow const* rows) {
+/// What so many rows have of the columns that differ from packet to packet.
+struct RowsAsNumbers {
+    explicit RowsAsNumbers(PacketRow const* rows) {
         for (std::size_t i = 0; i < kRowsAtOnce / 2; ++i) {
             auto const a = load<TwoTimes>(&rows[2 * i].time);
             auto const b = load<TwoTimes>(&rows[2 * i + 1].time);
             times[i] = __builtin_shufflevector(a, b, 0, 2);
             frameOffsets[i] = __builtin_shufflevector(a, b, 1, 3);
         }
+        for (std::size_t i = 0; i < kRowsAtOnce / 4; ++i) {
+            PacketRow const* const four = rows + 4 * i;
+            auto const ab = __builtin_shufflevector(load<FourWords>(&four[0].first),
+                                                    load<FourWords>(&four[1].first), 0, 4, 1, 5);
+            auto const cd = __builtin_shufflevector(load<FourWords>(&four[2].first),
+                                                    load<FourWords>(&four[3].first), 0, 4, 1, 5);
+            firsts[i] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5);
+            seconds[i] = __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
+        }
+    }
+
+    TwoTimes times[kRowsAtOnce / 2];
+    TwoTimes frameOffsets[kRowsAtOnce / 2];
+    FourWords firsts[kRowsAtOnce / 4];
+    FourWords seconds[kRowsAtOnce / 4];
+};
+
+/// What they have of those that are mostly the same for all packets.
+struct RowsAsMarks {
+    explicit RowsAsMarks(PacketRow const* rows) {
         // Of four rows each: pduOffset and sequence, flags and asdu.
         EightShorts places[2];
         EightShorts marks[2];
         for (std::size_t i = 0; i < 2; ++i) {
             PacketRow const* const four = rows + 4 * i;
-            auto const a = load<FourWords>(&four[0].first);
-            auto const b = load<FourWords>(&four[1].first);
-            auto const c = load<FourWords>(&four[2].first);
-            auto const d = load<FourWords>(&four[3].first);
-            auto const ab = __builtin_shufflevector(a, b, 0, 4, 1, 5);
-            auto const cd = __builtin_shufflevector(c, d, 0, 4, 1, 5);
-            firsts[i] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5);
-            seconds[i] = __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
-            auto const abRest = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-            auto const cdRest = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-            FourWords const place = __builtin_shufflevector(abRest, cdRest, 0, 1, 4, 5);
-            FourWords const mark = __builtin_shufflevector(abRest, cdRest, 2, 3, 6, 7);
+            auto const ab = __builtin_shufflevector(load<FourWords>(&four[0].first),
+                                                    load<FourWords>(&four[1].first), 2, 6, 3, 7);
+            auto const cd = __builtin_shufflevector(load<FourWords>(&four[2].first),
+                                                    load<FourWords>(&four[3].first), 2, 6, 3, 7);
+            FourWords const place = __builtin_shufflevector(ab, cd, 0, 1, 4, 5);
+            FourWords const mark = __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
             places[i] = load<EightShorts>(&place);
             marks[i] = load<EightShorts>(&mark);
         }
@@ -74,10 +88,6 @@ struct RowsAsColumns {
         return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
     }
 
-    TwoTimes times[kRowsAtOnce / 2];
-    TwoTimes frameOffsets[kRowsAtOnce / 2];
-    FourWords firsts[kRowsAtOnce / 4];
-    FourWords seconds[kRowsAtOnce / 4];
     EightShorts pduOffsets;
     EightShorts sequences;
     EightShorts flags;
@@ -133,10 +143,69 @@ void ColumnsWriter::flush() {
     }
 }
 
+/// What the packets may have in common is what the first one has.
+void ColumnsWriter::noteCommon() {
+    PacketRow const& first = stage_[0];
+    columns_.pduOffset_.value = first.pduOffset;
+    columns_.sequence_.value = first.sequence;
+    columns_.flags_.value = PacketFlags{first.flags};
+    columns_.asdu_.value = first.asdu;
+    columns_.smpSynch_.value = static_cast<std::uint8_t>(first.second);
+}
+
+/// Puts a column into the block, with room for which there is.
+template <typename Value>
+void ColumnsWriter::spread(PacketColumns& columns, PacketColumns::CommonValue<Value>& common,
+                           std::size_t place) {
+    if (common.isCommon) {
+        std::fill_n(columns.columnStart<Value>(place), columns.size_, common.value);
+        common.isCommon = false;
+    }
+}
+
+/// Before the staged rows become columns.
+void ColumnsWriter::spreadWhatDiffers() {
+    PacketRow const common{.time = 0,
+                           .frameOffset = 0,
+                           .first = 0,
+                           .second = columns_.smpSynch_.value,
+                           .pduOffset = columns_.pduOffset_.value,
+                           .sequence = columns_.sequence_.value,
+                           .flags = columns_.flags_.value.bits,
+                           .asdu = columns_.asdu_.value};
+    auto const words = load<FourWords>(&common.first);
+    FourWords other{};
+    for (std::uint32_t i = 0; i < staged_; ++i) {
+        other |= load<FourWords>(&stage_[i].first) ^ words;
+    }
+    // In the order of PacketRow, from `first` on.
+    auto const shorts = load<EightShorts>(&other);
+    auto const& places = columns_.places();
+    if (shorts[4] != 0) {
+        spread(columns_, columns_.pduOffset_, places.pduOffsets);
+    }
+    if (shorts[5] != 0) {
+        spread(columns_, columns_.sequence_, places.sequences);
+    }
+    if (shorts[6] != 0) {
+        spread(columns_, columns_.flags_, places.flags);
+    }
+    if (!columns_.isGoose() && shorts[7] != 0) {
+        spread(columns_, columns_.asdu_, places.asdus);
+    }
+    if (!columns_.isGoose() && other[1] != 0) {
+        spread(columns_, columns_.smpSynch_, places.secondCounters);
+    }
+}
+
 template <StreamProtocol Protocol>
 void ColumnsWriter::flushAs() {
     constexpr bool isGoose = Protocol == StreamProtocol::goose;
     std::size_t const first = columns_.size_;
+    if (first == 0 && staged_ != 0) {
+        noteCommon();
+    }
+    spreadWhatDiffers();
     // Copies of what would be read again after each store.
     PacketRow const* const rows = stage_.get();
     std::uint32_t const count = staged_;
@@ -146,27 +215,17 @@ void ColumnsWriter::flushAs() {
     auto* const firsts = columns_.columnStart<std::uint32_t>(places.firstCounters) + first;
     using SecondCounter = std::conditional_t<isGoose, std::uint32_t, std::uint8_t>;
     auto* const seconds = columns_.columnStart<SecondCounter>(places.secondCounters) + first;
-    auto* const pduOffsets = columns_.columnStart<std::uint16_t>(places.pduOffsets) + first;
-    auto* const sequences = columns_.columnStart<std::uint16_t>(places.sequences) + first;
-    auto* const flags = columns_.columnStart<std::uint16_t>(places.flags) + first;
-    [[maybe_unused]] auto* const asdus = columns_.columnStart<std::uint16_t>(places.asdus) + first;
-    std::uint16_t allFlags = allFlags_;
-    bool isSorted = isSorted_;
-    std::int64_t lastTime = lastTime_;
+    bool const areSecondsKept = isGoose || !columns_.smpSynch_.isCommon;
     // All of them but for the last flush.
     std::uint32_t const together = count / kRowsAtOnce * kRowsAtOnce;
     for (std::uint32_t i = 0; i < together; i += kRowsAtOnce) {
-        RowsAsColumns const eight(rows + i);
+        RowsAsNumbers const eight(rows + i);
         store(times + i, eight.times);
         store(frameOffsets + i, eight.frameOffsets);
         store(firsts + i, eight.firsts);
-        store(pduOffsets + i, eight.pduOffsets);
-        store(sequences + i, eight.sequences);
-        store(flags + i, eight.flags);
         if constexpr (isGoose) {
             store(seconds + i, eight.seconds);
-        } else {
-            store(asdus + i, eight.asdus);
+        } else if (areSecondsKept) {
             for (std::uint32_t k = i; k < i + kRowsAtOnce; ++k) {
                 seconds[k] = static_cast<SecondCounter>(rows[k].second);
             }
@@ -177,16 +236,22 @@ void ColumnsWriter::flushAs() {
         times[i] = row.time;
         frameOffsets[i] = row.frameOffset;
         firsts[i] = row.first;
-        seconds[i] = static_cast<SecondCounter>(row.second);
-        pduOffsets[i] = row.pduOffset;
-        sequences[i] = row.sequence;
-        flags[i] = row.flags;
-        if constexpr (!isGoose) {
-            asdus[i] = row.asdu;
+        if (areSecondsKept) {
+            seconds[i] = static_cast<SecondCounter>(row.second);
         }
     }
-    for (std::uint32_t i = 0; i < count; ++i) {
-        PacketRow const& row = rows[i];
+    flushMarks(together);
+    noteOrderAndFlags();
+    columns_.size_ += count;
+    staged_ = 0;
+}
+
+void ColumnsWriter::noteOrderAndFlags() {
+    // Copies, likewise.
+    std::uint16_t allFlags = allFlags_;
+    bool isSorted = isSorted_;
+    std::int64_t lastTime = lastTime_;
+    for (PacketRow const& row : std::span<PacketRow const>(stage_.get(), staged_)) {
         isSorted &= row.time >= lastTime && row.time != kNoTime;
         lastTime = row.time;
         allFlags |= row.flags;
@@ -194,8 +259,67 @@ void ColumnsWriter::flushAs() {
     allFlags_ = allFlags;
     isSorted_ = isSorted;
     lastTime_ = lastTime;
-    columns_.size_ += count;
-    staged_ = 0;
+}
+
+/// The columns that are mostly the same for all packets, where they are not.
+/// @param together  rows that can become columns kRowsAtOnce at a time
+void ColumnsWriter::flushMarks(std::uint32_t together) {
+    bool const hasPduOffsets = !columns_.pduOffset_.isCommon;
+    bool const hasSequences = !columns_.sequence_.isCommon;
+    bool const hasFlags = !columns_.flags_.isCommon;
+    bool const hasAsdus = !columns_.isGoose() && !columns_.asdu_.isCommon;
+    if (!hasPduOffsets && !hasSequences && !hasFlags && !hasAsdus) {
+        return;
+    }
+    std::size_t const first = columns_.size_;
+    PacketRow const* const rows = stage_.get();
+    std::uint32_t const count = staged_;
+    auto const& places = columns_.places();
+    auto* const pduOffsets = columns_.columnStart<std::uint16_t>(places.pduOffsets) + first;
+    auto* const sequences = columns_.columnStart<std::uint16_t>(places.sequences) + first;
+    auto* const flags = columns_.columnStart<std::uint16_t>(places.flags) + first;
+    auto* const asdus = columns_.columnStart<std::uint16_t>(places.asdus) + first;
+    auto const keep = [&](std::uint32_t row, auto const& pduOffset, auto const& sequence,
+                          auto const& flag, auto const& asdu) {
+        if (hasPduOffsets) {
+            store(pduOffsets + row, pduOffset);
+        }
+        if (hasSequences) {
+            store(sequences + row, sequence);
+        }
+        if (hasFlags) {
+            store(flags + row, flag);
+        }
+        if (hasAsdus) {
+            store(asdus + row, asdu);
+        }
+    };
+    for (std::uint32_t i = 0; i < together; i += kRowsAtOnce) {
+        RowsAsMarks const eight(rows + i);
+        keep(i, eight.pduOffsets, eight.sequences, eight.flags, eight.asdus);
+    }
+    for (std::uint32_t i = together; i < count; ++i) {
+        keep(i, rows[i].pduOffset, rows[i].sequence, rows[i].flags, rows[i].asdu);
+    }
+}
+
+std::span<PacketFlags> ColumnsWriter::flags(PacketColumns& columns) {
+    auto const place = columns.places().flags;
+    spread(columns, columns.flags_, place);
+    return {columns.columnStart<PacketFlags>(place), columns.size_};
+}
+
+void ColumnsWriter::clearFlag(PacketColumns& columns, std::uint16_t bit) {
+    auto const without = [&](PacketFlags flags) {
+        return PacketFlags{static_cast<std::uint16_t>(flags.bits & ~unsigned{bit})};
+    };
+    if (columns.flags_.isCommon) {
+        columns.flags_.value = without(columns.flags_.value);
+        return;
+    }
+    for (PacketFlags& each : flags(columns)) {
+        each = without(each);
+    }
 }
 
 void ColumnsWriter::reserve(std::size_t capacity) {
@@ -213,14 +337,20 @@ void ColumnsWriter::reserve(std::size_t capacity) {
     copy(places.times, sizeof(std::int64_t));
     copy(places.frameOffsets, sizeof(std::uint64_t));
     copy(places.firstCounters, sizeof(std::uint32_t));
-    copy(places.pduOffsets, sizeof(std::uint16_t));
-    copy(places.sequences, sizeof(std::uint16_t));
-    copy(places.flags, sizeof(std::uint16_t));
+    auto const copyWhatDiffers =
+        [&]<typename Value>(PacketColumns::CommonValue<Value> const& common, std::size_t place) {
+            if (!common.isCommon) {
+                copy(place, sizeof(Value));
+            }
+        };
+    copyWhatDiffers(columns_.pduOffset_, places.pduOffsets);
+    copyWhatDiffers(columns_.sequence_, places.sequences);
+    copyWhatDiffers(columns_.flags_, places.flags);
     if (columns_.isGoose()) {
         copy(places.secondCounters, sizeof(std::uint32_t));
     } else {
-        copy(places.asdus, sizeof(std::uint16_t));
-        copy(places.secondCounters, sizeof(std::uint8_t));
+        copyWhatDiffers(columns_.asdu_, places.asdus);
+        copyWhatDiffers(columns_.smpSynch_, places.secondCounters);
     }
     columns_.block_ = std::move(block);
     columns_.capacity_ = capacity;

@@ -57,10 +57,11 @@ public:
     /// To be called last.
     [[nodiscard]] PacketColumns take();
 
-    /// Flags that are found only when all packets are known can be set.
-    static std::span<PacketFlags> flags(PacketColumns& columns) {
-        return {columns.columnStart<PacketFlags>(columns.places().flags), columns.size_};
-    }
+    /// Flags that are found only when all packets are known can be set, of some packets.
+    static std::span<PacketFlags> flags(PacketColumns& columns);
+    /// Takes a flag from all packets.
+    /// @param bit  of PacketFlags
+    static void clearFlag(PacketColumns& columns, std::uint16_t bit);
 
 private:
     static constexpr std::size_t kMaxStageSize = 16;
@@ -70,6 +71,13 @@ private:
     void flush();
     template <StreamProtocol Protocol>
     void flushAs();
+    void flushMarks(std::uint32_t together);
+    void noteOrderAndFlags();
+    void noteCommon();
+    void spreadWhatDiffers();
+    template <typename Value>
+    static void spread(PacketColumns& columns, PacketColumns::CommonValue<Value>& common,
+                       std::size_t place);
     void reserve(std::size_t capacity);
     static void sort(PacketColumns& columns);
 

@@ -121,7 +121,15 @@ void TrafficIndex::count(TrafficStream& stream) {
     stream.copies = 0;
     stream.duplicates = 0;
     for (StreamPart const& part : stream.parts) {
-        for (PacketFlags const& flag : part.packets.flags()) {
+        auto const flags = part.packets.flags();
+        if (flags.values() == nullptr && !flags.empty()) {
+            // Most often: neither.
+            bool const isDuplicate = flags[0].isDuplicate();
+            stream.duplicates += isDuplicate ? flags.size() : 0U;
+            stream.copies += !isDuplicate && flags[0].isCopy() ? flags.size() : 0U;
+            continue;
+        }
+        for (PacketFlags const flag : flags) {
             stream.duplicates += flag.isDuplicate() ? 1U : 0U;
             stream.copies += flag.isCopy() && !flag.isDuplicate() ? 1U : 0U;
         }

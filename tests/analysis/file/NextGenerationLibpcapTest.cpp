@@ -314,6 +314,20 @@ void expectReadOn(std::function<void(PcapngMaker&)> const& between,
     EXPECT_EQ(readByLibpcap(file.path()).records, Texts{addedText(1)});
 }
 
+TEST(NextGenerationLibpcap, LeavesCanFramesAsTheyAreWhereLibpcapTurnsTheirNumber) {
+    Bytes frame(20);
+    frame[15] = 12;  // CAN, in a cooked frame
+    frame[19] = 1;
+    Bytes turned = frame;
+    std::reverse(turned.end() - 4, turned.end());
+    PcapngMaker maker;
+    maker.section(false).interface(113, 64);
+    maker.packet({.frame = frame});
+    BothReads const both(maker);
+    EXPECT_EQ(both.records, Texts{recordText(0, 0, frame)});
+    EXPECT_EQ(both.byLibpcap, Texts{recordText(0, 0, turned)});
+}
+
 TEST(NextGenerationLibpcap, ReadsDifferentSnapLengthsThatLibpcapRefuses) {
     expectReadOn([](PcapngMaker& maker) { maker.interface(1, 65); });
     expectReadOn([](PcapngMaker& maker) { maker.section().interface(1, 65); });

@@ -130,9 +130,13 @@ private:
         }
     }
 
-    /// Not longer than the snap length.
+    /// Not longer than the snap length, and not of CAN, which libpcap changes.
     [[nodiscard]] Bytes anyFrame() const {
-        return TalTest::anyOctets(snapLength_ == 0 ? 200 : std::min(snapLength_ + 1, 200U));
+        Bytes frame = TalTest::anyOctets(snapLength_ == 0 ? 200 : std::min(snapLength_ + 1, 200U));
+        if (linkType_ == kCooked && frame.size() > kCookedProtocol) {
+            frame[kCookedProtocol] |= 1U;
+        }
+        return frame;
     }
 
     void addSimplePacket() {
@@ -165,9 +169,12 @@ private:
     }
 
     static constexpr std::uint32_t kShort = 60;
+    static constexpr std::uint16_t kCooked = 113;
+    /// Where the first octet of the EtherType is in a cooked frame.
+    static constexpr std::size_t kCookedProtocol = 14;
 
     bool isLittleEndian_ = oneIn(2);
-    std::uint16_t linkType_ = oneIn(3) ? 113 : 1;
+    std::uint16_t linkType_ = oneIn(3) ? kCooked : 1;
     std::uint32_t snapLength_ = oneOf(std::array<std::uint32_t, 4>{0, kShort, 65'535, 262'144});
     PcapngMaker maker_;
     std::vector<Clock> clocks_;

@@ -56,6 +56,112 @@ TEST(ColumnsWriter, KeepsEveryMemberOfAnyNumberOfRows) {
     }
 }
 
+/// Which columns hold a value for each packet.
+struct Held {
+    bool pduOffsets = false;
+    bool sequences = false;
+    bool flags = false;
+    bool asdus = false;
+    bool smpSynchs = false;
+
+    explicit Held(PacketColumns const& columns)
+        : pduOffsets(columns.pduOffsets().values() != nullptr),
+          sequences(columns.redundancySequences().values() != nullptr),
+          flags(columns.flags().values() != nullptr),
+          asdus(columns.asdus().values() != nullptr),
+          smpSynchs(columns.smpSynchs().values() != nullptr) {}
+
+    [[nodiscard]] int count() const {
+        return int{pduOffsets} + int{sequences} + int{flags} + int{asdus} + int{smpSynchs};
+    }
+};
+
+/// Rows alike in all but time, place and the first counter.
+PacketRow alikeRow(std::uint32_t number) {
+    PacketRow row = rowOf(7);
+    row.time = number;
+    row.frameOffset = number;
+    row.first = number;
+    return row;
+}
+
+TEST(ColumnsWriter, HoldsOnceWhatAllPacketsHave) {
+    for (StreamProtocol const protocol : {StreamProtocol::goose, StreamProtocol::sv}) {
+        for (std::uint32_t const count : {1U, 15U, 16U, 17U, 1000U}) {
+            ColumnsWriter writer(protocol);
+            for (std::uint32_t i = 0; i < count; ++i) writer.add(0, 0) = alikeRow(i);
+            PacketColumns const columns = writer.take();
+            EXPECT_EQ(Held(columns).count(), 0);
+            for (std::uint32_t i = 0; i < count; ++i) {
+                ASSERT_EQ(columns.pduOffsets()[i], 8U);
+                ASSERT_EQ(columns.redundancySequences()[i], 9U);
+                ASSERT_EQ(columns.flags()[i].bits, 7U);
+                if (protocol == StreamProtocol::sv) {
+                    ASSERT_EQ(columns.asdus()[i], 10U);
+                    ASSERT_EQ(columns.smpSynchs()[i], 7U);
+                }
+            }
+        }
+    }
+}
+
+TEST(ColumnsWriter, HoldsEachValueOfAColumnInWhichAnyPacketDiffers) {
+    constexpr std::uint32_t kCount = 70;
+    for (std::uint32_t other = 0; other < kCount; ++other) {
+        for (int column = 0; column < 5; ++column) {
+            ColumnsWriter writer(StreamProtocol::sv);
+            for (std::uint32_t i = 0; i < kCount; ++i) {
+                PacketRow row = alikeRow(i);
+                if (i == other) {
+                    row.pduOffset = column == 0 ? 100 : row.pduOffset;
+                    row.sequence = column == 1 ? 100 : row.sequence;
+                    row.flags = column == 2 ? std::uint16_t{1} : row.flags;
+                    row.asdu = column == 3 ? 100 : row.asdu;
+                    row.second = column == 4 ? 100 : row.second;
+                }
+                writer.add(0, 0) = row;
+            }
+            PacketColumns const columns = writer.take();
+            SCOPED_TRACE(testing::Message() << "packet " << other << ", column " << column);
+            Held const held(columns);
+            EXPECT_EQ(held.count(), 1);
+            EXPECT_TRUE(column == 0   ? held.pduOffsets
+                        : column == 1 ? held.sequences
+                        : column == 2 ? held.flags
+                        : column == 3 ? held.asdus
+                                      : held.smpSynchs);
+            for (std::uint32_t i = 0; i < kCount; ++i) {
+                bool const isOther = i == other;
+                ASSERT_EQ(columns.pduOffsets()[i], isOther && column == 0 ? 100U : 8U);
+                ASSERT_EQ(columns.redundancySequences()[i], isOther && column == 1 ? 100U : 9U);
+                ASSERT_EQ(columns.flags()[i].bits, isOther && column == 2 ? 1U : 7U);
+                ASSERT_EQ(columns.asdus()[i], isOther && column == 3 ? 100U : 10U);
+                ASSERT_EQ(columns.smpSynchs()[i], isOther && column == 4 ? 100U : 7U);
+            }
+        }
+    }
+}
+
+TEST(ColumnsWriter, SetsAndTakesFlagsOfPacketsThatHadThemInCommon) {
+    ColumnsWriter writer(StreamProtocol::goose);
+    for (std::uint32_t i = 0; i < 100; ++i) {
+        PacketRow row = alikeRow(i);
+        row.flags = PacketFlags::kCopy | PacketFlags::kSimulated;
+        writer.add(0, 0) = row;
+    }
+    PacketColumns columns = writer.take();
+    ColumnsWriter::clearFlag(columns, PacketFlags::kCopy);
+    EXPECT_EQ(columns.flags().values(), nullptr);
+    EXPECT_EQ(columns.flags()[42].bits, PacketFlags::kSimulated);
+    ColumnsWriter::flags(columns)[42].bits |= PacketFlags::kDuplicate;
+    for (std::size_t i = 0; i < 100; ++i) {
+        EXPECT_EQ(columns.flags()[i].isDuplicate(), i == 42);
+        EXPECT_TRUE(columns.flags()[i].isSimulated());
+    }
+    ColumnsWriter::clearFlag(columns, PacketFlags::kDuplicate);
+    for (PacketFlags const flags : columns.flags()) EXPECT_FALSE(flags.isDuplicate());
+}
+
 TEST(ColumnsWriter, OrdersPacketsByTimeWhereAnyOneIsEarlier) {
     constexpr std::uint32_t kCount = 100;
     for (std::uint32_t early = 1; early < kCount; ++early) {
