@@ -18,6 +18,8 @@ namespace {
 constexpr std::size_t kBufferSize = std::size_t{128} * 1024;
 /// No more rows are encoded at once: of few channels, many rows would fit into the buffer.
 constexpr std::size_t kMostRows = 8192;
+/// Of binary data, rows whose columns are written one after the other.
+constexpr std::size_t kTileRows = 256;
 
 constexpr std::size_t kLongestNumber = 10;
 constexpr std::size_t kLongestSample = 13;
@@ -37,6 +39,14 @@ std::size_t largestRowOf(ComtradeRecord const& record) {
     // Sample number, stamp, each with a comma after it; CR LF.
     return kLongestNumber + 1 + kLongestSample + 1 + record.analogs.size() * (kLongestSample + 1) +
            record.digitals.size() * 2 + 2;
+}
+
+bool isAnySet(ComtradeDigitalColumn states) {
+    std::uint8_t all = 0;
+    for (std::uint8_t const state : states) {
+        all = static_cast<std::uint8_t>(all | state);
+    }
+    return all != 0;
 }
 
 std::size_t rowsIn(ComtradeSamples const& samples) {
@@ -80,6 +90,7 @@ struct ComtradeRows::State {
                                      std::span<ComtradeDigitalColumn const> digitalColumns) const;
     void encode(Part const& part);
     void encodeBinary(Part const& part);
+    void encodeTile(Part const& part);
     void encodeText(Part const& part);
     template <typename Put>
     void storeSamples(Part const& part, std::size_t analog, Put put);
@@ -135,10 +146,10 @@ std::size_t ComtradeRows::State::rowsOf(
 void ComtradeRows::State::encode(Part const& part) {
     if (data == ComtradeData::ascii) {
         encodeText(part);
+        added += part.rows;
     } else {
         encodeBinary(part);
     }
-    added += part.rows;
 }
 
 /// Calls `put` with each row of the part, and what is stored of its sample.
@@ -156,10 +167,20 @@ void ComtradeRows::State::storeSamples(Part const& part, std::size_t analog, Put
 }
 
 void ComtradeRows::State::encodeBinary(Part const& part) {
-    // Column by column: the part of the buffer stays in the processor's cache.
+    // Some rows at a time, column by column: they stay in the processor's nearest cache.
+    for (std::size_t done = 0; done < part.rows; done += kTileRows) {
+        encodeTile({.analogs = part.analogs,
+                    .digitals = part.digitals,
+                    .first = part.first + done,
+                    .rows = std::min(kTileRows, part.rows - done)});
+    }
+}
+
+void ComtradeRows::State::encodeTile(Part const& part) {
     std::size_t const rowSize = shape.size();
     std::uint8_t* const begin = buffer.data() + used;
     putStamps(begin, part.rows);
+    added += part.rows;
     for (std::size_t analog = 0; analog < stores.size(); ++analog) {
         std::uint8_t* const place = begin + shape.sampleOffset(analog);
         if (data == ComtradeData::binary32) {
@@ -193,6 +214,9 @@ void ComtradeRows::State::putWords(std::uint8_t* place, Part const& part, std::s
     std::fill_n(words.begin(), part.rows, std::uint16_t{0});
     for (std::size_t bit = 0; bit < channels; ++bit) {
         auto const states = part.digitals[firstChannel + bit].subspan(part.first, part.rows);
+        if (!isAnySet(states)) {
+            continue;  // as quality bits mostly are
+        }
         auto const mask = static_cast<std::uint16_t>(1U << bit);
         for (std::size_t row = 0; row < part.rows; ++row) {
             words[row] = static_cast<std::uint16_t>(words[row] | (states[row] != 0 ? mask : 0));

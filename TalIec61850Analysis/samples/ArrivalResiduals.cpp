@@ -1,48 +1,63 @@
 #include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
 #include <TalIec61850Analysis/samples/Histogram.hpp>
 #include <TalIec61850Analysis/samples/LineFit.hpp>
-#include <TalIec61850Analysis/samples/SampleSequence.hpp>
+#include <TalIec61850Analysis/samples/SampleReader.hpp>
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace TalIec61850Analysis {
 
 namespace {
 
+/// The newest sample of a frame, as far as the frame is known.
+struct Newest {
+    std::uint32_t file = 0;
+    std::uint16_t asdu = 0;
+    std::int64_t arrival = kNoTime;
+    std::int64_t time = kNoTime;
+
+    /// Whether a sample of a block is a later one of the same frame; other streams may have ASDUs
+    /// between.
+    [[nodiscard]] bool isFollowedBy(SampleBlock const& block, std::size_t row) const {
+        SamplePlace const& place = block.places[row];
+        return place.asdu > asdu && place.file == file && block.arrivals[row] == arrival;
+    }
+    /// From 1970 to 2115: differences of these, and of such differences, are within 64 bits.
+    [[nodiscard]] bool isUsual() const {
+        constexpr std::int64_t kLatest = 4'600'000'000'000'000'000;
+        auto const isOne = [](std::int64_t instant) { return instant >= 0 && instant < kLatest; };
+        return isOne(time) && isOne(arrival);
+    }
+};
+
 /// Calls with the time of each sample that is the newest of its frame, and its residual.
 template <typename Visit>
 void visitResiduals(TrafficIndex const& index, TrafficStream const& stream, SampleRate given,
                     Visit const& visit) {
-    detail::SampleSequence sequence(index, stream, given, false);
-    detail::SequencedSample sample;
-    detail::SequencedSample before;
-    bool hasBefore = false;
-    auto const frameOf = [&](detail::SequencedSample const& of) {
-        return stream.parts[of.packet.part].packets.frameOffsets()[of.packet.packet];
-    };
-    auto const visitBefore = [&] {
-        std::int64_t const arrival =
-            stream.parts[before.packet.part].packets.times()[before.packet.packet];
-        // From 1970 to 2115: differences of these, and of such differences, are within 64 bits.
-        constexpr std::int64_t kLatest = 4'600'000'000'000'000'000;
-        auto const isUsual = [](std::int64_t time) { return time >= 0 && time < kLatest; };
-        if (isUsual(before.time) && isUsual(arrival)) {
-            visit(before.time, arrival - before.time);
+    SampleOptions options;
+    options.rate = given;
+    options.withValues = false;
+    SampleReader reader(index, stream, std::move(options));
+    Newest newest;  // without times there is none
+    auto const visitNewest = [&] {
+        if (newest.isUsual()) {
+            visit(newest.time, newest.arrival - newest.time);
         }
     };
-    while (sequence.next(sample)) {
-        bool const isSameFrame = hasBefore && before.packet.part == sample.packet.part &&
-                                 frameOf(before) == frameOf(sample);
-        if (hasBefore && !isSameFrame) {
-            visitBefore();
+    while (SampleBlock const* const block = reader.next()) {
+        for (std::size_t row = 0; row < block->size(); ++row) {
+            if (!newest.isFollowedBy(*block, row)) {
+                visitNewest();
+            }
+            newest = {.file = block->places[row].file,
+                      .asdu = block->places[row].asdu,
+                      .arrival = block->arrivals[row],
+                      .time = block->sampleTimes[row]};
         }
-        before = sample;
-        hasBefore = true;
     }
-    if (hasBefore) {
-        visitBefore();
-    }
+    visitNewest();
 }
 
 /// The least residual in each of some equal parts of a span, and the slope of these.

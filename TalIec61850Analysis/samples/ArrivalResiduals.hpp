@@ -28,12 +28,12 @@ struct ArrivalResiduals {
     friend bool operator==(ArrivalResiduals const&, ArrivalResiduals const&) = default;
 };
 
-/// Compares arrival with the times of samples by smpCnt, or by a fit; times of refrTm are not
-/// looked up. Only the index is read.
+/// Compares arrival with the times of samples. Frames are read only where any has a refrTm.
 /// @param index   of the captures
 /// @param stream  of the index, SV
 /// @param given   the rate, in place of what the stream tells
 /// @return not set where no sample has both times
+/// @throws std::system_error  a capture cannot be read, or no longer has its packets (ESTALE)
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ArrivalResiduals> arrivalResiduals(
     TrafficIndex const& index, TrafficStream const& stream, SampleRate given = {});
 

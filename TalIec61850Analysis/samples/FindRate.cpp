@@ -423,6 +423,7 @@ FoundRate RateWalk::find() const {
     found.measured = agreeing_.time > 0 ? agreeing_.rate() : all_.rate();
     std::uint32_t const shown =
         wraps_.largestNear(found.measured, asdus_, standardNear(found.measured));
+    found.counted = shown;
     found = byDeclared(found, shown);
     if (found.rate.isKnown()) {
         return found;

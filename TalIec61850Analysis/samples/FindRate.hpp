@@ -18,6 +18,8 @@ struct FoundRate {
     RateSource source = RateSource::none;
     /// Samples a second by smpCnt and arrival; 0 where they do not tell.
     double measured = 0;
+    /// By the largest smpCnt before it begins again; 0 where that was not met.
+    std::uint32_t counted = 0;
     /// smpCnt begins again there.
     std::uint32_t wrap = 65536;
     /// Whether smpCnt is the number of the sample in its second.

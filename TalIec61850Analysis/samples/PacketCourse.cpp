@@ -15,8 +15,8 @@ public:
     explicit StripColumns(PacketColumns const& packets)
         : times_(packets.times().data()),
           smpCnts_(packets.smpCnts().data()),
-          synchs_(packets.smpSynchs().data()),
-          flags_(packets.flags().data()) {}
+          synchs_(packets.smpSynchs()),
+          flags_(packets.flags()) {}
 
     /// Whether a packet has a time and both counters in their columns, and is no copy.
     [[nodiscard]] bool isUsual(std::size_t packet) const {
@@ -51,19 +51,25 @@ private:
         for (std::size_t i = packet; i < packet + Count; ++i) {
             other |= smpCnts_[i] ^ (smpCnts_[i - 1] + 1);
         }
-        for (std::size_t i = packet; i < packet + Count; ++i) {
-            unusual = static_cast<std::uint16_t>(unusual | (flags_[i].bits & kUnusual));
+        if (PacketFlags const* const flags = flags_.values()) {
+            for (std::size_t i = packet; i < packet + Count; ++i) {
+                unusual = static_cast<std::uint16_t>(unusual | (flags[i].bits & kUnusual));
+            }
+        } else {
+            unusual = flags_[packet].bits & kUnusual;
         }
-        for (std::size_t i = packet; i < packet + Count; ++i) {
-            synch = static_cast<std::uint8_t>(synch | (synchs_[i] ^ synchs_[i - 1]));
+        if (std::uint8_t const* const synchs = synchs_.values()) {
+            for (std::size_t i = packet; i < packet + Count; ++i) {
+                synch = static_cast<std::uint8_t>(synch | (synchs[i] ^ synchs[i - 1]));
+            }
         }
         return (late | other | unusual | synch) == 0;
     }
 
     std::int64_t const* times_;
     std::uint32_t const* smpCnts_;
-    std::uint8_t const* synchs_;
-    PacketFlags const* flags_;
+    ColumnView<std::uint8_t> synchs_;
+    ColumnView<PacketFlags> flags_;
 };
 
 }  // namespace
@@ -75,7 +81,7 @@ PacketCourse::PacketCourse(TrafficStream const& stream, std::vector<bool> const&
     : stream_(&stream) {
     for (std::size_t number = 0; number < stream.parts.size(); ++number) {
         StreamPart const& part = stream.parts[number];
-        parts_.push_back({.flags = part.packets.flags().data(),
+        parts_.push_back({.flags = part.packets.flags(),
                           .times = part.packets.times().data(),
                           .next = 0,
                           .size = areWanted[number] ? part.packets.size() : 0,
@@ -156,17 +162,17 @@ PacketCourse::Strip PacketCourse::nextStrip(std::uint64_t most) {
             .count = static_cast<std::uint32_t>(after - first)};
 }
 
-std::optional<PacketRef> PacketCourse::nextOfSeveral() {
+bool PacketCourse::goOnInSeveral(PacketRef& next) {
     std::int64_t until = 0;
     Cursor* const earliest = nextPart(until);
     if (earliest == nullptr) {
-        return std::nullopt;
+        return false;
     }
-    PacketRef const ref{.part = static_cast<std::uint32_t>(earliest - parts_.data()),
-                        .packet = static_cast<std::uint32_t>(earliest->next)};
+    next = {.part = static_cast<std::uint32_t>(earliest - parts_.data()),
+            .packet = static_cast<std::uint32_t>(earliest->next)};
     ++earliest->next;
     settle(*earliest);
-    return ref;
+    return true;
 }
 
 }  // namespace TalIec61850Analysis::detail

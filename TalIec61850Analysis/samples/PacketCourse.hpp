@@ -37,22 +37,33 @@ public:
 
     /// The next packet; not set after the last.
     [[nodiscard]] std::optional<PacketRef> next() {
+        PacketRef packet;
+        return goOn(packet) ? std::optional(packet) : std::nullopt;
+    }
+
+    /// The next packet, for loops: an optional value is copied through memory, which takes longer
+    /// than finding the packet.
+    /// @param next  set to it; to anything where there is none
+    /// @return whether there is one
+    [[nodiscard]] bool goOn(PacketRef& next) {
         if (parts_.size() == 1) [[likely]] {
             Cursor& cursor = parts_.front();
-            while (cursor.next < cursor.size) {
-                std::size_t const packet = cursor.next++;
-                if (isFirst(cursor.flags[packet])) {
-                    return PacketRef{.part = 0, .packet = static_cast<std::uint32_t>(packet)};
-                }
+            std::size_t packet = cursor.next;
+            while (packet < cursor.size && !isFirst(cursor.flags[packet])) {
+                ++packet;
             }
-            return std::nullopt;
+            bool const isLeft = packet < cursor.size;
+            cursor.next = packet + (isLeft ? 1U : 0U);
+            next.part = 0;
+            next.packet = static_cast<std::uint32_t>(packet);
+            return isLeft;
         }
-        return nextOfSeveral();
+        return goOnInSeveral(next);
     }
 
 private:
     struct Cursor {
-        PacketFlags const* flags = nullptr;
+        ColumnView<PacketFlags> flags;
         std::int64_t const* times = nullptr;
         std::size_t next = 0;
         std::size_t size = 0;
@@ -67,7 +78,7 @@ private:
     }
     /// Goes to the next packet that is to be given.
     static void settle(Cursor& cursor);
-    [[nodiscard]] std::optional<PacketRef> nextOfSeveral();
+    [[nodiscard]] bool goOnInSeveral(PacketRef& next);
     /// The part whose packet is next, and until when its packets are; null after the last.
     [[nodiscard]] Cursor* nextPart(std::int64_t& until);
     [[nodiscard]] std::size_t endOfAttributes(Cursor& cursor) const;

@@ -21,25 +21,39 @@ std::optional<std::int64_t> boundOf(std::optional<CaptureTime> const& time) {
 }
 
 /// How many rows a block of such samples has at most.
-std::size_t rowsOf(std::size_t dataSize) {
+/// @param together  streams that are gone through block by block
+std::size_t rowsOf(std::size_t dataSize, std::size_t together) {
     constexpr std::size_t kOtherColumns = 64;
+    constexpr std::size_t kFewestTogether = 128;
     // A value of an octet is kept in four.
     std::size_t const row = kOtherColumns + 4 * dataSize;
-    return std::clamp(kBlockOctets / row, kFewestRows, kMostBlockRows);
+    std::size_t const alone = std::clamp(kBlockOctets / row, kFewestRows, kMostBlockRows);
+    return std::clamp(alone / together, std::min(kFewestTogether, alone), alone);
+}
+
+/// What is kept of each capture: of several streams together, what their blocks take, and as much
+/// again for streams that are ahead.
+constexpr std::size_t kPiecesTogether = 16;
+
+std::shared_ptr<detail::CaptureWindow> windowFor(TrafficIndex const& index, std::size_t together) {
+    return std::make_shared<detail::CaptureWindow>(index, together > 1 ? kPiecesTogether : 1);
 }
 
 }  // namespace
 
 struct SampleReader::State {
-    State(TrafficIndex const& index, TrafficStream const& stream, SampleOptions&& given)
-        : stream_(stream),
+    State(TrafficIndex const& index, TrafficStream const& stream, SampleOptions given,
+          std::shared_ptr<detail::CaptureWindow> captures)
+        : window(std::move(captures)),
+          stream_(stream),
           from_(boundOf(given.from)),
           end_(boundOf(given.end)),
           sequence_(index, stream, given.rate, given.rows == SampleRows::everySample),
           attributes_(index, stream),
-          asdus_(index, stream),
+          asdus_(index, stream, window),
           layouts_(index, stream, std::move(given.layout)),
-          withValues_(given.withValues) {}
+          withValues_(given.withValues),
+          together_(std::max<std::size_t>(given.together, 1)) {}
 
     SampleBlock const* next() {
         if (isOver_) {
@@ -63,6 +77,9 @@ struct SampleReader::State {
     }
 
     [[nodiscard]] SampleCounts const& counts() const { return sequence_.counts(); }
+
+    /// What is read of the captures.
+    std::shared_ptr<detail::CaptureWindow> window;
 
 private:
     using LayoutKey = detail::LayoutKey;
@@ -138,7 +155,7 @@ private:
     /// @return of how many samples
     std::size_t readRest(detail::SampleSequence::Rest const& rest, std::size_t count) {
         StreamPart const& part = stream_.parts[rest.first.part];
-        std::uint16_t const* const asdus = part.packets.asdus().data();
+        ColumnView<std::uint16_t> const asdus = part.packets.asdus();
         std::uint64_t const* const frames = part.packets.frameOffsets().data();
         bool const isRead = withValues_ || layouts_.haveTimes();
         for (std::size_t i = 0; i < count; ++i) {
@@ -318,7 +335,7 @@ private:
         isNewRun_ = false;
         block_.run = sequence_.run();
         block_.dataSize = key_.size;
-        room_ = rowsOf(key_.size);
+        room_ = rowsOf(key_.size, together_);
         resize(room_);
         decoder_.reset();
         block_.channels.clear();
@@ -369,6 +386,7 @@ private:
     detail::StreamLayouts layouts_;
 
     bool withValues_;
+    std::size_t together_;
 
     SampleBlock block_;
     std::size_t rows_ = 0;
@@ -387,8 +405,14 @@ private:
 };
 
 SampleReader::SampleReader(TrafficIndex const& index, TrafficStream const& stream,
-                           SampleOptions options)
-    : state_(std::make_unique<State>(index, stream, std::move(options))) {}
+                           SampleOptions options) {
+    auto window = windowFor(index, options.together);
+    state_ = std::make_unique<State>(index, stream, std::move(options), std::move(window));
+}
+
+SampleReader::SampleReader(TrafficIndex const& index, TrafficStream const& stream,
+                           SampleOptions options, SampleReader const& beside)
+    : state_(std::make_unique<State>(index, stream, std::move(options), beside.state_->window)) {}
 
 SampleReader::SampleReader(SampleReader&& other) noexcept = default;
 SampleReader& SampleReader::operator=(SampleReader&& other) noexcept = default;

@@ -7,6 +7,7 @@
 #include <TalIec61850Analysis/samples/SampleRun.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -36,6 +37,9 @@ struct SampleOptions {
     /// Whether values are read. Without them, blocks have neither layout nor channels, places may
     /// be those of frames, and frames are read only where any has a refrTm: some times as fast.
     bool withValues = true;
+    /// How many streams are gone through together, block by block, by readers beside each other;
+    /// not 0. Of more streams, blocks are shorter, so that what one has read serves the others.
+    std::size_t together = 1;
 };
 
 /// Reads the samples of an SV stream, block by block, in the order in which they were taken.
@@ -53,6 +57,11 @@ public:
     /// @param options  which samples, and as what
     TALIEC61850ANALYSIS_EXPORT SampleReader(TrafficIndex const& index, TrafficStream const& stream,
                                             SampleOptions options = {});
+    /// Shares what it reads of the captures with another reader. Both are used on one thread.
+    /// @param index, stream, options  as above
+    /// @param beside  of a stream of the same index; need not outlive the reader
+    TALIEC61850ANALYSIS_EXPORT SampleReader(TrafficIndex const& index, TrafficStream const& stream,
+                                            SampleOptions options, SampleReader const& beside);
     /// What is moved from can be destroyed and assigned to.
     TALIEC61850ANALYSIS_EXPORT SampleReader(SampleReader&& other) noexcept;
     /// What is moved from can be destroyed and assigned to.

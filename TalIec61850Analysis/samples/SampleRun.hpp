@@ -25,12 +25,14 @@ struct SampleRun {
     PacketRef first;
     /// The packet before that; not set for the first run.
     std::optional<PacketRef> before;
-    /// The rate that times are reckoned with.
+    /// The rate that times are computed with.
     SampleRate rate;
     /// What tells that rate.
     RateSource rateSource = RateSource::none;
     /// The rate by smpCnt and arrival, samples a second; 0 where they do not tell.
     double measuredRate = 0;
+    /// The rate by the largest smpCnt before it begins again; 0 where that was not met.
+    std::uint32_t countedRate = 0;
     /// smpRate or smpCnt contradict the rate.
     bool isRateContradicted = false;
 

@@ -190,6 +190,7 @@ void SampleSequence::begin(PacketRef packet, RunStart start) {
             .rate = rate_.rate,
             .rateSource = rate_.source,
             .measuredRate = rate_.measured,
+            .countedRate = rate_.counted,
             .isRateContradicted = rate_.isContradicted};
     ++counts_.runs;
     runIsCounted_ = isCounted(packet);

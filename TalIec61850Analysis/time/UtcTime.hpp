@@ -22,8 +22,8 @@ struct UtcTime {
 
     /// The whole, in nanoseconds since 1970, cut likewise.
     [[nodiscard]] std::int64_t nanosecondsSince1970() const noexcept {
-        constexpr std::int64_t kSecond = 1'000'000'000;
-        return std::int64_t{seconds} * kSecond + nanoseconds();
+        constexpr std::int64_t kNanosecondsInSecond = 1'000'000'000;
+        return std::int64_t{seconds} * kNanosecondsInSecond + nanoseconds();
     }
 
     /// The clock takes leap seconds into account.

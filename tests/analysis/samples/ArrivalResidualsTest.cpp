@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "analysis/samples/ReadRows.hpp"
+#include "support/CaptureFile.hpp"
+#include "support/SampledValues.hpp"
 #include "support/WaveformStream.hpp"
 
 namespace TalIec61850Analysis {
@@ -44,6 +46,35 @@ TEST(Residuals, AreTheDelayWhereThatIsTheSame) {
         EXPECT_EQ(residuals->largest, 0);
         ASSERT_TRUE(residuals->driftPpm);
         EXPECT_NEAR(*residuals->driftPpm, 0, 0.001);
+    }
+}
+
+TEST(Residuals, AreOneOfAFrameWhoseAsdusAreOfTwoStreamsInTurn) {
+    constexpr std::uint32_t kFrames = 4000;  // of 2 samples each, 2 s
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (std::uint32_t frame = 0; frame < kFrames; ++frame) {
+        SvMessage message;
+        message.asdus.clear();
+        for (std::uint32_t const sample : {2 * frame, 2 * frame + 1}) {
+            for (char const* const svID : {"MU01", "MU02"}) {
+                Asdu asdu;
+                asdu.svID = svID;
+                asdu.smpCnt = static_cast<std::uint16_t>(sample % 4000);
+                message.asdus.push_back(asdu);
+            }
+        }
+        std::uint32_t const newest = 2 * frame + 1;
+        std::uint32_t const late = newest % 4000 * 250'000 + 70'000;
+        capture.add(1'700'000'000 + newest / 4000, late, svFrame(svEthernet(), message));
+    }
+    IndexedWaveform const indexed({capture.bytes()});
+    ASSERT_EQ(indexed.index().streams().size(), 2U);
+    for (TrafficStream const& stream : indexed.index().streams()) {
+        auto const residuals = arrivalResiduals(indexed.index(), stream);
+        ASSERT_TRUE(residuals);
+        EXPECT_EQ(residuals->samples, kFrames);
+        EXPECT_EQ(residuals->least, 70'000);
+        EXPECT_EQ(residuals->largest, 0);
     }
 }
 
@@ -114,6 +145,23 @@ TEST(Residuals, AreSmallAgainstAFit) {
     ASSERT_TRUE(residuals);
     EXPECT_LE(std::abs(residuals->least), 1000);
     EXPECT_LE(residuals->largest, 1000);
+}
+
+TEST(Residuals, AreThoseOfTheTimesThatThePublisherSays) {
+    for (std::uint32_t const asdus : {1U, 6U}) {
+        WaveformSettings settings = residualSettings(4800, asdus);
+        settings.hasRefrTm = true;
+        settings.smpSynch = 0;
+        settings.delay = 1'234'567;
+        WaveformStream stream(settings);
+        stream.send(9600 / asdus);
+        auto const residuals = residualsOf(stream);
+        ASSERT_TRUE(residuals);
+        EXPECT_EQ(residuals->samples, 9600 / asdus);
+        // refrTm counts in 60 ns; a fit would leave nothing of the delay.
+        EXPECT_NEAR(static_cast<double>(residuals->least), 1'234'567, 60);
+        EXPECT_LE(residuals->largest, 120);
+    }
 }
 
 TEST(Residuals, AreNoneWhereNothingHasATime) {
