@@ -45,6 +45,15 @@ std::optional<std::int64_t> EventReader::lifeOf(std::size_t stream, PacketRef pa
     return lifeIn(before_.view);
 }
 
+EventReader::Data EventReader::dataOf(std::size_t stream, PacketRef packet) {
+    load(stream, packet, now_);
+    Data data{.values = {}, .timeAllowedtoLive = lifeIn(now_.view)};
+    if (!now_.isCut && now_.view.allData) {
+        data.values = valuesIn(*now_.view.allData, now_.pdu, now_.pduOffset);
+    }
+    return data;
+}
+
 EventPlace EventReader::placeOf(std::size_t stream, PacketRef packet) const {
     StreamPart const& part = index_.streams()[stream].parts[packet.part];
     return {.file = part.file,

@@ -4,6 +4,7 @@
 
 #include <TalIec61850Analysis/events/GooseEvent.hpp>
 #include <TalIec61850Analysis/events/StateWatch.hpp>
+#include <TalIec61850Analysis/packet/Elements.hpp>
 #include <TalIec61850Analysis/packet/GooseView.hpp>
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/traffic/CaptureWindow.hpp>
@@ -28,6 +29,19 @@ public:
     /// timeAllowedtoLive of a packet, in milliseconds.
     /// @throws std::system_error  as above
     [[nodiscard]] std::optional<std::int64_t> lifeOf(std::size_t stream, PacketRef packet);
+
+    /// What one message holds.
+    struct Data {
+        /// Not set where a snap length cut the message, or it has no allData; valid until the next
+        /// call of the reader.
+        std::optional<Elements> values;
+        /// In milliseconds.
+        std::optional<std::int64_t> timeAllowedtoLive;
+    };
+
+    /// The values of a message.
+    /// @throws std::system_error  as above
+    [[nodiscard]] Data dataOf(std::size_t stream, PacketRef packet);
 
 private:
     /// A message, as far as it was captured.

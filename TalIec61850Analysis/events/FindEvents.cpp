@@ -66,17 +66,8 @@ private:
     };
 
     void add(Watched& watched, detail::CourseMessage const& message, detail::EventReader& reader) {
-        StreamPart const& part = index_.streams()[message.stream].parts[message.packet.part];
-        PacketColumns const& packets = part.packets;
-        std::size_t const packet = message.packet.packet;
-        PacketFlags const flags = packets.flags()[packet];
-        detail::StateMessage const state{
-            .arrival = packets.times()[packet],
-            .packet = message.packet,
-            .number = {packets.stNums()[packet], packets.sqNums()[packet]},
-            .way = watched.ways.wayOf(message.packet.part, flags),
-            .isCounted = flags.firstCounter() == CounterState::held &&
-                         flags.secondCounter() == CounterState::held};
+        detail::StateMessage const state =
+            detail::stateMessage(index_.streams()[message.stream], watched.ways, message.packet);
         watched.watch.add(
             state, [&](PacketRef newest) { return reader.lifeOf(message.stream, newest); },
             [&](detail::StateChange const& change) {

@@ -4,6 +4,17 @@
 
 namespace TalIec61850Analysis::detail {
 
+StateMessage stateMessage(TrafficStream const& stream, StreamWays const& ways, PacketRef packet) {
+    PacketColumns const& packets = stream.parts[packet.part].packets;
+    PacketFlags const flags = packets.flags()[packet.packet];
+    return {.arrival = packets.times()[packet.packet],
+            .packet = packet,
+            .number = {packets.stNums()[packet.packet], packets.sqNums()[packet.packet]},
+            .way = ways.wayOf(packet.part, flags),
+            .isCounted = flags.firstCounter() == CounterState::held &&
+                         flags.secondCounter() == CounterState::held};
+}
+
 void StateWatch::add(StateMessage const& message, LifeReader const& lifeOf, StateChangeSink sink) {
     if (candidate_) {
         StateMessage const held = *candidate_;

@@ -5,6 +5,7 @@
 #include <TalIec61850Analysis/packet/Sink.hpp>
 #include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
+#include <TalIec61850Analysis/traffic/StreamWays.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstdint>
 #include <functional>
@@ -24,6 +25,11 @@ struct StateMessage {
     /// Whether there are stNum and sqNum.
     bool isCounted = true;
 };
+
+/// A message of a stream, as the index has it.
+/// @param ways  of the stream
+[[nodiscard]] StateMessage stateMessage(TrafficStream const& stream, StreamWays const& ways,
+                                        PacketRef packet);
 
 /// A new state, without what its messages hold.
 struct StateChange {

@@ -75,7 +75,7 @@ private:
 
 /// Gives losses of which nothing else tells the cause to the capture, where the interface of their
 /// file dropped packets in a time that all of the loss is in: only where it dropped at least as
-/// many as are missing in that time, of all streams together and whoever lost them.
+/// many as are missing in that time, of all streams together, no matter what lost them.
 /// @param findings  of all streams, those of a capture itself not among them
 void judgeByStatistics(TrafficIndex const& index, std::vector<CaptureDrop> const& drops,
                        std::vector<Finding>& findings);

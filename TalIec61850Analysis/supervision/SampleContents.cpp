@@ -5,6 +5,7 @@
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <TalIec61850Analysis/supervision/SampleContents.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>
+#include <TalIec61850Analysis/traffic/CaptureWindow.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -44,29 +45,29 @@ public:
           stream_(index.streams()[stream]),
           sink_(sink),
           course_(stream_),
-          next_(course_.next()),
           attributes_(index, stream_),
           window_(window),
-          reader_(index, stream_, window) {}
+          reader_(index, stream_, window),
+          isLeft_(course_.goOn(next_)) {}
 
     /// Whether any packet is left.
-    [[nodiscard]] bool isLeft() const { return next_.has_value(); }
+    [[nodiscard]] bool isLeft() const { return isLeft_; }
     /// Of the next packet.
-    [[nodiscard]] std::uint32_t file() const { return stream_.parts[next_->part].file; }
+    [[nodiscard]] std::uint32_t file() const { return stream_.parts[next_.part].file; }
     [[nodiscard]] std::uint64_t fileOffset() const {
-        return stream_.parts[next_->part].packets.frameOffsets()[next_->packet];
+        return stream_.parts[next_.part].packets.frameOffsets()[next_.packet];
     }
 
     /// Looks at the next packets, while they are in a file before an offset.
     void lookUpTo(std::uint32_t file, std::uint64_t end) {
-        while (next_ && this->file() == file && fileOffset() < end) {
-            look(*next_);
-            next_ = course_.next();
+        while (isLeft_ && this->file() == file && fileOffset() < end) {
+            look(next_);
+            isLeft_ = course_.goOn(next_);
         }
     }
 
 private:
-    void look(PacketRef packet) {
+    void look(PacketRef const& packet) {
         ReadAsdu const asdu = reader_.read(packet);
         lookAtClock(asdu, packet);
         if (!asdu.data.empty()) {
@@ -78,6 +79,7 @@ private:
             }
         }
         last_ = packet;
+        hasLast_ = true;
     }
 
     /// From here on, seqData may be made otherwise. In what layouts are inferred to be, qualities
@@ -196,8 +198,8 @@ private:
         made.from = arrival;
         made.until = arrival;
         made.place = {.packet = packet, .time = arrival};
-        if (last_) {
-            made.before = {.packet = *last_};
+        if (hasLast_) {
+            made.before = {.packet = last_};
         }
         return made;
     }
@@ -207,11 +209,12 @@ private:
     TrafficStream const& stream_;
     StreamFindingSink const& sink_;
     PacketCourse course_;
-    /// Not looked at yet.
-    std::optional<PacketRef> next_;
+    /// Not looked at yet; only where one is left.
+    PacketRef next_;
     PartAttributes attributes_;
     std::shared_ptr<CaptureWindow> window_;
     AsduReader reader_;
+    bool isLeft_;
     /// Inferred only where it matters.
     std::optional<StreamLayouts> layouts_;
     /// Of seqData; 0 before the first.
@@ -224,7 +227,8 @@ private:
     bool hasClock_ = false;
     bool isClockFailed_ = false;
     bool isClockFree_ = false;
-    std::optional<PacketRef> last_;
+    PacketRef last_;
+    bool hasLast_ = false;
 };
 
 }  // namespace
@@ -233,7 +237,8 @@ void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const&
                       std::stop_token const& stop, StreamFindingSink const& sink) {
     // What one reading of a capture brings.
     constexpr std::uint64_t kStretch = std::uint64_t{192} << 10U;
-    auto const window = windowOf(index);
+    // The streams take turns, a block each: mostly in the same part of a capture.
+    auto const window = std::make_shared<CaptureWindow>(index, 1, CaptureWindow::kWindow);
     std::vector<std::unique_ptr<ContentWatch>> watches;
     watches.reserve(streams.size());
     for (std::size_t const stream : streams) {

@@ -127,10 +127,10 @@ struct SvColumns {
         : times(packets.times().data()),
           offsets(packets.frameOffsets().data()),
           smpCnts(packets.smpCnts().data()),
-          smpSynchs(packets.smpSynchs().data()),
-          asdus(packets.asdus().data()),
-          sequences(packets.redundancySequences().data()),
-          flags(packets.flags().data()) {}
+          smpSynchs(packets.smpSynchs()),
+          asdus(packets.asdus()),
+          sequences(packets.redundancySequences()),
+          flags(packets.flags()) {}
 
     [[nodiscard]] detail::SvObservation observe(std::uint32_t part, std::uint32_t packet,
                                                 detail::StreamWays const& ways) const {
@@ -150,10 +150,10 @@ struct SvColumns {
     std::int64_t const* times;
     std::uint64_t const* offsets;
     std::uint32_t const* smpCnts;
-    std::uint8_t const* smpSynchs;
-    std::uint16_t const* asdus;
-    std::uint16_t const* sequences;
-    PacketFlags const* flags;
+    ColumnView<std::uint8_t> smpSynchs;
+    ColumnView<std::uint16_t> asdus;
+    ColumnView<std::uint16_t> sequences;
+    ColumnView<PacketFlags> flags;
 };
 
 /// Samples of a stream in one of its frames.
