@@ -56,6 +56,17 @@
 #include <TalIec61850Analysis/packet/Sink.hpp>
 #include <TalIec61850Analysis/packet/SvPacket.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
+#include <TalIec61850Analysis/pictures/ChannelChoice.hpp>
+#include <TalIec61850Analysis/pictures/CycleTrack.hpp>
+#include <TalIec61850Analysis/pictures/Envelope.hpp>
+#include <TalIec61850Analysis/pictures/EnvelopeBuilder.hpp>
+#include <TalIec61850Analysis/pictures/FindFrequency.hpp>
+#include <TalIec61850Analysis/pictures/MeasureCycle.hpp>
+#include <TalIec61850Analysis/pictures/MemberLanes.hpp>
+#include <TalIec61850Analysis/pictures/Phasor.hpp>
+#include <TalIec61850Analysis/pictures/SampleSpans.hpp>
+#include <TalIec61850Analysis/pictures/StreamPicture.hpp>
+#include <TalIec61850Analysis/pictures/Waveform.hpp>
 #include <TalIec61850Analysis/redundancy/CopyCounts.hpp>
 #include <TalIec61850Analysis/redundancy/PairCopies.hpp>
 #include <TalIec61850Analysis/redundancy/RedundancyFault.hpp>
@@ -69,6 +80,7 @@
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
 #include <TalIec61850Analysis/samples/SampleRun.hpp>
 #include <TalIec61850Analysis/samples/SampleTimeSource.hpp>
+#include <TalIec61850Analysis/samples/SummarizeSamples.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/supervision/LiveSupervision.hpp>
 #include <TalIec61850Analysis/supervision/StreamSummary.hpp>
@@ -77,6 +89,7 @@
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
+#include <TalIec61850Analysis/traffic/ColumnView.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/StreamAttributes.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
