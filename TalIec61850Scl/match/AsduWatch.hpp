@@ -1,0 +1,38 @@
+#pragma once
+
+// Internal: the ASDUs of an SV stream, compared with the data set and with SmvOpts.
+
+#include <TalIec61850Analysis/packet/AsduView.hpp>
+#include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <TalIec61850Scl/match/DifferenceSet.hpp>
+#include <TalIec61850Scl/model/ControlBlock.hpp>
+#include <cstddef>
+#include <optional>
+
+namespace TalIec61850Scl::detail {
+
+/// Looks at ASDUs, each by itself.
+///
+/// Of the optional fields, refrTm, smpRate, datSet and gmIdentity are to be there where SmvOpts
+/// says so, and nowhere else. smpSynch is asked for where SmvOpts does; edition 2 always has it.
+/// What the ASDU does not show, security and timestamp, is taken as described.
+class AsduWatch {
+public:
+    /// @param options  as described; not set where the description has none
+    /// @param size     of seqData, in octets, as described; likewise
+    AsduWatch(std::optional<SampleOptions> const& options, std::optional<std::size_t> size)
+        : options_(options), size_(size) {}
+
+    /// @param isCut  whether a snap length cut the frame: what is not there is not missed
+    void look(TalIec61850Analysis::AsduView const& asdu, bool isCut,
+              TalIec61850Analysis::PacketRef packet, DifferenceSet& differences) const;
+
+private:
+    void compareOptions(TalIec61850Analysis::AsduView const& asdu, bool isCut,
+                        TalIec61850Analysis::PacketRef packet, DifferenceSet& differences) const;
+
+    std::optional<SampleOptions> options_;
+    std::optional<std::size_t> size_;
+};
+
+}  // namespace TalIec61850Scl::detail

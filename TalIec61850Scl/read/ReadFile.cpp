@@ -1,0 +1,285 @@
+#include <TalIec61850Scl/read/DataSetReader.hpp>
+#include <TalIec61850Scl/read/Document.hpp>
+#include <TalIec61850Scl/read/LogicalNodes.hpp>
+#include <TalIec61850Scl/read/NamedChildren.hpp>
+#include <TalIec61850Scl/read/ReadAddress.hpp>
+#include <TalIec61850Scl/read/ReadControlBlock.hpp>
+#include <TalIec61850Scl/read/ReadFile.hpp>
+#include <array>
+#include <utility>
+
+namespace TalIec61850Scl::detail {
+
+namespace {
+
+using TalIec61850Analysis::StreamProtocol;
+
+RedundancyProtocol redundancyOf(Element connectedAccessPoint) {
+    std::string_view const protocol = trimmed(connectedAccessPoint.nameIn("redProt"));
+    return protocol == "hsr"    ? RedundancyProtocol::hsr
+           : protocol == "prp"  ? RedundancyProtocol::prp
+           : protocol == "rstp" ? RedundancyProtocol::rstp
+                                : RedundancyProtocol::none;
+}
+
+std::optional<StreamProtocol> protocolOfService(std::string_view service) {
+    return service == "GOOSE" ? std::optional(StreamProtocol::goose)
+           : service == "SMV" ? std::optional(StreamProtocol::sv)
+                              : std::nullopt;
+}
+
+/// Goes through one document.
+class FileReader {
+public:
+    explicit FileReader(Document const& document)
+        : document_(document), dataSets_(document, content_.diagnostics, children_) {}
+
+    FileContent read() {
+        Element const root = document_.root();
+        if (auto const place = document_.brokenAt()) {
+            content_.diagnostics.add(DiagnosticCode::notXml, *place, "");
+        }
+        if (root && !root.is("SCL")) {
+            content_.diagnostics.add(DiagnosticCode::notScl, document_.placeOf(root), root.name());
+        } else if (root) {
+            isEdition2_ = root.attribute("version").has_value();
+            for (Element const ied : root.children("IED")) {
+                readIed(ied);
+            }
+            for (Element const communication : root.children("Communication")) {
+                readCommunication(communication);
+            }
+        }
+        return std::move(content_);
+    }
+
+private:
+    struct ReadNode {
+        Element element;
+        std::string name;
+        std::string_view ldInst;
+        std::string_view domain;
+        Element accessPoint;
+    };
+
+    void readIed(Element ied) {
+        ied_ = content_.ieds.size();
+        content_.ieds.emplace_back(ied.nameIn("name"));
+        if (!ied.attribute("name")) {
+            content_.diagnostics.add(DiagnosticCode::missingAttribute, document_.placeOf(ied),
+                                     "name");
+        }
+        LogicalNodes nodes(ied);
+        for (Element const accessPoint : ied.children("AccessPoint")) {
+            for (Element const server : accessPoint.children("Server")) {
+                for (Element const device : server.children("LDevice")) {
+                    readDevice(device, accessPoint, nodes);
+                }
+            }
+            readNodes(accessPoint, accessPoint, {}, {}, nodes);
+        }
+    }
+
+    void readDevice(Element device, Element accessPoint, LogicalNodes& nodes) {
+        std::string_view const inst = device.nameIn("inst");
+        std::string domain(device.nameIn("ldName"));
+        if (domain.empty()) {
+            domain.append(content_.ieds[ied_]).append(inst);
+        }
+        readNodes(device, accessPoint, inst, domain, nodes);
+    }
+
+    /// @param parent  an LDevice, or an access point that has nodes of its own: a client
+    void readNodes(Element parent, Element accessPoint, std::string_view ldInst,
+                   std::string_view domain, LogicalNodes& nodes) {
+        constexpr std::array<std::string_view, 3> kNames{"prefix", "lnClass", "inst"};
+        for (Element node = parent.firstChild(); node; node = node.next()) {
+            bool const isNode0 = node.is("LN0");
+            if (!isNode0 && !node.is("LN")) {
+                continue;
+            }
+            auto const names = node.attributes(kNames);
+            node_ = {.element = node,
+                     .name = logicalNodeName(names.name(0), names.name(1), names.name(2)),
+                     .ldInst = ldInst,
+                     .domain = domain,
+                     .accessPoint = accessPoint};
+            // Most of a description is instances, one after the other, and going over them takes as
+            // long as parsing them. In any LN, nothing that is read here is among them.
+            Element each = node.firstChild();
+            for (; each && (isNode0 || !each.is("DOI")); each = each.next()) {
+                readPart(each, nodes);
+            }
+            for (Element last = node.lastChild(); each && last && !last.is("DOI");
+                 last = last.previous()) {
+                readPart(last, nodes);
+            }
+        }
+    }
+
+    /// One element of a logical node.
+    void readPart(Element part, LogicalNodes& nodes) {
+        std::string_view const kind = part.name();
+        if (kind == "GSEControl" || kind == "SampledValueControl") {
+            if (isControlBlock(part)) {
+                addControlBlock(part, nodes);
+            }
+        } else if (kind == "ReportControl" || kind == "LogControl") {
+            content_.otherControlBlocks.insert(keyOf({.ied = content_.ieds[ied_],
+                                                      .ldInst = std::string(node_.ldInst),
+                                                      .node = node_.name,
+                                                      .name = std::string(part.nameIn("name"))}));
+        } else if (kind == "Inputs") {
+            readInputs(part);
+        }
+    }
+
+    void addControlBlock(Element element, LogicalNodes& nodes) {
+        FoundControlBlock& found = content_.controlBlocks.emplace_back();
+        found.accessPoint = node_.accessPoint.nameIn("name");
+        found.node = node_.name;
+        found.block = readControlBlock(element,
+                                       {.ied = content_.ieds[ied_],
+                                        .ldInst = node_.ldInst,
+                                        .domain = node_.domain,
+                                        .node = node_.name,
+                                        .isEdition2 = isEdition2_},
+                                       document_, content_.diagnostics);
+        ControlBlock& block = found.block;
+        if (!block.dataSetReference) {
+            return;
+        }
+        Element const dataSet = children_.find(node_.element, "DataSet", element.nameIn("datSet"));
+        if (!dataSet) {
+            content_.diagnostics.add(DiagnosticCode::missingDataSet, block.place,
+                                     *block.dataSetReference);
+            return;
+        }
+        auto const [number, isNew] =
+            numbers_.try_emplace(dataSet.identity(), content_.dataSets.size());
+        if (isNew) {
+            content_.dataSets.push_back(
+                dataSets_.read(dataSet, nodes, content_.ieds[ied_], *block.dataSetReference));
+        }
+        block.dataSet = number->second;
+    }
+
+    // Attributes of an ExtRef, and where they are among these.
+    enum : std::size_t {
+        kIedName,
+        kLdInst,
+        kPrefix,
+        kLnClass,
+        kLnInst,
+        kDoName,
+        kDaName,
+        kIntAddr,
+        kService,
+        kBlockLdInst,
+        kBlockPrefix,
+        kBlockLnClass,
+        kBlockLnInst,
+        kBlockName
+    };
+    static constexpr std::array<std::string_view, 14> kInputNames{
+        "iedName", "ldInst",      "prefix",    "lnClass",   "lnInst",     "doName",    "daName",
+        "intAddr", "serviceType", "srcLDInst", "srcPrefix", "srcLNClass", "srcLNInst", "srcCBName"};
+
+    void readInputs(Element inputs) {
+        std::string path(node_.ldInst);
+        path.append(path.empty() ? "" : "/").append(node_.name);
+        for (Element const reference : inputs.children("ExtRef")) {
+            readInput(reference, path);
+        }
+    }
+
+    /// @param node  that has the input
+    void readInput(Element reference, std::string const& node) {
+        auto const attributes = reference.attributes(kInputNames);
+        std::string_view const publisher = attributes.name(kIedName);
+        std::string_view const service = trimmed(attributes.name(kService));
+        if (publisher.empty() || service == "Report" || service == "Poll") {
+            return;
+        }
+        FoundInput& input = content_.inputs.emplace_back();
+        input.ied = ied_;
+        input.node = node;
+        input.intAddr = attributes.name(kIntAddr);
+        input.protocol = protocolOfService(service);
+        input.block.ied = publisher == "@" ? content_.ieds[ied_] : publisher;
+        input.block.name = attributes.name(kBlockName);
+        if (!input.block.name.empty()) {
+            input.block.ldInst =
+                attributes.name(attributes.has(kBlockLdInst) ? kBlockLdInst : kLdInst);
+            std::string_view const lnClass = attributes.name(kBlockLnClass);
+            input.block.node =
+                logicalNodeName(attributes.name(kBlockPrefix), lnClass.empty() ? "LLN0" : lnClass,
+                                attributes.name(kBlockLnInst));
+        }
+        if (auto const object = attributes.name(kDoName); !object.empty()) {
+            std::string& data = input.data;
+            data.reserve(64);
+            data.append(attributes.name(kLdInst)).append(1, '/');
+            data.append(attributes.name(kPrefix)).append(attributes.name(kLnClass));
+            data.append(attributes.name(kLnInst)).append(1, '.').append(object);
+            if (auto const attribute = attributes.name(kDaName); !attribute.empty()) {
+                data.append(1, '.').append(attribute);
+            }
+        }
+        input.place = document_.placeOf(reference);
+    }
+
+    void readCommunication(Element communication) {
+        for (Element const network : communication.children("SubNetwork")) {
+            for (Element const accessPoint : network.children("ConnectedAP")) {
+                readAccessPoint(accessPoint);
+            }
+        }
+    }
+
+    void readAccessPoint(Element accessPoint) {
+        std::string_view const ied = accessPoint.nameIn("iedName");
+        std::string_view const name = accessPoint.nameIn("apName");
+        RedundancyProtocol const redundancy = redundancyOf(accessPoint);
+        content_.accessPoints.push_back({.ied = std::string(ied),
+                                         .name = std::string(name),
+                                         .redundancy = redundancy,
+                                         .place = document_.placeOf(accessPoint)});
+        for (Element each = accessPoint.firstChild(); each; each = each.next()) {
+            bool const isSv = each.is("SMV");
+            if (!isSv && !each.is("GSE")) {
+                continue;
+            }
+            FoundAddress& found = content_.addresses.emplace_back();
+            found.protocol = isSv ? StreamProtocol::sv : StreamProtocol::goose;
+            found.ied = ied;
+            found.accessPoint = name;
+            found.ldInst = each.nameIn("ldInst");
+            found.name = each.nameIn("cbName");
+            found.address = readAddress(each, document_, content_.diagnostics);
+            found.redundancy = redundancy;
+            found.place = document_.placeOf(each);
+        }
+    }
+
+    Document const& document_;
+    FileContent content_;
+    NamedChildren children_;
+    DataSetReader dataSets_;
+    /// Of data sets that are read, by the identities of their elements.
+    std::unordered_map<std::size_t, std::size_t> numbers_;
+    /// The IED that is read.
+    std::size_t ied_ = 0;
+    /// The logical node that is read.
+    ReadNode node_;
+    bool isEdition2_ = false;
+};
+
+}  // namespace
+
+FileContent readFile(FileOctets octets, std::uint32_t file) {
+    Document const document(std::move(octets), file);
+    return FileReader(document).read();
+}
+
+}  // namespace TalIec61850Scl::detail

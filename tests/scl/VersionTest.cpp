@@ -1,0 +1,29 @@
+#include <gtest/gtest.h>
+
+#include <TalIec61850Scl/Version.hpp>
+#include <string>
+
+#if TALIEC61850SCL_VERSION_NUMBER < 1000
+#error "the preprocessor cannot compare the version"
+#endif
+
+namespace {
+
+using namespace TalIec61850Scl;
+
+TEST(Version, IsThatOfTheHeadersWhereBothAreOfOneBuild) {
+    EXPECT_STREQ(libraryVersion(), TALIEC61850SCL_VERSION);
+    EXPECT_EQ(libraryVersionNumber(), TALIEC61850SCL_VERSION_NUMBER);
+}
+
+TEST(Version, IsMadeOfItsThreeNumbers) {
+    EXPECT_EQ(std::string(TALIEC61850SCL_VERSION),
+              std::to_string(TALIEC61850SCL_VERSION_MAJOR) + "." +
+                  std::to_string(TALIEC61850SCL_VERSION_MINOR) + "." +
+                  std::to_string(TALIEC61850SCL_VERSION_PATCH));
+    EXPECT_EQ(TALIEC61850SCL_VERSION_NUMBER / 1'000'000, TALIEC61850SCL_VERSION_MAJOR);
+    EXPECT_EQ(TALIEC61850SCL_VERSION_NUMBER / 1000 % 1000, TALIEC61850SCL_VERSION_MINOR);
+    EXPECT_EQ(TALIEC61850SCL_VERSION_NUMBER % 1000, TALIEC61850SCL_VERSION_PATCH);
+}
+
+}  // namespace
