@@ -14,6 +14,7 @@
 #include <set>
 #include <system_error>
 
+#include "tools/input/FilesBelow.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/CaptureText.hpp"
 
@@ -193,37 +194,16 @@ private:
     void searchFolder(std::string const& folder) {
         std::size_t const faultsBefore = found_.faults.size();
         bool hasCapture = false;
-        for (auto const& path : filesBelow(folder)) {
+        FilesBelow const below = filesBelow(folder);
+        for (auto const& closed : below.closed) {
+            refuse(closed.path, closed.error.message());
+        }
+        for (auto const& path : below.files) {
             hasCapture = addFile(path, true) || hasCapture;
         }
         if (!hasCapture && found_.faults.size() == faultsBefore) {
             refuse(folder, "no captures in this folder");
         }
-    }
-
-    /// All but folders, sorted by path.
-    std::vector<std::string> filesBelow(std::string const& folder) {
-        std::vector<std::string> files;
-        std::vector<fs::path> folders = {folder};
-        while (!folders.empty()) {
-            fs::path const current = std::move(folders.back());
-            folders.pop_back();
-            std::error_code error;
-            for (fs::directory_iterator entry(current, error), end; !error && entry != end;
-                 entry.increment(error)) {
-                std::error_code ignored;
-                if (entry->symlink_status(ignored).type() == fs::file_type::directory) {
-                    folders.push_back(entry->path());
-                } else if (!entry->is_directory(ignored)) {
-                    files.push_back(entry->path());
-                }
-            }
-            if (error) {
-                refuse(current, error.message());
-            }
-        }
-        std::sort(files.begin(), files.end());
-        return files;
     }
 
     FoundCaptures found_;

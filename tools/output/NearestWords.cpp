@@ -9,7 +9,7 @@ namespace TalIec61850Tools {
 
 namespace {
 
-constexpr std::size_t kLongest = 64;
+constexpr std::size_t kMostCompared = 64;
 
 char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -22,10 +22,10 @@ bool isSameWord(std::string_view a, std::string_view b) {
 }
 
 std::size_t countDifferences(std::string_view a, std::string_view b) {
-    a = a.substr(0, kLongest);
-    b = b.substr(0, kLongest);
+    a = a.substr(0, kMostCompared);
+    b = b.substr(0, kMostCompared);
     // Row i has the differences between the first i characters of a and the first ones of b.
-    using Row = std::array<std::size_t, kLongest + 1>;
+    using Row = std::array<std::size_t, kMostCompared + 1>;
     Row beforeLast{};
     Row last{};
     std::iota(last.begin(), last.end(), std::size_t{0});
@@ -48,7 +48,7 @@ std::optional<std::string> nearestWord(std::string_view word,
                                        std::vector<std::string> const& candidates) {
     auto const ordered = nearestFirst(word, candidates);
     std::size_t const most = std::max<std::size_t>(1, word.size() / 3);
-    bool const isNear = !ordered.empty() && !word.empty() && word.size() <= kLongest &&
+    bool const isNear = !ordered.empty() && !word.empty() && word.size() <= kMostCompared &&
                         countDifferences(word, ordered.front()) <= most;
     return isNear ? std::optional(ordered.front()) : std::nullopt;
 }

@@ -98,6 +98,14 @@ Output::~Output() {
 void Output::fail() const { throw OutputError(name_, errno); }
 
 void Output::write(std::string_view text) {
+    if (text.size() >= kHandedOver) {
+        // It is not copied first.
+        writePending();
+        if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) {
+            fail();
+        }
+        return;
+    }
     pending_ += text;
     if (pending_.size() >= kHandedOver || isTerminal_) {
         writePending();

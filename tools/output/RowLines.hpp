@@ -63,6 +63,13 @@ public:
         return line_;
     }
 
+    /// Forgets the texts of what rows had in common; see Field::sharedBy.
+    void forgetShared() {
+        for (Run& run : runs_) {
+            run.known.clear();
+        }
+    }
+
 private:
     struct Piece {
         /// What comes before the value: a comma, in json the name too.

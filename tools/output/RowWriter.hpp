@@ -62,8 +62,11 @@ public:
     }
 
     /// Writes the rows that are held back, where there are any; columns keep the widths that they
-    /// have then.
+    /// have then. What many rows had in common may be gone after it.
     void flush() {
+        if (lines_) {
+            lines_->forgetShared();
+        }
         if (table_) {
             table_->flush();
         }

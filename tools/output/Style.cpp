@@ -13,20 +13,39 @@ std::string_view environment(char const* name) {
     return value == nullptr ? "" : value;
 }
 
+std::string inRed(std::string_view text) {
+    return fmt::format(fmt::emphasis::bold | fmt::fg(fmt::terminal_color::red), "{}", text);
+}
+
+std::string inYellow(std::string_view text) {
+    return fmt::format(fmt::fg(fmt::terminal_color::yellow), "{}", text);
+}
+
 }  // namespace
 
 std::string emphasise(std::string_view text, bool inColour) {
     return inColour ? fmt::format(fmt::emphasis::bold, "{}", text) : std::string(text);
 }
 
+std::string painted(std::string_view text, Paint paint) {
+    if (paint == Paint::faint) {
+        return fmt::format(fmt::emphasis::faint, "{}", text);
+    }
+    return paint == Paint::warning ? inYellow(text) : std::string(text);
+}
+
 std::string paintSeverity(std::string_view severity) {
     if (severity == "error") {
-        return fmt::format(fmt::emphasis::bold | fmt::fg(fmt::terminal_color::red), "{}", severity);
+        return inRed(severity);
     }
-    if (severity == "warning") {
-        return fmt::format(fmt::fg(fmt::terminal_color::yellow), "{}", severity);
+    return severity == "warning" ? inYellow(severity) : std::string(severity);
+}
+
+std::string paintResult(std::string_view result) {
+    if (result == "missing" || result == "differs") {
+        return inRed(result);
     }
-    return std::string(severity);
+    return result == "unexpected" ? inYellow(result) : std::string(result);
 }
 
 bool wantsColour(std::string_view wish, bool isTerminal) {

@@ -9,8 +9,22 @@ namespace TalIec61850Tools {
 /// @param inColour  false leaves the text unchanged
 [[nodiscard]] std::string emphasise(std::string_view text, bool inColour);
 
+/// How a part of a picture stands out.
+enum class Paint {
+    plain,
+    faint,    ///< less than the rest
+    warning,  ///< as a severity of warning
+};
+
+/// The text painted so, for a terminal.
+[[nodiscard]] std::string painted(std::string_view text, Paint paint);
+
 /// A severity in its colour, for a terminal: error in red, warning in yellow.
 [[nodiscard]] std::string paintSeverity(std::string_view severity);
+
+/// A result of comparing with a description in its colour: missing and differs in red, unexpected
+/// in yellow.
+[[nodiscard]] std::string paintResult(std::string_view result);
 
 /// Whether output has colours.
 /// @param wish        auto, always or never; with auto, the environment forbids them by a NO_COLOR

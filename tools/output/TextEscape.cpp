@@ -45,12 +45,18 @@ char32_t codePoint(std::string_view character) {
     return code;
 }
 
-/// Two for a character that terminals show wide.
+/// Two for a character that terminals show wide, none for one that they show on the one before.
 std::size_t columnsOf(std::string_view character) {
     struct Range {
         char32_t first;
         char32_t last;
     };
+    constexpr std::array<Range, 6> combining = {{{0x0300, 0x036F},
+                                                 {0x1AB0, 0x1AFF},
+                                                 {0x1DC0, 0x1DFF},
+                                                 {0x20D0, 0x20FF},
+                                                 {0xFE00, 0xFE0F},
+                                                 {0xFE20, 0xFE2F}}};
     constexpr std::array<Range, 11> wide = {{{0x1100, 0x115F},
                                              {0x2E80, 0x303E},
                                              {0x3041, 0xA4CF},
@@ -63,10 +69,13 @@ std::size_t columnsOf(std::string_view character) {
                                              {0x1F300, 0x1FAFF},
                                              {0x20000, 0x3FFFD}}};
     char32_t const code = codePoint(character);
-    bool const isWide = std::any_of(wide.begin(), wide.end(), [&](Range const& range) {
+    auto const isIn = [code](Range const& range) {
         return code >= range.first && code <= range.last;
-    });
-    return isWide ? 2 : 1;
+    };
+    if (std::any_of(combining.begin(), combining.end(), isIn)) {
+        return 0;
+    }
+    return std::any_of(wide.begin(), wide.end(), isIn) ? 2 : 1;
 }
 
 /// The characters at the start that take no more than so many columns.

@@ -14,7 +14,8 @@ enum class Cut { start, middle, end };
 /// become \xff, a backslash is doubled. The rest is kept, so the result is valid UTF-8.
 [[nodiscard]] std::string escapeText(std::string_view text);
 
-/// The columns of a text on a terminal: one for each character, two for wide ones, as of Chinese.
+/// The columns of a text on a terminal: one for each character, two for wide ones, as of Chinese,
+/// none for accents of their own.
 /// @param escaped  a result of `escapeText`
 [[nodiscard]] std::size_t countColumns(std::string_view escaped);
 

@@ -8,45 +8,62 @@
 #include <utility>
 #include <variant>
 
+#include "tools/names/MemberNames.hpp"
+#include "tools/selection/StreamCriteria.hpp"
+
 namespace TalIec61850Tools {
 
 using namespace TalIec61850Analysis;
 
 namespace {
 
-/// The states of one stream, as they are collected: by name, in the order in which they were met.
+/// The states of one stream, as they are collected: by place, in the order in which they were met.
 class StateCollector {
 public:
-    explicit StateCollector(std::string const& gocbRef) : gocbRef_(gocbRef) {}
+    /// @param wish  must outlive this
+    StateCollector(StreamKey const& stream, GooseStateWish const& wish)
+        : stream_(stream), wish_(wish) {}
 
-    void add(std::int64_t time, DataViews const& values) { addAll(time, values, ""); }
+    void add(std::int64_t time, DataViews const& allData, NamedPlace const& place) {
+        allData_ = allData;
+        place_ = place;
+        path_.clear();
+        addAll(time, allData, "");
+    }
 
     [[nodiscard]] std::vector<GooseState> take() { return std::move(states_); }
 
 private:
     static constexpr std::size_t kDoublePointBits = 2;
+    /// Of a member that is not wanted.
+    static constexpr std::size_t kNoState = static_cast<std::size_t>(-1);
 
     // NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than is read
     void addAll(std::int64_t time, DataViews const& values, std::string const& parent) {
-        std::size_t number = 0;
+        path_.push_back(0);
         for (DataView const& value : values) {
-            std::string const path = fmt::format("{}{}", parent, ++number);
+            std::string const place = fmt::format("{}{}", parent, path_.back() + 1);
             if (auto const* const members = std::get_if<DataViews>(&value.value)) {
-                addAll(time, *members, path + ".");
+                addAll(time, *members, place + ".");
             } else if (auto const* const flag = std::get_if<bool>(&value.value)) {
-                note(path, time, *flag);
+                note(place, "", time, *flag);
             } else if (auto const* const bits = std::get_if<BitStringView>(&value.value);
                        bits != nullptr && bits->size() == kDoublePointBits) {
-                note(path + " bit 1", time, (*bits)[0]);
-                note(path + " bit 2", time, (*bits)[1]);
+                note(place, " bit 1", time, (*bits)[0]);
+                note(place, " bit 2", time, (*bits)[1]);
             }
+            ++path_.back();
         }
+        path_.pop_back();
     }
 
-    void note(std::string const& path, std::int64_t time, bool isSet) {
-        auto const [known, isNew] = places_.try_emplace(path, states_.size());
+    void note(std::string const& place, std::string_view bit, std::int64_t time, bool isSet) {
+        auto const [known, isNew] = places_.try_emplace(place + std::string(bit), kNoState);
         if (isNew) {
-            states_.push_back({.name = gocbRef_ + " " + path, .times = {}, .states = {}});
+            known->second = begin(place, bit);
+        }
+        if (known->second == kNoState) {
+            return;
         }
         GooseState& state = states_[known->second];
         std::uint8_t const value = isSet ? 1 : 0;
@@ -56,9 +73,35 @@ private:
         }
     }
 
-    std::string gocbRef_;
+    /// Begins a state at the place that was come to.
+    /// @return its number, or kNoState where it is not wanted
+    std::size_t begin(std::string const& place, std::string_view bit) {
+        MemberNames const names = wish_.names != nullptr
+                                      ? wish_.names->namesOf(stream_, allData_, place_)
+                                      : MemberNames();
+        bool const isWanted =
+            meetsPattern(wish_.members, place) || names.meet(wish_.members, path_);
+        if (!isWanted) {
+            return kNoState;
+        }
+        std::string const name(names.nameAt(path_));
+        std::string const full = names.fullNameAt(path_);
+        states_.push_back(
+            {.name = fmt::format("{} {}{}", stream_.name, name.empty() ? place : name, bit),
+             .component = full.substr(0, full.find('.')),
+             .times = {},
+             .states = {}});
+        return states_.size() - 1;
+    }
+
+    StreamKey const& stream_;
+    GooseStateWish const& wish_;
     std::map<std::string, std::size_t> places_;
     std::vector<GooseState> states_;
+    /// The message that is looked at, and where in it.
+    DataViews allData_;
+    NamedPlace place_;
+    std::vector<std::uint32_t> path_;
 };
 
 }  // namespace
@@ -74,24 +117,27 @@ void GooseState::at(std::span<std::int64_t const> instants, std::vector<std::uin
     }
 }
 
-std::vector<GooseState> readGooseStates(TrafficIndex const& index, FrameReader& frames) {
+std::vector<GooseState> readGooseStates(TrafficIndex const& index, FrameReader& frames,
+                                        GooseStateWish const& wish) {
     std::vector<GooseState> all;
     for (TrafficStream const& stream : index.streams()) {
         if (stream.key.protocol != StreamProtocol::goose) {
             continue;
         }
-        StateCollector collector(stream.key.name);
+        StateCollector collector(stream.key, wish);
         stream.visit({}, [&](PacketRef const& ref) {
             StreamPart const& part = stream.parts[ref.part];
             if (part.packets.flags()[ref.packet].isCopy()) {
                 return;
             }
-            RecordView const& view =
-                frames.read(part.file, part.packets.frameOffsets()[ref.packet]);
-            GooseView const goose =
-                viewGoose(view.frame, part.packets.pduOffsets()[ref.packet], originOf(view.record));
+            std::uint64_t const frameOffset = part.packets.frameOffsets()[ref.packet];
+            std::size_t const pduOffset = part.packets.pduOffsets()[ref.packet];
+            RecordView const& view = frames.read(part.file, frameOffset);
+            GooseView const goose = viewGoose(view.frame, pduOffset, originOf(view.record));
             if (goose.allData) {
-                collector.add(part.packets.times()[ref.packet], *goose.allData);
+                collector.add(part.packets.times()[ref.packet], *goose.allData,
+                              {.file = wish.nameOf ? wish.nameOf(part.file) : std::string_view(),
+                               .position = frameOffset + pduOffset});
             }
         });
         auto states = collector.take();

@@ -2,19 +2,25 @@
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "tools/names/StreamNames.hpp"
 #include "tools/selection/FrameReader.hpp"
 
 namespace TalIec61850Tools {
 
 /// One state of a GOOSE member over time.
 struct GooseState {
-    /// The gocbRef, and the index path of the member: "IED1LD0/LLN0$GO$gcb1 3", "... 9.2". Of a
-    /// double point, there is one for each bit, first bit first: "... 4 bit 1".
+    /// The gocbRef, and the index path of the member: "IED1LD0/LLN0$GO$gcb1 3", "... 9.2", or where
+    /// it is described, its name: "IED1LD0/LLN0$GO$gcb1 LD0/PTRC1.Tr.general". Of a double point,
+    /// there is one for each bit, first bit first: "... 4 bit 1".
     std::string name;
+    /// The logical node of a member that is described, with its IED: IED1LD0/PTRC1. Else empty.
+    std::string component = {};
     /// When it becomes another, in nanoseconds since 1970, by arrival. Before the first it is not
     /// known.
     std::vector<std::int64_t> times;
@@ -30,11 +36,21 @@ struct GooseState {
             std::size_t& cursor) const;
 };
 
+/// Which members of GOOSE streams become states, and how they are called.
+struct GooseStateWish {
+    /// Patterns of index paths or names, see MemberNames; empty for all.
+    std::vector<std::string> members;
+    StreamNames* names = nullptr;
+    /// Of captures, by their numbers.
+    std::function<std::string_view(std::uint32_t file)> nameOf = {};
+};
+
 /// Reads the booleans and the double points (bit strings of two bits) in the data sets of all GOOSE
 /// streams of an index. Memory grows with changes, not with packets.
 /// @param frames  of the captures of the index
 /// @throws std::system_error  a capture cannot be read again
 [[nodiscard]] std::vector<GooseState> readGooseStates(
-    TalIec61850Analysis::TrafficIndex const& index, FrameReader& frames);
+    TalIec61850Analysis::TrafficIndex const& index, FrameReader& frames,
+    GooseStateWish const& wish);
 
 }  // namespace TalIec61850Tools

@@ -22,9 +22,10 @@ constexpr double kSamePhase = 0.02;
 
 GridStream::GridStream(TrafficIndex const& index, TrafficStream const& stream,
                        SampleOptions options, std::optional<RecordGrid> grid, GridPlacing placing,
-                       PlaceText placeText, Wanted isWanted)
+                       PlaceText placeText, Wanted isWanted, GridStream const* beside)
     : stream_(stream),
-      reader_(index, stream, std::move(options)),
+      reader_(beside == nullptr ? SampleReader(index, stream, std::move(options))
+                                : SampleReader(index, stream, std::move(options), beside->reader_)),
       grid_(grid),
       placing_(placing),
       placeText_(std::move(placeText)),

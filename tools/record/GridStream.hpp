@@ -42,11 +42,13 @@ public:
 
     /// @param index, stream  must outlive this
     /// @param options        of which `rows` is everySample
+    /// @param beside         one that is gone through together with this one, row by row; or null
     /// @param grid           not set where the first sample is to be row 0, at the stream's rate
     GridStream(TalIec61850Analysis::TrafficIndex const& index,
                TalIec61850Analysis::TrafficStream const& stream,
                TalIec61850Analysis::SampleOptions options, std::optional<RecordGrid> grid,
-               GridPlacing placing, PlaceText placeText, Wanted isWanted);
+               GridPlacing placing, PlaceText placeText, Wanted isWanted,
+               GridStream const* beside = nullptr);
 
     /// Has each block shown that is read from now on.
     void showTo(std::function<void(TalIec61850Analysis::SampleBlock const& block)> look) {

@@ -123,8 +123,15 @@ private:
 
     void addQuality(ChannelColumn const* column, std::optional<GridSpan> const& span,
                     std::size_t count) {
+        auto const words = column == nullptr
+                               ? std::span<std::uint32_t const>()
+                               : std::span(column->qualities).subspan(span->first, count);
+        std::uint32_t met = 0;
+        for (std::uint32_t const word : words) {
+            met |= word;
+        }
         for (QualityBit const& bit : bits_) {
-            if (column == nullptr) {
+            if ((met & bit.mask) == 0) {  // no row has it: no value of a bit is 0
                 digitals_.emplace_back(std::span(none_.states).first(count));
                 continue;
             }
@@ -132,7 +139,6 @@ private:
                 quality_.emplace_back(kRows);
             }
             std::vector<std::uint8_t>& states = quality_[used_++];
-            auto const words = std::span(column->qualities).subspan(span->first, count);
             for (std::size_t row = 0; row < count; ++row) {
                 states[row] = (words[row] & bit.mask) == bit.value ? 1 : 0;
             }
@@ -151,6 +157,19 @@ private:
     std::vector<std::vector<std::uint8_t>> quality_;
     std::size_t used_ = 0;
 };
+
+/// The name of a channel, with the svID as far as there is room for it: with the name of a quality
+/// bit after it, there are 64 characters. The ends of both tell them apart.
+std::string channelId(std::string const& svID, std::string const& name) {
+    constexpr std::size_t kLongest = 48;
+    constexpr std::size_t kLongestPrefix = 40;
+    constexpr std::size_t kShortestPrefix = 8;
+    std::size_t const room =
+        std::clamp(kLongest - std::min(kLongest, name.size() + 1), kShortestPrefix, kLongestPrefix);
+    std::string const prefix = svID.substr(svID.size() > room ? svID.size() - room : 0);
+    std::size_t const left = kLongest - 1 - prefix.size();
+    return prefix + "_" + name.substr(name.size() > left ? name.size() - left : 0);
+}
 
 /// The integer that an extent is; the double next to the largest one is beyond it.
 std::int64_t toInteger(double extent) {
@@ -192,11 +211,31 @@ SampleRecord::SampleRecord(TrafficIndex const& index, RecordWish wish,
     describe();
 }
 
-GridStream SampleRecord::open(RecordSource const& source, std::optional<RecordGrid> grid,
-                              bool withValues) const {
+SampleOptions SampleRecord::optionsOf(RecordSource const& source, bool withValues) const {
     SampleOptions options = wish_.options;
     options.withValues = withValues;
-    return {index_, *source.stream, std::move(options), grid, wish_.placing, placeText_, isWanted_};
+    options.layout = source.given;
+    return options;
+}
+
+GridStream SampleRecord::open(RecordSource const& source, std::optional<RecordGrid> grid,
+                              bool withValues) const {
+    return {index_,     *source.stream, optionsOf(source, withValues), grid, wish_.placing,
+            placeText_, isWanted_};
+}
+
+/// Opens all sources, to be gone through row by row.
+std::vector<GridStream> SampleRecord::openTogether() const {
+    std::vector<GridStream> streams;
+    streams.reserve(wish_.sources.size());
+    for (RecordSource const& source : wish_.sources) {
+        SampleOptions options = optionsOf(source, true);
+        options.together = wish_.sources.size();
+        streams.emplace_back(index_, *source.stream, std::move(options), survey_.grid,
+                             wish_.placing, placeText_, isWanted_,
+                             streams.empty() ? nullptr : &streams.front());
+    }
+    return streams;
 }
 
 bool SampleRecord::needsExtents() const {
@@ -358,34 +397,39 @@ void SampleRecord::describe() {
             // The end of a long name tells members apart.
             constexpr std::size_t kLongest = 64;
             std::size_t const cut = state.name.size() > kLongest ? state.name.size() - kLongest : 0;
-            record_.digitals.push_back(
-                {.id = state.name.substr(cut), .phase = {}, .component = {}, .normal = false});
+            record_.digitals.push_back({.id = state.name.substr(cut),
+                                        .phase = {},
+                                        .component = state.component,
+                                        .normal = false});
         }
     }
 }
 
 void SampleRecord::describeSource(std::size_t number) {
-    // With a name of a channel and of a quality bit, there are 64 characters.
-    constexpr std::size_t kLongestPrefix = 40;
     RecordSource const& source = wish_.sources[number];
-    auto const& meanings = meaningsOf(source.layout);
+    bool const isDescribed =
+        source.described != nullptr && source.described->layout == source.layout;
+    auto const& meanings = isDescribed ? source.described->channels : meaningsOf(source.layout);
     std::string const& svID = source.stream->key.name;
-    std::size_t const cut = svID.size() > kLongestPrefix ? svID.size() - kLongestPrefix : 0;
     for (std::size_t const channel : source.channels) {
         SampleChannel const& made = source.layout.channels()[channel];
         ComtradeAnalog analog;
         std::string const name =
             meanings.empty() ? fmt::format("ch{}", channel + 1) : meanings[channel].name;
-        analog.id = fmt::format("{}_{}", svID.substr(cut), name);
+        analog.id = channelId(svID, name);
         if (!source.scales.empty()) {
             std::size_t const place = source.scales.size() == 1 ? 0 : channel;
             analog.scale = place < source.scales.size() ? source.scales[place] : 1;
-        } else if (!meanings.empty()) {
-            ChannelScale const& scale = meanings[channel].scale;
-            analog.scale = scale.divides ? 1 / scale.factor : scale.factor;
+        } else if (!meanings.empty() && meanings[channel].scale) {
+            ChannelScale const& scale = *meanings[channel].scale;
+            analog.scale = scale.unitsPerCount();
+            analog.offset = scale.offset;
             analog.unit = meanings[channel].unit;
         }
-        analog.phase = meanings.empty() ? "" : meanings[channel].phase;
+        if (!meanings.empty()) {
+            analog.phase = meanings[channel].phase;
+            analog.component = meanings[channel].component;
+        }
         if (needsExtents()) {
             Extent const& extent = extents_[number][channel];
             bool const isReal =
@@ -413,14 +457,9 @@ void SampleRecord::describeQuality(std::string const& channel) {
 }
 
 void SampleRecord::write(ComtradeRows& rows, Look const& look) const {
-    std::vector<GridStream> streams;
-    for (RecordSource const& source : wish_.sources) {
-        streams.push_back(open(source, survey_.grid, true));
-        if (look) {
-            streams.back().showTo([&look, number = streams.size() - 1](SampleBlock const& block) {
-                look(number, block);
-            });
-        }
+    std::vector<GridStream> streams = openTogether();
+    for (std::size_t number = 0; look && number < streams.size(); ++number) {
+        streams[number].showTo([&look, number](SampleBlock const& block) { look(number, block); });
     }
     RowColumns columns(wish_);
     std::size_t const stateCount = wish_.states == nullptr ? 0 : wish_.states->size();

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/names/StreamNames.hpp"
 #include "tools/record/GooseStates.hpp"
 #include "tools/record/GridStream.hpp"
 #include "tools/record/RecordGrid.hpp"
@@ -33,6 +34,10 @@ struct RecordSource {
     std::vector<std::size_t> channels;
     /// Factors that the user gave, by the number of the channel; empty for those that are known.
     std::vector<double> scales;
+    /// What samples of its size are; else it is inferred.
+    std::optional<TalIec61850Analysis::SampleLayout> given = {};
+    /// What its samples are by a description; null without one.
+    DescribedSamples const* described = nullptr;
     /// Found when the record is made.
     TalIec61850Analysis::SampleLayout layout = {};
 };
@@ -106,8 +111,11 @@ private:
         void add(GridSpan const& span, std::size_t channel);
     };
 
+    [[nodiscard]] TalIec61850Analysis::SampleOptions optionsOf(RecordSource const& source,
+                                                               bool withValues) const;
     [[nodiscard]] GridStream open(RecordSource const& source, std::optional<RecordGrid> grid,
                                   bool withValues) const;
+    [[nodiscard]] std::vector<GridStream> openTogether() const;
     [[nodiscard]] bool needsExtents() const;
     void findGrid();
     [[nodiscard]] static bool findMake(RecordSource& source, GridStream& stream,

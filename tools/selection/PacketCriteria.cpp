@@ -44,7 +44,8 @@ bool PacketCriteria::admitKey(StreamKey const& key) const {
            meets(destinations, key.destination) && meets(vlanIds, vlan) &&
            meets(appIds, std::optional(key.appId)) &&
            meetsPattern(svIDs, isGoose ? std::nullopt : std::optional(key.name)) &&
-           meetsPattern(gocbRefs, isGoose ? std::optional(key.name) : std::nullopt);
+           meetsPattern(gocbRefs, isGoose ? std::optional(key.name) : std::nullopt) &&
+           admitIed(key);
 }
 
 bool PacketCriteria::admitAttributes(StreamAttributes const& attributes) const {
@@ -54,7 +55,8 @@ bool PacketCriteria::admitAttributes(StreamAttributes const& attributes) const {
 
 bool PacketCriteria::admitUnread(Protocol framesProtocol, FrameHeader const& header) const {
     if (!svIDs.empty() || !gocbRefs.empty() || !datSets.empty() || !goIDs.empty() ||
-        !confRevs.empty() || !stNums.empty() || !sqNums.empty() || !smpCnts.empty()) {
+        !confRevs.empty() || !stNums.empty() || !sqNums.empty() || !smpCnts.empty() ||
+        !ieds.empty()) {
         return false;
     }
     std::optional<char> const hsr = header.hsr ? std::optional(header.hsr->lane()) : std::nullopt;

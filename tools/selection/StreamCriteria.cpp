@@ -2,6 +2,7 @@
 
 #include <fnmatch.h>
 
+#include <TalIec61850Scl/match/MatchStreams.hpp>
 #include <algorithm>
 
 namespace TalIec61850Tools {
@@ -26,6 +27,15 @@ bool meetsName(std::string const& wanted, std::string const& name) {
 }
 
 }  // namespace
+
+bool StreamCriteria::admitIed(TalIec61850Analysis::StreamKey const& key) const {
+    if (ieds.empty()) {
+        return true;
+    }
+    auto const match =
+        station != nullptr ? TalIec61850Scl::matchStream(key, *station) : std::nullopt;
+    return match && meetsPattern(ieds, station->controlBlocks[match->controlBlock].ied);
+}
 
 bool meetsPattern(std::vector<std::string> const& wanted, std::optional<std::string> const& name) {
     return wanted.empty() ||

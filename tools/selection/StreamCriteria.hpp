@@ -2,6 +2,7 @@
 
 #include <TalIec61850Analysis/packet/FrameHeader.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <TalIec61850Scl/model/StationDescription.hpp>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -30,6 +31,14 @@ struct StreamCriteria {
     /// A or B.
     std::vector<char> hsrLanes;
     std::vector<char> prpLanes;
+    /// Names of IEDs, likewise.
+    std::vector<std::string> ieds;
+    /// What tells which IED publishes a stream; null where nothing asks for it. It must outlive the
+    /// criteria.
+    TalIec61850Scl::StationDescription const* station = nullptr;
+
+    /// Whether a stream is published by an IED that is wanted.
+    [[nodiscard]] bool admitIed(TalIec61850Analysis::StreamKey const& key) const;
 
     friend bool operator==(StreamCriteria const&, StreamCriteria const&) = default;
 };

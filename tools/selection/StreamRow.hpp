@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Scl/model/ControlBlock.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -51,6 +52,19 @@ struct StreamRow {
     /// The earliest and the latest of those times.
     std::optional<CaptureTime> firstTime;
     std::optional<CaptureTime> lastTime;
+
+    /// What publishes it, by a description that outlives the row; null where it is not known.
+    TalIec61850Scl::ControlBlock const* controlBlock = nullptr;
+
+    /// What tells it from others.
+    [[nodiscard]] TalIec61850Analysis::StreamKey key() const {
+        return {.protocol = protocol,
+                .source = source,
+                .destination = destination,
+                .vlans = vlans,
+                .appId = appId,
+                .name = name()};
+    }
 
     /// svID or gocbRef.
     [[nodiscard]] std::string const& name() const { return svID ? *svID : *gocbRef; }

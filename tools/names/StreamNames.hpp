@@ -1,0 +1,129 @@
+#pragma once
+
+#include <TalIec61850Analysis/packet/DataView.hpp>
+#include <TalIec61850Analysis/samples/SampleLayout.hpp>
+#include <TalIec61850Analysis/traffic/StreamKey.hpp>
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
+#include <TalIec61850Scl/match/BindMembers.hpp>
+#include <TalIec61850Scl/model/StationDescription.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tools/names/MemberNames.hpp"
+#include "tools/selection/ChannelMeaning.hpp"
+
+namespace TalIec61850Tools {
+
+/// A message, or a frame of samples, in a capture.
+struct NamedPlace {
+    /// The capture as it was given.
+    std::string_view file;
+    /// Of the PDU, in octets from the start of the file.
+    std::uint64_t position = 0;
+};
+
+/// What the samples of a stream are by its description.
+struct DescribedSamples {
+    TalIec61850Analysis::SampleLayout layout;
+    /// One for each channel of the layout.
+    std::vector<ChannelMeaning> channels;
+};
+
+/// Where a stream is not as it is described, so that names end. All that it points to holds while
+/// it is told.
+struct NamesEnd {
+    TalIec61850Analysis::StreamKey const& stream;
+    TalIec61850Scl::DataSet const& dataSet;
+    NamedPlace place;
+    /// Of GOOSE, what was bound; null of SV.
+    TalIec61850Scl::MemberBinding const* binding = nullptr;
+    /// Of SV, the octets of a sample.
+    std::size_t sampleSize = 0;
+};
+
+/// The names that a description of the station has for streams, for the values of their messages
+/// and for their channels. A stream is recognised once, by its name, else by its address; and its
+/// values are bound once, and again where their number, nesting or types change.
+class StreamNames {
+public:
+    using Tell = std::function<void(NamesEnd const& end)>;
+
+    /// @param station  not set where there is no description
+    /// @param tell     told where names end, once a stream
+    StreamNames(std::optional<TalIec61850Scl::StationDescription> station, Tell tell)
+        : station_(std::move(station)), tell_(std::move(tell)) {}
+    StreamNames(StreamNames const&) = delete;
+    StreamNames& operator=(StreamNames const&) = delete;
+    ~StreamNames() = default;
+
+    /// Whether there is a description.
+    [[nodiscard]] bool areGiven() const { return station_.has_value(); }
+    /// The description; null without one.
+    [[nodiscard]] TalIec61850Scl::StationDescription const* station() const {
+        return station_ ? &*station_ : nullptr;
+    }
+
+    /// What publishes a stream; null where it is not described.
+    [[nodiscard]] TalIec61850Scl::ControlBlock const* controlBlockOf(
+        TalIec61850Analysis::StreamKey const& stream);
+    /// What its messages hold; null where that is not described.
+    [[nodiscard]] TalIec61850Scl::DataSet const* dataSetOf(
+        TalIec61850Analysis::StreamKey const& stream);
+
+    /// The names of the values of a message.
+    /// @param stream   GOOSE
+    /// @param allData  what the message holds
+    /// @return holds as long as these
+    [[nodiscard]] MemberNames namesOf(TalIec61850Analysis::StreamKey const& stream,
+                                      TalIec61850Analysis::DataViews const& allData,
+                                      NamedPlace const& place);
+
+    /// What the samples of a stream should be; null where that is not described, or not in full.
+    /// @param stream  SV
+    [[nodiscard]] DescribedSamples const* samplesOf(TalIec61850Analysis::StreamKey const& stream);
+    /// The same where samples of this size are that.
+    /// @param size  octets of a sample
+    [[nodiscard]] DescribedSamples const* samplesOf(TalIec61850Analysis::StreamKey const& stream,
+                                                    std::size_t size, NamedPlace const& place);
+
+    /// Looks at which IEDs are in play.
+    void look(TalIec61850Analysis::TrafficIndex const& index);
+    /// Whether these were several.
+    [[nodiscard]] bool areOfSeveralIeds() const { return ieds_.size() > 1; }
+
+private:
+    /// What is kept of a stream.
+    struct Known {
+        TalIec61850Scl::ControlBlock const* controlBlock = nullptr;
+        TalIec61850Scl::DataSet const* dataSet = nullptr;
+        bool isTold = false;
+        // GOOSE.
+        /// What the values of the message were like that was bound.
+        std::optional<std::string> make = {};
+        std::shared_ptr<TalIec61850Scl::MemberBinding const> binding = {};
+        // SV.
+        bool isBound = false;
+        std::optional<DescribedSamples> samples = {};
+    };
+
+    [[nodiscard]] Known& knownOf(TalIec61850Analysis::StreamKey const& stream);
+    void tell(Known& known, NamesEnd const& end);
+
+    std::optional<TalIec61850Scl::StationDescription> station_;
+    Tell tell_;
+    std::unordered_map<TalIec61850Analysis::StreamKey, Known, TalIec61850Analysis::StreamKeyHash>
+        known_;
+    std::set<std::string> ieds_;
+    /// Of the message that is looked at.
+    std::string make_;
+};
+
+}  // namespace TalIec61850Tools
