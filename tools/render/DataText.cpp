@@ -78,6 +78,30 @@ std::string accuracyText(std::uint8_t accuracy) {
     return fmt::format("accuracy {}{}", accuracy, accuracy > kMaxBits ? " invalid" : " bits");
 }
 
+/// Adds values inside another one, or those of the message.
+/// @param path  of the other one
+// NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than kMaxDataDepth
+void addValues(std::vector<DataValue> const& values, MemberNames const& names,
+               std::vector<std::uint32_t>& path, TextTree& tree) {
+    path.push_back(0);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        DataValue const& value = values[i];
+        path.back() = static_cast<std::uint32_t>(i);
+        std::string_view const name = names.nameAt(path);
+        std::string const number =
+            fmt::format("{}{}{}", i + 1, name.empty() ? "" : " ", escapeText(name));
+        auto const* const members = std::get_if<DataValue::Members>(&value.value);
+        if (members == nullptr) {
+            tree.add(fmt::format("{}: {}", number, kindText(value)), valueText(value));
+            continue;
+        }
+        tree.enter(fmt::format("{}: {}{}", number, kindText(value), remarkOn(value)));
+        addValues(*members, names, path, tree);
+        tree.leave();
+    }
+    path.pop_back();
+}
+
 }  // namespace
 
 std::optional<std::string> nonFiniteText(double number) {
@@ -93,19 +117,9 @@ std::optional<std::string> nonFiniteText(double number) {
 // NOLINTNEXTLINE(misc-no-recursion)
 std::string toText(DataValue const& value) { return std::visit(ContentText{}, value.value); }
 
-// NOLINTNEXTLINE(misc-no-recursion)
-void addData(std::string_view name, DataValue const& value, TextTree& tree) {
-    auto const* const members = std::get_if<DataValue::Members>(&value.value);
-    if (members == nullptr) {
-        tree.add(fmt::format("{}: {}", name, kindText(value)), valueText(value));
-        return;
-    }
-    tree.enter(fmt::format("{}: {}{}", name, kindText(value), remarkOn(value)));
-    std::size_t number = 0;
-    for (DataValue const& member : *members) {
-        addData(std::to_string(++number), member, tree);
-    }
-    tree.leave();
+void addData(std::vector<DataValue> const& values, MemberNames const& names, TextTree& tree) {
+    std::vector<std::uint32_t> path;
+    addValues(values, names, path, tree);
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)

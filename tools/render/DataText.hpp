@@ -8,7 +8,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "tools/names/MemberNames.hpp"
 #include "tools/render/TextTree.hpp"
 
 namespace TalIec61850Tools {
@@ -21,8 +23,9 @@ using TalIec61850Analysis::UtcTime;
 /// octets in hexadecimal; members in braces with commas between. Safe for a terminal.
 [[nodiscard]] std::string toText(DataValue const& value);
 
-/// Adds a value and those inside it, with their kinds.
-void addData(std::string_view name, DataValue const& value, TextTree& tree);
+/// Adds the values of a message and those inside them, by their numbers and names, with their
+/// kinds.
+void addData(std::vector<DataValue> const& values, MemberNames const& names, TextTree& tree);
 
 /// NaN, Infinity or -Infinity, for people and in JSON, which has no number for them; none for any
 /// other number.

@@ -11,6 +11,7 @@
 #include <variant>
 
 #include "tools/output/DumpJson.hpp"
+#include "tools/output/TextEscape.hpp"
 #include "tools/render/Cells.hpp"
 #include "tools/render/DataText.hpp"
 #include "tools/render/PacketJson.hpp"
@@ -48,8 +49,9 @@ Cell millisecondsCell(std::optional<std::int64_t> nanoseconds) {
 Json changesJson(Event row) {
     Json json = Json::array();
     for (MemberChange const* const change : row.changes) {
+        std::string_view const name = row.names.nameAt(change->member);
         json.push_back({{"member", memberText(change->member)},
-                        {"name", nullptr},
+                        {"name", name.empty() ? Json() : Json(name)},
                         {"from", change->from ? toJson(*change->from) : Json()},
                         {"to", toJson(change->to)}});
     }
@@ -66,10 +68,29 @@ std::string shortValueText(DataValue const& value) {
     return quality ? toText(*quality) : toText(value);
 }
 
-std::string changesText(Event row, std::string (*textOf)(DataValue const&)) {
+/// The name of a changed value for people; empty where it has none.
+std::string nameText(Event row, MemberChange const& change) {
+    return escapeText(row.withIeds ? row.names.fullNameAt(change.member)
+                                   : std::string(row.names.nameAt(change.member)));
+}
+
+/// For the column of a table: the name in place of the member.
+std::string shortMemberText(Event row, MemberChange const& change) {
+    std::string name = nameText(row, change);
+    return name.empty() ? memberText(change.member) : name;
+}
+
+/// "1", or "1 LD0/PTRC1.Op.general".
+std::string longMemberText(Event row, MemberChange const& change) {
+    std::string const name = nameText(row, change);
+    return memberText(change.member) + (name.empty() ? "" : " ") + name;
+}
+
+std::string changesText(Event row, std::string (*textOf)(DataValue const&),
+                        std::string (*memberOf)(Event, MemberChange const&)) {
     std::string text;
     for (MemberChange const* const change : row.changes) {
-        text += fmt::format("{}{}: {} -> {}", text.empty() ? "" : "; ", memberText(change->member),
+        text += fmt::format("{}{}: {} -> {}", text.empty() ? "" : "; ", memberOf(row, *change),
                             change->from ? textOf(*change->from) : "none", textOf(change->to));
     }
     return text;
@@ -81,7 +102,7 @@ Cell changesCell(Event row, Format format) {
     }
     // Texts of values are escaped already.
     return JsonText{format == Format::json ? dumpJson(changesJson(row))
-                                           : changesText(row, valueText)};
+                                           : changesText(row, valueText, longMemberText)};
 }
 
 Cell changesColumn(Event row) {
@@ -91,7 +112,7 @@ Cell changesColumn(Event row) {
     if (row.changes.empty()) {
         return std::string_view("none");
     }
-    return JsonText{changesText(row, shortValueText)};
+    return JsonText{changesText(row, shortValueText, shortMemberText)};
 }
 
 Cell retransmissionsCell(Event row, Format format) {
@@ -155,14 +176,6 @@ Cell eventLocatorCell(Event row) {
 }
 
 }  // namespace
-
-std::string memberText(std::vector<std::uint32_t> const& member) {
-    std::string text;
-    for (std::uint32_t const index : member) {
-        text.append(text.empty() ? "" : ".").append(std::to_string(std::uint64_t{index} + 1));
-    }
-    return text;
-}
 
 RowLayout<EventRow> eventRowLayout(Format format) {
     constexpr std::size_t kLeastChanges = 16;

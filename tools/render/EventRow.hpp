@@ -2,12 +2,13 @@
 
 #include <TalIec61850Analysis/events/GooseEvent.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "tools/names/MemberNames.hpp"
 #include "tools/output/RowLayout.hpp"
 #include "tools/output/RowLines.hpp"
+#include "tools/render/MemberText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -22,6 +23,10 @@ struct EventRow {
     std::string const* file = nullptr;
     /// Those of the event that are written.
     std::vector<TalIec61850Analysis::MemberChange const*> changes;
+    /// Those of the values of its message.
+    MemberNames names = {};
+    /// Whether texts for people have the IED in front of a name.
+    bool withIeds = false;
 
     /// Whether it is known what changed.
     [[nodiscard]] bool areChangesKnown() const {
@@ -29,10 +34,6 @@ struct EventRow {
                event->data == TalIec61850Analysis::EventData::otherMake;
     }
 };
-
-/// The place of a value in a data set: "3", or "9.2" for the second value inside the ninth.
-/// @param member  by index from 0, the outermost first
-[[nodiscard]] std::string memberText(std::vector<std::uint32_t> const& member);
 
 /// How events are written. Names and order of the fields are stable; what an event lacks is null.
 ///

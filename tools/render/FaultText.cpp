@@ -11,7 +11,7 @@ std::string_view toText(FaultKind kind) {
         case FaultKind::pastCapture:
             return "runs past the captured octets";
         case FaultKind::pastParent:
-            return "runs past the element it stands in";
+            return "runs past the element it is in";
         case FaultKind::indefiniteLength:
             return "has a length in the indefinite form";
         case FaultKind::longLength:

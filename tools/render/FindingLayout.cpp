@@ -8,6 +8,7 @@
 
 #include "tools/output/Style.hpp"
 #include "tools/render/Cells.hpp"
+#include "tools/render/DescribingFields.hpp"
 #include "tools/render/IdentityFields.hpp"
 #include "tools/selection/FindingNames.hpp"
 
@@ -74,6 +75,11 @@ Cell nameCell(Row row) {
     return key != nullptr ? Cell(key->name) : Cell();
 }
 
+Cell memberNameCell(Row row) {
+    std::string name = row.words->nameOf(*row.finding);
+    return name.empty() ? Cell() : Cell(std::move(name));
+}
+
 std::vector<Field<FindingRow>> findingFields() {
     std::vector<Field<FindingRow>> fields = {
         {"finding", [](Row r) -> Cell { return toText(r.finding->kind); }},
@@ -106,8 +112,16 @@ std::vector<Field<FindingRow>> findingFields() {
 
 }  // namespace
 
-RowLayout<FindingRow> findingLayout() {
+RowLayout<FindingRow> findingLayout(bool areDescribed) {
     RowLayout<FindingRow> layout{.fields = findingFields(), .columns = {}};
+    if (areDescribed) {
+        auto const describing = describingFields<FindingRow>([](Row r) {
+            return r.key() == nullptr || r.names == nullptr ? nullptr
+                                                            : r.names->controlBlockOf(*r.key());
+        });
+        layout.fields.insert(layout.fields.end(), describing.begin(), describing.end());
+        layout.fields.push_back({"name", memberNameCell});
+    }
     auto const column = [&](std::string_view field, Heading heading) {
         return columnOf(layout.fields, field, std::move(heading));
     };

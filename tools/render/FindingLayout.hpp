@@ -18,6 +18,8 @@ struct FindingRow {
     FindingText* words = nullptr;
     /// Names of the captures, by the numbers of the files.
     std::vector<std::string> const* files = nullptr;
+    /// Null where nothing is described.
+    StreamNames* names = nullptr;
 
     /// What tells its stream from others; null where it is of none.
     [[nodiscard]] TalIec61850Analysis::StreamKey const* key() const {
@@ -53,6 +55,13 @@ struct FindingRow {
 ///     previousFile      text     that has the packet before
 ///     previousPosition  integer
 ///     text              text     a sentence for people
-[[nodiscard]] RowLayout<FindingRow> findingLayout();
+///
+/// Where streams are described, these come at the end:
+///
+///     ied               text     that publishes the stream
+///     controlBlock      text     its reference as described
+///     name              text     of the member or channel that the finding is about
+/// @param areDescribed  whether they are
+[[nodiscard]] RowLayout<FindingRow> findingLayout(bool areDescribed = false);
 
 }  // namespace TalIec61850Tools

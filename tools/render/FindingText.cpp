@@ -17,6 +17,7 @@
 #include "tools/output/Plural.hpp"
 #include "tools/render/AddressText.hpp"
 #include "tools/render/DurationText.hpp"
+#include "tools/render/MemberText.hpp"
 #include "tools/render/QualityText.hpp"
 #include "tools/render/UtcText.hpp"
 #include "tools/render/ValueText.hpp"
@@ -55,6 +56,36 @@ std::string octetText(Finding const& finding, OctetString const& octets) {
         default:
             return toHex(octets);
     }
+}
+
+std::vector<std::string> namesOf(std::vector<ChannelMeaning> const& meanings) {
+    std::vector<std::string> names;
+    names.reserve(meanings.size());
+    for (ChannelMeaning const& meaning : meanings) {
+        names.push_back(meaning.name);
+    }
+    return names;
+}
+
+/// The names of channels that are described at the places where others were inferred: of the
+/// quality, else of the value.
+std::vector<std::string> namesByPlace(SampleLayout const& inferred,
+                                      DescribedSamples const& described) {
+    std::map<std::size_t, std::string> byPlace;
+    auto const channels = described.layout.channels();
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        std::string const& name = described.channels[i].name;
+        byPlace.emplace(channels[i].offset, name);
+        if (channels[i].qualityOffset) {
+            byPlace.emplace(*channels[i].qualityOffset, name);
+        }
+    }
+    std::vector<std::string> names;
+    for (SampleChannel const& channel : inferred.channels()) {
+        auto const found = byPlace.find(channel.qualityOffset.value_or(channel.offset));
+        names.push_back(found == byPlace.end() ? std::string() : found->second);
+    }
+    return names;
 }
 
 /// The quality that a finding's number is.
@@ -383,35 +414,80 @@ std::string FindingText::ofCounters(Finding const& finding) const {
     }
 }
 
-/// "channel 1 (Ia)"; from 1, as everywhere.
-std::string FindingText::channelText(std::size_t stream, std::size_t channel) {
+/// The names of the channels of a stream, by their numbers in the layout that is inferred.
+std::vector<std::string> const& FindingText::channelNames(std::size_t stream) {
     auto const [known, isNew] = channels_.try_emplace(stream);
-    if (isNew) {
-        try {
-            for (StreamLayout const& layout : findLayouts(index_, index_.streams()[stream])) {
-                if (layout.found.layout && known->second.empty()) {
-                    for (ChannelMeaning const& meaning : meaningsOf(*layout.found.layout)) {
-                        known->second.push_back(meaning.name);
-                    }
-                }
-            }
-        } catch (std::system_error const&) {
-            known->second.clear();  // numbers say enough
-        }
+    if (!isNew) {
+        return known->second;
     }
-    std::string const name =
-        channel < known->second.size() ? fmt::format(" ({})", known->second[channel]) : "";
+    TrafficStream const& of = index_.streams()[stream];
+    DescribedSamples const* const described = names_.samplesOf(of.key);
+    try {
+        for (StreamLayout const& layout : findLayouts(index_, of)) {
+            if (layout.found.layout && known->second.empty()) {
+                known->second = described != nullptr && layout.dataSize == described->layout.size()
+                                    ? namesByPlace(*layout.found.layout, *described)
+                                    : namesOf(meaningsOf(*layout.found.layout));
+            }
+        }
+    } catch (std::system_error const&) {
+        known->second.clear();  // numbers say enough
+    }
+    return known->second;
+}
+
+std::string FindingText::nameOf(Finding const& finding) {
+    if (!names_.areGiven() || !finding.stream || finding.member.empty()) {
+        return {};
+    }
+    if (isSv(finding)) {
+        if (names_.samplesOf(index_.streams()[*finding.stream].key) == nullptr) {
+            return {};
+        }
+        auto const& names = channelNames(*finding.stream);
+        return finding.member.front() < names.size() ? names[finding.member.front()] : "";
+    }
+    if (!finding.place) {
+        return {};
+    }
+    try {
+        return std::string(
+            messages_.of(*finding.stream, finding.place->packet).nameAt(finding.member));
+    } catch (std::system_error const&) {
+        return {};  // its number says enough
+    }
+}
+
+/// The name in brackets, with the IED where there are several; empty where there is none.
+std::string FindingText::nameText(Finding const& finding) {
+    std::string const name = nameOf(finding);
+    if (name.empty()) {
+        return {};
+    }
+    auto const* const dataSet = names_.dataSetOf(index_.streams()[*finding.stream].key);
+    bool const withIed = names_.areOfSeveralIeds() && dataSet != nullptr;
+    return fmt::format(" ({}{})", withIed ? dataSet->ied : "", name);
+}
+
+/// "channel 1 (Ia)"; from 1, as everywhere.
+std::string FindingText::channelText(Finding const& finding) {
+    std::size_t const channel = finding.member.front();
+    std::string name = nameText(finding);
+    if (name.empty()) {
+        auto const& names = channelNames(*finding.stream);
+        name = channel < names.size() && !names[channel].empty()
+                   ? fmt::format(" ({})", names[channel])
+                   : "";
+    }
     return fmt::format("channel {}{}", channel + 1, name);
 }
 
 std::string FindingText::qualityChangeText(Finding const& finding) {
     std::string of;
     if (isSv(finding) && finding.stream && !finding.member.empty()) {
-        of = channelText(*finding.stream, finding.member.front());
+        of = channelText(finding);
     } else {
-        std::vector<std::uint32_t> numbers = finding.member;
-        std::for_each(numbers.begin(), numbers.end(), [](std::uint32_t& number) { ++number; });
-        of = fmt::format("member {}", fmt::join(numbers, "."));
+        of = fmt::format("member {}{}", memberText(finding.member), nameText(finding));
     }
     return fmt::format("quality of {} {}", of, changeText(finding));
 }

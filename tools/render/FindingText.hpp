@@ -4,10 +4,15 @@
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "tools/names/MessageNames.hpp"
+#include "tools/names/StreamNames.hpp"
 #include "tools/output/Cell.hpp"
 
 namespace TalIec61850Tools {
@@ -15,11 +20,19 @@ namespace TalIec61850Tools {
 /// Findings in words.
 class FindingText {
 public:
-    /// @param index  of the findings; must outlive this
-    explicit FindingText(TalIec61850Analysis::TrafficIndex const& index) : index_(index) {}
+    /// @param index   of the findings; must outlive this
+    /// @param names   of members and channels; must outlive this
+    /// @param nameOf  of a capture by its number
+    FindingText(TalIec61850Analysis::TrafficIndex const& index, StreamNames& names,
+                std::function<std::string_view(std::uint32_t file)> nameOf)
+        : index_(index), names_(names), messages_(index, names, std::move(nameOf)) {}
 
     /// One sentence, without the name of the stream. Names in it are as they are in the frames.
     [[nodiscard]] std::string sentence(TalIec61850Analysis::Finding const& finding);
+
+    /// The name of the member or channel that a finding is about, as it is described; empty where
+    /// it has none.
+    [[nodiscard]] std::string nameOf(TalIec61850Analysis::Finding const& finding);
 
 private:
     [[nodiscard]] std::string what(TalIec61850Analysis::Finding const& finding);
@@ -32,9 +45,14 @@ private:
                                       bool isOther) const;
     [[nodiscard]] std::string copyMissingText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string qualityChangeText(TalIec61850Analysis::Finding const& finding);
-    [[nodiscard]] std::string channelText(std::size_t stream, std::size_t channel);
+    [[nodiscard]] std::string channelText(TalIec61850Analysis::Finding const& finding);
+    [[nodiscard]] std::vector<std::string> const& channelNames(std::size_t stream);
+
+    [[nodiscard]] std::string nameText(TalIec61850Analysis::Finding const& finding);
 
     TalIec61850Analysis::TrafficIndex const& index_;
+    StreamNames& names_;
+    MessageNames messages_;
     /// By stream: the names of its channels; empty where none are known.
     std::map<std::size_t, std::vector<std::string>> channels_;
 };

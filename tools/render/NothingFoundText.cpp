@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <TalIec61850Scl/match/MatchStreams.hpp>
 #include <algorithm>
 #include <array>
 #include <concepts>
@@ -53,6 +54,13 @@ std::optional<std::uint64_t> confRevOf(StreamRow const& row) {
     return number == nullptr ? std::nullopt : std::optional(*number);
 }
 
+/// The IED that publishes a stream.
+Texts iedsOf(StreamRow const& row, TalIec61850Scl::StationDescription const* station) {
+    auto const match =
+        station != nullptr ? TalIec61850Scl::matchStream(row.key(), *station) : std::nullopt;
+    return match ? Texts{station->controlBlocks[match->controlBlock].ied} : Texts();
+}
+
 /// One of the criteria, with the values that streams have for it.
 struct Criterion {
     std::string option;
@@ -87,6 +95,8 @@ public:
         add("--datset", criteria.datSets, [](Row r) { return textsOf(r.datSet); });
         add("--goid", criteria.goIDs, [](Row r) { return textsOf(r.goID); });
         add("--confrev", texts(criteria.confRevs), [](Row r) { return textsOf(confRevOf(r)); });
+        add("--ied", criteria.ieds,
+            [station = criteria.station](Row r) { return iedsOf(r, station); });
     }
 
     [[nodiscard]] std::vector<Criterion> const& given() const { return given_; }

@@ -53,14 +53,26 @@ Json fieldJson(SampleValue const& sample) {
     return json;
 }
 
-Json samplesJson(SequenceOfData const& data, FoundLayout const* layout) {
+/// Adds what a channel means to its object.
+void addMeaning(SampleValue const& sample, ChannelMeaning const& meaning, Json& json) {
+    json["name"] = meaning.name;
+    json["unit"] = meaning.unit.empty() ? Json() : Json(meaning.unit);
+    auto const scaled = scaledValue(sample, &meaning);
+    json["scaled"] = scaled ? Json(*scaled) : Json();
+}
+
+Json samplesJson(SequenceOfData const& data, FoundLayout const* layout,
+                 std::vector<ChannelMeaning> const* meanings) {
     std::vector<SampleValue> const samples = decodeAs(data, layout);
     if (samples.empty()) {
         return fieldJson(octetsOf(data));
     }
     Json json = Json::array();
-    for (SampleValue const& sample : samples) {
-        json.push_back(fieldJson(sample));
+    for (std::size_t channel = 0; channel < samples.size(); ++channel) {
+        json.push_back(fieldJson(samples[channel]));
+        if (auto const* const meaning = meaningAt(meanings, channel)) {
+            addMeaning(samples[channel], *meaning, json.back());
+        }
     }
     return json;
 }
@@ -116,7 +128,11 @@ void addRest(Packet const& packet, Json& json) {
 
 }  // namespace
 
-Json toJson(GoosePacket const& packet) {
+Json toJson(GoosePacket const& packet, MemberNames const* names) {
+    Json allData = fieldJson(packet.allData);
+    if (names != nullptr && packet.allData) {
+        allData = toJson(*packet.allData, *names);
+    }
     Json json = {{"protocol", "GOOSE"},
                  {"header", toJson(packet.header)},
                  {"gocbRef", fieldJson(packet.gocbRef)},
@@ -130,15 +146,16 @@ Json toJson(GoosePacket const& packet) {
                  {"confRev", fieldJson(packet.confRev)},
                  {"ndsCom", fieldJson(packet.ndsCom)},
                  {"numDatSetEntries", fieldJson(packet.numDatSetEntries)},
-                 {"allData", fieldJson(packet.allData)}};
+                 {"allData", std::move(allData)}};
     addRest(packet, json);
     return json;
 }
 
-Json toJson(SvPacket const& packet, AsduLayouts const& layouts) {
+Json toJson(SvPacket const& packet, AsduLayouts const& layouts, AsduMeanings const& meanings) {
     Json asdus = Json::array();
     for (std::size_t i = 0; i < packet.asdus.size(); ++i) {
-        asdus.push_back(toJson(packet.asdus[i], layoutAt(layouts, i)));
+        asdus.push_back(toJson(packet.asdus[i], layoutAt(layouts, i),
+                               i < meanings.size() ? meanings[i] : nullptr));
     }
     Json json = {{"protocol", "SV"},
                  {"header", toJson(packet.header)},
@@ -149,7 +166,8 @@ Json toJson(SvPacket const& packet, AsduLayouts const& layouts) {
     return json;
 }
 
-Json toJson(AsduContent const& asdu, FoundLayout const* layout) {
+Json toJson(AsduContent const& asdu, FoundLayout const* layout,
+            std::vector<ChannelMeaning> const* meanings) {
     return {{"svID", fieldJson(asdu.svID)},
             {"datSet", fieldJson(asdu.datSet)},
             {"smpCnt", fieldJson(asdu.smpCnt)},
@@ -158,7 +176,7 @@ Json toJson(AsduContent const& asdu, FoundLayout const* layout) {
             {"smpSynch", fieldJson(asdu.smpSynch)},
             {"smpSynchName", meaningJson(asdu.smpSynch, smpSynchText)},
             {"smpRate", fieldJson(asdu.smpRate)},
-            {"seqData", asdu.seqData ? samplesJson(*asdu.seqData, layout) : Json()},
+            {"seqData", asdu.seqData ? samplesJson(*asdu.seqData, layout, meanings) : Json()},
             {"smpMod", fieldJson(asdu.smpMod)},
             {"smpModName", meaningJson(asdu.smpMod, smpModText)},
             {"gmIdentity", fieldJson(asdu.gmIdentity)},

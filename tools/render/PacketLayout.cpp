@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "tools/render/Cells.hpp"
+#include "tools/render/DescribingFields.hpp"
 
 namespace TalIec61850Tools {
 
@@ -206,8 +207,14 @@ std::string_view toText(UnreadReason reason) {
     }
 }
 
-RowLayout<PacketRow> packetLayout(bool withPlace) {
+RowLayout<PacketRow> packetLayout(bool withPlace, StreamNames* names) {
     RowLayout<PacketRow> layout{.fields = fieldsOfPackets(), .columns = {}};
+    if (names != nullptr) {
+        auto const describing = describingFields<PacketRow>(
+            [names](Packet r) { return r.isUnread() ? nullptr : names->controlBlockOf(*r.key()); },
+            streamOf);
+        layout.fields.insert(layout.fields.end(), describing.begin(), describing.end());
+    }
     auto const column = [&](std::string_view field, Heading heading) {
         return columnOf(layout.fields, field, std::move(heading));
     };
@@ -230,6 +237,11 @@ RowLayout<PacketRow> packetLayout(bool withPlace) {
         column("unreadable", {"UNREADABLE", Align::left, {.rank = 6}}),
         {{"FILE@POSITION", Align::left, fitFile(6)}, locatorCell},
     };
+    if (names != nullptr) {
+        layout.columns.push_back(column("ied", {"IED", Align::left, fitName(6, 8)}));
+        layout.columns.push_back(
+            column("controlBlock", {"CONTROL BLOCK", Align::left, fitName(16, 16)}));
+    }
     if (withPlace) {
         layout.columns.push_back(column("place", {"PLACE", Align::left, {.rank = 2}}));
     }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "tools/names/StreamNames.hpp"
 #include "tools/output/RowLayout.hpp"
 #include "tools/selection/FrameReader.hpp"
 #include "tools/selection/PacketSelection.hpp"
@@ -87,7 +88,13 @@ private:
 ///     wireOctets         integer    of the frame before it was cut off
 ///     place              text       inside the window, or before or after it
 ///     unreadable         text       why the frame is of no stream, else null
+///
+/// Where streams are described, these come at the end:
+///
+///     ied                text       that publishes the stream
+///     controlBlock       text       its reference as described
 /// @param withPlace  a table tells the place too
-[[nodiscard]] RowLayout<PacketRow> packetLayout(bool withPlace);
+/// @param names      what describes streams, which must outlive the layout; null without that
+[[nodiscard]] RowLayout<PacketRow> packetLayout(bool withPlace, StreamNames* names = nullptr);
 
 }  // namespace TalIec61850Tools

@@ -116,7 +116,13 @@ void addRest(Packet const& packet, TextTree& tree) {
     }
 }
 
-void addSamples(SequenceOfData const& data, FoundLayout const* layout, TextTree& tree) {
+/// A unit after its value, with a blank before; empty where it is not known.
+std::string unitText(std::string const& unit) {
+    return unit.empty() ? std::string() : " " + escapeText(unit);
+}
+
+void addSamples(SequenceOfData const& data, FoundLayout const* layout,
+                std::vector<ChannelMeaning> const* meanings, TextTree& tree) {
     OctetString const octets = octetsOf(data);
     std::vector<SampleValue> const samples = decodeAs(data, layout);
     if (samples.empty()) {
@@ -127,20 +133,28 @@ void addSamples(SequenceOfData const& data, FoundLayout const* layout, TextTree&
     tree.enter(remark.empty() ? "seqData:" : fmt::format("seqData ({}):", remark));
     std::size_t number = 0;
     for (SampleValue const& sample : samples) {
+        ChannelMeaning const* const meaning = meaningAt(meanings, number);
         std::string text =
             std::visit([](auto value) { return fmt::format("{}", value); }, sample.value);
+        if (auto const scaled = scaledValue(sample, meaning)) {
+            text += meaning->scale == ChannelScale()
+                        ? unitText(meaning->unit)
+                        : fmt::format(" ({}{})", *scaled, unitText(meaning->unit));
+        }
         if (sample.quality) {
             text += ", quality: " + toText(*sample.quality);
         }
         if (sample.time) {
             text += ", time: " + timeText(*sample.time);
         }
-        tree.add(std::to_string(++number), text);
+        std::string const name = meaning == nullptr ? "" : " " + escapeText(meaning->name);
+        tree.add(std::to_string(++number) + name, text);
     }
     tree.leave();
 }
 
-void addAsdu(AsduContent const& asdu, FoundLayout const* layout, TextTree& tree) {
+void addAsdu(AsduContent const& asdu, FoundLayout const* layout,
+             std::vector<ChannelMeaning> const* meanings, TextTree& tree) {
     add("svID", asdu.svID, tree);
     add("datSet", asdu.datSet, tree);
     add("smpCnt", asdu.smpCnt, tree);
@@ -149,7 +163,7 @@ void addAsdu(AsduContent const& asdu, FoundLayout const* layout, TextTree& tree)
     addNamed("smpSynch", asdu.smpSynch, smpSynchText, tree);
     add("smpRate", asdu.smpRate, tree);
     if (asdu.seqData) {
-        addSamples(*asdu.seqData, layout, tree);
+        addSamples(*asdu.seqData, layout, meanings, tree);
     }
     addNamed("smpMod", asdu.smpMod, smpModText, tree);
     add("gmIdentity", asdu.gmIdentity, tree);
@@ -158,7 +172,7 @@ void addAsdu(AsduContent const& asdu, FoundLayout const* layout, TextTree& tree)
 
 }  // namespace
 
-std::string toText(GoosePacket const& packet) {
+std::string toText(GoosePacket const& packet, MemberNames const& names) {
     TextTree tree;
     tree.enter("GOOSE");
     addHeader(packet.header, tree);
@@ -175,17 +189,15 @@ std::string toText(GoosePacket const& packet) {
     add("numDatSetEntries", packet.numDatSetEntries, tree);
     if (packet.allData) {
         tree.enter("allData:");
-        std::size_t number = 0;
-        for (DataValue const& value : *packet.allData) {
-            addData(std::to_string(++number), value, tree);
-        }
+        addData(*packet.allData, names, tree);
         tree.leave();
     }
     addRest(packet, tree);
     return tree.take();
 }
 
-std::string toText(SvPacket const& packet, AsduLayouts const& layouts) {
+std::string toText(SvPacket const& packet, AsduLayouts const& layouts,
+                   AsduMeanings const& meanings) {
     TextTree tree;
     tree.enter("SV");
     addHeader(packet.header, tree);
@@ -194,8 +206,9 @@ std::string toText(SvPacket const& packet, AsduLayouts const& layouts) {
     std::size_t number = 0;
     for (AsduContent const& asdu : packet.asdus) {
         FoundLayout const* const layout = layoutAt(layouts, number);
+        auto const* const channels = number < meanings.size() ? meanings[number] : nullptr;
         tree.enter(fmt::format("ASDU {}:", ++number));
-        addAsdu(asdu, layout, tree);
+        addAsdu(asdu, layout, channels, tree);
         tree.leave();
     }
     addRest(packet, tree);

@@ -111,8 +111,10 @@ void appendValue(std::string& text, Sampled row, std::size_t channel, bool isJso
     std::visit(
         [&](auto const& values) {
             auto const value = values[row.row];
-            if (row.scales != nullptr && !row.scales->empty()) {
-                appendReal(text, (*row.scales)[channel](static_cast<double>(value)), isJson);
+            bool const isScaled =
+                row.scales != nullptr && !row.scales->empty() && (*row.scales)[channel];
+            if (isScaled) {
+                appendReal(text, (*(*row.scales)[channel])(static_cast<double>(value)), isJson);
             } else if constexpr (std::is_floating_point_v<decltype(value)>) {
                 appendReal(text, value, isJson);
             } else {
@@ -233,11 +235,9 @@ bool hasChannel(Sampled row) { return !row.isMissing() && !row.isOctets(); }
 Cell channelNumberCell(Sampled row) { return hasChannel(row) ? Cell(row.channel + 1) : Cell(); }
 
 Cell channelNameCell(Sampled row) {
-    if (!hasChannel(row)) {
-        return {};
-    }
-    auto const& meanings = meaningsOf(*row.block->layout.layout);
-    return meanings.empty() ? Cell() : Cell(std::string_view(meanings[row.channel].name));
+    bool const isKnown =
+        hasChannel(row) && row.meanings != nullptr && row.channel < row.meanings->size();
+    return isKnown ? Cell(std::string_view((*row.meanings)[row.channel].name)) : Cell();
 }
 
 std::optional<std::uint32_t> qualityOf(Sampled row, std::size_t channel) {

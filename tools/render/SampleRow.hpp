@@ -3,6 +3,7 @@
 #include <TalIec61850Analysis/samples/SampleBlock.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,11 @@ struct SampleRow {
     std::size_t row = 0;
     /// In rows of one channel: its number, from 0; else unused.
     std::size_t channel = 0;
-    /// For each channel of the block; empty for raw counts.
-    std::vector<ChannelScale> const* scales = nullptr;
+    /// For each channel of the block, not set for one whose values are written as they are; empty
+    /// for raw counts.
+    std::vector<std::optional<ChannelScale>> const* scales = nullptr;
+    /// For each channel; empty where nothing is known.
+    std::vector<ChannelMeaning> const* meanings = nullptr;
 
     [[nodiscard]] bool isMissing() const {
         return block->states[row] == TalIec61850Analysis::SampleState::missing;

@@ -23,6 +23,14 @@ void appendWord(OctetString& octets, std::uint32_t word) {
 
 }  // namespace
 
+std::optional<double> scaledValue(SampleValue const& sample, ChannelMeaning const* meaning) {
+    if (meaning == nullptr || !meaning->scale) {
+        return std::nullopt;
+    }
+    return std::visit([&](auto value) { return (*meaning->scale)(static_cast<double>(value)); },
+                      sample.value);
+}
+
 OctetString octetsOf(SequenceOfData const& data) {
     if (auto const* const octets = std::get_if<OctetString>(&data)) {
         return *octets;
@@ -78,6 +86,9 @@ std::string layoutRemark(FoundLayout const& layout, std::size_t dataSize) {
     }
     if (layout.source == LayoutSource::undecided) {
         return fmt::format("layout undecided: read as {}", layoutText(layout, dataSize));
+    }
+    if (layout.source == LayoutSource::given) {
+        return fmt::format("{} as described", layoutText(layout, dataSize));
     }
     bool const isUsual =
         layout.isIntegerAndQuality && !layout.isFloatAndQuality && !layout.isValueAndTime;

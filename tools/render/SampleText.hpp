@@ -5,8 +5,11 @@
 #include <TalIec61850Analysis/samples/DecodeSample.hpp>
 #include <TalIec61850Analysis/samples/LayoutInference.hpp>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "tools/selection/ChannelMeaning.hpp"
 
 namespace TalIec61850Tools {
 
@@ -20,6 +23,20 @@ using AsduLayouts = std::vector<FoundLayout>;
 [[nodiscard]] inline FoundLayout const* layoutAt(AsduLayouts const& layouts, std::size_t asdu) {
     return asdu < layouts.size() ? &layouts[asdu] : nullptr;
 }
+
+/// What the channels of the ASDUs of a packet mean, in their order; null, or not listed, where that
+/// is not described.
+using AsduMeanings = std::vector<std::vector<ChannelMeaning> const*>;
+
+/// What a channel of an ASDU means; null where it is not described.
+[[nodiscard]] inline ChannelMeaning const* meaningAt(std::vector<ChannelMeaning> const* meanings,
+                                                     std::size_t channel) {
+    return meanings != nullptr && channel < meanings->size() ? &(*meanings)[channel] : nullptr;
+}
+
+/// A value in its unit: see ChannelMeaning. Not set where that is not known.
+[[nodiscard]] std::optional<double> scaledValue(TalIec61850Analysis::SampleValue const& sample,
+                                                ChannelMeaning const* meaning);
 
 /// The octets of seqData.
 [[nodiscard]] TalIec61850Analysis::OctetString octetsOf(

@@ -6,6 +6,7 @@
 
 #include "tools/render/AddressText.hpp"
 #include "tools/render/Cells.hpp"
+#include "tools/render/DescribingFields.hpp"
 #include "tools/render/UtcText.hpp"
 
 namespace TalIec61850Tools {
@@ -69,8 +70,12 @@ std::string vlanStackText(std::vector<TalIec61850Analysis::VlanKey> const& vlans
     return text;
 }
 
-RowLayout<StreamRow> streamLayout() {
+RowLayout<StreamRow> streamLayout(bool areDescribed) {
     RowLayout<StreamRow> layout{.fields = streamRowFields(), .columns = {}};
+    if (areDescribed) {
+        auto const describing = describingFields<StreamRow>([](Row r) { return r.controlBlock; });
+        layout.fields.insert(layout.fields.end(), describing.begin(), describing.end());
+    }
     auto const column = [&](std::string_view field, Heading heading) {
         return columnOf(layout.fields, field, std::move(heading));
     };
@@ -98,6 +103,11 @@ RowLayout<StreamRow> streamLayout() {
         column("datSet", {"DATSET", Align::left, fitName(18, 16)}),
         column("goID", {"GOID", Align::left, fitName(19, 16)}),
     };
+    if (areDescribed) {
+        layout.columns.push_back(column("ied", {"IED", Align::left, fitName(2, 8)}));
+        layout.columns.push_back(
+            column("controlBlock", {"CONTROL BLOCK", Align::left, fitName(20, 16)}));
+    }
     return layout;
 }
 

@@ -32,7 +32,13 @@ namespace TalIec61850Tools {
 ///     lastTime           text       last capture time
 ///     lastTimeNs         integer
 ///     packetsPerSecond   number     mean from the first to the last capture time
-[[nodiscard]] RowLayout<StreamRow> streamLayout();
+///
+/// Where streams are described, these come at the end:
+///
+///     ied                text       that publishes the stream
+///     controlBlock       text       its reference as described
+/// @param areDescribed  whether they are
+[[nodiscard]] RowLayout<StreamRow> streamLayout(bool areDescribed = false);
 
 /// The VLAN tags of a stream: "88a8:1/8100:2".
 [[nodiscard]] std::string vlanStackText(std::vector<TalIec61850Analysis::VlanKey> const& vlans);

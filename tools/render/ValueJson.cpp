@@ -63,6 +63,23 @@ struct ContentAdder {
     }
 };
 
+/// Gives each object of a value that holds no others its name, or null.
+// NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than kMaxDataDepth
+void addNames(std::vector<DataValue> const& values, MemberNames const& names,
+              std::vector<std::uint32_t>& path, Json& json) {
+    path.push_back(0);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        path.back() = static_cast<std::uint32_t>(i);
+        if (auto const* const members = std::get_if<DataValue::Members>(&values[i].value)) {
+            addNames(*members, names, path, json[i]["members"]);
+        } else {
+            std::string_view const name = names.nameAt(path);
+            json[i]["name"] = name.empty() ? Json() : Json(name);
+        }
+    }
+    path.pop_back();
+}
+
 /// What a bit-string of the right length says, where it is one of these types.
 void addReadings(BitString const& bits, Json& json) {
     if (auto const quality = readQuality(toView(bits))) {
@@ -98,6 +115,13 @@ Json toJson(std::vector<DataValue> const& values) {
     for (DataValue const& value : values) {
         json.push_back(toJson(value));
     }
+    return json;
+}
+
+Json toJson(std::vector<DataValue> const& values, MemberNames const& names) {
+    Json json = toJson(values);
+    std::vector<std::uint32_t> path;
+    addNames(values, names, path, json);
     return json;
 }
 
