@@ -1,0 +1,49 @@
+#include "tools/report/StatesSection.hpp"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "tools/output/Plural.hpp"
+#include "tools/output/WithCommas.hpp"
+#include "tools/report/HtmlText.hpp"
+
+namespace TalIec61850Tools {
+
+void StatesSection::add(std::size_t stream) {
+    if (told_.size() >= kMostDrawnStreams || octets_ >= mostOctets_) {
+        return;  // captures are not read for what cannot be drawn
+    }
+    LanePicture picture = drawLanes(index_, stream, wish_, names_);
+    leftOut_ += picture.leftOut;
+    areJoined_ = areJoined_ || picture.areJoined;
+    if (picture.told.is_null()) {
+        return;
+    }
+    octets_ += scriptSize(picture.told);
+    if (octets_ < mostOctets_) {
+        told_.push_back(std::move(picture.told));
+    }
+}
+
+std::vector<std::string> StatesSection::absent(std::size_t streams) const {
+    std::vector<std::string> sentences;
+    if (told_.empty()) {
+        sentences.emplace_back(streams == 0 ? "There is no GOOSE stream to draw."
+                                            : "No GOOSE stream has members to draw in this time.");
+    } else if (streams > told_.size()) {
+        sentences.push_back(fmt::format("{} of {} GOOSE streams are drawn.",
+                                        withCommas(told_.size()), withCommas(streams)));
+    }
+    if (leftOut_ > 0) {
+        sentences.push_back(
+            fmt::format("{} of GOOSE data sets have no lane: those that change come first.",
+                        plural(leftOut_, "member")));
+    }
+    if (areJoined_) {
+        sentences.emplace_back("Where states change too often for the page, lanes say so.");
+    }
+    return sentences;
+}
+
+}  // namespace TalIec61850Tools
