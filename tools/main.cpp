@@ -1,6 +1,7 @@
 // The companion program's command line. Each subcommand has a source of its own: StreamsCommand,
 // PacketsCommand, ShowCommand, EventsCommand, SamplesCommand, ComtradeCommand, RedundancyCommand,
-// CheckCommand, CapturesCommand; HelpCommands has the rest, LibraryCommands the group `library`.
+// CheckCommand, ReportCommand, PlotCommand, CapturesCommand; SclCommands has the group `scl`,
+// LibraryCommands the group `library`, HelpCommands the rest.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -21,8 +22,11 @@
 #include "tools/commands/HelpCommands.hpp"
 #include "tools/commands/LibraryCommands.hpp"
 #include "tools/commands/PacketsCommand.hpp"
+#include "tools/commands/PlotCommand.hpp"
 #include "tools/commands/RedundancyCommand.hpp"
+#include "tools/commands/ReportCommand.hpp"
 #include "tools/commands/SamplesCommand.hpp"
+#include "tools/commands/SclCommands.hpp"
 #include "tools/commands/ShowCommand.hpp"
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/HelpFooter.hpp"
@@ -106,6 +110,9 @@ ExitStatus runProgram(int argc, char** argv) {
     addComtradeCommand(definition, chosen);
     addRedundancyCommand(definition, chosen);
     addCheckCommand(definition, chosen);
+    addSclCommands(definition, chosen);
+    addReportCommand(definition, chosen);
+    addPlotCommand(definition, chosen);
     addCapturesCommand(definition, chosen);
     addHelpCommands(definition, chosen);
     addLibraryCommands(definition, chosen);

@@ -16,13 +16,16 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/FollowCheck.hpp"
 #include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
 #include "tools/commands/WantedFindings.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/CheckOptions.hpp"
 #include "tools/options/ChosenColumns.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/output/Plural.hpp"
+#include "tools/output/WithCommas.hpp"
 #include "tools/output/WrapText.hpp"
 #include "tools/render/CaptureText.hpp"
 #include "tools/render/FindingLayout.hpp"
@@ -42,10 +45,12 @@ namespace {
 
 std::string checkNotes() {
     auto const fields =
-        listFields(fieldNames(findingLayout()), {{"timeNs", "nanoseconds since 1970"},
-                                                 {"count", "occurrences that are one finding"},
-                                                 {"position", "of the PDU, in octets"},
-                                                 {"text", "a sentence"}});
+        listFields(fieldNames(findingLayout(true)), {{"timeNs", "nanoseconds since 1970"},
+                                                     {"count", "occurrences that are one finding"},
+                                                     {"position", "of the PDU, in octets"},
+                                                     {"text", "a sentence"},
+                                                     {"controlBlock", "as ied, with --scl alone"},
+                                                     {"name", "likewise, of a member or channel"}});
     auto const figures = listFields(fieldNames(summaryLayout()),
                                     {{"jitterP50Ns", "distance from the even course"},
                                      {"smpSynch", "the lowest"},
@@ -69,18 +74,11 @@ std::string checkNotes() {
                      " Findings are told about a second after the packet that shows them, since "
                      "what is missing may be late.") +
            "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
+           paragraph(std::string(kNameNotes) +
+                     " In texts, names have the IED in front where streams are of several.") +
+           "\n" +
            paragraph("The fields of json and csv: " + fields + ". With --summary: " + figures +
                      ".");
-}
-
-/// A count with commas: 1,200,000.
-std::string withCommas(std::uint64_t count) {
-    std::string text = std::to_string(count);
-    constexpr std::size_t kGroup = 3;
-    for (std::size_t end = text.size(); end > kGroup; end -= kGroup) {
-        text.insert(end - kGroup, ",");
-    }
-    return text;
 }
 
 /// Checks the captures of a run.
@@ -89,9 +87,11 @@ public:
     explicit Check(CheckOptions const& options)
         : options_(options),
           run_(options.common),
+          names_(run_, options.common),
+          criteria_(names_.asking(options.criteria)),
           // Streams that are not selected are witnesses.
           index_(indexTraffic(run_, {}, options.common.jobs)),
-          wanted_(options, options.window.resolve(spanOf(index_))),
+          wanted_(options, criteria_, options.window.resolve(spanOf(index_))),
           counts_(index_.streams().size()) {
         reportFaults(run_, index_);
         for (auto const& capture : run_.captures()) {
@@ -100,6 +100,7 @@ public:
         for (TrafficStream const& stream : index_.streams()) {
             areWatched_.push_back(wanted_.isWatched(index_, stream));
         }
+        names_.look(index_);
     }
 
     ExitStatus write() {
@@ -110,7 +111,7 @@ public:
             writeFindings();
         }
         if (std::none_of(areWatched_.begin(), areWatched_.end(), [](bool is) { return is; })) {
-            noteNoStreams(run_, index_, options_.criteria, options_.common.jobs);
+            noteNoStreams(run_, index_, criteria_, options_.common.jobs);
         }
         run_.writeSummary(lastLine());
         ExitStatus const status = run_.finish();
@@ -159,11 +160,16 @@ private:
     }
 
     void writeFindings() {
-        FindingText words(index_);
-        auto writer = run_.rowWriter(chooseColumns(findingLayout(), options_.common.columns));
+        FindingText words(index_, names_,
+                          [this](std::uint32_t file) -> std::string_view { return files_[file]; });
+        auto writer = run_.rowWriter(
+            chooseColumns(findingLayout(names_.areGiven()), options_.common.columns));
         for (Finding const& finding : findings_) {
-            writer.write(
-                {.finding = &finding, .index = &index_, .words = &words, .files = &files_});
+            writer.write({.finding = &finding,
+                          .index = &index_,
+                          .words = &words,
+                          .files = &files_,
+                          .names = &names_});
         }
         writer.finish();
     }
@@ -229,6 +235,8 @@ private:
 
     CheckOptions const& options_;
     CommandRun run_;
+    NamesOfRun names_;
+    PacketCriteria criteria_;
     TrafficIndex index_;
     WantedFindings wanted_;
     std::vector<std::string> files_;
@@ -252,9 +260,11 @@ ExitStatus runCheck(CheckOptions const& options) {
     if (options.isSummary) {
         static_cast<void>(chooseColumns(summaryLayout(), options.common.columns));
     } else {
-        static_cast<void>(chooseColumns(findingLayout(), options.common.columns));
+        static_cast<void>(chooseColumns(findingLayout(!options.common.descriptions.empty()),
+                                        options.common.columns));
     }
     options.follow.check(options.common);
+    checkNameOptions(options.common, options.criteria);
     if (options.follow.isOn) {
         return followCheck(options);
     }

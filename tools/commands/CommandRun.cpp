@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "tools/output/Terminal.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/output/WrapText.hpp"
+#include "tools/render/DiagnosticText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -39,8 +41,8 @@ std::uint64_t totalSize(std::vector<CaptureSource> const& captures) {
 
 }  // namespace
 
-CommandRun::CommandRun(CommonOptions const& options, FoundCaptures found)
-    : options_(options), found_(std::move(found)) {
+CommandRun::CommandRun(CommonOptions const& options, FoundCaptures found, bool takesCaptures)
+    : options_(options), found_(std::move(found)), takesCaptures_(takesCaptures) {
     refuseToOverwrite(options_.outputFile);
     output_.emplace(options_.outputFile);
     for (auto const& fault : found_.faults) {
@@ -56,6 +58,23 @@ void CommandRun::refuseToOverwrite(std::string const& path) const {
 std::optional<std::size_t> CommandRun::captureCalled(std::string const& argument) const {
     auto const found = found_.numbers.find(argument);
     return found == found_.numbers.end() ? std::nullopt : std::optional(found->second);
+}
+
+Descriptions CommandRun::describe(std::vector<std::string> const& arguments,
+                                  DescribeOptions const& how) {
+    Descriptions descriptions = readDescriptions(arguments);
+    found_.files.insert(descriptions.files.begin(), descriptions.files.end());
+    refuseToOverwrite(options_.outputFile);
+    for (auto const& fault : descriptions.faults) {
+        complainAbout(fault);
+    }
+    if (how.notesDiagnostics) {
+        for (auto const& text : diagnosticTexts(descriptions.station)) {
+            note(text);
+        }
+    }
+    lacksDescription_ = lacksDescription_ || (how.isNeeded && !descriptions.isAny);
+    return descriptions;
 }
 
 ProgressBar CommandRun::progressBar() const {
@@ -101,6 +120,16 @@ TableStyle CommandRun::tableStyle() const {
     return style;
 }
 
+TextForm CommandRun::textForm() const {
+    constexpr int kNoTerminal = -1;
+    constexpr std::size_t kMostColumns = 1000;
+    std::size_t const columns =
+        terminalColumns(output_->isTerminal() ? STDOUT_FILENO : kNoTerminal);
+    return {.columns = std::clamp(columns, TextForm::kLeastColumns, kMostColumns),
+            .isUtf8 = isUtf8Locale(),
+            .inColour = inColour()};
+}
+
 void CommandRun::writeSummary(std::string const& line) {
     if (options_.format == Format::table && !options_.quiet) {
         auto const room = tableStyle().room;
@@ -109,7 +138,8 @@ void CommandRun::writeSummary(std::string const& line) {
 }
 
 ExitStatus CommandRun::finish() {
-    if (captures().empty() && output_->isFile()) {
+    bool const isNothingRead = lacksDescription_ || (takesCaptures_ && captures().empty());
+    if (isNothingRead && output_->isFile()) {
         complain(fmt::format("{} is not written: nothing could be read",
                              escapeText(options_.outputFile)));
         return ExitStatus::failure;

@@ -6,14 +6,24 @@
 #include <vector>
 
 #include "tools/input/CaptureFinder.hpp"
+#include "tools/input/ReadDescriptions.hpp"
 #include "tools/options/CommonOptions.hpp"
 #include "tools/options/ExitStatus.hpp"
 #include "tools/output/Output.hpp"
 #include "tools/output/ProgressBar.hpp"
 #include "tools/output/RowWriter.hpp"
 #include "tools/output/TextSink.hpp"
+#include "tools/terminal/TextForm.hpp"
 
 namespace TalIec61850Tools {
+
+/// How descriptions are read.
+struct DescribeOptions {
+    /// Whether nothing can be done without one.
+    bool isNeeded = false;
+    /// Whether what is wrong with them is noted.
+    bool notesDiagnostics = true;
+};
 
 /// The part that all commands that read captures have in common: finds the captures, reports those
 /// that cannot be used (the exit status shows it), shows progress, and opens and finishes the
@@ -32,6 +42,11 @@ public:
         return {options, FoundCaptures()};
     }
 
+    /// A run whose FILE arguments are no captures: it reads descriptions alone.
+    [[nodiscard]] static CommandRun withoutCaptures(CommonOptions const& options) {
+        return {options, FoundCaptures(), false};
+    }
+
     [[nodiscard]] std::vector<CaptureSource> const& captures() const { return found_.captures; }
 
     /// The number of the capture that a FILE argument led to; none for a folder, and if it led to
@@ -41,6 +56,12 @@ public:
     /// To be asked before a file is written besides the output.
     /// @throws UsageError  it is a file that is to be read
     void refuseToOverwrite(std::string const& path) const;
+
+    /// Reads descriptions of the station. What of them cannot be used is reported, and the exit
+    /// status shows it; what else is wrong with them is noted.
+    /// @throws UsageError  the output would overwrite one of them
+    [[nodiscard]] Descriptions describe(std::vector<std::string> const& arguments,
+                                        DescribeOptions const& how = {});
 
     /// A bar for the reading of all captures, shown only on a terminal.
     [[nodiscard]] ProgressBar progressBar() const;
@@ -77,6 +98,9 @@ public:
     }
 
     [[nodiscard]] TableStyle tableStyle() const;
+    /// What a picture of text in the output is made for: as wide as the terminal that it goes to,
+    /// else as COLUMNS says, or 80 columns.
+    [[nodiscard]] TextForm textForm() const;
     [[nodiscard]] TextSink sink();
     [[nodiscard]] bool inColour() const;
 
@@ -88,11 +112,15 @@ public:
     [[nodiscard]] ExitStatus finish();
 
 private:
-    CommandRun(CommonOptions const& options, FoundCaptures found);
+    CommandRun(CommonOptions const& options, FoundCaptures found, bool takesCaptures = true);
 
     CommonOptions const& options_;
     FoundCaptures found_;
     std::optional<Output> output_;
+    /// Whether nothing can be done without one.
+    bool takesCaptures_;
+    /// Whether a description is needed, and there is none.
+    bool lacksDescription_ = false;
     bool isComplete_ = true;
 };
 

@@ -7,6 +7,7 @@
 #include <TalIec61850Analysis/comtrade/ComtradeFile.hpp>
 #include <TalIec61850Analysis/comtrade/ComtradeLimit.hpp>
 #include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <span>
@@ -17,6 +18,7 @@
 #include "tools/commands/IndexTraffic.hpp"
 #include "tools/commands/WantedSamples.hpp"
 #include "tools/options/ComtradeOptions.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
@@ -50,6 +52,11 @@ std::string comtradeNotes() {
                "--scale. What changes in the window (rate, data set, its revision, layout) makes "
                "no record: choose one part. Streams that sample at other instants are put "
                "together only with --align nearest.") +
+           "\n" +
+           paragraph(std::string(kNameNotes) +
+                     " Channels then have name, phase, unit, scale and logical node from it as far "
+                     "as it says these; members of --goose have their names, by which --member "
+                     "selects them, with or without the logical device and the IED in front.") +
            "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" + paragraph(layoutNotes());
 }
 
@@ -77,6 +84,10 @@ QualityChannels qualityOf(ComtradeOptions const& options) {
 void check(ComtradeOptions const& options) {
     options.choice.check();
     static_cast<void>(formatOf(options));
+    checkNameOptions(options.choice.common, options.choice.criteria);
+    if (!options.members.empty() && options.gocbRefs.empty()) {
+        throw UsageError("--member goes with --goose, whose members it selects");
+    }
     if (options.split && *options.split <= std::chrono::nanoseconds(0)) {
         throw UsageError("--split is longer than nothing");
     }
@@ -127,9 +138,15 @@ private:
         criteria.gocbRefs = options_.gocbRefs;
         TrafficIndex const index = indexTraffic(run_, criteria, options_.choice.common.jobs);
         FrameReader frames(TalIec61850Tools::pathsOf(run_));
-        states_ = readGooseStates(index, frames);
+        states_ = readGooseStates(index, frames,
+                                  {.members = options_.members,
+                                   .names = &samples_.names(),
+                                   .nameOf = [this](std::uint32_t file) -> std::string_view {
+                                       return samples_.fileName(file);
+                                   }});
         if (states_.empty()) {
-            complain("no GOOSE stream of --goose has booleans or double points");
+            complain(fmt::format("no GOOSE stream of --goose has {}booleans or double points",
+                                 options_.members.empty() ? "" : "such "));
         }
     }
 
@@ -228,6 +245,8 @@ private:
                 source.channels.push_back(channel - 1);
             }
             source.scales = options_.choice.scales;
+            source.given = samples_.layoutOf(stream);
+            source.described = stream.described;
             wish.sources.push_back(std::move(source));
         }
         return {samples_.index(), std::move(wish),
@@ -361,7 +380,8 @@ private:
                 if (wanted.stream == &stream && known.found.layout == layout) {
                     return fmt::format("{}: {}, {}", escapeText(stream.key.name),
                                        layoutText(known.found, known.dataSize),
-                                       groundsText(known.found));
+                                       wanted.isDescribed(known.found) ? "as described"
+                                                                       : groundsText(known.found));
                 }
             }
         }
@@ -382,6 +402,14 @@ private:
     [[nodiscard]] std::string scaleText(SampleRecord const& record) const {
         if (!options_.choice.scales.empty()) {
             return "Scales: as given on the command line.";
+        }
+        if (std::any_of(
+                record.sources().begin(), record.sources().end(), [](RecordSource const& source) {
+                    return source.described != nullptr && source.described->layout == source.layout;
+                })) {
+            return "Scales, units and names: as the description of the station has them; what it "
+                   "leaves out of samples of 9-2LE is as 9-2LE has it, and else values are counts "
+                   "(raw).";
         }
         for (ComtradeAnalog const& analog : record.record().analogs) {
             if (analog.unit.empty()) {
@@ -419,6 +447,7 @@ void addComtradeCommand(ProgramDefinition& program, Action& chosen) {
     command.notes = comtradeNotes();
     command.examples = {"tal-iec61850 comtrade -o trip --around 10:00:00.28 --span 2s bay1.pcap",
                         "tal-iec61850 comtrade -o trip --quality bits --goose '*gcbTrip' bay1.pcap",
+                        "tal-iec61850 comtrade -o trip --scl bay1.scd --goose '*gcbTrip' bay1.pcap",
                         "tal-iec61850 comtrade -o old --edition 1999 --svid MU01 bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runComtrade(*options); }; });

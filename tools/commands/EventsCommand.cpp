@@ -15,12 +15,17 @@
 #include <vector>
 
 #include "tools/commands/CommandRun.hpp"
+#include "tools/commands/EventTimeline.hpp"
 #include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NamedGoose.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
+#include "tools/options/EventsOptions.hpp"
 #include "tools/options/JobsOption.hpp"
 #include "tools/options/LimitOption.hpp"
+#include "tools/options/NameOptions.hpp"
+#include "tools/options/RefuseRowOptions.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
@@ -31,7 +36,7 @@
 #include "tools/render/CaptureText.hpp"
 #include "tools/render/EventRow.hpp"
 #include "tools/render/UtcText.hpp"
-#include "tools/selection/StreamRow.hpp"
+#include "tools/selection/RedundancyRow.hpp"
 
 namespace TalIec61850Tools {
 
@@ -40,21 +45,9 @@ using TalIec61850Analysis::GooseEvent;
 using TalIec61850Analysis::MemberChange;
 using TalIec61850Analysis::StreamKey;
 using TalIec61850Analysis::StreamPart;
-using TalIec61850Analysis::TrafficIndex;
 using TalIec61850Analysis::TrafficStream;
 
 namespace {
-
-/// What `events` is asked for.
-struct EventsOptions {
-    CommonOptions common;
-    PacketCriteria criteria;
-    WindowOptions window;
-    /// Patterns of places in data sets; empty for all.
-    std::vector<std::string> members;
-    std::optional<std::chrono::nanoseconds> nextWithin;
-    std::optional<std::uint64_t> limit;
-};
 
 std::string eventsNotes() {
     auto const fields = listFields(fieldNames(eventRowLayout(Format::json)),
@@ -93,14 +86,25 @@ std::string eventsNotes() {
                "its intervals. "
                "nextStream is the next other stream that changed within a second, or what "
                "--next-within says, be it in the window or not.") +
+           "\n" +
+           paragraph(
+               std::string(kNameNotes) +
+               " --member takes names too, with or without the logical device and the IED in "
+               "front: PTRC1.Tr.general, LD0/PTRC1.Tr.general, IED1LD0/PTRC1.Tr.general. In "
+               "texts, names have the IED in front where streams of several IEDs are listed; in "
+               "json, they have not.") +
            "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
+           paragraph(
+               "--timeline draws a line for each member of a stream, the first 16, and of more "
+               "those that change; --member chooses others. True and on are filled, false and off "
+               "a thin line, other values are written where they hold. A value begins in the "
+               "column in which it came; a shaded column has more than one change. Dots: the value "
+               "is not known, as messages are missing, or the time allowed to live is over. Marks "
+               "below: the quality that follows in the data set is not good. Qualities and time "
+               "stamps are drawn where --member names them. As wide as --plot of samples.") +
+           "\n" +
            paragraph("The fields of json: " + fields +
                      ". csv has the same, with changes as a text, and blanks between times.");
-}
-
-PacketCriteria ofGoose(PacketCriteria criteria) {
-    criteria.protocol = Protocol::goose;
-    return criteria;
 }
 
 /// Writes the events of all streams.
@@ -109,12 +113,9 @@ public:
     EventList(CommandRun& run, EventsOptions const& options)
         : run_(run),
           options_(options),
-          criteria_(ofGoose(options.criteria)),
-          index_(indexTraffic(run, criteria_, options.common.jobs)),
           writer_(run.rowWriter(
-              chooseColumns(eventRowLayout(options.common.format), options.common.columns))) {
-        reportFaults(run, index_);
-    }
+              chooseColumns(eventRowLayout(options.common.format), options.common.columns))),
+          goose_(run, options) {}
 
     ExitStatus write() {
         if (!isFull()) {
@@ -122,7 +123,9 @@ public:
         }
         writer_.finish();
         if (rows_ == 0 && options_.limit != 0U && !isLost_) {
-            noteNone();
+            goose_.noteNone(
+                run_, options_,
+                options_.members.empty() ? "no state changed" : "no such member changed");
         }
         run_.writeSummary(fmt::format(
             "{} of {} in {}{}", plural(rows_, "event"), plural(streams_.size(), "stream"),
@@ -133,12 +136,14 @@ public:
 private:
     void find() {
         EventOptions options;
-        options.takes = [&](StreamKey const& key) { return isWanted(*index_.find(key)); };
-        options.window = options_.window.resolve(spanOf(index_));
+        options.takes = [&](StreamKey const& key) {
+            return isWanted(goose_.index, *goose_.index.find(key), goose_.criteria);
+        };
+        options.window = options_.window.resolve(spanOf(goose_.index));
         options.nextWithin = options_.nextWithin.value_or(options.nextWithin);
         options.stop = full_.get_token();
         try {
-            findEvents(index_, options, [&](GooseEvent const& event) { take(event); });
+            findEvents(goose_.index, options, [&](GooseEvent const& event) { take(event); });
         } catch (OutputError const&) {
             throw;
         } catch (std::system_error const& error) {
@@ -150,18 +155,23 @@ private:
     }
 
     void take(GooseEvent const& event) {
-        TrafficStream const& stream = index_.streams()[event.stream];
+        TrafficStream const& stream = goose_.index.streams()[event.stream];
         StreamPart const& part = stream.parts[event.place.packet.part];
-        if (!PartPackets(criteria_, index_, part).admit(event.place.packet.packet)) {
+        if (!PartPackets(goose_.criteria, goose_.index, part).admit(event.place.packet.packet)) {
             return;
         }
         EventRow row{.event = &event,
                      .stream = &stream,
-                     .next = event.next ? &index_.streams()[event.next->stream] : nullptr,
+                     .next = event.next ? &goose_.index.streams()[event.next->stream] : nullptr,
                      .file = &run_.captures()[event.place.file].name,
-                     .changes = {}};
+                     .changes = {},
+                     .names = event.changes.empty()
+                                  ? MemberNames()
+                                  : goose_.messages.of(event.stream, event.place.packet),
+                     .withIeds = goose_.names.areOfSeveralIeds()};
         for (MemberChange const& change : event.changes) {
-            if (meetsPattern(options_.members, memberText(change.member))) {
+            if (meetsPattern(options_.members, memberText(change.member)) ||
+                row.names.meet(options_.members, change.member)) {
                 row.changes.push_back(&change);
             }
         }
@@ -176,52 +186,31 @@ private:
         }
     }
 
-    [[nodiscard]] bool isWanted(TrafficStream const& stream) const {
-        for (StreamPart const& part : stream.parts) {
-            for (auto const& change : part.changes) {
-                if (criteria_.admitAttributes(index_.attributes(part, change))) {
-                    return true;
-                }
-            }
-        }
-        return false;
-    }
-
     [[nodiscard]] bool isFull() const { return options_.limit && rows_ >= *options_.limit; }
-
-    void noteNone() const {
-        if (index_.streams().empty()) {
-            noteNoStreams(run_, index_, criteria_, options_.common.jobs);
-            return;
-        }
-        auto const span = timesOf(collectRows(index_, criteria_));
-        if (!span) {
-            return;
-        }
-        std::string const what =
-            options_.members.empty() ? "no state changed" : "no such member changed";
-        run_.note(fmt::format("{}{}; these streams have packets from {} to {}", what,
-                              options_.window.isEmpty() ? "" : " in the window",
-                              toUtcText(span->first), toUtcText(span->last)));
-    }
 
     CommandRun& run_;
     EventsOptions const& options_;
-    PacketCriteria criteria_;
-    TrafficIndex index_;
     RowWriter<EventRow> writer_;
+    NamedGoose goose_;
     std::stop_source full_;
     std::set<std::size_t> streams_;
     std::uint64_t rows_ = 0;
     bool isLost_ = false;
 };
 
-ExitStatus runEvents(EventsOptions const& options) {
+ExitStatus runEvents(EventsOptions const& options, CLI::App const& parser) {
+    if (options.isTimeline) {
+        refuseRowOptions(parser, "--timeline", {"--limit", "--next-within"});
+    }
     if (options.criteria.protocol == Protocol::sv) {
         throw UsageError("--protocol sv: SV has no states");
     }
     options.window.check();
+    checkNameOptions(options.common, options.criteria);
     CommandRun run(options.common);
+    if (options.isTimeline) {
+        return drawTimeline(run, options);
+    }
     EventList list(run, options);
     return list.write();
 }
@@ -229,12 +218,15 @@ ExitStatus runEvents(EventsOptions const& options) {
 void addEventOptions(CommandDefinition& command, EventsOptions& options) {
     constexpr char const* kEventsGroup = "Which events";
     addRepeatable(command, "--member", options.members, "PATTERN",
-                  "Changes of this value alone, such as 3, 9.2 or 9.*",
+                  "Changes of this value alone, such as 3, 9.2 or 9.*, by name 'PTRC*.Tr.general'",
                   [](std::string const&, std::string const& text) { return text; })
         .group(kEventsGroup);
     addLengthOption(command, "--next-within", options.nextWithin,
                     "How long after an event another stream may be the next; 1s if not said");
     addLimitOption(command, options.limit, kEventsGroup);
+    command.parser->add_flag("--timeline", options.isTimeline,
+                             "Values of members over time in place of rows, as wide as the "
+                             "terminal");
 }
 
 }  // namespace
@@ -248,12 +240,16 @@ void addEventsCommand(ProgramDefinition& program, Action& chosen) {
     addWindowOptions(command, options->window);
     addEventOptions(command, *options);
     addContentOptions(command, options->criteria);
+    addNameOptions(command, options->common, options->criteria);
     command.notes = eventsNotes();
     command.examples = {"tal-iec61850 events bay1.pcap",
                         "tal-iec61850 events --gocbref '*gcbTrip' --around 10:00:00.28 bay1.pcap",
-                        "tal-iec61850 events --member '9.*' -f json captures/"};
-    command.parser->callback(
-        [options, &chosen] { chosen = [options] { return runEvents(*options); }; });
+                        "tal-iec61850 events --member '9.*' -f json captures/",
+                        "tal-iec61850 events --timeline --around 10:00:00.28 bay1.pcap",
+                        "tal-iec61850 events --scl station.scd --member 'PTRC*.Tr.general' a.pcap"};
+    command.parser->callback([options, &chosen, parser = command.parser] {
+        chosen = [options, parser] { return runEvents(*options, *parser); };
+    });
 }
 
 }  // namespace TalIec61850Tools

@@ -11,6 +11,7 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/FollowCaptures.hpp"
 #include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/commands/WantedFindings.hpp"
 #include "tools/input/FollowedCaptures.hpp"
 #include "tools/options/ChosenColumns.hpp"
@@ -33,8 +34,10 @@ public:
     FindingLines(CommandRun& run, CheckOptions const& options)
         : run_(run),
           options_(options),
-          supervision_(WantedFindings(options, {}).supervision()),
-          writer_(run.rowWriter(chooseColumns(findingLayout(), options.common.columns))) {}
+          names_(run, options.common),
+          supervision_(WantedFindings(options, {}, {}).supervision()),
+          writer_(run.rowWriter(
+              chooseColumns(findingLayout(names_.areGiven()), options.common.columns))) {}
 
     /// @return whether more may be written
     bool write(std::vector<AddedTraffic>&& added) {
@@ -44,7 +47,8 @@ public:
         }
         if (!wanted_ && !index.files().empty()) {
             // What the window is relative to does not change any more.
-            wanted_.emplace(options_, options_.window.resolve(spanOf(index)));
+            wanted_.emplace(options_, names_.asking(options_.criteria),
+                            options_.window.resolve(spanOf(index)));
         }
         supervise([&](auto const& sink) { supervision_.add(std::move(index), sink); });
         writer_.flush();
@@ -64,8 +68,11 @@ private:
     /// @param call  with a sink of findings
     template <typename Call>
     void supervise(Call const& call) {
-        // Streams have other numbers each time.
-        words_.emplace(supervision_.index());
+        // Streams have other numbers each time, and there may be new ones.
+        areIedsKnown_ = false;
+        words_.emplace(supervision_.index(), names_, [this](std::uint32_t file) {
+            return std::string_view(supervision_.index().files()[file].summary.path);
+        });
         try {
             call([this](Finding const& finding) { take(finding); });
         } catch (OutputError const&) {
@@ -87,24 +94,33 @@ private:
         if (isFull()) {
             return;
         }
-        // Files keep their numbers.
-        while (names_.size() < index.files().size()) {
-            names_.push_back(index.files()[names_.size()].summary.path);
+        if (!std::exchange(areIedsKnown_, true)) {
+            names_.look(index);
         }
-        writer_.write({.finding = &finding, .index = &index, .words = &*words_, .files = &names_});
+        // Files keep their numbers.
+        while (files_.size() < index.files().size()) {
+            files_.push_back(index.files()[files_.size()].summary.path);
+        }
+        writer_.write({.finding = &finding,
+                       .index = &index,
+                       .words = &*words_,
+                       .files = &files_,
+                       .names = &names_});
         ++count_;
     }
 
     CommandRun& run_;
     CheckOptions const& options_;
+    NamesOfRun names_;
     LiveSupervision supervision_;
     RowWriter<FindingRow> writer_;
     std::optional<FindingText> words_;
     /// Of the captures, by the numbers of the files.
-    std::vector<std::string> names_;
+    std::vector<std::string> files_;
     /// Set when there is something.
     std::optional<WantedFindings> wanted_;
     std::uint64_t count_ = 0;
+    bool areIedsKnown_ = false;
     bool isFailure_ = false;
 };
 

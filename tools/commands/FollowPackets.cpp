@@ -10,6 +10,7 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/FollowCaptures.hpp"
 #include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/input/FollowedCaptures.hpp"
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/options/UsageError.hpp"
@@ -31,10 +32,12 @@ namespace {
 /// Writes rows of what is added to captures.
 class PacketLines {
 public:
-    PacketLines(CommandRun& run, PacketOptions const& options)
+    PacketLines(CommandRun& run, PacketOptions const& options, NamesOfRun& names)
         : run_(run),
           options_(options),
-          writer_(run.rowWriter(chooseColumns(packetLayout(false), options.common.columns))) {}
+          criteria_(names.asking(options.criteria)),
+          writer_(run.rowWriter(chooseColumns(
+              packetLayout(false, names.areGiven() ? &names : nullptr), options.common.columns))) {}
 
     /// @return whether more may be written
     bool write(std::vector<AddedTraffic>&& added) {
@@ -73,8 +76,7 @@ private:
             window_ = options_.window.resolve(spanOf(index));
         }
         PacketSelection selection(
-            index, {.criteria = options_.criteria, .window = *window_, .withContext = false},
-            headerOf);
+            index, {.criteria = criteria_, .window = *window_, .withContext = false}, headerOf);
         for (auto packet = selection.next(); packet && !isFull(); packet = selection.next()) {
             writer_.write(PacketRow(*packet, names[packet->file], frames));
             ++count_;
@@ -83,6 +85,7 @@ private:
 
     CommandRun& run_;
     PacketOptions const& options_;
+    PacketCriteria criteria_;
     RowWriter<PacketRow> writer_;
     std::optional<TimeWindow> window_;
     std::uint64_t count_ = 0;
@@ -95,12 +98,14 @@ ExitStatus followPackets(PacketOptions const& options) {
         throw UsageError("--follow lists packets; --write and --context do not go with it");
     }
     CommandRun run = CommandRun::following(options.common);
+    NamesOfRun names(run, options.common);
+    PacketCriteria const criteria = names.asking(options.criteria);
     TrafficOptions traffic;
-    if (options.criteria != PacketCriteria()) {
-        traffic.keeps = [&](StreamKey const& key) { return options.criteria.admitKey(key); };
+    if (criteria != PacketCriteria()) {
+        traffic.keeps = [&](StreamKey const& key) { return criteria.admitKey(key); };
     }
     FollowedCaptures captures(options.common.files, traffic);
-    PacketLines lines(run, options);
+    PacketLines lines(run, options, names);
     followCaptures(
         run, options.follow, FollowPace::fast, captures,
         [&](std::vector<AddedTraffic>&& added) { return lines.write(std::move(added)); });

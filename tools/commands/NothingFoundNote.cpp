@@ -42,13 +42,13 @@ void noteNoStreams(CommandRun const& run, TrafficIndex const& index, PacketCrite
     run.note(rows.empty() ? whyNoTraffic(summariesOf(index)) : whyNoStream(criteria, rows));
 }
 
-void noteNoPackets(CommandRun const& run, TrafficIndex const& index, PacketOptions const& options,
-                   std::size_t streams) {
+void noteNoPackets(CommandRun const& run, TrafficIndex const& index, PacketCriteria const& criteria,
+                   std::size_t jobs, std::size_t streams) {
     if (streams == 0) {
-        noteNoStreams(run, index, options.criteria, options.common.jobs);
+        noteNoStreams(run, index, criteria, jobs);
         return;
     }
-    std::vector<StreamRow> const rows = collectRows(index, options.criteria);
+    std::vector<StreamRow> const rows = collectRows(index, criteria);
     if (rows.empty()) {
         run.note(
             fmt::format("no packet of {} meets the options on packets", plural(streams, "stream")));
@@ -57,9 +57,10 @@ void noteNoPackets(CommandRun const& run, TrafficIndex const& index, PacketOptio
     }
 }
 
-void noteOtherTimes(CommandRun const& run, std::vector<StreamRow> const& rows) {
+void noteOtherTimes(CommandRun const& run, std::vector<StreamRow> const& rows,
+                    std::string_view what) {
     if (auto const span = timesOf(rows)) {
-        run.note(fmt::format("no packet in the window; these streams have packets from {} to {}",
+        run.note(fmt::format("{}; these streams have packets from {} to {}", what,
                              toUtcText(span->first), toUtcText(span->last)));
     }
 }

@@ -2,10 +2,11 @@
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstddef>
+#include <string_view>
 #include <vector>
 
 #include "tools/commands/CommandRun.hpp"
-#include "tools/options/PacketOptions.hpp"
+#include "tools/selection/PacketCriteria.hpp"
 #include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
@@ -20,11 +21,13 @@ void noteNoStreams(CommandRun const& run, TalIec61850Analysis::TrafficIndex cons
 /// @param index    of the run, with the streams that the criteria let through
 /// @param streams  how many of these there are
 void noteNoPackets(CommandRun const& run, TalIec61850Analysis::TrafficIndex const& index,
-                   PacketOptions const& options, std::size_t streams);
+                   PacketCriteria const& criteria, std::size_t jobs, std::size_t streams);
 
-/// Says on standard error that no packet is in the window, and when there are some.
+/// Says on standard error that there is nothing at some time, and when streams have packets.
 /// @param rows  of the streams that are meant
-void noteOtherTimes(CommandRun const& run, std::vector<StreamRow> const& rows);
+/// @param what  there is none of
+void noteOtherTimes(CommandRun const& run, std::vector<StreamRow> const& rows,
+                    std::string_view what = "no packet in the window");
 
 /// Says on standard error that nothing is redundant.
 /// @param streams  how many were looked at

@@ -53,7 +53,8 @@ void PacketWriter::write(ShownPacket const& packet) {
     sink_(std::exchange(isFirst_, false) ? "" : "\n");
     sink_(emphasise(titleOf(packet), inColour_) + "\n");
     sink_(recordLineOf(packet.record));
-    sink_(packet.goose ? toText(*packet.goose) : toText(*packet.sv, packet.layouts));
+    sink_(packet.goose ? toText(*packet.goose, packet.names)
+                       : toText(*packet.sv, packet.layouts, packet.meanings));
 }
 
 }  // namespace TalIec61850Tools

@@ -7,9 +7,11 @@
 #include <string>
 
 #include "tools/commands/FollowPackets.hpp"
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/CaptureWriter.hpp"
@@ -22,13 +24,15 @@ namespace TalIec61850Tools {
 namespace {
 
 std::string packetsNotes() {
-    auto const fields = listFields(fieldNames(packetLayout(true)),
+    StreamNames noNames(std::nullopt, {});
+    auto const fields = listFields(fieldNames(packetLayout(true, &noNames)),
                                    {{"timeNs", "nanoseconds since 1970"},
                                     {"position", "of the PDU, in octets"},
                                     {"asdu", "its number in the frame"},
                                     {"timeAllowedToLive", "milliseconds"},
                                     {"place", "inside; with --context also before and after"},
-                                    {"unreadable", "why a frame is of no stream"}});
+                                    {"unreadable", "why a frame is of no stream"},
+                                    {"controlBlock", "as ied, with --scl alone"}});
     return paragraph(
                "Packets come in the order of their capture times, over all files; of one time, in "
                "the order in which the files were given. A frame of several ASDUs is one row for "
@@ -36,15 +40,24 @@ std::string packetsNotes() {
                "cannot be read, are rows too. A packet that two files have comes once. "
                "FILE@POSITION is what `tal-iec61850 show` takes.") +
            "\n" + paragraph(kFollowNotes) + "\n" + kTimeNotes + "\n" + paragraph(kCriteriaNotes) +
-           "\n" + paragraph("The fields of json and csv: " + fields + ".");
+           "\n" + paragraph(kNameNotes) + "\n" +
+           paragraph("The fields of json and csv: " + fields + ".");
 }
 
 /// Writes a row for each wanted packet.
 ExitStatus listPackets(PacketOptions const& options) {
-    auto const layout = chooseColumns(packetLayout(options.withContext), options.common.columns);
+    auto const layout = [&options](StreamNames& names) {
+        bool const areDescribed = !options.common.descriptions.empty();
+        return chooseColumns(packetLayout(options.withContext, areDescribed ? &names : nullptr),
+                             options.common.columns);
+    };
+    // Names of columns are wrong before captures are read.
+    StreamNames noNames(std::nullopt, {});
+    static_cast<void>(layout(noNames));
     CommandRun run(options.common);
-    WantedPackets packets(run, options, WantedPackets::Unit::packets);
-    auto writer = run.rowWriter(layout);
+    NamesOfRun names(run, options.common);
+    WantedPackets packets(run, options, names, WantedPackets::Unit::packets);
+    auto writer = run.rowWriter(layout(names));
     packets.visit([&](PacketRow const& row) { writer.write(row); });
     writer.finish();
     packets.noteIfNone();
@@ -61,7 +74,8 @@ ExitStatus writeCapture(PacketOptions const& options) {
     CommonOptions common = options.common;
     common.outputFile = options.captureFile == "-" ? "" : options.captureFile;
     CommandRun run(common);
-    WantedPackets packets(run, options, WantedPackets::Unit::frames);
+    NamesOfRun names(run, common);
+    WantedPackets packets(run, options, names, WantedPackets::Unit::frames);
     CaptureWriter writer(run.sink());
     std::uint64_t others = 0;
     packets.visit([&](PacketRow const& row) { others += writer.write(row.record()) ? 0 : 1; });
@@ -88,6 +102,7 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
                      "Write the frames into FILE, a capture with nanoseconds, in place of rows")
         ->option_text("FILE");
     addFollowOptions(command, options->follow);
+    addNameOptions(command, options->common, options->criteria);
     command.notes = packetsNotes();
     command.examples = {"tal-iec61850 packets --gocbref '*gcbTrip' --from +10s --context bay1.pcap",
                         "tal-iec61850 packets --svid MU01 --from 10:00:00 -f csv captures/",
@@ -100,6 +115,7 @@ void addPacketsCommand(ProgramDefinition& program, Action& chosen) {
 ExitStatus runPackets(PacketOptions const& options) {
     options.window.check();
     options.follow.check(options.common);
+    checkNameOptions(options.common, options.criteria);
     if (options.follow.isOn) {
         return followPackets(options);
     }

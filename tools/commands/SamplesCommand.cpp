@@ -5,16 +5,20 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tools/commands/SamplePlots.hpp"
+#include "tools/commands/SampleStreamNotes.hpp"
+#include "tools/commands/SamplesSummary.hpp"
 #include "tools/commands/WantedSamples.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/options/LimitOption.hpp"
+#include "tools/options/NameOptions.hpp"
+#include "tools/options/RefuseRowOptions.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/SampleOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
@@ -23,10 +27,8 @@
 #include "tools/output/Plural.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/output/WrapText.hpp"
-#include "tools/render/AddressText.hpp"
 #include "tools/render/SampleNotes.hpp"
 #include "tools/render/SampleRow.hpp"
-#include "tools/render/SampleText.hpp"
 
 namespace TalIec61850Tools {
 
@@ -39,9 +41,12 @@ namespace {
 /// What `samples` is asked for.
 struct SamplesOptions {
     SampleChoice choice;
+    bool isSummary = false;
     bool isLong = false;
     bool withMissing = false;
     bool isScaled = false;
+    /// A picture in place of rows.
+    bool isPlot = false;
     std::uint64_t every = 1;
     std::optional<std::uint64_t> limit;
 };
@@ -68,12 +73,27 @@ std::string samplesNotes() {
            "\n" + paragraph(layoutNotes()) + "\n" +
            paragraph(
                "--scaled gives amperes and volts where samples are those of 9-2LE: 1 mA and 10 mV "
-               "a count. --scale gives units by factors of your own.") +
+               "a count; with --scl, the units that are described. --scale gives units by factors "
+               "of your own.") +
+           "\n" +
+           paragraph(std::string(kNameNotes) +
+                     " Samples are read as they are described, unless --layout says otherwise, and "
+                     "columns have the names of channels where these are the same in all "
+                     "streams.") +
            "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
+           paragraph(
+               "--plot draws each channel on two lines, as high as its least and its largest "
+               "value, which are in front, with a line at zero: what was sampled in a column is "
+               "between the least and the largest dot. Shaded: samples are missing. Marks below: "
+               "where samples are missing, and where their quality is not good. Where the locale "
+               "has no UTF-8, curves are of ASCII. Elsewhere than on a terminal they are 80 "
+               "columns wide, or what COLUMNS says.") +
+           "\n" +
            paragraph("The fields of json: " + fields +
                      ". csv has the same up to missing, then value1, quality1, value2 and so on, "
                      "or names where they are known: Ia, Ia.quality. With --long there is a row "
-                     "for each channel: channel, name, value, quality, qualityText.");
+                     "for each channel: channel, name, value, quality, qualityText.") +
+           "\n" + samplesSummaryNotes();
 }
 
 /// Channels are those of the streams, or of them the wanted ones.
@@ -92,31 +112,43 @@ std::vector<std::size_t> channelsOf(SamplesOptions const& options, std::size_t m
     return channels;
 }
 
+/// The names that channels have in all streams that have them; none where any stream has none.
+std::vector<std::string> commonNames(WantedSamples const& samples) {
+    std::vector<std::string> names;
+    for (WantedStream const& stream : samples.streams()) {
+        for (auto const& layout : stream.layouts) {
+            std::vector<ChannelMeaning> const none;
+            auto const& own = layout.found.layout ? stream.meanings(*layout.found.layout) : none;
+            if (own.empty()) {
+                return {};
+            }
+            for (std::size_t channel = 0; channel < own.size(); ++channel) {
+                if (channel == names.size()) {
+                    names.push_back(own[channel].name);
+                } else if (names[channel] != own[channel].name) {
+                    names[channel].clear();
+                }
+            }
+        }
+    }
+    return names;
+}
+
 SampleForm formOf(SamplesOptions const& options, WantedSamples const& samples) {
     SampleForm form;
     form.format = options.choice.common.format;
     form.isLong = options.isLong;
     form.hasFieldPerChannel = !options.choice.common.columns.empty();
-    std::optional<std::vector<std::string>> names;
-    for (WantedStream const& stream : samples.streams()) {
-        for (auto const& layout : stream.layouts) {
-            std::vector<std::string> own;
-            if (layout.found.layout) {
-                for (ChannelMeaning const& meaning : meaningsOf(*layout.found.layout)) {
-                    own.push_back(meaning.name);
-                }
-            }
-            names = !names || *names == own ? own : std::vector<std::string>();
-        }
-    }
     form.channels = channelsOf(options, samples.mostChannels());
-    form.names = names.value_or(std::vector<std::string>());
+    form.names = commonNames(samples);
     return form;
 }
 
 /// The factors of a layout's channels; empty for raw counts.
-std::vector<ChannelScale> scalesOf(SamplesOptions const& options, FoundLayout const& layout) {
-    std::vector<ChannelScale> scales;
+std::vector<std::optional<ChannelScale>> scalesOf(SamplesOptions const& options,
+                                                  WantedStream const& stream,
+                                                  FoundLayout const& layout) {
+    std::vector<std::optional<ChannelScale>> scales;
     if (!layout.layout) {
         return scales;
     }
@@ -125,12 +157,13 @@ std::vector<ChannelScale> scalesOf(SamplesOptions const& options, FoundLayout co
     if (!given.empty()) {
         for (std::size_t channel = 0; channel < channels; ++channel) {
             std::size_t const place = given.size() == 1 ? 0 : channel;
-            scales.push_back(place < given.size() ? ChannelScale::of(given[place])
-                                                  : ChannelScale());
+            scales.emplace_back(place < given.size() ? ChannelScale::of(given[place])
+                                                     : ChannelScale());
         }
     } else if (options.isScaled) {
-        for (ChannelMeaning const& meaning : meaningsOf(*layout.layout)) {
-            scales.push_back(meaning.scale);
+        for (ChannelMeaning const& meaning : stream.meanings(*layout.layout)) {
+            bool const isAsItIs = meaning.scale == ChannelScale();
+            scales.push_back(isAsItIs ? std::nullopt : meaning.scale);
         }
     }
     return scales;
@@ -149,7 +182,7 @@ public:
     }
 
     ExitStatus write() {
-        noteTwoPublishers();
+        noteTwoPublishers(samples_);
         std::uint64_t all = 0;
         for (WantedStream const& stream : samples_.streams()) {
             all += stream.stream->packets;
@@ -179,15 +212,20 @@ private:
                 bar.erase();
                 complain(text);
             });
-        noteNoScale(stream);
+        if (options_.isScaled && options_.choice.scales.empty()) {
+            noteNoScale(stream);
+        }
         std::uint64_t ofStream = 0;
         SampleRows const rows =
             options_.withMissing ? SampleRows::everySample : SampleRows::received;
         auto const counts = samples_.visit(stream, rows, [&](SampleBlock const& block) {
             notes.look(block);
             noteMoreChannels(block);
-            auto const scales = scalesOf(options_, block.layout);
+            auto const scales = scalesOf(options_, stream, block.layout);
             SampleRow row{.stream = stream.stream, .block = &block, .scales = &scales};
+            if (block.layout.layout) {
+                row.meanings = &stream.meanings(*block.layout.layout);
+            }
             for (row.row = 0; row.row < block.size() && !isFull(); ++row.row) {
                 bar.countOne();
                 if (ofStream++ % options_.every == 0) {
@@ -223,39 +261,6 @@ private:
         return samples_.fileName(file);
     }
 
-    /// Two sources of one svID are two streams, and mostly a mistake.
-    void noteTwoPublishers() {
-        std::map<std::string, std::vector<std::string>> sources;
-        for (WantedStream const& stream : samples_.streams()) {
-            auto const& key = stream.stream->key;
-            auto& known = sources[key.name];
-            std::string const source = key.source ? toText(*key.source) : "an unknown source";
-            if (std::find(known.begin(), known.end(), source) == known.end()) {
-                known.push_back(source);
-            }
-        }
-        for (auto const& [svID, known] : sources) {
-            if (known.size() > 1) {
-                complain(fmt::format(
-                    "{}: sent by {} and {}: each is a stream of its own", escapeText(svID),
-                    known[0], known.size() == 2 ? known[1] : plural(known.size() - 1, "other")));
-            }
-        }
-    }
-
-    void noteNoScale(WantedStream const& stream) {
-        if (!options_.isScaled || !options_.choice.scales.empty()) {
-            return;
-        }
-        for (auto const& layout : stream.layouts) {
-            if (!layout.found.layout || meaningsOf(*layout.found.layout).empty()) {
-                complain(fmt::format("{}: units of {} are not known: raw counts; see --scale",
-                                     escapeText(stream.stream->key.name),
-                                     layoutText(layout.found, layout.dataSize)));
-            }
-        }
-    }
-
     /// The columns are those of what was looked at first.
     void noteMoreChannels(SampleBlock const& block) {
         bool const isMore = !form_.isLong && options_.choice.channels.empty() &&
@@ -285,9 +290,26 @@ private:
     bool isMoreTold_ = false;
 };
 
-ExitStatus runSamples(SamplesOptions const& options) {
+ExitStatus runSamples(SamplesOptions const& options, CLI::App const& parser) {
+    if (options.isPlot) {
+        refuseRowOptions(parser, "--plot",
+                         {"--long", "--missing", "--every", "--limit", "--summary"});
+    }
     options.choice.check();
+    checkNameOptions(options.choice.common, options.choice.criteria);
+    if (options.isSummary) {
+        if (options.isLong || options.withMissing || options.isScaled || options.every != 1 ||
+            options.limit) {
+            throw UsageError(
+                "--summary has no rows of samples: it takes no --long, --missing, --scaled, "
+                "--every and --limit");
+        }
+        return writeSamplesSummary(options.choice);
+    }
     CommandRun run(options.choice.common);
+    if (options.isPlot) {
+        return plotSamples(run, options.choice, options.isScaled);
+    }
     SampleList list(run, options);
     return list.write();
 }
@@ -308,10 +330,15 @@ void addSamplesCommand(ProgramDefinition& program, Action& chosen) {
         addCommand(program, "samples", "List the samples of SV streams, with the times of each.");
     addCommonOptions(command, options->choice.common);
     addSampleChoice(command, options->choice);
+    addNameOptions(command, options->choice.common, options->choice.criteria);
+    command.parser->add_flag("--summary", options->isSummary,
+                             "A row for each stream, in place of samples: layout, rate, times, "
+                             "residuals of arrival, counts");
     command.parser->add_flag("--long", options->isLong, "A row for each channel");
     command.parser->add_flag("--missing", options->withMissing, "Rows for samples that never came");
     command.parser->add_flag("--scaled", options->isScaled,
-                             "Amperes and volts where samples are those of 9-2LE");
+                             "Amperes and volts where samples are those of 9-2LE; with --scl, the "
+                             "units that are described");
     command.parser
         ->add_option_function<std::string>(
             "--every",
@@ -319,12 +346,17 @@ void addSamplesCommand(ProgramDefinition& program, Action& chosen) {
             "Each Nth row of a stream, from its first")
         ->option_text("N");
     addLimitOption(command, options->limit);
+    command.parser->add_flag("--plot", options->isPlot,
+                             "Curves of channels in place of rows, as wide as the terminal");
     command.notes = samplesNotes();
     command.examples = {"tal-iec61850 samples --svid MU01 --around 10:00:00.28 bay1.pcap",
                         "tal-iec61850 samples --scaled --missing -f csv -o bay1.csv bay1.pcap",
-                        "tal-iec61850 samples --layout float32,quality -f json bay1.pcap"};
-    command.parser->callback(
-        [options, &chosen] { chosen = [options] { return runSamples(*options); }; });
+                        "tal-iec61850 samples --layout float32,quality -f json bay1.pcap",
+                        "tal-iec61850 samples --plot --scaled --around 10:00:00.28 bay1.pcap",
+                        "tal-iec61850 samples --summary bay1.pcap"};
+    command.parser->callback([options, &chosen, parser = command.parser] {
+        chosen = [options, parser] { return runSamples(*options, *parser); };
+    });
 }
 
 }  // namespace TalIec61850Tools

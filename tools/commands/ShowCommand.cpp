@@ -11,11 +11,13 @@
 #include <system_error>
 #include <utility>
 
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/commands/PacketWriter.hpp"
 #include "tools/commands/ShownLayouts.hpp"
 #include "tools/commands/ShownPacket.hpp"
 #include "tools/commands/WantedPackets.hpp"
 #include "tools/help/FieldList.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/PacketLocator.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/WrapText.hpp"
@@ -42,6 +44,10 @@ std::string showNotes() {
                "`tal-iec61850 packets` lists it, of the frame, of the record, or of any octet in "
                "it; or a file, a folder or -, of which the options select packets as they do "
                "there. It is one kind or the other for all.") +
+           "\n" +
+           paragraph(std::string(kNameNotes) +
+                     " Values have a name then; samples are read as they are described, with "
+                     "their unit and scale.") +
            "\n" + kTimeNotes + "\n" +
            paragraph("The fields of json and csv: " + fields +
                      ". The last two hold the packet, one of them is null; csv has it as JSON in "
@@ -72,7 +78,7 @@ std::string whyNoPacket(std::optional<CaptureRecord> const& record, std::uint64_
 /// Reads the packets that are named, by seeking; reports names without a packet.
 class LocatedPackets {
 public:
-    explicit LocatedPackets(CommandRun& run) : run_(run) {}
+    LocatedPackets(CommandRun& run, StreamNames& names) : run_(run), names_(names) {}
 
     void find(PacketLocator const& locator) {
         auto const capture = run_.captureCalled(locator.file);
@@ -110,10 +116,11 @@ private:
             openNumber_ = capture;
         }
         auto const record = open_->recordAt(locator.position);
-        auto shown =
-            record ? showFrame({*record, open_->frameOf(*record)}, source.name) : std::nullopt;
+        auto shown = record ? showFrame({*record, open_->frameOf(*record)}, source.name, names_)
+                            : std::nullopt;
         if (shown && shown->sv) {
             shown->layouts = layoutsNear(*open_, *record, *shown->sv);
+            describeAsdus(*shown, names_);
         }
         if (shown) {
             found_.try_emplace({capture, record->fileOffset}, std::move(*shown));
@@ -123,6 +130,7 @@ private:
     }
 
     CommandRun& run_;
+    StreamNames& names_;
     std::optional<CaptureFile> open_;
     std::size_t openNumber_ = 0;
     std::map<std::pair<std::size_t, std::uint64_t>, ShownPacket> found_;
@@ -140,8 +148,9 @@ ExitStatus showLocated(PacketOptions const& options, std::vector<PacketLocator> 
         common.files.push_back(locator.file);
     }
     CommandRun run(common);
+    NamesOfRun names(run, common);
     PacketWriter writer(run, common.format, common.columns);
-    LocatedPackets packets(run);
+    LocatedPackets packets(run, names);
     for (auto const& locator : locators) {
         packets.find(locator);
     }
@@ -156,13 +165,15 @@ ExitStatus showLocated(PacketOptions const& options, std::vector<PacketLocator> 
 ExitStatus showSelected(PacketOptions const& options) {
     CommandRun run(options.common);
     PacketWriter writer(run, options.common.format, options.common.columns);
-    WantedPackets packets(run, options, WantedPackets::Unit::frames);
+    NamesOfRun names(run, options.common);
+    WantedPackets packets(run, options, names, WantedPackets::Unit::frames);
     IndexedLayouts layouts(packets.index());
     packets.visit([&](PacketRow const& row) {
-        if (auto shown = showFrame(row.record(), row.file())) {
+        if (auto shown = showFrame(row.record(), row.file(), names)) {
             shown->place = row.packet().place;
             if (shown->sv && !row.isUnread()) {
                 shown->layouts = layouts.of(*shown->sv, *row.key());
+                describeAsdus(*shown, names);
             }
             writer.write(*shown);
         }
@@ -182,6 +193,7 @@ void addShowCommand(ProgramDefinition& program, Action& chosen) {
                      "Packets as FILE@POSITION, or captures, folders of captures, - for standard "
                      "input");
     addPacketOptions(command, *options);
+    addNameOptions(command, options->common, options->criteria);
     command.notes = showNotes();
     command.examples = {"tal-iec61850 show bay1.pcap@4711",
                         "tal-iec61850 show --goid '*Trip' --around 10:00:00.28 --span 500ms a.pcap",
@@ -192,6 +204,7 @@ void addShowCommand(ProgramDefinition& program, Action& chosen) {
 
 ExitStatus runShow(PacketOptions const& options) {
     options.window.check();
+    checkNameOptions(options.common, options.criteria);
     auto const locators = locatorsIn(options.common.files);
     return locators.empty() ? showSelected(options) : showLocated(options, locators);
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "tools/names/StreamNames.hpp"
 #include "tools/output/RowLayout.hpp"
 #include "tools/render/SampleText.hpp"
 #include "tools/selection/PacketSelection.hpp"
@@ -27,15 +28,25 @@ struct ShownPacket {
     std::optional<TalIec61850Analysis::SvPacket> sv;
     /// Of its ASDUs.
     AsduLayouts layouts = {};
+    /// Whether there is a description to take names from.
+    bool isNamed = false;
+    /// Of GOOSE, the names of its values.
+    MemberNames names = {};
+    /// Of SV, what the channels of its ASDUs mean.
+    AsduMeanings meanings = {};
 
     [[nodiscard]] Protocol protocol() const { return goose ? Protocol::goose : Protocol::sv; }
 };
 
 /// Reads a frame in full, as far as it goes.
-/// @param file  outlives the result
+/// @param file   outlives the result
+/// @param names  must outlive the result
 /// @return none for a frame that is neither GOOSE nor SV by its EtherType
 [[nodiscard]] std::optional<ShownPacket> showFrame(TalIec61850Analysis::RecordView const& view,
-                                                   std::string_view file);
+                                                   std::string_view file, StreamNames& names);
+
+/// Takes layouts and meanings of the ASDUs of a packet from their description, where it has them.
+void describeAsdus(ShownPacket& shown, StreamNames& names);
 
 /// The fields of a packet in full:
 ///

@@ -5,10 +5,12 @@
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/IndexTraffic.hpp"
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
 #include "tools/help/FieldList.hpp"
 #include "tools/options/ChosenColumns.hpp"
 #include "tools/options/JobsOption.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/OrderOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/output/WrapText.hpp"
@@ -35,9 +37,10 @@ constexpr char const* kStreamsNotes = R"(What the columns mean:
 )";
 
 std::string streamsNotes() {
-    auto const fields =
-        listFields(fieldNames(streamLayout()), {{"lastTimeNs", "nanoseconds since 1970"}});
-    return kStreamsNotes + paragraph(kCriteriaNotes) + "\n" +
+    auto const fields = listFields(
+        fieldNames(streamLayout(true)),
+        {{"lastTimeNs", "nanoseconds since 1970"}, {"controlBlock", "as ied, with --scl alone"}});
+    return kStreamsNotes + paragraph(kCriteriaNotes) + "\n" + paragraph(kNameNotes) + "\n" +
            paragraph("The fields of json and csv: " + fields + ".");
 }
 
@@ -51,19 +54,28 @@ void addStreamsCommand(ProgramDefinition& program, Action& chosen) {
     addJobsOption(command, options->common.jobs);
     addOrderOptions(command, options->order, streamOrderKeys<StreamRow>());
     addWireOptions(command, options->criteria);
+    addNameOptions(command, options->common, options->criteria);
     command.notes = streamsNotes();
     command.examples = {"tal-iec61850 streams --format json bay1.pcap bay2.pcap",
-                        "tal-iec61850 streams --protocol sv --sort packets --reverse captures/"};
+                        "tal-iec61850 streams --protocol sv --sort packets --reverse captures/",
+                        "tal-iec61850 streams --scl station.scd --ied 'BAY1*' bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runStreams(*options); }; });
 }
 
 ExitStatus runStreams(StreamsOptions const& options) {
-    auto const layout = chooseColumns(streamLayout(), options.common.columns);
+    checkNameOptions(options.common, options.criteria);
+    bool const areDescribed = !options.common.descriptions.empty();
+    auto const layout = chooseColumns(streamLayout(areDescribed), options.common.columns);
     CommandRun run(options.common);
-    auto const index = indexTraffic(run, options.criteria, options.common.jobs);
+    NamesOfRun names(run, options.common);
+    PacketCriteria const criteria = names.asking(options.criteria);
+    auto const index = indexTraffic(run, criteria, options.common.jobs);
     reportFaults(run, index);
-    std::vector<StreamRow> rows = collectRows(index, options.criteria);
+    std::vector<StreamRow> rows = collectRows(index, criteria);
+    for (StreamRow& row : rows) {
+        row.controlBlock = names.controlBlockOf(row.key());
+    }
     sortRows(rows, options.order);
     auto writer = run.rowWriter(layout);
     for (StreamRow const& row : rows) {
@@ -71,7 +83,7 @@ ExitStatus runStreams(StreamsOptions const& options) {
     }
     writer.finish();
     if (rows.empty()) {
-        noteNoStreams(run, index, options.criteria, options.common.jobs);
+        noteNoStreams(run, index, criteria, options.common.jobs);
     } else {
         noteUnread(run, index);
     }

@@ -26,12 +26,12 @@ SupervisionOptions WantedFindings::supervision() const {
 }
 
 bool WantedFindings::isWatched(TrafficIndex const& index, TrafficStream const& stream) const {
-    if (!options_.criteria.admitKey(stream.key)) {
+    if (!criteria_.admitKey(stream.key)) {
         return false;
     }
     return std::any_of(stream.parts.begin(), stream.parts.end(), [&](auto const& part) {
         return std::any_of(part.changes.begin(), part.changes.end(), [&](auto const& change) {
-            return options_.criteria.admitAttributes(index.attributes(part, change));
+            return criteria_.admitAttributes(index.attributes(part, change));
         });
     });
 }

@@ -5,6 +5,7 @@
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstdint>
+#include <utility>
 
 #include "tools/options/CheckOptions.hpp"
 
@@ -23,15 +24,17 @@ struct SeverityCounts {
 /// Which findings CheckOptions ask for.
 class WantedFindings {
 public:
-    /// @param options  must outlive this
-    /// @param window   of times of findings
-    WantedFindings(CheckOptions const& options, TalIec61850Analysis::TimeWindow const& window)
-        : options_(options), window_(window) {}
+    /// @param options   must outlive this
+    /// @param criteria  those of the options, with what tells IEDs
+    /// @param window    of times of findings
+    WantedFindings(CheckOptions const& options, PacketCriteria criteria,
+                   TalIec61850Analysis::TimeWindow const& window)
+        : options_(options), criteria_(std::move(criteria)), window_(window) {}
 
     /// How traffic is to be supervised; all streams are watched.
     [[nodiscard]] TalIec61850Analysis::SupervisionOptions supervision() const;
 
-    [[nodiscard]] bool areStreamsSelected() const { return options_.criteria != PacketCriteria(); }
+    [[nodiscard]] bool areStreamsSelected() const { return criteria_ != PacketCriteria(); }
 
     /// Whether findings of a stream are wanted.
     [[nodiscard]] bool isWatched(TalIec61850Analysis::TrafficIndex const& index,
@@ -47,6 +50,7 @@ public:
 
 private:
     CheckOptions const& options_;
+    PacketCriteria criteria_;
     TalIec61850Analysis::TimeWindow window_;
 };
 

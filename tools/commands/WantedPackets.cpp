@@ -15,11 +15,13 @@ namespace TalIec61850Tools {
 using TalIec61850Analysis::FrameHeader;
 using TalIec61850Analysis::RecordView;
 
-WantedPackets::WantedPackets(CommandRun& run, PacketOptions const& options, Unit unit)
+WantedPackets::WantedPackets(CommandRun& run, PacketOptions const& options, NamesOfRun& names,
+                             Unit unit)
     : run_(run),
       options_(options),
+      criteria_(names.asking(options.criteria)),
       unit_(unit),
-      index_(indexTraffic(run, options.criteria, options.common.jobs)),
+      index_(indexTraffic(run, criteria_, options.common.jobs)),
       frames_(pathsOf(run)),
       selection_(index_, wish(), [this](std::uint32_t file, std::uint64_t frameOffset) {
           return headerOf(file, frameOffset);
@@ -28,7 +30,7 @@ WantedPackets::WantedPackets(CommandRun& run, PacketOptions const& options, Unit
 }
 
 PacketWish WantedPackets::wish() const {
-    return {.criteria = options_.criteria,
+    return {.criteria = criteria_,
             .window = options_.window.resolve(spanOf(index_)),
             .withContext = options_.withContext};
 }
@@ -100,7 +102,7 @@ void WantedPackets::lose(std::uint32_t file, std::error_code const& error, Progr
 
 void WantedPackets::noteIfNone() const {
     if (count_ == 0 && options_.limit != 0 && lost_.empty()) {
-        noteNoPackets(run_, index_, options_, selection_.streamCount());
+        noteNoPackets(run_, index_, criteria_, options_.common.jobs, selection_.streamCount());
     }
 }
 

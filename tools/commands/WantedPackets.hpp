@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "tools/commands/CommandRun.hpp"
+#include "tools/commands/NamesOfRun.hpp"
 #include "tools/options/PacketOptions.hpp"
 #include "tools/render/PacketLayout.hpp"
 
@@ -23,8 +24,8 @@ public:
     };
 
     /// Indexes the captures of the run, and reports what is wrong with them.
-    /// @param run, options  must outlive this
-    WantedPackets(CommandRun& run, PacketOptions const& options, Unit unit);
+    /// @param run, options, names  must outlive this
+    WantedPackets(CommandRun& run, PacketOptions const& options, NamesOfRun& names, Unit unit);
 
     /// Gives packet after packet, in the order of PacketSelection, up to the limit. A capture that
     /// cannot be read again is reported once, and its packets are left out from there on.
@@ -53,6 +54,7 @@ private:
 
     CommandRun& run_;
     PacketOptions const& options_;
+    PacketCriteria criteria_;
     Unit unit_;
     TalIec61850Analysis::TrafficIndex index_;
     FrameReader frames_;

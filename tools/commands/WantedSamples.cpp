@@ -1,18 +1,14 @@
 #include "tools/commands/WantedSamples.hpp"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <chrono>
 
 #include "tools/commands/IndexTraffic.hpp"
 #include "tools/commands/NothingFoundNote.hpp"
-#include "tools/options/UsageError.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/OutputError.hpp"
 #include "tools/output/Plural.hpp"
 #include "tools/render/CaptureText.hpp"
-#include "tools/render/UtcText.hpp"
 #include "tools/selection/StreamRow.hpp"
 
 namespace TalIec61850Tools {
@@ -22,6 +18,7 @@ using TalIec61850Analysis::SampleCounts;
 using TalIec61850Analysis::SampleOptions;
 using TalIec61850Analysis::SampleReader;
 using TalIec61850Analysis::SampleRows;
+using TalIec61850Analysis::SampleSummary;
 using TalIec61850Analysis::TrafficStream;
 
 namespace {
@@ -36,21 +33,56 @@ PacketCriteria ofSv(PacketCriteria criteria) {
 WantedSamples::WantedSamples(CommandRun& run, SampleChoice const& choice)
     : run_(run),
       choice_(choice),
-      criteria_(ofSv(choice.criteria)),
+      names_(run, choice.common),
+      criteria_(names_.asking(ofSv(choice.criteria))),
       index_(indexTraffic(run, criteria_, choice.common.jobs)) {
     reportFaults(run, index_);
     for (TrafficStream const& stream : index_.streams()) {
         if (!isWanted(stream)) {
             continue;
         }
-        WantedStream wanted{.stream = &stream, .layouts = {}};
+        WantedStream wanted{.stream = &stream, .layouts = {}, .described = nullptr};
         try {
-            wanted.layouts = findLayouts(index_, stream, choice.layout);
+            describe(wanted);
+            findLayoutsOf(wanted);
         } catch (std::system_error const& error) {
             lose(stream, error.code());
             continue;
         }
         streams_.push_back(std::move(wanted));
+    }
+}
+
+/// A layout on the command line counts, where it is another one of that length.
+void WantedSamples::describe(WantedStream& stream) {
+    DescribedSamples const* const samples = names_.samplesOf(stream.stream->key);
+    bool const isOverruled = samples != nullptr && choice_.layout &&
+                             choice_.layout->size() == samples->layout.size() &&
+                             *choice_.layout != samples->layout;
+    stream.described = isOverruled ? nullptr : samples;
+}
+
+/// Samples of another length than is described are told, and taken for what they look like, or for
+/// what the command line says.
+void WantedSamples::findLayoutsOf(WantedStream& stream) {
+    auto const has = [&stream](std::size_t size) {
+        return std::any_of(stream.layouts.begin(), stream.layouts.end(),
+                           [size](auto const& each) { return each.dataSize == size; });
+    };
+    stream.layouts = findLayouts(index_, *stream.stream, layoutOf(stream));
+    if (names_.dataSetOf(stream.stream->key) == nullptr || stream.layouts.empty()) {
+        return;
+    }
+    bool const isOther =
+        stream.described != nullptr ? !has(stream.described->layout.size()) : !choice_.layout;
+    if (isOther) {
+        auto const& part = stream.stream->parts.front();
+        static_cast<void>(names_.samplesOf(
+            stream.stream->key, stream.layouts.front().dataSize,
+            {.file = fileName(part.file),
+             .position = part.packets.frameOffsets()[0] + part.packets.pduOffsets()[0]}));
+        stream.described = nullptr;
+        stream.layouts = findLayouts(index_, *stream.stream, choice_.layout);
     }
 }
 
@@ -77,12 +109,7 @@ std::size_t WantedSamples::mostChannels() const {
             most = std::max(most, known ? known->channels().size() : 1);
         }
     }
-    auto const& wanted = choice_.channels;
-    bool const isThere = wanted.empty() || std::any_of(wanted.begin(), wanted.end(),
-                                                       [&](auto number) { return number <= most; });
-    if (most > 0 && !isThere) {
-        throw UsageError(fmt::format("--channels: these streams have {}", plural(most, "channel")));
-    }
+    choice_.checkChannels(most);
     return most;
 }
 
@@ -101,7 +128,9 @@ SampleOptions WantedSamples::options(SampleRows rows, WindowOptions const& windo
 
 SampleCounts WantedSamples::visit(WantedStream const& stream, SampleRows rows,
                                   BlockSink const& take) {
-    SampleReader reader(index_, *stream.stream, options(rows));
+    SampleOptions reading = options(rows);
+    reading.layout = layoutOf(stream);
+    SampleReader reader(index_, *stream.stream, std::move(reading));
     try {
         bool isMoreWanted = true;
         while (isMoreWanted) {
@@ -110,6 +139,11 @@ SampleCounts WantedSamples::visit(WantedStream const& stream, SampleRows rows,
                 break;
             }
             if (isWanted(*block)) {
+                if (stream.described != nullptr && block->dataSize != 0) {
+                    static_cast<void>(names_.samplesOf(stream.stream->key, block->dataSize,
+                                                       {.file = fileName(block->places[0].file),
+                                                        .position = block->places[0].fileOffset}));
+                }
                 isMoreWanted = take(*block);
             }
         }
@@ -119,6 +153,15 @@ SampleCounts WantedSamples::visit(WantedStream const& stream, SampleRows rows,
         lose(*stream.stream, error.code());
     }
     return reader.counts();
+}
+
+std::optional<SampleSummary> WantedSamples::summarize(WantedStream const& stream) {
+    try {
+        return summarizeSamples(index_, *stream.stream, choice_.rate);
+    } catch (std::system_error const& error) {
+        lose(*stream.stream, error.code());
+        return std::nullopt;
+    }
 }
 
 void WantedSamples::lose(TrafficStream const& stream, std::error_code const& error) {
@@ -134,11 +177,7 @@ void WantedSamples::noteIfNone(std::uint64_t samples) const {
         noteNoStreams(run_, index_, criteria_, choice_.common.jobs);
         return;
     }
-    std::vector<StreamRow> const rows = collectRows(index_, criteria_);
-    if (auto const span = timesOf(rows)) {
-        run_.note(fmt::format("no sample in the window; these streams have packets from {} to {}",
-                              toUtcText(span->first), toUtcText(span->last)));
-    }
+    noteOtherTimes(run_, collectRows(index_, criteria_), "no sample in the window");
 }
 
 }  // namespace TalIec61850Tools

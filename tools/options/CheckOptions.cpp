@@ -6,6 +6,7 @@
 
 #include "tools/options/JobsOption.hpp"
 #include "tools/options/LimitOption.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/RepeatableOption.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/selection/FindingNames.hpp"
@@ -80,6 +81,7 @@ void addCheckOptions(CommandDefinition& command, CheckOptions& options) {
     addFollowOptions(command, options.follow);
     addWindowOptions(command, options.window);
     addContentOptions(command, options.criteria);
+    addNameOptions(command, options.common, options.criteria);
 }
 
 }  // namespace TalIec61850Tools

@@ -14,6 +14,14 @@ void addInputOptions(CommandDefinition& command, CommonOptions& options,
                     "Show no progress, no summary, no note where nothing matches");
 }
 
+CLI::Option& addOutputOption(CLI::App& parser, std::string& outputFile, std::string const& help) {
+    CLI::Option& option = *parser.add_option_function<std::string>(
+        "-o,--output",
+        [&outputFile](std::string const& file) { outputFile = file == "-" ? "" : file; }, help);
+    option.option_text("FILE");
+    return option;
+}
+
 void addCommonOptions(CommandDefinition& command, CommonOptions& options,
                       std::string const& filesHelp) {
     static std::map<std::string, Format> const formats = {{"table", Format::table},
@@ -27,10 +35,8 @@ void addCommonOptions(CommandDefinition& command, CommonOptions& options,
         "What to write: table (if not said), json, csv, or csv for a spreadsheet");
     format.option_text("FORMAT");
     allowOnly(command, format, {"table", "json", "csv", "spreadsheet"});
-    parser
-        .add_option("-o,--output", options.outputFile,
-                    "Write into FILE, which appears when all is written")
-        ->option_text("FILE");
+    addOutputOption(parser, options.outputFile,
+                    "Write into FILE, which appears when all is written");
     parser
         .add_option("--columns", options.columns,
                     "Fields to write, in their order, such as time,svID; json and csv name them")

@@ -7,6 +7,11 @@
 #include "tools/options/CommandDefinition.hpp"
 #include "tools/output/RowWriter.hpp"
 
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
 namespace TalIec61850Tools {
 
 /// The options of every command that reads captures.
@@ -25,6 +30,8 @@ struct CommonOptions {
     std::size_t jobs = 0;
     /// auto, always or never
     std::string colour = "auto";
+    /// Descriptions of the station, files and folders; empty for none.
+    std::vector<std::string> descriptions;
 };
 
 /// Adds what commands have that read captures and write no rows: the FILE arguments, and --quiet.
@@ -34,6 +41,12 @@ void addInputOptions(CommandDefinition& command, CommonOptions& options,
                      std::string const& filesHelp =
                          "Captures, compressed or not, pipes, folders, or - for "
                          "standard input");
+
+/// Adds the option that says where to write.
+/// @param outputFile  written while the command line is parsed; empty for standard output, which
+///                    is `-` there
+/// @param help        what is written
+CLI::Option& addOutputOption(CLI::App& parser, std::string& outputFile, std::string const& help);
 
 /// Adds the options, and the FILE arguments.
 /// @param options    written while the command line is parsed

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "tools/options/JobsOption.hpp"
+#include "tools/options/NameOptions.hpp"
 #include "tools/options/RepeatableOption.hpp"
 
 namespace TalIec61850Tools {
@@ -67,6 +68,10 @@ void addChannels(CommandDefinition& command, ComtradeOptions& options) {
         ->allow_extra_args(false)
         ->option_text("NAME")
         ->group(kRecordGroup);
+    addRepeatable(command, "--member", options.members, "PATTERN",
+                  "Of --goose, these members alone, such as 3 or 9.*, by name 'PTRC*.Tr.general'",
+                  [](std::string const&, std::string const& text) { return text; })
+        .group(kRecordGroup);
 }
 
 }  // namespace
@@ -101,6 +106,7 @@ void addComtradeOptions(CommandDefinition& command, ComtradeOptions& options) {
         ->option_text("HZ")
         ->group(kRecordGroup);
     addSampleChoice(command, options.choice, &options.moreArounds);
+    addNameOptions(command, options.choice.common, options.choice.criteria);
 }
 
 }  // namespace TalIec61850Tools

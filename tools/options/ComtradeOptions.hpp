@@ -25,6 +25,8 @@ struct ComtradeOptions {
     std::string quality = "none";
     /// Of GOOSE streams; empty for none.
     std::vector<std::string> gocbRefs;
+    /// Which members of these: patterns of places or names; empty for all.
+    std::vector<std::string> members;
     std::optional<TimeBound> trigger;
     bool alignsNearest = false;
     /// How long each record is at most.

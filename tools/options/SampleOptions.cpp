@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -14,6 +15,7 @@
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/NearestWords.hpp"
+#include "tools/output/Plural.hpp"
 #include "tools/selection/SampleTypeNames.hpp"
 
 namespace TalIec61850Tools {
@@ -101,6 +103,15 @@ void SampleChoice::check() const {
         throw UsageError("--protocol goose: GOOSE has no samples");
     }
     window.check();
+}
+
+void SampleChoice::checkChannels(std::size_t most) const {
+    bool const isThere =
+        channels.empty() || std::any_of(channels.begin(), channels.end(),
+                                        [most](std::size_t number) { return number <= most; });
+    if (most > 0 && !isThere) {
+        throw UsageError(fmt::format("--channels: these streams have {}", plural(most, "channel")));
+    }
 }
 
 void addChannelsOption(CommandDefinition& command, std::vector<std::size_t>& channels) {

@@ -30,6 +30,10 @@ struct SampleChoice {
 
     /// @throws UsageError  it can select no samples: see WindowOptions::check, or it is GOOSE
     void check() const;
+    /// To be called when samples were read.
+    /// @param most  channels of the stream that has most of those selected; 0 where none was read
+    /// @throws UsageError  none of the channels that were asked for is there
+    void checkChannels(std::size_t most) const;
 };
 
 /// Adds the options, without those of addCommonOptions.

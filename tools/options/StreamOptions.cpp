@@ -77,17 +77,17 @@ void addNames(CommandDefinition& command, StreamCriteria& c) {
     addRepeatable(command, "--goid", c.goIDs, "NAME", "goID (GOOSE), likewise", asItIs);
 }
 
-}  // namespace
-
-void addContentOptions(CommandDefinition& command, StreamCriteria& criteria) {
-    StreamCriteria& c = criteria;
+void addProtocol(CommandDefinition& command, StreamCriteria& c) {
     CLI::Option& protocol = *command.parser->add_option_function<std::string>(
         "--protocol",
         [&c](Text name) { c.protocol = name == "goose" ? Protocol::goose : Protocol::sv; },
         "goose or sv");
     protocol.option_text("NAME")->group(kStreamsGroup);
     allowOnly(command, protocol, {"goose", "sv"});
-    addRepeatable(command, "--source", c.sources, "MAC", "Source address", toAddress);
+}
+
+/// What a description says as well as frames do.
+void addDescribed(CommandDefinition& command, StreamCriteria& c) {
     addRepeatable(command, "--destination", c.destinations, "MAC", "Destination address",
                   toAddress);
     addRepeatable(command, "--vlan", c.vlanIds, "ID", "VLAN identifier",
@@ -100,6 +100,19 @@ void addContentOptions(CommandDefinition& command, StreamCriteria& criteria) {
         return numberValue(option, text, std::numeric_limits<std::uint64_t>::max());
     });
     addNames(command, c);
+}
+
+}  // namespace
+
+void addContentOptions(CommandDefinition& command, StreamCriteria& criteria) {
+    addProtocol(command, criteria);
+    addRepeatable(command, "--source", criteria.sources, "MAC", "Source address", toAddress);
+    addDescribed(command, criteria);
+}
+
+void addDescribedOptions(CommandDefinition& command, StreamCriteria& criteria) {
+    addProtocol(command, criteria);
+    addDescribed(command, criteria);
 }
 
 void addStreamOptions(CommandDefinition& command, StreamCriteria& criteria) {

@@ -21,7 +21,11 @@ inline constexpr char const* kContentNotes =
 /// @param criteria  written while the command line is parsed
 void addContentOptions(CommandDefinition& command, StreamCriteria& criteria);
 
-/// Adds those, and the options on the lane or LAN of a stream's packets.
+/// Adds the options on what the description of a stream says: those, without the source address.
+/// @param criteria  written while the command line is parsed
+void addDescribedOptions(CommandDefinition& command, StreamCriteria& criteria);
+
+/// Adds those of addContentOptions, and the options on the lane or LAN of a stream's packets.
 /// @param criteria  written while the command line is parsed
 void addStreamOptions(CommandDefinition& command, StreamCriteria& criteria);
 
