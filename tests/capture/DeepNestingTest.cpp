@@ -17,7 +17,7 @@
 #include "support/SampledValues.hpp"
 #include "support/Sanitized.hpp"
 
-// How deep a frame nests is up to whoever sent it; neither stack nor time may depend on it beyond
+// How deep a frame nests is up to its sender; neither stack nor time may depend on it beyond
 // the frame's size.
 
 namespace {

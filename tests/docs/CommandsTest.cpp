@@ -49,7 +49,10 @@ std::vector<Command> commandsIn(std::string const& document) {
 /// Runs a command line as a reader would who has the built programs on PATH.
 ProcessResult runIn(TempDir const& folder, std::string const& line) {
     return run({"/bin/sh", "-c", "cd \"$FOLDER\" && PATH=$PROGRAMS:$PATH && " + line},
-               {{"FOLDER", folder.path()}, {"PROGRAMS", TAL_PROGRAMS}});
+               {{"FOLDER", folder.path()},
+                {"PROGRAMS", TAL_PROGRAMS},
+                {"LC_ALL", "C.UTF-8"},
+                {"COLUMNS", ""}});
 }
 
 class Documents : public testing::TestWithParam<std::string> {};
@@ -60,6 +63,7 @@ TEST_P(Documents, ShowWhatTheirCommandsPrint) {
     TempDir const folder;
     // What scripts/demo leaves.
     EXPECT_EQ(runIn(folder, "station-capture station.pcap 30000").status, 0);
+    std::filesystem::copy_file(std::string(TAL_DOCS) + "/station.scd", folder.file("station.scd"));
     for (Command const& command : commands) {
         auto const result = runIn(folder, command.line);
         EXPECT_EQ(result.out, command.output) << command.line;
@@ -69,8 +73,8 @@ TEST_P(Documents, ShowWhatTheirCommandsPrint) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Docs, Documents,
-                         testing::Values("../README.md", "guide.md", "samples.md", "supervision.md",
-                                         "tool.md"),
+                         testing::Values("../README.md", "guide.md", "plot.md", "report.md",
+                                         "samples.md", "scl.md", "supervision.md", "tool.md"),
                          [](auto const& document) {
                              return std::filesystem::path(document.param).stem().string();
                          });

@@ -2,7 +2,7 @@
 # again after that folder was moved.
 #
 #   cmake -D BUILD_DIR=... -D WORK_DIR=... -D VERSION=... -D ABI=...
-#         -D ANALYSIS_VERSION=... -D GENERATOR=... -D MAKE_PROGRAM=... -D CXX=...
+#         -D ANALYSIS_VERSION=... -D SCL_VERSION=... -D GENERATOR=... -D MAKE_PROGRAM=... -D CXX=...
 #         -D CXX_FLAGS=... -D CAPTURE_MAKER=... -P InstalledPackage.cmake
 
 cmake_minimum_required(VERSION 3.25)
@@ -39,6 +39,13 @@ function(use_by_cmake prefix)
     run(COMMAND ${WORK_DIR}/build/analysis-consumer ${capture} OUTPUT output)
     expect_records("find_package, COMPONENTS Analysis" ${ANALYSIS_VERSION} "${output}")
   endif()
+  if(SCL_VERSION)
+    configure_consumer(${prefix} scl CMAKE_DISABLE_FIND_PACKAGE_pugixml=ON)
+    run(COMMAND ${configure_command})
+    run(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+    run(COMMAND ${WORK_DIR}/build/scl-consumer ${description} OUTPUT output)
+    expect_values("find_package, COMPONENTS Scl" ${SCL_VERSION} "${output}")
+  endif()
 endfunction()
 
 function(want_another_component prefix)
@@ -71,6 +78,21 @@ function(use_by_pkg_config prefix headers)
       ${flags} -Wl,-rpath,${library_dir} -o ${WORK_DIR}/plain-consumer)
   run(COMMAND ${WORK_DIR}/plain-consumer ${capture} OUTPUT output)
   expect_streams("pkg-config" ${headers} ${VERSION} "${output}")
+endfunction()
+
+function(use_scl_by_pkg_config prefix)
+  find_library_dir(${prefix} library_dir)
+  set(pkg_config ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${library_dir}/pkgconfig ${PKG_CONFIG})
+  run(COMMAND ${pkg_config} --modversion TalIec61850Scl OUTPUT output)
+  if(NOT output STREQUAL "${SCL_VERSION}\n")
+    message(FATAL_ERROR "pkg-config gives the version of the third library as ${output}")
+  endif()
+  run(COMMAND ${pkg_config} --cflags --libs TalIec61850Scl OUTPUT flags)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  run(COMMAND ${CXX} -std=c++20 ${CXX_FLAGS_LIST} ${CMAKE_CURRENT_LIST_DIR}/scl/scl.cpp
+      ${flags} -Wl,-rpath,${library_dir} -o ${WORK_DIR}/plain-scl)
+  run(COMMAND ${WORK_DIR}/plain-scl ${description} OUTPUT output)
+  expect_values("pkg-config, the third library" ${SCL_VERSION} "${output}")
 endfunction()
 
 function(use_analysis_by_pkg_config prefix)
@@ -146,6 +168,7 @@ endfunction()
 
 make_empty(${WORK_DIR})
 set(capture ${WORK_DIR}/station.pcap)
+set(description ${CMAKE_CURRENT_LIST_DIR}/scl/station.scd)
 run(COMMAND ${CAPTURE_MAKER} ${capture} 5000)
 string(REGEX MATCH "^[0-9]+" VERSION_MAJOR ${VERSION})
 
@@ -164,5 +187,8 @@ use_by_cmake(${WORK_DIR}/moved)
 use_by_pkg_config(${WORK_DIR}/moved ${VERSION})
 if(ANALYSIS_VERSION)
   use_analysis_by_pkg_config(${WORK_DIR}/moved)
+endif()
+if(SCL_VERSION)
+  use_scl_by_pkg_config(${WORK_DIR}/moved)
 endif()
 execute(${WORK_DIR}/moved)

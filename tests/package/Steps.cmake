@@ -38,6 +38,15 @@ function(expect_records what version output)
   message(STATUS "${what}: ${output}")
 endfunction()
 
+# Looks at what scl-consumer printed of station.scd.
+function(expect_values what version output)
+  string(REPLACE "." "\\." expected "headers ${version}, library ${version}")
+  if(NOT output MATCHES "^${expected}: 1 control blocks, 2 values\n$")
+    message(FATAL_ERROR "${what} printed: ${output}")
+  endif()
+  message(STATUS "${what}: ${output}")
+endfunction()
+
 # Makes a folder anew, empty.
 function(make_empty folder)
   file(REMOVE_RECURSE ${folder})

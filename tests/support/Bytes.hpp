@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <iterator>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -16,7 +15,10 @@ using Bytes = std::vector<std::uint8_t>;
 
 /// Puts `more` behind what `out` holds.
 inline void append(Bytes& out, Bytes const& more) {
-    std::copy(more.begin(), more.end(), std::back_inserter(out));
+    // In one piece: captures are made of many of these, by code that is mostly not optimised.
+    std::size_t const size = out.size();
+    out.resize(size + more.size());
+    std::copy_n(more.data(), more.size(), out.data() + size);
 }
 
 /// Puts the parts one behind the other.

@@ -147,7 +147,7 @@ void CaptureBuilder::addHeader(std::uint32_t seconds, std::uint32_t nanoseconds,
                                std::uint32_t inclLen, std::size_t origLen) {
     auto const header =
         recordHeader(variant_, seconds, nanoseconds, inclLen, static_cast<std::uint32_t>(origLen));
-    std::copy(header.begin(), header.end(), std::back_inserter(bytes_));
+    append(bytes_, {header.begin(), header.end()});
 }
 
 CaptureWriter::CaptureWriter(std::ostream& out, CaptureVariant variant)

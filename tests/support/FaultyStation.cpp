@@ -1,6 +1,7 @@
 #include "support/FaultyStation.hpp"
 
 #include <algorithm>
+#include <numeric>
 #include <stdexcept>
 
 #include "support/CaptureFile.hpp"
@@ -172,8 +173,18 @@ Bytes FaultyStation::octetsOf(StationFrame const& frame) {
 }
 
 std::vector<StationFrame> const& FaultyStation::inTimeOrder() {
-    std::stable_sort(frames_.begin(), frames_.end(),
-                     [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    // Frames are large: their numbers are sorted, and each frame is moved once.
+    std::vector<std::size_t> order(frames_.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return frames_[a].time < frames_[b].time;
+    });
+    std::vector<StationFrame> sorted;
+    sorted.reserve(order.size());
+    for (std::size_t const number : order) {
+        sorted.push_back(std::move(frames_[number]));
+    }
+    frames_ = std::move(sorted);
     return frames_;
 }
 

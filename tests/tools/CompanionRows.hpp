@@ -16,7 +16,7 @@ namespace TalTest {
 using Json = nlohmann::json;
 using Arguments = std::vector<std::string>;
 
-/// The arguments one behind the other.
+/// The arguments one after the other.
 [[nodiscard]] Arguments joined(Arguments first, Arguments const& second);
 
 /// The words of a command: "library judge" are two.

@@ -49,15 +49,17 @@ Words offeredByBash(std::string const& words) {
 }
 
 TEST(BashCompletion, OffersTheCommands) {
-    EXPECT_EQ(
-        offeredByBash("tal-iec61850 ''"),
-        (Words{"streams", "packets", "show", "events", "samples", "comtrade", "redundancy", "check",
-               "captures", "completion", "manual", "library", "--help", "--version"}));
+    EXPECT_EQ(offeredByBash("tal-iec61850 ''"),
+              (Words{"streams", "packets", "show", "events", "samples", "comtrade", "redundancy",
+                     "check", "scl", "report", "plot", "captures", "completion", "manual",
+                     "library", "--help", "--version"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 pa"), Words{"packets"});
 }
 
 TEST(BashCompletion, OffersTheCommandsOfAGroup) {
     EXPECT_EQ(offeredByBash("tal-iec61850 library ''"), (Words{"streams", "judge", "--help"}));
+    EXPECT_EQ(offeredByBash("tal-iec61850 scl ''"),
+              (Words{"list", "subscribers", "check", "--help"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 library judge --li"), Words{"--list"});
     EXPECT_EQ(offeredByBash("tal-iec61850 library streams --li"), Words{""});
     EXPECT_EQ(offeredByBash("tal-iec61850 streams library --sor"), Words{"--sort"});
@@ -65,6 +67,8 @@ TEST(BashCompletion, OffersTheCommandsOfAGroup) {
 
 TEST(BashCompletion, OffersOptionsBehindADash) {
     EXPECT_EQ(offeredByBash("tal-iec61850 packets --fro"), Words{"--from"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 samples --pl"), Words{"--plot"});
+    EXPECT_EQ(offeredByBash("tal-iec61850 events --ti"), Words{"--timeline"});
     EXPECT_EQ(offeredByBash("tal-iec61850 streams a.pcap --go"), (Words{"--gocbref", "--goid"}));
 }
 
@@ -72,6 +76,8 @@ TEST(BashCompletion, OffersTheValuesOfAnOption) {
     Words const formats{"table", "json", "csv", "spreadsheet"};
     EXPECT_EQ(offeredByBash("tal-iec61850 show --format ''"), formats);
     EXPECT_EQ(offeredByBash("tal-iec61850 show -f ''"), formats);
+    EXPECT_EQ(offeredByBash("tal-iec61850 scl check --result ''"),
+              (Words{"match", "missing", "differs", "unexpected"}));
     EXPECT_EQ(offeredByBash("tal-iec61850 show --format ="), formats);
     EXPECT_EQ(offeredByBash("tal-iec61850 show --format = js"), Words{"json"});
 }
@@ -121,9 +127,10 @@ TEST(FishCompletion, OffersCommandsOptionsAndValues) {
         EXPECT_EQ(result.err, "");
         return linesOf(result.out);
     };
-    EXPECT_EQ(offered("tal-iec61850 "),
-              (Words{"captures", "check", "completion", "comtrade", "events", "library", "manual",
-                     "packets", "redundancy", "samples", "show", "streams"}));
+    EXPECT_EQ(
+        offered("tal-iec61850 "),
+        (Words{"captures", "check", "completion", "comtrade", "events", "library", "manual",
+               "packets", "plot", "redundancy", "report", "samples", "scl", "show", "streams"}));
     EXPECT_EQ(offered("tal-iec61850 packets --fro"), Words{"--from"});
     EXPECT_EQ(offered("tal-iec61850 show --format "),
               (Words{"csv", "json", "spreadsheet", "table"}));

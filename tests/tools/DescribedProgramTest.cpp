@@ -49,7 +49,7 @@ TEST(DescribedProgram, HasNotesAndExamplesApart) {
     auto const streams = describedProgram().commands[0];
     EXPECT_TRUE(streams.notes.starts_with("What the columns mean:"));
     EXPECT_EQ(streams.notes.find("Exit status"), std::string::npos);
-    ASSERT_EQ(streams.examples.size(), 2U);
+    ASSERT_EQ(streams.examples.size(), 3U);
     EXPECT_EQ(streams.examples[0], "tal-iec61850 streams --format json bay1.pcap bay2.pcap");
 }
 
@@ -76,8 +76,8 @@ TEST(DescribedProgram, IsTheSameInManualPageAndCompletionsAsInHelp) {
     auto const bash = runCompanion({"completion", "bash"}).out;
     auto const zsh = runCompanion({"completion", "zsh"}).out;
     auto const fish = runCompanion({"completion", "fish"}).out;
-    for (std::string const command :
-         {"streams", "packets", "show", "library streams", "library judge"}) {
+    for (std::string const command : {"streams", "packets", "show", "library streams",
+                                      "library judge", "scl list", "scl check"}) {
         auto const options = optionsIn(runCompanion(joined(commandWords(command), {"--help"})).out);
         EXPECT_GE(options.size(), 17U) << command;
         EXPECT_NE(manual.find(".SS \"" + command + "\""), std::string::npos);
@@ -106,8 +106,9 @@ TEST(ManualPage, HasNoLineThatReadsAsARequestUnlessItIsOne) {
 }
 
 TEST(HelpAndManualPage, Fit80Columns) {
-    for (std::string const command : {"", "streams", "packets", "show", "completion", "manual",
-                                      "library", "library streams", "library judge", "captures"}) {
+    for (std::string const command :
+         {"", "streams", "packets", "show", "completion", "manual", "library", "library streams",
+          "library judge", "captures", "scl", "scl list", "scl subscribers", "scl check"}) {
         for (auto const& line :
              linesOf(runCompanion(joined(commandWords(command), {"--help"})).out)) {
             EXPECT_LE(line.size(), 80U) << command << ": " << line;

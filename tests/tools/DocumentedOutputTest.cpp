@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <regex>
 #include <set>
 
@@ -12,15 +13,22 @@
 #include "tools/commands/ShownPacket.hpp"
 #include "tools/library/LibraryLayout.hpp"
 #include "tools/library/VerdictLayout.hpp"
+#include "tools/names/StreamNames.hpp"
 #include "tools/options/ExitStatus.hpp"
 #include "tools/output/RowLines.hpp"
 #include "tools/render/CaptureLayout.hpp"
+#include "tools/render/ControlBlockLayout.hpp"
+#include "tools/render/DescribedMemberLayout.hpp"
+#include "tools/render/DiagnosticLayout.hpp"
 #include "tools/render/EventRow.hpp"
 #include "tools/render/FindingLayout.hpp"
 #include "tools/render/PacketLayout.hpp"
 #include "tools/render/RedundancyLayout.hpp"
 #include "tools/render/SampleRow.hpp"
+#include "tools/render/SampleSummaryLayout.hpp"
+#include "tools/render/StationCheckLayout.hpp"
 #include "tools/render/StreamLayout.hpp"
+#include "tools/render/SubscriberLayout.hpp"
 #include "tools/render/SummaryLayout.hpp"
 
 namespace TalIec61850Tools {
@@ -42,16 +50,24 @@ Names sampleFields(bool isLong) {
     return names;
 }
 
+/// With what a description adds.
 std::map<std::string, Names> layouts() {
+    StreamNames noNames(std::nullopt, {});
     return {{"events", fieldNames(eventRowLayout(Format::json))},
             {"samples", sampleFields(false)},
             {"samples --long", sampleFields(true)},
+            {"samples --summary", fieldNames(sampleSummaryLayout(Format::json))},
             {"captures", fieldNames(captureLayout())},
-            {"streams", fieldNames(streamLayout())},
+            {"streams", fieldNames(streamLayout(true))},
             {"redundancy", fieldNames(redundancyLayout(Format::json))},
-            {"packets", fieldNames(packetLayout(true))},
-            {"check", fieldNames(findingLayout())},
+            {"packets", fieldNames(packetLayout(true, &noNames))},
+            {"check", fieldNames(findingLayout(true))},
             {"check --summary", fieldNames(summaryLayout())},
+            {"scl list", fieldNames(controlBlockLayout())},
+            {"scl list --members", fieldNames(describedMemberLayout())},
+            {"scl list --diagnostics", fieldNames(diagnosticLayout())},
+            {"scl subscribers", fieldNames(subscriberLayout())},
+            {"scl check", fieldNames(stationCheckLayout(Format::json))},
             {"show", fieldNames(shownPacketLayout())},
             {"library judge", fieldNames(verdictCountLayout())},
             {"library streams", fieldNames(libraryLayout())},
@@ -125,7 +141,7 @@ TEST(DocumentedFields, AreThoseOfEachCommand) {
     for (auto const& [command, names] : layouts()) {
         EXPECT_EQ(documented[command], NameSet(names.begin(), names.end())) << command;
     }
-    EXPECT_EQ(documented.size(), 13U);
+    EXPECT_EQ(documented.size(), 19U);
 }
 
 TEST(FieldNames, OccurOnceInALayout) {

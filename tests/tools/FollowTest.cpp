@@ -75,6 +75,23 @@ TEST(Follow, ListsTheFilesThatAppearInAFolder) {
     EXPECT_EQ(result.err, "");
 }
 
+TEST(Follow, HasTheStreamOfEachPacketWhateverCameBefore) {
+    TempDir const folder;
+    TempDir const other;
+    auto const capture = [](std::string const& gocbRef, std::uint64_t at) {
+        GooseMessage message;
+        message.gocbRef = gocbRef;
+        TrafficCapture made;
+        made.addAt(at, gooseFrame(Ethernet(), message));
+        return made.bytes();
+    };
+    folder.write("ring1.pcap", capture("gcbA", 0));
+    auto const second = other.write("next.pcap", capture("gcbB", 1'000'000));
+    auto const result = runAndThen("packets -F --limit 2 -f csv --columns gocbRef \"$1\"", 2,
+                                   "cp \"$2\" \"$1\"/ring2.pcap", folder.path(), second);
+    EXPECT_EQ(result.out, "gocbRef\ngcbA\ngcbB\n") << result.err;
+}
+
 TEST(Follow, ListsTheFileThatTakesTheName) {
     TempDir const folder;
     auto const path = folder.write("bay1.pcap", messages(0, 2));

@@ -1,4 +1,4 @@
-// Paths and frames made to upset a terminal, or whoever reads the output.
+// Paths and frames made to upset a terminal, or the reader of the output.
 
 #include <gtest/gtest.h>
 

@@ -72,6 +72,15 @@ TEST(OutputFile, HoldsWhatStandardOutputWould) {
     }
 }
 
+TEST(OutputFile, ThatIsADashIsStandardOutput) {
+    Place const place;
+    auto const printed = runCompanion({"streams", place.capture.path()});
+    auto const result = runCompanion({"streams", place.capture.path(), "-o", "-"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, printed.out);
+    EXPECT_NE(printed.out, "");
+}
+
 TEST(OutputFile, ReplacesAnotherAndKeepsItsPermissions) {
     Place const place;
     put(place.out, std::string(100'000, 'x'));

@@ -60,7 +60,7 @@ TEST(Output, OfNothingIsAnEmptyFile) {
     EXPECT_EQ(TalTest::readFile(folder.file("out")), TalTest::Bytes());
 }
 
-TEST(Output, ReplacesAFileEvenForWhoeverHasItOpen) {
+TEST(Output, ReplacesAFileEvenWhileItIsOpen) {
     TempDir const folder;
     auto const path = folder.write("out", text("old"));
     std::ifstream reader(path);

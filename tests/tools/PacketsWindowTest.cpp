@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kBegin = 1'710'928'800;  // 2024-03-20T10:00:00
 constexpr std::int64_t kGiga = 1'000'000'000;
 
-/// Packets at 0, 1, 1.5 and 2 s, and 1 ns before and behind 1 s.
+/// Packets at 0, 1, 1.5 and 2 s, and 1 ns before and after 1 s.
 Bytes secondsCapture() {
     Bytes const frame = svFrameCalled("MU01");
     return CaptureBuilder(CaptureVariant::nanoBig)

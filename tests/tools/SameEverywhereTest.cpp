@@ -134,7 +134,7 @@ TEST(Output, IsCutQuietlyByAReaderWhoHasSeenEnough) {
     }
 }
 
-TEST(Progress, OfEveryCommandIsOnlyForWhoeverSeesIt) {
+TEST(Progress, OfEveryCommandIsOnlyForATerminal) {
     CaptureBuilder capture;
     for (int i = 0; i < 2500; ++i) {
         capture.add(1, 0, oneSv());

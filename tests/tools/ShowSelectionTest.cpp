@@ -74,7 +74,7 @@ TEST(ShowSelection, IsOfTheFrameInTheRecord) {
     for (std::size_t i = 0; i < shown.size(); ++i) {
         auto const* const protocol = packets[i]["protocol"] == "SV" ? "sv" : "goose";
         auto const* const field = packets[i]["protocol"] == "SV" ? "svID" : "gocbRef";
-        // Wherever it stands there: the name of the stream, and of no other.
+        // Wherever it is there: the name of the stream, and of no other.
         auto const text = shown[i][protocol].dump();
         EXPECT_NE(text.find(packets[i][field].dump()), std::string::npos) << text;
     }

@@ -22,7 +22,7 @@ namespace TalTest {
 /// Two packets of one GOOSE stream, three of one SV stream.
 [[nodiscard]] Bytes smallCapture();
 
-/// The lines of a text, each without its end; "" behind the last one if that has none.
+/// The lines of a text, each without its end; "" after the last one if that has none.
 [[nodiscard]] std::vector<std::string> linesOf(std::string_view text);
 
 /// A text of one JSON value on each line.
@@ -31,7 +31,7 @@ namespace TalTest {
 /// What `streams --format json` says of the files, which it must do without a complaint.
 [[nodiscard]] std::vector<nlohmann::json> streamsOf(std::vector<std::string> const& files);
 
-/// A complaint of the program, as it stands on standard error.
+/// A complaint of the program, as it is on standard error.
 [[nodiscard]] std::string complaint(std::string const& text);
 
 }  // namespace TalTest

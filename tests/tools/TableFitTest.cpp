@@ -51,6 +51,7 @@ TEST(Shorten, NeverTakesMoreColumnsThanAllowed) {
     }
     EXPECT_EQ(countColumns("\u4e2d\u6587"), 4U);
     EXPECT_EQ(countColumns("S\u00fcd"), 3U);
+    EXPECT_EQ(countColumns("Su\u0308d"), 3U);
 }
 
 using Cells = std::vector<std::string>;

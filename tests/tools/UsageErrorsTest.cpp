@@ -12,7 +12,7 @@ namespace {
 std::vector<Arguments> const kCommands = {
     {"streams"}, {"packets"}, {"show"}, {"library", "streams"}, {"library", "judge"}};
 
-/// Expects each list of arguments to be refused behind a command and a file, and before the file.
+/// Expects each list of arguments to be refused after a command and a file, and before the file.
 void expectRefused(std::vector<Arguments> const& commands,
                    std::vector<Arguments> const& wrongArguments) {
     TempFile const file(smallCapture());
@@ -71,10 +71,10 @@ TEST(WrongUsage, IsASingleOptionGivenTwice) {
     expectRefused({{"packets"}, {"show"}}, {{"--from", "1", "--from", "2"}, {"--to=3", "--to=4"}});
 }
 
-TEST(WrongUsage, IsAnOptionWithAnEmptyValueBehindItsSign) {
+TEST(WrongUsage, IsAnOptionWithAnEmptyValueAfterItsSign) {
     expectRefused({{"packets"}},
                   {{"--from="}, {"--to="}, {"--vlan="}, {"--format="}, {"--source="}});
-    // What stands behind is not its value.
+    // What comes after it is not its value.
     TempFile const file(smallCapture());
     for (auto const* option : {"--from=", "--format=", "--source="}) {
         expectUsageError({"packets", option, file.path()});

@@ -166,10 +166,9 @@ TEST(PacketJson, KeepsOctetsAndNamesFaults) {
         jsonOf(ber(0x85, Bytes(9, 0x11))),
         R"({"type":"integer","octets":"111111111111111111","fault":"takes more than 64 bits"})");
     EXPECT_EQ(jsonOf({0x83, 0x05, 0x01}),
-              R"({"type":"boolean","octets":"01","fault":"runs past the element it stands in"})");
-    EXPECT_EQ(
-        jsonOf({0x83}),
-        R"({"type":"unreadable","octets":"83","fault":"runs past the element it stands in"})");
+              R"({"type":"boolean","octets":"01","fault":"runs past the element it is in"})");
+    EXPECT_EQ(jsonOf({0x83}),
+              R"({"type":"unreadable","octets":"83","fault":"runs past the element it is in"})");
     GooseMessage message;
     message.t = Bytes{0x01};
     message.confRev = {std::uint64_t{1} << 63U, 9};
