@@ -47,6 +47,9 @@ void measureSamples(Settings const& settings);
 /// Supervision and events, with indexing the capture, against indexing alone.
 void measureChecks(Settings const& settings);
 
+/// Reading a large description of a station, against parsing its XML.
+void measureDescriptions(Settings const& settings);
+
 /// Judging a single frame, against copying it; and what it allocates.
 void measureJudge(Settings const& settings);
 

@@ -51,6 +51,7 @@ constexpr std::array targets = {
     Target{"samples: columns of 8 channels / read(2)", 3.0},
     Target{"sv16: indexed and checked / true index", 2.0},
     Target{"goose64: indexed and checked / true index", 3.0},
+    Target{"scl: station of 50 MB / parsed by pugixml", 3.0},
     Target{"decode GOOSE / open, lseek, read, close", 2},
     Target{"decode SV / open, lseek, read, close", 2},
     Target{"judge GOOSE, no filter entry: allocations per frame", 0},

@@ -34,7 +34,7 @@ struct Request {
 constexpr std::uint64_t quickDivisor = 10;
 
 // In the order in which they are measured.
-constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 13> subjects = {{
+constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 14> subjects = {{
     {"index", measureIndexes},
     {"ahead", measureAhead},
     {"growth", measureGrowth},
@@ -45,6 +45,7 @@ constexpr std::array<std::pair<std::string_view, void (*)(Settings const&)>, 13>
     {"traffic", measureTraffic},
     {"samples", measureSamples},
     {"check", measureChecks},
+    {"scl", measureDescriptions},
     {"judge", measureJudge},
     {"memory", measureMemory},
     {"hostile", measureHostile},

@@ -61,6 +61,9 @@ void writeSampleSeeds(Seeds seeds);
 /// For fuzz-queries: lists of packets, and windows.
 void writeQuerySeeds(Seeds seeds);
 
+/// For fuzz-scl: descriptions of every construction.
+void writeSclSeeds(Seeds seeds);
+
 /// For fuzz-supervision: short traffic with a fault.
 void writeSupervisionSeeds(Seeds seeds);
 

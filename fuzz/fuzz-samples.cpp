@@ -1,8 +1,8 @@
 // A whole capture file, its samples read: those that came and every one, in parts of time and
 // whole.
 
-#include <TalIec61850Analysis/samples/ArrivalResiduals.hpp>
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
+#include <TalIec61850Analysis/samples/SummarizeSamples.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
 #include <chrono>
@@ -131,7 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     bool hasSamples = false;
     for (TrafficStream const& stream : index.streams()) {
         if (stream.key.protocol != StreamProtocol::sv) continue;
-        static_cast<void>(arrivalResiduals(index, stream));
+        static_cast<void>(summarizeSamples(index, stream));
         SampleOptions options;
         Reading const came = readingOf(index, stream, options);
         options.rows = SampleRows::everySample;

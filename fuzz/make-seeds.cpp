@@ -26,6 +26,7 @@ int main(int argc, char** argv) try {
     TalFuzz::writeRedundancySeeds(Seeds(folder / "fuzz-redundancy"));
     TalFuzz::writeSupervisionSeeds(Seeds(folder / "fuzz-supervision"));
     TalFuzz::writeSampleSeeds(Seeds(folder / "fuzz-samples"));
+    TalFuzz::writeSclSeeds(Seeds(folder / "fuzz-scl"));
     TalFuzz::writeCaptureSeeds(Seeds(folder / "fuzz-traffic"));
     TalFuzz::writeCodecSeeds(Seeds(folder / "fuzz-values"));
     return 0;
