@@ -1,4 +1,4 @@
-# What stands in a header for the compiler alone, and says nothing to a reader. Lines keep their number.
+# What is in a header for the compiler alone, and says nothing to a reader. Lines keep their number.
 /^extern template/ {
     :more
     /;/! { N; b more }

@@ -17,9 +17,10 @@ from pathlib import Path
 from urllib.parse import unquote, urlsplit
 
 ROOT = Path(__file__).resolve().parents[2]
-# A copy has another name at its end, so that browsers show it and do not save it.
+# A copy has another name at its end, so that browsers show it and do not save it; not a picture.
 COPIES = "source/"
 COPY_SUFFIX = ".txt"
+PICTURES = (".png",)
 
 LINK = re.compile(r"\]\(([^()\s]+)\)")
 # Titles have the name of their page.
@@ -80,7 +81,8 @@ class PageText:
         if path in self.pages:
             return f"@ref {label_in(path, parts.fragment)}" if parts.fragment else target
         name = documented_type(path)
-        return f"@ref {name}" if name else f"{COPIES}{path.relative_to(ROOT)}{COPY_SUFFIX}"
+        suffix = "" if path.suffix in PICTURES else COPY_SUFFIX
+        return f"@ref {name}" if name else f"{COPIES}{path.relative_to(ROOT)}{suffix}"
 
 
 class HtmlPage(HTMLParser):
