@@ -6,6 +6,7 @@ endif()
 set(debian_dir ${PROJECT_SOURCE_DIR}/packaging/debian)
 set(tal_library_package libtaliec61850parser${tal_abi})
 set(tal_analysis_package libtaliec61850analysis${tal_analysis_abi})
+set(tal_scl_package libtaliec61850scl${tal_scl_abi})
 
 # The packages' version is that of the newest entry of their changelog.
 file(STRINGS ${debian_dir}/changelog debian_version LIMIT_COUNT 1)
@@ -69,12 +70,14 @@ function(tal_debian_package component package)
 endfunction()
 
 # What the packages of other programs that link a library come to depend on: one file for each
-# library, as Debian names it. A program that uses the second library is built anew for each version
-# of it, while its ABI number is 0.
+# library, as Debian names it. A program that uses the second or third library is built anew for each
+# version of it, while its ABI number is 0.
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packaging/library/shlibs CONTENT
     "TalIec61850Parser ${tal_abi} ${tal_library_package} (>= ${PROJECT_VERSION})\n")
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packaging/analysis/shlibs CONTENT
     "libTalIec61850Analysis ${tal_analysis_abi} ${tal_analysis_package} (= ${debian_version})\n")
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packaging/scl/shlibs CONTENT
+    "libTalIec61850Scl ${tal_scl_abi} ${tal_scl_package} (= ${debian_version})\n")
 
 tal_debian_package(library ${tal_library_package} SECTION libs
     CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/library/shlibs ${debian_dir}/triggers)
@@ -94,13 +97,22 @@ if(TAL_BUILD_ANALYSIS)
       DEPENDS "${tal_analysis_package} ${same}, libtaliec61850parser-dev ${same}")
 endif()
 
+if(TAL_BUILD_SCL)
+  tal_debian_package(scl ${tal_scl_package} SECTION libs
+      DEPENDS "${tal_analysis_package} ${same}"
+      CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/scl/shlibs ${debian_dir}/triggers)
+  set(CPACK_DEBIAN_SCL_PACKAGE_SHLIBDEPS ON)
+  tal_debian_package(scl_development libtaliec61850scl-dev SECTION libdevel
+      DEPENDS "${tal_scl_package} ${same}, libtaliec61850analysis-dev ${same}")
+endif()
+
 if(TAL_BUILD_TOOLS)
-  tal_debian_package(tools tal-iec61850 SECTION net
-      DEPENDS "${tal_library_package} ${same}, ${tal_analysis_package} ${same}")
+  tal_debian_package(tools tal-iec61850 SECTION net DEPENDS
+      "${tal_library_package} ${same}, ${tal_analysis_package} ${same}, ${tal_scl_package} ${same}")
   tal_install_pages(${CMAKE_INSTALL_DATADIR}/doc/tal-iec61850 tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-  # The libraries' packages are not installed where they are made.
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 endif()
+# The libraries' packages are not installed where they are made.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 
 include(CPack)

@@ -1,5 +1,5 @@
-# Components, for packages that are installed one without the other: `library` and `analysis` are
-# what programs run with, `development` and `analysis_development` what they are built with,
+# Components, for packages that are installed one without the other: `library`, `analysis` and `scl`
+# are what programs run with, `development` and the like what they are built with,
 # `documents` the licence, the pages and the examples; tools/ has one more, `tools`.
 include(CMakePackageConfigHelpers)
 
@@ -7,15 +7,16 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TalIec61850Parser)
 
 # Writes and installs the file by which pkg-config finds a library. Its folders are given relative
 # to the file itself, so that the installed tree can be moved.
-#   LINK  how the linker is told the library
+#   LINK      how the linker is told the library
+#   REQUIRES  the libraries of this project that its headers include
 function(tal_install_pkgconfig name)
-  cmake_parse_arguments(arg "" "VERSION;DESCRIPTION;LINK;COMPONENT" "" ${ARGN})
+  cmake_parse_arguments(arg "" "VERSION;DESCRIPTION;LINK;REQUIRES;COMPONENT" "" ${ARGN})
   set(pkgconfig_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
       BASE_DIRECTORY ${pkgconfig_dir} OUTPUT_VARIABLE pkgconfig_to_prefix)
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR
       BASE_DIRECTORY ${pkgconfig_dir} OUTPUT_VARIABLE pkgconfig_to_include)
-  foreach(variable VERSION DESCRIPTION LINK)
+  foreach(variable VERSION DESCRIPTION LINK REQUIRES)
     string(TOLOWER ${variable} in_template)
     set(${in_template} ${arg_${variable}})
   endforeach()
@@ -62,12 +63,22 @@ if(TAL_BUILD_ANALYSIS)
       LINK -lTalIec61850Analysis COMPONENT analysis_development)
 endif()
 
+# pugixml is in no header: a program that uses this library needs its shared object alone.
+if(TAL_BUILD_SCL)
+  tal_install_library(TalIec61850Scl RUNTIME scl DEVELOPMENT scl_development)
+  tal_install_pkgconfig(TalIec61850Scl VERSION ${tal_scl_version}
+      DESCRIPTION "Reads descriptions of IEC 61850 stations and compares captures with them"
+      LINK -lTalIec61850Scl REQUIRES TalIec61850Analysis COMPONENT scl_development)
+endif()
+
 # The pages that a user reads, and the programs that they speak of, into a folder of documents.
 function(tal_install_pages folder component)
-  file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+  file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md
+      ${PROJECT_SOURCE_DIR}/docs/*.scd)
   install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/SECURITY.md
       DESTINATION ${folder} COMPONENT ${component})
   install(FILES ${pages} DESTINATION ${folder}/docs COMPONENT ${component})
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/images DESTINATION ${folder}/docs COMPONENT ${component})
 endfunction()
 
 function(tal_install_examples folder component)

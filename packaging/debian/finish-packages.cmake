@@ -2,7 +2,7 @@
 # know, the size without what symbolic links point to, and scripts that it writes where the trigger of
 # `triggers` does the same.
 
-# The size of a tree's files in KiB, as Debian's tools reckon it.
+# The size of a tree's files in KiB, as Debian's tools compute it.
 function(installed_size tree out_size)
   file(GLOB_RECURSE paths LIST_DIRECTORIES ON RELATIVE ${tree} ${tree}/*)
   list(FILTER paths EXCLUDE REGEX "^DEBIAN")

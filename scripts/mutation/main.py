@@ -1,7 +1,7 @@
 """Changes the library in many small ways, and sees whether the tests notice.
 
 Works on a copy of the project in WORK_DIR, where results.tsv takes a line per mutant: a run that
-was interrupted goes on where it stopped. Mutants that change nothing a test could see stand in
+was interrupted goes on where it stopped. Mutants that change nothing a test could see are listed in
 scripts/mutation/equivalent.txt, with reasons.
 """
 

@@ -1,6 +1,6 @@
 """Makes the mutants of a C++ source: small changes to its code, each of which ought to be noticed.
 
-Works on tokens and leans on the project's format: binary operators stand between blanks, template
+Works on tokens and leans on the project's format: binary operators are between blanks, template
 brackets, references and pointers do not.
 """
 
@@ -97,7 +97,7 @@ def token_changes(source, tokens):
     """Every (start, end, replacement) that exchanges one token."""
     for i, token in enumerate(tokens):
         previous = tokens[i - 1].text if i > 0 else ""
-        before, behind = source[token.start - 1:token.start], source[token.end:token.end + 1]
+        before, after = source[token.start - 1:token.start], source[token.end:token.end + 1]
         replacements = []
         if token.kind == "number":
             replacements = neighbours_of_number(token.text)
@@ -108,7 +108,7 @@ def token_changes(source, tokens):
                 NAMES.get(token.text, [])
         elif token.text in UNARY:
             replacements = UNARY[token.text]
-        elif before.isspace() and behind.isspace():
+        elif before.isspace() and after.isspace():
             replacements = BINARY.get(token.text, [])
         for replacement in replacements:
             yield token.start, token.end, replacement
@@ -124,7 +124,7 @@ def opens_block(tokens, brace):
     if tokens[i].text in ("else", "do"):
         return True, True
     if tokens[i].text == ":" and i == brace - 1:
-        return True, False  # behind a case label
+        return True, False  # after a case label
     if tokens[i].text != ")":
         return False, False
     depth = 0
@@ -151,7 +151,7 @@ def statements_of(tokens):
         elif token.text == ":" and begin is not None and tokens[begin].text in ("case", "default"):
             begin = i + 1
         elif token.text == ";":
-            # In the head of a for stand no statements, in a lambda among arguments there do.
+            # There are no statements in the head of a for; in a lambda among arguments there are.
             is_statement = blocks and blocks[-1][0] and blocks[-1][2] == nesting
             if is_statement and begin is not None and begin < i and tokens[begin].text != ")":
                 yield begin, i, blocks[-1][1]
@@ -159,7 +159,7 @@ def statements_of(tokens):
 
 
 def is_declaration(tokens):
-    """Whether a type and a name stand in front: two names, or a name behind >, & or *."""
+    """Whether a type and a name come first: two names, or a name after >, & or *."""
     for left, right in zip(tokens, tokens[1:]):
         if left.text in ("=", "(", "{", "[", "+=", "-="):
             return False

@@ -137,7 +137,7 @@ class Workbench:
                 "TAL_CAPTURES": str(self.scratch / "none")}
 
     def _clear_scratch(self):
-        """Takes away what killed tests leave behind."""
+        """Removes what killed tests left."""
         subprocess.run(["find", self.scratch, "-mindepth", "1", "-delete"], check=True)
 
 
