@@ -43,9 +43,10 @@ struct SampleExtent {
     std::uint64_t received = 0;
     /// Samples that never came.
     std::uint64_t missing = 0;
-    /// The earliest time and the latest, of arrival where samples have none; in nanoseconds since
-    /// 1970, kNoTime without any.
+    /// The earliest time, of arrival where samples have none; in nanoseconds since 1970, kNoTime
+    /// without any.
     std::int64_t first = kNoTime;
+    /// The latest time, as `first`.
     std::int64_t last = kNoTime;
     /// The first layout that is known; not set without any.
     std::optional<SampleLayout> layout = {};
