@@ -1,0 +1,3 @@
+#include "support/CompiledJson.hpp"
+
+template class nlohmann::basic_json<>;
