@@ -36,8 +36,9 @@ void MemberWalk::describe(WalkPlace& place) {
         place.typeText = place.part->desc;
     } else if (place.part->isObject && place.part->type) {
         TypePart const* const described = types_.part(*place.part->type, "dU");
-        if (described != nullptr && !described->value.empty()) {
-            place.typeText = described->value;
+        auto const value = described != nullptr ? described->element.configuredValue() : "";
+        if (!value.empty()) {
+            place.typeText = value;
         }
     }
 }

@@ -121,7 +121,8 @@ private:
                    std::string_view domain, LogicalNodes& nodes) {
         constexpr std::array<std::string_view, 3> kNames{"prefix", "lnClass", "inst"};
         for (Element node = parent.firstChild(); node; node = node.next()) {
-            if (!node.is("LN0") && !node.is("LN")) {
+            bool const isNode0 = node.is("LN0");
+            if (!isNode0 && !node.is("LN")) {
                 continue;
             }
             auto const names = node.attributes(kNames);
@@ -134,8 +135,15 @@ private:
                      .ldInst = ldInst,
                      .domain = domain,
                      .accessPoint = accessPoint};
-            for (Element each = node.firstChild(); each; each = each.next()) {
+            // Most of a description is instances, one after the other, and going over them takes
+            // half as long as parsing them. In any LN, nothing that is read here is among them.
+            Element each = node.firstChild();
+            for (; each && (isNode0 || !each.is("DOI")); each = each.next()) {
                 readPart(each, nodes);
+            }
+            for (Element last = node.lastChild(); each && last && !last.is("DOI");
+                 last = last.previous()) {
+                readPart(last, nodes);
             }
         }
     }
@@ -161,9 +169,6 @@ private:
     /// One element of a logical node.
     void readPart(Element part, LogicalNodes& nodes) {
         std::string_view const kind = part.name();
-        if (kind == "DOI") {
-            return;  // most are
-        }
         if (kind == "GSEControl" || kind == "SampledValueControl") {
             if (isControlBlock(part)) {
                 addControlBlock(part, nodes);

@@ -25,10 +25,11 @@ public:
             part_ != nullptr && part_->type ? types_.part(*part_->type, name) : nullptr;
         std::string_view text = children_.findInstance(instance_, name, "").configuredValue();
         if (text.empty() && part != nullptr) {
-            text = part->value;
+            text = part->element.configuredValue();
         }
         if (part != nullptr && part->basicType == BasicType::enumerated && readNumber<int>(text)) {
-            if (auto const named = types_.enumText(part->typeName, text); !named.empty()) {
+            if (auto const named = types_.enumText(part->element.nameIn("type"), text);
+                !named.empty()) {
                 return named;
             }
         }

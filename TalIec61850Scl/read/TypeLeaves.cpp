@@ -46,7 +46,7 @@ void TypeLeaves::add(Selection& selection, std::uint32_t number, TypePart const&
         }
         if (isCut) {
             diagnostics_.addOnce(DiagnosticCode::nestingTooDeep, document_.placeOf(part.element),
-                                 part.typeName);
+                                 part.element.nameIn("type"));
         }
     }
     if (leaves > 0) {

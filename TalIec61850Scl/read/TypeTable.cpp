@@ -167,7 +167,6 @@ TypePart TypeTable::readPart(Type const& type, Element element) {
     part.element = element;
     part.name = attributes.name(kName);
     part.desc = attributes.text(kDesc);
-    part.typeName = attributes.name(kType);
     std::string_view const kind = element.name();
     part.isObject = kind != "DA" && kind != "BDA";
     part.constraint = kAnyConstraint;
@@ -180,7 +179,7 @@ TypePart TypeTable::readPart(Type const& type, Element element) {
     }
     if (part.isCompound()) {
         if (attributes.has(kType)) {
-            part.type = referredType(part, part.typeName);
+            part.type = referredType(part, attributes.name(kType));
         } else {
             miss(element, "type");
         }
@@ -192,7 +191,6 @@ TypePart TypeTable::readPart(Type const& type, Element element) {
 }
 
 void TypeTable::readAttribute(TypePart& part, std::string_view fc, bool isOfObject) {
-    part.value = part.element.configuredValue();
     part.basicType = basicTypeOf(part.bType);
     if (part.bType.empty()) {
         miss(part.element, "bType");

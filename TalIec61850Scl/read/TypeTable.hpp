@@ -41,10 +41,6 @@ struct TypePart {
     /// Of a DA or BDA, as the file writes it.
     std::string_view bType;
     BasicType basicType = BasicType::unknown;
-    /// The id of its type, likewise.
-    std::string_view typeName;
-    /// Of a DA or BDA, the value that it has where an instance has none.
-    std::string_view value;
     /// What it is made of: of an object, and of a Struct. Not set where that is not there.
     std::optional<TypeNumber> type;
     /// Values, of an array; else not set.

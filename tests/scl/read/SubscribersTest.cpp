@@ -127,15 +127,6 @@ TEST(SclSubscribers, MayBeOfTheSameIed) {
     EXPECT_EQ(station.controlBlocks[0].subscribers[0].node, "LD0/LLN0");
 }
 
-TEST(SclSubscribers, MayBeBetweenInstances) {
-    SclText file = stationWith("");
-    std::string const inputs = "<Inputs>\n</Inputs>";
-    file.ieds.replace(file.ieds.find(inputs), inputs.size(),
-                      "<DOI name='a'/><Inputs><ExtRef iedName='IED1' srcLDInst='LD0' "
-                      "srcCBName='gcb1'/></Inputs><DOI name='b'/>");
-    EXPECT_EQ(readStation(file.text(), "").controlBlocks.at(0).subscribers.size(), 1U);
-}
-
 TEST(SclSubscribers, MayBeNamedByThePublisher) {
     auto const subscribers = subscribersOf(
         "",
