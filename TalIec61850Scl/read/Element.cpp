@@ -6,6 +6,17 @@ namespace TalIec61850Scl::detail {
 
 namespace {
 
+/// Whether a name of XML is this one, and has no prefix.
+bool isSame(char const* name, std::string_view wanted) noexcept {
+    for (char const letter : wanted) {
+        if (*name != letter) {
+            return false;
+        }
+        ++name;
+    }
+    return *name == '\0';
+}
+
 /// A name of XML, with the prefix of its namespace; empty where it is too long.
 struct QualifiedName {
     explicit QualifiedName(char const* name) noexcept : full(name) {
@@ -69,38 +80,40 @@ std::string_view Element::name() const noexcept {
     return {name.full + name.local, name.size - name.local};
 }
 
+bool Element::is(std::string_view wanted) const noexcept {
+    return isSame(node_.name(), wanted) || name() == wanted;
+}
+
 int Element::find(std::string_view const* wanted, char const** values,
                   std::size_t count) const noexcept {
-    // Attributes without a prefix come first, so that others count when all have been seen.
     std::size_t left = count;
     bool hasPrefixes = false;
     int looks = 0;
-    auto const lookAt = [&](QualifiedName const& name, char const* value) {
-        for (std::size_t i = 0; i < count; ++i) {
-            if (name.isLocal(wanted[i])) {
-                left -= values[i] == nullptr ? 1 : 0;
-                values[i] = values[i] == nullptr ? value : values[i];
-                return;
-            }
-        }
-    };
     pugi::xml_attribute each = node_.first_attribute();
     for (; each && left > 0 && looks < kMostAttributes; each = each.next_attribute(), ++looks) {
-        QualifiedName const name(each.name());
-        hasPrefixes = hasPrefixes || name.local > 0;
-        if (name.local == 0) {
-            lookAt(name, each.value());
+        char const* const name = each.name();
+        std::size_t i = 0;
+        while (i < count && !isSame(name, wanted[i])) {
+            ++i;
+        }
+        if (i == count) {
+            hasPrefixes = hasPrefixes || QualifiedName(name).local > 0;
+        } else if (values[i] == nullptr) {
+            values[i] = each.value();
+            --left;
         }
     }
-    if (!hasPrefixes || left == 0) {
-        return looks;
-    }
+    // Attributes with a prefix count where there is none without.
+    each = hasPrefixes ? node_.first_attribute() : pugi::xml_attribute();
     int again = 0;
-    each = node_.first_attribute();
     for (; each && left > 0 && again < kMostAttributes; each = each.next_attribute(), ++again) {
         QualifiedName const name(each.name());
-        if (name.local > 0 && name.isOfDescription()) {
-            lookAt(name, each.value());
+        for (std::size_t i = 0; i < count && name.local > 0 && name.isOfDescription(); ++i) {
+            if (values[i] == nullptr && name.isLocal(wanted[i])) {
+                values[i] = each.value();
+                --left;
+                break;
+            }
         }
     }
     return looks + again;

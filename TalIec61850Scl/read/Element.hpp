@@ -75,7 +75,7 @@ public:
     /// Without its namespace's prefix; empty where it is longer than kMostTagOctets.
     [[nodiscard]] std::string_view name() const noexcept;
     /// Whether it has this name, whatever its prefix is.
-    [[nodiscard]] bool is(std::string_view wanted) const noexcept { return name() == wanted; }
+    [[nodiscard]] bool is(std::string_view wanted) const noexcept;
 
     /// Several attributes at once, which takes little more than one of them.
     template <std::size_t count>
