@@ -214,11 +214,10 @@ void StationJoiner::joinInput(FoundInput const& input, FileContent& content,
         content.diagnostics.addOnce(DiagnosticCode::missingIed, input.place, input.block.ied);
         return;
     }
-    bool const isFound = finder.add(input, content.ieds[input.ied], content.budget);
-    if (content.budget.isSpent()) {
-        content.diagnostics.addOnce(DiagnosticCode::memoryLimit, input.place, "ExtRef");
-    }
-    if (isFound) {
+    if (finder.add(input, content.ieds[input.ied], content.budget)) {
+        if (content.budget.isSpent()) {
+            content.diagnostics.addOnce(DiagnosticCode::memoryLimit, input.place, "ExtRef");
+        }
         return;
     }
     // Without a service, it may be the data or control block of a report.
