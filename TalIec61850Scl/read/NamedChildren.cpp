@@ -9,7 +9,7 @@ namespace {
 /// each of which takes one more.
 constexpr int kComparedAttributesOfChildren = 72;
 
-constexpr std::array<std::string_view, 1> kName{"name"};
+constexpr std::array<std::string_view, 1> kNameAlone{"name"};
 constexpr std::array<std::string_view, 2> kNameAndIndex{"name", "ix"};
 
 bool isInstance(Element child) {
@@ -31,7 +31,7 @@ Element NamedChildren::find(Element parent, std::string_view element, std::strin
         if (!each.is(element)) {
             continue;
         }
-        auto const attributes = each.attributes(kName);
+        auto const attributes = each.attributes(kNameAlone);
         if (attributes.name(0) == name) {
             return each;
         }
