@@ -5,8 +5,8 @@
 
 /// @namespace TalIec61850Scl
 /// What a station's own description (SCD, CID, ICD, IID, SSD) says of GOOSE and SV, and how
-/// captures agree with it. What is wrong in a description is data with its place; only the
-/// operating system throws, `std::system_error`, and memory that ends, `std::bad_alloc`.
+/// captures agree with it. What is wrong in a description is data with its place; only captures
+/// that cannot be read throw, `std::system_error`, and memory that ends, `std::bad_alloc`.
 
 #include <TalIec61850Scl/Version.hpp>
 #include <TalIec61850Scl/match/BindMembers.hpp>

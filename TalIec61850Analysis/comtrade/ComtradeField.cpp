@@ -5,10 +5,46 @@
 
 namespace TalIec61850Analysis::detail {
 
+namespace {
+
+/// A character that units have, in UTF-8, and what it is in ASCII.
+struct SpelledCharacter {
+    std::string_view character;
+    std::string_view letters;
+};
+
+constexpr std::array kSpelledCharacters{SpelledCharacter{"\xC2\xB5", "u"},  // micro sign
+                                        SpelledCharacter{"\xCE\xBC", "u"},  // the Greek letter
+                                        SpelledCharacter{"\xC2\xB0", "deg"},
+                                        SpelledCharacter{"\xC2\xB2", "2"},
+                                        SpelledCharacter{"\xC2\xB3", "3"}};
+
+/// Of the character that a text begins with; null where it has none.
+SpelledCharacter const* spelledAt(std::string_view text) {
+    for (SpelledCharacter const& each : kSpelledCharacters) {
+        if (text.starts_with(each.character)) {
+            return &each;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
 std::string comtradeField(std::string_view text, std::size_t limit) {
     std::string field;
     bool isInCharacter = false;
-    for (char const letter : text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (SpelledCharacter const* const spelled = spelledAt(text.substr(at))) {
+            if (field.size() + spelled->letters.size() > limit) {
+                break;
+            }
+            field += spelled->letters;
+            at += spelled->character.size() - 1;
+            isInCharacter = false;
+            continue;
+        }
+        char const letter = text[at];
         auto const octet = static_cast<unsigned char>(letter);
         // In UTF-8, the octets of a character after its first one.
         bool const isContinued = isInCharacter && (octet & 0xC0U) == 0x80U;

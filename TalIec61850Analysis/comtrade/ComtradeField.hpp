@@ -8,8 +8,9 @@
 
 namespace TalIec61850Analysis::detail {
 
-/// A text as a field: commas, control characters, and each character that is not ASCII become `_`;
-/// blanks at its ends are left out, as readers do.
+/// A text as a field: micro, degree, square and cube become `u`, `deg`, `2` and `3`, and commas,
+/// control characters, and each other character that is not ASCII `_`; blanks at its ends are left
+/// out, as readers do.
 /// @param limit  how many characters the field may have
 [[nodiscard]] std::string comtradeField(std::string_view text, std::size_t limit);
 

@@ -17,8 +17,8 @@ enum class ComtradeSide : std::uint8_t { primary, secondary };
 enum class ComtradeLeapSecond : std::uint8_t { none = 0, added = 1, removed = 2, unknown = 3 };
 
 /// An analog channel. Texts may be any: they are written without commas, control characters and
-/// what is not ASCII, each of which becomes `_`, and cut at their limit. Two names that differ in
-/// these alone become the same.
+/// what is not ASCII, each of which becomes `_`, and cut at their limit. Micro, degree, square and
+/// cube become `u`, `deg`, `2` and `3`. Two names that differ in these alone become the same.
 struct ComtradeAnalog {
     /// Its name; up to 64 characters are written.
     std::string id;

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -52,8 +51,8 @@ void runTasks(std::size_t count, std::size_t jobs, std::function<void(std::size_
     for (std::size_t i = 1; i < std::min(most, count); ++i) {
         try {
             threads.emplace_back([&] { tasks.work(); });
-        } catch (std::system_error const&) {
-            break;
+        } catch (std::exception const&) {
+            break;  // no more threads, or no memory for one: fewer do the same
         }
     }
     tasks.work();

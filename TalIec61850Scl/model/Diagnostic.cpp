@@ -34,6 +34,14 @@ std::string_view nameOf(DiagnosticCode code) noexcept {
             return "DuplicateControlBlock";
         case DiagnosticCode::tooManyMembers:
             return "TooManyMembers";
+        case DiagnosticCode::unknownBType:
+            return "UnknownBType";
+        case DiagnosticCode::duplicateType:
+            return "DuplicateType";
+        case DiagnosticCode::memoryLimit:
+            return "MemoryLimit";
+        case DiagnosticCode::unreadableFile:
+            return "UnreadableFile";
     }
     return "";
 }

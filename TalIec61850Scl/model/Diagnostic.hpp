@@ -25,6 +25,11 @@ enum class DiagnosticCode : std::uint8_t {
     duplicateControlBlock,  ///< a control block that is there already, and is another; the first
                             ///< one counts
     tooManyMembers,         ///< a data set with more values than any message holds
+    unknownBType,           ///< a data attribute of a basic type that there is not
+    duplicateType,          ///< a type of a kind and id that another has already; the first counts
+    memoryLimit,            ///< control blocks, addresses and subscribers that together would take
+                            ///< far more memory than the file; from there on they are left out
+    unreadableFile,         ///< a file that cannot be read; its place has no line
 };
 
 /// The code as documents name it: "MissingLNodeType". It never changes.
@@ -47,7 +52,8 @@ struct Diagnostic {
     DiagnosticCode code = DiagnosticCode::notXml;
     /// Where it is.
     SclPlace place;
-    /// What it is about, as the file writes it: the name of a type, a reference, a value.
+    /// What it is about, as the file writes it: the name of a type, a reference, a value. Of a file
+    /// that cannot be read, why, in the words of the system.
     std::string subject;
 
     /// Member by member.

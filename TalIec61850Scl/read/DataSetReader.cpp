@@ -54,35 +54,33 @@ DataSetReader::DataSetReader(Document const& document, DiagnosticList& diagnosti
       budget_(document.size()),
       walk_(types_, leaves_, children, budget_) {}
 
-FoundDataSet DataSetReader::read(Element element, LogicalNodes& nodes, std::string_view ied,
-                                 std::string reference) {
-    FoundDataSet found;
-    DataSet& dataSet = found.dataSet;
+DataSet DataSetReader::read(Element element, LogicalNodes& nodes, std::string_view ied,
+                            std::string reference) {
+    DataSet dataSet;
     dataSet.ied = ied;
     dataSet.reference = std::move(reference);
     dataSet.place = document_.placeOf(element);
     bool isFull = false;
     for (Element const fcda : element.children("FCDA")) {
-        isFull = isFull || !addEntry(Entry(fcda), nodes, dataSet.entries, found);
+        isFull = isFull || !addEntry(Entry(fcda), nodes, dataSet.entries, dataSet);
         ++dataSet.entries;
     }
     if (isFull) {
         diagnostics_.add(DiagnosticCode::tooManyMembers, dataSet.place, dataSet.reference);
     }
-    return found;
+    return dataSet;
 }
 
 bool DataSetReader::addEntry(Entry const& entry, LogicalNodes& nodes, std::uint32_t number,
-                             FoundDataSet& found) {
-    std::vector<DataSetMember>& members = found.dataSet.members;
+                             DataSet& dataSet) {
+    std::vector<DataSetMember>& members = dataSet.members;
     if (members.size() >= kMostMembers) {
         return false;
     }
-    auto const firstMember = static_cast<std::uint32_t>(members.size());
     auto target = targetOf(entry, nodes);
     if (!target) {
         std::string reference = entry.reference();
-        if (!budget_.take(sizeof(DataSetMember) + reference.size())) {
+        if (!budget_.take(sizeof(DataSetMember) + reference.size() + entry.fc.size())) {
             return false;
         }
         DataSetMember& member = members.emplace_back();
@@ -91,18 +89,8 @@ bool DataSetReader::addEntry(Entry const& entry, LogicalNodes& nodes, std::uint3
         member.fc = entry.fc;
         return true;
     }
-    bool const isListed =
-        walk_.list(target->from, target->place, target->constraint, target->constraintText, number,
-                   target->name, target->text, members);
-    if (members.size() > firstMember) {
-        if (members[firstMember].name != target->name) {
-            found.structures.emplace_back(target->name, firstMember);
-        }
-        if (target->objectSize < target->name.size()) {
-            found.structures.emplace_back(target->name.substr(0, target->objectSize), firstMember);
-        }
-    }
-    return isListed;
+    return walk_.list(target->from, target->place, target->constraint, target->constraintText,
+                      number, std::move(target->name), target->text, members);
 }
 
 void DataSetReader::reject(Entry const& entry) {
@@ -178,7 +166,7 @@ std::optional<DataSetReader::Target> DataSetReader::targetOf(Entry const& entry,
     target.from.instance = node;
     target.constraint = *constraint;
     target.constraintText = entry.fc;
-    target.text = startOf(trimmed(attributes.value(kDesc)), kMostTextOctets);
+    target.text = attributes.text(kDesc);
     target.name = entry.node;
     if (!follow(target, *type, *steps, index)) {
         reject(entry);
@@ -215,9 +203,6 @@ bool DataSetReader::follow(Target& target, TypeNumber type, std::vector<Step> co
             return false;
         }
         next = part->type;
-        if (part->isObject) {
-            target.objectSize = target.name.size();
-        }
     }
     TypePart const& last = *target.place.part;
     return !last.isObject || !last.type || leaves_.of(*last.type, target.constraint).leaves > 0;

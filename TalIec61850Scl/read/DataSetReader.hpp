@@ -13,20 +13,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace TalIec61850Scl::detail {
-
-/// What is known by one reference: the first of its values.
-using NamedMember = std::pair<std::string, std::uint32_t>;
-
-/// A data set, and what subscribers may call what is in it.
-struct FoundDataSet {
-    DataSet dataSet;
-    /// Objects and structures of which it has values. The values have their own names.
-    std::vector<NamedMember> structures;
-};
 
 /// Reads the data sets of one file.
 class DataSetReader {
@@ -37,8 +26,8 @@ public:
     /// @param element  DataSet
     /// @param nodes    of its IED
     /// @param ied, reference  as the result has them
-    [[nodiscard]] FoundDataSet read(Element element, LogicalNodes& nodes, std::string_view ied,
-                                    std::string reference);
+    [[nodiscard]] DataSet read(Element element, LogicalNodes& nodes, std::string_view ied,
+                               std::string reference);
 
 private:
     /// An FCDA.
@@ -74,15 +63,12 @@ private:
         FunctionalConstraint constraint = kAnyConstraint;
         std::string_view constraintText;
         std::string name;
-        /// How much of the name is that of the data object.
-        std::size_t objectSize = 0;
         /// Of the logical node.
         std::string_view text;
     };
 
     /// @return false where there are more values than fit
-    bool addEntry(Entry const& entry, LogicalNodes& nodes, std::uint32_t number,
-                  FoundDataSet& found);
+    bool addEntry(Entry const& entry, LogicalNodes& nodes, std::uint32_t number, DataSet& dataSet);
     [[nodiscard]] std::optional<Target> targetOf(Entry const& entry, LogicalNodes& nodes);
     /// @return not set where it is no path
     [[nodiscard]] static std::optional<std::vector<Step>> stepsOf(Entry const& entry);
@@ -95,7 +81,7 @@ private:
     NamedChildren& children_;
     TypeTable types_;
     TypeLeaves leaves_;
-    MemberBudget budget_;
+    FileBudget budget_;
     MemberWalk walk_;
 };
 

@@ -3,11 +3,11 @@
 // Internal: what is wrong with one file.
 
 #include <TalIec61850Scl/model/Diagnostic.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace TalIec61850Scl::detail {
@@ -30,11 +30,11 @@ public:
 
 private:
     static constexpr std::size_t kCodes =
-        static_cast<std::size_t>(DiagnosticCode::tooManyMembers) + 1;
+        static_cast<std::size_t>(DiagnosticCode::unreadableFile) + 1;
 
     std::vector<Diagnostic> diagnostics_;
     std::array<std::size_t, kCodes> counts_{};
-    std::unordered_set<std::string> once_;
+    NameSet once_;
 };
 
 }  // namespace TalIec61850Scl::detail

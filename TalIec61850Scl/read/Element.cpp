@@ -1,14 +1,30 @@
 #include <TalIec61850Scl/read/Element.hpp>
+#include <cstring>
 #include <string>
 
 namespace TalIec61850Scl::detail {
 
 namespace {
 
-/// A name of XML, with the prefix of its namespace.
+/// Whether a name of XML is this one, and has no prefix.
+bool isSame(char const* name, std::string_view wanted) noexcept {
+    for (char const letter : wanted) {
+        if (*name != letter) {
+            return false;
+        }
+        ++name;
+    }
+    return *name == '\0';
+}
+
+/// A name of XML, with the prefix of its namespace; empty where it is too long.
 struct QualifiedName {
     explicit QualifiedName(char const* name) noexcept : full(name) {
         for (; name[size] != '\0'; ++size) {
+            if (size == kMostTagOctets) {
+                size = local = 0;
+                return;
+            }
             if (name[size] == ':') {
                 local = size + 1;
             }
@@ -54,42 +70,59 @@ std::string_view startOf(std::string_view text, std::size_t most) noexcept {
     return text.substr(0, end);
 }
 
+std::string_view startOf(char const* text, std::size_t most) noexcept {
+    // One octet more shows whether a character goes on.
+    return startOf(std::string_view(text, ::strnlen(text, most + 1)), most);
+}
+
 std::string_view Element::name() const noexcept {
     QualifiedName const name(node_.name());
     return {name.full + name.local, name.size - name.local};
 }
 
-void Element::find(std::string_view const* wanted, char const** values,
-                   std::size_t count) const noexcept {
+bool Element::is(std::string_view wanted) const noexcept {
+    return isSame(node_.name(), wanted) || name() == wanted;
+}
+
+int Element::find(std::string_view const* wanted, char const** values,
+                  std::size_t count) const noexcept {
+    std::size_t left = count;
     bool hasPrefixes = false;
-    for (pugi::xml_attribute each = node_.first_attribute(); each; each = each.next_attribute()) {
+    int looks = 0;
+    pugi::xml_attribute each = node_.first_attribute();
+    for (; each && left > 0 && looks < kMostAttributes; each = each.next_attribute(), ++looks) {
+        char const* const name = each.name();
+        std::size_t i = 0;
+        while (i < count && !isSame(name, wanted[i])) {
+            ++i;
+        }
+        if (i == count) {
+            hasPrefixes = hasPrefixes || QualifiedName(name).local > 0;
+        } else if (values[i] == nullptr) {
+            values[i] = each.value();
+            --left;
+        }
+    }
+    // Attributes with a prefix count where there is none without.
+    each = hasPrefixes ? node_.first_attribute() : pugi::xml_attribute();
+    int again = 0;
+    for (; each && left > 0 && again < kMostAttributes; each = each.next_attribute(), ++again) {
         QualifiedName const name(each.name());
-        hasPrefixes = hasPrefixes || name.local > 0;
-        for (std::size_t i = 0; i < count && name.local == 0; ++i) {
-            if (name.isLocal(wanted[i])) {
-                values[i] = values[i] == nullptr ? each.value() : values[i];
+        for (std::size_t i = 0; i < count && name.local > 0 && name.isOfDescription(); ++i) {
+            if (values[i] == nullptr && name.isLocal(wanted[i])) {
+                values[i] = each.value();
+                --left;
                 break;
             }
         }
     }
-    if (!hasPrefixes) {
-        return;
-    }
-    for (pugi::xml_attribute each = node_.first_attribute(); each; each = each.next_attribute()) {
-        QualifiedName const name(each.name());
-        for (std::size_t i = 0; i < count && name.local > 0; ++i) {
-            if (name.isLocal(wanted[i]) && name.isOfDescription()) {
-                values[i] = values[i] == nullptr ? each.value() : values[i];
-                break;
-            }
-        }
-    }
+    return looks + again;
 }
 
 std::optional<std::string_view> Element::attribute(std::string_view wanted) const noexcept {
     char const* value = nullptr;
     find(&wanted, &value, 1);
-    return value == nullptr ? std::nullopt : std::optional<std::string_view>(value);
+    return value == nullptr ? std::nullopt : std::optional(startOf(value, kMostValueOctets));
 }
 
 std::string_view Element::nameIn(std::string_view wanted) const noexcept {
@@ -110,7 +143,23 @@ std::optional<bool> Element::flagIn(std::string_view wanted) const noexcept {
 }
 
 std::string_view Element::content() const noexcept {
-    return startOf(trimmed(node_.text().get()), kMostTextOctets);
+    pugi::xml_node each = node_.first_child();
+    for (int left = kMostBefore; each && left > 0; each = each.next_sibling(), --left) {
+        if (each.type() == pugi::node_pcdata || each.type() == pugi::node_cdata) {
+            return startOf(trimmed(startOf(each.value(), kMostValueOctets)), kMostTextOctets);
+        }
+    }
+    return {};
+}
+
+std::string_view Element::configuredValue() const noexcept {
+    Element each = firstChild();
+    for (int left = kMostBefore; each && left > 0; each = each.next(), --left) {
+        if (each.is("Val")) {
+            return each.content();
+        }
+    }
+    return {};
 }
 
 Element Element::child(std::string_view wanted) const noexcept { return *children(wanted).begin(); }

@@ -4,12 +4,13 @@
 
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Scl/model/ControlBlock.hpp>
-#include <TalIec61850Scl/read/DataSetReader.hpp>
+#include <TalIec61850Scl/model/DataSet.hpp>
 #include <TalIec61850Scl/read/DiagnosticList.hpp>
+#include <TalIec61850Scl/read/FileBudget.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace TalIec61850Scl::detail {
@@ -83,13 +84,15 @@ struct FoundInput {
 struct FileContent {
     std::vector<std::string> ieds;
     std::vector<FoundControlBlock> controlBlocks;
-    std::vector<FoundDataSet> dataSets;
+    std::vector<DataSet> dataSets;
     std::vector<FoundAddress> addresses;
     std::vector<FoundInput> inputs;
     std::vector<FoundAccessPoint> accessPoints;
     /// Control blocks of other services: reports, logs.
-    std::unordered_set<std::string> otherControlBlocks;
+    NameSet otherControlBlocks;
     DiagnosticList diagnostics;
+    /// What is left for control blocks, addresses and subscribers.
+    FileBudget budget;
 };
 
 }  // namespace TalIec61850Scl::detail

@@ -1,6 +1,6 @@
 #include <TalIec61850Scl/read/LogicalNodes.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <array>
-#include <functional>
 
 namespace TalIec61850Scl::detail {
 
@@ -9,9 +9,13 @@ std::string logicalNodeName(std::string_view prefix, std::string_view lnClass,
     return std::string(prefix).append(lnClass).append(inst);
 }
 
-std::size_t LogicalNodes::Hash::operator()(LogicalNodeKey const& key) const noexcept {
+std::string_view lnClassOf(Element node, std::string_view lnClass) {
+    return lnClass.empty() && node.is("LN0") ? "LLN0" : lnClass;
+}
+
+std::size_t LogicalNodes::Hash::operator()(LogicalNodeKey const& key) const {
     constexpr std::size_t kOdd = 0x9E3779B97F4A7C15U;
-    std::hash<std::string_view> const hash;
+    NameHash const hash;
     return ((hash(key.ldInst) * kOdd + hash(key.prefix)) * kOdd + hash(key.lnClass)) * kOdd +
            hash(key.inst);
 }
@@ -24,7 +28,7 @@ void LogicalNodes::index(Element device) {
             auto const names = node.attributes(kNames);
             nodes_.try_emplace({.ldInst = ldInst,
                                 .prefix = names.name(0),
-                                .lnClass = names.name(1),
+                                .lnClass = lnClassOf(node, names.name(1)),
                                 .inst = names.name(2)},
                                node);
         }

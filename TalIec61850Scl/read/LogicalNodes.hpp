@@ -14,6 +14,9 @@ namespace TalIec61850Scl::detail {
 [[nodiscard]] std::string logicalNodeName(std::string_view prefix, std::string_view lnClass,
                                           std::string_view inst);
 
+/// The class of a logical node: what its attribute says, and LLN0 of an LN0 that has none.
+[[nodiscard]] std::string_view lnClassOf(Element node, std::string_view lnClass);
+
 /// What names a logical node in its IED. Leads into the document.
 struct LogicalNodeKey {
     std::string_view ldInst;
@@ -34,7 +37,7 @@ public:
 
 private:
     struct Hash {
-        [[nodiscard]] std::size_t operator()(LogicalNodeKey const& key) const noexcept;
+        [[nodiscard]] std::size_t operator()(LogicalNodeKey const& key) const;
     };
 
     void index(Element device);

@@ -5,9 +5,6 @@ namespace TalIec61850Scl::detail {
 
 namespace {
 
-/// The text of dU, which describes a data object.
-std::string_view describingValue(Element instance) { return instance.child("Val").content(); }
-
 bool isNumber(BasicType type) {
     return (type >= BasicType::int8 && type <= BasicType::int32u) || type == BasicType::float32 ||
            type == BasicType::float64;
@@ -29,8 +26,9 @@ void MemberWalk::describe(WalkPlace& place) {
     if (auto const text = place.instance.textIn("desc"); !text.empty()) {
         place.instanceText = text;
     } else if (place.part->isObject && place.instance) {
-        Element const described = children_.findInstance(place.instance, "dU", "");
-        if (auto const value = describingValue(described); !value.empty()) {
+        // The text of dU describes a data object.
+        auto const value = children_.findInstance(place.instance, "dU", "").configuredValue();
+        if (!value.empty()) {
             place.instanceText = value;
         }
     }
@@ -38,10 +36,9 @@ void MemberWalk::describe(WalkPlace& place) {
         place.typeText = place.part->desc;
     } else if (place.part->isObject && place.part->type) {
         TypePart const* const described = types_.part(*place.part->type, "dU");
-        if (described != nullptr) {
-            if (auto const value = describingValue(described->element); !value.empty()) {
-                place.typeText = value;
-            }
+        auto const value = described != nullptr ? described->element.configuredValue() : "";
+        if (!value.empty()) {
+            place.typeText = value;
         }
     }
 }
@@ -158,11 +155,14 @@ bool MemberWalk::addValue(Listing& listing, WalkPlace const& place, bool isKnown
     std::string_view const text = !place.instanceText.empty() ? place.instanceText
                                   : !place.typeText.empty()   ? place.typeText
                                                               : listing.text;
+    TypePart const& part = *place.part;
+    Quantity const* const quantity =
+        isKnown && place.objectType && isInUnits(part) ? &quantityOf(place) : nullptr;
     if (!budget_.take(sizeof(DataSetMember) + listing.name.size() + text.size() +
-                      listing.path.size() * sizeof(std::uint32_t))) {
+                      listing.path.size() * sizeof(std::uint32_t) + part.bType.size() +
+                      (quantity != nullptr ? quantity->unit.size() : 0))) {
         return false;
     }
-    TypePart const& part = *place.part;
     DataSetMember& member = listing.members.emplace_back();
     member.path = listing.path;
     member.name = listing.name;
@@ -172,11 +172,10 @@ bool MemberWalk::addValue(Listing& listing, WalkPlace const& place, bool isKnown
         member.bType = part.bType;
         member.type = part.basicType;
     }
-    if (isKnown && place.objectType && isInUnits(part)) {
-        Quantity const& quantity = quantityOf(place);
-        member.unit = quantity.unit;
+    if (quantity != nullptr) {
+        member.unit = quantity->unit;
         if (part.name == "i") {
-            member.scale = quantity.scale;
+            member.scale = quantity->scale;
         }
     }
     return true;

@@ -3,6 +3,7 @@
 // Internal: the values that an object or attribute consists of.
 
 #include <TalIec61850Scl/model/DataSet.hpp>
+#include <TalIec61850Scl/read/FileBudget.hpp>
 #include <TalIec61850Scl/read/FunctionalConstraint.hpp>
 #include <TalIec61850Scl/read/NamedChildren.hpp>
 #include <TalIec61850Scl/read/ReadQuantity.hpp>
@@ -15,26 +16,6 @@
 #include <vector>
 
 namespace TalIec61850Scl::detail {
-
-/// Memory that members of all data sets of a file may take. It grows with the file, so that a few
-/// octets of it cannot ask for all there is.
-class MemberBudget {
-public:
-    explicit MemberBudget(std::size_t fileSize) : left_(kLeast + fileSize * kTimesTheFile) {}
-
-    /// @return false where there is not so much left
-    [[nodiscard]] bool take(std::size_t octets) noexcept {
-        bool const isEnough = octets <= left_;
-        left_ -= isEnough ? octets : left_;
-        return isEnough;
-    }
-
-private:
-    static constexpr std::size_t kLeast = std::size_t{32} << 20U;
-    static constexpr std::size_t kTimesTheFile = 16;
-
-    std::size_t left_;
-};
 
 /// A data object or attribute on the way to values.
 struct WalkPlace {
@@ -59,7 +40,7 @@ struct WalkPlace {
 class MemberWalk {
 public:
     /// All have to outlive this object.
-    MemberWalk(TypeTable& types, TypeLeaves& leaves, NamedChildren& children, MemberBudget& budget)
+    MemberWalk(TypeTable& types, TypeLeaves& leaves, NamedChildren& children, FileBudget& budget)
         : types_(types), leaves_(leaves), children_(children), budget_(budget) {}
 
     /// A part of where one is.
@@ -99,7 +80,7 @@ private:
     TypeTable& types_;
     TypeLeaves& leaves_;
     NamedChildren& children_;
-    MemberBudget& budget_;
+    FileBudget& budget_;
 
     /// The quantity that was read last, of an object and which of its values.
     Quantity quantity_;

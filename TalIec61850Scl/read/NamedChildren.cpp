@@ -5,9 +5,11 @@ namespace TalIec61850Scl::detail {
 
 namespace {
 
-/// Children that are compared before an index is made.
-constexpr int kComparedChildren = 24;
+/// Attributes of children that are compared before an index is made: those of some 24 children,
+/// each of which takes one more.
+constexpr int kComparedAttributesOfChildren = 72;
 
+constexpr std::array<std::string_view, 1> kNameAlone{"name"};
 constexpr std::array<std::string_view, 2> kNameAndIndex{"name", "ix"};
 
 bool isInstance(Element child) {
@@ -24,14 +26,16 @@ std::string keyOfChild(std::string_view first, std::string_view second) {
 }  // namespace
 
 Element NamedChildren::find(Element parent, std::string_view element, std::string_view name) {
-    int left = kComparedChildren;
-    for (Element each = parent.firstChild(); each; each = each.next()) {
-        if (each.is(element) && each.nameIn("name") == name) {
+    int left = kComparedAttributesOfChildren;
+    for (Element each = parent.firstChild(); each && left > 0; each = each.next(), --left) {
+        if (!each.is(element)) {
+            continue;
+        }
+        auto const attributes = each.attributes(kNameAlone);
+        if (attributes.name(0) == name) {
             return each;
         }
-        if (--left == 0) {
-            break;
-        }
+        left -= attributes.looks();
     }
     if (left > 0) {
         return {};
@@ -50,15 +54,13 @@ Element NamedChildren::find(Element parent, std::string_view element, std::strin
 }
 
 Element NamedChildren::findInstance(Element parent, std::string_view name, std::string_view index) {
-    int left = kComparedChildren;
-    for (Element each = parent.firstChild(); each; each = each.next()) {
+    int left = kComparedAttributesOfChildren;
+    for (Element each = parent.firstChild(); each && left > 0; each = each.next(), --left) {
         auto const attributes = each.attributes(kNameAndIndex);
         if (attributes.name(0) == name && attributes.name(1) == index && isInstance(each)) {
             return each;
         }
-        if (--left == 0) {
-            break;
-        }
+        left -= attributes.looks();
     }
     if (left > 0) {
         return {};
@@ -68,7 +70,8 @@ Element NamedChildren::findInstance(Element parent, std::string_view name, std::
     if (isNew) {
         for (Element each = parent.firstChild(); each; each = each.next()) {
             if (isInstance(each)) {
-                instances.try_emplace(keyOfChild(each.nameIn("name"), each.nameIn("ix")), each);
+                auto const attributes = each.attributes(kNameAndIndex);
+                instances.try_emplace(keyOfChild(attributes.name(0), attributes.name(1)), each);
             }
         }
     }

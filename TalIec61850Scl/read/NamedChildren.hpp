@@ -3,6 +3,7 @@
 // Internal: elements found by the names that they have inside another.
 
 #include <TalIec61850Scl/read/Element.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -26,7 +27,7 @@ public:
 
 private:
     /// By what identifies a child.
-    using Index = std::unordered_map<std::string, Element>;
+    using Index = NameMap<std::string, Element>;
 
     /// By the identity of the parent.
     std::unordered_map<std::size_t, Index> named_;

@@ -1,5 +1,6 @@
 #include <TalIec61850Scl/read/DataSetReader.hpp>
 #include <TalIec61850Scl/read/Document.hpp>
+#include <TalIec61850Scl/read/FileBudget.hpp>
 #include <TalIec61850Scl/read/LogicalNodes.hpp>
 #include <TalIec61850Scl/read/NamedChildren.hpp>
 #include <TalIec61850Scl/read/ReadAddress.hpp>
@@ -28,11 +29,37 @@ std::optional<StreamProtocol> protocolOfService(std::string_view service) {
                               : std::nullopt;
 }
 
+/// What a key of a map takes beside its text, about.
+constexpr std::size_t kRoomOfAKey = 96;
+
+/// What a control block takes, with the keys by which it is found when files are joined.
+std::size_t roomOf(FoundControlBlock const& found) {
+    ControlBlock const& block = found.block;
+    constexpr std::size_t kCopies = 3;
+    std::size_t const names = block.ied.size() + block.ldInst.size() + block.name.size() +
+                              block.reference.size() + found.node.size();
+    std::size_t octets = sizeof(FoundControlBlock) + 2 * kRoomOfAKey + kCopies * names +
+                         found.accessPoint.size() + block.id.size() + block.desc.size() +
+                         block.dataSetReference.value_or("").size();
+    for (Subscriber const& subscriber : block.subscribers) {
+        octets += sizeof(Subscriber) + subscriber.ied.size() + subscriber.node.size();
+    }
+    return octets;
+}
+
+std::size_t roomOf(FoundInput const& input) {
+    return sizeof(FoundInput) + input.node.size() + input.intAddr.size() + input.data.size() +
+           input.block.ied.size() + input.block.ldInst.size() + input.block.node.size() +
+           input.block.name.size();
+}
+
 /// Goes through one document.
 class FileReader {
 public:
     explicit FileReader(Document const& document)
-        : document_(document), dataSets_(document, content_.diagnostics, children_) {}
+        : document_(document), dataSets_(document, content_.diagnostics, children_) {
+        content_.budget = FileBudget(document.size());
+    }
 
     FileContent read() {
         Element const root = document_.root();
@@ -99,13 +126,17 @@ private:
                 continue;
             }
             auto const names = node.attributes(kNames);
+            if (names.name(1).empty()) {
+                miss(node, "lnClass");
+            }
             node_ = {.element = node,
-                     .name = logicalNodeName(names.name(0), names.name(1), names.name(2)),
+                     .name = logicalNodeName(names.name(0), lnClassOf(node, names.name(1)),
+                                             names.name(2)),
                      .ldInst = ldInst,
                      .domain = domain,
                      .accessPoint = accessPoint};
-            // Most of a description is instances, one after the other, and going over them takes as
-            // long as parsing them. In any LN, nothing that is read here is among them.
+            // Most of a description is instances, one after the other, and going over them takes
+            // half as long as parsing them. In any LN, nothing that is read here is among them.
             Element each = node.firstChild();
             for (; each && (isNode0 || !each.is("DOI")); each = each.next()) {
                 readPart(each, nodes);
@@ -117,6 +148,24 @@ private:
         }
     }
 
+    /// Tells that an attribute is missing.
+    void miss(Element element, std::string_view attribute) {
+        if (content_.diagnostics.takes(DiagnosticCode::missingAttribute)) {
+            content_.diagnostics.add(DiagnosticCode::missingAttribute, document_.placeOf(element),
+                                     attribute);
+        }
+    }
+
+    /// Whether there is room for something of so many octets; tells where there is none.
+    [[nodiscard]] bool hasRoom(Element element, std::size_t octets) {
+        if (content_.budget.take(octets)) {
+            return true;
+        }
+        content_.diagnostics.addOnce(DiagnosticCode::memoryLimit, document_.placeOf(element),
+                                     element.name());
+        return false;
+    }
+
     /// One element of a logical node.
     void readPart(Element part, LogicalNodes& nodes) {
         std::string_view const kind = part.name();
@@ -125,17 +174,20 @@ private:
                 addControlBlock(part, nodes);
             }
         } else if (kind == "ReportControl" || kind == "LogControl") {
-            content_.otherControlBlocks.insert(keyOf({.ied = content_.ieds[ied_],
-                                                      .ldInst = std::string(node_.ldInst),
-                                                      .node = node_.name,
-                                                      .name = std::string(part.nameIn("name"))}));
+            std::string key = keyOf({.ied = content_.ieds[ied_],
+                                     .ldInst = std::string(node_.ldInst),
+                                     .node = node_.name,
+                                     .name = std::string(part.nameIn("name"))});
+            if (hasRoom(part, kRoomOfAKey + key.size())) {
+                content_.otherControlBlocks.insert(std::move(key));
+            }
         } else if (kind == "Inputs") {
             readInputs(part);
         }
     }
 
     void addControlBlock(Element element, LogicalNodes& nodes) {
-        FoundControlBlock& found = content_.controlBlocks.emplace_back();
+        FoundControlBlock found;
         found.accessPoint = node_.accessPoint.nameIn("name");
         found.node = node_.name;
         found.block = readControlBlock(element,
@@ -145,7 +197,14 @@ private:
                                         .node = node_.name,
                                         .isEdition2 = isEdition2_},
                                        document_, content_.diagnostics);
-        ControlBlock& block = found.block;
+        if (hasRoom(element, roomOf(found))) {
+            content_.controlBlocks.push_back(std::move(found));
+            addDataSet(element, content_.controlBlocks.back().block, nodes);
+        }
+    }
+
+    /// @param element  of the control block
+    void addDataSet(Element element, ControlBlock& block, LogicalNodes& nodes) {
         if (!block.dataSetReference) {
             return;
         }
@@ -201,7 +260,7 @@ private:
         if (publisher.empty() || service == "Report" || service == "Poll") {
             return;
         }
-        FoundInput& input = content_.inputs.emplace_back();
+        FoundInput input;
         input.ied = ied_;
         input.node = node;
         input.intAddr = attributes.name(kIntAddr);
@@ -227,6 +286,9 @@ private:
             }
         }
         input.place = document_.placeOf(reference);
+        if (hasRoom(reference, roomOf(input))) {
+            content_.inputs.push_back(std::move(input));
+        }
     }
 
     void readCommunication(Element communication) {
@@ -241,6 +303,10 @@ private:
         std::string_view const ied = accessPoint.nameIn("iedName");
         std::string_view const name = accessPoint.nameIn("apName");
         RedundancyProtocol const redundancy = redundancyOf(accessPoint);
+        if (!hasRoom(accessPoint,
+                     sizeof(FoundAccessPoint) + kRoomOfAKey + 2 * (ied.size() + name.size()))) {
+            return;
+        }
         content_.accessPoints.push_back({.ied = std::string(ied),
                                          .name = std::string(name),
                                          .redundancy = redundancy,
@@ -250,12 +316,18 @@ private:
             if (!isSv && !each.is("GSE")) {
                 continue;
             }
+            std::string_view const ldInst = each.nameIn("ldInst");
+            std::string_view const block = each.nameIn("cbName");
+            if (!hasRoom(each, sizeof(FoundAddress) + kRoomOfAKey +
+                                   2 * (ied.size() + name.size() + ldInst.size() + block.size()))) {
+                return;
+            }
             FoundAddress& found = content_.addresses.emplace_back();
             found.protocol = isSv ? StreamProtocol::sv : StreamProtocol::goose;
             found.ied = ied;
             found.accessPoint = name;
-            found.ldInst = each.nameIn("ldInst");
-            found.name = each.nameIn("cbName");
+            found.ldInst = ldInst;
+            found.name = block;
             found.address = readAddress(each, document_, content_.diagnostics);
             found.redundancy = redundancy;
             found.place = document_.placeOf(each);

@@ -23,9 +23,9 @@ public:
     [[nodiscard]] std::string_view value(std::string_view name) const {
         TypePart const* const part =
             part_ != nullptr && part_->type ? types_.part(*part_->type, name) : nullptr;
-        std::string_view text = children_.findInstance(instance_, name, "").child("Val").content();
+        std::string_view text = children_.findInstance(instance_, name, "").configuredValue();
         if (text.empty() && part != nullptr) {
-            text = part->element.child("Val").content();
+            text = part->element.configuredValue();
         }
         if (part != nullptr && part->basicType == BasicType::enumerated && readNumber<int>(text)) {
             if (auto const named = types_.enumText(part->element.nameIn("type"), text);

@@ -16,12 +16,14 @@ namespace TalIec61850Scl {
 ///
 /// Time and memory grow with the files and with nothing that these merely claim. So names are cut
 /// after 255 octets, texts for people after 1,023; types nested deeper than 24 levels, data sets of
-/// more than 32,768 values, and data sets that together take more than sixteen times the file are
-/// cut with a diagnostic. Of each code and file, the first 1,000 diagnostics are told.
+/// more than 32,768 values, and data sets that together take more than 32 MiB and sixteen times the
+/// file are cut with a diagnostic; so are control blocks, addresses and subscribers that together
+/// would take as much. Of an element the first 64 attributes count, and a value or text that comes
+/// after 64 other elements does not. Of each code and file, the first 1,000 diagnostics are told.
 /// @param paths  of the files
-/// @return what they say; empty but for diagnostics where a file is no description
-/// @throws std::system_error  where a file cannot be read
-/// @throws std::bad_alloc     where memory ends
+/// @return what they say; nothing but a diagnostic of a file that is no description, or that cannot
+///     be read
+/// @throws std::bad_alloc  where memory ends
 [[nodiscard]] TALIEC61850SCL_EXPORT StationDescription
 readStation(std::span<std::string const> paths);
 

@@ -131,7 +131,7 @@ void StationJoiner::addControlBlock(std::size_t file, FoundControlBlock& found,
                                     std::vector<std::size_t>& dataSets) {
     giveAddress(file, found);
     ControlBlock& block = found.block;
-    FoundDataSet* const dataSet = block.dataSet ? &files_[file].dataSets[*block.dataSet] : nullptr;
+    DataSet* const dataSet = block.dataSet ? &files_[file].dataSets[*block.dataSet] : nullptr;
     std::size_t const* const keptDataSet =
         dataSet != nullptr && dataSets[*block.dataSet] != kNotKept ? &dataSets[*block.dataSet]
                                                                    : nullptr;
@@ -140,7 +140,7 @@ void StationJoiner::addControlBlock(std::size_t file, FoundControlBlock& found,
     if (!isNew) {
         ControlBlock& kept = station_.controlBlocks[known->second];
         DataSet const* const other = dataSet == nullptr       ? nullptr
-                                     : keptDataSet == nullptr ? &dataSet->dataSet
+                                     : keptDataSet == nullptr ? dataSet
                                                               : &station_.dataSets[*keptDataSet];
         if (!isSame(kept, block, other)) {
             files_[file].diagnostics.add(DiagnosticCode::duplicateControlBlock, block.place,
@@ -154,8 +154,7 @@ void StationJoiner::addControlBlock(std::size_t file, FoundControlBlock& found,
     if (dataSet != nullptr) {
         if (keptDataSet == nullptr) {
             dataSets[*block.dataSet] = station_.dataSets.size();
-            station_.dataSets.push_back(std::move(dataSet->dataSet));
-            structures_.push_back(std::move(dataSet->structures));
+            station_.dataSets.push_back(std::move(*dataSet));
         }
         block.dataSet = dataSets[*block.dataSet];
     }
@@ -186,7 +185,7 @@ bool StationJoiner::isSame(ControlBlock const& kept, ControlBlock const& other,
 }
 
 void StationJoiner::joinSubscribers() {
-    SubscriberFinder finder(station_, structures_);
+    SubscriberFinder finder(station_);
     for (KnownName const& known : names_) {
         finder.addName(known.name, station_.controlBlocks[known.controlBlock].protocol,
                        known.controlBlock);
@@ -215,7 +214,10 @@ void StationJoiner::joinInput(FoundInput const& input, FileContent& content,
         content.diagnostics.addOnce(DiagnosticCode::missingIed, input.place, input.block.ied);
         return;
     }
-    if (finder.add(input, content.ieds[input.ied])) {
+    if (finder.add(input, content.ieds[input.ied], content.budget)) {
+        if (content.budget.isSpent()) {
+            content.diagnostics.addOnce(DiagnosticCode::memoryLimit, input.place, "ExtRef");
+        }
         return;
     }
     // Without a service, it may be the data or control block of a report.
@@ -243,7 +245,7 @@ void StationJoiner::joinInput(FoundInput const& input, FileContent& content,
 
 void StationJoiner::dropRepeatedSubscribers() {
     for (ControlBlock& block : station_.controlBlocks) {
-        std::unordered_set<std::string> known;
+        NameSet known;
         std::erase_if(block.subscribers, [&](Subscriber const& each) {
             return !known.insert(subscriberKey(each)).second;
         });

@@ -4,11 +4,10 @@
 
 #include <TalIec61850Scl/model/StationDescription.hpp>
 #include <TalIec61850Scl/read/FileContent.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <TalIec61850Scl/read/SubscriberFinder.hpp>
 #include <cstddef>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace TalIec61850Scl::detail {
@@ -51,12 +50,10 @@ private:
 
     StationDescription station_;
     std::vector<FileContent> files_;
-    std::unordered_set<std::string> ieds_;
-    std::unordered_map<std::string, Addresses> addresses_;
-    std::unordered_map<std::string, RedundancyProtocol> attachments_;
-    std::unordered_map<std::string, std::size_t> references_;
-    /// Structures of the data sets that are kept.
-    std::vector<std::vector<NamedMember>> structures_;
+    NameSet ieds_;
+    NameMap<std::string, Addresses> addresses_;
+    NameMap<std::string, RedundancyProtocol> attachments_;
+    NameMap<std::string, std::size_t> references_;
     /// Names under which subscribers know control blocks.
     struct KnownName {
         ControlBlockName name;

@@ -1,5 +1,4 @@
 #include <TalIec61850Scl/read/SubscriberFinder.hpp>
-#include <algorithm>
 
 namespace TalIec61850Scl::detail {
 
@@ -12,17 +11,20 @@ constexpr std::size_t kMostPublishers = 16;
 
 }  // namespace
 
-SubscriberFinder::SubscriberFinder(StationDescription& station,
-                                   std::vector<std::vector<NamedMember>> const& structures)
-    : station_(station), structures_(structures) {
+SubscriberFinder::SubscriberFinder(StationDescription& station) : station_(station) {
     members_.resize(station.dataSets.size());
-    controlBlocksOfDataSets_.resize(station.dataSets.size());
+    publishers_.resize(station.dataSets.size());
     for (std::size_t i = 0; i < station.dataSets.size(); ++i) {
         dataSetsOfIeds_[station.dataSets[i].ied].push_back(i);
     }
     for (std::size_t i = 0; i < station.controlBlocks.size(); ++i) {
-        if (auto const dataSet = station.controlBlocks[i].dataSet) {
-            controlBlocksOfDataSets_[*dataSet].push_back(i);
+        ControlBlock const& block = station.controlBlocks[i];
+        if (block.dataSet) {
+            Publishers& all = publishers_[*block.dataSet];
+            auto& some = block.protocol == StreamProtocol::goose ? all.goose : all.sv;
+            if (some.size() < kMostPublishers) {
+                some.push_back(i);
+            }
         }
     }
 }
@@ -32,18 +34,21 @@ void SubscriberFinder::addName(ControlBlockName const& name, StreamProtocol prot
     (protocol == StreamProtocol::goose ? goose_ : sv_).try_emplace(keyOf(name), controlBlock);
 }
 
-bool SubscriberFinder::add(FoundInput const& input, std::string const& ied) {
-    return input.block.name.empty() ? addByData(input, ied) : addByName(input, ied);
+bool SubscriberFinder::add(FoundInput const& input, std::string const& ied, FileBudget& budget) {
+    Listener const listener{.input = input, .ied = ied, .budget = budget};
+    return input.block.name.empty() ? addByData(listener) : addByName(listener);
 }
 
-bool SubscriberFinder::addByName(FoundInput const& input, std::string const& ied) {
+bool SubscriberFinder::addByName(Listener const& listener) {
+    FoundInput const& input = listener.input;
     std::string const key = keyOf(input.block);
     bool isFound = false;
     for (StreamProtocol const protocol : {StreamProtocol::goose, StreamProtocol::sv}) {
         if (input.protocol.value_or(protocol) == protocol) {
             auto const& names = protocol == StreamProtocol::goose ? goose_ : sv_;
             if (auto const found = names.find(key); found != names.end()) {
-                addTo(found->second, input, ied, SubscriptionSource::controlBlock);
+                addTo(found->second, listener, SubscriptionSource::controlBlock,
+                      memberOf(found->second, input.data));
                 isFound = true;
             }
         }
@@ -51,78 +56,64 @@ bool SubscriberFinder::addByName(FoundInput const& input, std::string const& ied
     return isFound;
 }
 
-bool SubscriberFinder::addByData(FoundInput const& input, std::string const& ied) {
-    DataSetNumbers const& data = dataOf(input.block.ied);
-    auto const found = data.find(input.data);
-    if (found == data.end()) {
-        return false;
-    }
-    std::size_t publishers = 0;
-    for (std::size_t const dataSet : found->second) {
-        for (std::size_t const controlBlock : controlBlocksOfDataSets_[dataSet]) {
-            ControlBlock const& block = station_.controlBlocks[controlBlock];
-            if (publishers < kMostPublishers &&
-                input.protocol.value_or(block.protocol) == block.protocol) {
-                ++publishers;
-                addTo(controlBlock, input, ied, SubscriptionSource::data);
+bool SubscriberFinder::addByData(Listener const& listener) {
+    FoundInput const& input = listener.input;
+    std::size_t left = kMostPublishers;
+    for (MemberPlace const& place : dataOf(input.block.ied).find(input.data, kMostPublishers)) {
+        Publishers const& all = publishers_[place.dataSet];
+        for (StreamProtocol const protocol : {StreamProtocol::goose, StreamProtocol::sv}) {
+            if (input.protocol.value_or(protocol) != protocol) {
+                continue;
+            }
+            for (std::size_t const block : protocol == StreamProtocol::goose ? all.goose : all.sv) {
+                if (left > 0) {
+                    --left;
+                    addTo(block, listener, SubscriptionSource::data, place.member);
+                }
             }
         }
     }
-    return publishers > 0;
+    return left < kMostPublishers;
 }
 
-void SubscriberFinder::addTo(std::size_t controlBlock, FoundInput const& input,
-                             std::string const& ied, SubscriptionSource source) {
-    ControlBlock& block = station_.controlBlocks[controlBlock];
-    Subscriber& subscriber = block.subscribers.emplace_back();
-    subscriber.ied = ied;
+void SubscriberFinder::addTo(std::size_t controlBlock, Listener const& listener,
+                             SubscriptionSource source, std::optional<std::size_t> member) {
+    FoundInput const& input = listener.input;
+    if (!listener.budget.take(sizeof(Subscriber) + listener.ied.size() + input.node.size() +
+                              input.intAddr.size())) {
+        return;
+    }
+    Subscriber& subscriber = station_.controlBlocks[controlBlock].subscribers.emplace_back();
+    subscriber.ied = listener.ied;
     subscriber.node = input.node;
     subscriber.intAddr = input.intAddr;
+    subscriber.member = member;
     subscriber.source = source;
     subscriber.place = input.place;
-    if (block.dataSet && !input.data.empty()) {
-        MemberNumbers const& members = membersOf(*block.dataSet);
-        if (auto const found = members.find(input.data); found != members.end()) {
-            subscriber.member = found->second;
-        }
-    }
 }
 
-SubscriberFinder::MemberNumbers const& SubscriberFinder::membersOf(std::size_t dataSet) {
-    MemberNumbers& numbers = members_[dataSet];
-    if (numbers.empty()) {
-        auto const& members = station_.dataSets[dataSet].members;
-        numbers.reserve(members.size() + structures_[dataSet].size());
-        for (std::uint32_t i = 0; i < members.size(); ++i) {
-            numbers.try_emplace(members[i].name, i);
-        }
-        for (auto const& [name, first] : structures_[dataSet]) {
-            numbers.try_emplace(name, first);
-        }
+std::optional<std::size_t> SubscriberFinder::memberOf(std::size_t controlBlock,
+                                                      std::string_view data) {
+    auto const dataSet = station_.controlBlocks[controlBlock].dataSet;
+    if (!dataSet || data.empty()) {
+        return std::nullopt;
     }
-    return numbers;
+    std::optional<MemberNames>& names = members_[*dataSet];
+    if (!names) {
+        names.emplace().add(station_.dataSets[*dataSet], *dataSet);
+    }
+    auto const found = names->find(data, 1);
+    return found.empty() ? std::nullopt : std::optional<std::size_t>(found.front().member);
 }
 
-SubscriberFinder::DataSetNumbers const& SubscriberFinder::dataOf(std::string const& ied) {
+MemberNames& SubscriberFinder::dataOf(std::string const& ied) {
     auto const [found, isNew] = data_.try_emplace(ied);
-    DataSetNumbers& numbers = found->second;
     if (isNew) {
-        auto const add = [&](std::string_view name, std::size_t dataSet) {
-            std::vector<std::size_t>& all = numbers[name];
-            if (all.size() < kMostPublishers && (all.empty() || all.back() != dataSet)) {
-                all.push_back(dataSet);
-            }
-        };
         for (std::size_t const dataSet : dataSetsOfIeds_[ied]) {
-            for (DataSetMember const& member : station_.dataSets[dataSet].members) {
-                add(member.name, dataSet);
-            }
-            for (auto const& [name, first] : structures_[dataSet]) {
-                add(name, dataSet);
-            }
+            found->second.add(station_.dataSets[dataSet], dataSet);
         }
     }
-    return numbers;
+    return found->second;
 }
 
 }  // namespace TalIec61850Scl::detail

@@ -3,13 +3,14 @@
 // Internal: which control blocks inputs listen to.
 
 #include <TalIec61850Scl/model/StationDescription.hpp>
+#include <TalIec61850Scl/read/FileBudget.hpp>
 #include <TalIec61850Scl/read/FileContent.hpp>
+#include <TalIec61850Scl/read/MemberNames.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace TalIec61850Scl::detail {
@@ -17,41 +18,50 @@ namespace TalIec61850Scl::detail {
 /// Adds subscribers to the control blocks of a station, when all of these are known.
 class SubscriberFinder {
 public:
-    /// @param station     whose data sets do not change while this object is used
-    /// @param structures  of the data sets
-    SubscriberFinder(StationDescription& station,
-                     std::vector<std::vector<NamedMember>> const& structures);
+    /// @param station  whose data sets do not change while this object is used
+    explicit SubscriberFinder(StationDescription& station);
 
     /// Makes a control block known by a name.
     void addName(ControlBlockName const& name, TalIec61850Analysis::StreamProtocol protocol,
                  std::size_t controlBlock);
 
     /// Adds a subscriber to the control blocks that an input listens to.
-    /// @param ied  that listens
+    /// @param ied     that listens
+    /// @param budget  of its file; where that is spent, it is not added
     /// @return false where the control block that it names is not there, or nobody sends the data
-    bool add(FoundInput const& input, std::string const& ied);
+    bool add(FoundInput const& input, std::string const& ied, FileBudget& budget);
 
 private:
-    using MemberNumbers = std::unordered_map<std::string_view, std::uint32_t>;
-    /// Data sets that have a reference.
-    using DataSetNumbers = std::unordered_map<std::string_view, std::vector<std::size_t>>;
+    /// An input, and the file's means to add it.
+    struct Listener {
+        FoundInput const& input;
+        std::string const& ied;
+        FileBudget& budget;
+    };
+    /// Control blocks of one data set, the first few of each protocol.
+    struct Publishers {
+        std::vector<std::size_t> goose;
+        std::vector<std::size_t> sv;
+    };
 
-    bool addByName(FoundInput const& input, std::string const& ied);
-    bool addByData(FoundInput const& input, std::string const& ied);
-    void addTo(std::size_t controlBlock, FoundInput const& input, std::string const& ied,
-               SubscriptionSource source);
-    [[nodiscard]] MemberNumbers const& membersOf(std::size_t dataSet);
-    [[nodiscard]] DataSetNumbers const& dataOf(std::string const& ied);
+    bool addByName(Listener const& listener);
+    bool addByData(Listener const& listener);
+    void addTo(std::size_t controlBlock, Listener const& listener, SubscriptionSource source,
+               std::optional<std::size_t> member);
+    [[nodiscard]] std::optional<std::size_t> memberOf(std::size_t controlBlock,
+                                                      std::string_view data);
+    [[nodiscard]] MemberNames& dataOf(std::string const& ied);
 
     StationDescription& station_;
-    std::vector<std::vector<NamedMember>> const& structures_;
-    std::unordered_map<std::string, std::size_t> goose_;
-    std::unordered_map<std::string, std::size_t> sv_;
+    NameMap<std::string, std::size_t> goose_;
+    NameMap<std::string, std::size_t> sv_;
     /// By number of the data set; made when first used.
-    std::vector<MemberNumbers> members_;
-    std::unordered_map<std::string, std::vector<std::size_t>> dataSetsOfIeds_;
-    std::vector<std::vector<std::size_t>> controlBlocksOfDataSets_;
-    std::unordered_map<std::string, DataSetNumbers> data_;
+    std::vector<std::optional<MemberNames>> members_;
+    NameMap<std::string, std::vector<std::size_t>> dataSetsOfIeds_;
+    /// By number of the data set.
+    std::vector<Publishers> publishers_;
+    /// By IED; made when first used.
+    NameMap<std::string, MemberNames> data_;
 };
 
 }  // namespace TalIec61850Scl::detail

@@ -10,11 +10,14 @@ namespace {
 /// Parts that are compared one by one; of a type with more, an index is kept.
 constexpr std::size_t kComparedParts = 16;
 
-/// Values of an EnumType that are looked at; units have some 90.
-constexpr int kComparedValues = 256;
+/// Values of an EnumType that are read; units have some 90.
+constexpr std::size_t kMostEnumValues = 256;
 
 /// Attributes that are looked at for the one that has the number of elements of an array.
 constexpr int kComparedAttributes = 64;
+
+/// A structure that is defined outside the description: any value may be of it.
+constexpr std::string_view kPhysicalAddress = "PhyComAddr";
 
 std::string classAndId(std::string_view lnClass, std::string_view id) {
     return std::string(lnClass).append(1, '\n').append(id);
@@ -26,26 +29,54 @@ TypeTable::TypeTable(Document const& document, DiagnosticList& diagnostics)
     : document_(document), diagnostics_(diagnostics) {
     for (Element const templates : document.root().children("DataTypeTemplates")) {
         for (Element each = templates.firstChild(); each; each = each.next()) {
-            std::string_view const name = each.name();
-            auto const id = each.nameIn("id");
-            if (name == "EnumType") {
-                enumTypes_.try_emplace(id, each);
-                continue;
-            }
-            auto const number = static_cast<TypeNumber>(types_.size());
-            if (name == "LNodeType") {
-                types_.emplace_back(each, TypeKind::logicalNode);
-                if (!nodeTypes_.try_emplace(id, number).second) {
-                    otherNodeTypes_.try_emplace(classAndId(each.nameIn("lnClass"), id), number);
-                }
-            } else if (name == "DOType") {
-                types_.emplace_back(each, TypeKind::dataObject);
-                objectTypes_.try_emplace(id, number);
-            } else if (name == "DAType") {
-                types_.emplace_back(each, TypeKind::dataAttribute);
-                attributeTypes_.try_emplace(id, number);
-            }
+            index(each);
         }
+    }
+}
+
+void TypeTable::index(Element element) {
+    std::string_view const kind = element.name();
+    bool const isEnum = kind == "EnumType";
+    bool const isNode = kind == "LNodeType";
+    bool const isObject = kind == "DOType";
+    if (!isEnum && !isNode && !isObject && kind != "DAType") {
+        return;
+    }
+    auto const id = element.nameIn("id");
+    if (id.empty()) {
+        miss(element, "id");
+        return;
+    }
+    bool isFirst = false;
+    if (isEnum) {
+        isFirst = enumTypes_.try_emplace(id, element).second;
+    } else {
+        auto const number = static_cast<TypeNumber>(types_.size());
+        types_.emplace_back(element, isNode     ? TypeKind::logicalNode
+                                     : isObject ? TypeKind::dataObject
+                                                : TypeKind::dataAttribute);
+        isFirst = isNode
+                      ? indexNodeType(element, id, number)
+                      : (isObject ? objectTypes_ : attributeTypes_).try_emplace(id, number).second;
+    }
+    if (!isFirst && diagnostics_.takes(DiagnosticCode::duplicateType)) {
+        diagnostics_.add(DiagnosticCode::duplicateType, document_.placeOf(element), id);
+    }
+}
+
+bool TypeTable::indexNodeType(Element element, std::string_view id, TypeNumber number) {
+    auto const [first, isNew] = nodeTypes_.try_emplace(id, number);
+    if (isNew) {
+        return true;
+    }
+    auto const lnClass = element.nameIn("lnClass");
+    return types_[first->second].element.nameIn("lnClass") != lnClass &&
+           otherNodeTypes_.try_emplace(classAndId(lnClass, id), number).second;
+}
+
+void TypeTable::miss(Element element, std::string_view attribute) {
+    if (diagnostics_.takes(DiagnosticCode::missingAttribute)) {
+        diagnostics_.add(DiagnosticCode::missingAttribute, document_.placeOf(element), attribute);
     }
 }
 
@@ -87,17 +118,24 @@ TypePart const* TypeTable::part(TypeNumber type, std::string_view name) {
     return nullptr;
 }
 
-std::string_view TypeTable::enumText(std::string_view id, std::string_view ordinal) const {
+std::string_view TypeTable::enumText(std::string_view id, std::string_view ordinal) {
     auto const found = enumTypes_.find(id);
-    if (found != enumTypes_.end()) {
-        int left = kComparedValues;
-        for (Element const value : found->second.children("EnumVal")) {
-            if (trimmed(value.nameIn("ord")) == ordinal) {
-                return value.content();
-            }
-            if (--left == 0) {
+    if (found == enumTypes_.end()) {
+        return {};
+    }
+    EnumType& type = found->second;
+    if (!type.isRead) {
+        type.isRead = true;
+        for (Element const value : type.element.children("EnumVal")) {
+            if (type.values.size() == kMostEnumValues) {
                 break;
             }
+            type.values.emplace_back(trimmed(value.nameIn("ord")), value.content());
+        }
+    }
+    for (auto const& [number, text] : type.values) {
+        if (number == ordinal) {
+            return text;
         }
     }
     return {};
@@ -128,29 +166,44 @@ TypePart TypeTable::readPart(Type const& type, Element element) {
     TypePart part;
     part.element = element;
     part.name = attributes.name(kName);
-    part.desc = startOf(trimmed(attributes.value(kDesc)), kMostTextOctets);
+    part.desc = attributes.text(kDesc);
     std::string_view const kind = element.name();
     part.isObject = kind != "DA" && kind != "BDA";
-    part.constraint =
-        kind == "DA" ? constraintOf(attributes.name(kFc)) : std::optional(kAnyConstraint);
+    part.constraint = kAnyConstraint;
+    part.bType = attributes.name(kBType);
+    if (part.name.empty()) {
+        miss(element, "name");
+    }
     if (!part.isObject) {
-        if (!attributes.has(kBType)) {
-            diagnostics_.add(DiagnosticCode::missingAttribute, document_.placeOf(element), "bType");
-        }
-        part.bType = attributes.name(kBType);
-        part.basicType = basicTypeOf(part.bType);
+        readAttribute(part, attributes.name(kFc), kind == "DA");
     }
     if (part.isCompound()) {
         if (attributes.has(kType)) {
             part.type = referredType(part, attributes.name(kType));
         } else {
-            diagnostics_.add(DiagnosticCode::missingAttribute, document_.placeOf(element), "type");
+            miss(element, "type");
         }
     }
     if (attributes.has(kCount)) {
         part.count = countOf(type, element, attributes.name(kCount));
     }
     return part;
+}
+
+void TypeTable::readAttribute(TypePart& part, std::string_view fc, bool isOfObject) {
+    part.basicType = basicTypeOf(part.bType);
+    if (part.bType.empty()) {
+        miss(part.element, "bType");
+    } else if (part.basicType == BasicType::unknown && part.bType != kPhysicalAddress) {
+        diagnostics_.addOnce(DiagnosticCode::unknownBType, document_.placeOf(part.element),
+                             part.bType);
+    }
+    if (isOfObject) {
+        part.constraint = constraintOf(fc);
+        if (!part.constraint) {
+            miss(part.element, "fc");
+        }
+    }
 }
 
 std::optional<TypeNumber> TypeTable::referredType(TypePart const& part, std::string_view id) {
@@ -175,7 +228,7 @@ std::optional<std::uint32_t> TypeTable::countOf(Type const& type, Element elemen
     Element each = type.element.firstChild();
     for (int left = kComparedAttributes; each && left > 0; each = each.next(), --left) {
         if (each.nameIn("name") == trimmed(text)) {
-            auto const number = readNumber<std::uint32_t>(each.child("Val").content());
+            auto const number = readNumber<std::uint32_t>(each.configuredValue());
             if (number && *number > 0) {
                 return number;
             }

@@ -6,12 +6,13 @@
 #include <TalIec61850Scl/read/DiagnosticList.hpp>
 #include <TalIec61850Scl/read/Document.hpp>
 #include <TalIec61850Scl/read/FunctionalConstraint.hpp>
+#include <TalIec61850Scl/read/NameHash.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace TalIec61850Scl::detail {
@@ -70,7 +71,7 @@ public:
 
     [[nodiscard]] Element element(TypeNumber type) const { return types_[type].element; }
     /// The text of an ordinal of an EnumType; empty where there is none.
-    [[nodiscard]] std::string_view enumText(std::string_view id, std::string_view ordinal) const;
+    [[nodiscard]] std::string_view enumText(std::string_view id, std::string_view ordinal);
 
 private:
     struct Type {
@@ -81,12 +82,27 @@ private:
         bool isRead = false;
         std::vector<TypePart> parts;
         /// Where there are many; the first of each name.
-        std::unordered_map<std::string_view, std::size_t> byName;
+        NameMap<std::string_view, std::size_t> byName;
     };
 
-    using Numbers = std::unordered_map<std::string_view, TypeNumber>;
+    struct EnumType {
+        explicit EnumType(Element of) : element(of) {}
 
+        Element element;
+        bool isRead = false;
+        /// Ordinals and texts.
+        std::vector<std::pair<std::string_view, std::string_view>> values;
+    };
+
+    using Numbers = NameMap<std::string_view, TypeNumber>;
+
+    void index(Element element);
+    /// @return whether it is the first of its kind and id
+    bool indexNodeType(Element element, std::string_view id, TypeNumber number);
     void read(Type& type);
+    void readAttribute(TypePart& part, std::string_view fc, bool isOfObject);
+    /// Tells that an attribute is missing.
+    void miss(Element element, std::string_view attribute);
     [[nodiscard]] TypePart readPart(Type const& type, Element element);
     [[nodiscard]] std::optional<std::uint32_t> countOf(Type const& type, Element element,
                                                        std::string_view text);
@@ -99,8 +115,8 @@ private:
     Numbers attributeTypes_;
     Numbers nodeTypes_;
     /// LNodeTypes whose id another one has, by class and id.
-    std::unordered_map<std::string, TypeNumber> otherNodeTypes_;
-    std::unordered_map<std::string_view, Element> enumTypes_;
+    NameMap<std::string, TypeNumber> otherNodeTypes_;
+    NameMap<std::string_view, EnumType> enumTypes_;
 };
 
 }  // namespace TalIec61850Scl::detail

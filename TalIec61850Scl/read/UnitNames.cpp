@@ -19,6 +19,9 @@ constexpr std::array<std::string_view, 86> kSiUnits{
     "A²t",    "VAh", "Wh",  "VArh", "V/Hz",  "Hz/s",     "char", "char/s", "kgm²",  "dB",
     "J/Wh",   "W/s", "l/s", "dBm",  "h",     "min"};
 
+/// Octets of a unit that are told: each value of a data object has it.
+constexpr std::size_t kMostUnitOctets = 32;
+
 struct Multiplier {
     int ordinal;
     std::string_view text;
@@ -51,8 +54,16 @@ std::string unitText(std::string_view siUnit, std::string_view multiplier) {
         unit = *ordinal < kSiUnits.size() ? kSiUnits[*ordinal] : "";
     } else if (unit == "none" || unit == "dimensionless") {
         unit = "";
+    } else if (unit == "Watts") {
+        unit = "W";  // what ordinal 62 was called at first
     }
-    return unit.empty() ? std::string() : std::string(multiplierText(multiplier)).append(unit);
+    if (unit.empty()) {
+        return {};
+    }
+    std::string text(multiplierText(multiplier));
+    text.append(unit);
+    text.resize(startOf(std::string_view(text), kMostUnitOctets).size());
+    return text;
 }
 
 }  // namespace TalIec61850Scl::detail

@@ -153,5 +153,21 @@ TEST(Descriptions, ThatCannotBeUsedLeaveTheOthers) {
     EXPECT_FALSE(none.isAny);
 }
 
+TEST(Descriptions, ThatCannotBeReadAfterAllAreToldByName) {
+    // A regular file, which can be opened, and of which no octet can be read from its start.
+    std::string const unreadable = "/proc/self/mem";
+    std::string const fault = unreadable + ": Input/output error";
+    SclFiles const files;
+    auto const found = TalIec61850Tools::readDescriptions({unreadable, files.scd()});
+    EXPECT_EQ(found.faults, std::vector<std::string>{fault});
+    EXPECT_TRUE(found.isAny);
+    EXPECT_EQ(found.station.controlBlocks.size(), 2U);
+    EXPECT_FALSE(TalIec61850Tools::readDescriptions({unreadable}).isAny);
+    auto const result = runCompanion({"scl", "list", "-q", unreadable, files.scd()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, complaint(fault));
+    EXPECT_NE(result.out, "");
+}
+
 }  // namespace
 }  // namespace TalTest

@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -60,11 +61,15 @@ bool startsLikeXml(std::string const& path) {
 /// What is known of a file as a whole.
 struct FileVerdict {
     bool isScl = true;
+    /// Why it cannot be read: it was changed or taken away since it was looked at.
+    std::optional<std::string> unreadable;
     /// Where XML ends that can be read.
     std::optional<std::uint32_t> endsAtLine;
     bool hasControlBlock = false;
 
-    [[nodiscard]] bool isUsable() const { return isScl && (!endsAtLine || hasControlBlock); }
+    [[nodiscard]] bool isUsable() const {
+        return isScl && !unreadable && (!endsAtLine || hasControlBlock);
+    }
 };
 
 class DescriptionReader {
@@ -79,14 +84,7 @@ public:
     }
 
     [[nodiscard]] Descriptions read() {
-        try {
-            found_.station = TalIec61850Scl::readStation(paths_);
-        } catch (std::system_error const& error) {
-            // One was changed or taken away since it was looked at.
-            refuse(paths_.size() == 1 ? paths_.front() : "one of the descriptions",
-                   error.code().message());
-            return std::move(found_);
-        }
+        found_.station = TalIec61850Scl::readStation(paths_);
         judge();
         return std::move(found_);
     }
@@ -143,6 +141,8 @@ private:
                 verdict.isScl = false;
             } else if (diagnostic.code == DiagnosticCode::notXml) {
                 verdict.endsAtLine = diagnostic.place.line;
+            } else if (diagnostic.code == DiagnosticCode::unreadableFile) {
+                verdict.unreadable = diagnostic.subject;
             }
         }
         for (auto const& block : found_.station.controlBlocks) {
@@ -152,7 +152,9 @@ private:
             FileVerdict const& verdict = verdicts[number];
             std::string const& path = paths_[number];
             found_.isAny = found_.isAny || verdict.isUsable();
-            if (!TalIec61850Analysis::checkCapture(path).fault) {
+            if (verdict.unreadable) {
+                refuse(path, *verdict.unreadable);
+            } else if (!TalIec61850Analysis::checkCapture(path).fault) {
                 refuse(path, "a capture, not a description of a station");
             } else if (!verdict.isScl || (verdict.endsAtLine && !startsLikeXml(path))) {
                 refuse(path, "not a description of a station (SCL)");

@@ -37,8 +37,9 @@ std::vector<std::string> diagnosticTexts(TalIec61850Scl::StationDescription cons
     std::vector<std::string> texts;
     std::size_t more = 0;
     for (Diagnostic const& diagnostic : station.diagnostics) {
-        bool const isFault =
-            diagnostic.code == DiagnosticCode::notXml || diagnostic.code == DiagnosticCode::notScl;
+        bool const isFault = diagnostic.code == DiagnosticCode::notXml ||
+                             diagnostic.code == DiagnosticCode::notScl ||
+                             diagnostic.code == DiagnosticCode::unreadableFile;
         if (isFault) {
             continue;
         }

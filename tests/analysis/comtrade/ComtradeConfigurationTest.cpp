@@ -196,6 +196,13 @@ TEST(ComtradeTexts, HaveOneCharacterForEachThatIsNotAscii) {
     EXPECT_EQ(idWritten("\x80z\xFF"), "_z_");
 }
 
+TEST(ComtradeTexts, HaveSignsOfUnitsInAscii) {
+    EXPECT_EQ(idWritten("\xC2\xB5V \xCE\xBCV"), "uV uV");
+    EXPECT_EQ(idWritten("\xC2\xB0\x43"), "degC");
+    EXPECT_EQ(idWritten("m\xC2\xB2 m\xC2\xB3"), "m2 m3");
+    EXPECT_EQ(idWritten(std::string(62, 'a') + "\xC2\xB0"), std::string(62, 'a')) << "no part";
+}
+
 TEST(ComtradeTexts, HaveNoBlanksAtTheirEnds) { EXPECT_EQ(idWritten("  a b  "), "a b"); }
 
 TEST(ComtradeTexts, AreCutAtTheirLimits) {

@@ -4,9 +4,13 @@
 
 #include <TalIec61850Scl/match/RunTasks.hpp>
 #include <atomic>
+#include <functional>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "support/WatchedHeap.hpp"
 
 namespace TalTest {
 namespace {
@@ -40,6 +44,29 @@ TEST(RunTasks, ThrowsWhatTheFirstTaskThrowsWhenAllHaveEnded) {
         }
         EXPECT_EQ(runs.load(), 50);
     }
+}
+
+TEST(RunTasks, RunsEachTaskOrNoneWhereMemoryEnds) {
+    std::atomic<int> runs = 0;
+    std::function<void(std::size_t)> const task = [&](std::size_t) { ++runs; };
+    bool wasHit = true;
+    std::size_t allocation = 0;
+    while (wasHit) {
+        ++allocation;
+        runs = 0;
+        bool isThrown = false;
+        {
+            HeapFault const fault(allocation, Failing::once);
+            try {
+                runTasks(20, 4, task);
+            } catch (std::bad_alloc const&) {
+                isThrown = true;
+            }
+            wasHit = HeapFault::wasHit();
+        }
+        EXPECT_EQ(runs.load(), isThrown ? 0 : 20) << "allocation " << allocation;
+    }
+    EXPECT_GE(allocation, 5U) << "each of the three other threads takes memory";
 }
 
 }  // namespace

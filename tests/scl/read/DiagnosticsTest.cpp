@@ -31,10 +31,10 @@ std::string fcdaOf(std::string const& lnClass, std::string const& object) {
 
 TEST(SclDiagnostics, HaveNamesOfTheirOwn) {
     std::set<std::string_view> names;
-    for (int code = 0; code <= static_cast<int>(DiagnosticCode::tooManyMembers); ++code) {
+    for (int code = 0; code <= static_cast<int>(DiagnosticCode::unreadableFile); ++code) {
         names.insert(nameOf(static_cast<DiagnosticCode>(code)));
     }
-    EXPECT_EQ(names.size(), static_cast<std::size_t>(DiagnosticCode::tooManyMembers) + 1);
+    EXPECT_EQ(names.size(), static_cast<std::size_t>(DiagnosticCode::unreadableFile) + 1);
     EXPECT_FALSE(names.contains(""));
     EXPECT_EQ(nameOf(DiagnosticCode::missingLNodeType), "MissingLNodeType");
 }
@@ -101,6 +101,65 @@ TEST(SclDiagnostics, SayWhatAttributesAreMissingOrNoNumbers) {
     EXPECT_EQ(station.controlBlocks[1].dataSetReference, "IED1LD0/LLN0$none");
     EXPECT_FALSE(station.controlBlocks[1].dataSet);
     EXPECT_FALSE(station.controlBlocks[0].confRev);
+}
+
+/// What is told of a DOType of these parts, which a data set uses.
+Told toldOfParts(std::string const& parts, std::string const& others = "") {
+    SclText file;
+    file.ieds =
+        TalTest::iedText("IED1", TalTest::node0Text(TalTest::gooseText(fcdaOf("AAAA", "X"))) +
+                                     "<LN lnClass='AAAA' inst='1' lnType='A'/>");
+    file.templates =
+        "<LNodeType id='A' lnClass='AAAA'><DO name='X' type='X'/></LNodeType>"
+        "<DOType id='X'><DA name='v' bType='INT8' fc='ST'/>" +
+        parts + "</DOType>" + others;
+    return told(readStation(file.text(), ""));
+}
+
+TEST(SclDiagnostics, SayWhatPartsOfATypeLack) {
+    EXPECT_EQ(toldOfParts("<DA name='q' bType='Quality'/>"), (Told{"MissingAttribute fc"}));
+    EXPECT_EQ(toldOfParts("<DA name='q' bType='Quality' fc='XX'/>"), (Told{"MissingAttribute fc"}));
+    EXPECT_EQ(toldOfParts("<DA bType='Quality' fc='ST'/>"), (Told{"MissingAttribute name"}));
+    EXPECT_EQ(toldOfParts("<SDO type='X2'/>", "<DOType id='X2'/>"),
+              (Told{"MissingAttribute name"}));
+    EXPECT_EQ(toldOfParts("", "<DOType/>"), (Told{"MissingAttribute id"}));
+    EXPECT_EQ(toldOfParts("<DA name='s' bType='Struct' type='S' fc='ST'/>",
+                          "<DAType id='S'><BDA bType='INT8'/></DAType>"),
+              (Told{"MissingAttribute name"}));
+}
+
+TEST(SclDiagnostics, SayWhichBasicTypesThereAreNotOnceEach) {
+    EXPECT_EQ(toldOfParts("<DA name='a' bType='Bool' fc='ST'/><DA name='b' bType='INT32 ' "
+                          "fc='ST'/><DA name='c' bType='Bool' fc='ST'/>"),
+              (Told{"UnknownBType Bool", "UnknownBType INT32 "}));
+    EXPECT_EQ(toldOfParts("<DA name='a' bType='PhyComAddr' fc='ST'/>"), Told{});
+}
+
+TEST(SclDiagnostics, SayWhichTypesAreThereTwice) {
+    EXPECT_EQ(toldOfParts("", "<DOType id='X'/>"), (Told{"DuplicateType X"}));
+    EXPECT_EQ(toldOfParts("", "<DAType id='X'/><EnumType id='X'/>"), Told{}) << "other kinds";
+    EXPECT_EQ(toldOfParts("", "<EnumType id='E'/><EnumType id='E'/>"), (Told{"DuplicateType E"}));
+    EXPECT_EQ(toldOfParts("", "<LNodeType id='A' lnClass='BBBB'/>"), Told{}) << "of another class";
+    EXPECT_EQ(toldOfParts("",
+                          "<LNodeType id='A' lnClass='BBBB'/><LNodeType id='A' lnClass='BBBB'/>"
+                          "<LNodeType id='A' lnClass='AAAA'/>"),
+              (Told{"DuplicateType A", "DuplicateType A"}));
+}
+
+TEST(SclDiagnostics, SayWhatClassesAreMissing) {
+    SclText file;
+    file.ieds = TalTest::iedText(
+        "IED1",
+        "<LN0 inst='' lnType='L'><DataSet name='d'><FCDA ldInst='LD0' lnClass='LLN0' "
+        "doName='Mod' fc='ST'/></DataSet><GSEControl name='gcb' appID='g' datSet='d'/>"
+        "</LN0><LN inst='1' lnType='L'/>");
+    file.templates =
+        "<LNodeType id='L' lnClass='LLN0'><DO name='Mod' type='M'/></LNodeType>"
+        "<DOType id='M'><DA name='v' bType='INT8' fc='ST'/></DOType>";
+    auto const station = readStation(file.text(), "");
+    EXPECT_EQ(told(station), (Told{"MissingAttribute lnClass", "MissingAttribute lnClass"}));
+    EXPECT_EQ(station.controlBlocks.at(0).reference, "IED1LD0/LLN0$GO$gcb");
+    EXPECT_EQ(station.dataSets.at(0).members.at(0).name, "LD0/LLN0.Mod.v");
 }
 
 TEST(SclDiagnostics, SayWhichAddressesAreOfNothing) {

@@ -3,6 +3,7 @@
 #include <TalIec61850Scl/read/ReadStation.hpp>
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "scl/SclText.hpp"
 
@@ -163,6 +164,110 @@ TEST(HostileScl, NamesAndTextsOfAnySizeAreCut) {
     EXPECT_EQ(station.controlBlocks[0].name.size(), 255U);
     EXPECT_EQ(station.controlBlocks[0].ied.size(), 255U);
     EXPECT_EQ(station.controlBlocks[0].desc, repeated("\xC3\xA4", 511));
+}
+
+/// Octets of what is said of members.
+std::size_t octetsOf(std::vector<DataSet> const& dataSets) {
+    std::size_t octets = 0;
+    for (DataSet const& dataSet : dataSets) {
+        for (DataSetMember const& member : dataSet.members) {
+            octets += sizeof member + member.name.size() + member.bType.size() +
+                      member.unit.size() + member.desc.size();
+        }
+    }
+    return octets;
+}
+
+TEST(HostileScl, LongBasicTypesDoNotMultiply) {
+    SclText file;
+    std::string control;
+    for (int i = 0; i < 30; ++i) {
+        std::string const name = std::to_string(i);
+        control += "<DataSet name='" + name + "'>" + fcdaOfObject("X") +
+                   "</DataSet><GSEControl name='" + name + "' appID='a' datSet='" + name + "'/>\n";
+    }
+    file.ieds = TalTest::iedText("IED1", TalTest::node0Text(control) + kNode);
+    file.templates =
+        "<LNodeType id='A'><DO name='X' type='T'/></LNodeType><DOType id='T'><DA "
+        "name='v' bType='" +
+        std::string(255, 'b') + "' fc='ST' count='30000'/></DOType>";
+    std::string const text = file.text();
+    EXPECT_LE(octetsOf(readStation(text, "").dataSets), (32U << 20U) + 16 * text.size());
+}
+
+TEST(HostileScl, NamesThatControlBlocksShareDoNotMultiply) {
+    std::string const name(255, 'n');
+    SclText file;
+    std::string control;
+    constexpr int kMany = 50'000;
+    for (int i = 0; i < kMany; ++i) {
+        control += "<GSEControl name='" + std::to_string(i) + "' appID='a'/>";
+    }
+    file.ieds = TalTest::iedText(name, "<LN prefix='" + name + "' lnClass='" + name + "' inst='" +
+                                           name + "'>" + control + "</LN>");
+    auto const station = readStation(file.text(), "");
+    EXPECT_TRUE(has(station, DiagnosticCode::memoryLimit));
+    EXPECT_EQ(station.diagnostics.size(), 1U);
+    EXPECT_GT(station.controlBlocks.size(), 1000U);
+    EXPECT_LT(station.controlBlocks.size(), static_cast<std::size_t>(kMany) / 2);
+}
+
+TEST(HostileScl, SubscribersOfManyControlBlocksDoNotMultiply) {
+    std::string const name(255, 'n');
+    constexpr int kInputs = 10'000;
+    SclText file;
+    std::string control = "<DataSet name='d'>" + fcdaOfObject("X") + "</DataSet>";
+    for (int i = 0; i < 16; ++i) {
+        control += "<GSEControl name='" + std::to_string(i) + "' appID='a' datSet='d'/>";
+    }
+    file.ieds =
+        TalTest::iedText("I", TalTest::node0Text(control) + kNode) +
+        TalTest::iedText(
+            name, "<LN prefix='" + name + "' lnClass='" + name + "' inst='" + name + "'><Inputs>" +
+                      repeated("<ExtRef iedName='I' ldInst='LD0' lnClass='AAAA' lnInst='1' "
+                               "doName='X'/>",
+                               kInputs) +
+                      "</Inputs></LN>");
+    file.templates =
+        "<LNodeType id='A'><DO name='X' type='T'/></LNodeType>"
+        "<DOType id='T'><DA name='v' bType='INT8' fc='ST'/></DOType>";
+    std::string const text = file.text();
+    auto const station = readStation(text, "");
+    ASSERT_EQ(station.diagnostics.size(), 1U);
+    EXPECT_EQ(nameOf(station.diagnostics[0].code), "MemoryLimit");
+    EXPECT_EQ(station.diagnostics[0].subject, "ExtRef");
+    std::size_t octets = 0;
+    for (ControlBlock const& block : station.controlBlocks) {
+        for (Subscriber const& subscriber : block.subscribers) {
+            octets += sizeof subscriber + subscriber.ied.size() + subscriber.node.size();
+        }
+    }
+    EXPECT_GT(octets, 1'000'000U);
+    EXPECT_LE(octets, (32U << 20U) + 16 * text.size());
+}
+
+TEST(HostileScl, WhatElementsHoldOfNoMeaningIsNotGoneOverForEachValue) {
+    // 30,000 values of an array, each of an object whose text is asked for.
+    std::string const nothing = repeated("<x/>", 300'000);
+    std::string attributes;
+    for (int i = 0; i < 100'000; ++i) {
+        attributes += " a" + std::to_string(i) + "=''";
+    }
+    SclText file;
+    file.ieds = TalTest::iedText(
+        "IED1", TalTest::node0Text(TalTest::gooseText(fcdaOfObject("X"))) +
+                    "<LN lnClass='AAAA' inst='1' lnType='A'><DOI name='X'><SDI name='a'" +
+                    attributes + "><DAI name='dU'>" + nothing + "</DAI></SDI></DOI></LN>");
+    file.templates =
+        "<LNodeType id='A'><DO name='X' type='A'/></LNodeType>"
+        "<DOType id='A'><SDO name='a' type='B' count='30000'/></DOType>"
+        "<DOType id='B'><SDO name='s' type='C'/></DOType>"
+        "<DOType id='C'><DA name='v' bType='INT8' fc='ST'/><DA name='dU' bType='Unicode255' "
+        "fc='DC'>" +
+        nothing + "</DA></DOType>";
+    auto const station = readStation(file.text(), "");
+    EXPECT_TRUE(station.diagnostics.empty());
+    EXPECT_EQ(station.dataSets.at(0).members.size(), 30'000U);
 }
 
 TEST(HostileScl, ManyOfOneNameAreFoundInLinearTime) {

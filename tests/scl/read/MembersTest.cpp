@@ -235,10 +235,19 @@ TEST(SclQuantities, ScaleIntegersAndLeaveFloatsAsTheyAre) {
 }
 
 TEST(SclQuantities, MayHaveOrdinalsInPlaceOfTexts) {
-    EXPECT_EQ(memberOf("LD0/MMXU1.TotW.mag.f", kTotW, scaledPower("62", "3")).unit, "kWatts");
+    EXPECT_EQ(memberOf("LD0/MMXU1.TotW.mag.f", kTotW, scaledPower("62", "3")).unit, "kW");
     EXPECT_EQ(memberOf("LD0/MMXU1.TotW.mag.f", kTotW, scaledPower("29", "6")).unit, "MV");
     EXPECT_EQ(memberOf("LD0/MMXU1.TotW.mag.f", kTotW, scaledPower("1", "3")).unit, "");
     EXPECT_EQ(memberOf("LD0/MMXU1.TotW.mag.f", kTotW, scaledPower("5", "-3")).unit, "mA");
+}
+
+TEST(SclQuantities, AreCutAfterAWholeCharacter) {
+    std::string unit;
+    for (int i = 0; i < 100; ++i) {
+        unit += "Ω";
+    }
+    std::string const cut = memberOf("LD0/MMXU1.TotW.mag.f", kTotW, scaledPower(unit, "k")).unit;
+    EXPECT_EQ(cut, "k" + unit.substr(0, 30));
 }
 
 TEST(SclQuantities, AreThoseOfTheTypeWhereTheInstanceHasNone) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Scl/read/ReadStation.hpp>
+#include <cerrno>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -128,12 +129,24 @@ TEST(SclFilesTogether, AreReadAlthoughOneIsNoDescription) {
     EXPECT_EQ(station.diagnostics[0].code, DiagnosticCode::notXml);
 }
 
-TEST(SclFilesTogether, ThatCannotBeReadAreAnErrorOfTheSystem) {
+TEST(SclFilesTogether, AreReadAlthoughOthersCannotBe) {
+    SclFiles files;
+    files.add("1.scd", publisher());
     TalTest::TempDir const directory;
-    std::vector<std::string> const none{directory.file("none.scd")};
-    std::vector<std::string> const folder{directory.path()};
-    EXPECT_THROW((void)readStation(none), std::system_error);
-    EXPECT_THROW((void)readStation(folder), std::system_error);
+    std::vector<std::string> const paths{directory.file("none.scd"), files.paths()[0],
+                                         directory.path()};
+    auto const station = readStation(paths);
+    EXPECT_EQ(station.files, paths);
+    ASSERT_EQ(station.controlBlocks.size(), 1U);
+    EXPECT_EQ(station.controlBlocks[0].place.file, 1U);
+    EXPECT_EQ(station.diagnostics, (std::vector<Diagnostic>{
+                                       {.code = DiagnosticCode::unreadableFile,
+                                        .place = {.file = 0, .line = 0},
+                                        .subject = std::generic_category().message(ENOENT)},
+                                       {.code = DiagnosticCode::unreadableFile,
+                                        .place = {.file = 2, .line = 0},
+                                        .subject = std::generic_category().message(EISDIR)},
+                                   }));
 }
 
 }  // namespace

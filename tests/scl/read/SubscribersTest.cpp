@@ -69,6 +69,43 @@ TEST(SclSubscribers, MayTakeTheMessageAsAWholeOrAnObject) {
     EXPECT_EQ(object[0].member, 1U);
 }
 
+/// IED1 sends a nested object and an array; IED2 has this input.
+std::vector<Subscriber> subscribersOfNested(std::string const& reference) {
+    SclText file = stationWith("<ExtRef iedName='IED1' ldInst='LD0' " + reference + "/>");
+    file.ieds.replace(
+        file.ieds.find(kTrip), kTrip.size(),
+        "<FCDA ldInst='LD0' lnClass='MMXU' lnInst='1' doName='A' fc='MX'/>"
+        "<FCDA ldInst='LD0' lnClass='MHAI' lnInst='1' doName='HA' daName='phsAHar' fc='MX'/>");
+    auto const station = readStation(file.text(), "");
+    EXPECT_TRUE(station.diagnostics.empty());
+    return station.controlBlocks.at(0).subscribers;
+}
+
+TEST(SclSubscribers, TakeTheFirstValueOfWhatIsBetweenAnEntryAndItsValues) {
+    std::string const power = "lnClass='MMXU' lnInst='1' ";
+    std::string const harmonics = "lnClass='MHAI' lnInst='1' ";
+    struct Case {
+        std::string reference;
+        std::size_t member;
+    };
+    for (auto const& [reference, member] :
+         {Case{power + "doName='A'", 0}, Case{power + "doName='A.phsB'", 5},
+          Case{power + "doName='A' daName='phsB.cVal.ang'", 7},
+          Case{power + "doName='A.phsB' daName='q'", 8}, Case{harmonics + "doName='HA'", 10},
+          Case{harmonics + "doName='HA.phsAHar'", 10},
+          Case{harmonics + "doName='HA.phsAHar(1)' daName='cVal'", 15}}) {
+        for (std::string const name : {"", " srcCBName='gcb1'"}) {
+            auto const subscribers = subscribersOfNested(reference + name);
+            ASSERT_EQ(subscribers.size(), 1U) << reference << name;
+            EXPECT_EQ(subscribers[0].member, member) << reference << name;
+        }
+    }
+    // What only begins alike is something else.
+    auto const other = subscribersOfNested(power + "doName='A.phs' srcCBName='gcb1'");
+    ASSERT_EQ(other.size(), 1U);
+    EXPECT_FALSE(other[0].member);
+}
+
 TEST(SclSubscribers, OfTheFirstEditionAreFoundByTheData) {
     auto const subscribers = subscribersOf(
         "<ExtRef iedName='IED1' ldInst='LD0' lnClass='PTRC' lnInst='1' doName='Tr' "
