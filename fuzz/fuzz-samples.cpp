@@ -5,7 +5,6 @@
 #include <TalIec61850Analysis/samples/SummarizeSamples.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -91,9 +90,7 @@ Reading readingOf(TrafficIndex const& index, TrafficStream const& stream,
     return reading;
 }
 
-CaptureTime timeOf(std::int64_t nanoseconds) {
-    return CaptureTime(std::chrono::nanoseconds(nanoseconds));
-}
+CaptureTime timeOf(std::int64_t nanoseconds) { return captureTimeOf(nanoseconds); }
 
 /// Reads before and after a time; together that is all that has one.
 void requireSameInParts(TrafficIndex const& index, TrafficStream const& stream,

@@ -22,7 +22,7 @@ constexpr std::size_t kLeastFewestColumns = 4;
 constexpr bool isOnAxis(std::int64_t time) { return time >= 0 && time < kAxisEnd; }
 
 std::int64_t axisTime(std::optional<CaptureTime> const& time) {
-    return time ? std::clamp<std::int64_t>(time->time_since_epoch().count(), 0, kAxisEnd) : 0;
+    return time ? std::clamp<std::int64_t>(nanosecondsOf(*time), 0, kAxisEnd) : 0;
 }
 
 void resizeColumns(EnvelopeChannel& channel, std::size_t columns) {

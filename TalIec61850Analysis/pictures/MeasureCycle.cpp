@@ -200,7 +200,7 @@ std::optional<ChannelCycle> measureCycle(std::span<double const> values, double 
 
 std::optional<CycleReading> measureCycleAt(Waveform const& waveform, CaptureTime instant,
                                            CycleOptions const& options) {
-    std::int64_t const time = instant.time_since_epoch().count();
+    std::int64_t const time = nanosecondsOf(instant);
     auto const run = runAt(waveform, time);
     if (!run) {
         return std::nullopt;

@@ -93,7 +93,7 @@ private:
         if (!options_.window.from || change + 1 == changes_.size()) {
             return true;
         }
-        std::int64_t const from = options_.window.from->time_since_epoch().count();
+        std::int64_t const from = nanosecondsOf(*options_.window.from);
         return heardAt_ >= from || changes_[change + 1].arrival >= from;
     }
 
@@ -147,7 +147,7 @@ private:
         std::int64_t end = heardAt_;
         for (IndexedFile const& file : index_.files()) {
             if (file.summary.last) {
-                end = std::max<std::int64_t>(end, file.summary.last->time_since_epoch().count());
+                end = std::max<std::int64_t>(end, nanosecondsOf(*file.summary.last));
             }
         }
         if (!heard_) {

@@ -266,9 +266,11 @@ private:
         page_.head.front() = filesText();
         page_.head.push_back(waveforms_.line);
         auto const [begin, end] = shownTime();
+        // An axis is a nanosecond long at least.
+        std::int64_t const to = std::max(end, afterTime(begin));
         page_.report = {{"base", std::to_string(traffic_.from())},
-                        {"from", begin - traffic_.from()},
-                        {"to", std::max(end, begin + 1) - traffic_.from()},
+                        {"from", std::min(begin, to - 1) - traffic_.from()},
+                        {"to", to - traffic_.from()},
                         {"streams", std::move(waveforms_.told)},
                         {"goose", std::move(goose_)},
                         {"marks", findings_.marks(traffic_.from())}};
@@ -276,11 +278,8 @@ private:
 
     [[nodiscard]] std::string filesText() const {
         CaptureSpan const span = spanOf(traffic_.index());
-        auto const toNs = [](CaptureTime time) {
-            return static_cast<std::int64_t>(nanosecondsSince1970(time));
-        };
         std::string text = filesLine(traffic_.files(), traffic_.index(), traffic_.areWanted(),
-                                     toNs(span.begin), toNs(span.end));
+                                     nanosecondsOf(span.begin), nanosecondsOf(span.end));
         if (traffic_.window().from || traffic_.window().to) {
             auto const [begin, end] = shownTime();
             text += fmt::format(" Shown: {} of it.", durationText(begin, end));

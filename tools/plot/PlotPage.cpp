@@ -1,7 +1,6 @@
 #include "tools/plot/PlotPage.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -20,7 +19,7 @@
 
 namespace TalIec61850Tools {
 
-using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::Severity;
 
 namespace {
@@ -77,9 +76,7 @@ double gutterOf(PlotContent const& content, double width) {
 }
 
 std::string spanText(PlotContent const& content) {
-    auto const instant = [](std::int64_t time) {
-        return toUtcText(CaptureTime(std::chrono::nanoseconds(time)));
-    };
+    auto const instant = [](std::int64_t time) { return toUtcText(captureTimeOf(time)); };
     std::string text = instant(content.from) + " to " + instant(content.to) + ", " +
                        durationText(content.from, content.to);
     return content.source.empty() ? text : text + "; " + content.source;

@@ -3,7 +3,6 @@
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -96,7 +95,7 @@ std::size_t decimalsOf(std::int64_t step) {
 }
 
 std::string utcTextOf(std::int64_t time) {
-    return toUtcText(TalIec61850Analysis::CaptureTime(std::chrono::nanoseconds(time)));
+    return toUtcText(TalIec61850Analysis::captureTimeOf(time));
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <TalIec61850Analysis/pictures/StreamPicture.hpp>
 #include <TalIec61850Analysis/pictures/Waveform.hpp>
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <set>
 #include <utility>
@@ -20,6 +19,7 @@
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::EnvelopeBuilder;
 using TalIec61850Analysis::EnvelopeOptions;
 using TalIec61850Analysis::Envelopes;
@@ -45,7 +45,7 @@ using Json = nlohmann::ordered_json;
 constexpr std::size_t kArrivalColumns = 4096;
 constexpr std::size_t kUsualColumns = 8192;
 
-CaptureTime instant(std::int64_t time) { return CaptureTime(std::chrono::nanoseconds(time)); }
+CaptureTime instant(std::int64_t time) { return captureTimeOf(time); }
 
 /// What is told of a stream besides its values.
 class StreamTeller {

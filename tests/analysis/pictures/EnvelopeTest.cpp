@@ -20,7 +20,7 @@ constexpr std::int64_t kEnvelopeStart = 1'700'000'000'000'000'000;
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 CaptureTime envelopeInstant(std::int64_t afterStart) {
-    return CaptureTime(std::chrono::nanoseconds(kEnvelopeStart + afterStart));
+    return captureTimeOf(kEnvelopeStart + afterStart);
 }
 
 /// 16 columns of two milliseconds.

@@ -5,7 +5,6 @@
 
 #include <TalIec61850Analysis/pictures/MeasureCycle.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -20,7 +19,7 @@ using namespace TalIec61850Analysis;
 constexpr double kPi = std::numbers::pi;
 
 CaptureTime waveInstant(std::int64_t afterStart) {
-    return CaptureTime(std::chrono::nanoseconds(kWaveformStart + afterStart));
+    return captureTimeOf(kWaveformStart + afterStart);
 }
 
 /// A rate, and what a power system has there.
@@ -295,8 +294,7 @@ TEST(MeasureCycleAt, TakesTimesThatMayBeAnyNumbers) {
     waveform.times.back() = std::numeric_limits<std::int64_t>::max();
     for (std::int64_t const instant :
          {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
-        EXPECT_FALSE(
-            measureCycleAt(waveform, CaptureTime(std::chrono::nanoseconds(instant))).has_value());
+        EXPECT_FALSE(measureCycleAt(waveform, captureTimeOf(instant)).has_value());
     }
 }
 

@@ -5,7 +5,6 @@
 
 #include <TalIec61850Analysis/pictures/MemberLanes.hpp>
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <system_error>
 
@@ -90,9 +89,7 @@ std::string lineOf(std::int64_t from, std::int64_t to, std::string const& value)
     return std::to_string(from) + "-" + std::to_string(to) + " " + value;
 }
 
-CaptureTime stationTime(std::int64_t ms) {
-    return CaptureTime(std::chrono::nanoseconds(kStationStart + ms * kLaneMs));
-}
+CaptureTime stationTime(std::int64_t ms) { return captureTimeOf(kStationStart + ms * kLaneMs); }
 
 TEST(MemberLanes, TellValuesFromTheFirstMessageOn) {
     auto station = stationOfThree();
