@@ -136,6 +136,40 @@ TEST(Envelope, TakesEveryType) {
     expectValues(made.levels[0].channels[0].largest, {large, 2'147'483'647.0});
 }
 
+TEST(Envelope, TakesNothingInAfterItWasTaken) {
+    for (EnvelopeOptions const& options : {EnvelopeOptions{}, sixteenColumns()}) {
+        EnvelopeBuilder builder(options);
+        SampleBlock const block = blockOf(plainSamples(kEnvelopeStart, {1, 2, 3}));
+        builder.add(block);
+        EXPECT_FALSE(builder.take().levels.empty());
+        builder.add(block);
+        EXPECT_TRUE(builder.take().levels.empty());
+    }
+}
+
+TEST(Envelope, HasABoundedNumberOfColumns) {
+    auto const made = envelopesOf({.from = envelopeInstant(0),
+                                   .end = envelopeInstant(kColumnMs * 10'000),
+                                   .columns = std::numeric_limits<std::size_t>::max()},
+                                  {});
+    ASSERT_FALSE(made.levels.empty());
+    EXPECT_LE(made.levels.front().size(), 1'048'576U);
+    EXPECT_GT(made.levels.front().size(), 524'288U);
+}
+
+TEST(Envelope, JoinsNoColumnsOfListsThatAreNotOfOneLength) {
+    auto const made = envelopesOf(sixteenColumns(), {blockOf(plainSamples(kEnvelopeStart, {5}))});
+    EnvelopeLevel const& whole = made.levels.front();
+    EXPECT_EQ(joinColumns(whole).size(), 8U);
+    std::vector<EnvelopeLevel> broken(3, whole);
+    broken[0].missing.pop_back();
+    broken[1].channels[0].counts.resize(3);
+    broken[2].channels[0].last.clear();
+    for (EnvelopeLevel const& each : broken) {
+        EXPECT_EQ(joinColumns(each).size(), 0U);
+    }
+}
+
 TEST(Envelope, HasNoColumnsOfAnEmptyWindow) {
     auto options = sixteenColumns();
     options.end = options.from;

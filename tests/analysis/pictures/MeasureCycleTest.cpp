@@ -298,6 +298,36 @@ TEST(MeasureCycleAt, TakesTimesThatMayBeAnyNumbers) {
     }
 }
 
+TEST(MeasureCycleAt, MeasuresNothingOfAWaveformThatIsNotWhole) {
+    AnalyticWave const wave{.frequency = 50, .parts = {{1, 1000, 0.7}}};
+    Waveform const whole = waveformOf({wave}, 4000, 400);
+    auto const at = captureTimeOf(whole.times[200]);
+    ASSERT_TRUE(measureCycleAt(whole, at).has_value());
+    std::vector<Waveform> broken(5, whole);
+    broken[0].states.pop_back();
+    broken[1].channels[0].values.resize(150);
+    broken[2].channels[0].qualities.clear();
+    broken[3].runs.push_back({.firstRow = 401, .rate = whole.runs[0].rate});
+    broken[4].runs = {{.firstRow = 300, .rate = whole.runs[0].rate}, whole.runs[0]};
+    for (Waveform const& each : broken) {
+        EXPECT_FALSE(measureCycleAt(each, at).has_value());
+    }
+}
+
+TEST(MeasureCycleAt, MeasuresNothingWithAFrequencyThatIsNone) {
+    Waveform const waveform = waveformOf({AnalyticWave{}}, 4000, 400);
+    auto const at = captureTimeOf(waveform.times[200]);
+    for (double const frequency : {0.0, -50.0, std::numeric_limits<double>::quiet_NaN(),
+                                   std::numeric_limits<double>::infinity()}) {
+        EXPECT_FALSE(measureCycleAt(waveform, at, {.frequency = frequency}).has_value());
+    }
+}
+
+TEST(MeasureCycle, HasNoRootMeanSquareThatIsNoNumber) {
+    AnalyticWave const wave{.frequency = 50, .parts = {{1, 1e300, 0}}};
+    EXPECT_FALSE(measureCycle(wave.samples(4000, 80), 4000, 50).has_value());
+}
+
 RC_GTEST_PROP(MeasureCycle, IsExactForAnyPureWave, ()) {
     double const frequency = *rc::gen::inRange(44'000, 66'000) / 1000.0;
     auto const rate = static_cast<double>(*rc::gen::inRange(400, 20'000));

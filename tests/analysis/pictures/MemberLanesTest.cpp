@@ -277,6 +277,25 @@ TEST(MemberLanes, AreOfTheStreamThatWasAskedFor) {
     EXPECT_TRUE(indexed.lanes({}, 2).lanes.empty());
 }
 
+TEST(MemberLanes, AreNoneOfANumberThatTheIndexDoesNotHave) {
+    auto station = stationOfThree();
+    IndexedStation const indexed(station);
+    EXPECT_TRUE(indexed.lanes({}, 1).lanes.empty());
+    EXPECT_TRUE(readMemberLanes(TrafficIndex(), 0).lanes.empty());
+}
+
+TEST(MemberLanes, LastANanosecondWhereTheOnlyMessageIsTheLastOfTheCapture) {
+    FaultyStation station;
+    station.add(GoosePlan{.states = {1}});
+    auto const lanes = IndexedStation(station).lanes().lanes;
+    ASSERT_FALSE(lanes.empty());
+    ASSERT_EQ(lanes[0].intervals.size(), 1U);
+    LaneInterval const& only = lanes[0].intervals[0];
+    EXPECT_EQ(only.to, only.from + 1);
+    EXPECT_EQ(only.state, LaneState::known);
+    EXPECT_TRUE(only.value.has_value());
+}
+
 TEST(MemberLanes, StopWhenTheyAreToldTo) {
     auto station = stationOfThree();
     std::stop_source stop;
