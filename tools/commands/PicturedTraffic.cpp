@@ -1,7 +1,6 @@
 #include "tools/commands/PicturedTraffic.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <system_error>
 
 #include "tools/commands/IndexTraffic.hpp"

@@ -24,6 +24,7 @@
 #include "tools/output/WrapText.hpp"
 #include "tools/render/DurationText.hpp"
 #include "tools/render/EventRow.hpp"
+#include "tools/render/RoundTicks.hpp"
 #include "tools/report/EventsSection.hpp"
 #include "tools/report/FindingsSection.hpp"
 #include "tools/report/HtmlText.hpp"
@@ -71,6 +72,15 @@ std::string reportNotes() {
                "protocol are those of that name.") +
            "\n" + paragraph(kNameNotes) + "\n" + paragraph(layoutNotes()) + "\n" + kTimeNotes +
            "\n" + paragraph(kContentNotes);
+}
+
+/// Each step that the time axis may have, and what of an instant's text its labels have.
+nlohmann::ordered_json stepsOfAxis() {
+    auto steps = nlohmann::ordered_json::array();
+    for (TimeStep const& step : timeSteps()) {
+        steps.push_back({step.length, step.first, step.end});
+    }
+    return steps;
 }
 
 /// The page of a run.
@@ -172,7 +182,7 @@ private:
         for (std::size_t const stream : streams) {
             traffic_.attempt([&] { section.add(stream); });
         }
-        goose_ = section.told();
+        goose_ = section.json();
         addAbsent(section.absent(streams.size()));
     }
 
@@ -213,6 +223,9 @@ private:
         }
         options_.choice.checkChannels(section.mostChannels());
         addAbsent(section.absent(streams.size()));
+        if (std::string note = section.delayNote(); !note.empty()) {
+            page_.absent.push_back(std::move(note));
+        }
         if (section.isEmpty()) {
             page_.absentArrival.emplace_back("There are no samples in this time.");
         }
@@ -231,10 +244,11 @@ private:
                sizeOfTexts() + kOthers;
     }
 
-    /// Of the title, the head and what is absent: the line of waveforms has eight names at most.
+    /// Of the title, the head and what is absent: the line of waveforms has eight names at most,
+    /// and the note of delays has one.
     [[nodiscard]] std::size_t sizeOfTexts() const {
         constexpr std::size_t kOctetsOfElement = 32;
-        constexpr std::size_t kNames = 8;
+        constexpr std::size_t kNames = 9;
         std::size_t size = 2 * toHtml(page_.title).size();
         for (auto const* const texts : {&page_.head, &page_.absent}) {
             for (std::string const& text : *texts) {
@@ -271,7 +285,8 @@ private:
         page_.report = {{"base", std::to_string(traffic_.from())},
                         {"from", std::min(begin, to - 1) - traffic_.from()},
                         {"to", to - traffic_.from()},
-                        {"streams", std::move(waveforms_.told)},
+                        {"steps", stepsOfAxis()},
+                        {"streams", std::move(waveforms_.json)},
                         {"goose", std::move(goose_)},
                         {"marks", findings_.marks(traffic_.from())}};
     }

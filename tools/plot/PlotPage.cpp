@@ -162,8 +162,10 @@ public:
         layout_.add(std::make_unique<FindingMarks>(sheet_, content_.findings, content_.noFindings));
         layout_.add(std::make_unique<TimeRow>(sheet_));
         layout_.add(std::make_unique<KeyRow>(sheet_, keyOf(content_)));
-        if (!content_.leftOut.empty()) {
-            addText(content_.leftOut, {.size = kUsualSize, .ink = Ink::faint}, 18, Cut::end);
+        for (std::string const& line : {content_.leftOut, content_.delayNote}) {
+            if (!line.empty()) {
+                addText(line, {.size = kUsualSize, .ink = Ink::faint}, 18, Cut::end);
+            }
         }
         layout_.space(8);
         return std::move(layout_);
