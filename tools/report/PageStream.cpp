@@ -48,10 +48,10 @@ constexpr std::size_t kUsualColumns = 8192;
 
 CaptureTime instant(std::int64_t time) { return captureTimeOf(time); }
 
-/// What is told of a stream besides its values.
-class StreamTeller {
+/// What the page has of a stream besides its values.
+class StreamJson {
 public:
-    StreamTeller(TrafficStream const& stream, PageStreamWish const& wish, PictureNames const& names)
+    StreamJson(TrafficStream const& stream, PageStreamWish const& wish, PictureNames const& names)
         : stream_(stream),
           wish_(wish),
           names_(names),
@@ -93,6 +93,11 @@ public:
         }
         json["bad"] = std::move(bad);
         json["segments"] = std::move(segments);
+        addArrivals(picture);
+    }
+
+private:
+    void addArrivals(PageStream& picture) {
         Envelopes columns = arrival_.take();
         Json arrivals = envelopeSegments(picture.octets, columns);
         if (!picture.hasSamples) {
@@ -101,14 +106,13 @@ public:
         if (!arrivals.empty()) {
             Json const microseconds = {
                 {"name", ""}, {"unit", "us"}, {"factor", 1000}, {"divides", true}};
-            json["arrival"] = {{"channels", {microseconds, microseconds}},
-                               {"missing", Json::array()},
-                               {"bad", Json::array()},
-                               {"segments", std::move(arrivals)}};
+            picture.json["arrival"] = {{"channels", {microseconds, microseconds}},
+                                       {"missing", Json::array()},
+                                       {"bad", Json::array()},
+                                       {"segments", std::move(arrivals)}};
         }
     }
 
-private:
     [[nodiscard]] static Json jsonOf(std::vector<PictureChannel> const& channels) {
         Json list = Json::array();
         for (std::size_t place = 0; place < channels.size(); ++place) {
@@ -220,14 +224,14 @@ void halve(Envelopes& envelopes) {
 
 PageStream drawSamples(TrafficIndex const& index, TrafficStream const& stream,
                        PageStreamWish const& wish, PictureNames const& names) {
-    StreamTeller teller(stream, wish, names);
+    StreamJson others(stream, wish, names);
     std::optional<WaveformBuilder> builder;
     readBlocks(index, stream, wish, [&](SampleBlock const& block) {
         if (!builder) {
             builder.emplace(wish.mostValues / channelsOf(block, wish), wish.channels);
         }
         builder->add(block);
-        teller.add(block);
+        others.add(block);
         return !builder->waveform().isTooLong;
     });
     PageStream picture;
@@ -248,13 +252,13 @@ PageStream drawSamples(TrafficIndex const& index, TrafficStream const& stream,
         return coarser();
     }
     picture.hasSamples = true;
-    teller.finish(picture, *std::move(segments), frequencyOf(waveform));
+    others.finish(picture, *std::move(segments), frequencyOf(waveform));
     return picture;
 }
 
 PageStream drawColumns(TrafficIndex const& index, TrafficStream const& stream,
                        PageStreamWish const& wish, PictureNames const& names) {
-    StreamTeller teller(stream, wish, names);
+    StreamJson others(stream, wish, names);
     EnvelopeBuilder builder(EnvelopeOptions{.from = wish.samples.from,
                                             .end = wish.samples.end,
                                             .columns = kUsualColumns,
@@ -262,14 +266,14 @@ PageStream drawColumns(TrafficIndex const& index, TrafficStream const& stream,
                                             .channels = wish.channels});
     readBlocks(index, stream, wish, [&](SampleBlock const& block) {
         builder.add(block);
-        teller.add(block);
+        others.add(block);
         return true;
     });
     PageStream picture;
     picture.values = builder.take();
     setColumns(picture);
     Json segments = envelopeSegments(picture.octets, picture.values);
-    teller.finish(picture, std::move(segments), std::nullopt);
+    others.finish(picture, std::move(segments), std::nullopt);
     return picture;
 }
 
