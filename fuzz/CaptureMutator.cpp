@@ -59,7 +59,7 @@ void mutateHeader(CaptureRecord& record, Random& random) {
     }
 }
 
-/// Copies of a record, one behind the other or where they may fall, with an octet changed or not.
+/// Copies of a record, one after the other or where they may fall, with an octet changed or not.
 void addCopies(std::vector<CaptureRecord>& all, CaptureRecord copy, Random& random) {
     bool const isChanged = random() % 2 == 0 && !copy.frame.empty();
     for (std::size_t count = random() % 8; all.size() < kMaxRecords; --count) {

@@ -11,7 +11,7 @@ namespace TalFuzz {
 /// The booleans of allData as parseBooleanValues must find them.
 std::vector<float> plainBooleans(TalTest::Bytes const& allData);
 
-/// Decodes what stands at a position of a file, by the library and by the decoders of the tests,
+/// Decodes what is at a position of a file, by the library and by the decoders of the tests,
 /// and ends the program when they differ.
 /// @param octets  what the file holds
 /// @return whether there is more than an empty result

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kApduHeaderSize = 8;
 
-/// A record with what stands before the PDU, which the steps do not read.
+/// A record with what is before the PDU, which the steps do not read.
 template <typename Record>
 Record headerOf(Record const& read) {
     Record record;

@@ -13,7 +13,7 @@
 namespace TalFuzz {
 
 /// The input begins with an octet each for the kind of capture, what progress calls do, the filter
-/// and how many frames there are; then each frame, behind its size in two octets. What follows is
+/// and how many frames there are; then each frame, after its size in two octets. What follows is
 /// steps: an octet whose low three bits say which, and whose others choose a frame or a number.
 enum LaneStep : std::uint8_t {
     kAdd,         ///< a record of the frame
@@ -42,7 +42,7 @@ struct LaneCase {
 
 LaneCase laneCase(std::span<std::uint8_t const> octets);
 
-/// How an input for fuzz-lanes begins; the steps are to be put behind it.
+/// How an input for fuzz-lanes begins; the steps are to be put after it.
 TalTest::Bytes laneInput(std::uint8_t variant, std::uint8_t action, std::uint8_t filter,
                          std::vector<TalTest::Bytes> const& frames);
 

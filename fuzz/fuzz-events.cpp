@@ -1,11 +1,13 @@
 // A whole capture file, the state changes of its GOOSE streams: in windows of time and whole, of
-// all streams and of one.
+// all streams and of one; and the lanes of their members.
 
 #include <TalIec61850Analysis/events/FindEvents.hpp>
+#include <TalIec61850Analysis/pictures/MemberLanes.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -67,7 +69,7 @@ void requireSound(TrafficIndex const& index, GooseEvent const& event) {
 void requireSameInWindows(TrafficIndex const& index, std::vector<GooseEvent> const& whole) {
     std::int64_t const middle = whole[whole.size() / 2].arrival;
     if (middle == kNoTime) return;
-    CaptureTime const time{std::chrono::nanoseconds(middle)};
+    CaptureTime const time = captureTimeOf(middle);
     std::vector<GooseEvent> parts =
         eventsOf(index, {.window = {.from = {}, .to = time - std::chrono::nanoseconds(1)}});
     for (GooseEvent const& event : eventsOf(index, {.window = {.from = time, .to = {}}}))
@@ -75,6 +77,30 @@ void requireSameInWindows(TrafficIndex const& index, std::vector<GooseEvent> con
     for (GooseEvent const& event : whole)
         if (event.arrival == kNoTime) parts.push_back(event);
     require(parts == whole, "windows have the events between their ends");
+}
+
+/// Lanes are bounded, and their intervals in order.
+void requireSoundLanes(TrafficIndex const& index, std::size_t stream) {
+    LaneOptions const options{.mostLanes = 8, .mostIntervals = 16};
+    MemberLanes const made = readMemberLanes(index, stream, options);
+    require(made.lanes.size() <= options.mostLanes, "there are no more lanes than were asked for");
+    bool const isGoose = index.streams()[stream].key.protocol == StreamProtocol::goose;
+    require(isGoose || made.lanes.empty(), "other streams have no lanes");
+    for (MemberLane const& lane : made.lanes) {
+        require(!lane.member.empty() && lane.member.size() <= kMaxDataDepth,
+                "lanes are of members");
+        require(!lane.intervals.empty(), "a lane has something to show");
+        require(lane.intervals.size() <= options.mostIntervals, "intervals are bounded");
+        std::int64_t until = std::numeric_limits<std::int64_t>::min();
+        for (LaneInterval const& interval : lane.intervals) {
+            require(until <= interval.from && interval.from < interval.to, "time goes on");
+            require(interval.value.has_value() == (interval.state == LaneState::known),
+                    "what is known has a value");
+            require((interval.joined > 1) == (interval.state == LaneState::several),
+                    "what was joined is told");
+            until = interval.to;
+        }
+    }
 }
 
 }  // namespace
@@ -104,6 +130,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
                     .size();
         }
         require(ofStreams == whole.size(), "streams do not depend on one another");
+    }
+    if (whole.size() < kMostEvents) {
+        for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
+            requireSoundLanes(index, stream);
+        }
     }
     read.add(whole.empty() ? 0 : 1, 1);
     return 0;

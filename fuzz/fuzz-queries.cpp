@@ -69,7 +69,7 @@ void requireWindow(Goose const& goose, Sv const& sv, Timest const& from, Timest 
         if (found == gooseWindow.end()) continue;
         require(found->second.packages == expected.inside, "the packets inside");
         require(found->second.previousPackage == expected.previous, "the packet before");
-        require(found->second.nextPackage == expected.next, "the packet behind");
+        require(found->second.nextPackage == expected.next, "the packet after");
     }
     auto const svWindow = sv.getfilteredPackages(from, to);
     auto const svNearest = sv.findFilesNearestPackageIterator(from);
@@ -113,7 +113,7 @@ void requireWindowOfMany(FuzzInput& input) {
     auto const found = stream.getfilteredPackages(from, to).at(&file);
     require(found.packages == expected.inside, "the packets inside, of many");
     require(found.previousPackage == expected.previous, "the packet before, of many");
-    require(found.nextPackage == expected.next, "the packet behind, of many");
+    require(found.nextPackage == expected.next, "the packet after, of many");
     require(stream.findFileNearestPackageIterator(&file, from) == expected.nearest,
             "the nearest of many");
 }

@@ -1,11 +1,13 @@
 // A whole capture file, its samples read: those that came and every one, in parts of time and
-// whole.
+// whole; and pictures of them.
 
+#include <TalIec61850Analysis/pictures/MeasureCycle.hpp>
+#include <TalIec61850Analysis/pictures/StreamPicture.hpp>
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
 #include <TalIec61850Analysis/samples/SummarizeSamples.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
-#include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -91,10 +93,6 @@ Reading readingOf(TrafficIndex const& index, TrafficStream const& stream,
     return reading;
 }
 
-CaptureTime timeOf(std::int64_t nanoseconds) {
-    return CaptureTime(std::chrono::nanoseconds(nanoseconds));
-}
-
 /// Reads before and after a time; together that is all that has one.
 void requireSameInParts(TrafficIndex const& index, TrafficStream const& stream,
                         Reading const& whole) {
@@ -113,11 +111,69 @@ void requireSameInParts(TrafficIndex const& index, TrafficStream const& stream,
         if (time != kNoTime) (time < middle ? before : after).push_back(row);
     }
     SampleOptions first;
-    first.end = timeOf(middle);
+    first.end = captureTimeOf(middle);
     require(readingOf(index, stream, first).came == before, "a window ends where it should");
     SampleOptions second;
-    second.from = timeOf(middle);
+    second.from = captureTimeOf(middle);
     require(readingOf(index, stream, second).came == after, "a window begins where it should");
+}
+
+void requireSoundLevel(EnvelopeLevel const& level, std::size_t channels) {
+    std::size_t const columns = level.size();
+    require(level.width > 0 && level.missing.size() == columns, "levels have whole columns");
+    require(level.channels.size() == channels, "levels have all channels");
+    for (EnvelopeChannel const& channel : level.channels) {
+        for (auto const* const values :
+             {&channel.least, &channel.largest, &channel.first, &channel.last}) {
+            require(values->size() == columns, "each column has a value");
+            for (std::size_t i = 0; i < columns; ++i) {
+                require(std::isfinite(values->at(i)) == (channel.counts.at(i) != 0),
+                        "values are finite where there are any");
+            }
+        }
+        require(channel.qualities.size() == columns, "each column has a quality");
+        for (std::size_t i = 0; i < columns; ++i) {
+            require(channel.counts[i] == 0 || channel.least[i] <= channel.largest[i],
+                    "the least value is not above the largest");
+            require(channel.counts[i] <= level.received[i], "values are of samples");
+        }
+    }
+}
+
+void requireSoundSpans(std::vector<SampleSpan> const& spans, std::size_t most) {
+    require(spans.size() <= most, "spans are bounded");
+    for (SampleSpan const& span : spans) {
+        require(span.samples > 0 && span.joined > 0 && span.from <= span.to, "spans have samples");
+    }
+}
+
+/// All that pictures show of a stream, and cycles of its waveform.
+void requireSoundPicture(TrafficIndex const& index, TrafficStream const& stream,
+                         Reading const& all) {
+    StreamPictureOptions const options{
+        .columns = 64, .fewestColumns = 16, .mostSamples = kMostRowsRead, .mostSpans = 16};
+    StreamPicture const picture = readStreamPicture(index, stream, options);
+    require(picture.extent.received == all.came.size() && picture.extent.missing == all.missing,
+            "pictures have all samples");
+    Envelopes const& envelopes = picture.envelopes;
+    for (EnvelopeLevel const& level : envelopes.levels) {
+        require(level.size() <= options.columns, "columns are bounded");
+        requireSoundLevel(level, envelopes.channelNumbers.size());
+    }
+    requireSoundSpans(picture.spans.missing, options.mostSpans);
+    for (auto const& spans : picture.spans.qualities) requireSoundSpans(spans, options.mostSpans);
+    Waveform const& waveform = picture.waveform;
+    require(!waveform.isTooLong && waveform.size() == all.came.size() + all.missing,
+            "a waveform has each sample");
+    for (std::size_t const row : {std::size_t{0}, waveform.size() / 2, waveform.size() - 1}) {
+        auto const reading = measureCycleAt(waveform, captureTimeOf(waveform.times[row]));
+        if (!reading) continue;
+        require(reading->channels.size() == waveform.channels.size(), "each channel is measured");
+        require(std::isfinite(reading->frequency), "a cycle has a frequency");
+        for (auto const& channel : reading->channels) {
+            require(!channel || !std::isnan(channel->rms), "finite values have an RMS");
+        }
+    }
 }
 
 }  // namespace
@@ -146,6 +202,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         if (!came.came.empty()) {
             hasSamples = true;
             requireSameInParts(index, stream, came);
+            requireSoundPicture(index, stream, all);
         }
     }
     read.add(hasSamples ? 1 : 0, 1);

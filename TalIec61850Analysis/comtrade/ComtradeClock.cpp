@@ -1,5 +1,4 @@
 #include <TalIec61850Analysis/comtrade/ComtradeClock.hpp>
-#include <chrono>
 
 namespace TalIec61850Analysis::detail {
 
@@ -13,7 +12,7 @@ constexpr std::uint64_t kMicrosecondsPerSecond = 1'000'000;
 
 bool hasNanoseconds(ComtradeRecord const& record) {
     return record.format.edition == ComtradeEdition::of2013 &&
-           record.start.time_since_epoch().count() % 1000 != 0;
+           nanosecondsOf(record.start) % 1000 != 0;
 }
 
 /// The stamp of the last row, rounded to the nearest unit.
@@ -35,7 +34,7 @@ Wide highestStamp(ComtradeFormat format) {
 
 bool endsInTime(ComtradeRecord const& record) noexcept {
     constexpr auto last = std::numeric_limits<std::int64_t>::max();
-    std::int64_t const start = record.start.time_since_epoch().count();
+    std::int64_t const start = nanosecondsOf(record.start);
     Wide const room = static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(start);
     return lastStamp(record, kNanosecondsPerSecond, 1) <= room;
 }

@@ -60,7 +60,7 @@ void addTime(std::string& text, CaptureTime time, bool isInNanoseconds) {
     namespace chrono = std::chrono;
     // Whole seconds first: the first day that there is begins before the first nanosecond.
     auto seconds = chrono::time_point_cast<chrono::seconds>(time);
-    std::int64_t below = time.time_since_epoch().count() % 1'000'000'000;
+    std::int64_t below = nanosecondsOf(time) % 1'000'000'000;
     if (below < 0) {
         below += 1'000'000'000;
         seconds -= chrono::seconds(1);

@@ -124,7 +124,7 @@ std::vector<std::optional<NextEvent>> nextOf(std::vector<FoundChange> const& fou
 
 bool isIn(TimeWindow const& window, std::int64_t arrival) {
     return arrival == kNoTime ? !window.from && !window.to
-                              : window.contains(CaptureTime(std::chrono::nanoseconds(arrival)));
+                              : window.contains(captureTimeOf(arrival));
 }
 
 }  // namespace

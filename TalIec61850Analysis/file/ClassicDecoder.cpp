@@ -1,6 +1,5 @@
 #include <TalIec61850Analysis/file/ClassicDecoder.hpp>
 #include <algorithm>
-#include <chrono>
 
 namespace TalIec61850Analysis::detail {
 
@@ -40,8 +39,8 @@ inline void ClassicDecoder::read(RecordView& view, std::uint64_t fileOffset,
     CaptureRecord& record = view.record;
     record.fileOffset = fileOffset;
     record.frameOffset = fileOffset + RecordHeader::kSize;
-    record.time = CaptureTime(std::chrono::nanoseconds(TalIec61850Parser::wire::exactNanoseconds(
-        header.tsSec, header.tsUsec, variant_.isNanosecond)));
+    record.time = captureTimeOf(TalIec61850Parser::wire::exactNanoseconds(
+        header.tsSec, header.tsUsec, variant_.isNanosecond));
     record.capturedSize = static_cast<std::uint32_t>(frame.size());
     record.originalSize = header.origLen;
     record.linkType = linkType_;

@@ -1,6 +1,5 @@
 #include <TalIec61850Analysis/file/NextGenerationDecoder.hpp>
 #include <algorithm>
-#include <chrono>
 #include <string>
 
 namespace TalIec61850Analysis::detail {
@@ -178,7 +177,7 @@ std::size_t NextGenerationDecoder::decodeUsualAs(std::span<std::uint8_t const> o
         CaptureInterface& interface = table_->interfaces[index];
         CaptureRecord& record = addRecord(walked, fileOffset + begin, header,
                                           block.subspan(kTypeAndLength + header.size, size));
-        record.time = CaptureTime(std::chrono::nanoseconds(*time));
+        record.time = captureTimeOf(*time);
         record.linkType = interface.linkType;
         record.interface = index;
         record.dropped.reset();
@@ -426,7 +425,7 @@ void NextGenerationDecoder::takePacket(Block const& block, WalkedRecords& walked
     auto const& unit = table_->uses[*index].timeUnit;
     if (header.time && unit.isUsable()) {
         if (auto const time = unit.nanoseconds(*header.time)) {
-            record.time = CaptureTime(std::chrono::nanoseconds(*time));
+            record.time = captureTimeOf(*time);
         } else {
             walked.note(damageAt(CaptureDamageKind::timeOutOfRange, block.fileOffset));
         }

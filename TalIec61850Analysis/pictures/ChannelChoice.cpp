@@ -7,7 +7,7 @@ namespace TalIec61850Analysis {
 ChannelChoice::ChannelChoice(std::vector<std::size_t> wanted)
     : areAsked_(!wanted.empty()), numbers_(std::move(wanted)) {}
 
-void ChannelChoice::see(SampleBlock const& block) {
+void ChannelChoice::addChannelsOf(SampleBlock const& block) {
     channelsOfStream_ = std::max(channelsOfStream_, block.channels.size());
     if (areAsked_) {
         return;

@@ -19,7 +19,7 @@ public:
     TALIEC61850ANALYSIS_EXPORT explicit ChannelChoice(std::vector<std::size_t> wanted = {});
 
     /// Takes channels in that a block has for the first time, where none were asked for.
-    TALIEC61850ANALYSIS_EXPORT void see(SampleBlock const& block);
+    TALIEC61850ANALYSIS_EXPORT void addChannelsOf(SampleBlock const& block);
 
     /// The channels that were asked for, or those that were seen.
     [[nodiscard]] std::vector<std::size_t> const& numbers() const noexcept { return numbers_; }

@@ -54,8 +54,7 @@ void CycleTrackBuilder::measureAt(std::int64_t instant) {
         ++track_.leftOut;
         return;
     }
-    auto const reading = measureCycleAt(
-        rows_.waveform(), CaptureTime(std::chrono::nanoseconds(instant)), options_.cycle);
+    auto const reading = measureCycleAt(rows_.waveform(), captureTimeOf(instant), options_.cycle);
     track_.instants.push_back(instant);
     track_.frequencies.push_back(reading ? reading->frequency : kNotMeasured);
     for (std::size_t i = 0; i < track_.channels.size(); ++i) {

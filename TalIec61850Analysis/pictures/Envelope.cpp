@@ -20,6 +20,19 @@ void appendJoined(EnvelopeChannel const& fine, std::size_t a, std::size_t b,
     coarse.qualities.push_back(detail::joinedQuality(fine.qualities[a], fine.qualities[b]));
 }
 
+/// Whether all lists have a value for each column.
+bool areOfOneLength(EnvelopeLevel const& level) {
+    std::size_t const columns = level.size();
+    return level.missing.size() == columns &&
+           std::all_of(
+               level.channels.begin(), level.channels.end(),
+               [columns](EnvelopeChannel const& channel) {
+                   return channel.least.size() == columns && channel.largest.size() == columns &&
+                          channel.first.size() == columns && channel.last.size() == columns &&
+                          channel.counts.size() == columns && channel.qualities.size() == columns;
+               });
+}
+
 void reserveColumns(EnvelopeChannel& channel, std::size_t columns) {
     for (auto* const values : {&channel.least, &channel.largest, &channel.first, &channel.last}) {
         values->reserve(columns);
@@ -33,6 +46,9 @@ void reserveColumns(EnvelopeChannel& channel, std::size_t columns) {
 EnvelopeLevel joinColumns(EnvelopeLevel const& fine) {
     std::size_t const columns = fine.size();
     EnvelopeLevel coarse{.width = 2 * fine.width, .received = {}, .missing = {}, .channels = {}};
+    if (!areOfOneLength(fine)) {
+        return coarse;
+    }
     for (std::size_t a = 0; a < columns; a += 2) {
         bool const isLast = a + 1 == columns;
         coarse.received.push_back(fine.received[a] + (isLast ? 0 : fine.received[a + 1]));

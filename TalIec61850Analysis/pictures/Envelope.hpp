@@ -77,7 +77,8 @@ struct Envelopes {
 };
 
 /// A level of half as many columns.
-/// @return each column is two of `fine`, joined; the last one may be one of them
+/// @return each column is two of `fine`, joined; the last one may be one of them. Without columns
+///         where lists of `fine` that should have a value for each column do not
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT EnvelopeLevel joinColumns(EnvelopeLevel const& fine);
 
 }  // namespace TalIec61850Analysis

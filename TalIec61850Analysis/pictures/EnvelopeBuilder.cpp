@@ -7,6 +7,7 @@
 #include <limits>
 #include <span>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 namespace TalIec61850Analysis {
@@ -17,12 +18,13 @@ constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 /// The year 2115: differences of earlier times, and columns over all of them, are within 64 bits.
 constexpr std::int64_t kAxisEnd = 4'600'000'000'000'000'000;
 constexpr std::size_t kLeastColumns = 16;
+constexpr std::size_t kMostColumns = 1'048'576;
 constexpr std::size_t kLeastFewestColumns = 4;
 
 constexpr bool isOnAxis(std::int64_t time) { return time >= 0 && time < kAxisEnd; }
 
 std::int64_t axisTime(std::optional<CaptureTime> const& time) {
-    return time ? std::clamp<std::int64_t>(time->time_since_epoch().count(), 0, kAxisEnd) : 0;
+    return time ? std::clamp<std::int64_t>(nanosecondsOf(*time), 0, kAxisEnd) : 0;
 }
 
 void resizeColumns(EnvelopeChannel& channel, std::size_t columns) {
@@ -165,7 +167,7 @@ EnvelopeBuilder::EnvelopeBuilder(EnvelopeOptions options)
       isEndOpen_(!options_.end),
       start_(axisTime(options_.from)),
       end_(axisTime(options_.end)) {
-    options_.columns = std::max(options_.columns, kLeastColumns) / 2 * 2;
+    options_.columns = std::clamp(options_.columns, kLeastColumns, kMostColumns) / 2 * 2;
     options_.fewestColumns = std::max(options_.fewestColumns, kLeastFewestColumns);
     level_.width = 1;
     if (isStartOpen_ || isEndOpen_) {
@@ -277,8 +279,11 @@ void EnvelopeBuilder::addRows(SampleBlock const& block, Rows const& rows) {
 }
 
 void EnvelopeBuilder::add(SampleBlock const& block) {
+    if (isTaken_) {
+        return;
+    }
     std::size_t const before = choice_.numbers().size();
-    choice_.see(block);
+    choice_.addChannelsOf(block);
     if (choice_.numbers().size() != before || level_.channels.size() != before) {
         matchChannels();
     }
@@ -319,6 +324,9 @@ void EnvelopeBuilder::trim() {
 }
 
 Envelopes EnvelopeBuilder::take() {
+    if (std::exchange(isTaken_, true)) {
+        return {};
+    }
     matchChannels();
     trim();
     Envelopes made{.start = start_,

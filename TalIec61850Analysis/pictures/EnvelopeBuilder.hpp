@@ -19,8 +19,8 @@ struct EnvelopeOptions {
     std::optional<CaptureTime> from = {};
     /// The first instant after the last column; not set for the last sample.
     std::optional<CaptureTime> end = {};
-    /// Columns of the finest level, at most: at least 16, and even. Where `from` or `end` is not
-    /// set, there may be half as many.
+    /// Columns of the finest level, at most: even, at least 16 and no more than 1,048,576; the
+    /// nearest of those is taken. Where `from` or `end` is not set, there may be half as many.
     std::size_t columns = 4096;
     /// Coarser levels are made as long as the last one has more columns than this; at least 4.
     std::size_t fewestColumns = 256;
@@ -35,15 +35,14 @@ struct EnvelopeOptions {
 class EnvelopeBuilder {
 public:
     /// @param options  the window should be that of the SampleReader: samples that are not in it
-    /// are
-    ///                 left out
+    ///                 are left out
     TALIEC61850ANALYSIS_EXPORT explicit EnvelopeBuilder(EnvelopeOptions options = {});
 
     /// Adds all rows of a block. Missing samples are counted where they are rows: see
-    /// SampleOptions::rows.
+    /// SampleOptions::rows. After take(), nothing is added.
     TALIEC61850ANALYSIS_EXPORT void add(SampleBlock const& block);
 
-    /// What was added until now, with all levels. Nothing may be added after that.
+    /// What was added until now, with all levels; nothing when it was taken before.
     [[nodiscard]] TALIEC61850ANALYSIS_EXPORT Envelopes take();
 
 private:
@@ -72,6 +71,8 @@ private:
     bool isEndOpen_;
     /// Whether there are columns yet.
     bool isPlaced_ = false;
+    /// Whether they were given away.
+    bool isTaken_ = false;
     std::int64_t start_ = 0;
     /// Only where the window has an end.
     std::int64_t end_ = 0;

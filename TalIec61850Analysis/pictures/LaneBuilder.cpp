@@ -25,12 +25,10 @@ void joinIntervals(LaneInterval& into, LaneInterval const& next) {
 LaneBuilder::LaneBuilder(LaneOptions const& options)
     : mostLanes_(options.mostLanes),
       mostIntervals_(std::max(options.mostIntervals, kFewestIntervals)),
-      from_(options.window.from ? options.window.from->time_since_epoch().count()
+      from_(options.window.from ? nanosecondsOf(*options.window.from)
                                 : std::numeric_limits<std::int64_t>::min()),
-      end_(options.window.to ? options.window.to->time_since_epoch().count()
-                             : std::numeric_limits<std::int64_t>::max()) {
-    end_ += options.window.to && end_ != std::numeric_limits<std::int64_t>::max() ? 1 : 0;
-}
+      end_(options.window.to ? afterTime(nanosecondsOf(*options.window.to))
+                             : std::numeric_limits<std::int64_t>::max()) {}
 
 LaneBuilder::Lane* LaneBuilder::laneOf(std::vector<std::uint32_t> const& member) {
     auto const known = numbers_.find(member);

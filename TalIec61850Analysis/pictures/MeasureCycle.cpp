@@ -24,14 +24,18 @@ bool areAllFinite(std::span<double const> values) {
                        [](double value) { return std::isfinite(value); });
 }
 
-ChannelCycle cycleOf(detail::CycleFit const& fit, std::span<double const> values, double rate,
-                     double frequency, double after) {
+/// Not set where squares of the values are more than a double holds.
+std::optional<ChannelCycle> cycleOf(detail::CycleFit const& fit, std::span<double const> values,
+                                    double rate, double frequency, double after) {
     detail::CycleContent const content = fit.fit(values);
+    if (!std::isfinite(content.meanSquare)) {
+        return std::nullopt;
+    }
     double const sinceMiddle = static_cast<double>(fit.samples() - 1) / 2 / rate + after;
     double const turns = frequency * sinceMiddle;
     double const angle = std::atan2(-content.sine, content.cosine) +
                          2 * std::numbers::pi * std::remainder(turns, 1.0);
-    return {
+    return ChannelCycle{
         .mean = content.mean,
         .rms = std::sqrt(content.meanSquare),
         .fundamental = {.magnitude = std::hypot(content.cosine, content.sine) / std::numbers::sqrt2,
@@ -100,6 +104,21 @@ private:
     std::size_t row_;
     SampleRate rate_;
 };
+
+/// Whether all lists have a value for each row, and all runs are of these rows.
+bool isSound(Waveform const& waveform) {
+    std::size_t const rows = waveform.size();
+    return waveform.states.size() == rows &&
+           std::all_of(waveform.channels.begin(), waveform.channels.end(),
+                       [rows](WaveformChannel const& channel) {
+                           return channel.values.size() == rows && channel.qualities.size() == rows;
+                       }) &&
+           std::is_sorted(waveform.runs.begin(), waveform.runs.end(),
+                          [](WaveformRun const& a, WaveformRun const& b) {
+                              return a.firstRow < b.firstRow;
+                          }) &&
+           (waveform.runs.empty() || waveform.runs.back().firstRow <= rows);
+}
 
 /// The last run that has a sample within one interval before an instant.
 std::optional<RunAround> runAt(Waveform const& waveform, std::int64_t instant) {
@@ -200,7 +219,10 @@ std::optional<ChannelCycle> measureCycle(std::span<double const> values, double 
 
 std::optional<CycleReading> measureCycleAt(Waveform const& waveform, CaptureTime instant,
                                            CycleOptions const& options) {
-    std::int64_t const time = instant.time_since_epoch().count();
+    if (!isSound(waveform)) {
+        return std::nullopt;
+    }
+    std::int64_t const time = nanosecondsOf(instant);
     auto const run = runAt(waveform, time);
     if (!run) {
         return std::nullopt;
@@ -226,7 +248,7 @@ std::optional<CycleReading> measureCycleAt(Waveform const& waveform, CaptureTime
         auto& measured = reading.channels.emplace_back();
         if (areAllFinite(values)) {
             measured = cycleOf(fit, values, run->rate(), used->frequency, after);
-            for (std::size_t row = rows->first; row < rows->end; ++row) {
+            for (std::size_t row = rows->first; measured && row < rows->end; ++row) {
                 measured->quality =
                     detail::joinedQuality(measured->quality, channel.qualities[row]);
             }

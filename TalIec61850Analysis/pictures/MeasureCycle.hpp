@@ -35,7 +35,8 @@ struct ChannelCycle {
 /// @param frequency  of the fundamental, in hertz; one that is off by a part of x gives a phasor
 ///                   that is off by about as much
 /// @param after      from the last sample to the instant that the angle is of, in seconds
-/// @return without quality; not set where values are not as many, or not finite
+/// @return without quality; not set where values are not as many, or not finite, or so large that
+///         a double does not hold their squares
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<ChannelCycle> measureCycle(
     std::span<double const> values, double rate, double frequency, double after = 0);
 
@@ -64,7 +65,8 @@ struct CycleOptions {
     /// In hertz; 0 where it may be 50 or 60.
     double nominal = 0;
     /// In hertz; not set where it is to be found in the samples. It is found in the channel that
-    /// has the most of a fundamental, or in the reference.
+    /// has the most of a fundamental, or in the reference. With one that is not above 0, nothing is
+    /// measured.
     std::optional<double> frequency = {};
     /// The place in Waveform::channels of the channel to find the frequency in; not set for any.
     std::optional<std::size_t> reference = {};
@@ -84,7 +86,8 @@ struct CycleReading {
     double frequency = 0;
     /// Where that comes from.
     FrequencySource frequencySource = FrequencySource::nominal;
-    /// In the order of Waveform::channels; not set where a value is not there or not finite.
+    /// In the order of Waveform::channels; not set where a value is not there, not finite, or so
+    /// large that a double does not hold its square.
     std::vector<std::optional<ChannelCycle>> channels;
 };
 
@@ -97,7 +100,8 @@ struct CycleReading {
 /// @param instant   any
 /// @param options   how to measure
 /// @return not set where samples of the cycle are missing, where it is not all in the waveform,
-///         where the rate is not known, or the frequency is neither found nor nominal
+///         where the rate is not known, or the frequency is neither found nor nominal; nor where
+///         lists of the waveform do not have a value for each row, or runs begin beyond its rows
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT std::optional<CycleReading> measureCycleAt(
     Waveform const& waveform, CaptureTime instant, CycleOptions const& options = {});
 

@@ -49,7 +49,7 @@ public:
             if (isStopped(seen)) {
                 return builder_.take();
             }
-            hear(message->packet);
+            process(message->packet);
         }
         finish();
         return builder_.take();
@@ -93,7 +93,7 @@ private:
         if (!options_.window.from || change + 1 == changes_.size()) {
             return true;
         }
-        std::int64_t const from = options_.window.from->time_since_epoch().count();
+        std::int64_t const from = nanosecondsOf(*options_.window.from);
         return heardAt_ >= from || changes_[change + 1].arrival >= from;
     }
 
@@ -107,7 +107,7 @@ private:
         return expiry < time ? expiry : kNoTime;
     }
 
-    void hear(PacketRef packet) {
+    void process(PacketRef packet) {
         bool const isChange = next_ < changes_.size() && changes_[next_].packet == packet;
         if (next_ == 0 && !isChange) {
             return;
@@ -124,6 +124,7 @@ private:
             if (expiry != kNoTime) {
                 builder_.goOn(time, LaneState::expired);
             }
+            firstAt_ = heard_ ? firstAt_ : time;
             heard_ = packet;
             heardAt_ = time;
         }
@@ -147,11 +148,14 @@ private:
         std::int64_t end = heardAt_;
         for (IndexedFile const& file : index_.files()) {
             if (file.summary.last) {
-                end = std::max<std::int64_t>(end, file.summary.last->time_since_epoch().count());
+                end = std::max<std::int64_t>(end, nanosecondsOf(*file.summary.last));
             }
         }
         if (!heard_) {
             return;
+        }
+        if (end == firstAt_) {
+            end = afterTime(end);  // to be seen, though no time goes on after it
         }
         life_ = 0;
         std::int64_t const expiry = expiryBefore(end);
@@ -172,6 +176,8 @@ private:
     /// The newest message that has a time.
     std::optional<PacketRef> heard_;
     std::int64_t heardAt_ = kNoTime;
+    /// The time of the first one.
+    std::int64_t firstAt_ = kNoTime;
     /// How long a message of this state lives, in nanoseconds, as far as it was looked up. Later
     /// messages of a state live no shorter.
     std::int64_t life_ = 0;
@@ -181,7 +187,8 @@ private:
 
 MemberLanes readMemberLanes(TrafficIndex const& index, std::size_t stream,
                             LaneOptions const& options) {
-    if (index.streams()[stream].key.protocol != StreamProtocol::goose) {
+    if (stream >= index.streams().size() ||
+        index.streams()[stream].key.protocol != StreamProtocol::goose) {
         return {};
     }
     return LaneCourse(index, stream, options).run();

@@ -76,14 +76,17 @@ struct LaneOptions {
 ///
 /// States are told as by findEvents: a message of a state that is no event is taken to have the
 /// same values. The first message of the stream tells the values until the first event. A lane ends
-/// where the time allowed to live of the last message is over, or the last capture ends.
+/// where the time allowed to live of the last message is over, or the last capture ends. Where that
+/// ends with the first message, the lane lasts a nanosecond.
 ///
-/// Messages that are events are read again; and where a message comes later than the one before
-/// may allow, that one: later messages of a state are taken to live no shorter. Memory grows with
-/// events, not with packets. Where the clock of the capture is set back, nothing changes until it
-/// is as late again.
+/// Two kinds of messages are read again: those that are events; and the last one before a pause
+/// that is longer than the time allowed to live that is known of its state, to see when it expired.
+/// Later messages of a state are taken to live as long as its first one, or longer. Memory grows
+/// with events, not with packets. Where the clock of the capture is set back, nothing changes until
+/// the time is reached again that it had.
 /// @param index    of captures that are still there
-/// @param stream   the number of the stream in the index; one that is not GOOSE has no lanes
+/// @param stream   the number of the stream in the index; one that is not GOOSE has no lanes, nor
+///                 has a number that the index does not have
 /// @param options  which lanes
 /// @throws std::system_error  a capture cannot be read again, or is another one now
 [[nodiscard]] TALIEC61850ANALYSIS_EXPORT MemberLanes

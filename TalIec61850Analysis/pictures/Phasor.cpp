@@ -17,7 +17,7 @@ double angleAgainst(double angle, double reference) noexcept {
 
 double synchronizedAngle(double angle, CaptureTime instant, double nominal) noexcept {
     constexpr std::int64_t kSecond = 1'000'000'000;
-    std::int64_t const part = instant.time_since_epoch().count() % kSecond;
+    std::int64_t const part = nanosecondsOf(instant) % kSecond;
     double const turns = nominal * (static_cast<double>(part) / static_cast<double>(kSecond));
     return foldedAngle(angle - 2 * std::numbers::pi * std::remainder(turns, 1.0));
 }

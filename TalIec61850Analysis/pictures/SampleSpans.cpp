@@ -119,7 +119,7 @@ void SampleSpanBuilder::addQualities(SampleBlock const& block, Course& course,
 }
 
 void SampleSpanBuilder::add(SampleBlock const& block) {
-    choice_.see(block);
+    choice_.addChannelsOf(block);
     qualities_.resize(choice_.numbers().size());
     bool const isOtherRun = run_ != block.run;
     run_ = block.run;

@@ -60,7 +60,7 @@ void WaveformBuilder::addChannels(SampleBlock const& block) {
 }
 
 void WaveformBuilder::add(SampleBlock const& block) {
-    choice_.see(block);
+    choice_.addChannelsOf(block);
     waveform_.channelNumbers = choice_.numbers();
     waveform_.channelsOfStream = choice_.channelsOfStream();
     if (waveform_.isTooLong || block.size() > mostRows_ - waveform_.size()) {

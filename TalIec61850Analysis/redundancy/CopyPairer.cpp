@@ -3,7 +3,6 @@
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Parser/wire/Ethernet.hpp>
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace TalIec61850Analysis::detail {
@@ -180,7 +179,7 @@ JudgedFrame CopyPairer::judgedOf(CopyGroup const& group) const {
     JudgedFrame judged;
     judged.redundancy = group.redundancy;
     std::int64_t const first = group.copies.front().time;
-    judged.isCounted = window_.contains(CaptureTime(std::chrono::nanoseconds(first)));
+    judged.isCounted = window_.contains(captureTimeOf(first));
     bool const isTwice = isPrp && isOneWay && ofWay == 2 && !group.hasMisfit.at(other) &&
                          source.prpFrames[kWayA] > 1 && source.prpFrames[kWayB] > 1;
     if (isTwice) {

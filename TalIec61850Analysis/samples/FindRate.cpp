@@ -293,7 +293,7 @@ void RateWalk::addPacket(PacketRef ref) {
     lastRef_ = ref;
 }
 
-/// The newest packet of a frame stands for it.
+/// Of a frame, its newest packet counts.
 void RateWalk::closeFrame() {
     if (lastPacket_) {
         if (auto const step = frames_.add(*lastPacket_)) {

@@ -114,7 +114,7 @@ constexpr std::uint16_t flagsOf(Redundancy redundancy, bool isB) {
 }
 
 std::int64_t timeOf(CaptureRecord const& record) {
-    return record.time ? record.time->time_since_epoch().count() : kNoTime;
+    return record.time ? nanosecondsOf(*record.time) : kNoTime;
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <TalIec61850Analysis/traffic/TimeWalk.hpp>
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <tuple>
@@ -216,9 +215,7 @@ std::vector<TimeWindow> sharedTimes(std::span<StreamPart const> parts) {
     }
     std::sort(extents.begin(), extents.end(),
               [](Extent const& a, Extent const& b) { return a.first < b.first; });
-    auto const toTime = [](std::int64_t time) {
-        return CaptureTime(std::chrono::nanoseconds(time));
-    };
+    auto const toTime = [](std::int64_t time) { return captureTimeOf(time); };
     std::vector<TimeWindow> windows;
     std::int64_t last = kNoTime;
     for (Extent const& extent : extents) {

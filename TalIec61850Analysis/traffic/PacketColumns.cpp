@@ -5,12 +5,6 @@
 
 namespace TalIec61850Analysis {
 
-namespace {
-
-std::int64_t nanosecondsOf(CaptureTime time) { return time.time_since_epoch().count(); }
-
-}  // namespace
-
 std::optional<ReadableView<std::uint64_t>> PacketColumns::firstCounter(
     std::size_t packet) const noexcept {
     switch (flags()[packet].firstCounter()) {

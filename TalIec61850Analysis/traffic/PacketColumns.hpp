@@ -173,8 +173,7 @@ public:
     /// @param packet  below `size`
     [[nodiscard]] std::optional<CaptureTime> time(std::size_t packet) const noexcept {
         std::int64_t const time = times()[packet];
-        return time == kNoTime ? std::nullopt
-                               : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
+        return time == kNoTime ? std::nullopt : std::optional(captureTimeOf(time));
     }
 
     /// The packets that have a time, in its order; those of one time in the order of the file.

@@ -111,8 +111,8 @@ std::uint64_t* RecordCounter::countOfSession(Octets session) const {
 
 void RecordCounter::finish() {
     if (first_ <= last_) {
-        summary_.first = CaptureTime(std::chrono::nanoseconds(first_));
-        summary_.last = CaptureTime(std::chrono::nanoseconds(last_));
+        summary_.first = captureTimeOf(first_);
+        summary_.last = captureTimeOf(last_);
     }
 }
 

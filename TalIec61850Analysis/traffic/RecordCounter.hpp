@@ -6,7 +6,6 @@
 #include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/traffic/CaptureSummary.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -35,7 +34,7 @@ public:
         summary_.originalOctets += record.originalSize;
         summary_.snappedFrames += record.originalSize > record.capturedSize ? 1 : 0;
         if (record.time) {
-            std::int64_t const time = record.time->time_since_epoch().count();
+            std::int64_t const time = nanosecondsOf(*record.time);
             first_ = std::min(first_, time);
             last_ = std::max(last_, time);
         }

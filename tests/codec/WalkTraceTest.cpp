@@ -123,7 +123,7 @@ TEST(WalkTrace, LeavesOutSkippedValuesOfEveryLevel) {
               "XXX");
 }
 
-TEST(WalkTrace, LeavesOutWhatIsBehindADamagedElement) {
+TEST(WalkTrace, LeavesOutWhatIsAfterADamagedElement) {
     EXPECT_EQ(lookedAt(concat({ber(kLooked, {}), ber(kLooked, {}), damaged})), "XXXXXX..");
     EXPECT_EQ(lookedAt(concat({ber(kLevel, damaged), ber(kLooked, {1})})), "XXXX..XXX");
     EXPECT_EQ(lookedAt(damaged), "XX..");
@@ -144,7 +144,7 @@ TEST(WalkTrace, LooksAtAllOfALengthThatCannotBe) {
     EXPECT_EQ(inLevel({kLooked, 0x84, 0, 0, 0, 2, 0}), "XXXXXX.");
 }
 
-TEST(WalkTrace, LeavesOutWhatIsBehindFiftyElements) {
+TEST(WalkTrace, LeavesOutWhatIsAfterFiftyElements) {
     Bytes elements;
     for (int i = 0; i < 50; ++i) append(elements, ber(kLooked, {}));
     std::string const all(100, 'X');
@@ -154,8 +154,8 @@ TEST(WalkTrace, LeavesOutWhatIsBehindFiftyElements) {
     EXPECT_EQ(lookedAt(concat({level, ber(kLooked, {1})})), "XX" + all + ".." + "XXX");
 }
 
-TEST(WalkTrace, LooksAtWhatIsBehindAFiftiethElementThatIsALevel) {
-    // That level is not come back to, so nobody says that what is behind it is passed over.
+TEST(WalkTrace, LooksAtWhatIsAfterAFiftiethElementThatIsALevel) {
+    // That level is not come back to, so nobody says that what is after it is passed over.
     Bytes elements;
     for (int i = 0; i < 49; ++i) append(elements, ber(kLooked, {}));
     append(elements, ber(kLevel, ber(kSkipped, {1})));
@@ -163,14 +163,14 @@ TEST(WalkTrace, LooksAtWhatIsBehindAFiftiethElementThatIsALevel) {
               std::string(98, 'X') + "XX" + "XX." + "XXX");
 }
 
-TEST(WalkTrace, LeavesOutWhatIsBehindAFiftiethElementThatIsAnEmptyLevel) {
+TEST(WalkTrace, LeavesOutWhatIsAfterAFiftiethElementThatIsAnEmptyLevel) {
     Bytes elements;
     for (int i = 0; i < 49; ++i) append(elements, ber(kLooked, {}));
     append(elements, ber(kLevel, {}));
     EXPECT_EQ(lookedAt(concat({elements, ber(kLooked, {1})})), std::string(100, 'X') + "...");
 }
 
-TEST(WalkTrace, LeavesOutAllBehindARejectedElement) {
+TEST(WalkTrace, LeavesOutAllAfterARejectedElement) {
     EXPECT_EQ(lookedAt(concat({ber(kLooked, {}), ber(kRejected, {7}), ber(kLooked, {1})})),
               "XXXXX...");
     Bytes const level = ber(kLevel, concat({ber(kRejected, {7}), ber(kLooked, {1})}));
@@ -183,7 +183,7 @@ TEST(WalkTrace, LeavesOutAllBehindARejectedElement) {
     EXPECT_EQ(trace.tail().size, 0U);
 }
 
-TEST(WalkTrace, LooksAtWhatIsBehindTheEndOfALevel) {
+TEST(WalkTrace, LooksAtWhatIsAfterTheEndOfALevel) {
     EXPECT_EQ(lookedAt(concat(
                   {ber(kLevel, concat({ber(kEnd, {}), ber(kSkipped, {1})})), ber(kLooked, {1})})),
               "XX"
@@ -205,9 +205,9 @@ TEST(WalkTrace, NamesTheLastNumberToReadAgain) {
     EXPECT_EQ(text(empty.number()), "0+0");
 }
 
-// --- Behind the PDU ----------------------------------------------------------------------------
+// --- After the PDU -----------------------------------------------------------------------------
 
-TEST(WalkTraceTail, IsWhatCannotBeReadBehindTheFirstElement) {
+TEST(WalkTraceTail, IsWhatCannotBeReadAfterTheFirstElement) {
     Bytes const pdu = ber(kLevel, ber(kLooked, {1}));
     for (Bytes const& tail : {damaged, Bytes{0x07}, Bytes{0x07, 0x01}, Bytes{0x00, 0x85, 0x00},
                               Bytes{0x00, 0x82, 0x01, 0x00, 0x00}}) {
@@ -215,9 +215,9 @@ TEST(WalkTraceTail, IsWhatCannotBeReadBehindTheFirstElement) {
         EXPECT_EQ(lookedAt(trace), "XXXXX" + std::string(tail.size(), '.'));
         EXPECT_EQ(text(trace.tail()), "5+" + std::to_string(tail.size()));
     }
-    WalkTrace const behindValue = traceOf(concat({ber(kSkipped, {1}), damaged}));
-    EXPECT_EQ(lookedAt(behindValue), "XX.....");
-    EXPECT_EQ(text(behindValue.tail()), "3+4");
+    WalkTrace const afterValue = traceOf(concat({ber(kSkipped, {1}), damaged}));
+    EXPECT_EQ(lookedAt(afterValue), "XX.....");
+    EXPECT_EQ(text(afterValue.tail()), "3+4");
 }
 
 TEST(WalkTraceTail, IsNoneWhereNothingFollows) {
@@ -242,11 +242,11 @@ TEST(WalkTraceTail, IsNoneWhereAnElementIsLookedAt) {
     Bytes const skipped = ber(kSkipped, {1});
     for (Bytes const& element : {ber(kLooked, {1}), ber(kLevel, {}), ber(kLevel, ber(kSkipped, {})),
                                  ber(kEnd, {}), ber(kMark, {})}) {
-        for (Bytes const& behind : {Bytes{}, skipped, damaged}) {
-            WalkTrace const first = traceOf(concat({ber(kLevel, {}), element, behind}));
+        for (Bytes const& after : {Bytes{}, skipped, damaged}) {
+            WalkTrace const first = traceOf(concat({ber(kLevel, {}), element, after}));
             EXPECT_EQ(lookedAt(first).substr(0, 4), "XXXX");
             EXPECT_EQ(text(first.tail()), "0+0");
-            WalkTrace const second = traceOf(concat({ber(kLevel, {}), skipped, element, behind}));
+            WalkTrace const second = traceOf(concat({ber(kLevel, {}), skipped, element, after}));
             EXPECT_EQ(lookedAt(second).substr(0, 7), "XXXX.XX");
             EXPECT_EQ(text(second.tail()), "0+0");
         }

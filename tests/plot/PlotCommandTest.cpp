@@ -144,7 +144,8 @@ TEST_F(PlotCommand, SaysWhatIsNotThere) {
     SvgReader const nothing = pictureOf(captureOf({}));
     EXPECT_TRUE(nothing.shows("There is no stream of Sampled Values."));
     EXPECT_TRUE(nothing.shows("There is no GOOSE stream."));
-    EXPECT_TRUE(nothing.shows("Nothing was found."));
+    EXPECT_TRUE(nothing.shows("Nothing was looked for: no frame of GOOSE or SV was read."));
+    EXPECT_FALSE(nothing.shows("Nothing was found."));
     SvgReader const waveAlone = pictureOf(waves(1));
     EXPECT_TRUE(waveAlone.shows("There is no GOOSE stream."));
     EXPECT_FALSE(waveAlone.shows("There is no stream of Sampled Values."));
@@ -159,6 +160,15 @@ TEST_F(PlotCommand, SaysWhatIsNotThere) {
     EXPECT_TRUE(other.ofClass("curve").empty());
     EXPECT_TRUE(other.shows("No stream of Sampled Values is selected."));
     EXPECT_TRUE(other.shows("There is no GOOSE stream."));
+}
+
+TEST_F(PlotCommand, SaysHowFarSamplesAreFromTheirCapture) {
+    EXPECT_FALSE(pictureOf(waves(1)).shows("Samples are drawn when"));
+    WaveformSettings settings;
+    settings.delay = 262'430'000;
+    WaveformStream late(settings);
+    late.send(kWaveFrames);
+    EXPECT_TRUE(pictureOf(captureOf({&late})).shows("Samples are drawn when they were taken, 262.43 ms before"));
 }
 
 TEST_F(PlotCommand, DrawsFewSamplesAndNumbersThatAreNone) {

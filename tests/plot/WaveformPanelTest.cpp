@@ -20,6 +20,7 @@ namespace {
 using TalIec61850Tools::channelLooks;
 using TalIec61850Tools::channelPanels;
 using TalIec61850Tools::drawPlot;
+using TalIec61850Tools::panelName;
 using TalIec61850Tools::PictureChannel;
 using TalIec61850Tools::PlotContent;
 using TalIec61850Tools::PlotStyle;
@@ -176,6 +177,18 @@ TEST(PlotPanels, AreThoseOfUnits) {
     using Panels = std::vector<std::vector<std::size_t>>;
     EXPECT_EQ(channelPanels(channels), (Panels{{0, 1, 3}, {2, 9}, {4, 5, 6, 7}, {8}}));
     EXPECT_EQ(channelPanels({}), Panels());
+}
+
+TEST(PlotPanels, AreOfAnyUnit) {
+    std::vector<PictureChannel> channels;
+    for (char const* const unit : {"", "#0", "constructor", "A"}) {
+        channels.push_back({.name = "x", .unit = unit, .phase = "", .scale = {}});
+    }
+    using Panels = std::vector<std::vector<std::size_t>>;
+    EXPECT_EQ(channelPanels(channels), (Panels{{0}, {1}, {2}, {3}}));
+    EXPECT_EQ(panelName("constructor", "constructor"), "constructor");
+    EXPECT_EQ(panelName("A", "kA"), "currents, kA");
+    EXPECT_EQ(panelName("", ""), "counts");
 }
 
 TEST(PlotPanels, TellChannelsOfOneColourApart) {

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "report/ReportPage.hpp"
@@ -138,6 +139,33 @@ TEST_F(ReportPageTest, LeavesOutStreamsThatFitInNoWay) {
     EXPECT_TRUE(tight.isEmpty());
     EXPECT_EQ(tight.absent(1).size(), 1U);
     EXPECT_EQ(tight.take(100).octets, "");
+}
+
+TEST_F(ReportPageTest, HalvesColumnsWithoutTheCapture) {
+    using namespace TalIec61850Tools;
+    WaveformStream const stream = noisyWave(4000, 60'000);
+    std::string const path = folder_.write("bay1.pcap", captureOf({&stream}));
+    auto const index = TalIec61850Analysis::indexCapture(path);
+    std::size_t blocks = 0;
+    PageStreamWish wish;
+    wish.admits = [&](auto const&) { return ++blocks > 0; };
+    PageStream picture = drawColumns(index, index.streams()[0], wish, PictureNames());
+    std::size_t const blocksOfAll = std::exchange(blocks, 0);
+    ASSERT_GT(blocksOfAll, 2U);
+    // Reading ends where there are too many samples to hold, and begins again once.
+    wish.mostValues = 8;
+    PageStream const tooMany = drawSamples(index, index.streams()[0], wish, PictureNames());
+    EXPECT_TRUE(tooMany.isOverMemory);
+    EXPECT_EQ(blocks, blocksOfAll + 1);
+    EXPECT_EQ(tooMany.json, picture.json);
+    std::filesystem::remove(path);
+    std::size_t const columns = picture.columns;
+    std::int64_t const width = picture.columnWidth;
+    halveColumns(picture);
+    EXPECT_EQ(picture.columns, (columns + 1) / 2);
+    EXPECT_EQ(picture.columnWidth, 2 * width);
+    EXPECT_EQ(picture.json["segments"][0]["count"], picture.columns);
+    EXPECT_EQ(picture.received, 60'000U);
 }
 
 TEST_F(ReportPageTest, DrawsHours) {

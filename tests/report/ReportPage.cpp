@@ -1,6 +1,5 @@
 #include "report/ReportPage.hpp"
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -13,8 +12,9 @@ namespace TalTest {
 
 using Json = nlohmann::json;
 using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 
-CaptureTime instantOf(std::int64_t time) { return CaptureTime(std::chrono::nanoseconds(time)); }
+CaptureTime instantOf(std::int64_t time) { return captureTimeOf(time); }
 
 std::vector<WaveformStream::Captured> tripOf(std::int64_t start) {
     constexpr std::int64_t kMillisecond = 1'000'000;

@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
 #include "report/ReportPage.hpp"
 #include "tools/SampleTraffic.hpp"
+#include "tools/render/RoundTicks.hpp"
 #include "tools/render/UtcText.hpp"
 
 namespace TalTest {
@@ -49,6 +54,30 @@ TEST_F(ReportPageTest, FollowsAsOneZoomsAndMoves) {
         "return [Math.min(...rows), Math.max(...rows)]; })");
     EXPECT_EQ(ranges[0], ranges[1]);
     EXPECT_EQ(ranges[0], ranges[2]);
+}
+
+TEST_F(ReportPageTest, HasTheTicksThatOtherPicturesHave) {
+    using TalIec61850Tools::TimeStep;
+    WaveformStream const stream = waveOf({});
+    open(report(captureOf({&stream})));
+    std::int64_t const base = std::stoll(browser().ask("report.base").get<std::string>());
+    for (double const length : {300.0, 40e6, 50e9, 7200e9, 72'000e9, 3.6e15}) {
+        Json const ticks = browser().ask("timeTicks(0, " + std::to_string(length) +
+                                         ", 760).map((tick) => [tick.v, tick.label])");
+        ASSERT_GE(ticks.size(), 2U) << length;
+        auto const timeOf = [&](std::size_t i) {
+            return base + static_cast<std::int64_t>(ticks[i][0].get<double>());
+        };
+        std::int64_t const step = timeOf(1) - timeOf(0);
+        auto const& steps = TalIec61850Tools::timeSteps();
+        EXPECT_TRUE(std::any_of(steps.begin(), steps.end(), [&](TimeStep const& each) {
+            return each.length == step;
+        })) << step;
+        for (std::size_t i = 0; i < ticks.size(); ++i) {
+            EXPECT_EQ(timeOf(i) % step, 0);
+            EXPECT_EQ(ticks[i][1], TalIec61850Tools::tickText(timeOf(i), step));
+        }
+    }
 }
 
 TEST_F(ReportPageTest, ZoomsByTheWheelWithCtrlAndByADrag) {

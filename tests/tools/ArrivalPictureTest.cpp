@@ -5,7 +5,6 @@
 #include <TalIec61850Analysis/samples/SampleBlock.hpp>
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
-#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +15,7 @@
 namespace TalIec61850Tools {
 namespace {
 
-using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::EnvelopeChannel;
 using TalIec61850Analysis::kNoTime;
 using TalIec61850Analysis::SampleBlock;
@@ -59,8 +58,8 @@ TEST(ArrivalPicture, HasAResidualAndADistanceForEachFrameAfterTheFirst) {
         addRow(block, time + kMillisecond / 2, arrival, 1);
     }
     TalIec61850Analysis::SampleOptions samples;
-    samples.from = CaptureTime(std::chrono::nanoseconds(kStart));
-    samples.end = CaptureTime(std::chrono::nanoseconds(kStart + 8 * kMillisecond));
+    samples.from = captureTimeOf(kStart);
+    samples.end = captureTimeOf(kStart + 8 * kMillisecond);
     ArrivalPicture picture(samples, 16);
     picture.add(block);
     auto const envelopes = picture.take();

@@ -72,6 +72,13 @@ TEST(NothingFound, NamesTheValuesOfEachCriterion) {
     }
 }
 
+TEST(NothingFound, BlamesNoOptionThatWasNotTyped) {
+    TempFile const file(CaptureBuilder().add(1, 0, gooseFrameCalled("gcb1")).bytes());
+    EXPECT_EQ(saidBy({"samples", file.path()}), complaint("no stream carries SV; there is GOOSE"));
+    EXPECT_EQ(saidBy({"streams", "--protocol", "sv", file.path()}),
+              complaint("no stream carries SV; there is GOOSE"));
+}
+
 TEST(NothingFound, OfCriteriaThatAreMetApartIsSaid) {
     TempFile const file(CaptureBuilder()
                             .add(1, 0, svFrameCalled("A", svEthernet().withVlan(1)))

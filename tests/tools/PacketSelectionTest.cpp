@@ -109,11 +109,11 @@ PlainWindow anyWindow(TrafficIndex const& index, PacketWish& wish) {
     PlainWindow window;
     if (from) {
         window.from = *from;
-        wish.window.from = CaptureTime(std::chrono::nanoseconds(*from));
+        wish.window.from = captureTimeOf(*from);
     }
     if (to) {
         window.to = *to;
-        wish.window.to = CaptureTime(std::chrono::nanoseconds(*to));
+        wish.window.to = captureTimeOf(*to);
     }
     return window;
 }

@@ -2,19 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "support/CaptureFile.hpp"
+#include "support/Data.hpp"
+#include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/DescribedStation.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/SampleTraffic.hpp"
+#include "tools/report/HtmlText.hpp"
+#include "tools/report/LanePicture.hpp"
 #include "tools/report/RetransmissionCurve.hpp"
+#include "tools/report/StatesSection.hpp"
 
 namespace TalTest {
 namespace {
@@ -83,6 +90,21 @@ TEST_F(ReportCommand, SelectsStreamsAndTimes) {
     std::string const start = pageOf(twoStreams(), {"--to", "+20ms", "--channels", "1-3"});
     EXPECT_TRUE(has(start, "6 channels of 2 streams"));
     EXPECT_FALSE(has(start, "<td>sampleGap</td>"));
+}
+
+TEST_F(ReportCommand, SaysHowFarSamplesAreFromTheirCapture) {
+    EXPECT_FALSE(has(pageOf(twoStreams()), "Samples are drawn when"));
+    WaveformSettings settings;
+    settings.delay = 262'430'000;
+    WaveformStream late(settings);
+    settings.svID = "MU02";
+    settings.delay = 200'000;
+    WaveformStream other(settings);
+    late.send(kWaveFrames);
+    other.send(kWaveFrames);
+    EXPECT_TRUE(has(pageOf(captureOf({&late, &other})),
+                    "Samples are drawn when they were taken, 262.43 ms before they were captured "
+                    "(MU01); states and findings when they were captured."));
 }
 
 TEST_F(ReportCommand, TellsHowWellClocksAreSynchronized) {
@@ -227,6 +249,73 @@ TEST_F(ReportCommand, TellsOfACaptureThatIsDamaged) {
         {"report", "-o", folder_.file("page.html"), folder_.write("bay1.pcap", capture)});
     EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(has(textOf(folder_.file("page.html")), "<td>fileEndsInRecord</td>"));
+}
+
+/// A publisher of each protocol, of which the last packets are at the last time there is.
+Bytes trafficAtTheLastTime() {
+    constexpr std::uint64_t kLast = std::numeric_limits<std::int64_t>::max();
+    PcapngMaker maker;
+    maker.section().interface(1, 0, maker.timeOptions(9));
+    for (std::uint64_t const before : {1'000'000, 0}) {
+        maker.packet({.time = kLast - before, .frame = gooseFrameCalled("gcb1")});
+        maker.packet({.time = kLast - before, .frame = svFrameCalled("MU1")});
+    }
+    return maker.bytes();
+}
+
+TEST(Pictures, HaveAnAxisAtTheLastTimeThereIs) {
+    TempDir const folder;
+    auto const path = folder.write("bay1.pcapng", trafficAtTheLastTime());
+    for (Arguments const& window : std::vector<Arguments>{{}, {"--from", "-0s"}}) {
+        auto const page = folder.file("page.html");
+        auto const report = runCompanion(joined({"report", "-o", page, path}, window));
+        EXPECT_EQ(report.status, 0) << report.err;
+        auto const told = [&, text = textOf(page)](std::string const& name) {
+            std::size_t const at = text.find("\"" + name + "\":");
+            return std::stoll(text.substr(at + name.size() + 3));
+        };
+        EXPECT_GT(told("to"), told("from"));
+        EXPECT_LE(told("to") - told("from"), 1'000'001);
+        for (Arguments const& command :
+             std::vector<Arguments>{{"events", "--timeline"}, {"samples", "--plot"}, {"plot"}}) {
+            auto const drawn = runCompanion(joined(joined(command, {path}), window));
+            EXPECT_EQ(drawn.status, 0) << drawn.err;
+            EXPECT_EQ(drawn.out.find("nan"), std::string::npos) << drawn.out;
+        }
+    }
+}
+
+/// Two messages of a stream, the second of which has another state.
+void addGoose(CaptureBuilder& capture, std::string const& name, std::size_t members) {
+    for (std::uint32_t const state : {1U, 2U}) {
+        GooseMessage message = gooseCalled(name);
+        message.stNum = MinimalUnsigned(state);
+        message.sqNum = MinimalUnsigned(0);
+        message.setData(std::vector<Bytes>(members, dataInteger(state)));
+        capture.add(1'700'000'000 + state, 0, gooseFrame(Ethernet(), message));
+    }
+}
+
+TEST_F(ReportCommand, DrawsSmallStatesAfterThoseThatHaveNoRoom) {
+    using namespace TalIec61850Tools;
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    addGoose(capture, "gcb1", 1);
+    addGoose(capture, "gcb2", 20);
+    addGoose(capture, "gcb3", 1);
+    auto const index =
+        TalIec61850Analysis::indexCapture(folder_.write("bay1.pcap", capture.bytes()));
+    PictureNames const names;
+    auto const sizeOf = [&](std::size_t stream) {
+        return scriptSize(drawLanes(index, stream, LanePictureWish(), names).json);
+    };
+    ASSERT_GT(sizeOf(1), sizeOf(2) + 1);
+    StatesSection section(index, names, LanePictureWish(), sizeOf(0) + sizeOf(2) + 1);
+    for (std::size_t const stream : {0, 1, 2}) {
+        section.add(stream);
+    }
+    ASSERT_EQ(section.json().size(), 2U);
+    EXPECT_EQ(section.json()[1]["name"], "gcb3");
+    EXPECT_EQ(section.absent(3), std::vector<std::string>{"2 of 3 GOOSE streams are drawn."});
 }
 
 }  // namespace

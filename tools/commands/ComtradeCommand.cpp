@@ -207,7 +207,7 @@ private:
         std::vector<Part> parts;
         for (std::int64_t start = survey.grid.start; start <= last; start += length) {
             Part part{whole, numberText(parts.size() + 1)};
-            part.window.from = CaptureTime(std::chrono::nanoseconds(start));
+            part.window.from = captureTimeOf(start);
             part.window.end = std::min(whole.end.value_or(CaptureTime::max()),
                                        *part.window.from + *options_.split);
             parts.push_back(std::move(part));

@@ -93,8 +93,8 @@ private:
         }
         TrafficStream const& stream = goose_.index.streams()[number];
         TimelinePicture picture;
-        picture.from = from_.time_since_epoch().count();
-        picture.end = to_.time_since_epoch().count() + 1;
+        picture.from = nanosecondsOf(from_);
+        picture.end = afterTime(nanosecondsOf(to_));
         for (PictureLane const& lane : chosen.lanes) {
             picture.lanes.push_back({.name = nameOf(names, lane.lane->member), .lane = lane});
         }
@@ -102,7 +102,8 @@ private:
         if (stream.key.source) {
             words.push_back(toText(*stream.key.source));
         }
-        words.push_back(durationText(picture.from, picture.end - 1) + " from " + toUtcText(from_));
+        words.push_back(durationText(picture.from, nanosecondsOf(to_)) + " from " +
+                        toUtcText(from_));
         std::string text = drawnStreams_ == 0 ? "" : "\n";
         text += headLine(PictureNames().of(stream), words, form_);
         text += timelineRows(picture, form_);

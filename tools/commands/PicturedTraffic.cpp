@@ -1,7 +1,6 @@
 #include "tools/commands/PicturedTraffic.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <system_error>
 
 #include "tools/commands/IndexTraffic.hpp"
@@ -25,10 +24,6 @@ using TalIec61850Analysis::SupervisionOptions;
 using TalIec61850Analysis::TrafficStream;
 
 namespace {
-
-std::int64_t toNs(CaptureTime time) {
-    return static_cast<std::int64_t>(nanosecondsSince1970(time));
-}
 
 /// Names of both protocols select of each what is called so: no stream has both.
 CriteriaOfBoth criteriaOfBoth(PacketCriteria const& criteria) {
@@ -70,9 +65,10 @@ PicturedTraffic::PicturedTraffic(CommandRun& run, SampleChoice const& choice)
         return nameOf(stream, member);
     };
     CaptureSpan const span = spanOf(index_);
-    from_ = toNs(window_.from.value_or(span.begin));
-    to_ = std::max(from_,
-                   toNs(window_.to && *window_.to != CaptureTime::max() ? *window_.to : span.end));
+    from_ = nanosecondsOf(window_.from.value_or(span.begin));
+    to_ = std::max(
+        from_,
+        nanosecondsOf(window_.to && *window_.to != CaptureTime::max() ? *window_.to : span.end));
 }
 
 std::function<std::string_view(std::uint32_t)> PicturedTraffic::nameOfFile() const {
@@ -118,7 +114,7 @@ PicturedSamples PicturedTraffic::samplesOf(TrafficStream const& stream) {
     PicturedSamples samples;
     samples.options.from = window_.from;
     if (window_.to && *window_.to != CaptureTime::max()) {
-        samples.options.end = *window_.to + std::chrono::nanoseconds(1);
+        samples.options.end = captureTimeOf(afterTime(nanosecondsOf(*window_.to)));
     }
     samples.described = described_.areGiven() ? described_.samplesOf(stream.key) : nullptr;
     samples.options.layout = choice_.layout;
@@ -179,9 +175,8 @@ bool PicturedTraffic::isWanted(Finding const& finding) const {
     if (!finding.stream && areStreamsSelected()) {
         return false;
     }
-    return finding.from == kNoTime
-               ? !window_.from && !window_.to
-               : window_.contains(CaptureTime(std::chrono::nanoseconds(finding.from)));
+    return finding.from == kNoTime ? !window_.from && !window_.to
+                                   : window_.contains(captureTimeOf(finding.from));
 }
 
 SupervisionOptions PicturedTraffic::supervision() const {

@@ -23,6 +23,7 @@
 #include "tools/plot/LaneChoice.hpp"
 #include "tools/plot/PlotPage.hpp"
 #include "tools/plot/ReadSamples.hpp"
+#include "tools/render/SampleDelay.hpp"
 
 namespace TalIec61850Tools {
 
@@ -153,6 +154,7 @@ private:
                     return;
                 }
                 read.samples.name = traffic_.names().of(stream);
+                delays_.add(read.delay, read.samples.name);
                 takeSamples(std::move(read), kMostPanels - panels);
                 panels += content_.samples.back().panels.size();
             });
@@ -209,6 +211,7 @@ private:
         if (!options_.title.empty()) {
             content_.title = escapeText(options_.title);
         }
+        content_.delayNote = delays_.text();
         addAbsences();
         tellLeftOut();
     }
@@ -232,7 +235,9 @@ private:
         } else if (isNothing) {
             content_.noStates = "No GOOSE stream is selected.";
         }
-        content_.noFindings = "Nothing was found.";
+        content_.noFindings = traffic_.index().streams().empty()
+                                  ? "Nothing was looked for: no frame of GOOSE or SV was read."
+                                  : "Nothing was found.";
     }
 
     [[nodiscard]] bool hasNone(Protocol protocol) const {
@@ -279,6 +284,7 @@ private:
     std::vector<std::size_t> svStreams_;
     std::vector<std::size_t> gooseStreams_;
     PlotContent content_;
+    DelayNote delays_;
     /// Of a stream.
     std::size_t mostChannels_ = 0;
     std::uint64_t streamsWithoutRoom_ = 0;

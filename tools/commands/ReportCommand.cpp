@@ -24,6 +24,7 @@
 #include "tools/output/WrapText.hpp"
 #include "tools/render/DurationText.hpp"
 #include "tools/render/EventRow.hpp"
+#include "tools/render/RoundTicks.hpp"
 #include "tools/report/EventsSection.hpp"
 #include "tools/report/FindingsSection.hpp"
 #include "tools/report/HtmlText.hpp"
@@ -71,6 +72,15 @@ std::string reportNotes() {
                "protocol are those of that name.") +
            "\n" + paragraph(kNameNotes) + "\n" + paragraph(layoutNotes()) + "\n" + kTimeNotes +
            "\n" + paragraph(kContentNotes);
+}
+
+/// Each step that the time axis may have, and what of an instant's text its labels have.
+nlohmann::ordered_json stepsOfAxis() {
+    auto steps = nlohmann::ordered_json::array();
+    for (TimeStep const& step : timeSteps()) {
+        steps.push_back({step.length, step.first, step.end});
+    }
+    return steps;
 }
 
 /// The page of a run.
@@ -172,7 +182,7 @@ private:
         for (std::size_t const stream : streams) {
             traffic_.attempt([&] { section.add(stream); });
         }
-        goose_ = section.told();
+        goose_ = section.json();
         addAbsent(section.absent(streams.size()));
     }
 
@@ -213,6 +223,9 @@ private:
         }
         options_.choice.checkChannels(section.mostChannels());
         addAbsent(section.absent(streams.size()));
+        if (std::string note = section.delayNote(); !note.empty()) {
+            page_.absent.push_back(std::move(note));
+        }
         if (section.isEmpty()) {
             page_.absentArrival.emplace_back("There are no samples in this time.");
         }
@@ -231,10 +244,11 @@ private:
                sizeOfTexts() + kOthers;
     }
 
-    /// Of the title, the head and what is absent: the line of waveforms has eight names at most.
+    /// Of the title, the head and what is absent: the line of waveforms has eight names at most,
+    /// and the note of delays has one.
     [[nodiscard]] std::size_t sizeOfTexts() const {
         constexpr std::size_t kOctetsOfElement = 32;
-        constexpr std::size_t kNames = 8;
+        constexpr std::size_t kNames = 9;
         std::size_t size = 2 * toHtml(page_.title).size();
         for (auto const* const texts : {&page_.head, &page_.absent}) {
             for (std::string const& text : *texts) {
@@ -266,21 +280,21 @@ private:
         page_.head.front() = filesText();
         page_.head.push_back(waveforms_.line);
         auto const [begin, end] = shownTime();
+        // An axis is a nanosecond long at least.
+        std::int64_t const to = std::max(end, afterTime(begin));
         page_.report = {{"base", std::to_string(traffic_.from())},
-                        {"from", begin - traffic_.from()},
-                        {"to", std::max(end, begin + 1) - traffic_.from()},
-                        {"streams", std::move(waveforms_.told)},
+                        {"from", std::min(begin, to - 1) - traffic_.from()},
+                        {"to", to - traffic_.from()},
+                        {"steps", stepsOfAxis()},
+                        {"streams", std::move(waveforms_.json)},
                         {"goose", std::move(goose_)},
                         {"marks", findings_.marks(traffic_.from())}};
     }
 
     [[nodiscard]] std::string filesText() const {
         CaptureSpan const span = spanOf(traffic_.index());
-        auto const toNs = [](CaptureTime time) {
-            return static_cast<std::int64_t>(nanosecondsSince1970(time));
-        };
         std::string text = filesLine(traffic_.files(), traffic_.index(), traffic_.areWanted(),
-                                     toNs(span.begin), toNs(span.end));
+                                     nanosecondsOf(span.begin), nanosecondsOf(span.end));
         if (traffic_.window().from || traffic_.window().to) {
             auto const [begin, end] = shownTime();
             text += fmt::format(" Shown: {} of it.", durationText(begin, end));

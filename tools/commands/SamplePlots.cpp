@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <TalIec61850Analysis/pictures/StreamPicture.hpp>
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -50,7 +49,7 @@ std::vector<std::string> wordsOf(SampleExtent const& extent) {
     std::vector<std::string> words;
     if (extent.first != kNoTime) {
         words.push_back(durationText(extent.first, extent.last) + " from " +
-                        toUtcText(CaptureTime(std::chrono::nanoseconds(extent.first))));
+                        toUtcText(captureTimeOf(extent.first)));
     }
     words.push_back(withCommas(extent.received) + (extent.received == 1 ? " sample" : " samples"));
     words.push_back(withCommas(extent.missing) + " missing");
@@ -154,12 +153,12 @@ private:
     /// Without channels yet.
     [[nodiscard]] SparklinePicture withEnds(StreamPicture picture) const {
         auto const ofWindow = [](std::optional<CaptureTime> const& time, std::int64_t otherwise) {
-            return time ? time->time_since_epoch().count() : otherwise;
+            return time ? nanosecondsOf(*time) : otherwise;
         };
         std::int64_t const last = picture.extent.last;
         SparklinePicture plotted;
         plotted.from = ofWindow(window_.from, picture.extent.first);
-        plotted.end = ofWindow(window_.end, last + (last == kNoTime ? 0 : 1));
+        plotted.end = ofWindow(window_.end, last == kNoTime ? last : afterTime(last));
         plotted.picture = std::move(picture);
         return plotted;
     }

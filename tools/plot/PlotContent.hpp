@@ -31,11 +31,6 @@ struct PlottedSamples {
     std::vector<std::vector<std::size_t>> panels;
 };
 
-/// Channels that share a panel: those of a unit, and of those without one four at a time.
-/// @return places in `channels`
-[[nodiscard]] std::vector<std::vector<std::size_t>> channelPanels(
-    std::vector<PictureChannel> const& channels);
-
 /// A member of a GOOSE data set.
 struct PlottedLane {
     std::string name;
@@ -75,6 +70,9 @@ struct PlotContent {
     std::string noFindings;
     /// What is not in the picture; empty where all is.
     std::string leftOut;
+    /// How far samples are from what is drawn at the time of its capture; empty where that is not
+    /// much.
+    std::string delayNote;
 };
 
 }  // namespace TalIec61850Tools

@@ -1,7 +1,6 @@
 #include "tools/plot/PlotPage.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -20,7 +19,7 @@
 
 namespace TalIec61850Tools {
 
-using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::Severity;
 
 namespace {
@@ -77,9 +76,7 @@ double gutterOf(PlotContent const& content, double width) {
 }
 
 std::string spanText(PlotContent const& content) {
-    auto const instant = [](std::int64_t time) {
-        return toUtcText(CaptureTime(std::chrono::nanoseconds(time)));
-    };
+    auto const instant = [](std::int64_t time) { return toUtcText(captureTimeOf(time)); };
     std::string text = instant(content.from) + " to " + instant(content.to) + ", " +
                        durationText(content.from, content.to);
     return content.source.empty() ? text : text + "; " + content.source;
@@ -165,8 +162,10 @@ public:
         layout_.add(std::make_unique<FindingMarks>(sheet_, content_.findings, content_.noFindings));
         layout_.add(std::make_unique<TimeRow>(sheet_));
         layout_.add(std::make_unique<KeyRow>(sheet_, keyOf(content_)));
-        if (!content_.leftOut.empty()) {
-            addText(content_.leftOut, {.size = kUsualSize, .ink = Ink::faint}, 18, Cut::end);
+        for (std::string const& line : {content_.leftOut, content_.delayNote}) {
+            if (!line.empty()) {
+                addText(line, {.size = kUsualSize, .ink = Ink::faint}, 18, Cut::end);
+            }
         }
         layout_.space(8);
         return std::move(layout_);

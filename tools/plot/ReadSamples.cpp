@@ -8,6 +8,8 @@
 #include <utility>
 #include <variant>
 
+#include "tools/render/SampleDelay.hpp"
+
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::kMostPictureChannels;
@@ -78,11 +80,13 @@ ReadSamplesResult readSamples(TrafficIndex const& index, TrafficStream const& st
     StreamPictureOptions const options = optionsOf(wish);
     StreamPictureBuilder builder(options);
     NotFinite notFinite(options.channels);
+    SampleDelay delay;
     SampleReader reader(index, stream, options.samples);
     while (SampleBlock const* const block = reader.next()) {
         if (!wish.admits || wish.admits(*block)) {
             builder.add(*block);
             notFinite.add(*block);
+            delay.add(*block);
         }
     }
     StreamPicture picture = builder.take();
@@ -90,6 +94,7 @@ ReadSamplesResult readSamples(TrafficIndex const& index, TrafficStream const& st
     ReadSamplesResult result;
     result.first = picture.extent.first;
     result.last = picture.extent.last;
+    result.delay = delay.least();
     result.channelsLeftOut =
         (wish.channels.empty() ? picture.envelopes.channelsOfStream : wish.channels.size()) -
         numbers.size();

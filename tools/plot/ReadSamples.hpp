@@ -36,6 +36,8 @@ struct ReadSamplesResult {
     /// Of the first sample and the last one, in nanoseconds since 1970; kNoTime without any.
     std::int64_t first = TalIec61850Analysis::kNoTime;
     std::int64_t last = TalIec61850Analysis::kNoTime;
+    /// As SampleDelay::least.
+    std::int64_t delay = 0;
     /// Channels beyond those that are drawn.
     std::size_t channelsLeftOut = 0;
     /// Values that are no finite numbers.

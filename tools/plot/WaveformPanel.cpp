@@ -18,13 +18,11 @@ constexpr double kAboveChart = 4;
 constexpr double kBelowChart = 10;
 
 Ink inkOf(PlottedSamples const& samples, std::size_t channel) {
-    std::string const& phase = samples.channels[channel].phase;
-    if (phase == "A" || phase == "B" || phase == "C" || phase == "N") {
-        constexpr std::array<Ink, 4> kPhases = {Ink::a, Ink::b, Ink::c, Ink::n};
-        return kPhases[std::string_view("ABCN").find(phase)];
-    }
-    constexpr std::array<Ink, 6> kOthers = {Ink::a, Ink::c, Ink::b, Ink::e, Ink::d, Ink::n};
-    return kOthers[channel % kOthers.size()];
+    std::string_view const name = channelColour(samples.channels[channel], channel);
+    auto const& colours = paletteColours();
+    auto const colour = std::find_if(colours.begin(), colours.end(),
+                                     [&](PaletteColour const& each) { return each.name == name; });
+    return static_cast<Ink>(colour - colours.begin());
 }
 
 PixelSpans pixelsOf(TimeAxis const& time, std::vector<std::int64_t> const& instants) {
@@ -35,13 +33,6 @@ PixelSpans pixelsOf(TimeAxis const& time, std::vector<std::int64_t> const& insta
         }
     }
     return pixels;
-}
-
-std::string quantityOf(std::string const& unit, std::string const& shownUnit) {
-    if (unit.empty()) {
-        return "counts";
-    }
-    return (unit == "A" ? "currents, " : (unit == "V" ? "voltages, " : "")) + shownUnit;
 }
 
 }  // namespace
@@ -81,7 +72,7 @@ WaveformPanel::WaveformPanel(PlotSheet const& sheet, PlottedSamples const& sampl
 
 std::vector<FlowItem> WaveformPanel::legend() const {
     std::vector<FlowItem> items = {
-        {.text = quantityOf(samples_.channels[channels_.front()].unit, values_.unit()),
+        {.text = panelName(samples_.channels[channels_.front()].unit, values_.unit()),
          .isBold = true}};
     auto const looks = channelLooks(samples_, channels_);
     for (std::size_t i = 0; i < channels_.size(); ++i) {

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <chrono>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
@@ -33,8 +32,7 @@ using Event = EventRow const&;
 
 std::optional<CaptureTime> arrivalOf(Event row) {
     std::int64_t const time = row.event->arrival;
-    return time == kNoTime ? std::nullopt
-                           : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
+    return time == kNoTime ? std::nullopt : std::optional(captureTimeOf(time));
 }
 
 Cell delayCell(Event row) { return row.event->delay(); }

@@ -1,6 +1,5 @@
 #include "tools/render/FindingLayout.hpp"
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -15,6 +14,7 @@
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::Finding;
 using TalIec61850Analysis::FindingPlace;
 using TalIec61850Analysis::LossCause;
@@ -26,9 +26,7 @@ using Row = FindingRow const&;
 using Place = std::optional<FindingPlace> Finding::*;
 
 std::optional<CaptureTime> instantOf(std::int64_t time) {
-    return time == TalIec61850Analysis::kNoTime
-               ? std::nullopt
-               : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
+    return time == TalIec61850Analysis::kNoTime ? std::nullopt : std::optional(captureTimeOf(time));
 }
 
 Cell countCell(std::uint64_t count) { return count == 0 ? Cell() : Cell(count); }

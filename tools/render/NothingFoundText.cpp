@@ -24,6 +24,7 @@ using TalIec61850Analysis::CaptureSummary;
 namespace {
 
 constexpr std::size_t kMostNames = 5;
+constexpr char const* kProtocolOption = "--protocol";
 
 using Texts = std::vector<std::string>;
 
@@ -78,7 +79,7 @@ public:
     Criteria(PacketCriteria const& criteria, std::vector<StreamRow> const& all) : all_(all) {
         using Row = StreamRow const&;
         if (criteria.protocol) {
-            add("--protocol", {std::string(toText(*criteria.protocol))},
+            add(kProtocolOption, {std::string(toText(*criteria.protocol))},
                 [](Row r) { return Texts{std::string(toText(r.protocol))}; });
         }
         add("--source", texts(criteria.sources), [](Row r) { return textsOf(r.source); });
@@ -141,6 +142,11 @@ private:
 /// "--svid MU9: there are MU01, MU02 and 7 more"
 std::string whyNotMet(Criterion const& criterion) {
     std::string const& wanted = criterion.wanted.front();
+    if (criterion.option == kProtocolOption) {
+        // Some commands ask for it whatever is typed.
+        return fmt::format("no stream carries {}; there is {}", wanted,
+                           fmt::join(criterion.values, " and "));
+    }
     std::string const asked =
         fmt::format("{} {}", criterion.option, wanted.empty() ? "\"\"" : escapeText(wanted));
     if (criterion.values.empty()) {

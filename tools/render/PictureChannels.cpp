@@ -1,5 +1,7 @@
 #include "tools/render/PictureChannels.hpp"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "tools/output/TextEscape.hpp"
@@ -34,6 +36,40 @@ std::vector<PictureChannel> pictureChannels(std::vector<std::size_t> const& numb
                             .scale = meaning.scale.value_or(ChannelScale())});
     }
     return channels;
+}
+
+std::vector<std::vector<std::size_t>> channelPanels(std::vector<PictureChannel> const& channels) {
+    constexpr std::size_t kCounts = 4;
+    std::vector<std::vector<std::size_t>> panels;
+    std::vector<std::string> keys;
+    for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+        std::string const& unit = channels[channel].unit;
+        std::string key = unit.empty() ? "#" + std::to_string(channel / kCounts) : "u" + unit;
+        auto const known = std::find(keys.begin(), keys.end(), key);
+        if (known == keys.end()) {
+            keys.push_back(std::move(key));
+            panels.push_back({channel});
+        } else {
+            panels[static_cast<std::size_t>(known - keys.begin())].push_back(channel);
+        }
+    }
+    return panels;
+}
+
+std::string panelName(std::string_view unit, std::string_view shownUnit) {
+    if (unit.empty()) {
+        return "counts";
+    }
+    return (unit == "A" ? "currents, " : (unit == "V" ? "voltages, " : "")) +
+           std::string(shownUnit);
+}
+
+std::string_view channelColour(PictureChannel const& channel, std::size_t place) {
+    constexpr std::array<std::string_view, 4> kPhases = {"a", "b", "c", "n"};
+    constexpr std::array<std::string_view, 6> kOthers = {"a", "c", "b", "e", "d", "n"};
+    std::size_t const phase =
+        channel.phase.size() == 1 ? std::string_view("ABCN").find(channel.phase) : kPhases.size();
+    return phase < kPhases.size() ? kPhases[phase] : kOthers[place % kOthers.size()];
 }
 
 }  // namespace TalIec61850Tools

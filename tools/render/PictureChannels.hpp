@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/names/StreamNames.hpp"
@@ -34,5 +35,20 @@ struct PictureChannel {
     std::vector<std::size_t> const& numbers,
     std::optional<TalIec61850Analysis::SampleLayout> const& layout,
     DescribedSamples const* described, std::vector<double> const& scales);
+
+/// Channels that share a panel: those of a unit, and of those without one four at a time.
+/// @return places in `channels`
+[[nodiscard]] std::vector<std::vector<std::size_t>> channelPanels(
+    std::vector<PictureChannel> const& channels);
+
+/// What a panel is called: "currents, kA".
+/// @param unit       of its channels
+/// @param shownUnit  the same, with a prefix where values are shown with one
+[[nodiscard]] std::string panelName(std::string_view unit, std::string_view shownUnit);
+
+/// The colour of a channel: that of its phase, or else one by its place.
+/// @param place  among the channels of its stream
+/// @return a name: of the variable in the style sheet of the page, without the dashes
+[[nodiscard]] std::string_view channelColour(PictureChannel const& channel, std::size_t place);
 
 }  // namespace TalIec61850Tools

@@ -3,7 +3,6 @@
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -27,30 +26,59 @@ constexpr std::int64_t nextDecimal(std::int64_t step) {
     return leading == 2 ? step / 2 * 5 : step * 2;
 }
 
-/// The finest step of time that is no less than a length, or the longest there is.
-std::int64_t timeStep(std::uint64_t least) {
-    constexpr std::array<std::int64_t, 18> kClock = {
+/// What is after the last digit that a step of less than a second has.
+std::size_t decimalsOf(std::int64_t step) {
+    std::size_t decimals = 9;
+    while (decimals > 0 && step % 10 == 0) {
+        step /= 10;
+        --decimals;
+    }
+    return decimals;
+}
+
+/// A step, and what its labels have of 2024-03-20T10:00:00.123456789Z.
+TimeStep labelledStep(std::int64_t step) {
+    constexpr std::size_t kDayEnd = 10;
+    constexpr std::size_t kClock = 11;
+    constexpr std::size_t kMinuteEnd = 16;
+    constexpr std::size_t kSecondEnd = 19;
+    if (step >= kDay) {
+        return {.length = step, .first = 0, .end = kDayEnd};
+    }
+    if (step >= kMinute) {
+        return {.length = step, .first = kClock, .end = kMinuteEnd};
+    }
+    std::size_t const decimals = step >= kSecond ? 0 : decimalsOf(step);
+    std::size_t const end = kSecondEnd + (decimals == 0 ? 0 : decimals + 1);
+    return {.length = step, .first = kClock, .end = end};
+}
+
+std::vector<TimeStep> makeTimeSteps() {
+    constexpr std::array<std::int64_t, 17> kClockSteps = {
         kSecond, 2 * kSecond, 5 * kSecond, 10 * kSecond, 15 * kSecond, 30 * kSecond,
         kMinute, 2 * kMinute, 5 * kMinute, 10 * kMinute, 15 * kMinute, 30 * kMinute,
-        kHour,   2 * kHour,   3 * kHour,   6 * kHour,    12 * kHour,   kDay};
+        kHour,   2 * kHour,   3 * kHour,   6 * kHour,    12 * kHour};
     constexpr std::int64_t kMostDays = 100'000;
-    auto const isEnough = [least](std::int64_t step) {
-        return static_cast<std::uint64_t>(step) >= least;
-    };
+    std::vector<TimeStep> steps;
     for (std::int64_t step = 1; step < kSecond; step = nextDecimal(step)) {
-        if (isEnough(step)) {
-            return step;
-        }
+        steps.push_back(labelledStep(step));
     }
-    auto const* const ofClock = std::find_if(kClock.begin(), kClock.end(), isEnough);
-    if (ofClock != kClock.end()) {
-        return *ofClock;
+    for (std::int64_t const step : kClockSteps) {
+        steps.push_back(labelledStep(step));
     }
-    std::int64_t days = 1;
-    while (days < kMostDays && !isEnough(days * kDay)) {
-        days = nextDecimal(days);
+    for (std::int64_t days = 1; days <= kMostDays; days = nextDecimal(days)) {
+        steps.push_back(labelledStep(days * kDay));
     }
-    return days * kDay;
+    return steps;
+}
+
+/// The finest step of time that is no less than a length, or the longest there is.
+std::int64_t timeStep(std::uint64_t least) {
+    auto const& steps = timeSteps();
+    auto const enough = std::find_if(steps.begin(), steps.end(), [least](TimeStep const& step) {
+        return static_cast<std::uint64_t>(step.length) >= least;
+    });
+    return enough == steps.end() ? steps.back().length : enough->length;
 }
 
 /// Multiples of 1, 2 or 5 of a power of ten.
@@ -85,21 +113,16 @@ private:
     double digit_ = 1;
 };
 
-/// What is after the last digit that a step of less than a second has.
-std::size_t decimalsOf(std::int64_t step) {
-    std::size_t decimals = 9;
-    while (decimals > 0 && step % 10 == 0) {
-        step /= 10;
-        --decimals;
-    }
-    return decimals;
-}
-
 std::string utcTextOf(std::int64_t time) {
-    return toUtcText(TalIec61850Analysis::CaptureTime(std::chrono::nanoseconds(time)));
+    return toUtcText(TalIec61850Analysis::captureTimeOf(time));
 }
 
 }  // namespace
+
+std::vector<TimeStep> const& timeSteps() {
+    static std::vector<TimeStep> const steps = makeTimeSteps();
+    return steps;
+}
 
 TimeTicks roundTimes(std::int64_t from, std::int64_t to, std::size_t mostSteps) {
     if (to < from) {
@@ -146,20 +169,8 @@ ValueTicks roundValues(double from, double to, std::size_t mostSteps) {
 }
 
 std::string tickText(std::int64_t time, std::int64_t step) {
-    // 2024-03-20T10:00:00.123456789Z
-    constexpr std::size_t kDayEnd = 10;
-    constexpr std::size_t kClock = 11;
-    constexpr std::size_t kMinuteEnd = 16;
-    constexpr std::size_t kSecondEnd = 19;
-    std::string const text = utcTextOf(time);
-    if (step >= kDay) {
-        return text.substr(0, kDayEnd);
-    }
-    if (step >= kMinute) {
-        return text.substr(kClock, kMinuteEnd - kClock);
-    }
-    std::size_t const decimals = step >= kSecond ? 0 : decimalsOf(step);
-    return text.substr(kClock, kSecondEnd - kClock + (decimals == 0 ? 0 : decimals + 1));
+    TimeStep const part = labelledStep(step);
+    return utcTextOf(time).substr(part.first, part.end - part.first);
 }
 
 std::string dayText(std::int64_t time) {

@@ -17,6 +17,19 @@ struct TimeTicks {
     std::vector<std::int64_t> times;
 };
 
+/// A step that an axis of time may have, see TimeTicks::step.
+struct TimeStep {
+    /// In nanoseconds.
+    std::int64_t length = 1;
+    /// The part of an instant's text that labels have, see toUtcText: its first character, and the
+    /// one after its last.
+    std::size_t first = 0;
+    std::size_t end = 0;
+};
+
+/// All of them, ascending.
+[[nodiscard]] std::vector<TimeStep> const& timeSteps();
+
 /// The ticks of an axis of time.
 /// @param from       the first instant of the axis, in nanoseconds since 1970
 /// @param to         the last one, likewise

@@ -5,7 +5,6 @@
 #include <TalIec61850Analysis/packet/SampleQuality.hpp>
 #include <array>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -29,8 +28,7 @@ namespace {
 using Sampled = SampleRow const&;
 
 std::optional<CaptureTime> timeOf(std::int64_t time) {
-    return time == kNoTime ? std::nullopt
-                           : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
+    return time == kNoTime ? std::nullopt : std::optional(captureTimeOf(time));
 }
 
 Cell nanosecondsCell(std::int64_t time) { return time == kNoTime ? Cell() : Cell(time); }

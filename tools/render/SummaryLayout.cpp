@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -16,6 +15,7 @@
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::StreamJitter;
 
 namespace {
@@ -23,9 +23,7 @@ namespace {
 using Figures = SummaryRow const&;
 
 std::optional<CaptureTime> capturedAt(std::int64_t time) {
-    return time == TalIec61850Analysis::kNoTime
-               ? std::nullopt
-               : std::optional(CaptureTime(std::chrono::nanoseconds(time)));
+    return time == TalIec61850Analysis::kNoTime ? std::nullopt : std::optional(captureTimeOf(time));
 }
 
 bool isGooseStream(Figures row) { return row.key->protocol == Protocol::goose; }

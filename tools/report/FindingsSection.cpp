@@ -129,14 +129,14 @@ std::string FindingsSection::finish() {
 }
 
 nlohmann::ordered_json FindingsSection::marks(std::int64_t origin) const {
-    auto told = nlohmann::ordered_json::array();
+    auto json = nlohmann::ordered_json::array();
     for (Mark const& mark : marks_) {
-        told.push_back({mark.time - origin, mark.severity, mark.row});
+        json.push_back({mark.time - origin, mark.severity, mark.row});
         if (mark.until > mark.time) {
-            told.back().push_back(mark.until - origin);
+            json.back().push_back(mark.until - origin);
         }
     }
-    return told;
+    return json;
 }
 
 std::vector<std::string> FindingsSection::absent() const {

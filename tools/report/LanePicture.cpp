@@ -23,9 +23,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// One lane for the page.
-class LaneTeller {
+class LaneJson {
 public:
-    LaneTeller(LanePictureWish const& wish, PictureLane const& chosen)
+    LaneJson(LanePictureWish const& wish, PictureLane const& chosen)
         : wish_(wish), chosen_(chosen), lane_(*chosen.lane) {}
 
     [[nodiscard]] Json tell(std::string name) {
@@ -37,16 +37,16 @@ public:
             spans.push_back(
                 {interval.from - wish_.from, interval.to - wish_.from, std::move(value)});
         }
-        Json told;
-        told["name"] = std::move(name);
-        told["isBits"] = areBits;
-        told["isChanging"] = isChanging(lane_);
-        told["on"] = numberOf({"true", "on"});
-        told["off"] = numberOf({"false", "off"});
-        told["values"] = values_;
-        told["spans"] = std::move(spans);
-        told["bad"] = badSpans();
-        return told;
+        Json json;
+        json["name"] = std::move(name);
+        json["isBits"] = areBits;
+        json["isChanging"] = isChanging(lane_);
+        json["on"] = numberOf({"true", "on"});
+        json["off"] = numberOf({"false", "off"});
+        json["values"] = values_;
+        json["spans"] = std::move(spans);
+        json["bad"] = badSpans();
+        return json;
     }
 
 private:
@@ -104,14 +104,14 @@ LanePicture drawLanes(TrafficIndex const& index, std::size_t stream, LanePicture
     auto const& known = index.streams()[stream];
     for (PictureLane const& each : chosen.lanes) {
         MemberLane const& lane = *each.lane;
-        lanes.push_back(LaneTeller(wish, each).tell(names.of(known, lane.member)));
+        lanes.push_back(LaneJson(wish, each).tell(names.of(known, lane.member)));
         picture.areJoined = picture.areJoined ||
                             std::any_of(lane.intervals.begin(), lane.intervals.end(),
                                         [](auto const& interval) { return interval.joined > 1; });
     }
     if (!lanes.empty()) {
-        picture.told["name"] = names.of(known);
-        picture.told["lanes"] = std::move(lanes);
+        picture.json["name"] = names.of(known);
+        picture.json["lanes"] = std::move(lanes);
     }
     return picture;
 }

@@ -25,7 +25,7 @@ struct LanePictureWish {
 /// What the page holds of a GOOSE stream.
 struct LanePicture {
     /// For the page; null where there is no lane.
-    nlohmann::ordered_json told;
+    nlohmann::ordered_json json;
     /// Members that have no lane, though they could.
     std::size_t leftOut = 0;
     /// Whether intervals of a lane were joined.

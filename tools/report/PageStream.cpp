@@ -7,19 +7,20 @@
 #include <TalIec61850Analysis/pictures/StreamPicture.hpp>
 #include <TalIec61850Analysis/pictures/Waveform.hpp>
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <set>
 #include <utility>
 
 #include "tools/render/PictureChannels.hpp"
 #include "tools/render/QualityText.hpp"
+#include "tools/render/SampleDelay.hpp"
 #include "tools/report/ArrivalPicture.hpp"
 #include "tools/report/PictureSegments.hpp"
 
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::EnvelopeBuilder;
 using TalIec61850Analysis::EnvelopeOptions;
 using TalIec61850Analysis::Envelopes;
@@ -45,23 +46,23 @@ using Json = nlohmann::ordered_json;
 constexpr std::size_t kArrivalColumns = 4096;
 constexpr std::size_t kUsualColumns = 8192;
 
-CaptureTime instant(std::int64_t time) { return CaptureTime(std::chrono::nanoseconds(time)); }
+CaptureTime instant(std::int64_t time) { return captureTimeOf(time); }
 
-/// What is told of a stream besides its values.
-class StreamTeller {
+/// What the page has of a stream besides its values.
+class StreamJson {
 public:
-    StreamTeller(TrafficStream const& stream, PageStreamWish const& wish, PictureNames const& names,
-                 std::size_t arrivalColumns)
+    StreamJson(TrafficStream const& stream, PageStreamWish const& wish, PictureNames const& names)
         : stream_(stream),
           wish_(wish),
           names_(names),
           spans_(SpanOptions{.mostSpans = wish.mostSpans, .channels = wish.channels}),
-          arrival_(wish.samples, arrivalColumns) {}
+          arrival_(wish.samples, kArrivalColumns) {}
 
     void add(SampleBlock const& block) {
         spans_.add(block);
         arrival_.add(block);
         extent_.add(block);
+        delay_.add(block);
     }
 
     /// @param segments  whose octets are in the picture already
@@ -70,46 +71,68 @@ public:
         picture.missing = extent_.missing;
         picture.first = extent_.first;
         picture.last = extent_.last;
+        picture.delay = delay_.least();
         SampleSpans const spans = spans_.take();
         picture.channels = spans.channelNumbers.size();
         picture.channelsOfStream = spans.channelsOfStream;
         if (picture.channels == 0 || segments.empty()) {
             return;
         }
-        Json& told = picture.told;
-        told["name"] = names_.of(stream_);
-        told["frequency"] = frequency ? Json(*frequency) : Json();
-        told["channels"] = channels(spans.channelNumbers);
-        told["qualities"] = qualities(spans);
-        told["missing"] = spansOf(spans.missing);
+        Json& json = picture.json;
+        json["name"] = names_.of(stream_);
+        json["frequency"] = frequency ? Json(*frequency) : Json();
+        std::vector<PictureChannel> const channels =
+            pictureChannels(spans.channelNumbers, extent_.layout, wish_.described, wish_.scales);
+        json["channels"] = jsonOf(channels);
+        json["panels"] = panelsOf(channels);
+        json["qualities"] = qualities(spans);
+        json["missing"] = spansOf(spans.missing);
         Json bad = Json::array();
         for (auto const& channel : spans.qualities) {
             bad.push_back(spansOf(channel));
         }
-        told["bad"] = std::move(bad);
-        told["segments"] = std::move(segments);
-        Json arrivals = envelopeSegments(picture.octets, arrival_.take());
-        if (!arrivals.empty()) {
-            Json const microseconds = {
-                {"name", ""}, {"unit", "us"}, {"phase", ""}, {"factor", 1000}, {"divides", true}};
-            told["arrival"] = {{"channels", {microseconds, microseconds}},
-                               {"missing", Json::array()},
-                               {"bad", Json::array()},
-                               {"segments", std::move(arrivals)}};
-        }
+        json["bad"] = std::move(bad);
+        json["segments"] = std::move(segments);
+        addArrivals(picture);
     }
 
 private:
-    [[nodiscard]] Json channels(std::vector<std::size_t> const& numbers) const {
+    void addArrivals(PageStream& picture) {
+        Envelopes columns = arrival_.take();
+        Json arrivals = envelopeSegments(picture.octets, columns);
+        if (!picture.hasSamples) {
+            picture.arrivals = std::move(columns);
+        }
+        if (!arrivals.empty()) {
+            Json const microseconds = {
+                {"name", ""}, {"unit", "us"}, {"factor", 1000}, {"divides", true}};
+            picture.json["arrival"] = {{"channels", {microseconds, microseconds}},
+                                       {"missing", Json::array()},
+                                       {"bad", Json::array()},
+                                       {"segments", std::move(arrivals)}};
+        }
+    }
+
+    [[nodiscard]] static Json jsonOf(std::vector<PictureChannel> const& channels) {
         Json list = Json::array();
-        for (PictureChannel const& channel :
-             pictureChannels(numbers, extent_.layout, wish_.described, wish_.scales)) {
+        for (std::size_t place = 0; place < channels.size(); ++place) {
+            PictureChannel const& channel = channels[place];
             list.push_back({{"name", channel.name},
                             {"unit", channel.unit},
-                            {"phase", channel.phase},
+                            {"colour", channelColour(channel, place)},
                             {"factor", channel.scale.factor},
                             {"divides", channel.scale.divides},
                             {"offset", channel.scale.offset}});
+        }
+        return list;
+    }
+
+    /// Channels that share a chart, and what it is called.
+    [[nodiscard]] static Json panelsOf(std::vector<PictureChannel> const& channels) {
+        Json list = Json::array();
+        for (std::vector<std::size_t> const& places : channelPanels(channels)) {
+            std::string const& unit = channels[places.front()].unit;
+            list.push_back({{"name", panelName(unit, unit)}, {"channels", places}});
         }
         return list;
     }
@@ -143,8 +166,10 @@ private:
     SampleSpanBuilder spans_;
     ArrivalPicture arrival_;
     SampleExtent extent_;
+    SampleDelay delay_;
 };
 
+/// @param take  whether to read on
 template <typename Take>
 void readBlocks(TrafficIndex const& index, TrafficStream const& stream, PageStreamWish const& wish,
                 Take const& take) {
@@ -152,8 +177,9 @@ void readBlocks(TrafficIndex const& index, TrafficStream const& stream, PageStre
     options.rows = SampleRows::everySample;
     SampleReader reader(index, stream, options);
     while (SampleBlock const* const block = reader.next()) {
-        if (!wish.admits || wish.admits(*block)) {
-            take(*block);
+        bool const isWanted = !wish.admits || wish.admits(*block);
+        if (isWanted && !take(*block)) {
+            return;
         }
     }
 }
@@ -181,25 +207,39 @@ std::size_t channelsOf(SampleBlock const& block, PageStreamWish const& wish) {
         1, wish.channels.empty() ? block.channels.size() : wish.channels.size());
 }
 
+void setColumns(PageStream& picture) {
+    if (!picture.values.levels.empty()) {
+        picture.columns = picture.values.levels.front().size();
+        picture.columnWidth = picture.values.levels.front().width;
+    }
+}
+
+void halve(Envelopes& envelopes) {
+    if (!envelopes.levels.empty()) {
+        envelopes.levels = {joinColumns(envelopes.levels.front())};
+    }
+}
+
 }  // namespace
 
 PageStream drawSamples(TrafficIndex const& index, TrafficStream const& stream,
                        PageStreamWish const& wish, PictureNames const& names) {
-    StreamTeller teller(stream, wish, names, kArrivalColumns);
+    StreamJson others(stream, wish, names);
     std::optional<WaveformBuilder> builder;
     readBlocks(index, stream, wish, [&](SampleBlock const& block) {
         if (!builder) {
             builder.emplace(wish.mostValues / channelsOf(block, wish), wish.channels);
         }
         builder->add(block);
-        teller.add(block);
+        others.add(block);
+        return !builder->waveform().isTooLong;
     });
     PageStream picture;
     if (!builder) {
         return picture;
     }
     auto const coarser = [&] {
-        PageStream columns = drawColumns(index, stream, wish, names, kUsualColumns);
+        PageStream columns = drawColumns(index, stream, wish, names);
         columns.isOverMemory = true;
         return columns;
     };
@@ -212,31 +252,43 @@ PageStream drawSamples(TrafficIndex const& index, TrafficStream const& stream,
         return coarser();
     }
     picture.hasSamples = true;
-    teller.finish(picture, *std::move(segments), frequencyOf(waveform));
+    others.finish(picture, *std::move(segments), frequencyOf(waveform));
     return picture;
 }
 
 PageStream drawColumns(TrafficIndex const& index, TrafficStream const& stream,
-                       PageStreamWish const& wish, PictureNames const& names, std::size_t columns) {
-    StreamTeller teller(stream, wish, names, std::min(columns, kArrivalColumns));
+                       PageStreamWish const& wish, PictureNames const& names) {
+    StreamJson others(stream, wish, names);
     EnvelopeBuilder builder(EnvelopeOptions{.from = wish.samples.from,
                                             .end = wish.samples.end,
-                                            .columns = columns,
-                                            .fewestColumns = columns,
+                                            .columns = kUsualColumns,
+                                            .fewestColumns = kUsualColumns,
                                             .channels = wish.channels});
     readBlocks(index, stream, wish, [&](SampleBlock const& block) {
         builder.add(block);
-        teller.add(block);
+        others.add(block);
+        return true;
     });
     PageStream picture;
-    Envelopes const envelopes = builder.take();
-    if (!envelopes.levels.empty()) {
-        picture.columns = envelopes.levels[0].size();
-        picture.columnWidth = envelopes.levels[0].width;
-    }
-    Json segments = envelopeSegments(picture.octets, envelopes);
-    teller.finish(picture, std::move(segments), std::nullopt);
+    picture.values = builder.take();
+    setColumns(picture);
+    Json segments = envelopeSegments(picture.octets, picture.values);
+    others.finish(picture, std::move(segments), std::nullopt);
     return picture;
+}
+
+void halveColumns(PageStream& picture) {
+    halve(picture.values);
+    setColumns(picture);
+    auto const& ofArrival = picture.arrivals.levels;
+    if (!ofArrival.empty() && ofArrival.front().size() > picture.columns) {
+        halve(picture.arrivals);
+    }
+    picture.octets.clear();
+    picture.json["segments"] = envelopeSegments(picture.octets, picture.values);
+    if (picture.json.contains("arrival")) {
+        picture.json["arrival"]["segments"] = envelopeSegments(picture.octets, picture.arrivals);
+    }
 }
 
 }  // namespace TalIec61850Tools

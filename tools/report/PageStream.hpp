@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TalIec61850Analysis/pictures/Envelope.hpp>
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
 #include <TalIec61850Analysis/traffic/PacketColumns.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
@@ -39,7 +40,7 @@ struct PageStreamWish {
 /// What the page holds of an SV stream.
 struct PageStream {
     /// For the page, but for where the octets are. Null where there is nothing to draw.
-    nlohmann::ordered_json told;
+    nlohmann::ordered_json json;
     /// Values, packed: see NumberPacker.
     std::string octets;
     std::uint64_t received = 0;
@@ -47,6 +48,8 @@ struct PageStream {
     /// Of the first sample and the last one, in nanoseconds since 1970; kNoTime without any.
     std::int64_t first = TalIec61850Analysis::kNoTime;
     std::int64_t last = TalIec61850Analysis::kNoTime;
+    /// As SampleDelay::least.
+    std::int64_t delay = 0;
     std::size_t channels = 0;
     /// Those that the stream has, in the picture or not.
     std::size_t channelsOfStream = 0;
@@ -57,6 +60,9 @@ struct PageStream {
     /// Of those columns: how many, and how wide in nanoseconds.
     std::size_t columns = 0;
     std::int64_t columnWidth = 0;
+    /// Those columns, and those of how samples arrived, of one level each.
+    TalIec61850Analysis::Envelopes values;
+    TalIec61850Analysis::Envelopes arrivals;
 };
 
 /// Draws samples of a stream: the samples themselves, where they fit, or else columns of them.
@@ -66,11 +72,12 @@ struct PageStream {
                                      PageStreamWish const& wish, PictureNames const& names);
 
 /// Draws a stream as columns of the least and the largest value.
-/// @param columns  at most, and at least 16
 /// @throws std::system_error  a capture cannot be read
 [[nodiscard]] PageStream drawColumns(TalIec61850Analysis::TrafficIndex const& index,
                                      TalIec61850Analysis::TrafficStream const& stream,
-                                     PageStreamWish const& wish, PictureNames const& names,
-                                     std::size_t columns);
+                                     PageStreamWish const& wish, PictureNames const& names);
+
+/// Makes two columns one, of a stream that is drawn as columns.
+void halveColumns(PageStream& picture);
 
 }  // namespace TalIec61850Tools

@@ -30,7 +30,7 @@ constexpr std::int64_t kFarOff = 1'000'000'000;
 /// How many rows come one after the other that have a value, then how many that have none, and so
 /// on; empty where all have one.
 template <typename IsGone>
-std::vector<double> turns(std::size_t first, std::size_t end, IsGone const& isGone) {
+std::vector<double> runLengths(std::size_t first, std::size_t end, IsGone const& isGone) {
     std::vector<double> lengths;
     bool isInGap = false;
     std::size_t start = first;
@@ -119,7 +119,7 @@ private:
         auto const isGone = [&](std::size_t row) {
             return waveform_.states[row] == SampleState::missing;
         };
-        segment["gone"] = packer_.pack(turns(first, end, isGone));
+        segment["gone"] = packer_.pack(runLengths(first, end, isGone));
         Json channels = Json::array();
         std::vector<double> values(end - first);
         for (auto const& channel : waveform_.channels) {
@@ -172,7 +172,7 @@ Json envelopeSegments(std::string& octets, Envelopes const& envelopes) {
         packed["max"] = packer.packChannel(largest);
         channels.push_back(std::move(packed));
     }
-    auto const gone = turns(0, count, [&](std::size_t i) { return isGone[i]; });
+    auto const gone = runLengths(0, count, [&](std::size_t i) { return isGone[i]; });
     segments.push_back({{"start", std::to_string(envelopes.start)},
                         {"samples", 1'000'000'000},
                         {"seconds", level.width},

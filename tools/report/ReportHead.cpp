@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
-#include <chrono>
 #include <utility>
 #include <variant>
 
@@ -19,7 +18,7 @@
 
 namespace TalIec61850Tools {
 
-using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
 using TalIec61850Analysis::Finding;
 using TalIec61850Analysis::FindingKind;
 using TalIec61850Analysis::GooseEvent;
@@ -33,7 +32,7 @@ using TalIec61850Analysis::TrafficStream;
 namespace {
 
 std::string timeText(std::int64_t time) {
-    return time == kNoTime ? "at no time" : toUtcText(CaptureTime(std::chrono::nanoseconds(time)));
+    return time == kNoTime ? "at no time" : toUtcText(captureTimeOf(time));
 }
 
 std::string counted(std::uint64_t count, std::string_view noun) {

@@ -22,7 +22,7 @@ struct ReportPage {
     std::string findings;
     std::string events;
     std::string redundancy;
-    /// What the script reads: base, from, to, streams, goose, marks.
+    /// What the script reads: base, from, to, steps, streams, goose, marks.
     nlohmann::ordered_json report;
     /// Values of all streams: see NumberPacker.
     std::string octets;

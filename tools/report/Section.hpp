@@ -15,6 +15,9 @@ namespace TalIec61850Tools {
 /// Rows of a table of the page: other commands list all, a page is to be read.
 inline constexpr std::size_t kMostSectionRows = 2000;
 
+/// Streams that a page draws at most, of either protocol.
+inline constexpr std::size_t kMostDrawnStreams = 40;
+
 /// A paragraph that says what is not there.
 [[nodiscard]] std::string absentMarkup(std::string_view text);
 

@@ -11,9 +11,6 @@
 
 namespace TalIec61850Tools {
 
-/// Streams that a page draws at most, of either protocol.
-inline constexpr std::size_t kMostDrawnStreams = 40;
-
 /// The GOOSE streams that a page draws.
 class StatesSection {
 public:
@@ -32,14 +29,14 @@ public:
     /// @param streams  how many there are
     [[nodiscard]] std::vector<std::string> absent(std::size_t streams) const;
     /// For the script.
-    [[nodiscard]] nlohmann::ordered_json const& told() const { return told_; }
+    [[nodiscard]] nlohmann::ordered_json const& json() const { return json_; }
 
 private:
     TalIec61850Analysis::TrafficIndex const& index_;
     PictureNames const& names_;
     LanePictureWish wish_;
     std::size_t mostOctets_;
-    nlohmann::ordered_json told_ = nlohmann::ordered_json::array();
+    nlohmann::ordered_json json_ = nlohmann::ordered_json::array();
     std::size_t octets_ = 0;
     std::size_t leftOut_ = 0;
     bool areJoined_ = false;

@@ -9,8 +9,9 @@
 #include "tools/output/Plural.hpp"
 #include "tools/output/WithCommas.hpp"
 #include "tools/render/DurationText.hpp"
+#include "tools/render/SampleDelay.hpp"
 #include "tools/report/HtmlText.hpp"
-#include "tools/report/StatesSection.hpp"
+#include "tools/report/Section.hpp"
 
 namespace TalIec61850Tools {
 
@@ -20,11 +21,10 @@ using TalIec61850Analysis::TrafficStream;
 namespace {
 
 constexpr std::size_t kFewestColumns = 16;
-constexpr std::size_t kMostColumns = 16'384;
 
 /// What a stream takes of a page.
 std::size_t sizeOf(PageStream const& picture) {
-    return picture.octets.size() / 3 * 4 + scriptSize(picture.told);
+    return picture.octets.size() / 3 * 4 + scriptSize(picture.json);
 }
 
 /// Names, but not all of many.
@@ -68,14 +68,12 @@ void WaveformsSection::add(std::size_t stream) {
         picture = drawSamples(index_, known, wishOf_(known), names_);
     }
     mostChannels_ = std::max(mostChannels_, picture.channelsOfStream);
-    if (picture.told.is_null()) {
+    if (picture.json.is_null()) {
         ++empty_;
         return;
     }
     std::size_t const size = sizeOf(picture);
-    std::size_t const columns = picture.hasSamples ? kMostColumns : picture.columns;
-    drawn_.push_back(
-        {.picture = std::move(picture), .stream = stream, .columns = columns, .size = size});
+    drawn_.push_back({.picture = std::move(picture), .stream = stream, .size = size});
     fit();
 }
 
@@ -86,7 +84,7 @@ void WaveformsSection::fit() {
         Drawn* largest = nullptr;
         for (Drawn& each : drawn_) {
             sum += each.size;
-            bool const canShrink = each.columns > kFewestColumns;
+            bool const canShrink = each.picture.hasSamples || each.picture.columns > kFewestColumns;
             if (canShrink && (largest == nullptr || each.size > largest->size)) {
                 largest = &each;
             }
@@ -99,9 +97,13 @@ void WaveformsSection::fit() {
             ++empty_;
             continue;
         }
-        largest->columns = std::max(kFewestColumns, largest->columns / 2);
-        TrafficStream const& stream = index_.streams()[largest->stream];
-        largest->picture = drawColumns(index_, stream, wishOf_(stream), names_, largest->columns);
+        if (largest->picture.hasSamples) {
+            TrafficStream const& stream = index_.streams()[largest->stream];
+            largest->picture = drawColumns(index_, stream, wishOf_(stream), names_);
+        } else {
+            halveColumns(largest->picture);
+            largest->picture.isOverMemory = false;  // now it is the size of the page
+        }
         largest->size = sizeOf(largest->picture);
     }
 }
@@ -119,6 +121,14 @@ std::vector<std::string> WaveformsSection::absent(std::size_t streams) const {
         fmt::format("{} of Sampled Values are not drawn: no sample in this time, or more "
                     "streams than fit.",
                     plural(empty_, "stream"))};
+}
+
+std::string WaveformsSection::delayNote() const {
+    DelayNote note;
+    for (Drawn const& each : drawn_) {
+        note.add(each.picture.delay, names_.of(index_.streams()[each.stream]));
+    }
+    return note.text();
 }
 
 Waveforms WaveformsSection::take(std::uint64_t maxSize) {
@@ -142,10 +152,10 @@ Waveforms WaveformsSection::take(std::uint64_t maxSize) {
                     fmt::format("{} as {} columns of {}", names_.of(index_.streams()[each.stream]),
                                 withCommas(picture.columns), durationText(picture.columnWidth)));
         }
-        picture.told["at"] = all.octets.size();
+        picture.json["at"] = all.octets.size();
         all.octets += picture.octets;
         picture.octets.clear();
-        all.told.push_back(std::move(picture.told));
+        all.json.push_back(std::move(picture.json));
     }
     all.line = fmt::format(
         "Waveforms: {}.",

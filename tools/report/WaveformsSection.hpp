@@ -17,7 +17,7 @@ namespace TalIec61850Tools {
 /// What a page has of SV streams.
 struct Waveforms {
     /// For the script: one for each stream that is drawn.
-    nlohmann::ordered_json told = nlohmann::ordered_json::array();
+    nlohmann::ordered_json json = nlohmann::ordered_json::array();
     /// Their values: see NumberPacker.
     std::string octets;
     /// How many samples and channels there are, and what of them is in the page.
@@ -52,6 +52,9 @@ public:
     /// What is not drawn, a sentence each.
     /// @param streams  how many there are
     [[nodiscard]] std::vector<std::string> absent(std::size_t streams) const;
+    /// How far samples are from what is drawn at the time of its capture; empty where that is not
+    /// much.
+    [[nodiscard]] std::string delayNote() const;
     /// What was drawn. To be called once, last.
     /// @param maxSize  octets of the page, to be told where they were too few
     [[nodiscard]] Waveforms take(std::uint64_t maxSize);
@@ -61,7 +64,6 @@ private:
     struct Drawn {
         PageStream picture;
         std::size_t stream = 0;
-        std::size_t columns = 0;
         /// In the page.
         std::size_t size = 0;
     };

@@ -4,7 +4,10 @@
 
 namespace TalIec61850Tools {
 
+using TalIec61850Analysis::afterTime;
 using TalIec61850Analysis::CaptureTime;
+using TalIec61850Analysis::captureTimeOf;
+using TalIec61850Analysis::nanosecondsOf;
 using TalIec61850Analysis::nanosecondsSince1970;
 
 /// From when to when there are records.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +14,9 @@ public:
     /// @param end      the first instant after the last one; a window is at least a nanosecond long
     /// @param columns  how many there are; at least 1
     TimeScale(std::int64_t from, std::int64_t end, std::size_t columns)
-        : from_(from), end_(std::max(end, from + 1)), columns_(std::max<std::size_t>(columns, 1)) {}
+        : end_(std::max(end, TalIec61850Analysis::afterTime(from))),
+          from_(std::min(from, end_ - 1)),
+          columns_(std::max<std::size_t>(columns, 1)) {}
 
     /// Columns from some others, such as dots from characters.
     /// @param factor  for each column so many
@@ -56,8 +59,8 @@ private:
     /// Whether the difference to a time is exact.
     [[nodiscard]] bool isNear(std::int64_t time) const { return (time >= 0) == (from_ >= 0); }
 
-    std::int64_t from_;
     std::int64_t end_;
+    std::int64_t from_;
     std::size_t columns_;
 };
 

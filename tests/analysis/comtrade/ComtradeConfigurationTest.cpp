@@ -157,7 +157,7 @@ TEST(ComtradeConfigurations, OfTheEditionOf1999CutTimesToMicroseconds) {
 
 TEST(ComtradeConfigurations, TellTimesBefore1970) {
     ComtradeRecord record = recordOf(kBinary32, 1, 0, 1);
-    record.start = CaptureTime(std::chrono::nanoseconds(-1));
+    record.start = captureTimeOf(-1);
     record.trigger = CaptureTime::min();
     EXPECT_EQ(lineOf(record, 7), "31/12/1969,23:59:59.999999999");
     EXPECT_EQ(lineOf(record, 8), "21/09/1677,00:12:43.145224192");

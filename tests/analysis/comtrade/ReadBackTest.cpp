@@ -54,8 +54,8 @@ ComtradeRecord anyRecord() {
     record.rate = {.samples = *rc::gen::inRange<std::uint32_t>(1, 20'000),
                    .seconds = *rc::gen::inRange<std::uint32_t>(1, 10)};
     record.rows = *rc::gen::inRange<std::uint64_t>(1, 50);
-    record.start = CaptureTime(std::chrono::nanoseconds(*rc::gen::arbitrary<std::int64_t>() / 2));
-    record.trigger = CaptureTime(std::chrono::nanoseconds(*rc::gen::arbitrary<std::int64_t>() / 2));
+    record.start = captureTimeOf(*rc::gen::arbitrary<std::int64_t>() / 2);
+    record.trigger = captureTimeOf(*rc::gen::arbitrary<std::int64_t>() / 2);
     record.timeQuality = *rc::gen::inRange<std::uint8_t>(0, 12);
     record.leapSecond = *rc::gen::element(ComtradeLeapSecond::none, ComtradeLeapSecond::unknown);
     return record;

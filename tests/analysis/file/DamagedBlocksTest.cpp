@@ -193,7 +193,7 @@ TEST(DamagedBlocks, OptionsThatAreCutAreToldAndThoseBeforeKept) {
     ReadCapture const read = readWhole(maker.bytes());
     EXPECT_EQ(read.damageKinds(), std::vector{Kind::optionCut});
     ASSERT_EQ(read.records.size(), 1U);
-    EXPECT_EQ(read.records[0].record.time, CaptureTime(std::chrono::nanoseconds(5)));
+    EXPECT_EQ(read.records[0].record.time, captureTimeOf(5));
     EXPECT_EQ(read.records[0].record.dropped, 3U);
 }
 

@@ -4,7 +4,6 @@
 
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/file/CaptureSurvey.hpp>
-#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -38,9 +37,7 @@ ReadCapture readSound(PcapngMaker const& maker) {
     return read;
 }
 
-CaptureTime timeAt(std::uint64_t nanoseconds) {
-    return CaptureTime(std::chrono::nanoseconds(nanoseconds));
-}
+CaptureTime timeAt(std::uint64_t nanoseconds) { return captureTimeOf(nanoseconds); }
 
 std::vector<std::optional<CaptureTime>> timesOf(ReadCapture const& read) {
     std::vector<std::optional<CaptureTime>> times;

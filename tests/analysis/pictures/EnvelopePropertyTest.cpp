@@ -99,8 +99,7 @@ RC_GTEST_PROP(EnvelopeProperty, EveryLevelOfAnyWindowHoldsAllSamples, ()) {
     options.columns = *rc::gen::inRange<std::size_t>(0, 70);
     options.fewestColumns = 4;
     auto const bound = [] {
-        return CaptureTime(std::chrono::nanoseconds(
-            kAxisStart + *rc::gen::inRange<std::int64_t>(-1'000'000, 15'000'000)));
+        return captureTimeOf(kAxisStart + *rc::gen::inRange<std::int64_t>(-1'000'000, 15'000'000));
     };
     if (*rc::gen::arbitrary<bool>()) options.from = bound();
     if (*rc::gen::arbitrary<bool>()) options.end = bound();

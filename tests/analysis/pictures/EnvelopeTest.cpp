@@ -20,7 +20,7 @@ constexpr std::int64_t kEnvelopeStart = 1'700'000'000'000'000'000;
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 CaptureTime envelopeInstant(std::int64_t afterStart) {
-    return CaptureTime(std::chrono::nanoseconds(kEnvelopeStart + afterStart));
+    return captureTimeOf(kEnvelopeStart + afterStart);
 }
 
 /// 16 columns of two milliseconds.
@@ -134,6 +134,40 @@ TEST(Envelope, TakesEveryType) {
                                                 {2'147'483'647.0, -2'147'483'648.0}))});
     expectValues(made.levels.at(0).channels.at(0).least, {-large, -2'147'483'648.0});
     expectValues(made.levels[0].channels[0].largest, {large, 2'147'483'647.0});
+}
+
+TEST(Envelope, TakesNothingInAfterItWasTaken) {
+    for (EnvelopeOptions const& options : {EnvelopeOptions{}, sixteenColumns()}) {
+        EnvelopeBuilder builder(options);
+        SampleBlock const block = blockOf(plainSamples(kEnvelopeStart, {1, 2, 3}));
+        builder.add(block);
+        EXPECT_FALSE(builder.take().levels.empty());
+        builder.add(block);
+        EXPECT_TRUE(builder.take().levels.empty());
+    }
+}
+
+TEST(Envelope, HasABoundedNumberOfColumns) {
+    auto const made = envelopesOf({.from = envelopeInstant(0),
+                                   .end = envelopeInstant(kColumnMs * 10'000),
+                                   .columns = std::numeric_limits<std::size_t>::max()},
+                                  {});
+    ASSERT_FALSE(made.levels.empty());
+    EXPECT_LE(made.levels.front().size(), 1'048'576U);
+    EXPECT_GT(made.levels.front().size(), 524'288U);
+}
+
+TEST(Envelope, JoinsNoColumnsOfListsThatAreNotOfOneLength) {
+    auto const made = envelopesOf(sixteenColumns(), {blockOf(plainSamples(kEnvelopeStart, {5}))});
+    EnvelopeLevel const& whole = made.levels.front();
+    EXPECT_EQ(joinColumns(whole).size(), 8U);
+    std::vector<EnvelopeLevel> broken(3, whole);
+    broken[0].missing.pop_back();
+    broken[1].channels[0].counts.resize(3);
+    broken[2].channels[0].last.clear();
+    for (EnvelopeLevel const& each : broken) {
+        EXPECT_EQ(joinColumns(each).size(), 0U);
+    }
 }
 
 TEST(Envelope, HasNoColumnsOfAnEmptyWindow) {

@@ -50,6 +50,16 @@ TEST(FindFrequency, HasNoneOfWhatHasNoFundamental) {
     EXPECT_FALSE(findFrequency(AnalyticWave{}.samples(4000, 400), 1e12).has_value());
 }
 
+TEST(FindFrequency, IsExactBesideStrongHarmonics) {
+    for (double const frequency : {47.5, 49.3, 50.0, 51.9}) {
+        AnalyticWave const wave{.frequency = frequency,
+                                .parts = {{1, 1000, 0.3}, {2, 500, 1}, {3, 900, 2}, {7, 400, 0}}};
+        auto const found = findFrequency(wave.samples(4000, 400), 4000, 50);
+        ASSERT_TRUE(found.has_value()) << frequency;
+        EXPECT_NEAR(*found, frequency, 1e-6);
+    }
+}
+
 TEST(FindFrequency, IsNearForNoise) {
     std::mt19937 random(61850);
     AnalyticWave const wave{.frequency = 50.4, .parts = {{1, 1000, 0.3}}};

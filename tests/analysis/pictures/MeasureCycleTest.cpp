@@ -5,7 +5,6 @@
 
 #include <TalIec61850Analysis/pictures/MeasureCycle.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -20,7 +19,7 @@ using namespace TalIec61850Analysis;
 constexpr double kPi = std::numbers::pi;
 
 CaptureTime waveInstant(std::int64_t afterStart) {
-    return CaptureTime(std::chrono::nanoseconds(kWaveformStart + afterStart));
+    return captureTimeOf(kWaveformStart + afterStart);
 }
 
 /// A rate, and what a power system has there.
@@ -295,9 +294,38 @@ TEST(MeasureCycleAt, TakesTimesThatMayBeAnyNumbers) {
     waveform.times.back() = std::numeric_limits<std::int64_t>::max();
     for (std::int64_t const instant :
          {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
-        EXPECT_FALSE(
-            measureCycleAt(waveform, CaptureTime(std::chrono::nanoseconds(instant))).has_value());
+        EXPECT_FALSE(measureCycleAt(waveform, captureTimeOf(instant)).has_value());
     }
+}
+
+TEST(MeasureCycleAt, MeasuresNothingOfAWaveformThatIsNotWhole) {
+    AnalyticWave const wave{.frequency = 50, .parts = {{1, 1000, 0.7}}};
+    Waveform const whole = waveformOf({wave}, 4000, 400);
+    auto const at = captureTimeOf(whole.times[200]);
+    ASSERT_TRUE(measureCycleAt(whole, at).has_value());
+    std::vector<Waveform> broken(5, whole);
+    broken[0].states.pop_back();
+    broken[1].channels[0].values.resize(150);
+    broken[2].channels[0].qualities.clear();
+    broken[3].runs.push_back({.firstRow = 401, .rate = whole.runs[0].rate});
+    broken[4].runs = {{.firstRow = 300, .rate = whole.runs[0].rate}, whole.runs[0]};
+    for (Waveform const& each : broken) {
+        EXPECT_FALSE(measureCycleAt(each, at).has_value());
+    }
+}
+
+TEST(MeasureCycleAt, MeasuresNothingWithAFrequencyThatIsNone) {
+    Waveform const waveform = waveformOf({AnalyticWave{}}, 4000, 400);
+    auto const at = captureTimeOf(waveform.times[200]);
+    for (double const frequency : {0.0, -50.0, std::numeric_limits<double>::quiet_NaN(),
+                                   std::numeric_limits<double>::infinity()}) {
+        EXPECT_FALSE(measureCycleAt(waveform, at, {.frequency = frequency}).has_value());
+    }
+}
+
+TEST(MeasureCycle, HasNoRootMeanSquareThatIsNoNumber) {
+    AnalyticWave const wave{.frequency = 50, .parts = {{1, 1e300, 0}}};
+    EXPECT_FALSE(measureCycle(wave.samples(4000, 80), 4000, 50).has_value());
 }
 
 RC_GTEST_PROP(MeasureCycle, IsExactForAnyPureWave, ()) {

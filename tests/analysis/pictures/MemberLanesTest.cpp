@@ -5,7 +5,6 @@
 
 #include <TalIec61850Analysis/pictures/MemberLanes.hpp>
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <system_error>
 
@@ -90,9 +89,7 @@ std::string lineOf(std::int64_t from, std::int64_t to, std::string const& value)
     return std::to_string(from) + "-" + std::to_string(to) + " " + value;
 }
 
-CaptureTime stationTime(std::int64_t ms) {
-    return CaptureTime(std::chrono::nanoseconds(kStationStart + ms * kLaneMs));
-}
+CaptureTime stationTime(std::int64_t ms) { return captureTimeOf(kStationStart + ms * kLaneMs); }
 
 TEST(MemberLanes, TellValuesFromTheFirstMessageOn) {
     auto station = stationOfThree();
@@ -278,6 +275,25 @@ TEST(MemberLanes, AreOfTheStreamThatWasAskedFor) {
     IndexedStation const indexed(station);
     EXPECT_EQ(indexed.lanes({}, 1).lanes.at(0).intervals.size(), 2U);  // true, then expired
     EXPECT_TRUE(indexed.lanes({}, 2).lanes.empty());
+}
+
+TEST(MemberLanes, AreNoneOfANumberThatTheIndexDoesNotHave) {
+    auto station = stationOfThree();
+    IndexedStation const indexed(station);
+    EXPECT_TRUE(indexed.lanes({}, 1).lanes.empty());
+    EXPECT_TRUE(readMemberLanes(TrafficIndex(), 0).lanes.empty());
+}
+
+TEST(MemberLanes, LastANanosecondWhereTheOnlyMessageIsTheLastOfTheCapture) {
+    FaultyStation station;
+    station.add(GoosePlan{.states = {1}});
+    auto const lanes = IndexedStation(station).lanes().lanes;
+    ASSERT_FALSE(lanes.empty());
+    ASSERT_EQ(lanes[0].intervals.size(), 1U);
+    LaneInterval const& only = lanes[0].intervals[0];
+    EXPECT_EQ(only.to, only.from + 1);
+    EXPECT_EQ(only.state, LaneState::known);
+    EXPECT_TRUE(only.value.has_value());
 }
 
 TEST(MemberLanes, StopWhenTheyAreToldTo) {

@@ -71,8 +71,7 @@ TEST_P(PictureAtRate, HasThePhasorsOfTheWave) {
     auto const picture = pictureOf(stream, pictureOptions(settings, settings.rate));
     ASSERT_FALSE(picture.waveform.isTooLong);
     std::int64_t const after = 187'654'321;
-    auto const reading = measureCycleAt(
-        picture.waveform, CaptureTime(std::chrono::nanoseconds(kStreamStart + after)));
+    auto const reading = measureCycleAt(picture.waveform, captureTimeOf(kStreamStart + after));
     ASSERT_TRUE(reading.has_value());
     EXPECT_NEAR(reading->frequency / settings.frequency, 1, 1e-7);
     ASSERT_EQ(reading->channels.size(), 3U);
@@ -186,7 +185,7 @@ TEST(StreamPicture, HasNothingOfAWindowWithoutSamples) {
     WaveformStream stream(settings);
     stream.send(400);
     auto options = pictureOptions(settings, 2000);
-    options.samples.from = CaptureTime(std::chrono::nanoseconds(kStreamStart + 5'000'000'000));
+    options.samples.from = captureTimeOf(kStreamStart + 5'000'000'000);
     options.samples.end = *options.samples.from + std::chrono::seconds(1);
     auto const picture = pictureOf(stream, options);
     EXPECT_EQ(picture.waveform.size(), 0U);
@@ -221,8 +220,8 @@ RC_GTEST_PROP(StreamPictureProperty, AnyWindowHasTheColumnsOfItsRows, ()) {
     auto options = pictureOptions(settings, 0);
     std::int64_t const from = kStreamStart + *rc::gen::inRange<std::int64_t>(0, 300'000'000);
     std::int64_t const end = from + *rc::gen::inRange<std::int64_t>(1, 300'000'000);
-    options.samples.from = CaptureTime(std::chrono::nanoseconds(from));
-    options.samples.end = CaptureTime(std::chrono::nanoseconds(end));
+    options.samples.from = captureTimeOf(from);
+    options.samples.end = captureTimeOf(end);
     auto const picture = pictureOf(stream, options);
     auto rows = stream.rows(true);
     std::erase_if(rows, [&](WaveformRow const& row) { return row.time < from || row.time >= end; });

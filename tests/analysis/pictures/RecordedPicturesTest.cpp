@@ -7,7 +7,6 @@
 #include <TalIec61850Analysis/pictures/MemberLanes.hpp>
 #include <TalIec61850Analysis/pictures/StreamPicture.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <numbers>
 #include <numeric>
@@ -86,8 +85,7 @@ TEST(RecordedPictures, HaveAThreePhaseSystem) {
     ASSERT_FALSE(waveform.isTooLong);
     ASSERT_GE(waveform.size(), 200U);
     ASSERT_EQ(waveform.channels.size(), 8U);
-    auto const reading =
-        measureCycleAt(waveform, CaptureTime(std::chrono::nanoseconds(waveform.times[200])));
+    auto const reading = measureCycleAt(waveform, captureTimeOf(waveform.times[200]));
     ASSERT_TRUE(reading.has_value());
     EXPECT_NEAR(reading->frequency, 50, 0.5);
     // Voltages before the fault: as large as each other, and a third of a turn apart.

@@ -184,8 +184,8 @@ RC_GTEST_PROP(SamplesOfARandomWalk, InAWindowAreThoseOfIt, ()) {
         if (from <= row.time && row.time < end) expected.push_back(row);
     }
     SampleOptions options;
-    options.from = CaptureTime(std::chrono::nanoseconds(from));
-    options.end = CaptureTime(std::chrono::nanoseconds(end));
+    options.from = captureTimeOf(from);
+    options.end = captureTimeOf(end);
     options.rows = SampleRows::everySample;
     ReadStream read = indexed.read(options);
     // Runs without a row in the window are none of those that were read.

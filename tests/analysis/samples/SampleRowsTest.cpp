@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
-#include <chrono>
 #include <cstdint>
 #include <vector>
 
@@ -326,8 +325,8 @@ TEST(SampleRows, OfAWindowGoByTheTimeOfTheSampleAndItsEndIsExcluded) {
              {0, all.size()}, {10, 11}, {10, 10}, {905, 940}, {100, 1200}, {920, 1000}}) {
         std::int64_t const endTime = end < all.size() ? all[end].time : all.back().time + 1;
         SampleOptions options;
-        options.from = CaptureTime(std::chrono::nanoseconds(all[first].time));
-        options.end = CaptureTime(std::chrono::nanoseconds(endTime));
+        options.from = captureTimeOf(all[first].time);
+        options.end = captureTimeOf(endTime);
         options.rows = SampleRows::everySample;
         std::vector<WaveformRow> const expected(all.begin() + static_cast<std::ptrdiff_t>(first),
                                                 all.begin() + static_cast<std::ptrdiff_t>(end));

@@ -31,5 +31,22 @@ TEST(CaptureTime, GivesBackItsNanoseconds) {
     EXPECT_EQ(nanosecondsSince1970(makeCaptureTime(1700000000, 7)), 1700000000000000007U);
 }
 
+TEST(CaptureTime, IsMadeOfAnyNanosecondsAndGivesThemBack) {
+    for (std::int64_t const time :
+         {std::numeric_limits<std::int64_t>::min(), std::int64_t{-1}, std::int64_t{0},
+          std::int64_t{1'700'000'000'000'000'007}, std::numeric_limits<std::int64_t>::max()}) {
+        EXPECT_EQ(nanosecondsOf(captureTimeOf(time)), time);
+    }
+    EXPECT_EQ(captureTimeOf(6'000'000'000), CaptureTime(seconds(6)));
+}
+
+TEST(CaptureTime, HasATimeAfterItUnlessItIsTheLast) {
+    constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(afterTime(0), 1);
+    EXPECT_EQ(afterTime(-1), 0);
+    EXPECT_EQ(afterTime(kLast - 1), kLast);
+    EXPECT_EQ(afterTime(kLast), kLast);
+}
+
 }  // namespace
 }  // namespace TalIec61850Analysis

@@ -5,9 +5,7 @@
 namespace TalIec61850Analysis {
 namespace {
 
-constexpr CaptureTime at(std::int64_t nanoseconds) {
-    return CaptureTime(std::chrono::nanoseconds(nanoseconds));
-}
+constexpr CaptureTime at(std::int64_t nanoseconds) { return captureTimeOf(nanoseconds); }
 
 TEST(TimeWindow, WithoutEndsContainsEveryInstant) {
     EXPECT_TRUE(TimeWindow{}.contains(CaptureTime::min()));

@@ -52,7 +52,7 @@ Indexed indexed(std::vector<Recorded> const& frames, WalkMemory memory, int roun
         for (Recorded const& each : frames) {
             view.frame = each.frame;
             view.record.frameOffset += 1000;
-            view.record.time = CaptureTime(std::chrono::nanoseconds(time += 250'000));
+            view.record.time = captureTimeOf(time += 250'000);
             view.record.capturedSize = static_cast<std::uint32_t>(each.frame.size());
             view.record.originalSize = each.originalSize;
             indexer.add(view);

@@ -130,16 +130,13 @@ RC_GTEST_PROP(TrafficWindows, AreThoseOfASearchOneByOne,
     TrafficStream const& stream = index.streams()[0];
     std::sort(all.begin(), all.end());
     RC_ASSERT(timesIn(stream, {}) == all);
-    auto const time = [](std::uint8_t offset) {
-        return CaptureTime(std::chrono::nanoseconds(trafficTime(offset)));
-    };
+    auto const time = [](std::uint8_t offset) { return captureTimeOf(trafficTime(offset)); };
     for (TimeWindow const& window :
          {TimeWindow{time(from), time(to)}, TimeWindow{time(from), std::nullopt},
           TimeWindow{std::nullopt, time(to)}}) {
         std::vector<std::int64_t> inside;
         for (std::int64_t const each : all)
-            if (window.contains(CaptureTime(std::chrono::nanoseconds(each))))
-                inside.push_back(each);
+            if (window.contains(captureTimeOf(each))) inside.push_back(each);
         RC_ASSERT(timesIn(stream, window) == inside);
     }
 }
@@ -155,7 +152,7 @@ TEST(TrafficWindows, HaveNoPacketsWithoutATime) {
     for (std::size_t i = 0; i < times.size(); ++i) {
         view.record.frameOffset = 100 * i;
         view.record.time.reset();
-        if (times[i]) view.record.time = CaptureTime(std::chrono::nanoseconds(*times[i]));
+        if (times[i]) view.record.time = captureTimeOf(*times[i]);
         indexer.add(view);
     }
     auto const streams = indexer.takeStreams(0);
@@ -168,8 +165,8 @@ TEST(TrafficWindows, HaveNoPacketsWithoutATime) {
     EXPECT_EQ(packets.inTimeOrder(1), 1U);
     EXPECT_EQ(packets.inTimeOrder(2), 4U);
     IndexedFile const file = indexer.takeFile();
-    EXPECT_EQ(file.summary.first, CaptureTime(std::chrono::nanoseconds(3)));
-    EXPECT_EQ(file.summary.last, CaptureTime(std::chrono::nanoseconds(5)));
+    EXPECT_EQ(file.summary.first, captureTimeOf(3));
+    EXPECT_EQ(file.summary.last, captureTimeOf(5));
 }
 
 std::optional<double> rateOf(std::vector<Asdu> const& asdus) {

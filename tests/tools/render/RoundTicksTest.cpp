@@ -46,6 +46,19 @@ TEST(RoundTicks, AreAtSecondsMinutesHoursAndDays) {
     EXPECT_EQ(roundTimes(kTen, kTen + 41 * kOneDay, 4).step, 20 * kOneDay);
 }
 
+TEST(RoundTicks, HaveAscendingStepsWithTheirLabels) {
+    auto const& steps = timeSteps();
+    EXPECT_EQ(steps.front().length, 1);
+    EXPECT_EQ(steps.back().length, 100'000 * kOneDay);
+    std::string const instant = "2024-03-20T10:15:30.123456789Z";
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        EXPECT_TRUE(i == 0 || steps[i - 1].length < steps[i].length);
+        std::int64_t const time = kTen + 930'123'456'789;
+        EXPECT_EQ(instant.substr(steps[i].first, steps[i].end - steps[i].first),
+                  tickText(time, steps[i].length));
+    }
+}
+
 TEST(RoundTicks, AreTrueToTheNanosecond) {
     auto const ticks = roundTimes(kTen + 7, kTen + 12, 5);
     EXPECT_EQ(ticks.step, 1);

@@ -6,7 +6,6 @@
 #include <TalIec61850Analysis/pictures/MemberLanes.hpp>
 #include <TalIec61850Analysis/pictures/SampleSpans.hpp>
 #include <TalIec61850Analysis/pictures/Waveform.hpp>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -31,7 +30,7 @@ inline constexpr std::int64_t kPictureMs = 1'000'000;
     std::size_t mostSamples = 1000, std::uint32_t rate = 1000) {
     using namespace TalIec61850Analysis;
     constexpr std::size_t kColumns = 1280;
-    auto const at = [](std::int64_t time) { return CaptureTime(std::chrono::nanoseconds(time)); };
+    auto const at = [](std::int64_t time) { return captureTimeOf(time); };
     EnvelopeBuilder envelopes(EnvelopeOptions{
         .from = at(from), .end = at(end), .columns = kColumns, .fewestColumns = kColumns});
     SampleSpanBuilder spans;

@@ -2,12 +2,14 @@
 #include <rapidcheck/gtest.h>
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/terminal/PlainPictures.hpp"
+#include "tools/terminal/TimeScale.hpp"
 #include "tools/terminal/TimelineRows.hpp"
 
 namespace TalTest {
@@ -155,6 +157,15 @@ RC_GTEST_PROP(TimelineRows, NeverTakeMoreThanTheirColumns, ()) {
             RC_ASSERT(countColumns(line) <= columns);
         }
     }
+}
+
+TEST(TimeScale, IsANanosecondLongAtTheLastTimeThereIs) {
+    constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+    TimeScale const scale(kLast, kLast, 10);
+    EXPECT_EQ(scale.from(), kLast - 1);
+    EXPECT_EQ(scale.end(), kLast);
+    EXPECT_EQ(scale.columnOf(kLast - 1), 0U);
+    EXPECT_EQ(scale.columnOf(kLast), 9U);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 // The finding that is chosen, by its mark, by a key or by its row in the table: told below the time axis'
 // buttons, with ways to its row and to the next one.
 
-const kNear = 8;  // pixels from a mark
 const kSeverities = ["note", "warning", "error"];
 
 const kMarks = report.marks.map((mark, number) => ({ number, at: mark[0], severity: mark[1], until: mark[3] || mark[0] }));

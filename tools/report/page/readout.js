@@ -182,7 +182,7 @@ function drawPhasors(stream, values, zero) {
     svg.append(makeSvg("circle", { r: radius, fill: "none", stroke: "var(--grid)" }));
   }
   svg.append(makeSvg("path", { d: "M-105 0H105M0 -105V105", stroke: "var(--line)", fill: "none" }));
-  const longest = {};
+  const longest = Object.create(null);  // by unit, whatever it is
   const labels = [];
   values.forEach((value, number) => {
     const unit = stream.channels[number].unit;
@@ -198,7 +198,7 @@ function drawPhasors(stream, values, zero) {
     const angle = value.cycle.angle - zero;
     const x = size * Math.cos(angle);
     const y = -size * Math.sin(angle);
-    const style = `var(--${colourNameOf(channel, number)})`;
+    const style = `var(--${channel.colour})`;
     const dashes = channel.unit === "A" ? "4 2" : "none";
     svg.append(makeSvg("line", { x1: 0, y1: 0, x2: x, y2: y, stroke: style, "stroke-width": 2, "stroke-dasharray": dashes }),
         makeSvg("circle", { cx: x, cy: y, r: 3, fill: style }),

@@ -5,12 +5,13 @@
 const report = JSON.parse(document.getElementById("report").textContent);
 const base = BigInt(report.base);
 
-/** The instant so many nanoseconds after 1970, as nanoseconds after the base: exact within 104 days. */
+/** How many nanoseconds an instant is after the base: exact within 104 days of it.
+    @param instant  in nanoseconds since 1970, as text or as a BigInt */
 function offsetOf(instant) {
   return Number(BigInt(instant) - base);
 }
 
-/** The octets that are in the page as base64, and four more to read beyond the last. */
+/** The octets that the page has as base64. Eight zeros follow, so that whole words can be read at the end. */
 function unpackOctets() {
   const letters = atob(document.getElementById("samples").textContent.trim());
   const octets = new Uint8Array(letters.length + 8);

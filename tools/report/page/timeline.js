@@ -4,6 +4,7 @@
 
 const kLeastSpan = 2000;  // nanoseconds
 const kGutter = 64;
+const kNear = 8;  // pixels from a mark, or from the ends of a chart
 
 const whole = { from: report.from, to: report.to };
 
@@ -100,24 +101,13 @@ const timeline = new Timeline();
 
 /** Ticks at round instants of UTC. */
 function timeTicks(from, to, pixels) {
-  // Labels are the longer, the closer ticks are.
-  const widthOf = (step) => step >= 86400e9 ? 80 : step >= 6e10 ? 60 : step >= 1e9 ? 75 : step >= 1e7 ? 80 : step >= 1e6 ? 105 : 125;
-  const steps = [];
-  for (let power = 1; power < 1e9; power *= 10) {
-    steps.push(power, 2 * power, 5 * power);
-  }
-  for (const seconds of [1, 2, 5, 10, 20, 30, 60, 120, 300, 600, 1200, 1800, 3600, 7200, 14400, 28800, 43200]) {
-    steps.push(seconds * 1e9);
-  }
-  for (let days = 1; days < 1e6; days *= 2) {
-    steps.push(days * 86400e9);
-  }
-  const step = steps.find((each) => (to - from) / each <= Math.max(2, pixels / widthOf(each))) || steps[steps.length - 1];
+  const hasRoom = ([length, first, end]) => (to - from) / length <= Math.max(2, pixels / (20 + 7 * (end - first)));
+  const [step, first, end] = report.steps.find(hasRoom) || report.steps[report.steps.length - 1];
   // The base is no round instant itself.
   const rest = Number(base % BigInt(step));
   const ticks = [];
   for (let i = Math.ceil((from + rest) / step); i * step - rest <= to; ++i) {
-    ticks.push({ v: i * step - rest, label: tickText(i * step - rest, step) });
+    ticks.push({ v: i * step - rest, label: instantText(base + BigInt(i * step - rest)).slice(first, end) });
   }
   return ticks;
 }
@@ -180,7 +170,7 @@ class Chart {
       rightGap: 8,
       ...wish.options,
       axes: {
-        x: { ticker: timeTicks, axisLabelWidth: 108, axisLabelFormatter: (x) => String(x), drawGrid: true },
+        x: { ticker: timeTicks, axisLabelWidth: 132, axisLabelFormatter: (x) => String(x), drawGrid: true },
         y: {
           axisLabelWidth: kGutter,
           pixelsPerLabel: 24,

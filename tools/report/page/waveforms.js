@@ -2,13 +2,6 @@
 
 // Waveforms of SV streams: a chart for each unit.
 
-const kPhaseColours = { A: "a", B: "b", C: "c", N: "n" };
-const kOtherColours = ["a", "c", "b", "e", "d", "n"];
-
-function colourNameOf(channel, number) {
-  return kPhaseColours[channel.phase] || kOtherColours[number % kOtherColours.length];
-}
-
 /** Rows of a stream for a chart: samples where they fit, or least and largest of each column of pixels. */
 function waveformRows(stream, channels, view, columns) {
   const rows = [];
@@ -73,18 +66,6 @@ function paintStream(stream, channels, isShown, context, area, graph) {
   context.restore();
 }
 
-/** Channels by their units, those without a unit four by four. */
-function groupsOf(stream) {
-  const groups = new Map();
-  stream.channels.forEach((channel, number) => {
-    const key = channel.unit || `#${Math.floor(number / 4)}`;
-    groups.set(key, [...(groups.get(key) || []), number]);
-  });
-  return [...groups.values()];
-}
-
-const kQuantities = { A: "currents, A", V: "voltages, V" };
-
 /** Adds the charts of something, below its name; those that are closed are made when they are opened. */
 function addFolded(parent, name, isOpen, fill) {
   const box = make("details", null, { class: "stream" });
@@ -108,9 +89,7 @@ function addFolded(parent, name, isOpen, fill) {
 }
 
 function addWaveforms(parent, stream) {
-  for (const channels of groupsOf(stream)) {
-    const unit = stream.channels[channels[0]].unit;
-    const what = kQuantities[unit] || unit || "counts";
+  for (const { name: what, channels } of stream.panels) {
     const names = channels.map((number) => stream.channels[number].name);
     const heading = make("h3", what);
     const boxes = make("div", null, { class: "channels" });
@@ -118,7 +97,7 @@ function addWaveforms(parent, stream) {
     group.append(heading, boxes);
     parent.append(group);
     const isShown = channels.map(() => true);
-    const colours = () => channels.map((number) => colour(colourNameOf(stream.channels[number], number)));
+    const colours = () => channels.map((number) => colour(stream.channels[number].colour));
     const chart = new Chart(group, {
       labels: channels.map((number) => `#${number}`),  // names need not differ
       label: `${stream.name}: ${what}: ${names.join(", ")}`,
@@ -140,7 +119,7 @@ function addWaveforms(parent, stream) {
         timeline.onCursor();
       });
       const swatch = make("span", null, { class: "swatch" });
-      swatch.style.background = `var(--${colourNameOf(stream.channels[number], number)})`;
+      swatch.style.background = `var(--${stream.channels[number].colour})`;
       label.append(box, swatch, make("span", stream.channels[number].name));
       boxes.append(label);
     });

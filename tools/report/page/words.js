@@ -28,23 +28,6 @@ function lengthText(nanoseconds) {
   return `${Number((nanoseconds / unit).toPrecision(7))} ${name === "us" ? "\u00b5s" : name}`;
 }
 
-/** A label of the time axis at a step of so many nanoseconds. */
-function tickText(offset, step) {
-  const instant = base + BigInt(Math.round(offset));
-  const text = instantText(instant);
-  if (step >= 86400e9) {
-    return text.slice(0, 10);
-  }
-  if (step >= 60e9) {
-    return text.slice(11, 16);
-  }
-  if (step >= 1e9) {
-    return text.slice(11, 19);
-  }
-  const decimals = step >= 1e8 ? 1 : step >= 1e7 ? 2 : step >= 1e6 ? 3 : step >= 1e3 ? 6 : 9;
-  return step >= 1e3 ? text.slice(11, 20 + decimals) : text.slice(17, 20 + decimals);
-}
-
 /** A number on an axis: 1.2k
     @param range  of the axis: its labels are to differ */
 function axisText(value, range) {
