@@ -21,10 +21,12 @@ struct ReadAsdu {
     std::uint64_t fileOffset = 0;
     /// Empty where there is none, or where it was cut.
     Octets data;
-    /// In nanoseconds since 1970, or kNoTime.
+    /// In nanoseconds since 1970; kNoTime without refrTm, and where it says that it is no time: it
+    /// is of 1970, or its clock failed.
     std::int64_t refrTm = kNoTime;
     /// The quality octet of refrTm; 0 without it.
     std::uint8_t timeQuality = 0;
+    bool hasTimeQuality = false;
     /// Of the clock; empty where there is none.
     Octets gmIdentity = {};
 };

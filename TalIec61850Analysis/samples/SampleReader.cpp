@@ -326,7 +326,7 @@ private:
         }
         key_ = key;
         block_.attributes = key.attributes;
-        block_.layout = layouts_.of(key);
+        block_.layout = layouts_.of(key, sample_.packet);
         prepare();
         return true;
     }
