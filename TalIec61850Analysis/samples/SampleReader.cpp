@@ -5,6 +5,7 @@
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
 #include <TalIec61850Analysis/samples/StreamLayouts.hpp>
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace TalIec61850Analysis {
@@ -31,6 +32,20 @@ std::size_t rowsOf(std::size_t dataSize, std::size_t together) {
     return std::clamp(alone / together, std::min(kFewestTogether, alone), alone);
 }
 
+/// Whether packets are in the order of their times, file after file.
+bool doTimesGrow(TrafficStream const& stream) {
+    std::int64_t last = std::numeric_limits<std::int64_t>::min();
+    for (StreamPart const& part : stream.parts) {
+        PacketColumns const& packets = part.packets;
+        bool const isInOrder = packets.timeOrder().empty() && packets.timedSize() > 0;
+        if (!isInOrder || packets.times()[0] < last) {
+            return false;
+        }
+        last = packets.times()[packets.size() - 1];
+    }
+    return true;
+}
+
 /// What is kept of each capture: of several streams together, what their blocks take, and as much
 /// again for streams that are ahead.
 constexpr std::size_t kPiecesTogether = 16;
@@ -53,7 +68,8 @@ struct SampleReader::State {
           asdus_(index, stream, window),
           layouts_(index, stream, std::move(given.layout)),
           withValues_(given.withValues),
-          together_(std::max<std::size_t>(given.together, 1)) {}
+          together_(std::max<std::size_t>(given.together, 1)),
+          timesGrow_(doTimesGrow(stream)) {}
 
     SampleBlock const* next() {
         if (isOver_) {
@@ -93,9 +109,19 @@ private:
                 hasSample_ = true;
                 return true;
             }
+            if (isPastWindow()) {
+                return false;
+            }
             passUnwanted();
         }
         return false;
+    }
+
+    /// Whether all samples from this one on are after the window. They are taken some time before
+    /// they arrive, or by another clock after that, but never as much as this.
+    [[nodiscard]] bool isPastWindow() const {
+        constexpr std::int64_t kMostApart = 10'000'000'000;
+        return end_ && timesGrow_ && arrival() - kMostApart > *end_;
     }
 
     /// Passes over samples that follow one that is out of the window, where all of them are.
@@ -387,6 +413,7 @@ private:
 
     bool withValues_;
     std::size_t together_;
+    bool timesGrow_;
 
     SampleBlock block_;
     std::size_t rows_ = 0;

@@ -343,9 +343,9 @@ void SampleRecord::findGrid() {
         for (RecordSource const& other : sources) {
             if (other.stream->key.name == source.stream->key.name) {
                 throw RecordRefusal(fmt::format(
-                    "two streams have the svID {}: choose one, by --source, --destination, --vlan "
-                    "or --appid",
-                    escapeText(source.stream->key.name)));
+                    "{}: another stream has the svID {}, too: choose one, by --source, "
+                    "--destination, --vlan or --appid",
+                    placeText_(*stream.at(0)->block, 0), escapeText(source.stream->key.name)));
             }
         }
         RecordGrid const own = *stream.grid();
