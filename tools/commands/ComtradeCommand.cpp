@@ -400,10 +400,10 @@ private:
             SampleCounts const& counts = counts_[source];
             if (counts.late != 0 || counts.repeated != 0) {
                 text += fmt::format(
-                    "\n{}: from the start of the stream to the end of the record, {} came late and "
-                    "took the place of its time, {} came again and is left out.",
-                    escapeText(record.sources()[source].stream->key.name),
-                    plural(counts.late, "sample"), counts.repeated);
+                    "\n{}: of the samples that were gone through, {} late, each in its place, and "
+                    "{} repeated, left out.",
+                    escapeText(record.sources()[source].stream->key.name), counts.late,
+                    counts.repeated);
             }
         }
         return text;
