@@ -23,8 +23,11 @@ ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint
                   .data = sequence.subspan(places.data, places.dataSize)};
     if (places.refrTm != 0) {
         if (auto const time = readUtcTime(sequence.subspan(places.refrTm, kUtcTimeSize))) {
-            read.refrTm = time->nanosecondsSince1970();
+            // A publisher whose clock does not run, or is not set yet, knows no time.
+            bool const isKnown = time->seconds != 0 && !time->clockFailure();
+            read.refrTm = isKnown ? time->nanosecondsSince1970() : kNoTime;
             read.timeQuality = time->quality;
+            read.hasTimeQuality = true;
         }
     }
     if (places.gmIdentity != 0) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace TalIec61850Analysis::detail {
@@ -21,10 +22,12 @@ struct ReadAsdu {
     std::uint64_t fileOffset = 0;
     /// Empty where there is none, or where it was cut.
     Octets data;
-    /// In nanoseconds since 1970, or kNoTime.
+    /// In nanoseconds since 1970; kNoTime without refrTm, and where it says that it is no time: it
+    /// is of 1970, or its clock failed.
     std::int64_t refrTm = kNoTime;
     /// The quality octet of refrTm; 0 without it.
     std::uint8_t timeQuality = 0;
+    bool hasTimeQuality = false;
     /// Of the clock; empty where there is none.
     Octets gmIdentity = {};
 };
@@ -57,6 +60,42 @@ public:
             }
         }
         return readPlainly(ref, offset, number);
+    }
+
+    /// Reads ASDUs of packets that follow each other, as long as they are of the shape that was met
+    /// last, without refrTm, and were read already.
+    /// @param size        of the data that is wanted
+    /// @param data        set to the octets of each; they stay until something else is read
+    /// @param takeOffset  called with the number of each, from 0, and its place as of ReadAsdu
+    /// @return how many; at most as many as `data` has room for
+    template <typename TakeOffset>
+    [[nodiscard]] std::size_t readAlike(PacketRef first, std::size_t size,
+                                        std::span<std::uint8_t const*> data,
+                                        TakeOffset const& takeOffset) const {
+        AsduPlaces const* const places = shapes_.last();
+        if (places == nullptr || places->refrTm != 0 || places->dataSize != size) {
+            return 0;
+        }
+        std::uint32_t const toData = places->data;
+        std::uint32_t const toAsdu = places->asdu;
+        StreamPart const& part = stream_.parts[first.part];
+        std::uint64_t const* const frames = part.packets.frameOffsets().data() + first.packet;
+        ColumnView<std::uint16_t> const pdus = part.packets.pduOffsets();
+        ColumnView<std::uint16_t> const asdus = part.packets.asdus();
+        ColumnView<PacketFlags> const flags = part.packets.flags();
+        std::size_t const reach = shapes_.reach();
+        for (std::size_t i = 0; i < data.size(); ++i) {
+            std::size_t const packet = first.packet + i;
+            std::uint64_t const offset = frames[i] + pdus[packet];
+            std::uint8_t const* const octets = window_->held(part.file, offset, reach);
+            if (octets == nullptr || flags[packet].isCut() ||
+                !shapes_.isLast({octets, reach}, asdus[packet])) [[unlikely]] {
+                return i;
+            }
+            data[i] = octets + toData;
+            takeOffset(i, offset + toAsdu);
+        }
+        return data.size();
     }
 
 private:

@@ -47,10 +47,21 @@ public:
     /// @param sequence  from A2 on; at least `reach()` octets, unless there are no more
     /// @return null where no shape fits; valid until `learn` is called
     [[nodiscard]] AsduPlaces const* find(Octets sequence, std::size_t number) {
-        if (last_ < shapes_.size() && fits(shapes_[last_], sequence, number)) [[likely]] {
-            return &shapes_[last_].places;
+        if (last_ < shapes_.size() && isLast(sequence, number)) [[likely]] {
+            return last();
         }
         return findElsewhere(sequence, number);
+    }
+
+    /// The places in the shape that was found last; null where there is none.
+    [[nodiscard]] AsduPlaces const* last() const {
+        return last_ < shapes_.size() ? &shapes_[last_].places : nullptr;
+    }
+
+    /// Whether an ASDU is of the shape that was found last, of which there must be one.
+    /// @param sequence  at least `reach()` octets
+    [[nodiscard]] bool isLast(Octets sequence, std::size_t number) const {
+        return fits(shapes_[last_], sequence, number);
     }
 
     /// Remembers a shape, if there is room for it.

@@ -21,6 +21,13 @@ std::uint32_t word(std::uint8_t const* octets) {
     return __builtin_bswap32(value);
 }
 
+/// The first one in the upper half.
+std::uint64_t twoWords(std::uint8_t const* octets) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, octets, sizeof value);
+    return __builtin_bswap64(value);
+}
+
 /// A number of some octets with its sign.
 std::int64_t withSign(std::uint64_t value, std::size_t size) {
     if (size == 0 || size > sizeof value) {
@@ -103,6 +110,25 @@ void ChannelDecoder::decodePlain(std::uint8_t const* seqData, std::size_t row) c
         std::memcpy(channel.value + row * sizeof value, &value, sizeof value);
         channel.quality[row] = word(seqData + sizeof value);
         seqData += 2 * sizeof value;
+    }
+}
+
+/// Channel by channel: where its columns are is looked up once for all rows.
+void ChannelDecoder::decodePlainRows(std::span<std::uint8_t const* const> seqData,
+                                     std::size_t row) const {
+    std::uint8_t const* const* const octets = seqData.data();
+    std::size_t const count = seqData.size();
+    std::size_t offset = 0;
+    for (PlainChannel const channel : plain_) {
+        std::uint8_t* const values = channel.value + row * sizeof(std::uint32_t);
+        std::uint32_t* const qualities = channel.quality + row;
+        for (std::size_t i = 0; i < count; ++i) {
+            std::uint64_t const both = twoWords(octets[i] + offset);
+            auto const value = static_cast<std::uint32_t>(both >> 32U);
+            std::memcpy(values + i * sizeof value, &value, sizeof value);
+            qualities[i] = static_cast<std::uint32_t>(both);
+        }
+        offset += 2 * sizeof(std::uint32_t);
     }
 }
 

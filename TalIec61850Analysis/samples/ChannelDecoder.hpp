@@ -7,6 +7,7 @@
 #include <TalIec61850Analysis/samples/SampleLayout.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace TalIec61850Analysis::detail {
@@ -31,6 +32,18 @@ public:
         }
     }
 
+    /// The same for rows that follow each other.
+    /// @param seqData  none of them null
+    void decodeRows(std::span<std::uint8_t const* const> seqData, std::size_t row) const {
+        if (isPlain_) [[likely]] {
+            decodePlainRows(seqData, row);
+            return;
+        }
+        for (std::uint8_t const* const octets : seqData) {
+            decodeAny(octets, row++);
+        }
+    }
+
 private:
     /// Four octets of value and four of quality.
     struct PlainChannel {
@@ -45,6 +58,7 @@ private:
     };
 
     void decodePlain(std::uint8_t const* seqData, std::size_t row) const;
+    void decodePlainRows(std::span<std::uint8_t const* const> seqData, std::size_t row) const;
     void decodeAny(std::uint8_t const* seqData, std::size_t row) const;
 
     bool isPlain_ = false;

@@ -21,8 +21,9 @@ struct StreamLayout {
     friend bool operator==(StreamLayout const&, StreamLayout const&) = default;
 };
 
-/// Looks at some hundred ASDUs all over a stream, and infers what they are made of. Mostly there is
-/// one layout; where the data set changes there are several, in the order in which they are met.
+/// Looks at some hundred ASDUs all over a stream, and at the first ones of each data set and of
+/// each revision of it, and infers what they are made of. Mostly there is one layout; where the
+/// data set changes there are several, in the order in which they are met.
 /// @param index   of the captures
 /// @param stream  of the index, SV
 /// @param given   the layout of samples of its size

@@ -96,12 +96,10 @@ FoundLayout LayoutInference::result() const {
 
     bool const isDecided = !isZero_ && asdus_ >= kFewestAsdus;
     if (!isDecided) {
-        if (size_ == kSizeOf92Le && found.isIntegerAndQuality) {
-            found.source = LayoutSource::undecided;
+        found.source = LayoutSource::undecided;
+        if (size_ == kSizeOf92Le && found.isIntegerAndQuality && !first_.mayBeFloats()) {
             found.layout =
                 SampleLayout(repeated({SampleType::int32, SampleType::quality}, size_ / kChannel));
-        } else {
-            found.source = LayoutSource::undecided;
         }
         return found;
     }

@@ -13,10 +13,12 @@ namespace TalIec61850Analysis {
 
 /// Where a layout comes from.
 enum class LayoutSource : std::uint8_t {
-    given,      ///< the caller said it
-    inferred,   ///< the octets of many ASDUs agree with it, and with no other
-    undecided,  ///< they agree with several, or are too few: the layout is that of 9-2LE, by length
-    none,       ///< they agree with none: there are octets alone
+    given,     ///< the caller said it
+    inferred,  ///< the octets of many ASDUs agree with it, and with no other
+    /// They agree with several, or are too few: the layout is that of 9-2LE, by length, unless
+    /// values look like FLOAT32.
+    undecided,
+    none,  ///< they agree with none: there are octets alone
 };
 
 /// What the octets of seqData are taken for, and on what grounds.
@@ -43,7 +45,8 @@ inline constexpr std::size_t kSizeOf92Le = 64;
 
 /// Infers from many ASDUs of one stream what their seqData is made of, where nobody says it: INT32
 /// and quality, FLOAT32 and quality, FLOAT32, or a value of 32 bits and a UtcTime. One ASDU alone
-/// decides nothing, and neither do zeros.
+/// decides nothing, and neither do zeros: they are read as those of 9-2LE where they have its
+/// length, and where their values cannot be FLOAT32.
 class LayoutInference {
 public:
     /// @param size  of seqData in octets; any
@@ -70,6 +73,10 @@ private:
         std::uint8_t largestExponent = 0;
 
         void add(std::uint32_t word);
+        /// Zeros alone tell nothing.
+        [[nodiscard]] bool mayBeFloats() const {
+            return areFloats && leastExponent <= largestExponent;
+        }
         [[nodiscard]] bool variesLikeFloats() const {
             return areFloats && leastExponent < largestExponent;
         }

@@ -5,6 +5,9 @@
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
 #include <TalIec61850Analysis/samples/StreamLayouts.hpp>
 #include <algorithm>
+#include <array>
+#include <limits>
+#include <span>
 #include <utility>
 
 namespace TalIec61850Analysis {
@@ -31,6 +34,20 @@ std::size_t rowsOf(std::size_t dataSize, std::size_t together) {
     return std::clamp(alone / together, std::min(kFewestTogether, alone), alone);
 }
 
+/// Whether packets are in the order of their times, file after file.
+bool doTimesGrow(TrafficStream const& stream) {
+    std::int64_t last = std::numeric_limits<std::int64_t>::min();
+    for (StreamPart const& part : stream.parts) {
+        PacketColumns const& packets = part.packets;
+        bool const isInOrder = packets.timeOrder().empty() && packets.timedSize() > 0;
+        if (!isInOrder || packets.times()[0] < last) {
+            return false;
+        }
+        last = packets.times()[packets.size() - 1];
+    }
+    return true;
+}
+
 /// What is kept of each capture: of several streams together, what their blocks take, and as much
 /// again for streams that are ahead.
 constexpr std::size_t kPiecesTogether = 16;
@@ -53,7 +70,8 @@ struct SampleReader::State {
           asdus_(index, stream, window),
           layouts_(index, stream, std::move(given.layout)),
           withValues_(given.withValues),
-          together_(std::max<std::size_t>(given.together, 1)) {}
+          together_(std::max<std::size_t>(given.together, 1)),
+          timesGrow_(doTimesGrow(stream)) {}
 
     SampleBlock const* next() {
         if (isOver_) {
@@ -93,9 +111,19 @@ private:
                 hasSample_ = true;
                 return true;
             }
+            if (isPastWindow()) {
+                return false;
+            }
             passUnwanted();
         }
         return false;
+    }
+
+    /// Whether all samples from this one on are after the window. They are taken some time before
+    /// they arrive, or by another clock after that, but never as much as this.
+    [[nodiscard]] bool isPastWindow() const {
+        constexpr std::int64_t kMostApart = 10'000'000'000;
+        return end_ && timesGrow_ && arrival() - kMostApart > *end_;
     }
 
     /// Passes over samples that follow one that is out of the window, where all of them are.
@@ -158,7 +186,13 @@ private:
         ColumnView<std::uint16_t> const asdus = part.packets.asdus();
         std::uint64_t const* const frames = part.packets.frameOffsets().data();
         bool const isRead = withValues_ || layouts_.haveTimes();
+        // Else one is of another shape than the one before.
+        bool const mayBeAlike = decoder_ && asdus.values() == nullptr;
         for (std::size_t i = 0; i < count; ++i) {
+            i += mayBeAlike ? readAlike(rest, i, count) : 0;
+            if (i == count) {
+                break;
+            }
             PacketRef const ref{.part = rest.first.part,
                                 .packet = rest.first.packet + static_cast<std::uint32_t>(i)};
             SamplePlace& place = block_.places[rows_ + i];
@@ -187,6 +221,36 @@ private:
             }
         }
         return count;
+    }
+
+    /// Reads those of them that have what is usual, strip by strip: see readRest.
+    /// @param first  the first one to read, of `count`
+    /// @return how many were read
+    std::size_t readAlike(detail::SampleSequence::Rest const& rest, std::size_t first,
+                          std::size_t count) {
+        std::uint32_t const file = stream_.parts[rest.first.part].file;
+        ColumnView<std::uint16_t> const asdus = stream_.parts[rest.first.part].packets.asdus();
+        std::size_t done = 0;
+        std::size_t met = strip_.size();
+        while (met == strip_.size()) {
+            std::size_t const number = first + done;
+            PacketRef const ref{.part = rest.first.part,
+                                .packet = rest.first.packet + static_cast<std::uint32_t>(number)};
+            SamplePlace* const places = block_.places.data() + rows_ + number;
+            met = asdus_.readAlike(
+                ref, key_.size, std::span(strip_).first(std::min(strip_.size(), count - number)),
+                [&](std::size_t i, std::uint64_t fileOffset) {
+                    places[i] = {
+                        .fileOffset = fileOffset, .file = file, .asdu = asdus[ref.packet + i]};
+                });
+            decoder_->decodeRows(std::span(strip_).first(met), rows_ + number);
+            done += met;
+        }
+        if (done != 0) {
+            lastRefrTm_ = kNoTime;
+            lastNumber_ = rest.number + static_cast<std::int64_t>(first + done) - 1;
+        }
+        return done;
     }
 
     [[nodiscard]] static std::ptrdiff_t offsetOf(std::size_t index) {
@@ -326,7 +390,7 @@ private:
         }
         key_ = key;
         block_.attributes = key.attributes;
-        block_.layout = layouts_.of(key);
+        block_.layout = layouts_.of(key, sample_.packet);
         prepare();
         return true;
     }
@@ -387,6 +451,7 @@ private:
 
     bool withValues_;
     std::size_t together_;
+    bool timesGrow_;
 
     SampleBlock block_;
     std::size_t rows_ = 0;
@@ -394,6 +459,8 @@ private:
     std::size_t room_ = 0;
     LayoutKey key_;
     std::optional<detail::ChannelDecoder> decoder_;
+    /// Where the octets of samples are that are read at once.
+    std::array<std::uint8_t const*, 64> strip_{};
     /// The sample that is to be added next.
     detail::SequencedSample sample_;
     bool hasSample_ = false;

@@ -9,8 +9,15 @@ namespace {
 
 /// How many ASDUs are looked at: several cycles, wherever they are.
 constexpr std::uint64_t kLookedAt = 256;
+/// Where fewer of one make were met, more are looked at from the first of it on.
+constexpr std::size_t kFew = 64;
 /// A stream of more layouts than this has none.
 constexpr std::size_t kMostLayouts = 32;
+
+/// Of each so many packets, the first is looked at.
+std::uint64_t stepOf(TrafficStream const& stream) {
+    return std::max<std::uint64_t>(stream.size() / kLookedAt, 1);
+}
 
 }  // namespace
 
@@ -29,8 +36,7 @@ StreamLayouts::StreamLayouts(TrafficIndex const& index, TrafficStream const& str
 template <typename Visit>
 void StreamLayouts::visitSome(Visit const& visit) {
     PartAttributes attributes(index_, stream_);
-    std::uint64_t const all = stream_.size();
-    std::uint64_t const step = std::max<std::uint64_t>(all / kLookedAt, 1);
+    std::uint64_t const step = stepOf(stream_);
     std::uint64_t next = 0;  // counted from the first packet of the part
     for (std::uint32_t part = 0; part < stream_.parts.size(); ++part) {
         PacketColumns const& packets = stream_.parts[part].packets;
@@ -44,17 +50,61 @@ void StreamLayouts::visitSome(Visit const& visit) {
     }
 }
 
-FoundLayout StreamLayouts::infer(LayoutKey const& key) {
+/// Reads the first ASDU of each make that is wanted.
+template <typename IsWanted, typename Visit>
+void StreamLayouts::visitChanges(IsWanted const& isWanted, Visit const& visit) {
+    for (std::uint32_t part = 0; part < stream_.parts.size(); ++part) {
+        for (AttributeChange const& change : stream_.parts[part].changes) {
+            PacketRef const ref{.part = part, .packet = change.firstPacket};
+            StreamAttributes const& attributes = index_.attributes(stream_.parts[part], change);
+            bool const isCut = stream_.parts[part].packets.flags()[ref.packet].isCut();
+            if (!isCut && isWanted(attributes)) {
+                visit(ref, attributes, asdus_.read(ref));
+            }
+        }
+    }
+}
+
+/// Reads ASDUs from a packet on, but for those that `visitSome` reads.
+template <typename Visit>
+void StreamLayouts::visitFrom(PacketRef first, Visit const& visit) {
+    PartAttributes attributes(index_, stream_);
+    std::uint64_t const step = stepOf(stream_);
+    std::uint64_t before = 0;  // packets of the parts before
+    for (std::uint32_t part = 0; part < first.part; ++part) {
+        before += stream_.parts[part].packets.size();
+    }
+    PacketRef ref = first;
+    for (std::uint64_t left = kLookedAt; left > 0 && ref.part < stream_.parts.size();) {
+        PacketColumns const& packets = stream_.parts[ref.part].packets;
+        if (ref.packet >= packets.size()) {
+            before += packets.size();
+            ref = {.part = ref.part + 1, .packet = 0};
+            continue;
+        }
+        if ((before + ref.packet) % step != 0 && !packets.flags()[ref.packet].isCut()) {
+            visit(ref, attributes.at(ref), asdus_.read(ref));
+        }
+        ++ref.packet;
+        --left;
+    }
+}
+
+FoundLayout StreamLayouts::infer(LayoutKey const& key, PacketRef first) {
     LayoutInference inference(key.size);
-    visitSome([&](PacketRef ref, StreamAttributes const& attributes, ReadAsdu const& asdu) {
+    auto const look = [&](PacketRef ref, StreamAttributes const& attributes, ReadAsdu const& asdu) {
         if (LayoutKey{.size = asdu.data.size(), .attributes = &attributes} == key) {
             inference.add(asdu.data, stream_.parts[ref.part].packets.time(ref.packet));
         }
-    });
+    };
+    visitSome(look);
+    if (inference.asdus() < kFew) {
+        visitFrom(first, look);
+    }
     return inference.result();
 }
 
-FoundLayout const& StreamLayouts::of(LayoutKey const& key) {
+FoundLayout const& StreamLayouts::of(LayoutKey const& key, PacketRef first) {
     auto const known = std::find_if(known_.begin(), known_.end(),
                                     [&](Known const& layout) { return layout.key == key; });
     if (known != known_.end()) {
@@ -63,7 +113,7 @@ FoundLayout const& StreamLayouts::of(LayoutKey const& key) {
     if (given_ && given_->size() == key.size) {
         known_.push_back({.key = key, .layout = {.layout = given_, .source = LayoutSource::given}});
     } else if (known_.size() < kMostLayouts && key.size != 0) {
-        known_.push_back({.key = key, .layout = infer(key)});
+        known_.push_back({.key = key, .layout = infer(key, first)});
     } else {
         return unknown_;
     }
@@ -71,18 +121,33 @@ FoundLayout const& StreamLayouts::of(LayoutKey const& key) {
 }
 
 std::vector<StreamLayout> StreamLayouts::all() {
-    std::vector<LayoutKey> keys;
-    visitSome([&](PacketRef /*ref*/, StreamAttributes const& attributes, ReadAsdu const& asdu) {
+    struct Met {
+        LayoutKey key;
+        PacketRef first;
+    };
+    std::vector<Met> met;
+    auto const look = [&](PacketRef ref, StreamAttributes const& attributes, ReadAsdu const& asdu) {
         LayoutKey const key{.size = asdu.data.size(), .attributes = &attributes};
-        bool const isKnown = std::find(keys.begin(), keys.end(), key) != keys.end();
-        if (!isKnown && keys.size() < kMostLayouts) {
-            keys.push_back(key);
+        bool const isKnown =
+            std::any_of(met.begin(), met.end(), [&](Met const& each) { return each.key == key; });
+        if (!isKnown && met.size() < kMostLayouts) {
+            met.push_back({.key = key, .first = ref});
         }
-    });
+    };
+    visitSome(look);
+    visitChanges(
+        [&](StreamAttributes const& attributes) {
+            return met.size() < kMostLayouts &&
+                   std::none_of(met.begin(), met.end(), [&](Met const& each) {
+                       return each.key ==
+                              LayoutKey{.size = each.key.size, .attributes = &attributes};
+                   });
+        },
+        look);
     std::vector<StreamLayout> layouts;
-    layouts.reserve(keys.size());
-    for (LayoutKey const& key : keys) {
-        layouts.push_back({.dataSize = key.size, .found = of(key)});
+    layouts.reserve(met.size());
+    for (Met const& each : met) {
+        layouts.push_back({.dataSize = each.key.size, .found = of(each.key, each.first)});
     }
     return layouts;
 }

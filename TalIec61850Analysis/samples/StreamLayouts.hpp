@@ -41,11 +41,14 @@ public:
     StreamLayouts(TrafficIndex const& index, TrafficStream const& stream,
                   std::optional<SampleLayout> given, std::shared_ptr<CaptureWindow> window);
 
+    /// @param first  a packet of that make: where few of it are met all over the stream, those
+    ///               from this one on are looked at, too
     /// @return valid until the next call
     /// @throws std::system_error  a capture cannot be read
-    [[nodiscard]] FoundLayout const& of(LayoutKey const& key);
+    [[nodiscard]] FoundLayout const& of(LayoutKey const& key, PacketRef first);
 
-    /// Those of the ASDUs that are looked at, in their order.
+    /// Those of the ASDUs that are looked at, in their order, then those of other data sets and
+    /// revisions.
     /// @throws std::system_error  a capture cannot be read
     [[nodiscard]] std::vector<StreamLayout> all();
 
@@ -62,7 +65,11 @@ private:
     /// Reads some ASDUs, all over the stream.
     template <typename Visit>
     void visitSome(Visit const& visit);
-    [[nodiscard]] FoundLayout infer(LayoutKey const& key);
+    template <typename Visit>
+    void visitFrom(PacketRef first, Visit const& visit);
+    template <typename IsWanted, typename Visit>
+    void visitChanges(IsWanted const& isWanted, Visit const& visit);
+    [[nodiscard]] FoundLayout infer(LayoutKey const& key, PacketRef first);
 
     TrafficIndex const& index_;
     TrafficStream const& stream_;

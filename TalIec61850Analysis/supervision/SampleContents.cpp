@@ -137,7 +137,7 @@ private:
                 layouts_.emplace(index_, stream_, std::nullopt, window_);
             }
             auto const& layout =
-                layouts_->of({.size = dataSize_, .attributes = attributesNow_}).layout;
+                layouts_->of({.size = dataSize_, .attributes = attributesNow_}, packet).layout;
             std::vector<WatchedQuality> found;
             for (std::size_t channel = 0; layout && channel < layout->channels().size();
                  ++channel) {
@@ -164,7 +164,7 @@ private:
     }
 
     void lookAtClock(ReadAsdu const& asdu, PacketRef packet) {
-        if (asdu.refrTm != kNoTime) {
+        if (asdu.hasTimeQuality) {
             UtcTime const time{.quality = asdu.timeQuality};
             edge(isClockFailed_, time.clockFailure(), FindingKind::clockFailure, packet);
             edge(isClockFree_, time.clockNotSynchronized(), FindingKind::clockNotSynchronized,

@@ -47,6 +47,14 @@ public:
         return readAround(file, fileOffset, size);
     }
 
+    /// The same of what was read last, or nothing where they are not all there.
+    [[nodiscard]] std::uint8_t const* held(std::uint32_t file, std::uint64_t fileOffset,
+                                           std::size_t size) const {
+        bool const isThere =
+            current_ != nullptr && file_ == file && current_->holds(fileOffset, size);
+        return isThere ? current_->octets.get() + (fileOffset - current_->start) : nullptr;
+    }
+
 private:
     /// Late samples are before those that were asked for last.
     static constexpr std::size_t kBefore = std::size_t{8} << 10U;

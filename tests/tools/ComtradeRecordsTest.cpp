@@ -138,6 +138,53 @@ TEST(ComtradeGoose, FollowsQuality) {
     EXPECT_EQ(changesOf(record, 3), (std::vector<std::size_t>{201, 400}));
 }
 
+TEST(ComtradeGoose, GoesByTheTimesOfSamplesThatDriftFromTheirRate) {
+    WaveformSettings settings = waveCalled("MU01");
+    settings.smpSynch = 0;
+    settings.driftPpm = 1000;
+    WaveformStream stream(settings);
+    stream.send(12'000);
+    // After 2.5 s samples are 10 rows from where the rate has them.
+    std::int64_t const trip = 2'500'000'000;
+    RecordFolder const place(
+        captureOf({&stream}, {tripAt(0, false, 0x80, 1), tripAt(trip, true, 0x80, 2)}));
+    auto const record = place.written({"--goose", "*", "--member", "1"});
+    auto const rows = stream.rows(true);
+    std::size_t expected = 0;
+    while (rows[expected].arrivalTime < kWaveStart + trip) {
+        ++expected;
+    }
+    auto const changes = changesOf(record, 0);
+    ASSERT_EQ(changes.size(), 1U);
+    EXPECT_NEAR(static_cast<double>(changes[0]), static_cast<double>(expected), 2);
+    EXPECT_LT(changes[0], 9995U);
+}
+
+TEST(ComtradeGoose, HasANameForEachOfTwoPublishers) {
+    WaveformStream stream(waveCalled("MU01"));
+    stream.send(400);
+    auto const from = [](std::string const& source, std::string const& name) {
+        GooseMessage message = gooseCalled(name);
+        message.setData({dataBoolean(true)});
+        return WaveformStream::Captured{kWaveStart + 10'000'000,
+                                        gooseFrame(Ethernet().from(source), message), 0, false};
+    };
+    std::string const end(64, 'x');
+    RecordFolder const place(captureOf(
+        {&stream}, {from("02:00:00:00:00:21", "G1"), from("02:00:00:00:00:22", "G1"),
+                    from("02:00:00:00:00:21", "A" + end), from("02:00:00:00:00:21", "B" + end)}));
+    auto const record = place.written({"--goose", "*"});
+    ASSERT_EQ(record.digitals.size(), 4U);
+    std::vector<std::string> ids;
+    for (auto const& digital : record.digitals) {
+        ids.push_back(digital.id);
+    }
+    std::string const cut = std::string(60, 'x') + " 1";
+    EXPECT_EQ(ids, (std::vector<std::string>{"1 " + cut, "2 " + cut, "02:00:00:00:00:21 G1 1",
+                                             "02:00:00:00:00:22 G1 1"}))
+        << testing::PrintToString(ids);
+}
+
 TEST(ComtradeWindows, AreARecordEach) {
     RecordFolder const place(tripCapture());
     auto const result = place.write({"--around", "1700000000.02", "--around", "1700000000.05",
@@ -218,7 +265,8 @@ TEST(ComtradeStreams, OfOneRateShareTheirRows) {
     WaveformStream first(waveCalled("MU01"));
     first.send(600);
     RecordFolder const place(captureOf({&first, &second}));
-    auto const record = place.written({});
+    std::string const lost = complaint("MU02: of 630 samples 10 lost, 0 late, 0 repeated");
+    auto const record = place.written({}, lost);
     ASSERT_EQ(record.analogs.size(), 16U);
     EXPECT_EQ(record.analogs[0].id, "MU01_Ia");
     EXPECT_EQ(record.analogs[15].id, "MU02_Un");
@@ -237,7 +285,7 @@ TEST(ComtradeStreams, OfOneRateShareTheirRows) {
             ASSERT_EQ(record.rows[row].analogs[11], b[row - 20].values[3]);
         }
     }
-    EXPECT_EQ(place.written({"--svid", "MU02"}).analogs.size(), 8U);
+    EXPECT_EQ(place.written({"--svid", "MU02"}, lost).analogs.size(), 8U);
 }
 
 TEST(ComtradeStreams, BeginWithTheEarliestSample) {
@@ -298,6 +346,79 @@ TEST(ComtradeStreams, OfOtherPhaseAreAlignedOnlyWhereAskedFor) {
     for (std::uint32_t row = 0; row < 400; ++row) {
         // 100 us after a row is nearest to that.
         ASSERT_EQ(record.rows[row].analogs[8], row + 1);
+    }
+}
+
+TEST(ComtradeStreams, ThatDriftApartAreAlignedOnlyWhereAskedFor) {
+    // Their clocks are 2 ms apart at the end: 8 rows.
+    WaveformSettings settings = waveCalled("MU01");
+    settings.smpSynch = 0;
+    WaveformStream first(settings);
+    settings = waveCalled("MU02");
+    settings.smpSynch = 0;
+    settings.driftPpm = 1000;
+    WaveformStream second(settings);
+    RecordFolder const place(captureOf({&first.send(8000), &second.send(8000)}));
+    place.expectRefusal({}, ": MU02: drifts away from MU01: in one row, their samples are ");
+    auto const result = place.write({"--align", "nearest"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_NE(result.err.find(" --align nearest left out "), std::string::npos) << result.err;
+    EXPECT_NE(textOf(place.folder.file("rec.hdr")).find(" --align nearest left out "),
+              std::string::npos);
+}
+
+TEST(ComtradeStreams, ThatDriftTogetherShareTheirRows) {
+    WaveformSettings settings = waveCalled("MU01");
+    settings.smpSynch = 1;
+    settings.driftPpm = 1000;
+    WaveformStream first(settings);
+    WaveformSettings other = waveCalled("MU02");
+    other.smpSynch = 1;
+    other.driftPpm = 1000;
+    WaveformStream second(other);
+    RecordFolder const place(captureOf({&first.send(8000), &second.send(8000)}));
+    EXPECT_EQ(place.written({}).rows.size(), 8000U);
+}
+
+TEST(ComtradeChoice, LeavesTheRowsOfWhatIsLeftOut) {
+    WaveformStream stream(waveCalled("MU01"));
+    stream.send(400).revise(9).send(400).revise(1).send(400);
+    RecordFolder const place(captureOf({&stream}));
+    auto const record = place.written({"--confrev", "1"});
+    auto const rows = stream.rows(true);
+    ASSERT_EQ(record.rows.size(), 1200U);
+    for (std::size_t row = 0; row < 1200; ++row) {
+        bool const isLeftOut = row >= 400 && row < 800;
+        ASSERT_EQ(record.rows[row].analogs[0].has_value(), !isLeftOut) << row;
+        if (!isLeftOut) {
+            ASSERT_EQ(record.rows[row].analogs[4], rows[row].values[4]) << row;
+        }
+    }
+}
+
+TEST(ComtradeChoice, MayBeAShortStretchOfALongStream) {
+    // None of the places that are looked at all over the stream is in it.
+    WaveformStream stream(waveCalled("MU01"));
+    stream.send(2601).revise(2).send(5);
+    RecordFolder const place(captureOf({&stream}));
+    EXPECT_EQ(place.written({"--confrev", "2"}).rows.size(), 5U);
+}
+
+TEST(ComtradeNotes, TellWhatCameLateOrAgain) {
+    WaveformStream stream(waveCalled("MU01"));
+    stream.send(400).sendLate(3).send(20).repeatLast().send(20);
+    RecordFolder const place(captureOf({&stream}));
+    auto const counts = stream.counts();
+    for (Arguments const& kind : {Arguments{}, {"--cff"}}) {
+        auto const result = place.write(kind);
+        EXPECT_EQ(result.err, complaint("MU01: of " + std::to_string(counts.received) +
+                                        " samples 0 lost, 1 late, 1 repeated"));
+        std::string const header = textOf(place.folder.file(kind.empty() ? "rec.hdr" : "rec.cff"));
+        EXPECT_NE(header.find(
+                      "MU01: of the samples that were gone through, 1 late, each in its place, and "
+                      "1 repeated, left out."),
+                  std::string::npos)
+            << header.substr(0, 1000);
     }
 }
 
@@ -473,7 +594,7 @@ TEST(ComtradeSources, OfOneNameAreRefused) {
     settings.ethernet = settings.ethernet.from("02:00:00:00:00:77");
     WaveformStream second(settings);
     RecordFolder const place(captureOf({&first.send(400), &second.send(400)}));
-    place.expectRefusal({}, "two streams have the svID MU01: choose one, by --source");
+    place.expectRefusal({}, "another stream has the svID MU01, too: choose one, by --source");
     EXPECT_EQ(place.written({"--source", "02:00:00:00:00:77"}).analogs.size(), 8U);
 }
 

@@ -237,6 +237,20 @@ TEST(WrittenCapture, HasOneLinkTypeAlone) {
     EXPECT_EQ(readCapture(readFile(written)).size(), 1U);
 }
 
+TEST(WrittenCapture, SaysWhichFramesHaveNoTime) {
+    PcapngMaker maker;
+    maker.section().interface().packet({.time = 20, .frame = oneSv()});
+    maker.simplePacket(oneSv()).simplePacket(oneSv());
+    TempDir const folder;
+    auto const from = folder.write("from.pcapng", maker.bytes());
+    auto const written = folder.file("to.pcap");
+    auto const result = runCompanion({"packets", from, "-w", written});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err,
+              complaint(written + ": 2 frames without a time, written as of 1970-01-01"));
+    EXPECT_EQ(readCapture(readFile(written)).size(), 3U);
+}
+
 TEST(WrittenCapture, TakesThePlaceOfRows) {
     TempFile const file(smallCapture());
     expectUsageError({"packets", file.path(), "-w", "x.pcap", "-o", "y"});

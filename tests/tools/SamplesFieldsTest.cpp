@@ -4,7 +4,10 @@
 
 #include <set>
 
+#include "support/CaptureFile.hpp"
+#include "support/Data.hpp"
 #include "support/TempFile.hpp"
+#include "tools/MemberTraffic.hpp"
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
@@ -86,6 +89,27 @@ TEST(SamplesJson, SaysWhereTimesComeFrom) {
         for (Json const& row : samplesOf({file.path()})) {
             ASSERT_EQ(row["sampleTimeSource"], source);
         }
+    }
+}
+
+TEST(SamplesJson, TakesNoTimeOfAClockThatFailedOrIsNotSet) {
+    for (Bytes const& refrTm : {utcTime(1'600'000'000, 0, 0x40), utcTime(0, 0, 0)}) {
+        CaptureBuilder capture(CaptureVariant::nanoLittle);
+        for (std::uint32_t i = 0; i < 4000; ++i) {
+            SvMessage message = svCalled("MU01");
+            message.asdus[0].smpCnt = Unsigned<2>(i);
+            message.asdus[0].smpSynch = Unsigned<1>(2);
+            message.asdus[0].smpRate = Unsigned<2>(4000);
+            message.asdus[0].smpMod = Unsigned<2>(1);
+            message.asdus[0].refrTm = refrTm;
+            capture.add(1'700'000'000, 300'000 + i * 249'900, svFrame(svEthernet(), message));
+        }
+        TempFile const file(capture.bytes());
+        std::string ignored;
+        auto const rows = samplesOf({"--limit", "8", file.path()}, &ignored);
+        ASSERT_EQ(rows.size(), 8U);
+        EXPECT_EQ(rows[4]["sampleTimeSource"], "smpCnt");
+        EXPECT_EQ(rows[4]["sampleTimeNs"], 1'700'000'000'001'000'000);
     }
 }
 
@@ -292,6 +316,37 @@ TEST(SamplesLayout, IsInferred) {
         TempFile const file(stream.captures()[0]);
         expectWaveform(samplesOf({file.path()}), stream.rows(false), settings);
     }
+}
+
+TEST(SamplesLayout, IsThatOfAShortStretchOfALongStreamToo) {
+    // None of the places that are looked at all over the stream is in it.
+    WaveformStream stream(declaredWave());
+    stream.send(2601).revise(2).send(5);
+    TempFile const file(stream.captures()[0]);
+    std::string ignored;
+    expectWaveform(samplesOf({file.path()}, &ignored), stream.rows(false), stream.settings());
+    auto const csv = runCompanion({"samples", "-f", "csv", "--confrev", "2", file.path()});
+    EXPECT_EQ(csvRows(csv.out).at(4).at("Ia"), std::to_string(stream.rows(false).back().values[0]));
+}
+
+TEST(SamplesChannels, AreAllOfEachSampleWhereNoneIsAskedFor) {
+    WaveformSettings settings = declaredWave();
+    WaveformStream first(settings);
+    settings.members = repeatedMembers({WaveMember::int32, WaveMember::quality}, 10);
+    settings.firstCount = 3000;
+    WaveformStream second(settings);
+    TempFile const file(captureOf({&first.send(3000), &second.send(3)}));
+    std::string notes;
+    auto const rows = samplesOf({file.path()}, &notes);
+    ASSERT_EQ(rows.size(), 3003U);
+    EXPECT_EQ(rows[2999]["values"].size(), 8U);
+    EXPECT_EQ(rows[3000]["values"].size(), 10U);
+    EXPECT_EQ(rows[3000]["quality"].size(), 10U);
+    EXPECT_EQ(notes.find("are written"), std::string::npos) << notes;
+    std::string ignored;
+    auto const channels = samplesOf({"--long", "--from", "1700000000.75", file.path()}, &ignored);
+    ASSERT_EQ(channels.size(), 30U);
+    EXPECT_EQ(channels.back()["channel"], 10);
 }
 
 TEST(SamplesLayout, OfOtherSizeIsNotTaken) {

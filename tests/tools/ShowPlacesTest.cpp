@@ -9,6 +9,7 @@
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
+#include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 #include "tools/options/PacketLocator.hpp"
 
@@ -115,6 +116,20 @@ TEST(ShowPlaces, MayBeThoseOfTheFrameOrOfTheRecord) {
         for (auto const* field : {"framePosition", "recordPosition"}) {
             EXPECT_EQ(rowsOf({"show", file.path() + "@" + row[field].dump()}), shown) << field;
         }
+    }
+}
+
+TEST(ShowPlaces, OfTheLastPacketReadItsSamplesAsThoseBefore) {
+    WaveformSettings settings = declaredWave();
+    settings.members = repeatedMembers({WaveMember::float32, WaveMember::quality}, 8);
+    for (bool const isPcapng : {false, true}) {
+        settings.isPcapng = isPcapng;
+        WaveformStream stream(settings);
+        TempFile const file(stream.send(40).captures()[0]);
+        auto const shown = runCompanion({"show", "--quiet", file.path()});
+        std::string const last = shown.out.substr(shown.out.rfind("\n\n") + 2);
+        auto const place = placesIn(file.path()).back();
+        EXPECT_EQ(runCompanion({"show", place}).out, last);
     }
 }
 

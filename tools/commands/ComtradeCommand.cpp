@@ -159,6 +159,7 @@ private:
 
     void writeAll() {
         std::vector<Part> const parts = options_.split ? splitParts() : windowParts();
+        isOnly_ = parts.size() == 1;
         for (Part const& part : parts) {
             for (std::string const& path : pathsOf(part.number)) {
                 run_.refuseToOverwrite(path);
@@ -286,6 +287,9 @@ private:
             throw RecordRefusal(std::string(toText(*limit)));
         }
         notes_.clear();
+        if (std::string const aligned = alignmentText(record.survey()); !aligned.empty()) {
+            notes_.push_back(escapeText(options_.base + part.number) + ":" + aligned);
+        }
         FileSet files;
         std::vector<ComtradeLosses> const losses = options_.inOneFile
                                                        ? writeOneFile(files, record, part.number)
@@ -313,12 +317,16 @@ private:
                 [this](std::uint32_t file) -> auto const& { return samples_.fileName(file); },
                 [this](std::string const& text) { notes_.push_back(text); });
         }
-        record.write(rows, [&](std::size_t source, SampleBlock const& block) {
+        counts_ = record.write(rows, [&](std::size_t source, SampleBlock const& block) {
             if (output != nullptr) {
                 notes[source].look(block);
             }
         });
         rows.finish();
+        for (std::size_t source = 0; output != nullptr && source < notes.size(); ++source) {
+            // Of several records, each goes through the streams from their starts.
+            notes[source].finish(isOnly_ ? counts_[source] : SampleCounts());
+        }
         return {rows.losses().begin(), rows.losses().end()};
     }
 
@@ -361,15 +369,44 @@ private:
             by(SampleTimeSource::refrTm), by(SampleTimeSource::smpCnt), by(SampleTimeSource::fit),
             survey.isGlobal ? "smpSynch is 2 throughout."
                             : "smpSynch is not 2 throughout: absolute time is not reliable.");
-        remarks.missing = fmt::format("Samples: {}; {} missing, marked so in their rows.",
-                                      survey.received, survey.missing);
+        remarks.missing = fmt::format("Samples: {}; {} missing, marked so in their rows.{}",
+                                      survey.received, survey.missing, alignmentText(survey)) +
+                          orderText(record);
         remarks.scales = scaleText(record);
         if (!record.record().digitals.empty()) {
             remarks.digitals =
-                "Digital channels: quality bits of samples, and states of GOOSE members, which "
-                "hold from the arrival of a packet on; before the first packet they are 0.";
+                "Digital channels: quality bits of samples, where smpSynch is not 2 if it is 2 "
+                "elsewhere, and states of GOOSE members, which hold from the arrival of a packet "
+                "on; before the first packet they are 0.";
         }
         return recordText(record.record(), remarks, losses);
+    }
+
+    /// What came of --align nearest, if anything.
+    [[nodiscard]] static std::string alignmentText(RecordSurvey const& survey) {
+        GridAlignment const& aligned = survey.alignment;
+        if (aligned.leftOut == 0 && aligned.inTwoRows == 0) {
+            return {};
+        }
+        return fmt::format(
+            " --align nearest left out {} to which no row is nearest, and put {} into two rows.",
+            plural(aligned.leftOut, "sample"), aligned.inTwoRows);
+    }
+
+    /// Which samples did not come in their order; a line for each stream that has some.
+    [[nodiscard]] std::string orderText(SampleRecord const& record) const {
+        std::string text;
+        for (std::size_t source = 0; source < counts_.size(); ++source) {
+            SampleCounts const& counts = counts_[source];
+            if (counts.late != 0 || counts.repeated != 0) {
+                text += fmt::format(
+                    "\n{}: of the samples that were gone through, {} late, each in its place, and "
+                    "{} repeated, left out.",
+                    escapeText(record.sources()[source].stream->key.name), counts.late,
+                    counts.repeated);
+            }
+        }
+        return text;
     }
 
     /// The layout that samples of a stream have in a record, and on what grounds.
@@ -427,6 +464,9 @@ private:
     WantedSamples samples_;
     std::vector<GooseState> states_;
     std::vector<std::string> notes_;
+    /// Of the record that is written: what became of the samples of each source.
+    std::vector<SampleCounts> counts_;
+    bool isOnly_ = true;
     bool isOneRefused_ = false;
 };
 

@@ -15,6 +15,7 @@
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
 #include "tools/output/CaptureWriter.hpp"
+#include "tools/output/Complain.hpp"
 #include "tools/output/Plural.hpp"
 #include "tools/output/TextEscape.hpp"
 #include "tools/output/WrapText.hpp"
@@ -85,6 +86,11 @@ ExitStatus writeCapture(PacketOptions const& options) {
         run.complainOf(options.captureFile,
                        fmt::format("{} left out, not of link type {} as the first",
                                    plural(others, "frame"), *writer.linkType()));
+    }
+    if (writer.withoutTime() != 0) {
+        complain(fmt::format("{}: {} without a time, written as of 1970-01-01",
+                             escapeText(options.captureFile),
+                             plural(writer.withoutTime(), "frame")));
     }
     return run.finish();
 }

@@ -24,23 +24,38 @@ std::size_t withoutScale(std::vector<ChannelMeaning> const& meanings) {
                       [](ChannelMeaning const& meaning) { return !meaning.scale; }));
 }
 
+/// FILE@POSITION.
+std::string placeOfFirst(WantedSamples const& samples,
+                         TalIec61850Analysis::TrafficStream const& stream) {
+    auto const& part = stream.parts.front();
+    return fmt::format("{}@{}", escapeText(samples.fileName(part.file)),
+                       part.packets.frameOffsets()[0] + part.packets.pduOffsets()[0]);
+}
+
 }  // namespace
 
 void noteTwoPublishers(WantedSamples const& samples) {
-    std::map<std::string, std::vector<std::string>> sources;
+    struct Publisher {
+        std::string source;
+        /// Of its first packet.
+        std::string place;
+    };
+    std::map<std::string, std::vector<Publisher>> sources;
     for (WantedStream const& stream : samples.streams()) {
         auto const& key = stream.stream->key;
         auto& known = sources[key.name];
         std::string const source = key.source ? toText(*key.source) : "an unknown source";
-        if (std::find(known.begin(), known.end(), source) == known.end()) {
-            known.push_back(source);
+        if (std::none_of(known.begin(), known.end(),
+                         [&](Publisher const& each) { return each.source == source; })) {
+            known.push_back({.source = source, .place = placeOfFirst(samples, *stream.stream)});
         }
     }
     for (auto const& [svID, known] : sources) {
         if (known.size() > 1) {
-            complain(fmt::format("{}: sent by {} and {}: each is a stream of its own",
-                                 escapeText(svID), known[0],
-                                 known.size() == 2 ? known[1] : plural(known.size() - 1, "other")));
+            complain(fmt::format(
+                "{}: {}: sent by {} and {}: each is a stream of its own", known[1].place,
+                escapeText(svID), known[0].source,
+                known.size() == 2 ? known[1].source : plural(known.size() - 1, "other")));
         }
     }
 }

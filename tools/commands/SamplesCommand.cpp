@@ -140,6 +140,7 @@ SampleForm formOf(SamplesOptions const& options, WantedSamples const& samples) {
     form.isLong = options.isLong;
     form.hasFieldPerChannel = !options.choice.common.columns.empty();
     form.channels = channelsOf(options, samples.mostChannels());
+    form.areChosen = !options.choice.channels.empty();
     form.names = commonNames(samples);
     return form;
 }
@@ -246,13 +247,13 @@ private:
             ++rows_;
             return;
         }
-        for (std::size_t const channel : form_.channels) {
-            if (channel < row.block->channels.size() && !isFull()) {
+        visitChannels(form_, row, [&](std::size_t channel) {
+            if (!isFull()) {
                 row.channel = channel;
                 writer_.write(row);
                 ++rows_;
             }
-        }
+        });
     }
 
     [[nodiscard]] bool isFull() const { return options_.limit && rows_ >= *options_.limit; }
@@ -263,7 +264,8 @@ private:
 
     /// The columns are those of what was looked at first.
     void noteMoreChannels(SampleBlock const& block) {
-        bool const isMore = !form_.isLong && options_.choice.channels.empty() &&
+        bool const hasColumns = form_.format != Format::json || form_.hasFieldPerChannel;
+        bool const isMore = hasColumns && !form_.isLong && !form_.areChosen &&
                             block.channels.size() > form_.channels.size();
         if (isMore && !isMoreTold_) {
             isMoreTold_ = true;

@@ -12,7 +12,7 @@ using namespace TalIec61850Analysis;
 
 namespace {
 
-/// Frames that are looked at after a packet: no more than a moment takes.
+/// Frames that are looked at after a packet, and before it: no more than a moment takes.
 constexpr std::size_t kMostFrames = 1000;
 /// ASDUs of a stream that are enough.
 constexpr std::size_t kEnough = 64;
@@ -42,6 +42,65 @@ std::optional<CaptureRecord> nextRecord(CaptureFile& capture, CaptureRecord cons
     }
     return std::nullopt;
 }
+
+/// A record some way before another one, some hundred of the size of samples at most.
+std::optional<CaptureRecord> recordBefore(CaptureFile& capture, CaptureRecord const& record) {
+    constexpr std::uint64_t kWay = std::uint64_t{64} << 10U;
+    // There the file has a head, or a block without a frame.
+    constexpr std::uint64_t kFar = 4096;
+    constexpr std::uint64_t kStep = 4;
+    std::uint64_t const start = record.fileOffset > kWay ? record.fileOffset - kWay : 0;
+    std::uint64_t const end = std::min(record.fileOffset, start + kFar);
+    for (std::uint64_t offset = start; offset < end; offset += kStep) {
+        if (auto const found = capture.recordAt(offset)) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Infers the layouts of a packet's ASDUs from those of the same streams in other frames.
+class LayoutsOfPacket {
+public:
+    /// @param packet  must outlive this
+    explicit LayoutsOfPacket(SvPacket const& packet) : packet_(packet) {
+        for (AsduContent const& asdu : packet.asdus) {
+            inferences_.emplace_back(asdu.seqData ? octetsOf(*asdu.seqData).size() : 0);
+        }
+    }
+
+    void look(Octets frame, CaptureRecord const& record) {
+        SvView const view = viewSv(frame, originOf(record));
+        if (!view.header.isSv() || view.header.source != packet_.header.source ||
+            view.header.appId != packet_.header.appId) {
+            return;
+        }
+        for (AsduView const& asdu : view.asdus) {
+            for (std::size_t number = 0; asdu.seqData && number < inferences_.size(); ++number) {
+                if (asdu.svID == packet_.asdus[number].svID) {
+                    inferences_[number].add(asdu.seqData->octets(), record.time);
+                }
+            }
+        }
+    }
+
+    [[nodiscard]] bool areCertain() const {
+        return std::all_of(inferences_.begin(), inferences_.end(),
+                           [](auto const& inference) { return inference.asdus() >= kEnough; });
+    }
+
+    [[nodiscard]] AsduLayouts result() const {
+        AsduLayouts layouts;
+        for (LayoutInference const& inference : inferences_) {
+            layouts.push_back(inference.result());
+        }
+        return layouts;
+    }
+
+private:
+    SvPacket const& packet_;
+    std::vector<LayoutInference> inferences_;
+};
 
 }  // namespace
 
@@ -75,36 +134,22 @@ std::optional<FoundLayout> IndexedLayouts::layoutOf(TrafficStream const& stream,
 }
 
 AsduLayouts layoutsNear(CaptureFile& capture, CaptureRecord const& record, SvPacket const& packet) {
-    std::vector<LayoutInference> inferences;
-    for (AsduContent const& asdu : packet.asdus) {
-        inferences.emplace_back(asdu.seqData ? octetsOf(*asdu.seqData).size() : 0);
-    }
-    auto const isEnough = [&] {
-        return std::all_of(inferences.begin(), inferences.end(),
-                           [](auto const& inference) { return inference.asdus() >= kEnough; });
-    };
+    LayoutsOfPacket layouts(packet);
     std::optional<CaptureRecord> next = record;
-    for (std::size_t i = 0; next && i < kMostFrames && !isEnough(); ++i) {
-        auto const frame = capture.frameOf(*next);
-        SvView const view = viewSv(frame, originOf(*next));
-        if (view.header.isSv() && view.header.source == packet.header.source &&
-            view.header.appId == packet.header.appId) {
-            for (AsduView const& asdu : view.asdus) {
-                for (std::size_t number = 0; number < packet.asdus.size(); ++number) {
-                    bool const isSame = asdu.seqData && asdu.svID == packet.asdus[number].svID;
-                    if (isSame) {
-                        inferences[number].add(asdu.seqData->octets(), next->time);
-                    }
-                }
-            }
-        }
+    for (std::size_t i = 0; next && i < kMostFrames && !layouts.areCertain(); ++i) {
+        layouts.look(capture.frameOf(*next), *next);
         next = nextRecord(capture, *next);
     }
-    AsduLayouts layouts;
-    for (LayoutInference const& inference : inferences) {
-        layouts.push_back(inference.result());
+    if (!layouts.areCertain()) {
+        next = recordBefore(capture, record);
     }
-    return layouts;
+    for (std::size_t i = 0;
+         !layouts.areCertain() && next && i < kMostFrames && next->fileOffset < record.fileOffset;
+         ++i) {
+        layouts.look(capture.frameOf(*next), *next);
+        next = nextRecord(capture, *next);
+    }
+    return layouts.result();
 }
 
 }  // namespace TalIec61850Tools

@@ -34,8 +34,8 @@ private:
     std::map<TalIec61850Analysis::TrafficStream const*, Layouts> known_;
 };
 
-/// Finds out what samples are made of, by ASDUs of the same streams in the frames that follow:
-/// nothing far away is read.
+/// Finds out what samples are made of, by ASDUs of the same streams in the frames that follow
+/// and, where these are few, in those before: nothing far away is read.
 /// @param record  of the packet
 /// @return one for each ASDU
 /// @throws std::system_error  the capture cannot be read

@@ -52,6 +52,7 @@ bool CaptureWriter::write(RecordView const& view) {
     if (view.record.linkType != *linkType_) {
         return false;
     }
+    withoutTime_ += view.record.time ? 0 : 1;
     constexpr std::uint64_t giga = 1'000'000'000;
     std::uint64_t const time =
         view.record.time ? TalIec61850Analysis::nanosecondsSince1970(*view.record.time) : 0;

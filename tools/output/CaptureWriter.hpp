@@ -23,11 +23,15 @@ public:
     /// Of the frames; set after the first.
     [[nodiscard]] std::optional<std::uint16_t> linkType() const { return linkType_; }
 
+    /// How many records have no time: they are written with that of 1970.
+    [[nodiscard]] std::uint64_t withoutTime() const { return withoutTime_; }
+
 private:
     void begin(std::uint16_t linkType);
 
     TextSink sink_;
     std::optional<std::uint16_t> linkType_;
+    std::uint64_t withoutTime_ = 0;
 };
 
 }  // namespace TalIec61850Tools

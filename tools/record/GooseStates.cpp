@@ -9,6 +9,7 @@
 #include <variant>
 
 #include "tools/names/MemberNames.hpp"
+#include "tools/render/AddressText.hpp"
 #include "tools/selection/StreamCriteria.hpp"
 
 namespace TalIec61850Tools {
@@ -16,6 +17,35 @@ namespace TalIec61850Tools {
 using namespace TalIec61850Analysis;
 
 namespace {
+
+std::string publisherText(StreamKey const& key) {
+    std::string text = key.source ? toText(*key.source) : "unknown source";
+    if (!key.vlans.empty()) {
+        text += fmt::format(" VLAN {}", key.vlans.back().id);
+    }
+    return text;
+}
+
+/// The end of a name tells members apart.
+std::string endOf(std::string const& name, std::string const& front) {
+    constexpr std::size_t kLongest = 64;
+    std::size_t const room = kLongest - front.size();
+    return front + name.substr(name.size() > room ? name.size() - room : 0);
+}
+
+/// Whether each of these is there more than once.
+std::vector<bool> areRepeated(std::vector<std::string> const& ids) {
+    std::map<std::string_view, std::size_t> counts;
+    for (std::string const& id : ids) {
+        ++counts[id];
+    }
+    std::vector<bool> repeated;
+    repeated.reserve(ids.size());
+    for (std::string const& id : ids) {
+        repeated.push_back(counts[id] > 1);
+    }
+    return repeated;
+}
 
 /// The states of one stream, as they are collected: by place, in the order in which they were met.
 class StateCollector {
@@ -89,6 +119,7 @@ private:
         states_.push_back(
             {.name = fmt::format("{} {}{}", stream_.name, name.empty() ? place : name, bit),
              .component = full.substr(0, full.find('.')),
+             .publisher = publisherText(stream_),
              .times = {},
              .states = {}});
         return states_.size() - 1;
@@ -115,6 +146,23 @@ void GooseState::at(std::span<std::int64_t const> instants, std::vector<std::uin
         }
         asked.push_back(cursor == 0 ? std::uint8_t{0} : states[cursor - 1]);
     }
+}
+
+std::vector<std::string> stateIds(std::vector<GooseState> const& states) {
+    std::vector<std::string> ids;
+    ids.reserve(states.size());
+    for (GooseState const& state : states) {
+        ids.push_back(endOf(state.name, ""));
+    }
+    std::vector<bool> repeated = areRepeated(ids);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        ids[i] = repeated[i] ? endOf(states[i].name, states[i].publisher + " ") : ids[i];
+    }
+    repeated = areRepeated(ids);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        ids[i] = repeated[i] ? endOf(states[i].name, fmt::format("{} ", i + 1)) : ids[i];
+    }
+    return ids;
 }
 
 std::vector<GooseState> readGooseStates(TrafficIndex const& index, FrameReader& frames,

@@ -21,6 +21,8 @@ struct GooseState {
     std::string name;
     /// The logical node of a member that is described, with its IED: IED1LD0/PTRC1. Else empty.
     std::string component = {};
+    /// Who publishes it, with its VLAN: "02:00:00:00:00:01", "02:00:00:00:00:01 VLAN 5".
+    std::string publisher = {};
     /// When it becomes another, in nanoseconds since 1970, by arrival. Before the first it is not
     /// known.
     std::vector<std::int64_t> times;
@@ -35,6 +37,11 @@ struct GooseState {
     void at(std::span<std::int64_t const> instants, std::vector<std::uint8_t>& asked,
             std::size_t& cursor) const;
 };
+
+/// What states are called as channels, each another way: names of 64 characters at most, the end of
+/// longer ones, with the publisher in front where several have one name, and a number where that
+/// does not tell them apart.
+[[nodiscard]] std::vector<std::string> stateIds(std::vector<GooseState> const& states);
 
 /// Which members of GOOSE streams become states, and how they are called.
 struct GooseStateWish {

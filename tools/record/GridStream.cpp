@@ -46,6 +46,7 @@ std::optional<GridSpan> GridStream::at(std::int64_t row) {
         if (nextRow_ > row) {
             // Between two samples that are nearest to the rows beside it, there is no missing one.
             if (placing_ == GridPlacing::nearest && nextRow_ == row + 1 && lastRow_ == row - 1) {
+                ++alignment_.inTwoRows;
                 return GridSpan{.row = row, .count = 1, .block = block_, .first = next_};
             }
             return GridSpan{.row = row, .count = static_cast<std::size_t>(nextRow_ - row)};
@@ -65,12 +66,18 @@ std::optional<GridSpan> GridStream::at(std::int64_t row) {
 }
 
 bool GridStream::readBlock() {
-    do {
+    while (true) {
         block_ = isOver_ ? nullptr : reader_.next();
         isOver_ = block_ == nullptr;
-    } while (block_ != nullptr && !isWanted_(*block_));
-    if (block_ == nullptr) {
-        return false;
+        if (isOver_) {
+            return false;
+        }
+        if (isWanted_(*block_)) {
+            break;
+        }
+        if (goesOn()) {  // its samples have rows, without them
+            *lastRow_ += static_cast<std::int64_t>(block_->size());
+        }
     }
     if (look_) {
         look_(*block_);
@@ -100,10 +107,14 @@ void GridStream::checkMake(SampleBlock const& block) {
     layout_ = block.layout;
 }
 
+/// Whether the rows of the block follow those of the block before.
+bool GridStream::goesOn() const {
+    return placing_ == GridPlacing::exact && lastRow_ && run_ == block_->run.first;
+}
+
 /// Finds the row of the block's first sample.
 void GridStream::placeBlock() {
-    bool const isSameRun = run_ == block_->run.first && lastRow_;
-    if (isSameRun && placing_ == GridPlacing::exact) {
+    if (goesOn()) {
         nextRow_ = *lastRow_ + 1;
         inRow_ = block_->size();
         return;
@@ -146,7 +157,11 @@ void GridStream::placeNext() {
         return;
     }
     // Of two samples that are nearest to one row, the first is taken.
-    while (lastRow_ && nextRow_ <= *lastRow_ && next_ + 1 < block_->size()) {
+    while (lastRow_ && nextRow_ <= *lastRow_) {
+        ++alignment_.leftOut;
+        if (next_ + 1 == block_->size()) {
+            break;
+        }
         nextRow_ = placeOf(++next_);
     }
     inRow_ = 1;

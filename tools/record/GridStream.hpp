@@ -30,6 +30,14 @@ struct GridSpan {
     std::size_t first = 0;
 };
 
+/// What became of samples that are put into the nearest rows, at a rate that is not quite theirs.
+struct GridAlignment {
+    /// In no row: another one is nearest to it, too.
+    std::uint64_t leftOut = 0;
+    /// In a row of their own and the one before it, to which none is nearest.
+    std::uint64_t inTwoRows = 0;
+};
+
 /// Puts the samples of one stream into the rows of a record. They must be of one make: one layout,
 /// one confRev, one data set.
 class GridStream {
@@ -65,6 +73,9 @@ public:
     /// The grid; known once a sample has been read.
     [[nodiscard]] std::optional<RecordGrid> const& grid() const { return grid_; }
 
+    /// Of the rows that were asked for, each once.
+    [[nodiscard]] GridAlignment const& alignment() const { return alignment_; }
+
     /// What became of the samples that were gone through.
     [[nodiscard]] TalIec61850Analysis::SampleCounts counts() const { return reader_.counts(); }
 
@@ -73,6 +84,7 @@ private:
 
     [[nodiscard]] bool readBlock();
     void checkMake(SampleBlock const& block);
+    [[nodiscard]] bool goesOn() const;
     void placeBlock();
     void placeNext();
     [[nodiscard]] std::int64_t placeOf(std::size_t row) const;
@@ -94,6 +106,7 @@ private:
     std::int64_t nextRow_ = 0;
     std::size_t inRow_ = 0;
     std::optional<std::int64_t> lastRow_;
+    GridAlignment alignment_;
     /// Of the block before.
     std::optional<TalIec61850Analysis::PacketRef> run_;
     std::optional<TalIec61850Analysis::FoundLayout> layout_;

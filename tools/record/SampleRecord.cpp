@@ -99,6 +99,9 @@ public:
                 addQuality(isThere ? &span->block->channels[channel] : nullptr, span, count);
             }
         }
+        if (source.isSynchMixed) {
+            addSynch(isThere ? span->block : nullptr, span, count);
+        }
     }
 
     void addState(std::span<std::uint8_t const> states) { digitals_.push_back(states); }
@@ -135,15 +138,33 @@ private:
                 digitals_.emplace_back(std::span(none_.states).first(count));
                 continue;
             }
-            if (used_ == quality_.size()) {
-                quality_.emplace_back(kRows);
-            }
-            std::vector<std::uint8_t>& states = quality_[used_++];
+            std::vector<std::uint8_t>& states = nextStates();
             for (std::size_t row = 0; row < count; ++row) {
                 states[row] = (words[row] & bit.mask) == bit.value ? 1 : 0;
             }
             digitals_.emplace_back(std::span(states).first(count));
         }
+    }
+
+    /// Where smpSynch is not that of a global clock; what is missing has none.
+    void addSynch(SampleBlock const* block, std::optional<GridSpan> const& span,
+                  std::size_t count) {
+        std::vector<std::uint8_t>& states = nextStates();
+        for (std::size_t row = 0; row < count; ++row) {
+            bool const isOther = block != nullptr &&
+                                 block->states[span->first + row] != SampleState::missing &&
+                                 block->smpSynchs[span->first + row] != kGlobal;
+            states[row] = isOther ? 1 : 0;
+        }
+        digitals_.emplace_back(std::span(states).first(count));
+    }
+
+    /// Memory for the rows of one more digital channel.
+    std::vector<std::uint8_t>& nextStates() {
+        if (used_ == digitalStates_.size()) {
+            digitalStates_.emplace_back(kRows);
+        }
+        return digitalStates_[used_++];
     }
 
     RecordWish const& wish_;
@@ -153,9 +174,40 @@ private:
     std::vector<ComtradeDigitalColumn> digitals_;
     /// By source.
     std::vector<std::vector<std::uint8_t>> missing_;
-    /// One for each bit of each channel.
-    std::vector<std::vector<std::uint8_t>> quality_;
+    /// One for each bit of each channel that is set, and for smpSynch.
+    std::vector<std::vector<std::uint8_t>> digitalStates_;
     std::size_t used_ = 0;
+};
+
+/// When rows were sampled.
+class RowTimes {
+public:
+    explicit RowTimes(RecordGrid const& grid) : grid_(grid) {}
+
+    /// By the first stream that has samples there. Rows of none are as far from the grid as the
+    /// last ones that had some.
+    [[nodiscard]] std::span<std::int64_t const> of(std::uint64_t row, std::size_t count,
+                                                   std::span<std::optional<GridSpan> const> spans) {
+        times_.resize(count);
+        auto const span = std::find_if(spans.begin(), spans.end(), [](auto const& each) {
+            return each && each->block != nullptr;
+        });
+        for (std::size_t i = 0; i < count; ++i) {
+            std::int64_t const nominal = grid_.timeOf(static_cast<std::int64_t>(row + i));
+            std::int64_t const sampled =
+                span != spans.end() ? (*span)->block->sampleTimes[(*span)->first + i] : kNoTime;
+            away_ = sampled != kNoTime ? sampled - nominal : away_;
+            last_ = std::max(last_, nominal + away_);
+            times_[i] = last_;
+        }
+        return times_;
+    }
+
+private:
+    RecordGrid const& grid_;
+    std::int64_t away_ = 0;
+    std::int64_t last_ = std::numeric_limits<std::int64_t>::min();
+    std::vector<std::int64_t> times_;
 };
 
 /// The name of a channel, with the svID as far as there is room for it: with the name of a quality
@@ -291,9 +343,9 @@ void SampleRecord::findGrid() {
         for (RecordSource const& other : sources) {
             if (other.stream->key.name == source.stream->key.name) {
                 throw RecordRefusal(fmt::format(
-                    "two streams have the svID {}: choose one, by --source, --destination, --vlan "
-                    "or --appid",
-                    escapeText(source.stream->key.name)));
+                    "{}: another stream has the svID {}, too: choose one, by --source, "
+                    "--destination, --vlan or --appid",
+                    placeText_(*stream.at(0)->block, 0), escapeText(source.stream->key.name)));
             }
         }
         RecordGrid const own = *stream.grid();
@@ -320,8 +372,9 @@ void SampleRecord::findGrid() {
 }
 
 void SampleRecord::surveySource(std::size_t number) {
-    RecordSource const& source = wish_.sources[number];
+    RecordSource& source = wish_.sources[number];
     bool const withValues = needsExtents();
+    SynchCounts synch;
     GridStream stream = open(source, survey_.grid, withValues);
     extents_[number].resize(source.layout.channels().size());
     std::int64_t row = 0;
@@ -330,7 +383,7 @@ void SampleRecord::surveySource(std::size_t number) {
         if (span->block == nullptr) {
             continue;
         }
-        countSamples(*span);
+        countSamples(*span, synch);
         if (withValues) {
             for (std::size_t const channel : source.channels) {
                 extents_[number][channel].add(*span, channel);
@@ -338,16 +391,20 @@ void SampleRecord::surveySource(std::size_t number) {
         }
     }
     survey_.rows = std::max(survey_.rows, static_cast<std::uint64_t>(row));
+    source.isSynchMixed = synch.global != 0 && synch.other != 0;
+    survey_.isGlobal = survey_.isGlobal && synch.other == 0;
+    survey_.alignment.leftOut += stream.alignment().leftOut;
+    survey_.alignment.inTwoRows += stream.alignment().inTwoRows;
 }
 
-void SampleRecord::countSamples(GridSpan const& span) {
+void SampleRecord::countSamples(GridSpan const& span, SynchCounts& synch) {
     SampleBlock const& block = *span.block;
     survey_.rateSource = block.run.rateSource;
     for (std::size_t i = span.first; i < span.first + span.count; ++i) {
         if (block.states[i] != SampleState::missing) {
             ++survey_.received;
             ++survey_.timeSources[static_cast<std::size_t>(block.timeSources[i])];
-            survey_.isGlobal = survey_.isGlobal && block.smpSynchs[i] == kGlobal;
+            ++(block.smpSynchs[i] == kGlobal ? synch.global : synch.other);
         }
     }
 }
@@ -393,13 +450,11 @@ void SampleRecord::describe() {
         describeSource(source);
     }
     if (wish_.states != nullptr) {
-        for (GooseState const& state : *wish_.states) {
-            // The end of a long name tells members apart.
-            constexpr std::size_t kLongest = 64;
-            std::size_t const cut = state.name.size() > kLongest ? state.name.size() - kLongest : 0;
-            record_.digitals.push_back({.id = state.name.substr(cut),
+        std::vector<std::string> ids = stateIds(*wish_.states);
+        for (std::size_t state = 0; state < ids.size(); ++state) {
+            record_.digitals.push_back({.id = std::move(ids[state]),
                                         .phase = {},
-                                        .component = state.component,
+                                        .component = (*wish_.states)[state].component,
                                         .normal = false});
         }
     }
@@ -445,6 +500,12 @@ void SampleRecord::describeSource(std::size_t number) {
         }
         record_.analogs.push_back(std::move(analog));
     }
+    if (source.isSynchMixed) {
+        record_.digitals.push_back({.id = channelId(svID, "smpSynch not 2"),
+                                    .phase = {},
+                                    .component = {},
+                                    .normal = false});
+    }
 }
 
 void SampleRecord::describeQuality(std::string const& channel) {
@@ -456,7 +517,38 @@ void SampleRecord::describeQuality(std::string const& channel) {
     }
 }
 
-void SampleRecord::write(ComtradeRows& rows, Look const& look) const {
+/// Streams whose samples were taken at the same instants may drift apart. That both drift from the
+/// nominal rate does no harm.
+void SampleRecord::checkDrift(std::span<std::optional<GridSpan> const> spans) const {
+    if (wish_.placing != GridPlacing::exact) {
+        return;
+    }
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    std::int64_t const half = kSecond * survey_.grid.rate.seconds / survey_.grid.rate.samples / 2;
+    std::optional<std::size_t> other;
+    for (std::size_t i = 0; i < spans.size(); ++i) {
+        if (!spans[i] || spans[i]->block == nullptr ||
+            spans[i]->block->sampleTimes[spans[i]->first] == kNoTime) {
+            continue;
+        }
+        if (!other) {
+            other = i;
+            continue;
+        }
+        SampleBlock const& block = *spans[i]->block;
+        std::int64_t const away = block.sampleTimes[spans[i]->first] -
+                                  spans[*other]->block->sampleTimes[spans[*other]->first];
+        if (away > half || away < -half) {
+            throw RecordRefusal(fmt::format(
+                "{}: {}: drifts away from {}: in one row, their samples are {} us apart from here "
+                "on: see --align nearest",
+                placeText_(block, spans[i]->first), escapeText(wish_.sources[i].stream->key.name),
+                escapeText(wish_.sources[*other].stream->key.name), std::abs(away) / 1000));
+        }
+    }
+}
+
+std::vector<SampleCounts> SampleRecord::write(ComtradeRows& rows, Look const& look) const {
     std::vector<GridStream> streams = openTogether();
     for (std::size_t number = 0; look && number < streams.size(); ++number) {
         streams[number].showTo([&look, number](SampleBlock const& block) { look(number, block); });
@@ -465,7 +557,7 @@ void SampleRecord::write(ComtradeRows& rows, Look const& look) const {
     std::size_t const stateCount = wish_.states == nullptr ? 0 : wish_.states->size();
     std::vector<std::size_t> cursors(stateCount);
     std::vector<std::vector<std::uint8_t>> states(stateCount);
-    std::vector<std::int64_t> instants;
+    RowTimes times(survey_.grid);
     std::vector<std::optional<GridSpan>> spans(streams.size());
     for (std::uint64_t row = 0; row < survey_.rows;) {
         std::size_t count = std::min<std::uint64_t>(survey_.rows - row, kRows);
@@ -473,16 +565,13 @@ void SampleRecord::write(ComtradeRows& rows, Look const& look) const {
             spans[i] = streams[i].at(static_cast<std::int64_t>(row));
             count = spans[i] ? std::min(count, spans[i]->count) : count;
         }
+        checkDrift(spans);
         columns.clear();
         for (std::size_t i = 0; i < streams.size(); ++i) {
             columns.addSource(i, spans[i], count);
         }
-        if (stateCount > 0) {
-            instants.resize(count);
-            for (std::size_t i = 0; i < count; ++i) {
-                instants[i] = survey_.grid.timeOf(static_cast<std::int64_t>(row + i));
-            }
-        }
+        auto const instants =
+            stateCount > 0 ? times.of(row, count, spans) : std::span<std::int64_t const>();
         for (std::size_t i = 0; i < stateCount; ++i) {
             (*wish_.states)[i].at(instants, states[i], cursors[i]);
             columns.addState(states[i]);
@@ -490,6 +579,12 @@ void SampleRecord::write(ComtradeRows& rows, Look const& look) const {
         rows.add(columns.analogs(), columns.digitals());
         row += count;
     }
+    std::vector<SampleCounts> counts;
+    counts.reserve(streams.size());
+    for (GridStream const& stream : streams) {
+        counts.push_back(stream.counts());
+    }
+    return counts;
 }
 
 }  // namespace TalIec61850Tools

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,8 @@ struct RecordSource {
     DescribedSamples const* described = nullptr;
     /// Found when the record is made.
     TalIec61850Analysis::SampleLayout layout = {};
+    /// Whether smpSynch is 2 in some samples, and not in others; found then, too.
+    bool isSynchMixed = false;
 };
 
 /// What a record is to be.
@@ -66,6 +69,8 @@ struct RecordSurvey {
     /// What the samples of all streams came to: those that are in the record.
     std::uint64_t received = 0;
     std::uint64_t missing = 0;
+    /// What came of putting samples into the nearest rows.
+    GridAlignment alignment;
     /// How many times came from where, by SampleTimeSource.
     std::array<std::uint64_t, 4> timeSources{};
     TalIec61850Analysis::RateSource rateSource = TalIec61850Analysis::RateSource::none;
@@ -97,8 +102,11 @@ public:
 
     /// Adds all rows.
     /// @param look  shown each block of samples before its rows are added; may be empty
+    /// @return what became of the samples of each source that were gone through, those before the
+    ///         record included
     /// @throws RecordRefusal, std::system_error  as above
-    void write(TalIec61850Analysis::ComtradeRows& rows, Look const& look = {}) const;
+    [[nodiscard]] std::vector<TalIec61850Analysis::SampleCounts> write(
+        TalIec61850Analysis::ComtradeRows& rows, Look const& look = {}) const;
 
 private:
     /// The smallest and the largest value of a channel.
@@ -121,7 +129,14 @@ private:
     [[nodiscard]] static bool findMake(RecordSource& source, GridStream& stream,
                                        GridStream::PlaceText const& placeText);
     void surveySource(std::size_t number);
-    void countSamples(GridSpan const& span);
+    /// In how many samples smpSynch is 2, and in how many it is not.
+    struct SynchCounts {
+        std::uint64_t global = 0;
+        std::uint64_t other = 0;
+    };
+
+    void countSamples(GridSpan const& span, SynchCounts& synch);
+    void checkDrift(std::span<std::optional<GridSpan> const> spans) const;
     void describe();
     void describeSource(std::size_t number);
     void describeQuality(std::string const& channel);

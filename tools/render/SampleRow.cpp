@@ -215,12 +215,10 @@ private:
     template <typename Append>
     void appendArray(Sampled row, Append const& append) {
         text_ += '[';
-        for (std::size_t const channel : form_.channels) {
-            if (channel < row.block->channels.size()) {
-                text_ += text_.size() == 1 ? "" : ",";
-                append(channel);
-            }
-        }
+        visitChannels(form_, row, [&](std::size_t channel) {
+            text_ += text_.size() == 1 ? "" : ",";
+            append(channel);
+        });
         text_ += ']';
     }
 

@@ -43,12 +43,32 @@ struct SampleForm {
     bool isLong = false;
     /// Numbers from 0 in their order, as many as the streams have at most.
     std::vector<std::size_t> channels = {};
+    /// Whether these were asked for: json, and rows of one channel, have all channels of each
+    /// sample otherwise.
+    bool areChosen = false;
     /// By the number of the channel; empty where they are not known, or not the same for all
     /// streams.
     std::vector<std::string> names = {};
     /// Each channel has fields of its own, too, to choose columns from.
     bool hasFieldPerChannel = false;
 };
+
+/// Calls a function with each channel of a row that json, or rows of one channel, have.
+template <typename Visit>
+void visitChannels(SampleForm const& form, SampleRow const& row, Visit const& visit) {
+    std::size_t const count = row.block->channels.size();
+    if (!form.areChosen) {
+        for (std::size_t channel = 0; channel < count; ++channel) {
+            visit(channel);
+        }
+        return;
+    }
+    for (std::size_t const channel : form.channels) {
+        if (channel < count) {
+            visit(channel);
+        }
+    }
+}
 
 /// The fields of a sample. In csv there are columns for each channel, or in rows of a channel
 /// those of one; in json there are arrays. Fields of a channel are named as its columns are.

@@ -227,6 +227,21 @@ TEST(InferredLayout, IsUndecidedByOneAsdu) {
     EXPECT_EQ(found.asdus, 1U);
 }
 
+TEST(InferredLayout, OfOneAsduIsThatOf92LeWhereItsLengthIsAndNoValueLooksLikeAFloat) {
+    Bytes integers;
+    Bytes floats;
+    for (std::uint32_t i = 0; i < 8; ++i) {
+        integers = concat({integers, wordOf(100'000 - 50'000 * i), wordOf(0)});
+        floats = concat({floats, floatOf(1.5F), wordOf(0)});
+    }
+    FoundLayout const ofIntegers = foundOf({integers});
+    EXPECT_EQ(ofIntegers.source, LayoutSource::undecided);
+    EXPECT_EQ(ofIntegers.layout->channels().size(), 8U);
+    FoundLayout const ofFloats = foundOf({floats});
+    EXPECT_EQ(ofFloats.source, LayoutSource::undecided);
+    EXPECT_FALSE(ofFloats.layout);
+}
+
 TEST(InferredLayout, OfZerosIsUndecidedAndThatOf92LeByItsLengthAlone) {
     for (std::size_t const size : {4U, 8U, 12U, 24U, 32U, 56U, 63U, 64U, 65U, 72U, 128U}) {
         FoundLayout const found = foundOf({Bytes(size), Bytes(size), Bytes(size)});

@@ -316,6 +316,22 @@ TEST(SampleRows, ThatAreNothingKnownAreOctets) {
     }
 }
 
+TEST(SampleRows, OfAWindowAreNotLookedForLongAfterItsEnd) {
+    WaveformSettings settings;
+    settings.rate = 1000;
+    for (std::uint8_t const synch : {std::uint8_t{2}, std::uint8_t{0}}) {
+        settings.smpSynch = synch;
+        WaveformStream stream(settings);
+        IndexedWaveform const indexed(stream.send(15'000));
+        SampleOptions options;
+        options.end = CaptureTime(std::chrono::seconds(settings.second + 1));
+        ReadStream const read = indexed.read(options);
+        EXPECT_NEAR(static_cast<double>(read.rows.size()), 1000, 1);
+        EXPECT_GT(read.counts.received, 10'000U);
+        EXPECT_LT(read.counts.received, 13'000U);
+    }
+}
+
 TEST(SampleRows, OfAWindowGoByTheTimeOfTheSampleAndItsEndIsExcluded) {
     WaveformStream stream(WaveformSettings{.firstCount = 3000});
     stream.send(900).lose(50).send(600);
