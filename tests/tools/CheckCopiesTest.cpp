@@ -122,7 +122,7 @@ TEST(CopyFields, NameTheLans) {
     };
     EXPECT_EQ(fieldsOf("copyMissing"), R"("B""A")");
     EXPECT_EQ(fieldsOf("copyExtra"), R"(null"A")");
-    EXPECT_EQ(fieldsOf("copyDiffers"), R"(null"A")");
+    EXPECT_EQ(fieldsOf("copyDiffers"), R"(null"B")");
     EXPECT_EQ(fieldsOf("wrongLan"), R"("A""B")");
 }
 
