@@ -11,8 +11,11 @@ std::uint64_t droppedBy(CaptureInterface const& interface) {
     return interface.dropped.value_or(0) + interface.droppedBySystem.value_or(0);
 }
 
-/// Whether the file has any count that is not 0.
+/// Whether what is kept of the file has any count that is not 0.
 bool hasDrops(CaptureSummary const& summary) {
+    if (summary.startOffset >= summary.fileSize) {
+        return false;  // all of it was left out, and the file may be gone
+    }
     return summary.dropped.value_or(0) > 0 ||
            std::any_of(summary.interfaces.begin(), summary.interfaces.end(),
                        [](CaptureInterface const& each) { return droppedBy(each) > 0; });

@@ -2,9 +2,11 @@
 #include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
 #include <TalIec61850Analysis/supervision/FindingValues.hpp>
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -50,9 +52,39 @@ void moveFindings(FindingJoiner& joiner, std::vector<Finding>& findings) {
     std::move(joined.begin(), joined.end(), std::back_inserter(findings));
 }
 
+/// Frames that cannot be read: those of one reason that go on within a minute are one finding.
+void addUnreadable(std::uint32_t file, std::vector<UnreadFrame> const& frames,
+                   std::vector<Finding>& findings) {
+    constexpr std::int64_t kPause = 60'000'000'000;
+    /// Findings by their numbers.
+    std::map<std::pair<StreamProtocol, UnreadReason>, std::size_t> lasting;
+    for (UnreadFrame const& frame : frames) {
+        std::int64_t const time = timeOrNone(frame.time);
+        auto const [known, isFirst] =
+            lasting.try_emplace({frame.protocol, frame.reason}, findings.size());
+        if (!isFirst) {
+            Finding& before = findings[known->second];
+            bool const goesOn = time == kNoTime || before.until == kNoTime ||
+                                time <= before.until || time - before.until <= kPause;
+            if (goesOn) {
+                ++before.count;
+                before.until = std::max(before.until, time);
+                continue;
+            }
+            known->second = findings.size();
+        }
+        Finding finding = findingAt(FindingKind::unreadable, file, frame.frameOffset, time);
+        finding.protocol = frame.protocol;
+        finding.reason = frame.reason;
+        findings.push_back(std::move(finding));
+    }
+}
+
 /// The time that the gaps of several streams share.
 struct SharedGap {
     explicit SharedGap(Finding const& gap) : finding(gap), from(gap.before->time), until(gap.from) {
+        streams.insert(*gap.stream);
+        isWitnessed = gap.witness == LossWitness::otherStreamsLost;
         finding.kind = FindingKind::captureGap;
         finding.protocol.reset();
         finding.stream.reset();
@@ -61,6 +93,8 @@ struct SharedGap {
     }
 
     void join(Finding const& gap) {
+        streams.insert(*gap.stream);
+        isWitnessed = isWitnessed || gap.witness == LossWitness::otherStreamsLost;
         finding.lost += gap.lost;
         finding.witnessFrames = std::max(finding.witnessFrames, gap.witnessFrames);
         if (gap.before->time >= from) {
@@ -75,10 +109,33 @@ struct SharedGap {
         }
     }
 
+    /// Whether it is more than some streams of many.
+    [[nodiscard]] bool isOfAll() const {
+        constexpr std::size_t kFewestStreams = 3;
+        return isWitnessed || streams.size() >= kFewestStreams;
+    }
+
     Finding finding;
     std::int64_t from = 0;
     std::int64_t until = 0;
+    std::set<std::size_t> streams;
+    /// Whether other streams are known to have lost too.
+    bool isWitnessed = false;
 };
+
+/// Whether any packet came between two times.
+bool isAnyBetween(TrafficIndex const& index, std::int64_t from, std::int64_t until) {
+    TimeWindow const window{.from = CaptureTime(std::chrono::nanoseconds(from + 1)),
+                            .to = CaptureTime(std::chrono::nanoseconds(until - 1))};
+    return std::any_of(
+        index.streams().begin(), index.streams().end(), [&](TrafficStream const& stream) {
+            return std::any_of(stream.parts.begin(), stream.parts.end(),
+                               [&](StreamPart const& part) {
+                                   auto const [first, end] = part.packets.placesIn(window);
+                                   return first < end;
+                               });
+        });
+}
 
 /// A stream, and its first packet.
 struct Owner {
@@ -118,10 +175,13 @@ FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef pa
         .time = packets.times()[packet.packet]};
 }
 
-void addCaptureGaps(std::vector<Finding>& findings) {
+void addCaptureGaps(TrafficIndex const& index, std::vector<Finding>& findings) {
     std::vector<Finding const*> gaps;
     for (Finding const& finding : findings) {
-        if (finding.witness == LossWitness::otherStreamsLost && finding.count == 1) {
+        bool const isOfCapture = finding.witness == LossWitness::otherStreamsLost ||
+                                 finding.witness == LossWitness::dropCounts;
+        if (isOfCapture && finding.count == 1 && finding.stream && finding.place &&
+            finding.before) {
             gaps.push_back(&finding);
         }
     }
@@ -137,7 +197,9 @@ void addCaptureGaps(std::vector<Finding>& findings) {
         }
     }
     for (SharedGap& span : spans) {
-        findings.push_back(std::move(span.finding));
+        if (span.isOfAll() && !isAnyBetween(index, span.from, span.until)) {
+            findings.push_back(std::move(span.finding));
+        }
     }
 }
 
@@ -194,17 +256,7 @@ void addUnread(TrafficIndex const& index, std::vector<Finding>& findings) {
                 numberOf(static_cast<std::int64_t>(damage->claimedSize - damage->missingSize));
             findings.push_back(std::move(finding));
         }
-        std::map<std::pair<StreamProtocol, UnreadReason>, FindingJoiner> joiners;
-        for (UnreadFrame const& frame : summary.unread) {
-            Finding finding =
-                findingAt(FindingKind::unreadable, file, frame.frameOffset, timeOrNone(frame.time));
-            finding.protocol = frame.protocol;
-            finding.reason = frame.reason;
-            joiners[{frame.protocol, frame.reason}].add(std::move(finding));
-        }
-        for (auto& [kind, joiner] : joiners) {
-            moveFindings(joiner, findings);
-        }
+        addUnreadable(file, summary.unread, findings);
     }
 }
 

@@ -14,8 +14,9 @@ namespace TalIec61850Analysis::detail {
 /// Where a packet of a stream is.
 [[nodiscard]] FindingPlace placeOf(TrafficIndex const& index, std::size_t stream, PacketRef packet);
 
-/// Adds captureGap for each span in which all streams lack packets, by the gaps that are there.
-void addCaptureGaps(std::vector<Finding>& findings);
+/// Adds captureGap for each span in which all streams lack packets, by the gaps that are there, and
+/// no packet came.
+void addCaptureGaps(TrafficIndex const& index, std::vector<Finding>& findings);
 
 /// Adds clockStep.
 void addClockSteps(TrafficIndex const& index, std::vector<std::vector<ClockStep>> const& steps,

@@ -28,6 +28,7 @@ CoverageEnd::CoverageEnd(TrafficIndex const& index,
     std::vector<Span> all;
     for (std::uint32_t file = 0; file < index.files().size(); ++file) {
         isStepped_.push_back(!steps[file].empty());
+        isAnyStepped_ = isAnyStepped_ || isStepped_.back();
         CaptureSummary const& summary = index.files()[file].summary;
         if (summary.first && summary.last) {
             all.push_back({.first = summary.first->time_since_epoch().count(),
@@ -62,6 +63,15 @@ std::int64_t CoverageEnd::of(TrafficStream const& stream) const {
     auto const span = std::find_if(spans_.begin(), spans_.end(),
                                    [&](Span const& each) { return each.last >= last; });
     return last == kNoTime || span == spans_.end() ? kNoTime : span->last;
+}
+
+bool CoverageEnd::isHoleBetween(std::int64_t from, std::int64_t until) const {
+    if (isAnyStepped_ || from == kNoTime || until == kNoTime) {
+        return false;
+    }
+    auto const span = std::find_if(spans_.begin(), spans_.end(),
+                                   [&](Span const& each) { return each.last >= from; });
+    return span != spans_.end() && span->last < until;
 }
 
 }  // namespace TalIec61850Analysis::detail

@@ -19,6 +19,9 @@ public:
     /// In nanoseconds since 1970, or kNoTime.
     [[nodiscard]] std::int64_t of(TrafficStream const& stream) const;
 
+    /// Whether nothing was captured for a while between two times in a row.
+    [[nodiscard]] bool isHoleBetween(std::int64_t from, std::int64_t until) const;
+
 private:
     struct Span {
         std::int64_t first = 0;
@@ -27,6 +30,8 @@ private:
 
     /// By file.
     std::vector<bool> isStepped_;
+    /// Whether any is: times of files cannot be compared then.
+    bool isAnyStepped_ = false;
     /// Without overlaps, in the order of time.
     std::vector<Span> spans_;
 };

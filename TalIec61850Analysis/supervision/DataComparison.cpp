@@ -13,6 +13,7 @@ constexpr std::uint8_t kArray = 0xA1;
 constexpr std::uint8_t kStructure = 0xA2;
 constexpr std::uint8_t kBitString = 0x84;
 constexpr std::uint8_t kUtcTime = 0x91;
+constexpr std::uint8_t kBinaryTime = 0x8C;
 /// What is nested deeper is compared as it is.
 constexpr std::size_t kMostLevels = 32;
 
@@ -89,7 +90,7 @@ DataComparison compareData(Octets before, Octets now, QualityChangeSink sink) {
             levels.emplace_back(a.members(), b.members());
             continue;
         }
-        bool const isStamp = a.tag == kUtcTime;
+        bool const isStamp = a.tag == kUtcTime || a.tag == kBinaryTime;
         if (!isStamp && !std::ranges::equal(a.octets, b.octets)) {
             result.isChanged = true;
             compareQualities(levels, sink);

@@ -21,6 +21,38 @@ void addTo(Finding& all, Finding const& other) {
     }
 }
 
+/// Gaps that follow one another without a message that is in sequence, so many of them, are one.
+constexpr std::size_t kGapsOfRun = 4;
+
+/// Makes long runs of gaps of GOOSE messages one finding each.
+/// @param findings  of one stream, in the order of time
+void joinGapRuns(std::vector<Finding>& findings) {
+    std::vector<std::size_t> run;
+    std::vector<bool> isJoined(findings.size());
+    auto const endRun = [&] {
+        for (std::size_t i = 1; run.size() >= kGapsOfRun && i < run.size(); ++i) {
+            addTo(findings[run.front()], findings[run[i]]);
+            isJoined[run[i]] = true;
+        }
+        run.clear();
+    };
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        Finding const& gap = findings[i];
+        if (gap.kind != FindingKind::sqNumGap) {
+            continue;
+        }
+        bool const goesOn = !run.empty() && gap.before && gap.before->time != kNoTime &&
+                            gap.before->time == findings[run.back()].until;
+        if (!goesOn) {
+            endRun();
+        }
+        run.push_back(i);
+    }
+    endRun();
+    std::size_t number = 0;
+    std::erase_if(findings, [&](Finding const& /*finding*/) { return isJoined[number++]; });
+}
+
 }  // namespace
 
 bool FindingJoiner::isIn(Second const& second, std::int64_t from) {
@@ -70,7 +102,9 @@ std::vector<Finding> FindingJoiner::take() {
     for (auto& [kind, second] : seconds_) {
         flush(second);
     }
-    return sortedByTime(std::exchange(all_, {}));
+    auto findings = sortedByTime(std::exchange(all_, {}));
+    joinGapRuns(findings);
+    return findings;
 }
 
 }  // namespace TalIec61850Analysis::detail

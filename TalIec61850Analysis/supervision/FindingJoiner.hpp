@@ -12,7 +12,8 @@ namespace TalIec61850Analysis::detail {
 
 /// Collects the findings of one stream. Where more than a hundred of one kind begin within a
 /// second, that second has one finding in their place: counts and losses are added up, the cause is
-/// what all agree on.
+/// what all agree on. So are four and more gaps of GOOSE messages in a row, none of which is
+/// followed by a message in sequence.
 class FindingJoiner {
 public:
     /// How many of a kind a second may have.

@@ -20,6 +20,8 @@ constexpr std::size_t kMostMessageGaps = 64;
 constexpr std::size_t kSecondPublisher = 4;
 /// A time allowed to live that comes so often again is the longest of its stream.
 constexpr std::uint32_t kSteadyLives = 4;
+/// A sqNum from which on it is no chance that a new state goes on where the one before was.
+constexpr std::uint32_t kFarSqNum = 4;
 /// One of two publishers is gone after so many messages of the other one.
 constexpr std::uint32_t kGoneMessages = 64;
 
@@ -75,6 +77,7 @@ void GooseSupervisor::lasting(Condition& condition, bool isNow, FindingKind kind
         end(condition, sink);
         return;
     }
+    condition.isMet = true;
     if (condition.finding) {
         ++condition.finding->count;
         condition.finding->until = message.arrival;
@@ -90,14 +93,30 @@ void GooseSupervisor::end(Condition& condition, FindingSink sink) {
         sink(*condition.finding);
         condition.finding.reset();
     }
+    condition.isMet = false;
+}
+
+void GooseSupervisor::pass(Condition& condition, FindingSink sink) {
+    if (!std::exchange(condition.isMet, false)) {
+        end(condition, sink);
+    }
+}
+
+/// Ends what is compared with the content before.
+void GooseSupervisor::endContents(FindingSink sink) {
+    end(changed_, sink);
+    end(retimed_, sink);
+    end(relived_, sink);
 }
 
 void GooseSupervisor::add(GooseObservation const& message, FindingSink sink) {
     bool const isPlain = message.isSame && isContentLast_ && message.isCounted &&
                          message.stNum == number_.stNum && message.sqNum == number_.sqNum + 1 &&
                          message.isSimulated == lastSimulatedBit_ && message.way == last_.way;
+    bool const isLasting = changed_.finding || retimed_.finding || relived_.finding ||
+                           expired_.finding || repeated_.finding || replayed_.finding;
     bool const isQuiet = isStarted_ && !candidate_ && gaps_.empty() && older_.empty() && !second_ &&
-                         !changed_.finding && !retimed_.finding && isLifeSteady_;
+                         !isLasting && isLifeSteady_ && life_.settled;
     if (isPlain && isQuiet && !isLate(message)) {
         number_.sqNum = message.sqNum;
         seen_.addNewest(number_);
@@ -132,11 +151,14 @@ void GooseSupervisor::process(GooseObservation const& message, FindingSink sink)
             return;
         case MessageTurn::same:
             isContentLast_ = isContentLast_ && message.isSame;
+            copies_ += isOtherWay ? 1U : 0U;
             if (!isOtherWay && !isExtraCopy(last_.sequence, message.sequence)) {
-                sink(finding(FindingKind::repeated, message));
+                lasting(repeated_, true, FindingKind::repeated, message, sink);
                 checkRepeatedData(message, sink);
                 // It is in time for the ones after it.
-                checkExpiry(message, sink);
+                if (isLate(message)) {
+                    checkExpiry(message, sink);
+                }
                 setDeadline(message);
             }
             return;
@@ -161,8 +183,7 @@ void GooseSupervisor::begin(GooseObservation const& message, bool isRestart, Fin
             sink(*second_);
             second_.reset();
         }
-        end(changed_, sink);
-        end(retimed_, sink);
+        endContents(sink);
         Finding made = finding(FindingKind::counterRestart, message);
         bool const isSameState = message.stNum == number_.stNum;
         made.expected = isSameState ? std::int64_t{number_.sqNum} + 1 : std::int64_t{number_.stNum};
@@ -216,12 +237,13 @@ void GooseSupervisor::settleCandidate(GooseObservation const& next, bool isOver,
     }
     if (!isOver && next.isCounted &&
         isRestart(messageNumberOf(message), messageNumberOf(next), number_)) {
+        checkExpiry(message, sink);
         begin(message, true, sink);
         // The next one was compared with the one that was held.
         isContentLast_ = held.hasContent;
-    } else {
+    } else if (!isOver) {
         takeOlder(message, sink);
-    }
+    }  // else nobody knows what it was
 }
 
 void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) {
@@ -241,13 +263,10 @@ void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) 
             addGap(FindingKind::stateGap, message, message.stNum, before.stNum + 1, message.stNum,
                    states - 1);
         }
-        // After its largest value, stNum begins with sqNum 1.
-        std::uint32_t const first = message.stNum < before.stNum ? 1 : 0;
-        if (message.sqNum > first) {
-            addGap(FindingKind::stateStartMissing, message, message.stNum, first, message.sqNum,
-                   message.sqNum - first);
-        }
+        checkStart(message, states == 1, sink);
     }
+    pass(repeated_, sink);
+    pass(replayed_, sink);
     checkContent(message, isNewState, states == 1, sink);
     checkFlags(message, sink);
     number_ = messageNumberOf(message);
@@ -265,16 +284,35 @@ void GooseSupervisor::accept(GooseObservation const& message, FindingSink sink) 
     }
 }
 
+/// Whether the first messages of a new state are there.
+void GooseSupervisor::checkStart(GooseObservation const& message, bool isNextState,
+                                 FindingSink sink) {
+    // After its largest value, stNum begins with sqNum 1.
+    std::uint32_t const first = message.stNum < number_.stNum ? 1 : 0;
+    if (message.sqNum <= first) {
+        return;
+    }
+    if (isNextState && number_.sqNum >= kFarSqNum && message.sqNum == number_.sqNum + 1) {
+        // The publisher counts on: there were no such messages.
+        Finding made = finding(FindingKind::stateStartMissing, message);
+        made.expected = std::int64_t{first};
+        made.found = std::int64_t{message.sqNum};
+        sink(made);
+        return;
+    }
+    addGap(FindingKind::stateStartMissing, message, message.stNum, first, message.sqNum,
+           message.sqNum - first);
+}
+
 void GooseSupervisor::takeOlder(GooseObservation const& message, FindingSink sink) {
     isContentLast_ = false;
     MessageNumber const number = messageNumberOf(message);
     bool const isOtherWay = message.way != last_.way;
     if (seen_.has(number)) {
+        copies_ += isOtherWay ? 1U : 0U;
         if (!isOtherWay) {
-            Finding made = finding(FindingKind::replay, message);
-            made.expected = std::int64_t{number_.stNum};
-            made.found = std::int64_t{message.stNum};
-            sink(made);
+            lasting(replayed_, true, FindingKind::replay, message, sink,
+                    std::int64_t{number_.stNum}, std::int64_t{message.stNum});
         }
         return;
     }
@@ -376,8 +414,7 @@ void GooseSupervisor::checkContent(GooseObservation const& message, bool isNewSt
                                    bool isNextState, FindingSink sink) {
     if (message.content == nullptr) {
         isContentLast_ = false;
-        end(changed_, sink);
-        end(retimed_, sink);
+        endContents(sink);
         return;
     }
     GooseContent const& now = *message.content;
@@ -529,32 +566,73 @@ void GooseSupervisor::checkLifetime(GooseObservation const& message, bool isNewS
     }
     edge(isLifeZero_, *life == 0, FindingKind::timeAllowedtoLiveZero, message, sink);
     auto const& before = content_.timeAllowedtoLive;
+    followLife(message, isNewState, sink);
     bool const isLonger = *life > longestLife_ && isLifeSteady_;
     bool const isShorter = !isNewState && before && *life < *before;
-    if (before && (isLonger || isShorter)) {
-        Finding made = finding(FindingKind::timeAllowedtoLiveChanged, message);
-        made.expected = *before;
-        made.found = *life;
-        sink(made);
+    bool const isChanged = before && (isLonger || isShorter);
+    // It may go back and forth.
+    lasting(relived_, isChanged || (relived_.finding && before && *life != *before),
+            FindingKind::timeAllowedtoLiveChanged, message, sink, countOrNothing(before), *life);
+    if (isChanged) {
         longestLife_ = *life;
-    } else {
-        if (*life > longestLife_) {
-            longestLife_ = *life;
-            isLifeSteady_ = false;
-            lives_ = 0;
-        } else if (!isNewState && before == life && *life == longestLife_) {
-            isLifeSteady_ = isLifeSteady_ || ++lives_ >= kSteadyLives;
-        }
+        life_.settled = *life;
+    } else if (*life > longestLife_) {
+        longestLife_ = *life;
+        isLifeSteady_ = false;
+        lives_ = 0;
+    } else if (!isNewState && before == life && *life == longestLife_) {
+        isLifeSteady_ = isLifeSteady_ || ++lives_ >= kSteadyLives;
+    }
+}
+
+/// A time that settles in a state, and was longer in the one before, is told of the first message
+/// of the state, unless it grows again in the same state.
+void GooseSupervisor::followLife(GooseObservation const& message, bool isNewState,
+                                 FindingSink sink) {
+    std::int64_t const life = *message.content->timeAllowedtoLive;
+    bool const isOther = life != life_.value;
+    if (isNewState) {
+        settleLife(sink);
+        life_.settledBefore = life_.settled ? life_.settled : life_.settledBefore;
+        life_.first = finding(FindingKind::timeAllowedtoLiveChanged, message);
+    } else if (isOther) {
+        life_.shorter.reset();
+    }
+    if (isNewState || isOther) {
+        life_.value = life;
+        life_.again = 0;
+        life_.settled.reset();
+        return;
+    }
+    if (life_.settled || ++life_.again < kSteadyLives) {
+        return;
+    }
+    life_.settled = life;
+    if (life_.first && life_.settledBefore && life < *life_.settledBefore) {
+        life_.shorter = *life_.first;
+        life_.shorter->expected = *life_.settledBefore;
+        life_.shorter->found = life;
+    }
+}
+
+/// The state is over.
+void GooseSupervisor::settleLife(FindingSink sink) {
+    if (life_.shorter) {
+        sink(*life_.shorter);
+        longestLife_ = std::get<std::int64_t>(life_.shorter->found);
+        life_.shorter.reset();
     }
 }
 
 void GooseSupervisor::checkExpiry(GooseObservation const& message, FindingSink sink) {
-    if (isLate(message)) {
-        Finding made = finding(FindingKind::expired, message);
-        made.expected = instantOf(deadline_);
-        made.found = instantOf(message.arrival);
-        sink(made);
+    if (!isLate(message)) {
+        end(expired_, sink);
+        return;
     }
+    std::int64_t const pause = last_.arrival == kNoTime ? 0 : message.arrival - last_.arrival;
+    longestPause_ = expired_.finding ? std::max(longestPause_, pause) : pause;
+    lasting(expired_, true, FindingKind::expired, message, sink, instantOf(deadline_),
+            instantOf(message.arrival));
 }
 
 void GooseSupervisor::setDeadline(GooseObservation const& message) {
@@ -573,21 +651,36 @@ void GooseSupervisor::finish(std::int64_t end, FindingSink sink) {
     }
     settleGaps(true, sink);
     settleOlder(sink);
-    this->end(changed_, sink);
-    this->end(retimed_, sink);
+    settleLife(sink);
+    endContents(sink);
     if (second_) {
         sink(*second_);
         second_.reset();
     }
-    if (isStarted_ && deadline_ != kNoTime && end != kNoTime && end > deadline_) {
-        Finding made = finding(FindingKind::expired, last_);
-        made.place.reset();
-        made.from = end;
-        made.until = end;
-        made.expected = instantOf(deadline_);
-        made.found = instantOf(end);
-        sink(made);
+    checkEnd(end, sink);
+    this->end(expired_, sink);
+    this->end(repeated_, sink);
+    this->end(replayed_, sink);
+}
+
+/// Whether the last message has expired.
+void GooseSupervisor::checkEnd(std::int64_t end, FindingSink sink) {
+    if (!isStarted_ || deadline_ == kNoTime || end == kNoTime || end <= deadline_) {
+        return;
     }
+    // Where all come too late, the next one is not due yet.
+    bool const isUsual = expired_.finding && expired_.finding->count > 1 &&
+                         last_.arrival != kNoTime && end - last_.arrival <= longestPause_;
+    if (isUsual) {
+        return;
+    }
+    Finding made = finding(FindingKind::expired, last_);
+    made.place.reset();
+    made.from = end;
+    made.until = end;
+    made.expected = instantOf(deadline_);
+    made.found = instantOf(end);
+    sink(made);
 }
 
 }  // namespace TalIec61850Analysis::detail

@@ -35,6 +35,9 @@ public:
     /// How many states there were, those that are missing not counted.
     [[nodiscard]] std::uint64_t states() const { return states_; }
 
+    /// How many messages were there already when another way brought them.
+    [[nodiscard]] std::uint64_t copies() const { return copies_; }
+
 private:
     /// What is kept of a message's content.
     struct Content {
@@ -72,6 +75,20 @@ private:
     /// A condition that lasts over messages.
     struct Condition {
         std::optional<Finding> finding;
+        /// Whether it was met since the last good message.
+        bool isMet = false;
+    };
+    /// The time allowed to live in the course of a state, and what it settled at.
+    struct LifeOfState {
+        std::int64_t value = 0;
+        /// How often it came again.
+        std::uint32_t again = 0;
+        std::optional<std::int64_t> settled;
+        std::optional<std::int64_t> settledBefore;
+        /// Of the first message of the state.
+        std::optional<Finding> first;
+        /// Shorter than in the state before, and not longer so far.
+        std::optional<Finding> shorter;
     };
 
     void begin(GooseObservation const& message, bool isRestart, FindingSink sink);
@@ -92,6 +109,10 @@ private:
     void checkFlags(GooseObservation const& message, FindingSink sink);
     void checkTime(GooseObservation const& message, FindingSink sink);
     void checkLifetime(GooseObservation const& message, bool isNewState, FindingSink sink);
+    void followLife(GooseObservation const& message, bool isNewState, FindingSink sink);
+    void settleLife(FindingSink sink);
+    void checkStart(GooseObservation const& message, bool isNextState, FindingSink sink);
+    void checkEnd(std::int64_t end, FindingSink sink);
     void checkExpiry(GooseObservation const& message, FindingSink sink);
     void setDeadline(GooseObservation const& message);
     void keep(GooseContent const& content);
@@ -106,6 +127,9 @@ private:
                  GooseObservation const& message, FindingSink sink, FindingValue expected = {},
                  FindingValue found = {}) const;
     static void end(Condition& condition, FindingSink sink);
+    /// Ends it where it was not met between two good messages.
+    static void pass(Condition& condition, FindingSink sink);
+    void endContents(FindingSink sink);
 
     MessageNumber number_;
     SeenMessages seen_;
@@ -114,6 +138,7 @@ private:
     /// kNoTime where none can be told.
     std::int64_t deadline_ = kNoTime;
     std::uint64_t states_ = 0;
+    std::uint64_t copies_ = 0;
     /// What the last message that counted said.
     Content content_;
     std::optional<Candidate> candidate_;
@@ -126,8 +151,15 @@ private:
     /// The largest time allowed to live, and how often it came again within a state.
     std::int64_t longestLife_ = 0;
     std::uint32_t lives_ = 0;
+    LifeOfState life_;
     Condition changed_;
     Condition retimed_;
+    Condition relived_;
+    Condition expired_;
+    Condition repeated_;
+    Condition replayed_;
+    /// The longest time to a message since messages come after the time allowed to live.
+    std::int64_t longestPause_ = 0;
 
     bool isStarted_ = false;
     bool lastSimulatedBit_ = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Analysis/Export.hpp>
+#include <TalIec61850Analysis/file/FileIdentity.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
@@ -21,7 +22,11 @@ namespace TalIec61850Analysis {
 /// within ten minutes; each time all of that is gone through. So memory does not grow with time. A
 /// finding is told one call after the packet that shows it was added, since one that is missing may
 /// be late; calls a second apart are good ones. What lasts is told when it begins: how long, and
-/// how often, is known then only as far as the packets go.
+/// how often, is known then only as far as the packets go. What is said of copies over two ways is
+/// told when packets of 400 ms after it are there, and what a GOOSE message means whose counters
+/// fall, when the next one of its stream is.
+///
+/// Files may be removed or replaced, as those of a ring are: their packets are left out then.
 class LiveSupervision {
 public:
     /// @param options  of superviseTraffic; a stop is not asked for
@@ -31,7 +36,8 @@ public:
     /// @param added  of TrafficFollower; may be an index of nothing, where nothing was added
     /// @param sink   called with the findings in the order of their times; their streams, files and
     ///               packets are those of `index`
-    /// @throws std::system_error  a capture cannot be read again
+    /// @throws std::system_error  a capture that is still there cannot be read again; what was
+    ///                            added is kept, and told of by a later call
     TALIEC61850ANALYSIS_EXPORT void add(TrafficIndex added, FindingSink sink);
 
     /// Tells what was held back. To be called last.
@@ -43,11 +49,21 @@ public:
 
 private:
     /// @cond
-    /// How far a file is told of, in octets from its start.
-    struct Progress {
+    /// How far something is told of, in octets from the start of a file.
+    struct Reach {
         std::uint64_t told = 0;
         std::uint64_t known = 0;
     };
+    /// How far a file is told of.
+    struct Progress {
+        /// What it was when packets of it came first.
+        FileIdentity identity;
+        Reach all;
+        /// What needs the copies over the other way.
+        Reach copies;
+    };
+    /// A file, and octets from its start.
+    using Spot = std::pair<std::uint32_t, std::uint64_t>;
     /// Where a file ended at some call, and the time there.
     struct Mark {
         std::uint32_t file = 0;
@@ -57,8 +73,15 @@ private:
     /// @endcond
 
     void tell(bool areAll, FindingSink sink);
+    void goOn();
+    [[nodiscard]] Reach reachOf(Finding const& finding) const;
     [[nodiscard]] bool isNew(Finding const& finding, bool areAll);
     [[nodiscard]] bool isNewPause(Finding const& finding);
+    void append(TrafficIndex added);
+    [[nodiscard]] std::vector<Finding> findAll();
+    [[nodiscard]] std::vector<bool> haveParts() const;
+    [[nodiscard]] bool isGone(std::uint32_t file) const;
+    bool forgetGone();
     void forget();
 
     SupervisionOptions options_;
@@ -69,7 +92,10 @@ private:
     /// Findings of whole files.
     std::set<std::pair<FindingKind, std::uint32_t>> ofFiles_;
     /// The packet before a pause that was told when it was too long already.
-    std::map<std::pair<FindingKind, StreamKey>, std::pair<std::uint32_t, std::uint64_t>> pauses_;
+    std::map<std::pair<FindingKind, StreamKey>, Spot> pauses_;
+    /// GOOSE messages that the next one of their stream says what they are; and those before.
+    std::map<StreamKey, Spot> held_;
+    std::map<StreamKey, Spot> heldBefore_;
 };
 
 }  // namespace TalIec61850Analysis

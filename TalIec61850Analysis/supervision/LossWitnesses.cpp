@@ -243,8 +243,11 @@ LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& h
                 bool const isOtherFrame =
                     before->packets != &packets ||
                     packets.frameOffsets()[packet] != packets.frameOffsets()[before->packet];
-                meanwhile.inSequence +=
-                    !isOver && follows == Follows::next && isOtherFrame ? 1U : 0U;
+                bool const isNext = !isOver && follows == Follows::next && isOtherFrame;
+                bool const isInLoss = packets.times()[packet] >= hole.firstLost &&
+                                      packets.times()[packet] <= hole.lastLost;
+                meanwhile.inSequence += isNext ? 1U : 0U;
+                meanwhile.inLoss += isNext && isInLoss ? 1U : 0U;
                 meanwhile.hasLost = meanwhile.hasLost || follows == Follows::past;
             }
             before = Before{&packets, packet};
@@ -270,6 +273,12 @@ std::vector<StreamPart const*> LossWitnesses::partsOf(std::size_t stream, Hole c
 }
 
 std::uint64_t LossWitnesses::dropsIn(Hole const& hole) const {
+    bool const isAnyOfSeveral = std::any_of(
+        hole.files.begin(), hole.files.end(),
+        [&](std::uint32_t file) { return index_.files()[file].summary.interfaces.size() > 1; });
+    if (isAnyOfSeveral) {
+        return 0;
+    }
     std::uint64_t count = 0;
     for (auto drop = std::lower_bound(
              drops_.begin(), drops_.end(), hole.from + 1,
@@ -343,11 +352,40 @@ LossWitnesses::Others LossWitnesses::lookAtOthers(Hole const& hole) const {
         others.due += meanwhile.isDue ? 1U : 0U;
         others.lost += meanwhile.isDue && meanwhile.hasLost ? 1U : 0U;
         others.inSequence += meanwhile.inSequence;
+        others.ranOn += meanwhile.hasLost ? 0 : meanwhile.inLoss;
         if (sourceOf(stream) != sourceOf(hole.stream)) {
             others.inSequenceOfOtherSources += meanwhile.inSequence;
         }
     }
     return others;
+}
+
+/// How many ASDUs of a stream the frame of a packet has.
+std::uint64_t LossWitnesses::samplesInFrame(std::size_t stream, PacketRef packet) const {
+    PacketColumns const& packets = index_.streams()[stream].parts[packet.part].packets;
+    if (packets.protocol() != StreamProtocol::sv) {
+        return 1;
+    }
+    auto const offsets = packets.frameOffsets();
+    auto const [first, end] =
+        std::equal_range(offsets.begin(), offsets.end(), offsets[packet.packet]);
+    return std::max<std::uint64_t>(1, static_cast<std::uint64_t>(end - first));
+}
+
+LossWitnesses::Hole LossWitnesses::holeOf(Finding const& finding,
+                                          std::vector<std::uint32_t> files) const {
+    Hole hole{.stream = *finding.stream,
+              .from = finding.before->time,
+              .until = finding.place->time,
+              .files = std::move(files)};
+    std::uint64_t const inFrame = samplesInFrame(*finding.stream, finding.before->packet);
+    hole.lost = std::max<std::uint64_t>(1, (finding.lost + inFrame - 1) / inFrame);
+    std::int64_t const width = hole.until - hole.from;
+    bool const isMore = hole.lost >= static_cast<std::uint64_t>(width);
+    std::int64_t const interval = isMore ? 0 : width / (static_cast<std::int64_t>(hole.lost) + 1);
+    hole.firstLost = hole.from + interval;
+    hole.lastLost = hole.until - interval;
+    return hole;
 }
 
 void LossWitnesses::judge(Finding& finding) const {
@@ -360,10 +398,7 @@ void LossWitnesses::judge(Finding& finding) const {
     if (!files) {
         return;
     }
-    Hole const hole{.stream = *finding.stream,
-                    .from = finding.before->time,
-                    .until = finding.place->time,
-                    .files = std::move(*files)};
+    Hole const hole = holeOf(finding, std::move(*files));
     auto const settle = [&](LossCause cause, LossWitness witness, std::uint64_t frames) {
         finding.cause = cause;
         finding.witness = witness;
@@ -375,14 +410,14 @@ void LossWitnesses::judge(Finding& finding) const {
         settle(LossCause::publisher, LossWitness::redundancyRanOn, seen + 2);
         return;
     }
-    if (std::uint64_t const drops = dropsIn(hole); drops > 0) {
+    if (std::uint64_t const drops = dropsIn(hole); drops >= hole.lost) {
         settle(LossCause::capture, LossWitness::dropCounts, drops);
         return;
     }
     Others const others = lookAtOthers(hole);
-    if (others.due >= kFewestStreams && others.lost == others.due) {
+    if (others.due >= kFewestStreams && others.lost == others.due && others.ranOn < kFewestFrames) {
         settle(LossCause::capture, LossWitness::otherStreamsLost, others.lost);
-    } else if (missing && *missing >= 1 && others.inSequenceOfOtherSources > 0) {
+    } else if (missing && *missing >= hole.lost && others.inSequenceOfOtherSources > 0) {
         settle(LossCause::network, LossWitness::redundancyGap, *missing);
     } else if (others.inSequence >= kFewestFrames) {
         settle(LossCause::network, LossWitness::otherStreamsRanOn, others.inSequence);

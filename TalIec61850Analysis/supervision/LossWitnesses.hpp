@@ -31,6 +31,11 @@ private:
         std::int64_t until = 0;
         /// In their order of time.
         std::vector<std::uint32_t> files;
+        /// Frames that are missing, at least.
+        std::uint64_t lost = 1;
+        /// When the first and the last of them should have come.
+        std::int64_t firstLost = 0;
+        std::int64_t lastLost = 0;
 
         [[nodiscard]] bool isIn(std::uint32_t file) const;
     };
@@ -38,6 +43,8 @@ private:
     struct Meanwhile {
         /// Packets that go on from the one before.
         std::uint64_t inSequence = 0;
+        /// Those of them that came while frames were lost.
+        std::uint64_t inLoss = 0;
         bool hasLost = false;
         /// Whether it should have sent, and may be asked.
         bool isDue = false;
@@ -51,6 +58,8 @@ private:
         std::uint64_t inSequence = 0;
         /// Of these, frames of other sources than the hole's.
         std::uint64_t inSequenceOfOtherSources = 0;
+        /// Of streams that lost nothing, what came while frames were lost.
+        std::uint64_t ranOn = 0;
     };
 
     /// The files from one to another; not set where it is not clear which are between them.
@@ -60,6 +69,9 @@ private:
     [[nodiscard]] Meanwhile lookAt(std::size_t stream, Hole const& hole) const;
     [[nodiscard]] std::vector<StreamPart const*> partsOf(std::size_t stream,
                                                          Hole const& hole) const;
+    [[nodiscard]] Hole holeOf(Finding const& finding, std::vector<std::uint32_t> files) const;
+    [[nodiscard]] std::uint64_t samplesInFrame(std::size_t stream, PacketRef packet) const;
+    /// Counted at records; 0 where they may be of another interface.
     [[nodiscard]] std::uint64_t dropsIn(Hole const& hole) const;
     /// How many redundancy numbers of the source are missing; not set where it has none.
     [[nodiscard]] std::optional<std::uint64_t> missingNumbers(Finding const& finding,

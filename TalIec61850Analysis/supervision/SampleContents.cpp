@@ -154,7 +154,9 @@ private:
             std::uint32_t const faults = qualityWordAt(data.data() + quality.offset) & kFaults;
             if ((faults != 0) != (quality.faults != 0)) {
                 Finding made = finding(FindingKind::qualityChanged, packet);
-                made.expected = numberOf(quality.faults);
+                if (hasLast_) {
+                    made.expected = numberOf(quality.faults);
+                }
                 made.found = numberOf(faults);
                 made.member = {quality.channel};
                 sink_(number_, made);

@@ -42,6 +42,8 @@ public:
     void addMessage(GooseObservation const& message, std::optional<std::int64_t> timeAllowedtoLive);
     /// GOOSE: how many states there were.
     void setStates(std::uint64_t states) { summary_.states = states; }
+    /// Packets that are not marked as copies, and another way brought again.
+    void leaveOutCopies(std::uint64_t copies) { summary_.packets -= copies; }
 
     /// The summary, without what is counted of findings as they are handed on.
     [[nodiscard]] StreamSummary summary() const;

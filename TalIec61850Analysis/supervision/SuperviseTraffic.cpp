@@ -44,8 +44,8 @@ bool isLoss(FindingKind kind) {
 class StreamFindings {
 public:
     StreamFindings(TrafficIndex const& index, std::size_t stream,
-                   detail::LossWitnesses const& witnesses)
-        : index_(&index), stream_(stream), witnesses_(&witnesses) {}
+                   detail::LossWitnesses const& witnesses, detail::CoverageEnd const& coverage)
+        : index_(&index), stream_(stream), witnesses_(&witnesses), coverage_(&coverage) {}
 
     /// From here on, findings are counted too.
     void tally() { tally_.emplace(*index_, stream_); }
@@ -60,7 +60,13 @@ public:
         if (finding.before) {
             finding.before = detail::placeOf(*index_, stream_, finding.before->packet);
         }
-        if (isLoss(finding.kind) && !joiner_.isFlooded(finding.kind, finding.from)) {
+        bool const isSilence =
+            finding.kind == FindingKind::silent && finding.place && finding.before;
+        if (isSilence && coverage_->isHoleBetween(finding.before->time, finding.place->time)) {
+            return;  // nobody listened
+        }
+        if (isLoss(finding.kind) && finding.lost > 0 &&
+            !joiner_.isFlooded(finding.kind, finding.from)) {
             witnesses_->judge(finding);
         }
         if (tally_) {
@@ -78,6 +84,7 @@ private:
     TrafficIndex const* index_;
     std::size_t stream_;
     detail::LossWitnesses const* witnesses_;
+    detail::CoverageEnd const* coverage_;
     detail::FindingJoiner joiner_;
     std::optional<detail::StreamTally> tally_;
 };
@@ -271,6 +278,7 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
     supervisor.finish(end, take);
     if (tally != nullptr) {
         tally->setMeasuredRate(supervisor.measuredRate());
+        tally->leaveOutCopies(supervisor.copies());
     }
     if (distances) {
         tally->addJitter(*distances);
@@ -313,6 +321,7 @@ public:
         supervisor.finish(end, [&](Finding const& finding) { findings_[stream].add(finding); });
         if (detail::StreamTally* const tally = findings_[stream].tallied()) {
             tally->setStates(supervisor.states());
+            tally->leaveOutCopies(supervisor.copies());
         }
     }
 
@@ -393,7 +402,7 @@ public:
         for (std::size_t stream = 0; stream < index.streams().size(); ++stream) {
             bool const isWatched = !options.watches || options.watches(index.streams()[stream].key);
             watched_.push_back(isWatched);
-            findings_.emplace_back(index, stream, witnesses_);
+            findings_.emplace_back(index, stream, witnesses_, coverage_);
             if (withTallies && isWatched) {
                 findings_.back().tally();
             }
@@ -439,7 +448,7 @@ public:
         }
         detail::judgeByStatistics(index_, drops_, all);
         std::erase_if(all, [&](Finding const& finding) { return !watched_[*finding.stream]; });
-        detail::addCaptureGaps(all);
+        detail::addCaptureGaps(index_, all);
         detail::addClockSteps(index_, steps_, all);
         detail::addDrops(drops_, all);
         detail::addUnread(index_, all);

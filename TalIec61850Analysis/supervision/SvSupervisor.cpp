@@ -473,7 +473,10 @@ bool SvSupervisor::isJump(SvObservation const& packet, std::int64_t advance) con
 /// Takes what another way brings after the one that was first.
 bool SvSupervisor::takeFromOtherWay(SvObservation const& packet) {
     std::uint32_t const wrap = course_.count.wrap;
-    if (packet.smpCnt >= wrap || last_.smpCnt >= wrap) {
+    bool const isTimed = packet.arrival != kNoTime && last_.arrival != kNoTime;
+    bool const isTooLate =
+        isTimed && packet.arrival > last_.arrival && packet.arrival - last_.arrival > kCopyTime;
+    if (packet.smpCnt >= wrap || last_.smpCnt >= wrap || isTooLate) {
         return false;
     }
     std::uint32_t const behind = (last_.smpCnt + wrap - packet.smpCnt) % wrap;
@@ -483,19 +486,22 @@ bool SvSupervisor::takeFromOtherWay(SvObservation const& packet) {
     if (behind > most || behind >= wrap / 2) {
         return false;
     }
-    fill(counter_.newest() - std::int64_t{behind});
+    copies_ += fill(counter_.newest() - std::int64_t{behind}) ? 0U : 1U;
     heard_ = packet.arrival;
     return true;
 }
 
-void SvSupervisor::fill(std::int64_t number) {
+bool SvSupervisor::fill(std::int64_t number) {
+    bool isFilled = false;
     for (Gap& gap : gaps_) {
         if (number >= gap.first && number < gap.end &&
             std::find(gap.filled.begin(), gap.filled.end(), number) == gap.filled.end()) {
             gap.filled.push_back(number);
             --gap.lost;
+            isFilled = true;
         }
     }
+    return isFilled;
 }
 
 void SvSupervisor::settleGaps(bool areAll, FindingSink sink) {

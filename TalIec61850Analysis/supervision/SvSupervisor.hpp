@@ -71,6 +71,9 @@ public:
     /// set where no time passed. To be asked after `finish`.
     [[nodiscard]] std::optional<double> measuredRate() const;
 
+    /// How many packets were there already when another way brought them.
+    [[nodiscard]] std::uint64_t copies() const { return copies_; }
+
 private:
     static constexpr std::uint64_t kSoon = 50'000'000;
 
@@ -128,7 +131,8 @@ private:
     void beginRun();
     void endRun();
     void beginJitter(FindingSink sink);
-    void fill(std::int64_t number);
+    /// @return whether it was missing
+    bool fill(std::int64_t number);
     void settleGaps(bool areAll, FindingSink sink);
     void checkSynch(SvObservation const& packet, FindingSink sink);
     void checkSilence(SvObservation const& packet, FindingSink sink);
@@ -155,6 +159,7 @@ private:
     std::optional<std::int16_t> synch_;
     /// Whether nothing is held or watched for but the next packet.
     bool isQuiet_ = false;
+    std::uint64_t copies_ = 0;
     std::vector<Gap> gaps_;
     std::vector<SvObservation> suspects_;
     std::optional<Second> second_;

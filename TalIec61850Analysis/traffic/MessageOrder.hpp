@@ -50,14 +50,16 @@ template <typename IsExpired>
     if (now == newest) {
         return MessageTurn::same;
     }
-    bool const isFall = now.stNum != newest.stNum || (now.stNum == 1 && now.sqNum <= 1);
-    if (!isFall || isOtherWay) {
+    bool const isOtherState = now.stNum != newest.stNum;
+    if (!isOtherState && now.sqNum > 1) {
         return MessageTurn::older;
     }
     if (isExpired()) {
-        return MessageTurn::restart;
+        // What the other way brings late, and a late start of the same state, look alike.
+        bool const isCertain = isOtherState && !isOtherWay;
+        return isCertain ? MessageTurn::restart : MessageTurn::mayBeRestart;
     }
-    return now.stNum == 1 ? MessageTurn::mayBeRestart : MessageTurn::older;
+    return now.stNum == 1 && !isOtherWay ? MessageTurn::mayBeRestart : MessageTurn::older;
 }
 
 /// Whether counters did begin anew with a message that may be a restart; otherwise it is older.

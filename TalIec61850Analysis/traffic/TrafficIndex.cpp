@@ -255,6 +255,13 @@ void TrafficIndex::forgetBefore(
         summary.first = first;
         summary.last = last;
     }
+    bool const isAnyLeft = std::any_of(streams_.begin(), streams_.end(), [&](auto const& stream) {
+        return std::any_of(stream.parts.begin(), stream.parts.end(),
+                           [&](StreamPart const& part) { return part.file == file; });
+    });
+    if (!isAnyLeft) {
+        files_[file].attributes.clear();
+    }
     std::erase_if(summary.unread,
                   [&](UnreadFrame const& frame) { return frame.frameOffset < frameOffset; });
 }

@@ -108,6 +108,24 @@ TEST(CopySentence, SaysWhichLanBothCopiesName) {
               CopySentences{"both copies say LAN B: one came over the wrong LAN"});
 }
 
+TEST(CopyFields, NameTheLans) {
+    auto station = copiedStation();
+    loseCopiesOver(station, 'B', 4000, 1);
+    station.repeat(0, 5000, 2 * kNsBetweenCopies);
+    std::get<SvMessage>(copyOver(station, 6000, 'B').message).asdus.front().seqData = Bytes(64, 7);
+    copyOver(station, 7000, 'A').ethernet.prpLan = 'B';
+    auto const rows = checkRows(station);
+    auto const fieldsOf = [&](std::string const& kind) {
+        auto const row = std::find_if(rows.begin(), rows.end(),
+                                      [&](Json const& each) { return each["finding"] == kind; });
+        return row == rows.end() ? "none" : (*row)["expected"].dump() + (*row)["found"].dump();
+    };
+    EXPECT_EQ(fieldsOf("copyMissing"), R"("B""A")");
+    EXPECT_EQ(fieldsOf("copyExtra"), R"(null"A")");
+    EXPECT_EQ(fieldsOf("copyDiffers"), R"(null"B")");
+    EXPECT_EQ(fieldsOf("wrongLan"), R"("A""B")");
+}
+
 TEST(CopySentence, SaysBothSizesOfATrailer) {
     auto station = copiedStation();
     auto const rows = checkRows(StationFiles({withMisfits(station, 4000, 3)}));

@@ -53,6 +53,49 @@ TEST(FindingSentence, SaysThatAGapIsAtTheBorderOfFiles) {
                         "one file to the next; nothing tells who lost them"});
 }
 
+TEST(FindingSentence, SaysThatAPauseIsAtTheBorderOfFiles) {
+    FaultyStation station;
+    station.add(GoosePlan{.firstMessage = 100, .states = {20}});
+    for (StationFrame& frame : station.frames()) {
+        if (frame.number >= 10) frame.time += 3'000 * kNsOfMs;
+    }
+    station.splitAt(2'000 * kNsOfMs);
+    EXPECT_EQ(
+        sentencesOf(station, "expired"),
+        Sentences{"timeAllowedtoLive ran out: the next message came 2.85 s too late, from one "
+                  "file to the next"});
+    auto all = smallStation();
+    all.add({.svID = "MU03", .source = "02:00:00:00:00:03", .frames = 8000, .start = 90'000});
+    all.dropBetween(500 * kNsOfMs, 1'700 * kNsOfMs).splitAt(1'000 * kNsOfMs);
+    EXPECT_EQ(sentencesOf(all, "captureGap").size(), 1U);
+    EXPECT_NE(sentencesOf(all, "captureGap").at(0).find(", from one file to the next and lack"),
+              std::string::npos);
+}
+
+TEST(FindingSentence, SaysWhatSmpCntTellsOfASilence) {
+    FaultyStation station;
+    station.add({.frames = 4000});
+    auto later = station.frames();
+    for (StationFrame& frame : later) {
+        frame.time += 3'600'000 * kNsOfMs;
+        auto& smpCnt = *std::get<SvMessage>(frame.message).asdus.front().smpCnt;
+        smpCnt = Unsigned<2>((smpCnt.value + 85) % 4000);
+    }
+    station.frames().insert(station.frames().end(), later.begin(), later.end());
+    EXPECT_EQ(sentencesOf(station, "silent"),
+              Sentences{"nothing for 3599 s; smpCnt went from 3999 to 85, which does not tell what "
+                        "is missing"});
+    // No silence where nobody listened.
+    station.splitAt(1'800'000 * kNsOfMs);
+    EXPECT_EQ(sentencesOf(station, "silent"), Sentences());
+}
+
+TEST(FindingSentence, SaysThatSqNumWasNotReset) {
+    EXPECT_EQ(afterGoose("stateStartMissing", 10,
+                         [](GooseMessage& message) { message.sqNum = message.sqNum->value + 110; }),
+              Sentences{"state 6 begins with sqNum 110: sqNum was not reset"});
+}
+
 TEST(FindingSentence, NamesEachWitness) {
     auto all = smallStation();
     all.add({.svID = "MU03", .source = "02:00:00:00:00:03", .frames = 8000, .start = 90'000});
@@ -310,6 +353,12 @@ TEST(FindingSentence, HasQualitiesInWords) {
     EXPECT_EQ(rows[1]["text"], "quality of channel 2 (Ib) went from invalid, oldData to good");
     EXPECT_EQ(rows[1]["severity"], "note");
     EXPECT_EQ(checkRows(station, {"--no-samples"}).size(), 0U);
+    auto always = smallStation();
+    always.changeSvFrom(0, 0, set(1));
+    auto const first = checkRows(always, {"--kind", "qualityChanged"});
+    ASSERT_EQ(first.size(), 1U);
+    EXPECT_EQ(first[0]["text"], "quality of channel 2 (Ib) is invalid from the first packet on");
+    EXPECT_EQ(first[0]["expected"], nullptr);
     EXPECT_EQ(afterGoose("qualityChanged", 10,
                          [](GooseMessage& message) {
                              message.setData({dataBoolean(true), dataBitString({0x40, 0x10}, 3)});

@@ -138,6 +138,28 @@ TEST(FollowedCheck, TellsAFindingAsItHappens) {
     EXPECT_EQ(lines[2], "sqNumGap,2," + folder.file("ring2.pcap"));
 }
 
+TEST(FollowedCheck, GoesOnWhereARingRemovesAFile) {
+    TempDir const folder;
+    TempDir const other;
+    folder.write("ring1.pcap", messages(0, 4));
+    TrafficCapture capture;
+    for (std::uint64_t i = 4; i < 60; ++i) {
+        GooseMessage message;
+        message.stNum = 1;
+        message.sqNum = i < 20 ? i : i + 3;
+        capture.addAt(i * 1'000'000, gooseFrame(Ethernet(), message));
+    }
+    auto const second = other.write("next.pcap", capture.bytes());
+    auto const result =
+        runAndThen("check -F --limit 3 --idle 5s -f csv --columns finding,lost,file \"$1\"", 2,
+                   "rm \"$1\"/ring1.pcap; cp \"$2\" \"$1\"/ring2.pcap", folder.path(), second);
+    auto const lines = linesOf(result.out);
+    // The stream is a new one there: its fault at the start is told again.
+    ASSERT_EQ(lines.size(), 4U) << result.out << result.err;
+    EXPECT_EQ(lines[3], "sqNumGap,3," + folder.file("ring2.pcap"));
+    EXPECT_EQ(result.err, "");
+}
+
 TEST(FollowedCheck, TellsWhatCheckTellsOfAWholeCapture) {
     TrafficCapture capture;
     for (std::uint64_t i = 0; i < 200; ++i) {

@@ -52,6 +52,10 @@ std::string octetText(Finding const& finding, OctetString const& octets) {
         case FindingKind::grandmasterChanged:
             return colonText(octets);
         case FindingKind::dataSetChanged:
+        case FindingKind::copyMissing:
+        case FindingKind::copyDiffers:
+        case FindingKind::copyExtra:
+        case FindingKind::wrongLan:
             return {octets.begin(), octets.end()};
         default:
             return toHex(octets);
@@ -150,6 +154,13 @@ std::string pauseText(Finding const& finding) {
                              : std::string("a time that is not known");
 }
 
+/// What is added to a time in which files were changed.
+std::string_view borderText(Finding const& finding) {
+    bool const isAtBorder =
+        finding.place && finding.before && finding.place->file != finding.before->file;
+    return isAtBorder ? ", from one file to the next" : "";
+}
+
 std::string witnessText(Finding const& finding) {
     std::uint64_t const frames = finding.witnessFrames;
     switch (finding.witness) {
@@ -224,7 +235,8 @@ std::string jitterText(Finding const& finding) {
 std::string expiredText(Finding const& finding) {
     std::string const late = durationText(timeIn(finding.expected), timeIn(finding.found));
     return finding.place
-               ? fmt::format("timeAllowedtoLive ran out: the next message came {} too late", late)
+               ? fmt::format("timeAllowedtoLive ran out: the next message came {} too late{}", late,
+                             borderText(finding))
                : fmt::format(
                      "timeAllowedtoLive ran out {} before the captures end, and no message "
                      "came",
@@ -348,6 +360,10 @@ std::string FindingText::gapText(Finding const& finding) const {
         return fmt::format("{} gaps in {}, {} missing{}", finding.count,
                            durationText(finding.from, finding.until), lost, causeText(finding));
     }
+    if (finding.lost == 0) {
+        return fmt::format("state {} begins with sqNum {}: sqNum was not reset", stNumOf(finding),
+                           foundText(finding));
+    }
     std::string counters;
     switch (finding.kind) {
         case FindingKind::stateGap:
@@ -366,11 +382,33 @@ std::string FindingText::gapText(Finding const& finding) const {
     }
     std::string const pause =
         hasPause(finding) ? fmt::format(", after {}", pauseText(finding)) : std::string();
-    bool const isAtBorder =
-        finding.place && finding.before && finding.place->file != finding.before->file;
     return fmt::format("{} {} expected, {} came{}{}{}", counters, expectedText(finding),
-                       foundText(finding), pause, isAtBorder ? ", from one file to the next" : "",
-                       causeText(finding));
+                       foundText(finding), pause, borderText(finding), causeText(finding));
+}
+
+/// What smpCnt says of a silence.
+std::string FindingText::silentText(Finding const& finding) const {
+    if (!finding.place) {
+        return fmt::format("nothing for the last {} of the captures", pauseText(finding));
+    }
+    std::string const pause =
+        fmt::format("nothing for {}{}", pauseText(finding), borderText(finding));
+    if (!finding.stream || !finding.before) {
+        return pause;
+    }
+    TrafficStream const& stream = index_.streams()[*finding.stream];
+    auto const smpCntAt = [&](PacketRef packet) {
+        return stream.parts[packet.part].packets.smpCnts()[packet.packet];
+    };
+    std::uint32_t const before = smpCntAt(finding.before->packet);
+    std::uint32_t const now = smpCntAt(finding.place->packet);
+    auto const rate = index_.nominalRate(stream);
+    bool const isWrap =
+        now == 0 && before > 0 && (!rate || *rate == static_cast<double>(before) + 1);
+    return now == before + 1 || isWrap
+               ? pause + ", though smpCnt shows no gap"
+               : fmt::format("{}; smpCnt went from {} to {}, which does not tell what is missing",
+                             pause, before, now);
 }
 
 /// Which counter of a message went back: a publisher may begin anew in the first state again.
@@ -489,7 +527,10 @@ std::string FindingText::qualityChangeText(Finding const& finding) {
     } else {
         of = fmt::format("member {}{}", memberText(finding.member), nameText(finding));
     }
-    return fmt::format("quality of {} {}", of, changeText(finding));
+    bool const isFromStart = std::holds_alternative<std::monostate>(finding.expected);
+    return isFromStart
+               ? fmt::format("quality of {} is {} from the first packet on", of, foundText(finding))
+               : fmt::format("quality of {} {}", of, changeText(finding));
 }
 
 std::string FindingText::what(Finding const& finding) {
@@ -524,10 +565,7 @@ std::string FindingText::what(Finding const& finding) {
             return fmt::format("timeAllowedtoLive went from {} to {}",
                                millisecondsText(finding.expected), millisecondsText(finding.found));
         case FindingKind::silent:
-            return finding.place
-                       ? fmt::format("nothing for {}, though smpCnt shows no gap",
-                                     pauseText(finding))
-                       : fmt::format("nothing for the last {} of the captures", pauseText(finding));
+            return silentText(finding);
         case FindingKind::jitter:
             return jitterText(finding);
         case FindingKind::timeAhead:
@@ -581,8 +619,9 @@ std::string FindingText::what(Finding const& finding) {
                                plural(static_cast<std::uint64_t>(numberIn(finding.found)), "octet"),
                                expectedText(finding));
         case FindingKind::captureGap:
-            return fmt::format("all streams pause for {} and lack what should have come, {} in all",
-                               pauseText(finding), plural(finding.lost, "packet"));
+            return fmt::format(
+                "all streams pause for {}{} and lack what should have come, {} in all",
+                pauseText(finding), borderText(finding), plural(finding.lost, "packet"));
         case FindingKind::captureDropped:
             return fmt::format("the capture says that it lost {}", plural(finding.lost, "packet"));
         case FindingKind::clockStep:

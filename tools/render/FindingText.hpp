@@ -38,6 +38,7 @@ private:
     [[nodiscard]] std::string what(TalIec61850Analysis::Finding const& finding);
     [[nodiscard]] std::string ofCounters(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string gapText(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string silentText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string messageText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string restartText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::uint32_t stNumOf(TalIec61850Analysis::Finding const& finding) const;

@@ -172,6 +172,20 @@ TEST(StateWatch, CountsEachMessageOnceOverSeveralWays) {
     EXPECT_EQ(watched.finish()[0].retransmissionCount, 1U);
 }
 
+TEST(StateWatch, TellsARestartThatComesOverAnotherWayAfterTheTimeAllowedToLive) {
+    WatchedStates watched;
+    watched.add(0, {9, 100}, 0);
+    watched.add(400 * kWatchMs, {1, 0}, 4).add(401 * kWatchMs, {1, 1}, 4);
+    watched.add(500 * kWatchMs, {2, 0}, 4);
+    EXPECT_EQ(watched.lines(), (StateLines{"1: 9->1 restart", "3: 1->2"}));
+}
+
+TEST(StateWatch, TellsARestartInTheSameStateAfterTheTimeAllowedToLive) {
+    WatchedStates watched;
+    watched.add(0, {5, 1000}).add(400 * kWatchMs, {5, 0}).add(401 * kWatchMs, {5, 1});
+    EXPECT_EQ(watched.lines(), StateLines{"1: 5->5 restart"});
+}
+
 TEST(StateWatch, KeepsTheFirstRetransmissionsAndCountsAll) {
     WatchedStates watched;
     watched.add(0, {5, 7}).add(0, {6, 0});

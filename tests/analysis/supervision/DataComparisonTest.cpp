@@ -47,6 +47,10 @@ TEST(DataComparison, PassesOverTimeStamps) {
               "");
 }
 
+TEST(DataComparison, PassesOverBinaryTimes) {
+    EXPECT_EQ(differences({0x8C, 6, 0, 0, 0, 1, 0, 9}, {0x8C, 6, 0, 0, 0, 2, 0, 9}), "");
+}
+
 TEST(DataComparison, SeesValuesOfOtherSizes) {
     EXPECT_EQ(differences(dataInteger(5), dataInteger(500)), "data");
     EXPECT_EQ(differences(dataStructure({dataInteger(5)}), dataStructure({dataInteger(500)})),

@@ -303,5 +303,122 @@ TEST(GooseFaults, CountsOnAfterTheLargestNumbers) {
     EXPECT_EQ(foundIn(station), Lines());
 }
 
+TEST(GooseFaults, AreOneWhereEachMessageComesTooLate) {
+    // A heartbeat each 100 ms, and 60 ms to live.
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 0, [](GooseMessage& message) { message.timeAllowedtoLive = 60; });
+    Lines const expected =
+        named({"expired #1 count 20", "expired #25 count 16", "expired #45 count 15"});
+    EXPECT_EQ(foundIn(station), expected);
+    // The one after the last is not due yet, and then it is overdue.
+    for (std::int64_t const after : {90, 110}) {
+        auto goesOn = station;
+        std::int64_t const end = station.frame(0, 59).time + after * kMillisecond;
+        goesOn.add(SvPlan{.frames = 100, .start = end - 99 * 250'000});
+        Lines lines = expected;
+        if (after > 100) lines.push_back("expired " + kName + " end after #59");
+        EXPECT_EQ(foundIn(goesOn), lines) << after;
+    }
+}
+
+TEST(GooseFaults, AreOneWhereEachMessageComesTwice) {
+    auto station = gooseStation();
+    for (std::size_t number = 3; number < 15; ++number) {
+        station.repeat(0, number, kMillisecond);
+    }
+    station.repeat(0, 17, kMillisecond);
+    EXPECT_EQ(foundIn(station), named({"repeated #3 after #3 count 12", "repeated #17 after #17"}));
+}
+
+TEST(GooseFaults, AreOneWhereEachMessageIsReplayed) {
+    auto station = gooseStation();
+    for (std::size_t number = 3; number < 15; ++number) {
+        station.repeat(0, number, 150 * kMillisecond);
+    }
+    EXPECT_EQ(foundIn(station), named({"replay #3 after #4 count 12"}));
+}
+
+TEST(GooseFaults, AreOneWhereSqNumCountsByTwo) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 0, [](GooseMessage& message) {
+        if (message.stNum->value == 5) message.sqNum = 2 * message.sqNum->value;
+    });
+    EXPECT_EQ(foundIn(station), named({"sqNumGap #1 lost 19 count 19"}));
+    // With good messages between them they are not.
+    auto apart = gooseStation();
+    apart.drop(0, 3).drop(0, 5).drop(0, 8);
+    EXPECT_EQ(foundIn(apart), named({"sqNumGap #4 after #2 lost 1", "sqNumGap #6 after #4 lost 1",
+                                     "sqNumGap #9 after #7 lost 1"}));
+}
+
+TEST(GooseFaults, AreOneWhereTheTimeAllowedToLiveGoesBackAndForth) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 6, [](GooseMessage& message) {
+        bool const isShort = message.stNum->value == 5 && message.sqNum->value % 2 == 0;
+        message.timeAllowedtoLive = isShort ? 200 : 250;
+    });
+    EXPECT_EQ(foundIn(station), named({"timeAllowedtoLiveChanged #6 count 14"}));
+}
+
+TEST(GooseFaults, TellsATimeAllowedToLiveThatIsShorterFromANewStateOn) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 20, [](GooseMessage& message) { message.timeAllowedtoLive = 150; });
+    EXPECT_EQ(foundIn(station), named({"timeAllowedtoLiveChanged #20"}));
+    station.changeGooseFrom(0, 40, [](GooseMessage& message) { message.timeAllowedtoLive = 250; });
+    EXPECT_EQ(foundIn(station),
+              named({"timeAllowedtoLiveChanged #20", "timeAllowedtoLiveChanged #40"}));
+}
+
+TEST(GooseFaults, TakesATimeThatIsShortForAWhileInEachStateAsItIs) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 20, [](GooseMessage& message) {
+        message.timeAllowedtoLive = message.sqNum->value < 7 ? 120 : 250;
+    });
+    EXPECT_EQ(foundIn(station), Lines());
+}
+
+TEST(GooseFaults, TellsASqNumThatIsNotResetWithoutLoss) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 20, [](GooseMessage& message) {
+        if (message.stNum->value == 6) message.sqNum = 120 + message.sqNum->value;
+    });
+    EXPECT_EQ(foundIn(station), named({"stateStartMissing #20"}));
+}
+
+/// Messages of state 9, then those of another publisher's life.
+FaultyStation restartedStation(std::uint32_t state, std::int64_t pause) {
+    FaultyStation station;
+    station.add(GoosePlan{.firstState = 9, .firstMessage = 100, .states = {20}});
+    FaultyStation after;
+    std::int64_t const start = station.frame(0, 19).time + pause;
+    after.add(GoosePlan{.firstState = state, .states = {20}, .start = start});
+    for (StationFrame frame : after.frames()) {
+        frame.number += 20;
+        station.frames().push_back(frame);
+    }
+    return station;
+}
+
+TEST(GooseFaults, TellsARestartInTheSameStateAfterTheTimeAllowedToLive) {
+    auto station = restartedStation(9, 30'000 * kMillisecond);
+    EXPECT_EQ(foundIn(station), named({"counterRestart #20", "expired #20"}));
+}
+
+TEST(GooseFaults, TellsARestartThatComesOverTheOtherLan) {
+    auto station = restartedStation(1, 40'000 * kMillisecond);
+    std::uint16_t sequence = 100;
+    for (StationFrame& frame : station.frames()) {
+        frame.ethernet.prpLan = frame.number < 20 ? 'A' : 'B';
+        frame.ethernet.prpSequence = sequence++;
+    }
+    EXPECT_EQ(foundIn(station), named({"counterRestart #20", "expired #20"}));
+}
+
+TEST(GooseFaults, SaysNothingOfALastMessageThatMayBeARestart) {
+    auto station = restartedStation(1, 100 * kMillisecond);
+    station.drop(0, 21, 19);
+    EXPECT_EQ(foundIn(station), Lines());
+}
+
 }  // namespace
 }  // namespace TalTest

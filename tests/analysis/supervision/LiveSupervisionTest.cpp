@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -194,6 +195,123 @@ TEST(LiveSupervision, GoesOnWhereTheClockIsSetBack) {
     EXPECT_EQ(watched.countOf(FindingKind::clockStep), 1);
     EXPECT_EQ(watched.countOf(FindingKind::sampleGap), 1);
     EXPECT_EQ(watched.told().size(), 2U);
+}
+
+TEST(LiveSupervision, TellsACopyThatIsMissingWhereTheWriterPausesAfterIt) {
+    FaultyStation station;
+    station.add(SvPlan{.frames = 8000, .prpDelay = 20'000});
+    std::erase_if(station.frames(), [](StationFrame const& frame) {
+        return frame.ethernet.prpLan == 'B' && frame.number == 4000;
+    });
+    Bytes const capture = station.captures().at(0);
+    WatchedCapture watched(capture);
+    // 200 ms after the frame.
+    watched.grow(capture.size() * 6 / 10);
+    watched.grow(0);
+    watched.grow(0);
+    EXPECT_EQ(watched.countOf(FindingKind::copyMissing), 0);
+    watched.grow(watched.left());
+    watched.grow(0);
+    EXPECT_EQ(watched.countOf(FindingKind::copyMissing), 1);
+    watched.finish();
+    EXPECT_EQ(watched.told(), toldAtOnce(capture));
+}
+
+TEST(LiveSupervision, TellsARestartWhereTheWriterPausesAfterItsFirstMessage) {
+    FaultyStation station;
+    station.add(GoosePlan{.firstState = 9, .firstMessage = 5, .states = {20}});
+    FaultyStation after;
+    after.add(GoosePlan{
+        .firstState = 1, .states = {20}, .start = station.frame(0, 19).time + 50 * kMillisecond});
+    std::size_t const before = station.captures().at(0).size();
+    for (StationFrame frame : after.frames()) {
+        frame.number += 20;
+        station.frames().push_back(frame);
+    }
+    station.delay(0, 21, 2 * kMillisecond);
+    Bytes const capture = station.captures().at(0);
+    WatchedCapture watched(capture);
+    watched.grow(before - 24 + (capture.size() - before) / 20);
+    watched.grow(0);
+    watched.grow(0);
+    EXPECT_EQ(watched.told().size(), 0U);
+    watched.grow(watched.left());
+    watched.grow(0);
+    watched.finish();
+    EXPECT_EQ(watched.countOf(FindingKind::counterRestart), 1);
+    EXPECT_EQ(watched.told(), toldAtOnce(capture));
+}
+
+/// A ring of files in a folder.
+class WatchedRing {
+public:
+    void add(std::string const& name, Bytes const& capture) {
+        TrafficFollower follower(directory_.write(name, capture));
+        look(*follower.readOn());
+    }
+    void replace(std::string const& name, Bytes const& capture) {
+        // Another file, not other octets of the same one.
+        std::filesystem::rename(directory_.write("new", capture), directory_.file(name));
+        look({});
+    }
+    void remove(std::string const& name) {
+        std::filesystem::remove(directory_.file(name));
+        look({});
+    }
+    [[nodiscard]] std::vector<FindingKind> const& told() const { return told_; }
+    [[nodiscard]] TrafficIndex const& index() const { return supervision_.index(); }
+
+private:
+    void look(TrafficIndex added) {
+        supervision_.add(std::move(added),
+                         [this](Finding const& finding) { told_.push_back(finding.kind); });
+    }
+
+    TempDir directory_;
+    LiveSupervision supervision_;
+    std::vector<FindingKind> told_;
+};
+
+/// Messages of one state.
+Bytes ringFile(std::size_t first, std::optional<std::size_t> missing = {}) {
+    FaultyStation station;
+    station.add(GoosePlan{.firstMessage = static_cast<std::uint32_t>(100 + first),
+                          .states = {20},
+                          .start = static_cast<std::int64_t>(first) * 100 * kMillisecond});
+    if (missing) station.drop(0, *missing);
+    return station.captures().at(0);
+}
+
+TEST(LiveSupervision, GoesOnWhereARingRemovesAFile) {
+    WatchedRing ring;
+    ring.add("a", ringFile(0));
+    ring.remove("a");
+    ring.add("b", ringFile(20, 10));
+    ring.remove("c");
+    EXPECT_EQ(ring.told(), std::vector{FindingKind::sqNumGap});
+    for (auto const& stream : ring.index().streams()) EXPECT_EQ(stream.size(), 19U);
+}
+
+TEST(LiveSupervision, GoesOnWhereARingWritesAFileAnew) {
+    WatchedRing ring;
+    ring.add("a", ringFile(0));
+    ring.replace("a", ringFile(20));
+    EXPECT_TRUE(ring.index().streams().empty());
+    ring.add("b", ringFile(40, 10));
+    ring.remove("c");
+    EXPECT_EQ(ring.told(), std::vector{FindingKind::sqNumGap});
+}
+
+TEST(LiveSupervision, ForgetsFilesThatDoNotGrowAnyMore) {
+    WatchedRing ring;
+    for (std::size_t number = 0; number < 4; ++number) {
+        // More than ten minutes apart.
+        ring.add("a" + std::to_string(number), ringFile(7000 * number));
+    }
+    ring.remove("none");
+    ring.remove("none");
+    ASSERT_EQ(ring.index().streams().size(), 1U);
+    EXPECT_LE(ring.index().streams()[0].parts.size(), 2U);
 }
 
 TEST(LiveSupervision, OfNothingTellsNothing) {

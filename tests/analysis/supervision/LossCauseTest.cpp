@@ -338,5 +338,87 @@ TEST(LossCause, IsTheCaptureWhereAMiddleFileSaysSo) {
     EXPECT_EQ(causes, std::vector{TalIec61850Analysis::LossCause::capture});
 }
 
+TEST(LossCause, IsTheNetworkWhereSlowStreamsRanOnMeanwhile) {
+    auto station = threeUnits();
+    for (char const number : {'1', '2', '3', '4'}) {
+        station.add(GoosePlan{.gocbRef = std::string("R") + number,
+                              .source = std::string("02:00:00:00:00:1") + number,
+                              .firstMessage = 100,
+                              .states = {10},
+                              .start = 10 * kMillisecond});
+    }
+    for (std::size_t unit = 0; unit < 3; ++unit) station.drop(unit, 2000, 80);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #2080 after #1999 lost 80 network",
+                                       "sampleGap MU02 #2080 after #1999 lost 80 network",
+                                       "sampleGap MU03 #2080 after #1999 lost 80 network"}));
+}
+
+TEST(LossCause, IsNoPauseOfTheCaptureWhereOneFrameCameMeanwhile) {
+    auto station = threeUnits();
+    station.add(GoosePlan{
+        .gocbRef = "R1", .firstMessage = 100, .states = {10}, .start = 10 * kMillisecond});
+    for (std::size_t unit = 0; unit < 3; ++unit) station.drop(unit, 2000, 80);
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #2080 after #1999 lost 80 capture",
+                                       "sampleGap MU02 #2080 after #1999 lost 80 capture",
+                                       "sampleGap MU03 #2080 after #1999 lost 80 capture"}));
+}
+
+TEST(LossCause, IsUnknownWhereTheRedundancyNumbersLackFewer) {
+    auto station = threeUnits(20'000);
+    // Two of five were never sent.
+    for (StationFrame& frame : station.frames()) {
+        if (frame.stream == 1 && frame.number >= 1005) {
+            frame.ethernet.prpSequence = static_cast<std::uint16_t>(frame.ethernet.prpSequence - 2);
+        }
+    }
+    station.drop(1, 1000, 5);
+    auto const findings = findingsIn(station.captures());
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_NE(findings.front().witness, TalIec61850Analysis::LossWitness::redundancyGap);
+}
+
+/// A frame's own count of what was dropped before it.
+Bytes withDropCount(FaultyStation& station, std::size_t number, std::uint64_t count,
+                    std::size_t interfaces = 1) {
+    constexpr std::uint16_t kDropCount = 4;
+    std::stable_sort(station.frames().begin(), station.frames().end(),
+                     [](StationFrame const& a, StationFrame const& b) { return a.time < b.time; });
+    PcapngMaker maker;
+    maker.section();
+    for (std::size_t i = 0; i < interfaces; ++i) {
+        maker.interface(1, 0, maker.timeOptions(9));
+    }
+    for (StationFrame const& frame : station.frames()) {
+        PcapngMaker::Packet packet;
+        packet.time = static_cast<std::uint64_t>(FaultyStation::timeOf(frame));
+        packet.frame = FaultyStation::octetsOf(frame);
+        if (frame.stream == 0 && frame.number == number) {
+            packet.options = maker.numberOption(kDropCount, count);
+        }
+        maker.packet(packet);
+    }
+    return maker.bytes();
+}
+
+TEST(LossCause, IsTheCaptureWhereItsCountsCoverTheLoss) {
+    using TalIec61850Analysis::LossCause;
+    FaultyStation station;
+    station.add({.frames = 1000});
+    station.drop(0, 500, 7);
+    EXPECT_EQ(causesIn(withDropCount(station, 507, 7)), std::vector{LossCause::capture});
+    EXPECT_EQ(causesIn(withDropCount(station, 507, 6)), std::vector{LossCause::unknown});
+    EXPECT_EQ(causesIn(withDropCount(station, 507, 7, 2)), std::vector{LossCause::unknown});
+}
+
+TEST(LossCause, IsAPauseOfTheCaptureWhereItsCountsSaySo) {
+    using TalIec61850Analysis::FindingKind;
+    auto station = threeUnits();
+    station.dropBetween(500 * kMillisecond, 520 * kMillisecond);
+    auto const findings = findingsIn({withDropCount(station, 2080, 240)});
+    EXPECT_EQ(std::count_if(findings.begin(), findings.end(),
+                            [](auto const& each) { return each.kind == FindingKind::captureGap; }),
+              1);
+}
+
 }  // namespace
 }  // namespace TalTest

@@ -93,6 +93,7 @@ TEST(SampleContents, TellsAQualityThatIsBadFromTheFirstOn) {
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].kind, FindingKind::qualityChanged);
     EXPECT_EQ(findings[0].member, std::vector<std::uint32_t>{5});
+    EXPECT_EQ(findings[0].expected, FindingValue());
     EXPECT_EQ(lineOf(findings[0], station), "qualityChanged MU01 #0");
 }
 

@@ -164,6 +164,27 @@ TEST(SvSummary, CountsCopiesOnce) {
     EXPECT_EQ(figures.largestGap, kSampleInterval);
 }
 
+TEST(StreamSummaries, CountWhatTwoTapsHaveOnce) {
+    FaultyStation station;
+    station.add({.frames = 400});
+    station.add(GoosePlan{.firstMessage = 100, .states = {10, 10}});
+    auto const own = station.frames();
+    for (StationFrame frame : own) {
+        bool const isLostHere = frame.stream == 0 && frame.number == 55;
+        frame.time += 7 * kMicrosecond;
+        frame.file = 1;
+        if (!isLostHere) station.frames().push_back(frame);
+    }
+    std::erase_if(station.frames(), [](StationFrame const& frame) {
+        return frame.file == 0 && frame.stream == 0 && frame.number == 77;
+    });
+    auto const summaries = summariesIn(station.captures());
+    ASSERT_EQ(summaries.size(), 2U);
+    std::vector<std::uint64_t> packets{summaries[0].packets, summaries[1].packets};
+    std::sort(packets.begin(), packets.end());
+    EXPECT_EQ(packets, (std::vector<std::uint64_t>{20, 400}));
+}
+
 TEST(SvSummary, IsNotMisledByAClockThatIsSet) {
     FaultyStation station;
     station.add({.frames = 4000});

@@ -314,5 +314,29 @@ TEST(SvFaults, FindsTheFirstAndTheLastPacket) {
                      "sampleGap MU01 #3999 after #3997 lost 1"}));
 }
 
+TEST(SvFaults, CountsWhatIsMissingUntilTheOtherLanBegins) {
+    auto station = svStation({.frames = 14'000});
+    station.drop(0, 1001, 9499);
+    for (StationFrame& frame : station.frames()) {
+        frame.ethernet.prpLan = frame.number <= 1000 ? 'A' : 'B';
+        frame.ethernet.prpSequence = static_cast<std::uint16_t>(frame.number);
+    }
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #10500 after #1000 lost 9499"}));
+}
+
+TEST(SvFaults, TellsNoSilenceWhereNothingWasCaptured) {
+    for (bool const isSplit : {true, false}) {
+        auto station = svStation({.frames = 4000});
+        std::vector<StationFrame> later = station.frames();
+        for (StationFrame& frame : later) {
+            frame.time += 3600 * kSecond;
+            frame.number += 4000;
+        }
+        station.frames().insert(station.frames().end(), later.begin(), later.end());
+        if (isSplit) station.splitAt(1800 * kSecond);
+        EXPECT_EQ(foundIn(station), isSplit ? Lines() : Lines{"silent MU01 #4000"});
+    }
+}
+
 }  // namespace
 }  // namespace TalTest

@@ -47,7 +47,20 @@ TEST(MessageOrder, TakesAFallingStateForARestartAfterExpiryAlone) {
     EXPECT_EQ(turnInTime({4, 0}, {5, 7}), MessageTurn::older);
     EXPECT_EQ(turnAfterExpiry({4, 0}, {5, 7}), MessageTurn::restart);
     EXPECT_EQ(turnAfterExpiry({5, 6}, {5, 7}), MessageTurn::older);
-    EXPECT_EQ(turnAfterExpiry({4, 0}, {5, 7}, true), MessageTurn::older);
+    EXPECT_EQ(turnInTime({4, 0}, {5, 7}, true), MessageTurn::older);
+}
+
+TEST(MessageOrder, LetsTheNextMessageTellWhetherAnotherWayBringsARestart) {
+    EXPECT_EQ(turnAfterExpiry({4, 0}, {5, 7}, true), MessageTurn::mayBeRestart);
+    EXPECT_EQ(turnAfterExpiry({1, 0}, {5, 7}, true), MessageTurn::mayBeRestart);
+    EXPECT_EQ(turnInTime({1, 0}, {5, 7}, true), MessageTurn::older);
+}
+
+TEST(MessageOrder, LetsTheNextMessageTellWhetherAStateBeginsAnewAfterExpiry) {
+    EXPECT_EQ(turnAfterExpiry({5, 0}, {5, 1000}), MessageTurn::mayBeRestart);
+    EXPECT_EQ(turnAfterExpiry({5, 1}, {5, 1000}), MessageTurn::mayBeRestart);
+    EXPECT_EQ(turnAfterExpiry({5, 2}, {5, 1000}), MessageTurn::older);
+    EXPECT_EQ(turnInTime({5, 0}, {5, 1000}), MessageTurn::older);
 }
 
 TEST(MessageOrder, LetsTheNextMessageTellWhetherStateOneIsARestart) {
