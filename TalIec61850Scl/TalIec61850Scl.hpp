@@ -12,6 +12,7 @@
 #include <TalIec61850Scl/match/BindMembers.hpp>
 #include <TalIec61850Scl/match/CheckStation.hpp>
 #include <TalIec61850Scl/match/MatchStreams.hpp>
+#include <TalIec61850Scl/match/MessageBinder.hpp>
 #include <TalIec61850Scl/model/BasicType.hpp>
 #include <TalIec61850Scl/model/ControlBlock.hpp>
 #include <TalIec61850Scl/model/DataSet.hpp>

@@ -35,14 +35,40 @@ struct WatchedQuality {
     std::uint32_t faults = 0;
 };
 
+/// The qualities that a layout has, all of them good.
+std::vector<WatchedQuality> qualitiesOf(SampleLayout const& layout) {
+    std::vector<WatchedQuality> qualities;
+    for (std::size_t channel = 0; channel < layout.channels().size(); ++channel) {
+        if (auto const offset = layout.channels()[channel].qualityOffset) {
+            qualities.push_back(
+                {.offset = *offset, .channel = static_cast<std::uint32_t>(channel), .faults = 0});
+        }
+    }
+    return qualities;
+}
+
+/// In what layouts are inferred to be, qualities are the second of each two words.
+std::vector<WatchedQuality> possibleQualities(std::size_t size) {
+    constexpr std::size_t kPair = 8;
+    constexpr std::size_t kWord = 4;
+    std::vector<WatchedQuality> qualities;
+    for (std::size_t offset = kWord; size % kPair == 0 && offset < size; offset += kPair) {
+        qualities.push_back(
+            {.offset = offset, .channel = static_cast<std::uint32_t>(offset / kPair), .faults = 0});
+    }
+    return qualities;
+}
+
 /// Follows the contents of the ASDUs of one stream.
 class ContentWatch {
 public:
-    ContentWatch(TrafficIndex const& index, std::size_t stream,
+    /// @param described  what the samples are; null where that is not described
+    ContentWatch(TrafficIndex const& index, std::size_t stream, SampleLayout const* described,
                  std::shared_ptr<CaptureWindow> const& window, StreamFindingSink const& sink)
         : index_(index),
           number_(stream),
           stream_(index.streams()[stream]),
+          described_(described),
           sink_(sink),
           course_(stream_),
           attributes_(index, stream_),
@@ -82,12 +108,9 @@ private:
         hasLast_ = true;
     }
 
-    /// From here on, seqData may be made otherwise. In what layouts are inferred to be, qualities
-    /// are the second of each two words: which they are matters only once one of these is none that
-    /// is good.
+    /// From here on, seqData may be made otherwise. Where that is not described, which words are
+    /// qualities matters only once one that may be is none that is good.
     void beginData(ReadAsdu const& asdu, PacketRef packet) {
-        constexpr std::size_t kPair = 8;
-        constexpr std::size_t kWord = 4;
         std::size_t const size = asdu.data.size();
         if (dataSize_ != 0 && dataSize_ != size) {
             Finding made = finding(FindingKind::dataSetChanged, packet);
@@ -98,14 +121,8 @@ private:
         }
         dataSize_ = size;
         attributesNow_ = &attributes_.at(packet);
-        std::vector<WatchedQuality> second;
-        for (std::size_t offset = kWord; size % kPair == 0 && offset < size; offset += kPair) {
-            second.push_back({.offset = offset,
-                              .channel = static_cast<std::uint32_t>(offset / kPair),
-                              .faults = 0});
-        }
-        watch(std::move(second));
-        isLayoutKnown_ = false;
+        isLayoutKnown_ = described_ != nullptr && described_->size() == size;
+        watch(isLayoutKnown_ ? qualitiesOf(*described_) : possibleQualities(size));
     }
 
     /// Watches these, with what is known of them.
@@ -138,16 +155,7 @@ private:
             }
             auto const& layout =
                 layouts_->of({.size = dataSize_, .attributes = attributesNow_}, packet).layout;
-            std::vector<WatchedQuality> found;
-            for (std::size_t channel = 0; layout && channel < layout->channels().size();
-                 ++channel) {
-                if (auto const offset = layout->channels()[channel].qualityOffset) {
-                    found.push_back({.offset = *offset,
-                                     .channel = static_cast<std::uint32_t>(channel),
-                                     .faults = 0});
-                }
-            }
-            watch(std::move(found));
+            watch(layout ? qualitiesOf(*layout) : std::vector<WatchedQuality>());
             isLayoutKnown_ = true;
         }
         for (WatchedQuality& quality : qualities_) {
@@ -209,6 +217,7 @@ private:
     TrafficIndex const& index_;
     std::size_t number_;
     TrafficStream const& stream_;
+    SampleLayout const* described_;
     StreamFindingSink const& sink_;
     PacketCourse course_;
     /// Not looked at yet; only where one is left.
@@ -236,6 +245,7 @@ private:
 }  // namespace
 
 void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const& streams,
+                      std::vector<std::optional<SampleLayout>> const& layouts,
                       std::stop_token const& stop, StreamFindingSink const& sink) {
     // What one reading of a capture brings.
     constexpr std::uint64_t kStretch = std::uint64_t{192} << 10U;
@@ -244,7 +254,9 @@ void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const&
     std::vector<std::unique_ptr<ContentWatch>> watches;
     watches.reserve(streams.size());
     for (std::size_t const stream : streams) {
-        watches.push_back(std::make_unique<ContentWatch>(index, stream, window, sink));
+        bool const isDescribed = stream < layouts.size() && layouts[stream];
+        watches.push_back(std::make_unique<ContentWatch>(
+            index, stream, isDescribed ? &*layouts[stream] : nullptr, window, sink));
     }
     while (!stop.stop_requested()) {
         std::erase_if(watches, [](auto const& watch) { return !watch->isLeft(); });

@@ -2,10 +2,12 @@
 
 // Internal: what changes in the ASDUs of an SV stream that its index does not have.
 
+#include <TalIec61850Analysis/samples/SampleLayout.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <stop_token>
 #include <vector>
 
@@ -20,9 +22,11 @@ using StreamFindingSink = std::function<void(std::size_t stream, Finding const& 
 /// synchronized. `derived` is no fault of a value. Captures are read front to back, once for all
 /// of the streams.
 /// @param streams  of the index, SV
+/// @param layouts  what samples are described as, by the number of the stream; may be empty
 /// @param stop     ends it soon
 /// @throws std::system_error  a capture cannot be read, or no longer has the ASDUs (ESTALE)
 void superviseSamples(TrafficIndex const& index, std::vector<std::size_t> const& streams,
+                      std::vector<std::optional<SampleLayout>> const& layouts,
                       std::stop_token const& stop, StreamFindingSink const& sink);
 
 }  // namespace TalIec61850Analysis::detail

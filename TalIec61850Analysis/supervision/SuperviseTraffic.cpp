@@ -410,6 +410,12 @@ public:
                 (isSv(stream) ? svStreams_ : gooseStreams_).push_back(stream);
             }
         }
+        if (options.withSamples && options.layoutOf) {
+            layouts_.resize(index.streams().size());
+            for (std::size_t const stream : svStreams_) {
+                layouts_[stream] = options.layoutOf(index.streams()[stream].key);
+            }
+        }
     }
 
     /// Goes through the streams.
@@ -517,7 +523,7 @@ private:
 
     void superviseContents(std::vector<std::size_t> const& streams) {
         detail::superviseSamples(
-            index_, streams, options_.stop,
+            index_, streams, layouts_, options_.stop,
             [&](std::size_t stream, Finding const& finding) { ofSamples_[stream].add(finding); });
     }
 
@@ -534,6 +540,8 @@ private:
     // Those that are gone through.
     std::vector<std::size_t> svStreams_;
     std::vector<std::size_t> gooseStreams_;
+    /// By stream, what its samples are described as; empty where nothing is.
+    std::vector<std::optional<SampleLayout>> layouts_;
     /// By stream, what its samples tell; each is written by one thread.
     std::vector<detail::FindingJoiner> ofSamples_;
 };

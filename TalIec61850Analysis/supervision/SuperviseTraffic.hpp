@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Analysis/Export.hpp>
+#include <TalIec61850Analysis/samples/SampleLayout.hpp>
 #include <TalIec61850Analysis/supervision/Finding.hpp>
 #include <TalIec61850Analysis/supervision/StreamSummary.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
@@ -24,6 +25,10 @@ struct SupervisionOptions {
     /// Whether the ASDUs of SV are read again too, for the qualities of their values, the size of
     /// seqData, the clock that they name, and the quality of their times.
     bool withSamples = false;
+    /// What the samples of a stream are by their description, so that qualities are where it says;
+    /// of samples of another size, and where it gives nothing, that is inferred. Called on one
+    /// thread.
+    std::function<std::optional<SampleLayout>(StreamKey const&)> layoutOf = {};
     /// How many threads go through streams; 0 for as many as the machine has cores. What is found
     /// does not depend on it.
     std::size_t jobs = 1;

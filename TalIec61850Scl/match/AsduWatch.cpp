@@ -1,10 +1,16 @@
 #include <TalIec61850Scl/match/AsduWatch.hpp>
+#include <TalIec61850Scl/match/BindMembers.hpp>
 #include <cstdint>
 
 namespace TalIec61850Scl::detail {
 
 using TalIec61850Analysis::AsduView;
 using TalIec61850Analysis::PacketRef;
+
+AsduWatch::AsduWatch(std::optional<SmvOptions> const& options, DataSet const* dataSet)
+    : options_(options),
+      size_(dataSet != nullptr ? sampleSize(*dataSet) : std::nullopt),
+      least_(dataSet != nullptr ? leastSampleSize(*dataSet) : 0) {}
 
 void AsduWatch::look(AsduView const& asdu, bool isCut, PacketRef packet,
                      DifferenceSet& differences) const {
@@ -13,9 +19,9 @@ void AsduWatch::look(AsduView const& asdu, bool isCut, PacketRef packet,
     }
     // A field that is cut is not set.
     std::size_t const size = asdu.seqData ? asdu.seqData->octets().size() : 0;
-    if (size_ && size != *size_ && (asdu.seqData || !isCut)) {
+    if (!isRightSize(size) && (asdu.seqData || !isCut)) {
         differences.add({.kind = DifferenceKind::memberCount,
-                         .expected = static_cast<std::int64_t>(*size_),
+                         .expected = static_cast<std::int64_t>(size_.value_or(least_)),
                          .found = static_cast<std::int64_t>(size),
                          .member = {},
                          .packet = packet});
@@ -24,7 +30,7 @@ void AsduWatch::look(AsduView const& asdu, bool isCut, PacketRef packet,
 
 void AsduWatch::compareOptions(AsduView const& asdu, bool isCut, PacketRef packet,
                                DifferenceSet& differences) const {
-    SampleOptions found = *options_;
+    SmvOptions found = *options_;
     auto const setTo = [&](bool& option, bool isThere) { option = isThere || (isCut && option); };
     setTo(found.refreshTime, asdu.refrTm.has_value());
     setTo(found.sampleRate, asdu.smpRate.has_value());

@@ -6,6 +6,7 @@
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <TalIec61850Scl/match/DifferenceSet.hpp>
 #include <TalIec61850Scl/model/ControlBlock.hpp>
+#include <TalIec61850Scl/model/DataSet.hpp>
 #include <cstddef>
 #include <optional>
 
@@ -19,9 +20,11 @@ namespace TalIec61850Scl::detail {
 class AsduWatch {
 public:
     /// @param options  as described; not set where the description has none
-    /// @param size     of seqData, in octets, as described; likewise
-    AsduWatch(std::optional<SampleOptions> const& options, std::optional<std::size_t> size)
-        : options_(options), size_(size) {}
+    /// @param dataSet  as described; null where the description has none
+    AsduWatch(std::optional<SmvOptions> const& options, DataSet const* dataSet);
+
+    /// Whether seqData is compared.
+    [[nodiscard]] bool comparesSize() const { return size_ || least_ > 0; }
 
     /// @param isCut  whether a snap length cut the frame: what is not there is not missed
     void look(TalIec61850Analysis::AsduView const& asdu, bool isCut,
@@ -31,8 +34,15 @@ private:
     void compareOptions(TalIec61850Analysis::AsduView const& asdu, bool isCut,
                         TalIec61850Analysis::PacketRef packet, DifferenceSet& differences) const;
 
-    std::optional<SampleOptions> options_;
+    [[nodiscard]] bool isRightSize(std::size_t size) const {
+        return size_ ? size == *size_ : size >= least_;
+    }
+
+    std::optional<SmvOptions> options_;
+    /// Of seqData, in octets; not set where it is not known.
     std::optional<std::size_t> size_;
+    /// What is known of it.
+    std::size_t least_ = 0;
 };
 
 }  // namespace TalIec61850Scl::detail

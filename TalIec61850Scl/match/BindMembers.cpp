@@ -73,17 +73,23 @@ private:
         }
         bool const isCut = value.fault == FaultKind::pastCapture;
         if (next_->path.size() > path_.size()) {
-            if (auto const* const inside = std::get_if<DataViews>(&value.value)) {
+            auto const* const inside = std::get_if<DataViews>(&value.value);
+            if (inside != nullptr && value.kind == groupKind()) {
                 enter(*inside, isCut);
                 return true;
             }
-        } else if (value.kind != DataKind::unreadable && !isCut && fits(next_->type, value)) {
+        } else if (value.kind != DataKind::unreadable && !isCut && fits(*next_, value)) {
             ++next_;
             ++binding_.bound;
             goOn();
             return true;
         }
         return end(isCut ? BindingEnd::notCaptured : BindingEnd::otherType, path_, value.kind);
+    }
+
+    /// What the value has to be that the next member is in.
+    [[nodiscard]] DataKind groupKind() const {
+        return next_->isInArray(path_.size()) ? DataKind::array : DataKind::structure;
     }
 
     /// Whether the path of the next member starts with so many steps of the one gone.

@@ -42,9 +42,10 @@ struct MemberBinding {
         DataSet const& dataSet, std::span<std::uint32_t const> path) const noexcept;
 };
 
-/// Compares the values of a GOOSE message with the members of its data set, by number, nesting and
-/// type (IEC 61850-8-1: which tag a basic type has). A member whose type is not known is bound to
-/// any value. Takes time in the number of values and members, whatever they are.
+/// Compares the values of a GOOSE message with the members of its data set, by number, nesting, in
+/// structures or arrays, and type (IEC 61850-8-1: which tag a basic type has), see `fits`. A member
+/// whose type is not known is bound to any value. Takes time in the number of values and members,
+/// whatever they are.
 ///
 /// What a snap length cut off exactly between two values of the data set itself looks like a
 /// message of fewer values.
@@ -53,9 +54,15 @@ struct MemberBinding {
 [[nodiscard]] TALIEC61850SCL_EXPORT MemberBinding
 bindMembers(DataSet const& dataSet, TalIec61850Analysis::DataViews const& allData);
 
-/// Whether a value may be of a basic type: by its kind, the bits of a bit string, and the format of
-/// a floating-point number. Any value may be of an unknown type.
+/// Whether a value may be of a basic type: by its kind, the range of numbers, the bits of a bit
+/// string, the format of a floating-point number. What makes no value of its kind is of no type,
+/// but for the unknown one, of which any value may be.
 [[nodiscard]] TALIEC61850SCL_EXPORT bool fits(BasicType type,
+                                              TalIec61850Analysis::DataView const& value) noexcept;
+
+/// Whether a value may be that of a member: by its basic type, and of texts and octets by the
+/// length that its type has as a number: VisString32, Octet6.
+[[nodiscard]] TALIEC61850SCL_EXPORT bool fits(DataSetMember const& member,
                                               TalIec61850Analysis::DataView const& value) noexcept;
 
 /// Which octets of a sample are which member of a data set.
@@ -77,5 +84,8 @@ struct SampleBinding {
 /// Octets that the members of a data set take in a sample; not set where the width of a type is not
 /// known.
 [[nodiscard]] TALIEC61850SCL_EXPORT std::optional<std::size_t> sampleSize(DataSet const& dataSet);
+
+/// Octets that they take at least: those members whose type has a known width.
+[[nodiscard]] TALIEC61850SCL_EXPORT std::size_t leastSampleSize(DataSet const& dataSet);
 
 }  // namespace TalIec61850Scl

@@ -59,6 +59,15 @@ std::optional<std::size_t> sampleSize(DataSet const& dataSet) {
     return size;
 }
 
+std::size_t leastSampleSize(DataSet const& dataSet) {
+    std::size_t size = 0;
+    for (DataSetMember const& member : dataSet.members) {
+        auto const type = sampleTypeOf(member.type);
+        size += type ? sizeOf(*type) : 0;
+    }
+    return size;
+}
+
 std::optional<SampleBinding> bindSamples(DataSet const& dataSet, std::size_t size) {
     if (sampleSize(dataSet) != size) {
         return std::nullopt;

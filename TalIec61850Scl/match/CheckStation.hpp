@@ -45,19 +45,19 @@ enum class DifferenceKind : std::uint8_t {
     noASDU,      ///< ASDUs in a frame
     options,     ///< the optional fields of an ASDU, as far as SmvOpts and ASDUs tell them
     maxTime,     ///< a message came later after the one before than it may, by more than 10 % and
-                 ///< 1 ms
+                 ///< 1 ms, or no more did until the captures end
 };
 
 /// A value of a difference, by its kind: MacAddress of mac; std::string of names; BasicType and
-/// DataKind of memberType; SampleOptions of options; double of smpRate, samples a second; else
+/// DataKind of memberType; SmvOptions of options; double of smpRate, samples a second; else
 /// std::int64_t, nanoseconds of maxTime. Not set where there is none.
 ///
-/// Where a message has a value that should be a structure, the BasicType is `structure`. Options
-/// that cannot be seen, or need not be there, are found as they are described. maxTime is the
-/// longest interval.
+/// Where a message has a value that should be a structure, the BasicType is `structure`; where it
+/// should be an array, the DataKind is `array`. Options that cannot be seen, or need not be there,
+/// are found as they are described. maxTime is the longest interval.
 using DifferenceValue =
     std::variant<std::monostate, std::int64_t, double, std::string, TalIec61850Analysis::MacAddress,
-                 BasicType, TalIec61850Analysis::DataKind, SampleOptions>;
+                 BasicType, TalIec61850Analysis::DataKind, SmvOptions>;
 
 /// One difference between a stream and its description. Each kind is told once for a row.
 struct Difference {
@@ -69,7 +69,8 @@ struct Difference {
     DifferenceValue found;
     /// Of memberType: the path of the value; else empty.
     std::vector<std::uint32_t> member;
-    /// The packet that shows it, of the stream of the row.
+    /// The packet that shows it, of the stream of the row: of maxTime the one after the interval,
+    /// and the last one where none came after it.
     std::optional<TalIec61850Analysis::PacketRef> packet;
 
     /// Member by member.
@@ -116,7 +117,8 @@ struct StationCheckOptions {
 /// and a data set that a control block is said not to have.
 ///
 /// Intervals between messages are compared within files that have the stream, and over several that
-/// follow each other within 1 ms. A rate is measured over some hundred samples, or some dozen where
+/// follow each other within 1 ms; so is the time from the last message to the end of these and of
+/// files that follow them. A rate is measured over some hundred samples, or some dozen where
 /// smpCnt begins again. A control block that is sent to one subscriber and has no address is not
 /// missing where it is not there: it goes over a connection.
 ///

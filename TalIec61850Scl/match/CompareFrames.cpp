@@ -4,7 +4,6 @@
 #include <TalIec61850Analysis/packet/GooseView.hpp>
 #include <TalIec61850Analysis/packet/SvView.hpp>
 #include <TalIec61850Scl/match/AsduWatch.hpp>
-#include <TalIec61850Scl/match/BindMembers.hpp>
 #include <TalIec61850Scl/match/CompareFrames.hpp>
 #include <TalIec61850Scl/match/FileCourse.hpp>
 #include <TalIec61850Scl/match/MemberWatch.hpp>
@@ -47,9 +46,7 @@ public:
                 members_.emplace(*described_.dataSet);
             }
         } else {
-            sampleSize_ =
-                described_.dataSet != nullptr ? sampleSize(*described_.dataSet) : std::nullopt;
-            asdus_.emplace(described_.block.options, sampleSize_);
+            asdus_.emplace(described_.block.options, described_.dataSet);
         }
     }
 
@@ -74,7 +71,7 @@ public:
         bool const isMembersDone =
             described_.isGoose()
                 ? !members_ || (has(DifferenceKind::memberCount) && has(DifferenceKind::memberType))
-                : !sampleSize_ || has(DifferenceKind::memberCount);
+                : !asdus_->comparesSize() || has(DifferenceKind::memberCount);
         bool const areOptionsDone =
             described_.isGoose() || !described_.block.options || has(DifferenceKind::options);
         bool const isPriorityDone = !hasPriority(described_) || has(DifferenceKind::vlanPriority);
@@ -108,7 +105,6 @@ private:
     std::optional<MemberWatch> members_;
     /// Of SV.
     std::optional<AsduWatch> asdus_;
-    std::optional<std::size_t> sampleSize_;
 };
 
 /// The frames of a file that hold packets, each read once.

@@ -43,6 +43,24 @@ std::vector<CapturedTime> capturedTimes(DescribedStream const& described) {
     return times;
 }
 
+/// Until when files go on that follow each other without a hole, whatever streams they have.
+std::int64_t followedUntil(DescribedStream const& described, std::int64_t end) {
+    std::vector<CapturedTime> files;
+    for (auto const& file : described.index.files()) {
+        if (file.summary.first && file.summary.last) {
+            files.emplace_back(file.summary.first->time_since_epoch().count(),
+                               file.summary.last->time_since_epoch().count());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    for (CapturedTime const& file : files) {
+        if (file.first >= end && file.first - end <= kSeam) {
+            end = file.second;
+        }
+    }
+    return end;
+}
+
 bool isTooLong(std::int64_t interval, std::int64_t maxTime) {
     std::int64_t const late = interval - maxTime;
     return late > maxTime / kPartLate && late > kLateness;
@@ -61,6 +79,7 @@ void compareIntervals(DescribedStream const& described, DifferenceSet& differenc
     std::optional<std::int64_t> last;
     std::int64_t longest = 0;
     PacketRef after;
+    PacketRef lastPacket;
     described.stream.visit({}, [&](PacketRef const& packet) {
         auto const& packets = described.stream.parts[packet.part].packets;
         if (packets.flags()[packet.packet].isCopy()) {
@@ -76,7 +95,17 @@ void compareIntervals(DescribedStream const& described, DifferenceSet& differenc
             after = packet;
         }
         last = time;
+        lastPacket = packet;
     });
+    // A publisher that fell silent.
+    bool const isCaptured = last && around != captured.end() && around->first <= *last;
+    if (isCaptured) {
+        std::int64_t const silence = followedUntil(described, around->second) - *last;
+        if (silence > longest) {
+            longest = silence;
+            after = lastPacket;
+        }
+    }
     if (isTooLong(longest, *maxTime)) {
         differences.add({.kind = DifferenceKind::maxTime,
                          .expected = *maxTime,

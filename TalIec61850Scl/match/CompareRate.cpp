@@ -95,6 +95,16 @@ std::optional<DeclaredRate> rateIn(StreamAttributes const& attributes, SampleRat
                         .unit = smpMod != nullptr ? unitOf(*smpMod).value_or(unit) : unit};
 }
 
+/// Whether packets say the rate that is described. A number without a unit may be in the unit of
+/// the description, or of a period, as smpMod says where it is not sent.
+bool saysRate(StreamAttributes const& attributes, DeclaredRate const& rate) {
+    auto const inUnit = [&](SampleRateUnit unit) {
+        auto const found = rateIn(attributes, unit);
+        return found && agree(rate, *found);
+    };
+    return inUnit(rate.unit) || inUnit(SampleRateUnit::samplesPerPeriod);
+}
+
 Difference differenceOf(double expected, DifferenceValue const& found, PacketRef packet) {
     return {.kind = DifferenceKind::smpRate,
             .expected = expected,
@@ -109,11 +119,10 @@ std::optional<Difference> findElement(DescribedStream const& described, Declared
     for (std::uint32_t part = 0; part < parts.size(); ++part) {
         for (auto const& change : parts[part].changes) {
             StreamAttributes const& attributes = described.index.attributes(parts[part], change);
-            auto const found = rateIn(attributes, rate.unit);
-            bool const isSame = !attributes.smpRate || (found && agree(rate, *found));
-            if (isSame) {
+            if (!attributes.smpRate || saysRate(attributes, rate)) {
                 continue;
             }
+            auto const found = rateIn(attributes, rate.unit);
             PacketRef const packet{.part = part, .packet = change.firstPacket};
             if (!found) {
                 return differenceOf(rate.at(kFrequencies[0]), {}, packet);

@@ -1,5 +1,6 @@
 #include <TalIec61850Scl/match/MatchStreams.hpp>
 #include <TalIec61850Scl/match/WireName.hpp>
+#include <algorithm>
 #include <array>
 #include <span>
 #include <unordered_map>
@@ -13,6 +14,8 @@ using TalIec61850Analysis::StreamKey;
 using TalIec61850Analysis::StreamKeyHash;
 using TalIec61850Analysis::TrafficIndex;
 using TalIec61850Analysis::TrafficStream;
+
+using KeyPointers = std::vector<StreamKey const*>;
 
 /// Parts of a key.
 struct KeyParts {
@@ -65,6 +68,12 @@ bool hasParts(StreamKey const& key, KeyParts parts) {
     return !(parts.name && key.name.empty()) && !(parts.address && !key.destination);
 }
 
+/// Whether two keys have these parts, and both the same.
+bool hasInCommon(StreamKey const& one, StreamKey const& other, KeyParts parts) {
+    return hasParts(one, parts) && hasParts(other, parts) &&
+           partsOf(one, parts) == partsOf(other, parts);
+}
+
 /// What the streams of a control block have for a key. Without MAC or APPID, it has no address.
 StreamKey describedKey(ControlBlock const& block) {
     StreamKey made;
@@ -108,10 +117,10 @@ private:
 
 class StreamMatcher {
 public:
-    StreamMatcher(TrafficIndex const& index, StationDescription const& station)
-        : streams_(index.streams()),
+    StreamMatcher(KeyPointers keys, StationDescription const& station)
+        : keys_(std::move(keys)),
           blocks_(station.controlBlocks),
-          matches_(streams_.size()),
+          matches_(keys_.size()),
           isTaken_(blocks_.size(), false) {}
 
     std::vector<std::optional<StreamMatch>> run() {
@@ -125,8 +134,8 @@ private:
     void match(MatchRound const& round) {
         SharedBlocks blocks = blocksFor(round);
         std::unordered_map<StreamKey, std::size_t, StreamKeyHash> found;
-        for (std::size_t stream = 0; stream < streams_.size(); ++stream) {
-            StreamKey const& key = streams_[stream].key;
+        for (std::size_t stream = 0; stream < keys_.size(); ++stream) {
+            StreamKey const& key = *keys_[stream];
             if (matches_[stream] || !hasParts(key, round.key)) {
                 continue;
             }
@@ -159,7 +168,7 @@ private:
         isTaken_[block] = true;
     }
 
-    std::span<TrafficStream const> streams_;
+    KeyPointers keys_;
     std::vector<ControlBlock> const& blocks_;
     std::vector<std::optional<StreamMatch>> matches_;
     /// By control block: whether it has a stream.
@@ -170,23 +179,51 @@ private:
 
 std::vector<std::optional<StreamMatch>> matchStreams(TrafficIndex const& index,
                                                      StationDescription const& station) {
-    return StreamMatcher(index, station).run();
+    KeyPointers keys;
+    keys.reserve(index.streams().size());
+    for (TrafficStream const& stream : index.streams()) {
+        keys.push_back(&stream.key);
+    }
+    return StreamMatcher(std::move(keys), station).run();
+}
+
+std::vector<std::optional<StreamMatch>> matchStreams(std::span<StreamKey const> streams,
+                                                     StationDescription const& station) {
+    KeyPointers keys;
+    keys.reserve(streams.size());
+    for (StreamKey const& key : streams) {
+        keys.push_back(&key);
+    }
+    return StreamMatcher(std::move(keys), station).run();
 }
 
 std::optional<StreamMatch> matchStream(StreamKey const& stream, StationDescription const& station) {
     for (MatchRound const& round : kRounds) {
-        if (!hasParts(stream, round.key)) {
-            continue;
-        }
-        StreamKey const wanted = partsOf(stream, round.key);
+        std::optional<StreamMatch> match;
         for (std::size_t block = 0; block < station.controlBlocks.size(); ++block) {
-            StreamKey const key = describedKey(station.controlBlocks[block]);
-            if (hasParts(key, round.key) && partsOf(key, round.key) == wanted) {
-                return StreamMatch{.controlBlock = block, .by = round.by};
+            if (!hasInCommon(stream, describedKey(station.controlBlocks[block]), round.key)) {
+                continue;
             }
+            if (match) {
+                return std::nullopt;
+            }
+            match = StreamMatch{.controlBlock = block, .by = round.by};
+            if (round.by == MatchedBy::name) {
+                break;
+            }
+        }
+        if (match) {
+            return match;
         }
     }
     return std::nullopt;
+}
+
+bool mayBeOf(StreamKey const& stream, ControlBlock const& block) {
+    StreamKey const described = describedKey(block);
+    return std::any_of(kRounds.begin(), kRounds.end(), [&](MatchRound const& round) {
+        return hasInCommon(stream, described, round.key);
+    });
 }
 
 }  // namespace TalIec61850Scl

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace TalIec61850Scl {
@@ -40,11 +41,24 @@ struct StreamMatch {
 [[nodiscard]] TALIEC61850SCL_EXPORT std::vector<std::optional<StreamMatch>> matchStreams(
     TalIec61850Analysis::TrafficIndex const& index, StationDescription const& station);
 
+/// The same for streams without an index.
+/// @param streams  each once; in the order of their keys, the result is that of an index of them
+/// @param station  the description
+/// @return one for each stream, in their order; not set where none is described
+[[nodiscard]] TALIEC61850SCL_EXPORT std::vector<std::optional<StreamMatch>> matchStreams(
+    std::span<TalIec61850Analysis::StreamKey const> streams, StationDescription const& station);
+
 /// Finds the control block of a single stream, without regard to others: by name, of several the
-/// one with its address and VLAN; else by address, the first of several. All control blocks are
-/// gone through: for many streams, matchStreams is faster.
-/// @return not set where none is described
+/// one with its address and VLAN; else by address, where only one control block has it. All control
+/// blocks are gone through: for many streams, matchStreams is faster, and knows which control
+/// blocks have a stream by their names.
+/// @return not set where none is described, or which one cannot be told
 [[nodiscard]] TALIEC61850SCL_EXPORT std::optional<StreamMatch> matchStream(
     TalIec61850Analysis::StreamKey const& stream, StationDescription const& station);
+
+/// Whether a stream may be of a control block, by name or by address, whatever other streams and
+/// control blocks there are. Of the others, matchStreams never gives it one.
+[[nodiscard]] TALIEC61850SCL_EXPORT bool mayBeOf(TalIec61850Analysis::StreamKey const& stream,
+                                                 ControlBlock const& block);
 
 }  // namespace TalIec61850Scl

@@ -1,15 +1,14 @@
 #include <TalIec61850Scl/match/BindMembers.hpp>
 #include <TalIec61850Scl/match/MemberWatch.hpp>
-#include <TalIec61850Scl/match/MessageMake.hpp>
+#include <cstdint>
 #include <iterator>
-#include <utility>
 
 namespace TalIec61850Scl::detail {
 
 namespace {
 
+using TalIec61850Analysis::DataKind;
 using TalIec61850Analysis::DataViews;
-using TalIec61850Analysis::Octets;
 using TalIec61850Analysis::PacketRef;
 
 std::int64_t countValues(DataViews const& allData) {
@@ -26,8 +25,11 @@ DifferenceValue expectedAt(DataSet const& dataSet, MemberBinding const& binding)
         return {};
     }
     DataSetMember const& member = dataSet.members[binding.bound];
-    bool const isInside = member.path.size() > binding.endPath.size();
-    return isInside ? BasicType::structure : member.type;
+    if (member.path.size() <= binding.endPath.size()) {
+        return member.type;
+    }
+    return member.isInArray(binding.endPath.size()) ? DifferenceValue(DataKind::array)
+                                                    : DifferenceValue(BasicType::structure);
 }
 
 }  // namespace
@@ -36,23 +38,18 @@ void MemberWatch::look(std::optional<DataViews> const& allData, bool isCut, Pack
                        DifferenceSet& differences) {
     if (isCut) {
         if (allData) {
-            compare(*allData, true, packet, differences);
+            compare(*allData, bindMembers(dataSet_, *allData), true, packet, differences);
         }
         return;
     }
     DataViews const values = allData.value_or(DataViews());
-    Octets const octets = values.octets();
-    if (!before_ || !isSameMake(*before_, octets)) {
-        compare(values, false, packet, differences);
+    if (binder_.bind(values)) {
+        compare(values, *binder_.binding(), false, packet, differences);
     }
-    if (!before_) {
-        before_.emplace();
-    }
-    before_->assign(octets.begin(), octets.end());
 }
 
-void MemberWatch::compare(DataViews const& allData, bool isCut, PacketRef packet,
-                          DifferenceSet& differences) const {
+void MemberWatch::compare(DataViews const& allData, MemberBinding const& binding, bool isCut,
+                          PacketRef packet, DifferenceSet& differences) const {
     std::int64_t const count = countValues(allData);
     bool const isCount = count == dataSet_.entries;
     if (!isCount && (!isCut || count > dataSet_.entries)) {
@@ -63,7 +60,6 @@ void MemberWatch::compare(DataViews const& allData, bool isCut, PacketRef packet
                          .packet = packet});
         return;
     }
-    MemberBinding binding = bindMembers(dataSet_, allData);
     bool const isLeftOut =
         isCut && binding.end == BindingEnd::fewerValues && binding.endPath.front() >= count;
     if (binding.end == BindingEnd::none || binding.end == BindingEnd::notCaptured || isLeftOut) {
@@ -72,7 +68,7 @@ void MemberWatch::compare(DataViews const& allData, bool isCut, PacketRef packet
     differences.add({.kind = DifferenceKind::memberType,
                      .expected = expectedAt(dataSet_, binding),
                      .found = binding.found ? DifferenceValue(*binding.found) : DifferenceValue(),
-                     .member = std::move(binding.endPath),
+                     .member = binding.endPath,
                      .packet = packet});
 }
 

@@ -3,11 +3,10 @@
 // Internal: the values of GOOSE messages, compared with the data set.
 
 #include <TalIec61850Analysis/packet/DataView.hpp>
-#include <TalIec61850Analysis/packet/Octets.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
 #include <TalIec61850Scl/match/DifferenceSet.hpp>
+#include <TalIec61850Scl/match/MessageBinder.hpp>
 #include <TalIec61850Scl/model/DataSet.hpp>
-#include <cstdint>
 #include <optional>
 
 namespace TalIec61850Scl::detail {
@@ -20,7 +19,7 @@ namespace TalIec61850Scl::detail {
 class MemberWatch {
 public:
     /// @param dataSet  outlives this
-    explicit MemberWatch(DataSet const& dataSet) : dataSet_(dataSet) {}
+    explicit MemberWatch(DataSet const& dataSet) : dataSet_(dataSet), binder_(dataSet) {}
 
     /// @param allData  of the message; not set where it has none
     /// @param isCut    whether a snap length cut it: values that are not there are not missed
@@ -28,12 +27,13 @@ public:
               TalIec61850Analysis::PacketRef packet, DifferenceSet& differences);
 
 private:
-    void compare(TalIec61850Analysis::DataViews const& allData, bool isCut,
-                 TalIec61850Analysis::PacketRef packet, DifferenceSet& differences) const;
+    void compare(TalIec61850Analysis::DataViews const& allData, MemberBinding const& binding,
+                 bool isCut, TalIec61850Analysis::PacketRef packet,
+                 DifferenceSet& differences) const;
 
     DataSet const& dataSet_;
-    /// The values of the message before; not set before the first.
-    std::optional<TalIec61850Analysis::OctetString> before_;
+    /// Of messages that are whole.
+    MessageBinder binder_;
 };
 
 }  // namespace TalIec61850Scl::detail

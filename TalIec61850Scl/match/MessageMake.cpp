@@ -2,6 +2,8 @@
 #include <TalIec61850Analysis/packet/Elements.hpp>
 #include <TalIec61850Scl/match/MessageMake.hpp>
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <vector>
 
@@ -27,20 +29,57 @@ bool isGroup(ElementView const& element) {
     return kind == DataKind::structure || kind == DataKind::array;
 }
 
-/// Whether the first octet and the size say what a value is, not what it holds: that of a bit
-/// string counts bits, that of a floating-point number tells its format.
-bool hasWidth(ElementView const& element) {
-    DataKind const kind = element.tag ? kindOf(*element.tag) : DataKind::unreadable;
-    return kind == DataKind::bitString || kind == DataKind::floatingPoint;
+/// How much of a number only repeats its sign, so that it has room in fewer octets.
+struct SignPart {
+    std::uint8_t octet = 0;
+    std::size_t octets = 0;
+    bool isNextBitSet = false;
+
+    friend bool operator==(SignPart const&, SignPart const&) = default;
+};
+
+/// @param number  not empty
+SignPart signPartOf(Octets number) {
+    constexpr std::uint8_t kNegative = 0xFF;
+    constexpr std::uint8_t kHighBit = 0x80;
+    std::uint8_t const first = number.front();
+    SignPart part;
+    if (first == 0 || first == kNegative) {
+        auto const next = std::ranges::find_if(number, [&](auto octet) { return octet != first; });
+        part.octet = first;
+        part.octets = static_cast<std::size_t>(next - number.begin());
+    }
+    part.isNextBitSet = part.octets < number.size() && (number[part.octets] & kHighBit) != 0;
+    return part;
 }
 
-bool isSameWidth(Octets one, Octets other) {
-    return one.size() == other.size() && (one.empty() || one.front() == other.front());
+/// Whether a type has room for both numbers or for none. All have room for one octet.
+/// @param other  of the same size
+bool isSameRange(Octets one, Octets other) {
+    return one.size() < 2 || signPartOf(one) == signPartOf(other);
+}
+
+/// Of two values of one kind, that are not structures or arrays. The first octet of a bit string
+/// counts bits, that of a floating-point number tells its format.
+bool isSameWidth(DataKind kind, Octets one, Octets other) {
+    if (one.size() != other.size()) {
+        return false;
+    }
+    switch (kind) {
+        case DataKind::bitString:
+        case DataKind::floatingPoint:
+            return one.empty() || one.front() == other.front();
+        case DataKind::integer:
+        case DataKind::unsignedNumber:
+            return isSameRange(one, other);
+        default:
+            return true;
+    }
 }
 
 bool isSameType(ElementView const& one, ElementView const& other) {
     return one.tag == other.tag && one.fault == other.fault &&
-           (!hasWidth(one) || isSameWidth(one.octets, other.octets));
+           (isGroup(one) || (one.tag && isSameWidth(kindOf(*one.tag), one.octets, other.octets)));
 }
 
 }  // namespace

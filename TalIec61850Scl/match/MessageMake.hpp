@@ -7,8 +7,8 @@
 namespace TalIec61850Scl::detail {
 
 /// Whether members bind to both messages in the same way, whatever they are: the values are as
-/// many, are nested in the same way, have the same tags, and bit strings and floating-point numbers
-/// have the same width. Equal octets are seen at once.
+/// many, are nested in the same way, have the same tags, and take as many octets; numbers are in
+/// the same range, bit strings have as many bits. Equal octets are seen at once.
 /// @param allData, other  the octets of the values, all of them captured
 [[nodiscard]] bool isSameMake(TalIec61850Analysis::Octets allData,
                               TalIec61850Analysis::Octets other);

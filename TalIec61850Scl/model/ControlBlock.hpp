@@ -39,7 +39,7 @@ enum class SampleRateUnit : std::uint8_t {
 };
 
 /// Which optional fields an ASDU has (SmvOpts).
-struct SampleOptions {
+struct SmvOptions {
     bool refreshTime = false;         ///< refrTm
     bool sampleSynchronized = false;  ///< smpSynch; edition 2 fixes it at true
     bool sampleRate = false;          ///< smpRate
@@ -49,7 +49,7 @@ struct SampleOptions {
     bool synchSourceId = false;       ///< gmIdentity
 
     /// Member by member.
-    friend bool operator==(SampleOptions const&, SampleOptions const&) = default;
+    friend bool operator==(SmvOptions const&, SmvOptions const&) = default;
 };
 
 /// How the access point of a publisher is attached (redProt).
@@ -118,7 +118,7 @@ struct ControlBlock {
     /// SV: ASDUs in a frame. Not set where the description does not say.
     std::optional<std::uint32_t> nofASDU;
     /// SV: which optional fields there are. Not set where there is no SmvOpts.
-    std::optional<SampleOptions> options;
+    std::optional<SmvOptions> options;
     /// SV: false where it is sent to one subscriber, and so never seen by its multicast address.
     bool multicast = true;
     /// How the access point is attached.

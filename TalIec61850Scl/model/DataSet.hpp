@@ -2,6 +2,7 @@
 
 #include <TalIec61850Scl/model/BasicType.hpp>
 #include <TalIec61850Scl/model/Diagnostic.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,6 +25,9 @@ struct MemberScale {
 struct DataSetMember {
     /// Where it is in a message: by index from 0, that of the FCDA first, then inside it.
     std::vector<std::uint32_t> path;
+    /// Which of the values that it is in are arrays; the others are structures. The lowest bit is
+    /// that of the outermost value.
+    std::uint64_t arrays = 0;
     /// Its reference in its IED: LD0/PTRC1.Op.general. With brackets where it is an element of an
     /// array: LD0/MHAI1.HA.phsAHar(3).mag.f
     std::string name;
@@ -41,6 +45,13 @@ struct DataSetMember {
     std::string unit;
     /// Not set where the description has none.
     std::optional<MemberScale> scale;
+
+    /// Whether the value at the first steps of the path is an array.
+    /// @param steps  less than the path has, from 1
+    [[nodiscard]] bool isInArray(std::size_t steps) const noexcept {
+        constexpr std::size_t kMost = 64;
+        return steps > 0 && steps <= kMost && (arrays >> (steps - 1) & 1U) != 0;
+    }
 
     /// Member by member.
     friend bool operator==(DataSetMember const&, DataSetMember const&) = default;

@@ -94,6 +94,8 @@ bool MemberWalk::listAll(Listing& listing, WalkPlace const& from, WalkPlace cons
     TypePart const& part = *place.part;
     if (part.count && !place.isElement) {
         std::size_t const size = listing.name.size();
+        std::uint64_t const arrays = listing.arrays;
+        listing.arrays |= std::uint64_t{1} << (listing.path.size() - 1);
         for (std::uint32_t index = 0; index < *part.count; ++index) {
             listing.name.append("(").append(indexText(index)).append(")");
             listing.path.push_back(index);
@@ -104,6 +106,7 @@ bool MemberWalk::listAll(Listing& listing, WalkPlace const& from, WalkPlace cons
                 return false;
             }
         }
+        listing.arrays = arrays;
         return true;
     }
     if (part.isCompound() && part.type && !isCut) {
@@ -165,6 +168,7 @@ bool MemberWalk::addValue(Listing& listing, WalkPlace const& place, bool isKnown
     }
     DataSetMember& member = listing.members.emplace_back();
     member.path = listing.path;
+    member.arrays = listing.arrays;
     member.name = listing.name;
     member.fc = listing.constraintText;
     member.desc = text;

@@ -69,6 +69,8 @@ private:
         std::vector<DataSetMember>& members;
         std::vector<std::uint32_t> path;
         std::string name;
+        /// As in DataSetMember.
+        std::uint64_t arrays = 0;
     };
 
     bool listAll(Listing& listing, WalkPlace const& from, WalkPlace const& place, bool isCut);

@@ -9,7 +9,7 @@ namespace TalIec61850Scl::detail {
 
 namespace {
 
-SampleOptions readOptions(Element options, bool isEdition2) {
+SmvOptions readOptions(Element options, bool isEdition2) {
     auto const has = [&](std::string_view name) { return options.flagIn(name).value_or(false); };
     return {.refreshTime = has("refreshTime"),
             .sampleSynchronized = options.flagIn("sampleSynchronized").value_or(isEdition2),

@@ -53,7 +53,7 @@ Names sampleFields(bool isLong) {
 /// With what a description adds.
 std::map<std::string, Names> layouts() {
     StreamNames noNames(std::nullopt, {});
-    return {{"events", fieldNames(eventRowLayout(Format::json))},
+    return {{"events", fieldNames(eventRowLayout(Format::json, true))},
             {"samples", sampleFields(false)},
             {"samples --long", sampleFields(true)},
             {"samples --summary", fieldNames(sampleSummaryLayout(Format::json))},

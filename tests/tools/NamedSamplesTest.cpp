@@ -10,6 +10,7 @@
 #include "tools/DescribedStation.hpp"
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
+#include "tools/names/ChannelNames.hpp"
 
 namespace TalTest {
 namespace {
@@ -61,6 +62,28 @@ TEST(NamedSamples, AreOfTheLayoutThatIsDescribed) {
         EXPECT_EQ(rows[i]["values"][1].get<float>(),
                   static_cast<float>(toReal(WaveMember::float32, expected[i].values[1])));
     }
+}
+
+TEST(NamedSamples, HaveTheUsualUnitWhereTheScaleHasNone) {
+    TalIec61850Scl::DataSet dataSet;
+    for (std::uint32_t channel = 0; channel < 8; ++channel) {
+        TalIec61850Scl::DataSetMember value;
+        value.name = std::string(channel < 4 ? "LD0/TCTR1.Amp" : "LD0/TVTR1.Vol") + ".instMag.i";
+        value.type = TalIec61850Scl::BasicType::int32;
+        value.scale = {.factor = 0.5, .offset = 0};
+        dataSet.members.push_back(value);
+        TalIec61850Scl::DataSetMember quality;
+        quality.type = TalIec61850Scl::BasicType::quality;
+        dataSet.members.push_back(quality);
+    }
+    dataSet.members[2].unit = "kA";
+    auto const binding = TalIec61850Scl::bindSamples(dataSet, 64);
+    ASSERT_TRUE(binding.has_value());
+    auto const meanings = TalIec61850Tools::meaningsOf(dataSet, *binding);
+    ASSERT_EQ(meanings.size(), 8U);
+    EXPECT_EQ(meanings[0].unit, "A");
+    EXPECT_EQ(meanings[1].unit, "kA");
+    EXPECT_EQ(meanings[7].unit, "V");
 }
 
 TEST(NamedSamples, HaveNamesInRowsOfAChannel) {

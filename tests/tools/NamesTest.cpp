@@ -6,6 +6,7 @@
 #include "support/TempFile.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/DescribedStation.hpp"
+#include "tools/SclTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
 namespace TalTest {
@@ -87,6 +88,92 @@ TEST(NamedStreams, AreKnownByTheirAddressToo) {
     EXPECT_EQ(rowsOf(station.command({"streams"})).at(0)["ied"], "RELAY1");
     auto const shown = rowsOf(station.command({"show"})).at(0)["goose"]["allData"];
     EXPECT_EQ(shown[0]["name"], kTripName);
+}
+
+/// Another stream, to where RELAY1 sends.
+Bytes strangerFrame(std::string const& gocbRef) {
+    GooseMessage message;
+    message.gocbRef = gocbRef;
+    message.setData({dataBoolean(true)});
+    return gooseFrame(Ethernet().from("02:00:00:00:00:77"), message);
+}
+
+/// A message of RELAY1 and one of another stream that goes to the same address.
+Bytes relay1AndStranger() {
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    capture.add(1'700'000'000, 0, gooseFrame(Ethernet(), relay1Message(1, false)));
+    capture.add(1'700'000'000, 1000, strangerFrame("STRANGER"));
+    return capture.bytes();
+}
+
+TEST(NamedStreams, OfOneAddressAreThoseOfControlBlocksWithoutAStreamOfTheirName) {
+    // gcb2 has the address of gcb1, and its stream a wrong name.
+    std::string const description =
+        replaced(describedStation(), "01-0C-CD-01-00-02</P><P type='APPID'>0002",
+                 "01-0C-CD-01-00-01</P><P type='APPID'>0001");
+    Described const station(relay1AndStranger(), description);
+    for (Json const& row : rowsOf(station.command({"streams"}))) {
+        EXPECT_EQ(row["ied"], row["gocbRef"] == kGcb1 ? "RELAY1" : "RELAY2");
+    }
+    auto const shown = rowsOf(station.command({"show"}, {"--gocbref", "STRANGER"}));
+    EXPECT_EQ(shown.at(0)["goose"]["allData"][0]["name"], "LD0/PTRC2.Tr.general");
+    auto const selected = rowsOf(station.command({"show"}, {"--ied", "RELAY2"}));
+    ASSERT_EQ(selected.size(), 1U);
+    EXPECT_EQ(selected[0]["goose"]["gocbRef"], "STRANGER");
+}
+
+TEST(NamedStreams, AreNoneOfAControlBlockThatHasAStreamOfItsName) {
+    Described const station(relay1AndStranger());
+    auto const results = rowsOf({"scl", "check", "--fail-on", "none", "--result", "unexpected",
+                                 station.station(), station.capture()});
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(results[0]["gocbRef"], "STRANGER");
+    for (Arguments const& selected : {Arguments{}, Arguments{"--gocbref", "STRANGER"}}) {
+        auto const row = rowsOf(station.command({"streams"}, selected)).back();
+        EXPECT_EQ(row["gocbRef"], "STRANGER");
+        EXPECT_TRUE(row["ied"].is_null());
+        EXPECT_TRUE(row["controlBlock"].is_null());
+    }
+    for (auto const* command : {"streams", "packets", "show"}) {
+        auto const rows = rowsOf(station.command({command}, {"--ied", "RELAY1"}));
+        ASSERT_EQ(rows.size(), 1U) << command;
+        Json const& of = rows[0].contains("goose") ? rows[0]["goose"] : rows[0];
+        EXPECT_EQ(of["gocbRef"], kGcb1) << command;
+    }
+}
+
+TEST(NamedStreams, OfOneSvIdHaveAControlBlockEach) {
+    std::string const address =
+        "<SMV ldInst='LD0' cbName='msv1'><Address><P "
+        "type='MAC-Address'>01-0C-CD-04-00-01</P><P "
+        "type='APPID'>4000</P></Address></SMV>";
+    std::string const twin =
+        "<DataSet name='ds4'><FCDA ldInst='LD0' prefix='UnnA' lnClass='TVTR' "
+        "lnInst='1' doName='Vol' daName='instMag.f' fc='MX'/></DataSet>";
+    std::string const description = replaced(
+        replaced(replaced(describedStation(), address, ""), "<DataSet name='ds3'>",
+                 twin + "<DataSet name='ds3'>"),
+        "<SampledValueControl name='msv1'",
+        "<SampledValueControl name='msv0' smvID='MU01' datSet='ds4' confRev='1' smpRate='80' "
+        "nofASDU='1'/><SampledValueControl name='msv1'");
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (std::string const last : {"1", "2"}) {
+        capture.add(1'700'000'000, last == "1" ? 0U : 1000U,
+                    svFrame(svEthernet().to("01:0c:cd:04:00:0" + last), SvMessage()));
+    }
+    Described const station(capture.bytes(), description);
+    auto const rows = rowsOf(station.command({"streams"}));
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0]["controlBlock"], "MU01LD0/LLN0$MS$msv0");
+    EXPECT_EQ(rows[1]["controlBlock"], "MU01LD0/LLN0$MS$msv1");
+}
+
+TEST(NamedStreams, AreLookedUpByThemselvesWhileTheyAreFollowed) {
+    Described const station(relay1AndStranger());
+    auto const rows = rowsOf(station.command({"packets", "-F", "--idle", "10ms"}));
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0]["ied"], "RELAY1");
+    EXPECT_EQ(rows[1]["ied"], "RELAY1");
 }
 
 TEST(IedOption, SelectsTheStreamsOfAnIed) {
@@ -226,6 +313,18 @@ TEST(NamedEvents, HaveNamesOfTheirChanges) {
     EXPECT_EQ(changedNames(rows[1]["changes"]), std::vector<std::string>{"LD0/PTRC2.Tr.general"});
 }
 
+TEST(NamedEvents, HaveIedAndControlBlockAtTheEnd) {
+    Described const station(describedTrips());
+    auto const rows = rowsOf(station.command({"events"}));
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0]["ied"], "RELAY1");
+    EXPECT_EQ(rows[0]["controlBlock"], kGcb1);
+    EXPECT_EQ(rows[1]["ied"], "RELAY2");
+    auto const heading = linesOf(runCompanion(station.command({"events", "-f", "csv"})).out).at(0);
+    EXPECT_TRUE(heading.ends_with(",file,position,ied,controlBlock")) << heading;
+    EXPECT_FALSE(rowsOf({"events", station.capture()}).at(0).contains("ied"));
+}
+
 TEST(NamedEvents, AreFoundByTheNameOfAMember) {
     Described const station(describedTrips());
     for (auto const* pattern :
@@ -339,6 +438,34 @@ TEST(NamedFindings, TellTheMember) {
         rowsOf({"check", "--fail-on", "none", "--kind", "qualityChanged", station.capture()});
     EXPECT_EQ(plain.at(0)["text"], "quality of member 2 went from good to invalid");
     EXPECT_FALSE(plain[0].contains("name"));
+}
+
+TEST(NamedFindings, AreOfQualitiesWhereTheDescriptionHasThem) {
+    // A current in two octets: nothing but the description tells where its quality is.
+    std::string const description =
+        replaced(describedStation(), "name='i' bType='INT32'", "name='i' bType='INT16'");
+    constexpr std::size_t kSize = 2 + 4 + 4 + 4;
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (std::uint16_t number = 0; number < 40; ++number) {
+        SvMessage message;
+        message.asdus.front().smpCnt = number;
+        Bytes data(kSize);
+        data[5] = number >= 20 ? 1 : 0;
+        message.asdus.front().seqData = data;
+        capture.add(1'700'000'000, number * 250'000U,
+                    svFrame(svEthernet().to("01:0c:cd:04:00:01"), message));
+    }
+    Described const station(capture.bytes(), description);
+    for (Arguments const& words :
+         {Arguments{"check"}, Arguments{"check", "-F", "--idle", "10ms"}}) {
+        auto const rows = rowsOf(
+            station.command(joined(words, {"--fail-on", "none"}), {"--kind", "qualityChanged"}));
+        ASSERT_EQ(rows.size(), 1U);
+        EXPECT_EQ(rows[0]["name"], "LD0/InnATCTR1.Amp.instMag.i");
+    }
+    EXPECT_EQ(rowsOf({"check", "--fail-on", "none", "--kind", "qualityChanged", station.capture()})
+                  .size(),
+              0U);
 }
 
 TEST(NamedFindings, AreSelectedByIed) {

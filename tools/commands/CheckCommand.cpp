@@ -90,7 +90,7 @@ public:
           names_(run_, options.common),
           criteria_(names_.asking(options.criteria)),
           // Streams that are not selected are witnesses.
-          index_(indexTraffic(run_, {}, options.common.jobs)),
+          index_(indexTraffic(run_, {}, options.common.jobs, names_.publishers())),
           wanted_(options, criteria_, options.window.resolve(spanOf(index_))),
           counts_(index_.streams().size()) {
         reportFaults(run_, index_);
@@ -121,6 +121,7 @@ public:
 private:
     void supervise() {
         SupervisionOptions options = wanted_.supervision();
+        options.layoutOf = names_.layouts();
         if (wanted_.areStreamsSelected()) {
             options.watches = [this](StreamKey const& key) {
                 auto const number = index_.find(key) - index_.streams().data();

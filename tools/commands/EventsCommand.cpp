@@ -50,7 +50,7 @@ using TalIec61850Analysis::TrafficStream;
 namespace {
 
 std::string eventsNotes() {
-    auto const fields = listFields(fieldNames(eventRowLayout(Format::json)),
+    auto const fields = listFields(fieldNames(eventRowLayout(Format::json, true)),
                                    {{"timeNs", "arrival, nanoseconds since 1970"},
                                     {"t", "of the message: when the state began"},
                                     {"delayNs", "timeNs less tNs"},
@@ -59,7 +59,8 @@ std::string eventsNotes() {
                                     {"retransmissions", "how many, listed or not"},
                                     {"timeAllowedtoLive", "milliseconds"},
                                     {"longestIntervalNs", "between two messages of the state"},
-                                    {"position", "of the goosePdu, in octets"}});
+                                    {"position", "of the goosePdu, in octets"},
+                                    {"controlBlock", "as ied, with --scl alone"}});
     return paragraph(
                "A row is a new state of a GOOSE stream: its first message that came. Rows come in "
                "the order of arrival, over all streams and files. The first message of a stream, "
@@ -113,8 +114,9 @@ public:
     EventList(CommandRun& run, EventsOptions const& options)
         : run_(run),
           options_(options),
-          writer_(run.rowWriter(
-              chooseColumns(eventRowLayout(options.common.format), options.common.columns))),
+          writer_(run.rowWriter(chooseColumns(
+              eventRowLayout(options.common.format, !options.common.descriptions.empty()),
+              options.common.columns))),
           goose_(run, options) {}
 
     ExitStatus write() {
@@ -168,6 +170,7 @@ private:
                      .names = event.changes.empty()
                                   ? MemberNames()
                                   : goose_.messages.of(event.stream, event.place.packet),
+                     .controlBlock = goose_.names.controlBlockOf(stream.key),
                      .withIeds = goose_.names.areOfSeveralIeds()};
         for (MemberChange const& change : event.changes) {
             if (meetsPattern(options_.members, memberText(change.member)) ||

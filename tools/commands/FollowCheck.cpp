@@ -24,9 +24,16 @@ namespace TalIec61850Tools {
 
 using TalIec61850Analysis::Finding;
 using TalIec61850Analysis::LiveSupervision;
+using TalIec61850Analysis::SupervisionOptions;
 using TalIec61850Analysis::TrafficIndex;
 
 namespace {
+
+SupervisionOptions supervisionOf(CheckOptions const& options, StreamNames& names) {
+    SupervisionOptions supervision = WantedFindings(options, {}, {}).supervision();
+    supervision.layoutOf = names.layouts();
+    return supervision;
+}
 
 /// Writes rows of what goes wrong.
 class FindingLines {
@@ -35,7 +42,7 @@ public:
         : run_(run),
           options_(options),
           names_(run, options.common),
-          supervision_(WantedFindings(options, {}, {}).supervision()),
+          supervision_(supervisionOf(options, names_)),
           writer_(run.rowWriter(
               chooseColumns(findingLayout(names_.areGiven()), options.common.columns))) {}
 

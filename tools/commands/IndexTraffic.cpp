@@ -16,6 +16,7 @@ using TalIec61850Analysis::CaptureSummary;
 using TalIec61850Analysis::StreamKey;
 using TalIec61850Analysis::TrafficIndex;
 using TalIec61850Analysis::TrafficOptions;
+using TalIec61850Analysis::TrafficStream;
 
 namespace {
 
@@ -41,11 +42,32 @@ std::string nameOfAll(std::vector<CaptureSource> const& captures) {
     return captures.size() == 1 ? captures.front().name : plural(captures.size(), "file");
 }
 
-TrafficIndex indexTraffic(CommandRun const& run, PacketCriteria const& criteria, std::size_t jobs) {
+TrafficIndex indexTraffic(CommandRun const& run, PacketCriteria const& criteria, std::size_t jobs,
+                          StreamPublishers* publishers) {
     TrafficOptions options{.keeps = {}, .stop = {}, .progress = {}, .jobs = jobs};
-    if (criteria != PacketCriteria()) {
-        options.keeps = [&](StreamKey const& key) { return criteria.admitKey(key); };
+    if (publishers == nullptr) {
+        if (criteria != PacketCriteria()) {
+            options.keeps = [&](StreamKey const& key) { return criteria.admitKey(key); };
+        }
+        return readCaptures(run, std::move(options));
     }
+    // Who publishes a stream is known only when all are seen.
+    PacketCriteria ofAnyIed = criteria;
+    ofAnyIed.ieds.clear();
+    options.keeps = [&](StreamKey const& key) {
+        publishers->see(key);
+        return ofAnyIed.admitKey(key) && publishers->mayBeOf(criteria.ieds, key);
+    };
+    TrafficIndex index = readCaptures(run, options);
+    auto const streams = index.streams();
+    bool const isNoneTooMany =
+        std::all_of(streams.begin(), streams.end(),
+                    [&](TrafficStream const& stream) { return criteria.admitKey(stream.key); });
+    if (isNoneTooMany) {
+        return index;
+    }
+    // Seldom: one that may have been of these IEDs is of another control block, or of none.
+    options.keeps = [&](StreamKey const& key) { return criteria.admitKey(key); };
     return readCaptures(run, std::move(options));
 }
 

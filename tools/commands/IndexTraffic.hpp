@@ -8,16 +8,20 @@
 #include "tools/commands/CommandRun.hpp"
 #include "tools/selection/CaptureTime.hpp"
 #include "tools/selection/PacketCriteria.hpp"
+#include "tools/selection/StreamPublishers.hpp"
 
 namespace TalIec61850Tools {
 
 /// Indexes the captures of a command, true to the wire, and shows progress.
-/// @param criteria  streams that they leave out are not kept
-/// @param jobs      how many files are read at a time; 0 for as many as the machine has cores
+/// @param criteria    streams that they leave out are not kept
+/// @param jobs        how many files are read at a time; 0 for as many as the machine has cores
+/// @param publishers  sees all streams, kept or not; null where nobody asks for publishers. Those
+/// of
+///                    the criteria, where these ask for IEDs
 /// @return files numbered as the captures of the run
-[[nodiscard]] TalIec61850Analysis::TrafficIndex indexTraffic(CommandRun const& run,
-                                                             PacketCriteria const& criteria,
-                                                             std::size_t jobs);
+[[nodiscard]] TalIec61850Analysis::TrafficIndex indexTraffic(
+    CommandRun const& run, PacketCriteria const& criteria, std::size_t jobs,
+    StreamPublishers* publishers = nullptr);
 
 /// The same of which no stream is kept: what the files are, alone.
 [[nodiscard]] TalIec61850Analysis::TrafficIndex surveyTraffic(CommandRun const& run,

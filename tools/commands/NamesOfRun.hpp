@@ -15,8 +15,8 @@ public:
     NamesOfRun(CommandRun& run, CommonOptions const& options);
 
     /// The criteria, where they ask for IEDs with what tells these; it must outlive them.
-    [[nodiscard]] PacketCriteria asking(PacketCriteria criteria) const {
-        criteria.station = criteria.ieds.empty() ? nullptr : station();
+    [[nodiscard]] PacketCriteria asking(PacketCriteria criteria) {
+        criteria.publishers = criteria.ieds.empty() ? nullptr : publishers();
         return criteria;
     }
 };

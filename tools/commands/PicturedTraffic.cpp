@@ -44,7 +44,7 @@ PicturedTraffic::PicturedTraffic(CommandRun& run, SampleChoice const& choice)
       described_(run, choice.common),
       criteria_(criteriaOfBoth(described_.asking(choice.criteria))),
       // Streams that are not selected tell who lost packets.
-      index_(indexTraffic(run, {}, choice.common.jobs)),
+      index_(indexTraffic(run, {}, choice.common.jobs, described_.publishers())),
       window_(choice.window.resolve(spanOf(index_))),
       messages_(index_, described_, nameOfFile()) {
     reportFaults(run, index_);
@@ -179,9 +179,10 @@ bool PicturedTraffic::isWanted(Finding const& finding) const {
                                    : window_.contains(captureTimeOf(finding.from));
 }
 
-SupervisionOptions PicturedTraffic::supervision() const {
+SupervisionOptions PicturedTraffic::supervision() {
     SupervisionOptions supervision;
     supervision.withSamples = true;
+    supervision.layoutOf = described_.layouts();
     supervision.jobs = choice_.common.jobs;
     if (areStreamsSelected()) {
         supervision.watches = [this](StreamKey const& key) { return isWanted(key); };

@@ -104,7 +104,7 @@ private:
     [[nodiscard]] bool hasPacketsInWindow() const;
     [[nodiscard]] bool areStreamsSelected() const;
     [[nodiscard]] bool isWanted(TalIec61850Analysis::Finding const& finding) const;
-    [[nodiscard]] TalIec61850Analysis::SupervisionOptions supervision() const;
+    [[nodiscard]] TalIec61850Analysis::SupervisionOptions supervision();
     [[nodiscard]] std::string nameOf(TalIec61850Analysis::TrafficStream const& stream) const;
     [[nodiscard]] std::string nameOf(TalIec61850Analysis::TrafficStream const& stream,
                                      std::vector<std::uint32_t> const& member);

@@ -61,7 +61,7 @@ struct SclCheckOptions {
     /// Empty for all.
     std::vector<StationResult> results;
     /// The least that the program fails on; not set for nothing.
-    std::optional<Severity> failOn = Severity::warning;
+    std::optional<Severity> failOn = Severity::error;
 };
 
 std::string sclCheckNotes() {
@@ -85,8 +85,8 @@ std::string sclCheckNotes() {
                "no tag and a tag with a priority alone.") +
            "\n" +
            paragraph(
-               "Exit status 3 tells that a row is no match. For --fail-on, unexpected is a "
-               "warning, missing and differs are errors. Options on streams select rows by the "
+               "Exit status 3 tells that a row is missing or differs. For --fail-on these are "
+               "errors, and unexpected is a warning. Options on streams select rows by the "
                "stream or by what is described; --ied leaves out streams that are not described.") +
            "\n" + paragraph(kContentNotes) + "\n" +
            paragraph("The fields of json and csv: " + fields + ".");
@@ -273,8 +273,8 @@ void addRowOptions(CommandDefinition& command, SclCheckOptions& options) {
     allowOnly(command, result, stationResultNames());
     CLI::Option& failOn = *command.parser->add_option_function<std::string>(
         "--fail-on", [&options](std::string const& name) { options.failOn = severityOf(name); },
-        "Exit status 3 where a row is at least this: warning (if not said): it is no match; "
-        "error: missing or differs; none");
+        "Exit status 3 where a row is at least this: error (if not said): missing or differs; "
+        "warning: unexpected too; none");
     failOn.option_text("LEVEL")->group(kRowsGroup);
     allowOnly(command, failOn, {"warning", "error", "none"});
 }
@@ -298,7 +298,7 @@ void addSclCheckCommand(ProgramDefinition& program, CommandDefinition const& gro
     command.notes = sclCheckNotes();
     command.examples = {"tal-iec61850 scl check station.scd bay1.pcap bay2.pcap",
                         "tal-iec61850 scl check --ied 'BAY1*' -f json station.scd captures/",
-                        "tal-iec61850 scl check -q --fail-on error descriptions/ bay1.pcap"};
+                        "tal-iec61850 scl check -q --fail-on warning descriptions/ bay1.pcap"};
     command.parser->callback(
         [options, &chosen] { chosen = [options] { return runSclCheck(*options); }; });
 }

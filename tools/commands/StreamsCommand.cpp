@@ -70,7 +70,7 @@ ExitStatus runStreams(StreamsOptions const& options) {
     CommandRun run(options.common);
     NamesOfRun names(run, options.common);
     PacketCriteria const criteria = names.asking(options.criteria);
-    auto const index = indexTraffic(run, criteria, options.common.jobs);
+    auto const index = indexTraffic(run, criteria, options.common.jobs, names.publishers());
     reportFaults(run, index);
     std::vector<StreamRow> rows = collectRows(index, criteria);
     for (StreamRow& row : rows) {

@@ -21,7 +21,7 @@ WantedPackets::WantedPackets(CommandRun& run, PacketOptions const& options, Name
       options_(options),
       criteria_(names.asking(options.criteria)),
       unit_(unit),
-      index_(indexTraffic(run, criteria_, options.common.jobs)),
+      index_(indexTraffic(run, criteria_, options.common.jobs, names.publishers())),
       frames_(pathsOf(run)),
       selection_(index_, wish(), [this](std::uint32_t file, std::uint64_t frameOffset) {
           return headerOf(file, frameOffset);

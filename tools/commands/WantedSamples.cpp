@@ -35,7 +35,7 @@ WantedSamples::WantedSamples(CommandRun& run, SampleChoice const& choice)
       choice_(choice),
       names_(run, choice.common),
       criteria_(names_.asking(ofSv(choice.criteria))),
-      index_(indexTraffic(run, criteria_, choice.common.jobs)) {
+      index_(indexTraffic(run, criteria_, choice.common.jobs, names_.publishers())) {
     reportFaults(run, index_);
     for (TrafficStream const& stream : index_.streams()) {
         if (!isWanted(stream)) {

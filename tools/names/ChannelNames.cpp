@@ -79,6 +79,9 @@ std::vector<ChannelMeaning> meaningsOf(DataSet const& dataSet, SampleBinding con
         if (member.scale) {
             meaning.scale = ChannelScale::of(member.scale->factor);
             meaning.scale->offset = member.scale->offset;
+            if (meaning.unit.empty() && usual != nullptr) {
+                meaning.unit = usual->unit;
+            }
         } else if (isReal && !member.unit.empty()) {
             meaning.scale = ChannelScale();
         } else if (usual != nullptr) {

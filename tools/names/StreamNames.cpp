@@ -1,8 +1,6 @@
 #include "tools/names/StreamNames.hpp"
 
-#include <TalIec61850Scl/match/MatchStreams.hpp>
 #include <utility>
-#include <variant>
 
 #include "tools/names/ChannelNames.hpp"
 
@@ -12,32 +10,13 @@ using namespace TalIec61850Analysis;
 using TalIec61850Scl::BindingEnd;
 using TalIec61850Scl::ControlBlock;
 using TalIec61850Scl::DataSet;
-using TalIec61850Scl::MemberBinding;
 
-namespace {
-
-constexpr char kGroupEnd = '\xff';
-
-/// Writes down what decides how values are bound: tags, nesting, and the widths that types differ
-/// in.
-// NOLINTNEXTLINE(misc-no-recursion): values are nested no deeper than is read
-void appendMake(DataViews const& values, std::string& make) {
-    for (DataView const& value : values) {
-        make += static_cast<char>(value.tag);
-        make += static_cast<char>(value.kind);
-        make += static_cast<char>(value.value.index());
-        make += value.fault ? '!' : ' ';
-        if (auto const* const members = std::get_if<DataViews>(&value.value)) {
-            appendMake(*members, make);
-            make += kGroupEnd;
-        } else if (auto const* const bits = std::get_if<BitStringView>(&value.value)) {
-            make += std::to_string(bits->size());
-            make += kGroupEnd;
-        }
+StreamNames::StreamNames(std::optional<TalIec61850Scl::StationDescription> station, Tell tell)
+    : station_(std::move(station)), tell_(std::move(tell)) {
+    if (station_) {
+        publishers_.emplace(*station_);
     }
 }
-
-}  // namespace
 
 StreamNames::Known& StreamNames::knownOf(StreamKey const& stream) {
     auto const [found, isNew] = known_.try_emplace(stream);
@@ -45,8 +24,8 @@ StreamNames::Known& StreamNames::knownOf(StreamKey const& stream) {
     if (!isNew || !station_) {
         return known;
     }
-    if (auto const match = TalIec61850Scl::matchStream(stream, *station_)) {
-        known.controlBlock = &station_->controlBlocks[match->controlBlock];
+    known.controlBlock = publishers_->of(stream);
+    if (known.controlBlock != nullptr) {
         auto const& dataSet = known.controlBlock->dataSet;
         known.dataSet = dataSet ? &station_->dataSets[*dataSet] : nullptr;
     }
@@ -70,28 +49,28 @@ void StreamNames::tell(Known& known, NamesEnd const& end) {
 
 MemberNames StreamNames::namesOf(StreamKey const& stream, DataViews const& allData,
                                  NamedPlace const& place) {
-    DataSet const* const dataSet = dataSetOf(stream);
-    if (dataSet == nullptr) {
+    if (!station_) {
         return {};
     }
     Known& known = knownOf(stream);
-    make_.clear();
-    appendMake(allData, make_);
-    if (known.make != make_) {
-        known.make = make_;
-        known.binding =
-            std::make_shared<MemberBinding const>(TalIec61850Scl::bindMembers(*dataSet, allData));
+    if (known.dataSet == nullptr) {
+        return {};
+    }
+    if (!known.binder) {
+        known.binder.emplace(*known.dataSet);
+    }
+    if (known.binder->bind(allData)) {
+        auto const& binding = *known.binder->binding();
         // A message that a snap length cut is as it is described, as far as anyone knows.
         bool const isOther =
-            known.binding->end != BindingEnd::none && known.binding->end != BindingEnd::notCaptured;
+            binding.end != BindingEnd::none && binding.end != BindingEnd::notCaptured;
         if (isOther) {
-            tell(known, {.stream = stream,
-                         .dataSet = *dataSet,
-                         .place = place,
-                         .binding = known.binding.get()});
+            tell(
+                known,
+                {.stream = stream, .dataSet = *known.dataSet, .place = place, .binding = &binding});
         }
     }
-    return {*dataSet, known.binding};
+    return {*known.dataSet, known.binder->binding()};
 }
 
 DescribedSamples const* StreamNames::samplesOf(StreamKey const& stream) {
@@ -125,6 +104,16 @@ DescribedSamples const* StreamNames::samplesOf(StreamKey const& stream, std::siz
                                .sampleSize = size});
     }
     return nullptr;
+}
+
+std::function<std::optional<SampleLayout>(StreamKey const&)> StreamNames::layouts() {
+    if (!station_) {
+        return {};
+    }
+    return [this](StreamKey const& stream) {
+        DescribedSamples const* const samples = samplesOf(stream);
+        return samples != nullptr ? std::optional(samples->layout) : std::nullopt;
+    };
 }
 
 void StreamNames::look(TrafficIndex const& index) {

@@ -5,11 +5,11 @@
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Scl/match/BindMembers.hpp>
+#include <TalIec61850Scl/match/MessageBinder.hpp>
 #include <TalIec61850Scl/model/StationDescription.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -19,6 +19,7 @@
 
 #include "tools/names/MemberNames.hpp"
 #include "tools/selection/ChannelMeaning.hpp"
+#include "tools/selection/StreamPublishers.hpp"
 
 namespace TalIec61850Tools {
 
@@ -50,26 +51,24 @@ struct NamesEnd {
 };
 
 /// The names that a description of the station has for streams, for the values of their messages
-/// and for their channels. A stream is recognised once, by its name, else by its address; and its
-/// values are bound once, and again where their number, nesting or types change.
+/// and for their channels. A stream is recognised once, see StreamPublishers; and its values are
+/// bound once, and again where their number, nesting or types change.
 class StreamNames {
 public:
     using Tell = std::function<void(NamesEnd const& end)>;
 
     /// @param station  not set where there is no description
     /// @param tell     told where names end, once a stream
-    StreamNames(std::optional<TalIec61850Scl::StationDescription> station, Tell tell)
-        : station_(std::move(station)), tell_(std::move(tell)) {}
+    StreamNames(std::optional<TalIec61850Scl::StationDescription> station, Tell tell);
     StreamNames(StreamNames const&) = delete;
     StreamNames& operator=(StreamNames const&) = delete;
     ~StreamNames() = default;
 
     /// Whether there is a description.
     [[nodiscard]] bool areGiven() const { return station_.has_value(); }
-    /// The description; null without one.
-    [[nodiscard]] TalIec61850Scl::StationDescription const* station() const {
-        return station_ ? &*station_ : nullptr;
-    }
+    /// Who publishes streams: all that captures have are to be seen there before any is asked for.
+    /// Null without a description.
+    [[nodiscard]] StreamPublishers* publishers() { return publishers_ ? &*publishers_ : nullptr; }
 
     /// What publishes a stream; null where it is not described.
     [[nodiscard]] TalIec61850Scl::ControlBlock const* controlBlockOf(
@@ -94,6 +93,12 @@ public:
     [[nodiscard]] DescribedSamples const* samplesOf(TalIec61850Analysis::StreamKey const& stream,
                                                     std::size_t size, NamedPlace const& place);
 
+    /// The layout of the samples of a stream, as it is described in full; empty without a
+    /// description. It refers to these names.
+    [[nodiscard]] std::function<
+        std::optional<TalIec61850Analysis::SampleLayout>(TalIec61850Analysis::StreamKey const&)>
+    layouts();
+
     /// Looks at which IEDs are in play.
     void look(TalIec61850Analysis::TrafficIndex const& index);
     /// Whether these were several.
@@ -106,9 +111,7 @@ private:
         TalIec61850Scl::DataSet const* dataSet = nullptr;
         bool isTold = false;
         // GOOSE.
-        /// What the values of the message were like that was bound.
-        std::optional<std::string> make = {};
-        std::shared_ptr<TalIec61850Scl::MemberBinding const> binding = {};
+        std::optional<TalIec61850Scl::MessageBinder> binder = {};
         // SV.
         bool isBound = false;
         std::optional<DescribedSamples> samples = {};
@@ -118,12 +121,11 @@ private:
     void tell(Known& known, NamesEnd const& end);
 
     std::optional<TalIec61850Scl::StationDescription> station_;
+    std::optional<StreamPublishers> publishers_;
     Tell tell_;
     std::unordered_map<TalIec61850Analysis::StreamKey, Known, TalIec61850Analysis::StreamKeyHash>
         known_;
     std::set<std::string> ieds_;
-    /// Of the message that is looked at.
-    std::string make_;
 };
 
 }  // namespace TalIec61850Tools

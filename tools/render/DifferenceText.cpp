@@ -22,7 +22,7 @@ using TalIec61850Scl::BasicType;
 using TalIec61850Scl::DataSetMember;
 using TalIec61850Scl::DifferenceKind;
 using TalIec61850Scl::DifferenceValue;
-using TalIec61850Scl::SampleOptions;
+using TalIec61850Scl::SmvOptions;
 
 using Json = nlohmann::ordered_json;
 
@@ -60,7 +60,7 @@ struct ValueToJson {
     Json operator()(MacAddress const& address) const { return toText(address); }
     Json operator()(BasicType type) const { return typeText(of, type); }
     Json operator()(DataKind kind) const { return toText(kind); }
-    Json operator()(SampleOptions const& options) const {
+    Json operator()(SmvOptions const& options) const {
         Json list = Json::array();
         for (std::string_view const name : namesOf(options)) {
             list.push_back(name);
@@ -88,7 +88,7 @@ struct ValueToText {
     std::string operator()(MacAddress const& address) const { return toText(address); }
     std::string operator()(BasicType type) const { return typeText(of, type); }
     std::string operator()(DataKind kind) const { return std::string(toText(kind)); }
-    std::string operator()(SampleOptions const& options) const {
+    std::string operator()(SmvOptions const& options) const {
         auto const names = namesOf(options);
         return names.empty() ? "none" : fmt::format("{}", fmt::join(names, " "));
     }
@@ -127,7 +127,7 @@ std::string labelOf(DescribedDifference const& difference) {
 }
 
 /// "refreshTime not described, sampleRate missing"
-std::string optionsText(SampleOptions const& expected, SampleOptions const& found) {
+std::string optionsText(SmvOptions const& expected, SmvOptions const& found) {
     auto const described = namesOf(expected);
     auto const seen = namesOf(found);
     std::string text;
@@ -161,8 +161,8 @@ DataSetMember const* DescribedDifference::member() const {
 }
 
 std::string differenceText(DescribedDifference const& difference) {
-    auto const* const expected = std::get_if<SampleOptions>(&difference.difference->expected);
-    auto const* const found = std::get_if<SampleOptions>(&difference.difference->found);
+    auto const* const expected = std::get_if<SmvOptions>(&difference.difference->expected);
+    auto const* const found = std::get_if<SmvOptions>(&difference.difference->found);
     if (expected != nullptr && found != nullptr) {
         return fmt::format("{}: {}", labelOf(difference), optionsText(*expected, *found));
     }

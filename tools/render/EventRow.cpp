@@ -13,6 +13,7 @@
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/Cells.hpp"
 #include "tools/render/DataText.hpp"
+#include "tools/render/DescribingFields.hpp"
 #include "tools/render/PacketJson.hpp"
 #include "tools/render/QualityText.hpp"
 #include "tools/render/ValueText.hpp"
@@ -175,9 +176,14 @@ Cell eventLocatorCell(Event row) {
 
 }  // namespace
 
-RowLayout<EventRow> eventRowLayout(Format format) {
+RowLayout<EventRow> eventRowLayout(Format format, bool areDescribed) {
     constexpr std::size_t kLeastChanges = 16;
     RowLayout<EventRow> layout{.fields = fieldsOfEvents(format), .columns = {}};
+    if (areDescribed) {
+        auto const describing =
+            describingFields<EventRow>([](Event r) { return r.controlBlock; }, eventStream);
+        layout.fields.insert(layout.fields.end(), describing.begin(), describing.end());
+    }
     auto const column = [&](std::string_view field, Heading heading) {
         return columnOf(layout.fields, field, std::move(heading));
     };

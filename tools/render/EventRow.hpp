@@ -2,6 +2,7 @@
 
 #include <TalIec61850Analysis/events/GooseEvent.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <TalIec61850Scl/model/ControlBlock.hpp>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ struct EventRow {
     std::vector<TalIec61850Analysis::MemberChange const*> changes;
     /// Those of the values of its message.
     MemberNames names = {};
+    /// What publishes the stream; null where it is not described.
+    TalIec61850Scl::ControlBlock const* controlBlock = nullptr;
     /// Whether texts for people have the IED in front of a name.
     bool withIeds = false;
 
@@ -60,6 +63,13 @@ struct EventRow {
 ///     nextNs              integer    how long after
 ///     file                text       the capture as it was given
 ///     position            integer    offset in the file of the goosePdu
-[[nodiscard]] RowLayout<EventRow> eventRowLayout(Format format);
+///
+/// With a description, at the end:
+///
+///     ied                 text       what publishes the stream
+///     controlBlock        text       its control block, as described
+///
+/// @param areDescribed  whether streams are looked up in a description
+[[nodiscard]] RowLayout<EventRow> eventRowLayout(Format format, bool areDescribed = false);
 
 }  // namespace TalIec61850Tools

@@ -71,27 +71,6 @@ std::vector<std::string> namesOf(std::vector<ChannelMeaning> const& meanings) {
     return names;
 }
 
-/// The names of channels that are described at the places where others were inferred: of the
-/// quality, else of the value.
-std::vector<std::string> namesByPlace(SampleLayout const& inferred,
-                                      DescribedSamples const& described) {
-    std::map<std::size_t, std::string> byPlace;
-    auto const channels = described.layout.channels();
-    for (std::size_t i = 0; i < channels.size(); ++i) {
-        std::string const& name = described.channels[i].name;
-        byPlace.emplace(channels[i].offset, name);
-        if (channels[i].qualityOffset) {
-            byPlace.emplace(*channels[i].qualityOffset, name);
-        }
-    }
-    std::vector<std::string> names;
-    for (SampleChannel const& channel : inferred.channels()) {
-        auto const found = byPlace.find(channel.qualityOffset.value_or(channel.offset));
-        names.push_back(found == byPlace.end() ? std::string() : found->second);
-    }
-    return names;
-}
-
 /// The quality that a finding's number is.
 std::string qualityWords(Finding const& finding, std::int64_t bits) {
     auto const word = static_cast<std::uint32_t>(bits);
@@ -452,7 +431,8 @@ std::string FindingText::ofCounters(Finding const& finding) const {
     }
 }
 
-/// The names of the channels of a stream, by their numbers in the layout that is inferred.
+/// The names of the channels of a stream, by their numbers in the layout that supervision goes by:
+/// the one described, else the one inferred.
 std::vector<std::string> const& FindingText::channelNames(std::size_t stream) {
     auto const [known, isNew] = channels_.try_emplace(stream);
     if (!isNew) {
@@ -461,10 +441,11 @@ std::vector<std::string> const& FindingText::channelNames(std::size_t stream) {
     TrafficStream const& of = index_.streams()[stream];
     DescribedSamples const* const described = names_.samplesOf(of.key);
     try {
-        for (StreamLayout const& layout : findLayouts(index_, of)) {
+        auto const given = described != nullptr ? std::optional(described->layout) : std::nullopt;
+        for (StreamLayout const& layout : findLayouts(index_, of, given)) {
             if (layout.found.layout && known->second.empty()) {
-                known->second = described != nullptr && layout.dataSize == described->layout.size()
-                                    ? namesByPlace(*layout.found.layout, *described)
+                known->second = layout.found.layout == given
+                                    ? namesOf(described->channels)
                                     : namesOf(meaningsOf(*layout.found.layout));
             }
         }

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <TalIec61850Scl/match/MatchStreams.hpp>
 #include <algorithm>
 #include <array>
 #include <concepts>
@@ -16,6 +15,7 @@
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/AddressText.hpp"
 #include "tools/render/Cells.hpp"
+#include "tools/selection/StreamPublishers.hpp"
 
 namespace TalIec61850Tools {
 
@@ -56,10 +56,9 @@ std::optional<std::uint64_t> confRevOf(StreamRow const& row) {
 }
 
 /// The IED that publishes a stream.
-Texts iedsOf(StreamRow const& row, TalIec61850Scl::StationDescription const* station) {
-    auto const match =
-        station != nullptr ? TalIec61850Scl::matchStream(row.key(), *station) : std::nullopt;
-    return match ? Texts{station->controlBlocks[match->controlBlock].ied} : Texts();
+Texts iedsOf(StreamRow const& row, StreamPublishers* publishers) {
+    auto const* const publisher = publishers != nullptr ? publishers->of(row.key()) : nullptr;
+    return publisher != nullptr ? Texts{publisher->ied} : Texts();
 }
 
 /// One of the criteria, with the values that streams have for it.
@@ -97,7 +96,7 @@ public:
         add("--goid", criteria.goIDs, [](Row r) { return textsOf(r.goID); });
         add("--confrev", texts(criteria.confRevs), [](Row r) { return textsOf(confRevOf(r)); });
         add("--ied", criteria.ieds,
-            [station = criteria.station](Row r) { return iedsOf(r, station); });
+            [publishers = criteria.publishers](Row r) { return iedsOf(r, publishers); });
     }
 
     [[nodiscard]] std::vector<Criterion> const& given() const { return given_; }

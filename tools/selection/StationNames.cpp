@@ -10,8 +10,8 @@ using TalIec61850Analysis::Severity;
 using TalIec61850Scl::BasicType;
 using TalIec61850Scl::DifferenceKind;
 using TalIec61850Scl::RedundancyProtocol;
-using TalIec61850Scl::SampleOptions;
 using TalIec61850Scl::SampleRateUnit;
+using TalIec61850Scl::SmvOptions;
 using TalIec61850Scl::StationResult;
 using TalIec61850Scl::SubscriptionSource;
 
@@ -57,7 +57,7 @@ std::string_view toText(RedundancyProtocol redundancy) { return nameIn(kRedundan
 std::string_view toText(SampleRateUnit unit) { return nameIn(kRateUnits, unit); }
 std::string_view toText(BasicType type) { return nameIn(kBasicTypes, type); }
 
-std::vector<std::string_view> namesOf(SampleOptions const& options) {
+std::vector<std::string_view> namesOf(SmvOptions const& options) {
     std::vector<std::string_view> names;
     auto const add = [&](bool isSet, std::string_view name) {
         if (isSet) {

@@ -31,7 +31,7 @@ namespace TalIec61850Tools {
 [[nodiscard]] std::string_view toText(TalIec61850Scl::BasicType type);
 
 /// The names of those that are set, as the attributes of SmvOpts: refreshTime, sampleSynchronized.
-[[nodiscard]] std::vector<std::string_view> namesOf(TalIec61850Scl::SampleOptions const& options);
+[[nodiscard]] std::vector<std::string_view> namesOf(TalIec61850Scl::SmvOptions const& options);
 
 /// The names of all results, in their order.
 [[nodiscard]] std::vector<std::string> stationResultNames();

@@ -2,8 +2,9 @@
 
 #include <fnmatch.h>
 
-#include <TalIec61850Scl/match/MatchStreams.hpp>
 #include <algorithm>
+
+#include "tools/selection/StreamPublishers.hpp"
 
 namespace TalIec61850Tools {
 
@@ -32,9 +33,8 @@ bool StreamCriteria::admitIed(TalIec61850Analysis::StreamKey const& key) const {
     if (ieds.empty()) {
         return true;
     }
-    auto const match =
-        station != nullptr ? TalIec61850Scl::matchStream(key, *station) : std::nullopt;
-    return match && meetsPattern(ieds, station->controlBlocks[match->controlBlock].ied);
+    auto const* const publisher = publishers != nullptr ? publishers->of(key) : nullptr;
+    return publisher != nullptr && meetsPattern(ieds, publisher->ied);
 }
 
 bool meetsPattern(std::vector<std::string> const& wanted, std::optional<std::string> const& name) {

@@ -2,13 +2,14 @@
 
 #include <TalIec61850Analysis/packet/FrameHeader.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
-#include <TalIec61850Scl/model/StationDescription.hpp>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace TalIec61850Tools {
+
+class StreamPublishers;
 
 using Protocol = TalIec61850Analysis::StreamProtocol;
 using TalIec61850Analysis::MacAddress;
@@ -35,7 +36,7 @@ struct StreamCriteria {
     std::vector<std::string> ieds;
     /// What tells which IED publishes a stream; null where nothing asks for it. It must outlive the
     /// criteria.
-    TalIec61850Scl::StationDescription const* station = nullptr;
+    StreamPublishers* publishers = nullptr;
 
     /// Whether a stream is published by an IED that is wanted.
     [[nodiscard]] bool admitIed(TalIec61850Analysis::StreamKey const& key) const;

@@ -97,6 +97,47 @@ TEST(SampleContents, TellsAQualityThatIsBadFromTheFirstOn) {
     EXPECT_EQ(lineOf(findings[0], station), "qualityChanged MU01 #0");
 }
 
+TEST(SampleContents, TellsQualitiesWhereTheDescriptionHasThem) {
+    struct Described {
+        std::vector<SampleType> members;
+        /// The last octet of the second channel's quality.
+        std::size_t place;
+    };
+    for (Described const& described :
+         {Described{
+              {SampleType::int16, SampleType::quality, SampleType::int16, SampleType::quality}, 11},
+          Described{{SampleType::int32, SampleType::quality, SampleType::timestamp,
+                     SampleType::int32, SampleType::quality, SampleType::timestamp},
+                    23}}) {
+        SampleLayout const layout(described.members);
+        auto station = asduStation();
+        changeAsdusFrom(station, 0, [&](Asdu& asdu) { asdu.seqData = Bytes(layout.size()); });
+        changeAsdusFrom(station, 100, [&](Asdu& asdu) { (*asdu.seqData)[described.place] = 1; });
+        SupervisionOptions options = kWithAsdus;
+        options.layoutOf = [&](StreamKey const& key) {
+            return key.name == "MU01" ? std::optional(layout) : std::nullopt;
+        };
+        auto const findings = findingsIn(station.captures(), options);
+        ASSERT_EQ(findings.size(), 1U);
+        EXPECT_EQ(lineOf(findings[0], station), "qualityChanged MU01 #100");
+        EXPECT_EQ(findings[0].member, std::vector<std::uint32_t>{1});
+    }
+}
+
+TEST(SampleContents, InfersSamplesOfAnotherSizeThanDescribed) {
+    auto station = asduStation();
+    changeAsdusFrom(station, 100, [](Asdu& asdu) {
+        std::vector<Sample> channels(8, Sample{1000, 0});
+        channels[5].second = 1;
+        asdu.seqData = samples(channels);
+    });
+    SupervisionOptions options = kWithAsdus;
+    options.layoutOf = [](StreamKey const&) {
+        return std::optional(SampleLayout({SampleType::int16, SampleType::quality}));
+    };
+    EXPECT_EQ(foundIn(station, options), (Lines{"qualityChanged MU01 #100"}));
+}
+
 TEST(SampleContents, TakesNoValuesForQualities) {
     auto station = asduStation();
     std::size_t number = 0;

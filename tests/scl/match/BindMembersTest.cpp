@@ -113,10 +113,35 @@ TEST(BindMembers, EndsAtAStructureInPlaceOfAValueAndTheOtherWay) {
               DataKind::boolean);
 }
 
-TEST(BindMembers, EntersArraysAsStructures) {
+TEST(BindMembers, TellsArraysFromStructures) {
     auto values = describedValues();
-    values[2] = dataArray({dataInteger(7), dataBitString({0x80}, 6), dataUtcTime(kDescribedStart)});
-    expectEnd(bindValues(exampleSet(), values).binding, 6, BindingEnd::none, {}, std::nullopt);
+    Bytes const inside =
+        concat({dataInteger(7), dataBitString({0x80}, 6), dataUtcTime(kDescribedStart)});
+    values[2] = ber(0xA1, inside);
+    expectEnd(bindValues(exampleSet(), values).binding, 2, BindingEnd::otherType, {2},
+              DataKind::array);
+    DataSet withArray = exampleSet();
+    for (std::size_t i = 2; i < 5; ++i) {
+        withArray.members[i].arrays = 1;
+    }
+    expectEnd(bindValues(withArray, values).binding, 6, BindingEnd::none, {}, std::nullopt);
+    values[2] = ber(0xA2, inside);
+    expectEnd(bindValues(withArray, values).binding, 2, BindingEnd::otherType, {2},
+              DataKind::structure);
+}
+
+TEST(BindMembers, TellsArraysInsideOfStructures) {
+    DataSet dataSet;
+    dataSet.members = {memberOf({0, 0, 0}, BasicType::int32),
+                       memberOf({0, 0, 1}, BasicType::int32)};
+    for (DataSetMember& member : dataSet.members) {
+        member.arrays = 2;
+    }
+    Bytes const both = concat({dataInteger(1), dataInteger(2)});
+    expectEnd(bindValues(dataSet, {dataStructure({ber(0xA1, both)})}).binding, 2, BindingEnd::none,
+              {}, std::nullopt);
+    expectEnd(bindValues(dataSet, {dataStructure({ber(0xA2, both)})}).binding, 0,
+              BindingEnd::otherType, {0, 0}, DataKind::structure);
 }
 
 TEST(BindMembers, BindsAMemberOfUnknownTypeToAnyValue) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <TalIec61850Scl/match/MessageMake.hpp>
 #include <algorithm>
 #include <utility>
 
@@ -37,6 +38,7 @@ Bytes valueOf(BasicType type) {
         case BasicType::int128:
             return ber(0x85, bigEndian(1, 12));
         case BasicType::int8u:
+            return dataUnsigned(static_cast<std::uint64_t>(any(256)));
         case BasicType::int32u:
             return dataUnsigned(static_cast<std::uint64_t>(any(100'000)));
         case BasicType::float32:
@@ -193,6 +195,23 @@ RC_GTEST_PROP(BindProperty, EndsWhereAValueIsLeftOutOrAdded, ()) {
     RC_ASSERT(fewer.bound == values.size());
     RC_ASSERT(fewer.end == BindingEnd::fewerValues);
     RC_ASSERT(fewer.endPath == Path{dataSet.entries});
+}
+
+RC_GTEST_PROP(BindProperty, IsTheSameForMessagesOfOneMake, ()) {
+    DataSet const dataSet = anyDataSet();
+    GooseMessage const message = messageOf(dataSet, anyValues(dataSet));
+    GooseMessage other = messageOf(dataSet, anyValues(dataSet));
+    auto const place = *rc::gen::inRange<std::size_t>(0, other.allData->size());
+    if (*rc::gen::arbitrary<bool>()) {
+        (*other.allData)[place] = *rc::gen::arbitrary<std::uint8_t>();
+    }
+    if (TalIec61850Scl::detail::isSameMake(*message.allData, *other.allData)) {
+        MemberBinding const one = bindMessage(dataSet, message);
+        MemberBinding const two = bindMessage(dataSet, other);
+        RC_ASSERT(one.bound == two.bound);
+        RC_ASSERT(one.end == two.end);
+        RC_ASSERT(one.endPath == two.endPath);
+    }
 }
 
 RC_GTEST_PROP(BindProperty, TakesWhateverOctets, ()) {

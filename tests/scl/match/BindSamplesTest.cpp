@@ -86,6 +86,13 @@ TEST(BindSamples, BindsNothingWithATypeOfUnknownWidth) {
     }
 }
 
+TEST(BindSamples, KnowsWhatMembersOfKnownWidthTakeAtLeast) {
+    EXPECT_EQ(leastSampleSize(setOf({BasicType::int32, BasicType::unknown, BasicType::quality})),
+              8U);
+    EXPECT_EQ(leastSampleSize(setOf({BasicType::unknown})), 0U);
+    EXPECT_EQ(leastSampleSize(describedSv().dataSets[0]), 32U);
+}
+
 TEST(BindSamples, TakesNoMembersForNoOctets) {
     EXPECT_EQ(sampleSize({}), 0U);
     EXPECT_TRUE(bindSamples({}, 0).has_value());

@@ -373,6 +373,64 @@ TEST(CheckGoose, ComparesIntervalsOverFilesThatFollowEachOther) {
     EXPECT_EQ(CheckedStation(describedGoose(), {first, second}).lines(), SclLines{kGooseMatch});
 }
 
+/// What is captured beside GOOSE.
+DescribedFrame otherFrame(std::int64_t time) {
+    return {.time = time, .octets = ethernetFrame(Ethernet(), 0x0806, Bytes(46))};
+}
+
+TEST(CheckGoose, FindsAPublisherThatFallsSilent) {
+    // The last of three messages comes after 200 ms.
+    auto frames = gooseFrames(3);
+    frames.push_back(otherFrame(310'000'000));
+    EXPECT_EQ(checkLines(describedGoose(), frames), SclLines{kGooseMatch});
+    frames.push_back(otherFrame(310'000'001));
+    EXPECT_EQ(checkLines(describedGoose(), frames),
+              SclLines{gooseDiffers("maxTime 100000000 != 110000001 @0.2")});
+}
+
+TEST(CheckGoose, FindsAPublisherThatFallsSilentBeforeOtherFiles) {
+    std::vector<DescribedFrame> const second = {otherFrame(200'500'000), otherFrame(700'000'000)};
+    std::vector<DescribedFrame> const third = {otherFrame(700'900'000), otherFrame(1'200'000'000)};
+    EXPECT_EQ(CheckedStation(describedGoose(), {gooseFrames(3), third, second}).lines(),
+              SclLines{gooseDiffers("maxTime 100000000 != 1000000000 @0.2")});
+    // Files that do not follow may be of another network.
+    EXPECT_EQ(CheckedStation(describedGoose(), {gooseFrames(3), third}).lines(),
+              SclLines{kGooseMatch});
+}
+
+TEST(CheckGoose, TellsArraysFromStructures) {
+    auto values = describedValues();
+    Bytes const inside =
+        concat({dataInteger(7), dataBitString({0x80}, 6), dataUtcTime(kDescribedStart)});
+    values[2] = ber(0xA1, inside);
+    EXPECT_EQ(checkValues(values),
+              SclLines{gooseDiffers("memberType [2] " + typeOf(BasicType::structure) +
+                                    " != " + kindText(DataKind::array) + " @0.2")});
+    auto station = describedGoose();
+    for (std::size_t i = 2; i < 5; ++i) {
+        station.dataSets[0].members[i].arrays = 1;
+    }
+    EXPECT_EQ(checkLines(station, gooseFrames(2)),
+              SclLines{gooseDiffers("memberType [2] " + kindText(DataKind::array) +
+                                    " != " + kindText(DataKind::structure) + " @0.0")});
+}
+
+TEST(CheckGoose, FindsANumberBeyondItsTypeInOneMessageAlone) {
+    auto station = describedGoose();
+    station.dataSets[0].members[2].type = BasicType::int8;
+    EXPECT_EQ(checkAfter(
+                  [](std::size_t number, Ethernet&, GooseMessage& message) {
+                      auto values = describedValues();
+                      values[2] =
+                          dataStructure({ber(0x85, {static_cast<std::uint8_t>(number == 4), 0x2C}),
+                                         dataBitString({0x80}, 6), dataUtcTime(kDescribedStart)});
+                      message.setData(values);
+                  },
+                  station),
+              SclLines{gooseDiffers("memberType [2.0] " + typeOf(BasicType::int8) +
+                                    " != " + kindText(DataKind::integer) + " @0.4")});
+}
+
 TEST(CheckGoose, TellsTheFirstPacketOfADifferenceOverFiles) {
     auto const frames =
         gooseFrames(6, [](std::size_t number, Ethernet& ethernet, GooseMessage& message) {

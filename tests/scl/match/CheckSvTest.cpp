@@ -34,7 +34,7 @@ SclLines checkAllAsdus(std::function<void(Asdu&)> const& change,
                       }));
 }
 
-StationDescription withOptions(std::function<void(SampleOptions&)> const& change) {
+StationDescription withOptions(std::function<void(SmvOptions&)> const& change) {
     auto station = describedSv();
     change(*station.controlBlocks[0].options);
     return station;
@@ -69,7 +69,7 @@ TEST(CheckSv, FindsAnotherPriority) {
 }
 
 TEST(CheckSv, TakesADataSetThatIsNotNamedForTheDescribedOne) {
-    auto const station = withOptions([](SampleOptions& options) { options.dataSet = true; });
+    auto const station = withOptions([](SmvOptions& options) { options.dataSet = true; });
     EXPECT_EQ(checkAllAsdus([](Asdu& asdu) { asdu.datSet = "MU1LD0/LLN0$PhsMeas1"; }, station),
               SclLines{kSvMatch});
     EXPECT_EQ(checkAllAsdus([](Asdu& asdu) { asdu.datSet = "MU1LD0/LLN0$else"; }, station),
@@ -122,7 +122,7 @@ TEST(CheckSv, FindsOptionalFieldsThatAreNotDescribed) {
 }
 
 TEST(CheckSv, FindsDescribedFieldsThatAreNotThere) {
-    auto const station = withOptions([](SampleOptions& options) {
+    auto const station = withOptions([](SmvOptions& options) {
         options = {.refreshTime = true,
                    .sampleSynchronized = true,
                    .sampleRate = true,
@@ -184,7 +184,7 @@ TEST(CheckSv, FindsDescribedFieldsThatAreNotThere) {
 
 TEST(CheckSv, AsksForSmpSynchOnlyWhereItIsDescribed) {
     auto const station =
-        withOptions([](SampleOptions& options) { options.sampleSynchronized = false; });
+        withOptions([](SmvOptions& options) { options.sampleSynchronized = false; });
     EXPECT_EQ(checkLines(station, svFrames(3)), SclLines{kSvMatch});
     EXPECT_EQ(checkAllAsdus([](Asdu& asdu) { asdu.smpSynch.reset(); }, station),
               SclLines{kSvMatch});
@@ -194,9 +194,20 @@ TEST(CheckSv, AsksForSmpSynchOnlyWhereItIsDescribed) {
               SclLines{kSvMatch});
 }
 
+TEST(CheckSv, FindsSamplesShorterThanTheTypesThatAreKnown) {
+    auto station = describedSv();
+    station.dataSets[0].members[3].type = BasicType::unknown;
+    auto const ofSize = [&](std::size_t size) {
+        return checkAsdus([=](Asdu& asdu) { asdu.seqData = Bytes(size); }, station);
+    };
+    EXPECT_EQ(ofSize(28), SclLines{kSvMatch});
+    EXPECT_EQ(ofSize(40), SclLines{kSvMatch});
+    EXPECT_EQ(ofSize(27), SclLines{svDiffers("memberCount 28 != 27 @0.2")});
+}
+
 /// The description of samples that say their rate.
 StationDescription withRate(std::uint32_t rate, SampleRateUnit unit) {
-    auto station = withOptions([](SampleOptions& options) { options.sampleRate = true; });
+    auto station = withOptions([](SmvOptions& options) { options.sampleRate = true; });
     station.controlBlocks[0].smpRate = rate;
     station.controlBlocks[0].smpRateUnit = unit;
     return station;
@@ -233,6 +244,10 @@ TEST(CheckSv, ComparesRatesOfTwoUnits) {
     EXPECT_EQ(checkAllAsdus(declaring(4000, 1), perSecond), SclLines{kSvMatch});
     EXPECT_EQ(checkAllAsdus(declaring(80, 0), perSecond), SclLines{kSvMatch});
     EXPECT_EQ(checkAllAsdus(declaring(4000), perSecond), SclLines{kSvMatch});
+    // Without smpMod it may be of a period.
+    EXPECT_EQ(checkAllAsdus(declaring(80), perSecond), SclLines{kSvMatch});
+    EXPECT_EQ(checkAllAsdus(declaring(96), perSecond),
+              SclLines{svDiffers("smpRate 4000 != 96 @0.0")});
     EXPECT_EQ(checkAllAsdus(declaring(4000, 0), perSecond),
               SclLines{svDiffers("smpRate 4000 != 200000 @0.0")});
     auto const slow = withRate(5, SampleRateUnit::secondsPerSample);
@@ -345,7 +360,7 @@ TEST(CheckSv, TellsApartTheStreamsOfOneFrame) {
 }
 
 TEST(CheckSv, MissesNothingThatASnapLengthCutOff) {
-    auto const station = withOptions([](SampleOptions& options) {
+    auto const station = withOptions([](SmvOptions& options) {
         options.refreshTime = true;
         options.synchSourceId = true;
     });

@@ -41,7 +41,7 @@ char const* wordOf(DifferenceKind kind) {
     return kWords[static_cast<std::size_t>(kind)];
 }
 
-std::string textOf(SampleOptions const& options) {
+std::string textOf(SmvOptions const& options) {
     std::string text = "{";
     auto const add = [&](bool is, char const* name) { text += is ? name : ""; };
     add(options.refreshTime, " refrTm");
@@ -75,7 +75,7 @@ std::string textOf(DifferenceValue const& value) {
             } else if constexpr (std::is_same_v<Held, DataKind>) {
                 text << "kind" << static_cast<int>(held);
             } else if constexpr (std::is_same_v<Held, MacAddress> ||
-                                 std::is_same_v<Held, SampleOptions>) {
+                                 std::is_same_v<Held, SmvOptions>) {
                 text << textOf(held);
             } else {
                 text << held;
@@ -180,7 +180,7 @@ StationDescription describedSv() {
                      .maxTime = {}};
     block.smpRate = 80;
     block.nofASDU = 1;
-    block.options = SampleOptions();
+    block.options = SmvOptions();
     block.options->sampleSynchronized = true;
     station.controlBlocks = {block};
     return station;

@@ -79,7 +79,7 @@ TEST(Fits, AsksForTheBitsOfBitStrings) {
         EXPECT_EQ(fitting(type), Names{"84/2"});
     }
     EXPECT_EQ(fitting(BasicType::quality), Names{"84/13"});
-    EXPECT_EQ(fitting(BasicType::bitString), (Names{"84/2", "84/8", "84/13", "84/16", "84/none"}));
+    EXPECT_EQ(fitting(BasicType::bitString), (Names{"84/2", "84/8", "84/13", "84/16"}));
 }
 
 TEST(Fits, AsksForTheTagOfTimesAndTexts) {
@@ -90,7 +90,85 @@ TEST(Fits, AsksForTheTagOfTimesAndTexts) {
     EXPECT_EQ(fitting(BasicType::currency), Names{"8a"});
     EXPECT_EQ(fitting(BasicType::unicodeString), (Names{"8a", "90"}));
     EXPECT_EQ(fitting(BasicType::octetString), Names{"89"});
-    EXPECT_EQ(fitting(BasicType::structure), (Names{"a1", "a2"}));
+    EXPECT_EQ(fitting(BasicType::structure), Names{"a2"});
+}
+
+bool fitsOctets(BasicType type, Bytes const& octets) {
+    Elements const elements(octets);
+    return fits(type, viewData(*elements.begin()));
+}
+
+/// Whether a member of a type, by its text, may have this value.
+bool fitsMember(std::string const& bType, Bytes const& octets) {
+    DataSetMember member = memberOf({0}, basicTypeOf(bType));
+    member.bType = bType;
+    Elements const elements(octets);
+    return fits(member, viewData(*elements.begin()));
+}
+
+TEST(Fits, AsksForTheRangeOfNumbers) {
+    struct Range {
+        BasicType type;
+        std::int64_t least;
+        std::int64_t greatest;
+    };
+    for (Range const& range :
+         {Range{BasicType::int8, -128, 127}, Range{BasicType::int16, -32'768, 32'767},
+          Range{BasicType::int24, -8'388'608, 8'388'607},
+          Range{BasicType::int32, -2'147'483'648, 2'147'483'647}}) {
+        EXPECT_TRUE(fitsOctets(range.type, dataInteger(range.least)));
+        EXPECT_TRUE(fitsOctets(range.type, dataInteger(range.greatest)));
+        EXPECT_FALSE(fitsOctets(range.type, dataInteger(range.least - 1)));
+        EXPECT_FALSE(fitsOctets(range.type, dataInteger(range.greatest + 1)));
+    }
+    for (Range const& range :
+         {Range{BasicType::int8u, 0, 255}, Range{BasicType::int16u, 0, 65'535},
+          Range{BasicType::int24u, 0, 16'777'215}, Range{BasicType::int32u, 0, 4'294'967'295}}) {
+        auto const greatest = static_cast<std::uint64_t>(range.greatest);
+        EXPECT_TRUE(fitsOctets(range.type, dataUnsigned(greatest)));
+        EXPECT_FALSE(fitsOctets(range.type, dataUnsigned(greatest + 1)));
+    }
+    Bytes const widest = ber(0x85, Bytes(9, 0x11));
+    EXPECT_FALSE(fitsOctets(BasicType::int64, widest));
+    EXPECT_FALSE(fitsOctets(BasicType::enumerated, widest));
+    EXPECT_TRUE(fitsOctets(BasicType::int128, widest));
+    EXPECT_FALSE(fitsOctets(BasicType::int128, ber(0x85, Bytes(17, 0x11))));
+}
+
+TEST(Fits, TakesNumbersInMoreOctetsThanTheyNeed) {
+    EXPECT_TRUE(fitsOctets(BasicType::int8, ber(0x85, {0, 0, 0, 0, 5})));
+    EXPECT_TRUE(fitsOctets(BasicType::int8, ber(0x85, {0xFF, 0x80})));
+    EXPECT_TRUE(fitsOctets(BasicType::int8u, ber(0x86, {0, 0, 0xFF})));
+    EXPECT_FALSE(fitsOctets(BasicType::int8, ber(0x85, {0x01, 0x2C})));
+    EXPECT_FALSE(fitsOctets(BasicType::int8u, ber(0x86, {0x01, 0x2C})));
+}
+
+TEST(Fits, TakesUnsignedNumbersWithoutTheOctetOfZerosInFront) {
+    EXPECT_TRUE(fitsOctets(BasicType::int8u, ber(0x86, {0xFF})));
+    EXPECT_TRUE(fitsOctets(BasicType::int32u, ber(0x86, {0xFF, 0, 0, 0})));
+    EXPECT_FALSE(fitsOctets(BasicType::int8u, ber(0x86, {0x80, 0})));
+}
+
+TEST(Fits, TakesNoOctetsThatMakeNoValue) {
+    EXPECT_FALSE(fitsOctets(BasicType::boolean, ber(0x83, {0, 1})));
+    EXPECT_FALSE(fitsOctets(BasicType::boolean, ber(0x83, {})));
+    EXPECT_FALSE(fitsOctets(BasicType::timestamp, ber(0x91, {1, 2, 3, 4, 5})));
+    EXPECT_FALSE(fitsOctets(BasicType::entryTime, ber(0x8C, {1, 2, 3})));
+    EXPECT_FALSE(fitsOctets(BasicType::int32, ber(0x85, {})));
+    EXPECT_FALSE(fitsOctets(BasicType::octetString, {0x89, 4, 1}));
+    EXPECT_FALSE(fitsOctets(BasicType::visibleString, {0x8A, 4, 'a'}));
+}
+
+TEST(Fits, AsksForTheLengthOfTextsAndOctets) {
+    EXPECT_TRUE(fitsMember("VisString32", dataVisibleString(std::string(32, 'a'))));
+    EXPECT_FALSE(fitsMember("VisString32", dataVisibleString(std::string(33, 'a'))));
+    EXPECT_TRUE(fitsMember("VisString255", dataVisibleString(std::string(255, 'a'))));
+    EXPECT_TRUE(fitsMember("Octet6", dataOctetString(Bytes(6))));
+    EXPECT_FALSE(fitsMember("Octet6", dataOctetString(Bytes(8))));
+    EXPECT_TRUE(fitsMember("Octet64", dataOctetString({})));
+    EXPECT_TRUE(fitsMember("EntryID", dataOctetString(Bytes(8))));
+    EXPECT_TRUE(fitsMember("ObjRef", dataVisibleString(std::string(100, 'a'))));
+    EXPECT_FALSE(fitsMember("Octet6", dataVisibleString("a")));
 }
 
 TEST(Fits, TakesAnyValueForAnUnknownType) {

@@ -185,6 +185,32 @@ TEST(MatchStreams, MatchesASingleStream) {
     EXPECT_EQ(lineOf(matchStream(svKey("X", 9), {})), "-");
 }
 
+TEST(MatchStreams, GoesByTheAddressOfASingleStreamWhereOneControlBlockHasIt) {
+    auto const station = stationOf({svBlock("A", 1), svBlock("B", 1), svBlock("C", 2)});
+    EXPECT_EQ(lineOf(matchStream(svKey("X", 1), station)), "-");
+    EXPECT_EQ(lineOf(matchStream(svKey("X", 2), station)), "a2");
+    EXPECT_EQ(lineOf(matchStream(svKey("B", 1), station)), "n1");
+}
+
+TEST(MatchStreams, MatchesKeysAsAnIndexOfThem) {
+    auto const station = stationOf({svBlock("A", 1), svBlock("B", 1)});
+    std::vector<StreamKey> const keys = {svKey("A", 1), svKey("Y", 1)};
+    SclLines lines;
+    for (auto const& match : matchStreams(keys, station)) {
+        lines.push_back(lineOf(match));
+    }
+    EXPECT_EQ(lines, matchesOf(keys, station));
+    EXPECT_EQ(lines, (SclLines{"n0", "a1"}));
+}
+
+TEST(MatchStreams, TellsWhatAStreamMayBeOf) {
+    EXPECT_TRUE(mayBeOf(svKey("A", 9), svBlock("A", 1)));
+    EXPECT_TRUE(mayBeOf(svKey("X", 1), svBlock("A", 1)));
+    EXPECT_FALSE(mayBeOf(svKey("X", 9), svBlock("A", 1)));
+    EXPECT_FALSE(mayBeOf(keyOf("A", 1, StreamProtocol::goose), svBlock("A", 1)));
+    EXPECT_FALSE(mayBeOf(svKey("", 9), svBlock("", 1)));
+}
+
 TEST(MatchStreams, TakesEqualNamesAndAddressesEverywhere) {
     constexpr std::size_t kMany = 100'000;
     auto const station = stationOf(std::vector<ControlBlock>(kMany, svBlock("A", 1)));

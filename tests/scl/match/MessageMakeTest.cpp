@@ -26,11 +26,11 @@ bool isSame(std::vector<Bytes> const& one, std::vector<Bytes> const& other) {
 TEST(MessageMake, IsTheSameWhateverValuesAre) {
     EXPECT_TRUE(isSame({}, {}));
     EXPECT_TRUE(isSame(describedValues(), describedValues()));
-    EXPECT_TRUE(isSame(
-        {dataBoolean(false), dataInteger(1), dataQuality(), dataFloat(1), dataVisibleString("a"),
-         dataStructure({dataInteger(1), dataUtcTime(1)})},
-        {dataBoolean(true), dataInteger(70000), dataQuality(0x4000), dataFloat(2),
-         dataVisibleString("longer"), dataStructure({dataInteger(-70000), dataUtcTime(2)})}));
+    EXPECT_TRUE(
+        isSame({dataBoolean(false), dataInteger(1), dataQuality(), dataFloat(1),
+                dataVisibleString("a"), dataStructure({dataInteger(70000), dataUtcTime(1)})},
+               {dataBoolean(true), dataInteger(-100), dataQuality(0x4000), dataFloat(2),
+                dataVisibleString("b"), dataStructure({dataInteger(80000), dataUtcTime(2)})}));
 }
 
 TEST(MessageMake, IsAnotherWithOtherTags) {
@@ -52,6 +52,23 @@ TEST(MessageMake, IsAnotherWithOtherWidths) {
     EXPECT_FALSE(isSame({dataBitString({0x80}, 6)}, {dataBitString({0x80}, 5)}));
     EXPECT_FALSE(isSame({dataBitString({0x80}, 6)}, {dataBitString({0x80, 0x00}, 6)}));
     EXPECT_FALSE(isSame({dataFloat(1)}, {ber(0x87, {0x09, 0x3F, 0x80, 0x00, 0x00})}));
+}
+
+TEST(MessageMake, IsAnotherWithOtherLengths) {
+    EXPECT_FALSE(isSame({dataVisibleString("a")}, {dataVisibleString("longer")}));
+    EXPECT_FALSE(isSame({dataOctetString({1})}, {dataOctetString({1, 2})}));
+    EXPECT_FALSE(isSame({dataBoolean(true)}, {ber(0x83, {0, 1})}));
+    EXPECT_FALSE(isSame({dataInteger(1)}, {dataInteger(70'000)}));
+}
+
+TEST(MessageMake, IsAnotherWithNumbersOfAnotherRange) {
+    // 5 needs one octet, 300 two of them.
+    EXPECT_FALSE(isSame({ber(0x85, {0x00, 0x05})}, {ber(0x85, {0x01, 0x2C})}));
+    EXPECT_FALSE(isSame({ber(0x85, {0x00, 0x7F})}, {ber(0x85, {0x00, 0x80})}));
+    EXPECT_FALSE(isSame({ber(0x86, {0x00, 0xFF})}, {ber(0x86, {0x01, 0x00})}));
+    EXPECT_FALSE(isSame({ber(0x85, {0xFF, 0x80})}, {ber(0x85, {0xFF, 0x7F})}));
+    EXPECT_TRUE(isSame({ber(0x85, {0x00, 0x05})}, {ber(0x85, {0x00, 0x06})}));
+    EXPECT_TRUE(isSame({ber(0x86, {0x00, 0xFE})}, {ber(0x86, {0x00, 0xFF})}));
 }
 
 TEST(MessageMake, ComparesDeepNestingInLinearTime) {

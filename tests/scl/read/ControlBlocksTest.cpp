@@ -64,10 +64,10 @@ TEST(SclControlBlocks, OfSamplesHaveRateAndOptions) {
     EXPECT_EQ(block.smpRate, 4800U);
     EXPECT_EQ(block.smpRateUnit, SampleRateUnit::samplesPerSecond);
     EXPECT_EQ(block.nofASDU, 2U);
-    EXPECT_EQ(block.options, (SampleOptions{.refreshTime = true,
-                                            .sampleSynchronized = true,
-                                            .sampleRate = true,
-                                            .synchSourceId = true}));
+    EXPECT_EQ(block.options, (SmvOptions{.refreshTime = true,
+                                         .sampleSynchronized = true,
+                                         .sampleRate = true,
+                                         .synchSourceId = true}));
     EXPECT_TRUE(block.multicast);
 }
 
@@ -79,7 +79,7 @@ TEST(SclControlBlocks, OfTheFirstEditionHaveNoSmpModAndSayWhatIsSynchronized) {
     ASSERT_EQ(station.controlBlocks.size(), 1U);
     ControlBlock const& block = station.controlBlocks[0];
     EXPECT_EQ(block.smpRateUnit, SampleRateUnit::samplesPerPeriod);
-    EXPECT_EQ(block.options, (SampleOptions{.dataSet = true}));
+    EXPECT_EQ(block.options, (SmvOptions{.dataSet = true}));
     EXPECT_FALSE(block.confRev);
 }
 

@@ -131,6 +131,24 @@ TEST(SclMembers, OfAnElementOfAnArrayAreThatOneAlone) {
                      "3.0 LD0/MHAI1.HA.phsAHar(0).cVal.ang.f MX FLOAT32"}));
 }
 
+TEST(SclMembers, SayWhichOfTheValuesAroundThemAreArrays) {
+    auto const arraysOf = [](std::string const& rest) {
+        std::string const text = TalTest::gooseText(fcda(kMhai, rest));
+        StationDescription const station = readStation(stationOf(text).text(), "");
+        auto const& dataSet = station.dataSets.at(0);
+        std::string arrays;
+        for (std::size_t steps = 1; steps < dataSet.members.back().path.size(); ++steps) {
+            arrays += dataSet.members.back().isInArray(steps) ? 'A' : 'S';
+        }
+        return arrays;
+    };
+    EXPECT_EQ(arraysOf("doName='HA' fc='ST'"), "SA");
+    EXPECT_EQ(arraysOf("doName='HA' daName='hist' fc='ST'"), "A");
+    EXPECT_EQ(arraysOf("doName='HA.phsAHar' fc='MX'"), "AS");
+    EXPECT_EQ(arraysOf("doName='HA.phsAHar' daName='cVal.ang' fc='MX' ix='0'"), "S");
+    EXPECT_EQ(arraysOf("doName='HA' daName='hist' fc='ST' ix='3'"), "");
+}
+
 TEST(SclMembers, HaveTheirBasicTypes) {
     StationDescription const station =
         readStation(stationOf(TalTest::gooseText(fcda("prefix='Q0' lnClass='XCBR' lnInst='1'",
