@@ -168,7 +168,8 @@ TEST_F(PlotCommand, SaysHowFarSamplesAreFromTheirCapture) {
     settings.delay = 262'430'000;
     WaveformStream late(settings);
     late.send(kWaveFrames);
-    EXPECT_TRUE(pictureOf(captureOf({&late})).shows("Samples are drawn when they were taken, 262.43 ms before"));
+    EXPECT_TRUE(pictureOf(captureOf({&late}))
+                    .shows("Samples are drawn when they were taken, 262.43 ms before"));
 }
 
 TEST_F(PlotCommand, DrawsFewSamplesAndNumbersThatAreNone) {
