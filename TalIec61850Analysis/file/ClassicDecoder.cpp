@@ -39,8 +39,8 @@ inline void ClassicDecoder::read(RecordView& view, std::uint64_t fileOffset,
     CaptureRecord& record = view.record;
     record.fileOffset = fileOffset;
     record.frameOffset = fileOffset + RecordHeader::kSize;
-    record.time = captureTimeOf(TalIec61850Parser::wire::exactNanoseconds(
-        header.tsSec, header.tsUsec, variant_.isNanosecond));
+    record.time = captureTimeOf(static_cast<std::int64_t>(TalIec61850Parser::wire::exactNanoseconds(
+        header.tsSec, header.tsUsec, variant_.isNanosecond)));
     record.capturedSize = static_cast<std::uint32_t>(frame.size());
     record.originalSize = header.origLen;
     record.linkType = linkType_;

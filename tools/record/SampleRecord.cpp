@@ -523,8 +523,8 @@ void SampleRecord::checkDrift(std::span<std::optional<GridSpan> const> spans) co
     if (wish_.placing != GridPlacing::exact) {
         return;
     }
-    constexpr std::int64_t kSecond = 1'000'000'000;
-    std::int64_t const half = kSecond * survey_.grid.rate.seconds / survey_.grid.rate.samples / 2;
+    constexpr std::int64_t kSecondNs = 1'000'000'000;
+    std::int64_t const half = kSecondNs * survey_.grid.rate.seconds / survey_.grid.rate.samples / 2;
     std::optional<std::size_t> other;
     for (std::size_t i = 0; i < spans.size(); ++i) {
         if (!spans[i] || spans[i]->block == nullptr ||

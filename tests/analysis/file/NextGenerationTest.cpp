@@ -37,7 +37,9 @@ ReadCapture readSound(PcapngMaker const& maker) {
     return read;
 }
 
-CaptureTime timeAt(std::uint64_t nanoseconds) { return captureTimeOf(nanoseconds); }
+CaptureTime timeAt(std::uint64_t nanoseconds) {
+    return captureTimeOf(static_cast<std::int64_t>(nanoseconds));
+}
 
 std::vector<std::optional<CaptureTime>> timesOf(ReadCapture const& read) {
     std::vector<std::optional<CaptureTime>> times;
