@@ -256,7 +256,7 @@ Bytes trafficAtTheLastTime() {
     constexpr std::uint64_t kLast = std::numeric_limits<std::int64_t>::max();
     PcapngMaker maker;
     maker.section().interface(1, 0, maker.timeOptions(9));
-    for (std::uint64_t const before : {1'000'000, 0}) {
+    for (std::uint64_t const before : {1'000'000U, 0U}) {
         maker.packet({.time = kLast - before, .frame = gooseFrameCalled("gcb1")});
         maker.packet({.time = kLast - before, .frame = svFrameCalled("MU1")});
     }
@@ -310,7 +310,7 @@ TEST_F(ReportCommand, DrawsSmallStatesAfterThoseThatHaveNoRoom) {
     };
     ASSERT_GT(sizeOf(1), sizeOf(2) + 1);
     StatesSection section(index, names, LanePictureWish(), sizeOf(0) + sizeOf(2) + 1);
-    for (std::size_t const stream : {0, 1, 2}) {
+    for (std::size_t const stream : {0U, 1U, 2U}) {
         section.add(stream);
     }
     ASSERT_EQ(section.json().size(), 2U);
