@@ -27,6 +27,11 @@ struct Level {
     std::uint32_t index = 0;
 };
 
+bool isTimeStamp(ElementView const& element) {
+    std::uint8_t const tag = element.tag.value_or(0);
+    return tag == kUtcTime || tag == kBinaryTime;
+}
+
 bool isGroup(ElementView const& element) {
     std::uint8_t const tag = element.tag.value_or(0);
     return (tag == kArray || tag == kStructure) && !element.fault;
@@ -90,8 +95,7 @@ DataComparison compareData(Octets before, Octets now, QualityChangeSink sink) {
             levels.emplace_back(a.members(), b.members());
             continue;
         }
-        bool const isStamp = a.tag == kUtcTime || a.tag == kBinaryTime;
-        if (!isStamp && !std::ranges::equal(a.octets, b.octets)) {
+        if (!isTimeStamp(a) && !std::ranges::equal(a.octets, b.octets)) {
             result.isChanged = true;
             compareQualities(levels, sink);
         }

@@ -75,20 +75,21 @@ void lowerToPacketsFrom(std::int64_t from, TrafficIndex const& index,
 std::optional<std::pair<std::uint32_t, std::uint64_t>> openMessageOf(TrafficStream const& stream) {
     std::optional<detail::MessageNumber> newest;
     std::pair<std::uint32_t, std::uint64_t> spot;
-    for (auto part = stream.parts.rbegin(); part != stream.parts.rend(); ++part) {
-        PacketColumns const& packets = part->packets;
+    for (std::size_t number = stream.parts.size(); number-- > 0;) {
+        StreamPart const& part = stream.parts[number];
+        PacketColumns const& packets = part.packets;
         for (std::size_t packet = packets.size(); packet-- > 0;) {
             PacketFlags const flags = packets.flags()[packet];
             if (flags.isCopy() || flags.isDuplicate()) {
                 continue;
             }
-            detail::MessageNumber const number{packets.stNums()[packet], packets.sqNums()[packet]};
+            detail::MessageNumber const message{packets.stNums()[packet], packets.sqNums()[packet]};
             if (newest) {
-                bool const isOpen = *newest != number && !detail::isLater(*newest, number);
+                bool const isOpen = *newest != message && !detail::isLater(*newest, message);
                 return isOpen ? std::optional(spot) : std::nullopt;
             }
-            newest = number;
-            spot = {part->file, packets.frameOffsets()[packet]};
+            newest = message;
+            spot = {part.file, packets.frameOffsets()[packet]};
         }
     }
     return std::nullopt;
