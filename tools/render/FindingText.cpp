@@ -370,8 +370,7 @@ std::string FindingText::silentText(Finding const& finding) const {
     if (!finding.place) {
         return fmt::format("nothing for the last {} of the captures", pauseText(finding));
     }
-    std::string const pause =
-        fmt::format("nothing for {}{}", pauseText(finding), borderText(finding));
+    std::string pause = fmt::format("nothing for {}{}", pauseText(finding), borderText(finding));
     if (!finding.stream || !finding.before) {
         return pause;
     }
