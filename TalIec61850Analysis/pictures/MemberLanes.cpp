@@ -107,11 +107,20 @@ private:
         return expiry < time ? expiry : kNoTime;
     }
 
+    /// Whether the newest state lives on with a message: not with a late one, a replayed one or a
+    /// copy, nor with one whose counters were cut off.
+    [[nodiscard]] bool isHeard(detail::StateMessage const& message) const {
+        bool const isAgain = message.number == newest_.number && message.way == newest_.way;
+        return message.isCounted && (isAgain || detail::isLater(message.number, newest_.number));
+    }
+
     void process(PacketRef packet) {
         bool const isChange = next_ < changes_.size() && changes_[next_].packet == packet;
-        if (next_ == 0 && !isChange) {
+        auto const message = detail::stateMessage(stream_, ways_, packet);
+        if (!isChange && (next_ == 0 || !isHeard(message))) {
             return;
         }
+        newest_ = message;
         std::int64_t const time = std::max(arrivalOf(packet), heardAt_);
         if (time != kNoTime) {
             std::int64_t const expiry = expiryBefore(time);
@@ -173,6 +182,7 @@ private:
     /// The first is the first message.
     std::vector<LaneChange> changes_;
     std::size_t next_ = 0;
+    detail::StateMessage newest_;
     /// The newest message that has a time.
     std::optional<PacketRef> heard_;
     std::int64_t heardAt_ = kNoTime;

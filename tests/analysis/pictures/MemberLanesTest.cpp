@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "support/CaptureFile.hpp"
 #include "support/Data.hpp"
 #include "support/FaultyStation.hpp"
 #include "support/TempFile.hpp"
@@ -159,6 +160,45 @@ TEST(MemberLanes, ExpireInTheMiddleOfAState) {
                   lineOf(heard + 250, msOf(station, 15), "expired") + "; " +
                   lineOf(msOf(station, 15), msOf(station, 20), "true") + "; " +
                   lineOf(msOf(station, 20), msOf(station, 40), "false"));
+}
+
+TEST(MemberLanes, ExpireThoughLateAndReplayedMessagesCome) {
+    auto station = stationOfThree();
+    station.drop(0, 10, 5);
+    std::int64_t const heard = msOf(station, 9);
+    std::int64_t const next = msOf(station, 15);
+    // One of the first messages again, and one that was seen just before.
+    station.repeat(0, 2, (heard + 200 - msOf(station, 2)) * kLaneMs);
+    station.repeat(0, 8, (heard + 201 - msOf(station, 8)) * kLaneMs);
+    auto const line = laneLine(IndexedStation(station).lanes().lanes.at(0));
+    EXPECT_EQ(line.substr(0, line.find("; ", line.find("expired"))),
+              lineOf(0, heard + 250, "true") + "; " + lineOf(heard + 250, next, "expired"));
+}
+
+TEST(MemberLanes, ExpireThoughMessagesComeWhoseCountersWereCutOff) {
+    auto station = stationOfThree();
+    station.drop(0, 11, 4);
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (StationFrame const& each : station.inTimeOrder()) {
+        Bytes const octets = FaultyStation::octetsOf(each);
+        auto const time = static_cast<std::uint32_t>(each.time);
+        auto const size = static_cast<std::uint32_t>(octets.size());
+        ASSERT_LT(each.time, 2'000'000'000);
+        // The identity is there, what comes after it is not.
+        capture.addSnapped(FaultyStation::kStart + time / 1'000'000'000, time % 1'000'000'000,
+                           each.number == 10 ? 50 : size, octets);
+        if (each.number == 16) break;
+    }
+    TempDir const folder;
+    auto const index = indexCapture(folder.write("cut.pcap", capture.bytes()));
+    ASSERT_EQ(index.streams().size(), 1U);
+    auto const lanes = readMemberLanes(index, 0);
+    std::int64_t const heard = msOf(station, 9);
+    std::int64_t const next = msOf(station, 15);
+    ASSERT_FALSE(lanes.lanes.empty());
+    EXPECT_EQ(laneLine(lanes.lanes[0]), lineOf(0, heard + 250, "true") + "; " +
+                                            lineOf(heard + 250, next, "expired") + "; " +
+                                            lineOf(next, msOf(station, 16), "true"));
 }
 
 TEST(MemberLanes, GoByALongerLifeOfLaterMessages) {
