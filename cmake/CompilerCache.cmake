@@ -4,7 +4,8 @@
 #
 # It is a script, so that who compiles for this build elsewhere, as the package's tests do, only
 # needs its path. Paths below the source folder are hashed relative to the folder of the build, and
-# precompiled headers by their content: a clone in another folder finds what this one has compiled.
+# precompiled headers by the content of what they include, since compilers write paths into them: a
+# clone in another folder finds what this one has compiled.
 
 option(TAL_COMPILER_CACHE "Compile through ccache where it is installed" OFF)
 
@@ -17,7 +18,21 @@ if(TAL_COMPILER_CACHE AND TAL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 #!/bin/sh
 export CCACHE_BASEDIR="${CCACHE_BASEDIR:-@PROJECT_SOURCE_DIR@}" CCACHE_NOHASHDIR=1
 export CCACHE_SLOPPINESS=pch_defines,time_macros,locale,include_file_mtime,include_file_ctime
-exec "@TAL_CCACHE@" "$@"
+export CCACHE_PCH_EXTSUM=true
+case " $* " in
+    *" -x c++-header "*) ;;
+    *) exec "@TAL_CCACHE@" "$@" ;;
+esac
+"@TAL_CCACHE@" "$@" || exit
+# A precompiled header: its checksum goes beside it, for ccache.
+while [ $# -gt 1 ]; do
+    case "$1" in
+        -o) header=$2 ;;
+        -MF) included=$2 ;;
+    esac
+    shift
+done
+sed -e 's/^[^ ]*://' -e 's/\\$//' "$included" | xargs cat | sed "s#$CCACHE_BASEDIR##g" | sha256sum >"$header.sum"
 ]] @ONLY)
   file(CHMOD ${CMAKE_CXX_COMPILER_LAUNCHER} PERMISSIONS
       OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
