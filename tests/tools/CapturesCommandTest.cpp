@@ -8,6 +8,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
 #include "support/Ethernet.hpp"
+#include "support/Goose.hpp"
 #include "support/OtherTraffic.hpp"
 #include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
