@@ -192,17 +192,13 @@ CountStep SampleSequence::count(SampleCounter& counter, PacketRef newest, Packet
     std::int64_t const arrival = packets.times()[packet.packet];
     CountStep const step = counter.add(packets.smpCnts()[packet.packet], arrival);
     std::int64_t const advance = counter.newest() - before;
-    double const interval = runRate_.rate.interval();
-    if (step != CountStep::next || advance == 1 || interval <= 0 || arrival == kNoTime ||
+    if (step != CountStep::next || advance == 1 || arrival == kNoTime ||
         arrivalOf(newest) == kNoTime) [[likely]] {
         return step;
     }
-    // From a frame to the one in which the sample is.
-    double const inFrame = runRate_.asdus;
-    double const counted = static_cast<double>(advance) + inFrame - 1;
     double const passed =
         static_cast<double>(arrival) - static_cast<double>(arrivalOf(newest)) + latenessOf(newest);
-    return passed < (counted + inFrame) / 2 * interval ? CountStep::restart : step;
+    return runRate_.countRule().isJump(advance, passed) ? CountStep::restart : step;
 }
 
 /// How much later than its neighbours a packet came, in nanoseconds, by those before it.
