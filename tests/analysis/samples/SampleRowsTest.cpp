@@ -131,6 +131,19 @@ TEST_P(SampleRowsAtRate, AreLostAfterALateFrame) {
     expectRowsOf(stream);
 }
 
+TEST_P(SampleRowsAtRate, AreLostHoweverUnevenArrivalIs) {
+    WaveformSettings uneven = settings();
+    uneven.smpRate = static_cast<std::uint16_t>(uneven.rate);
+    uneven.smpMod = 1;
+    uneven.jitter = 2'000'000'000LL * uneven.asdus / uneven.rate;
+    WaveformStream stream(uneven);
+    stream.send(frames(0.1));
+    for (std::size_t gap = 0; gap < 30; ++gap) {
+        stream.lose(1 + gap % 3).send(17);
+    }
+    expectRowsOf(stream);
+}
+
 TEST_P(SampleRowsAtRate, ComeOnceOverTwoWays) {
     for (WaveCopies const copies : {WaveCopies::prp, WaveCopies::hsr}) {
         WaveformSettings twice = settings();
