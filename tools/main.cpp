@@ -78,7 +78,7 @@ CLI::App const& parsedCommand(CLI::App const& program) {
 
 /// The sentence for what the parser refuses; its own are for those who write parsers.
 std::string refusalText(CLI::App const& command, CLI::ParseError const& error) {
-    std::string const text = error.what();
+    std::string text = error.what();
     if (dynamic_cast<CLI::ExtrasError const*>(&error) != nullptr) {
         return "there is no use for " + command.remaining().front();
     }
