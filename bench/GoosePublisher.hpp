@@ -36,7 +36,7 @@ private:
     TalTest::Bytes frame_ = {};
     std::uint64_t stNum_ = 1;
     std::uint64_t sqNum_;
-    /// In the frame that stands.
+    /// In the frame as it is now.
     std::size_t sqNumPosition_ = 0;
     std::size_t sqNumWidth_ = 0;
 };

@@ -17,7 +17,7 @@ constexpr std::size_t elementsPerLevel = 50;
 constexpr std::size_t frameSize = 65'535;
 constexpr std::uint64_t largeFrames = 400;
 
-/// As many of these octets as make a frame of the size, zeros behind them.
+/// As many of these octets as make a frame of the size, zeros after them.
 Bytes filled(Bytes const& octets, Bytes (*frameOf)(Bytes const&)) {
     std::size_t const room = frameSize - frameOf({}).size();
     Bytes pdu = TalTest::prefix(repeated(octets, room / octets.size()), room);

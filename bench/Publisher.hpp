@@ -9,7 +9,7 @@
 namespace TalBench {
 
 /// A sender of frames. Making the next one takes nanoseconds: frames are built seldom, and what
-/// changes from one to the next is written into them where it stands.
+/// changes from one to the next is written into them where it is.
 class Publisher {
 public:
     /// @param isWanted  the workload's index holds what this one sends

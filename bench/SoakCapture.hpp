@@ -16,7 +16,7 @@ namespace TalBench {
 /// A frame as its publisher wrote it.
 struct WrittenFrame {
     TalIec61850Parser::Timest time;
-    /// Where its first octet stands in the capture.
+    /// Where its first octet is in the capture.
     std::uint64_t position;
     TalTest::Bytes octets;
 };

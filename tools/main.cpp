@@ -76,6 +76,18 @@ CLI::App const& parsedCommand(CLI::App const& program) {
     return *command;
 }
 
+/// The sentence for what the parser refuses; its own are for those who write parsers.
+std::string refusalText(CLI::App const& command, CLI::ParseError const& error) {
+    std::string text = error.what();
+    if (dynamic_cast<CLI::ExtrasError const*>(&error) != nullptr) {
+        return "there is no use for " + command.remaining().front();
+    }
+    if (dynamic_cast<CLI::ArgumentMismatch const*>(&error) != nullptr) {
+        return text.substr(0, text.find(':')) + ": a value is missing";
+    }
+    return text;
+}
+
 /// Help and version are "errors" of parsing too, those with status 0.
 ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
     if (error.get_exit_code() == 0) {
@@ -86,7 +98,8 @@ ExitStatus report(CLI::App const& program, CLI::ParseError const& error) {
         output.finish();
         return ExitStatus::success;
     }
-    complain(escapeText(messageStart(parsedCommand(program)) + error.what()));
+    CLI::App const& command = parsedCommand(program);
+    complain(escapeText(messageStart(command) + refusalText(command, error)));
     return ExitStatus::usageError;
 }
 

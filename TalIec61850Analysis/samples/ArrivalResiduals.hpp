@@ -13,13 +13,13 @@ namespace TalIec61850Analysis {
 struct ArrivalResiduals {
     /// How many samples were looked at: each frame once, by the newest sample in it.
     std::uint64_t samples = 0;
-    /// The least.
+    /// Arrival less sample time, where that is least.
     std::int64_t least = 0;
-    // Above the least, right to 1 %.
-    std::int64_t median = 0;        ///< half are at most this
-    std::int64_t percentile90 = 0;  ///< 90 % are at most this
-    std::int64_t percentile99 = 0;  ///< 99 % are at most this
-    std::int64_t largest = 0;       ///< the largest; this one is exact
+    // These are counted from the least, and right to 1 %.
+    std::int64_t median = 0;        ///< half are above the least by at most this
+    std::int64_t percentile90 = 0;  ///< 90 % are above it by at most this
+    std::int64_t percentile99 = 0;  ///< 99 % are above it by at most this
+    std::int64_t largest = 0;       ///< the largest is above it by this; it is exact
     /// How much faster the clock of the capture runs than that of the publisher, in parts per
     /// million: the slope of what is least; not set where there is less than a second to tell.
     std::optional<double> driftPpm;

@@ -153,6 +153,7 @@ void SampleSequence::takeNext() {
     rest_ = {.first = queue_.first, .count = count, .number = counter_.newest() + 1};
     PacketRef const last{.part = rest_.first.part, .packet = rest_.first.packet + count - 1};
     counter_.addNext(count, arrivalOf(last));
+    newest_ = last;
     queue_.first.packet += count;
     queue_.count -= count;
 }
@@ -167,10 +168,9 @@ CountStep SampleSequence::take(PacketRef packet) {
         holdNewest(packet, ++uncounted_);
         return CountStep::first;
     }
-    PacketColumns const& packets = stream_.parts[packet.part].packets;
-    CountStep const step =
-        counter_.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]);
+    CountStep const step = count(counter_, newest_, packet);
     if (step == CountStep::next) [[likely]] {
+        newest_ = packet;
         holdNewest(packet, counter_.number());
     } else if (step == CountStep::late) {
         ++counts_.late;
@@ -181,6 +181,46 @@ CountStep SampleSequence::take(PacketRef packet) {
         nextRun_ = {.packet = packet, .start = startOf(step)};
     }
     return step;
+}
+
+/// Adds a packet to a counter. Where the counter went further than arrival, and the packet before
+/// was not late, the publisher counts on from elsewhere: nothing is lost.
+/// @param newest  the packet of the counter's newest sample
+CountStep SampleSequence::count(SampleCounter& counter, PacketRef newest, PacketRef packet) const {
+    PacketColumns const& packets = stream_.parts[packet.part].packets;
+    std::int64_t const before = counter.newest();
+    std::int64_t const arrival = packets.times()[packet.packet];
+    CountStep const step = counter.add(packets.smpCnts()[packet.packet], arrival);
+    std::int64_t const advance = counter.newest() - before;
+    if (step != CountStep::next || advance == 1 || arrival == kNoTime ||
+        arrivalOf(newest) == kNoTime) [[likely]] {
+        return step;
+    }
+    double const passed =
+        static_cast<double>(arrival) - static_cast<double>(arrivalOf(newest)) + latenessOf(newest);
+    return runRate_.countRule().isJump(advance, passed) ? CountStep::restart : step;
+}
+
+/// How much later than its neighbours a packet came, in nanoseconds, by those before it.
+double SampleSequence::latenessOf(PacketRef packet) const {
+    constexpr std::uint32_t kLookedAt = 64;
+    PacketColumns const& packets = stream_.parts[packet.part].packets;
+    auto const arrival = static_cast<double>(arrivalOf(packet));
+    auto const wrap = std::int64_t{runRate_.wrap};
+    double lateness = 0;
+    for (std::uint32_t i = 1; i <= std::min(kLookedAt, packet.packet); ++i) {
+        PacketRef const other{.part = packet.part, .packet = packet.packet - i};
+        std::int64_t const away =
+            std::int64_t{packets.smpCnts()[packet.packet]} - packets.smpCnts()[other.packet];
+        std::int64_t const samples = (away % wrap + wrap) % wrap;
+        if (samples > kLookedAt || arrivalOf(other) == kNoTime) {
+            continue;  // of another run, or of no use
+        }
+        double const even = static_cast<double>(arrivalOf(other)) +
+                            static_cast<double>(samples) * runRate_.rate.interval();
+        lateness = std::max(lateness, arrival - even);
+    }
+    return lateness;
 }
 
 void SampleSequence::begin(PacketRef packet, RunStart start) {
@@ -210,6 +250,7 @@ void SampleSequence::begin(PacketRef packet, RunStart start) {
         static_cast<void>(
             counter_.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]));
     }
+    newest_ = packet;
     holdNewest(packet, counter_.newest());
 }
 
@@ -349,6 +390,7 @@ template <typename Visit>
 void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const {
     PacketCourse course = *runCourse_;
     PacketCourse::Strip strip = runQueue_;
+    PacketRef newest = runFirst_;
     for (std::uint64_t left = runPackets_; left > 0; --left) {
         if (strip.count == 0) {
             strip = course.nextStrip(left);
@@ -359,13 +401,12 @@ void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const 
         PacketRef const packet = strip.first;
         ++strip.first.packet;
         --strip.count;
-        PacketColumns const& packets = stream_.parts[packet.part].packets;
-        CountStep const step =
-            counter.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]);
+        CountStep const step = count(counter, newest, packet);
         if (beginsRun(step)) {
             return;
         }
         if (step == CountStep::next) {
+            newest = packet;
             visit(packet);
         }
     }

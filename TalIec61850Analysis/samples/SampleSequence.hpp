@@ -101,6 +101,8 @@ private:
     [[nodiscard]] bool fillQueue();
     void takeNext();
     CountStep take(PacketRef packet);
+    CountStep count(SampleCounter& counter, PacketRef newest, PacketRef packet) const;
+    [[nodiscard]] double latenessOf(PacketRef packet) const;
     void begin(PacketRef packet, RunStart start);
     void holdNewest(PacketRef packet, std::int64_t number);
     void holdLate(PacketRef packet, std::int64_t number);
@@ -129,6 +131,8 @@ private:
     FoundRate rate_;
     std::uint64_t packetsOfRate_ = 0;
     SampleCounter counter_;
+    /// The packet of the counter's newest sample.
+    PacketRef newest_;
     SampleRun run_;
     SampleCounts counts_;
     std::optional<NextRun> nextRun_;

@@ -72,6 +72,9 @@ struct CaptureSummary {
     std::uint64_t gooseFrames = 0;
     /// SV frames by their EtherType, those of no stream included.
     std::uint64_t svFrames = 0;
+    /// Of both: frames with octets after the PDU that are neither zeros nor a PRP trailer, such as
+    /// a signature. Frames that were cut by a snap length are not among them.
+    std::uint64_t unknownTrailers = 0;
     /// Other frames by EtherType, that after VLAN and HSR tags; 0 for those with a length in its
     /// place (IEEE 802.3), and for those too short for one.
     std::map<std::uint16_t, std::uint64_t> otherFrames;

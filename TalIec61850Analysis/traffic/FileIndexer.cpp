@@ -121,41 +121,64 @@ std::int64_t timeOf(CaptureRecord const& record) {
 
 /// @pre result.mayHaveTrailer
 inline FileIndexer::RedundancyMark FileIndexer::trailerOf(Result const& result, Octets frame) {
-    auto const markOf = [](PrpTrailer const& trailer) {
-        return RedundancyMark{trailer.sequence,
-                              flagsOf(Redundancy::prp, (trailer.lanId & 1U) != 0)};
+    auto const markAt = [](PlacedTrailer const& found) {
+        return RedundancyMark{found.trailer.sequence,
+                              flagsOf(Redundancy::prp, (found.trailer.lanId & 1U) != 0),
+                              found.offset};
     };
     // Mostly at the end. What is found there is used in place, without a copy.
     if (auto const last = prpTrailerBefore(frame, frame.size(), result.lsduOffset, false)) {
-        return markOf(last->trailer);
+        return markAt(*last);
     }
     auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
     auto const found = searchPrpTrailer(frame, pduEnd, result.lsduOffset, false);
     if (found) {
-        return markOf(found->trailer);
+        return markAt(*found);
     }
     auto const misfit = misfitTrailer(frame, pduEnd);
     if (!misfit) {
-        return {};
+        return {.tailEnd = frame.size()};
     }
     bool const isB = (misfit->lanId & 1U) != 0;
-    return {misfit->sequence, static_cast<std::uint16_t>(flagsOf(Redundancy::none, isB) |
-                                                         unsigned{PacketFlags::kTrailerMisfit})};
+    return {misfit->sequence,
+            static_cast<std::uint16_t>(flagsOf(Redundancy::none, isB) |
+                                       unsigned{PacketFlags::kTrailerMisfit}),
+            frame.size()};
 }
 
 FileIndexer::RedundancyMark FileIndexer::hsrTagOf(Result const& result, RecordView const& view) {
     std::size_t const wireSize = std::max<std::size_t>(view.frame.size(), view.record.originalSize);
     auto const tag = wire::readHsrTag(view.frame.subspan(result.lsduOffset));
-    RedundancyMark mark{tag.sequence, flagsOf(Redundancy::hsr, tag.letter() == 'B')};
     auto const pduEnd = static_cast<std::size_t>(result.pduEnd);
+    auto const trailer = findPrpTrailer(view.frame, pduEnd, result.lsduOffset, true);
+    RedundancyMark mark{tag.sequence, flagsOf(Redundancy::hsr, tag.letter() == 'B'),
+                        trailer ? trailer->offset : view.frame.size()};
     if (!hsrSizeFits(result.lsduOffset, tag.lsduSize, pduEnd, wireSize)) {
         mark.flags |= PacketFlags::kHsrMisfit;
     }
     return mark;
 }
 
+FileIndexer::RedundancyMark FileIndexer::markOf(Result const& result, RecordView const& view) {
+    if (result.hasHsr) {
+        return hsrTagOf(result, view);
+    }
+    return result.mayHaveTrailer ? trailerOf(result, view.frame)
+                                 : RedundancyMark{.tailEnd = view.frame.size()};
+}
+
 inline void FileIndexer::countFrame(StreamProtocol protocol) {
     ++(protocol == StreamProtocol::goose ? file_.summary.gooseFrames : file_.summary.svFrames);
+}
+
+/// Zeros are padding. Anything else before a PRP trailer, such as a signature, has a meaning that
+/// is not known here.
+/// @pre result.hasTail, and `tailEnd` is not before the end of the PDU
+inline void FileIndexer::countTail(Result const& result, Octets frame, std::size_t tailEnd) {
+    auto const start = static_cast<std::size_t>(result.pduEnd);
+    Octets const tail = frame.subspan(start, tailEnd - start);
+    bool const isPadding = std::all_of(tail.begin(), tail.end(), [](auto octet) { return !octet; });
+    file_.summary.unknownTrailers += isPadding ? 0 : 1;
 }
 
 /// Adds a usual frame. All of its row is written at once, and nothing of it is read: with many
@@ -164,7 +187,11 @@ inline void FileIndexer::addUsual(Result const& result, RecordView const& view) 
     countFrame(result.protocol);
     Target const& target = result.target;
     auto const counters = plainCounters(target, result.protocol, view.frame);
-    auto const mark = result.mayHaveTrailer ? trailerOf(result, view.frame) : RedundancyMark();
+    auto const mark = result.mayHaveTrailer ? trailerOf(result, view.frame)
+                                            : RedundancyMark{.tailEnd = view.frame.size()};
+    if (result.hasTail) [[unlikely]] {
+        countTail(result, view.frame, mark.tailEnd);
+    }
     addRow(target, view.record.frameOffset) = {
         .time = timeOf(view.record),
         .frameOffset = view.record.frameOffset,
@@ -186,6 +213,10 @@ inline void FileIndexer::addUsual(Result const& result, RecordView const& view) 
                                         .protocol = result.protocol,
                                         .reason = *result.unread});
     }
+    auto const mark = markOf(result, view);
+    if (result.hasTail) {
+        countTail(result, view.frame, mark.tailEnd);
+    }
     if (!result.hasTarget) {
         return;
     }
@@ -193,9 +224,6 @@ inline void FileIndexer::addUsual(Result const& result, RecordView const& view) 
     row.time = timeOf(record);
     row.frameOffset = record.frameOffset;
     row.pduOffset = result.pduOffset;
-    auto const mark = result.hasHsr           ? hsrTagOf(result, view)
-                      : result.mayHaveTrailer ? trailerOf(result, view.frame)
-                                              : RedundancyMark();
     row.sequence = mark.sequence;
     row.flags = mark.flags;
     addPacket(result.target, row, view.frame);
@@ -297,6 +325,8 @@ FileIndexer::Result FileIndexer::resultOf(RecordView const& view, std::vector<Ta
     std::size_t const size = view.frame.size();
     result.mayHaveTrailer = !result.hasHsr && view.record.originalSize <= size &&
                             walk_.pduEnd + wire::kPrpTrailerSize <= size;
+    bool const hasPdu = walk_.pduEnd > walk_.header.size;
+    result.hasTail = hasPdu && view.record.originalSize <= size && walk_.pduEnd < size;
     result.isUsual = !result.hasHsr && !result.unread && result.otherCount == 0 &&
                      result.target.stream != nullptr && hasPlainCounters(result.target);
     return result;

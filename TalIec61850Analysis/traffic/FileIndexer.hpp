@@ -90,6 +90,8 @@ private:
         bool hasTarget = false;
         /// Whether there is room for a PRP trailer after the PDU, and no HSR tag.
         bool mayHaveTrailer = false;
+        /// Whether octets are after the PDU, and the frame's end was captured.
+        bool hasTail = false;
         /// A frame with one packet that is wanted, with plain counters, and without an HSR tag.
         bool isUsual = false;
         std::optional<UnreadReason> unread = {};
@@ -99,6 +101,8 @@ private:
     struct RedundancyMark {
         std::uint16_t sequence = 0;
         std::uint16_t flags = 0;
+        /// Index in the frame of the PRP trailer; the size of the frame without one.
+        std::size_t tailEnd = 0;
     };
     /// Both counters, where columns hold them whatever their octets are.
     struct PlainCounters {
@@ -114,10 +118,12 @@ private:
     [[nodiscard]] Collected& streamOf(StreamKey key);
     [[nodiscard]] static RedundancyMark trailerOf(Result const& result, Octets frame);
     [[nodiscard]] static RedundancyMark hsrTagOf(Result const& result, RecordView const& view);
+    [[nodiscard]] static RedundancyMark markOf(Result const& result, RecordView const& view);
     [[nodiscard]] static bool hasPlainCounters(Target const& target);
     [[nodiscard]] static PlainCounters plainCounters(Target const& target, StreamProtocol protocol,
                                                      Octets frame);
     void countFrame(StreamProtocol protocol);
+    void countTail(Result const& result, Octets frame, std::size_t tailEnd);
     void addUsual(Result const& result, RecordView const& view);
     void addFrame(Result const& result, Target const* others, RecordView const& view);
     void addPacket(Target const& target, PacketRow row, Octets frame) const;

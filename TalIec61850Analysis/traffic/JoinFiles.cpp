@@ -43,6 +43,7 @@ void joinSummaries(CaptureSummary& first, CaptureSummary second) {
     }
     first.gooseFrames += second.gooseFrames;
     first.svFrames += second.svFrames;
+    first.unknownTrailers += second.unknownTrailers;
     addCounts(first.otherFrames, second.otherFrames);
     first.routableGooseFrames += second.routableGooseFrames;
     first.routableSvFrames += second.routableSvFrames;

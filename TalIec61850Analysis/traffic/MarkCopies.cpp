@@ -5,9 +5,23 @@
 
 namespace TalIec61850Analysis::detail {
 
-void CopyMarker::mark(std::span<StreamPart> parts) {
+/// Whether a frame is the copy of the one that its number was met at last; if not, it is met now.
+bool CopyMarker::isCopyOf(Met& met, std::int64_t time, bool isB) const {
     // As long as a receiver remembers what it has.
     constexpr std::uint64_t kForgetTime = 400'000'000;
+    // Times come in their order: the difference is right as a number without a sign.
+    auto const age = static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(met.time);
+    bool const isCopy =
+        met.stream == stream_ && !met.isPaired && met.isB != isB && age <= kForgetTime;
+    if (isCopy) {
+        met.isPaired = true;
+    } else {
+        met = {.time = time, .stream = stream_, .isB = isB, .isPaired = false};
+    }
+    return isCopy;
+}
+
+void CopyMarker::mark(std::span<StreamPart> parts) {
     bool const hasAny = std::any_of(parts.begin(), parts.end(), [](StreamPart const& part) {
         return part.packets.hasRedundancy();
     });
@@ -35,19 +49,9 @@ void CopyMarker::mark(std::span<StreamPart> parts) {
         // No frame is at offset 0, where the file's header is.
         std::uint64_t const offset = packets.frameOffsets()[ref.packet];
         if (ref.part != lastPart || offset != lastOffset) {
-            std::int64_t const time = packets.times()[ref.packet];
-            bool const isB = flag.lane() == 'B';
             bool const isPrp = flag.redundancy() == Redundancy::prp;
             Met& met = met_[packets.redundancySequences()[ref.packet] + (isPrp ? kSequences : 0)];
-            // Times come in their order: the difference is right as a number without a sign.
-            auto const age =
-                static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(met.time);
-            isCopy = met.stream == stream_ && !met.isPaired && met.isB != isB && age <= kForgetTime;
-            if (isCopy) {
-                met.isPaired = true;
-            } else {
-                met = {.time = time, .stream = stream_, .isB = isB, .isPaired = false};
-            }
+            isCopy = isCopyOf(met, packets.times()[ref.packet], flag.lane() == 'B');
         }
         if (isCopy) {
             flag.bits |= PacketFlags::kCopy;

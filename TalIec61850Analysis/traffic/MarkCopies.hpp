@@ -27,6 +27,8 @@ private:
         bool isPaired = false;
     };
 
+    [[nodiscard]] bool isCopyOf(Met& met, std::int64_t time, bool isB) const;
+
     /// By protocol of redundancy and sequence number; empty until it is needed.
     std::vector<Met> met_;
     std::uint32_t stream_ = 0;

@@ -378,7 +378,7 @@ void ColumnsWriter::addAll(PacketColumns const& columns, std::size_t from) {
 
 PacketColumns ColumnsWriter::take() {
     std::size_t const size = this->size();
-    // Of small blocks, room that is not used lies among what is. A little is not worth a copy.
+    // Of small blocks, room that is not used is among what is. A little is not worth a copy.
     constexpr std::size_t kSmallBlock = std::size_t{256} << 10U;
     bool const isSmall = columns_.capacity_ * columns_.places().end < kSmallBlock;
     if (size > columns_.capacity_ || (isSmall && columns_.capacity_ - size > size / 16)) {

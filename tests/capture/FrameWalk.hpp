@@ -96,7 +96,7 @@ inline std::vector<Ethernet> linkLayers() {
     return all;
 }
 
-/// The element `count` times, one behind the other.
+/// The element `count` times, one after the other.
 inline Bytes times(std::size_t count, Bytes const& element) {
     Bytes all;
     for (std::size_t i = 0; i < count; ++i) append(all, element);

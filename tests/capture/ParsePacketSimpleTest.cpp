@@ -74,7 +74,7 @@ Filter appIds(std::uint64_t appId) {
     return both(&GooseIdentifer::appId, &SvIdentifer::appId, appId);
 }
 
-/// The frame's first octets, from its EtherType or tag on, behind twelve octets of addresses.
+/// The frame's first octets, from its EtherType or tag on, after twelve octets of addresses.
 Bytes behindAddresses(Bytes const& octets) { return concat({repeat(0x01, 12), octets}); }
 
 /// What a frame is when the filter does not look at it, wherever in the frame its EtherType is.
@@ -147,7 +147,7 @@ TEST(ParsePacketSimple, LinkLayerRejectionIsFalseForBoth) {
         Ethernet const link = Ethernet().withVlan(5).withHsr('A').withPrp('A');
         EXPECT_FALSE(judge(gooseFrame(link, {}), filter));
         EXPECT_FALSE(judge(svFrame(link, {}), filter));
-        // Before anything behind the link layer is looked at.
+        // Before anything after the link layer is looked at.
         Bytes const cut = prefix(svFrame(Ethernet().withVlan(5).withHsr('A'), {}), 24);
         EXPECT_EQ(judge(cut, filter), !filter.svFilters[0].prp ? false : true);
     }
@@ -175,7 +175,7 @@ TEST(ParsePacketSimple, TooShortForAPduIsFalseForGooseAndTrueForSv) {
         Bytes const goose = gooseFrame(link, {});
         Bytes const sv = svFrame(link, {});
         for (std::size_t size = payloadOffset(link); size <= goose.size(); ++size) {
-            // One octet behind the eight of the header is enough, even if it is no element.
+            // One octet after the eight of the header is enough, even if it is no element.
             bool const enough = size > payloadOffset(link) + 8;
             EXPECT_EQ(judge(prefix(goose, size)), enough) << size;
             EXPECT_EQ(judge(prefix(sv, size)), !enough) << size;

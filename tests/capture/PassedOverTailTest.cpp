@@ -1,4 +1,4 @@
-// What is behind a PDU and passed over changes nothing: it is as good as a tail that nobody reads.
+// What is after a PDU and passed over changes nothing: it is as good as a tail that nobody reads.
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
@@ -34,7 +34,7 @@ std::string placeOf(Package const& package) {
            ": ";
 }
 
-/// What the walk makes of a PDU and of what is behind it, in words.
+/// What the walk makes of a PDU and of what is after it, in words.
 std::string gooseOf(Bytes const& pdu, Filter const& filter = {}) {
     Goose goose;
     Package package;

@@ -23,7 +23,7 @@ constexpr std::size_t kFirstBlock = 16UL * 1024UL;
 constexpr std::size_t kBlock = 256UL * 1024UL;
 constexpr std::size_t kFirstRecord = captureHeaderSize;
 
-/// A GOOSE frame whose identity stands behind `size` octets that nobody reads.
+/// A GOOSE frame whose identity is after `size` octets that nobody reads.
 Bytes lateGoose(std::size_t size) {
     GooseMessage message;
     message.extraFirst = ber(0x81, repeat(0x81, size));
@@ -31,7 +31,7 @@ Bytes lateGoose(std::size_t size) {
     return gooseFrame({}, message);
 }
 
-/// An SV frame whose ASDUs stand behind `size` octets that nobody reads.
+/// An SV frame whose ASDUs are after `size` octets that nobody reads.
 Bytes lateSv(std::size_t size) {
     SvMessage message;
     message.security = repeat(0xA2, size);
@@ -106,7 +106,7 @@ TEST(PcapParserRecordSize, LargeFrameCutShortIsCompleted) {
 }
 
 TEST(PcapParserRecordBoundary, EveryPlaceRelativeToABlockIsAlike) {
-    // The record's first octet stands before, on and behind the boundary, which may be counted
+    // The record's first octet is before, on and after the boundary, which may be counted
     // from the start of the file or from its first record.
     Bytes const frame = svFrame(svEthernet().withVlan(5), {});
     std::size_t const recordSize = recordHeaderSize + frame.size();

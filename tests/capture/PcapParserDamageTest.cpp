@@ -116,7 +116,7 @@ Bytes cutFrame(Bytes const& frame, std::size_t size) {
 }
 
 TEST(PcapParserCutRecord, FrameIsCompletedWithZeros) {
-    // The content of goID begins in the frame and ends behind the end of the file.
+    // The content of goID begins in the frame and ends after the end of the file.
     GooseMessage message;
     message.goID = "NAME";
     Bytes const frame = gooseFrame({}, message);

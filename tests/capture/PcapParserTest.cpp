@@ -171,7 +171,7 @@ TEST(PcapParserParseFile, MagicAtOffsetEightCountsBehindTheBlockTypeOnly) {
 
 TEST(PcapParserParseFile, RecordTimeIsThatOfTheFile) {
     for (CaptureVariant const variant : captureVariants) {
-        // The fraction as it stands in the file, which no unit changes: 999999.
+        // The fraction as it is in the file, which no unit changes: 999999.
         bool const little = isLittleEndian(variant);
         Bytes const frame = gooseFrame({}, {});
         Bytes header = concat({bigEndian(0xFEDCBA98, 4), bigEndian(999'999, 4),

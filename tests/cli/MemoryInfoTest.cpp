@@ -159,7 +159,7 @@ TEST(MemoryInfoUsage, IsZeroWhenTheFileCannotBeRead) {
     EXPECT_EQ(MemoryInfo::getCurrentProcessMemoryUsage(), 0U);
 }
 
-/// What stands behind the last blank of this process's own line; nothing without such a line.
+/// What is after the last blank of this process's own line; nothing without such a line.
 std::optional<std::string> ownFigure() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {

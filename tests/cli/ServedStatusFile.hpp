@@ -10,7 +10,7 @@
 
 namespace tal::test {
 
-/// Names the file that stands in for /proc/self/status, in a process that ServedStatusFile.cpp is
+/// Names the file that is in place of /proc/self/status, in a process that ServedStatusFile.cpp is
 /// part of: linked into its program, or preloaded as a shared object of its own. Not set or empty:
 /// the real file.
 inline constexpr char const* kStatusFileVariable = "TAL_STATUS_FILE";

@@ -26,7 +26,7 @@ namespace TalTest {
     return svFrame(link, message92le("a merging unit's name " + std::to_string(number), smpCnt));
 }
 
-/// Frames of publishers that take turns, behind what the capture holds.
+/// Frames of publishers that take turns, after what the capture holds.
 /// @param frame  `Bytes frame(unsigned publisher, std::uint16_t turn)`
 template <typename MakeFrame>
 CaptureBuilder& addTurns(CaptureBuilder& capture, unsigned turns, unsigned publishers,
@@ -65,7 +65,7 @@ CaptureBuilder& addTurns(CaptureBuilder& capture, unsigned turns, unsigned publi
     return capture.bytes();
 }
 
-/// Elements in elements, each with one behind it, so that every level is come back to.
+/// Elements in elements, each with one after it, so that every level is come back to.
 [[nodiscard]] inline Bytes nestedWithSiblings(unsigned levels) {
     Bytes inside;
     for (unsigned level = 0; level < levels; ++level)

@@ -127,7 +127,7 @@ TEST(StoreUnderFaults, TakesInPacketsUpToTheFault) {
               3U);
 }
 
-/// Where the first element of this tag stands in a frame.
+/// Where the first element of this tag is in a frame.
 std::size_t positionOf(Bytes const& frame, Bytes const& element) {
     return find(frame, element).value();
 }

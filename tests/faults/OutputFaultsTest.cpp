@@ -162,7 +162,7 @@ TEST(CompanionOutput, IsWholeWhereErrorsCannotBeTold) {
     }
 }
 
-/// Runs the shared object with a status file whose figure stands last, so that it prints all.
+/// Runs the shared object with a status file whose figure is last, so that it prints all.
 ProcessResult runTool(std::string const& capture, std::string const& redirections,
                       std::string const& before = "") {
     TempFile const status(text("VmRSS: 2048\n"), "status");

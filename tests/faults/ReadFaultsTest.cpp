@@ -154,7 +154,7 @@ TEST(ReadFaults, OfSeekingLeaveNoPacketThatIsNotThere) {
     EXPECT_GE(seek, 3U);
 }
 
-/// Decodes under one fault after the other: an empty result, unless the element lies before it.
+/// Decodes under one fault after the other: an empty result, unless the element is before it.
 /// @param show  `std::string show()`, empty for an empty result
 template <typename Show>
 void expectEmptyUnlessWhole(std::size_t begin, std::size_t end, Show const& show) {

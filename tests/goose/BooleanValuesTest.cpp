@@ -131,7 +131,7 @@ TEST(BooleanValues, GoOnBehindAStructureThatEndsBroken) {
 }
 
 TEST(BooleanValues, OfAStructureEndWithIt) {
-    // The boolean's value would be the octet behind the structure.
+    // The boolean's value would be the octet after the structure.
     EXPECT_EQ(valuesOf({0x82, 0x02, 0x83, 0x01, 0x83, 0x01, 0x00}), Values{0});
 }
 

@@ -69,7 +69,7 @@ std::string field(GoosePdu const& pdu, std::size_t number) {
     return fields.at(number);
 }
 
-/// stNum 9: whether an element is reached is seen by this one behind it.
+/// stNum 9: whether an element is reached is seen by this one after it.
 Bytes const kMark = ber(0x85, {0x09});
 
 TEST(GoosePdu, IsEmptyWhenMade) { EXPECT_EQ(textOf(GoosePdu{}), ""); }

@@ -64,7 +64,7 @@ Bytes anyElement(unsigned depth) {
 
 Bytes randomElements(unsigned depth) {
     Bytes all;
-    // Fifty are looked at on a level, so that a few before and behind them matter.
+    // Fifty are looked at on a level, so that a few before and after them matter.
     if (oneIn(24))
         for (unsigned i = 47 + below(5); i > 0; --i) append(all, ber(anyTag(), {}));
     for (unsigned i = below(5); i > 0; --i) append(all, anyElement(depth));

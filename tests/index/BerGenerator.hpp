@@ -6,7 +6,7 @@ namespace TalTest {
 
 // For the inside of a running RapidCheck generator.
 
-/// BER elements one behind the other, as GOOSE and SV PDUs might hold them and as they might not:
+/// BER elements one after the other, as GOOSE and SV PDUs might hold them and as they might not:
 /// nested, empty, indefinite, longer than there are octets, more than 50 of them.
 Bytes randomElements(unsigned depth);
 

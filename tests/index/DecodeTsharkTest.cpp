@@ -38,7 +38,7 @@ std::vector<std::string> const svFields = {
     "frame.number", "sv.svID",    "sv.datSet",  "sv.smpCnt",     "sv.confRev",
     "sv.smpSynch",  "sv.smpRate", "sv.seqData", "sv.meas_value", "sv.meas_quality"};
 
-/// A packet of a capture: where it stands, its record, and the record's fields in tshark.
+/// A packet of a capture: where it is, its record, and the record's fields in tshark.
 struct DissectedPacket {
     std::uint64_t position = 0;
     IndexedPacket packet;

@@ -77,8 +77,8 @@ private:
     std::uint64_t position_ = 0;
 };
 
-/// Its frames in pairs of a GOOSE and an SV frame, numbered from 0: two pairs at the begin of the
-/// file, one whose GOOSE frame begins below 4 GiB and ends behind, two at the end.
+/// Its frames in pairs of a GOOSE and an SV frame, numbered from 0: two pairs at the start of the
+/// file, one whose GOOSE frame begins below 4 GiB and ends after, two at the end.
 class HugeCapture : public testing::Test {
 protected:
     static constexpr std::uint16_t kPairs = 5;

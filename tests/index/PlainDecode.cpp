@@ -13,7 +13,7 @@ Bytes slice(Bytes const& octets, std::size_t start, std::size_t size) {
     return {first, first + static_cast<std::ptrdiff_t>(size)};
 }
 
-/// A length of at most two octets behind its first octet, and where the value starts.
+/// A length of at most two octets after its first octet, and where the value starts.
 struct Length {
     std::size_t length = 0;
     std::size_t start = 0;

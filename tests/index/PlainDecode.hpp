@@ -24,7 +24,7 @@ std::vector<PlainElement> plainElements(Bytes const& level);
 /// The values of one level by tag; of a tag that occurs several times, the last.
 std::map<std::uint8_t, Bytes> plainFields(Bytes const& level);
 
-/// The values of the ASDUs of a whole A2 element, which stands at `at` in `octets`.
+/// The values of the ASDUs of a whole A2 element, which is at `at` in `octets`.
 std::vector<std::map<std::uint8_t, Bytes>> plainAsdus(Bytes const& octets, std::size_t at);
 
 /// The octets as one number, most significant first.

@@ -19,7 +19,7 @@ constexpr std::size_t fileHeaderSize = 24;
 constexpr std::size_t recordHeaderSize = 16;
 constexpr std::size_t maxPadding = std::size_t{16} << 20U;
 
-/// The octets from `at` on, with zeros for what lies behind the end.
+/// The octets from `at` on, with zeros for what is after the end.
 Bytes slice(Bytes const& octets, std::size_t at, std::size_t size) {
     std::size_t const first = std::min(at, octets.size());
     std::size_t const present = std::min(size, octets.size() - first);

@@ -17,7 +17,7 @@ struct PlainLink {
     std::optional<std::uint16_t> vlanId;
     std::optional<char> hsrLan;
     std::optional<char> prpLan;
-    /// Index in the frame of the octet behind the EtherType.
+    /// Index in the frame of the octet after the EtherType.
     std::size_t payload = 0;
 };
 

@@ -125,7 +125,7 @@ Bytes mutated(Bytes frame) {
     return frame;
 }
 
-/// A frame of at most 40 octets that may begin like GOOSE or SV behind any tags.
+/// A frame of at most 40 octets that may begin like GOOSE or SV after any tags.
 Bytes shortFrame() {
     Bytes const whole =
         ethernetFrame(anyLink(), oneIn(2) ? etherTypeGoose : etherTypeSampledValues, anyOctets(12));

@@ -91,7 +91,7 @@ protected:
         frames_ = dissect(*program, wholePath(), fieldNames);
     }
 
-    /// The indexed packet that lies in this record.
+    /// The indexed packet that is in this record.
     [[nodiscard]] IndexedPacket packetIn(CaptureRecord const& record) const {
         auto const found = packets_.lower_bound(record.position);
         std::uint64_t const end = record.position + recordHeaderSize + record.inclLen;

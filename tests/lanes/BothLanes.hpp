@@ -22,7 +22,7 @@ struct WatchedStore {
     std::list<TalIec61850Parser::Db> aside;
     /// The filter that is being indexed with.
     TalIec61850Parser::Filter filter = {};
-    /// For a progress call to set: no record is read behind the next one.
+    /// For a progress call to set: no record is read after the next one.
     bool stop = false;
 };
 

@@ -21,7 +21,7 @@ namespace {
 
 using namespace TalIec61850Parser;
 
-/// A capture of the frames one behind the other, this many times.
+/// A capture of the frames one after the other, this many times.
 Bytes roundsOf(std::vector<Bytes> const& frames, std::uint32_t rounds,
                CaptureVariant variant = CaptureVariant::microLittle) {
     CaptureBuilder capture(variant);

@@ -62,7 +62,7 @@ Bytes gooseWith(GooseChange const& change) {
     return gooseFrame({}, message);
 }
 
-/// A frame of anything behind the eight octets that begin every GOOSE and SV frame.
+/// A frame of anything after the eight octets that begin every GOOSE and SV frame.
 Bytes frameAround(std::uint16_t etherType, Bytes const& pdu) {
     return ethernetFrame(etherType == etherTypeGoose ? Ethernet() : svEthernet(), etherType,
                          apdu({.appId = 1}, pdu));

@@ -72,7 +72,7 @@ std::vector<Bytes> sequenceOf(std::vector<Bytes> pool, std::uint32_t seed, std::
     return frames;
 }
 
-/// A capture of these frames; behind each `gap` of them nothing for so many records that a progress
+/// A capture of these frames; after each `gap` of them nothing for so many records that a progress
 /// call follows.
 Bytes captureOf(std::vector<Bytes> const& frames, CaptureVariant variant, std::size_t gap) {
     CaptureBuilder capture(variant);

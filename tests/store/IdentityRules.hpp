@@ -135,7 +135,7 @@ public:
         EXPECT_EQ(streamsOf<Stream>({record_, swapped}), 2U);
     }
 
-    /// Two texts that differ behind a zero octet, or by it, are two streams.
+    /// Two texts that differ after a zero octet, or by it, are two streams.
     void expectTextToCountOctetForOctet(Text Stream::*text) const {
         Stream a;
         Stream b;
@@ -168,7 +168,7 @@ public:
         for (int i = 0; i < count; ++i) {
             Stream stream = seeds[*rc::gen::inRange<std::size_t>(0, 3)];
             Stream const other = any();
-            // The index behind the last stands for no change.
+            // The index after the last means no change.
             std::size_t const mix = *rc::gen::inRange<std::size_t>(0, mixIn.size() + 1);
             if (mix < mixIn.size()) mixIn[mix](stream, other);
             bool const isNew = model.emplace(hashOf_(stream), comparedPart_(stream)).second;
@@ -199,7 +199,7 @@ inline Text anyText() {
     return *rc::gen::element<Text>(std::nullopt, std::string(), std::string("a"));
 }
 
-/// -1 stands for a member that is not set.
+/// -1 means a member that is not set.
 inline int anyNumber() { return *rc::gen::element(-1, 0, 1, 2); }
 
 template <typename Number>

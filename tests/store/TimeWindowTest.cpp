@@ -34,7 +34,7 @@ static_assert(std::is_same_v<decltype(FilteredPackagesResult::nextPackage), Pack
 Pointers const& inside(FilteredPackagesResult const& result) { return result.packages; }
 Pointers const& inside(Pointers const& result) { return result; }
 
-/// The positions of what a window holds, file behind file.
+/// The positions of what a window holds, file after file.
 template <typename Stream>
 Positions listed(Stream const& stream, Timest const& from, Timest const& to) {
     Positions positions;
@@ -206,7 +206,7 @@ TYPED_TEST(TimeWindow, ChangesNothing) {
     EXPECT_EQ(stream.packetCount, 7U);
 }
 
-/// The positions from `first` on and before `behind`; none when that lies before `first`.
+/// The positions from `first` on and before `behind`; none when that is before `first`.
 template <typename Iterator>
 Positions between(Iterator first, Iterator behind) {
     Positions positions;

@@ -7,7 +7,7 @@
 
 namespace TalTest {
 
-/// What stands before a goosePdu and a savPdu alike (IEC 61850-8-1 and 9-2, Annex C).
+/// What is before a goosePdu and a savPdu alike (IEC 61850-8-1 and 9-2, Annex C).
 struct ApduHeader {
     std::uint16_t appId = 0;
     std::uint16_t reserved1 = 0;

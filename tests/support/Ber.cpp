@@ -66,7 +66,7 @@ Bytes berClaiming(std::uint8_t tag, Bytes const& lengthOctets, Bytes const& valu
 }
 
 Bytes nested(std::uint8_t tag, std::size_t levels, Bytes const& innermost) {
-    // Each length depends on what lies inside, so the octets are laid down from the back.
+    // Each length depends on what is inside, so the octets are laid down from the back.
     Bytes backwards(innermost.rbegin(), innermost.rend());
     for (; levels > 0; --levels) {
         Bytes const length = berLength(backwards.size());

@@ -44,7 +44,7 @@ enum class LengthForm {
 /// Takes time linear in the octets built, so that a million levels are no trouble.
 [[nodiscard]] Bytes nested(std::uint8_t tag, std::size_t levels, Bytes const& innermost = {});
 
-/// The same around nothing, with `behind` on every level behind the element inside, so that each
+/// The same around nothing, with `behind` on every level after the element inside, so that each
 /// level is come back to.
 [[nodiscard]] Bytes nestedAmong(std::uint8_t tag, std::size_t levels, Bytes const& behind);
 

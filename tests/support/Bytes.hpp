@@ -13,7 +13,7 @@ namespace TalTest {
 /// What tests build and compare: frames, elements, whole captures.
 using Bytes = std::vector<std::uint8_t>;
 
-/// Puts `more` behind what `out` holds.
+/// Puts `more` after what `out` holds.
 inline void append(Bytes& out, Bytes const& more) {
     // In one piece: captures are made of many of these, by code that is mostly not optimised.
     std::size_t const size = out.size();
@@ -21,7 +21,7 @@ inline void append(Bytes& out, Bytes const& more) {
     std::copy_n(more.data(), more.size(), out.data() + size);
 }
 
-/// Puts the parts one behind the other.
+/// Puts the parts one after the other.
 [[nodiscard]] inline Bytes concat(std::initializer_list<Bytes> parts) {
     Bytes out;
     std::size_t size = 0;
@@ -55,7 +55,7 @@ inline void append(Bytes& out, Bytes const& more) {
     return Bytes(count, octet);
 }
 
-/// Where `part` first stands in `whole`; nullopt when it does not.
+/// Where `part` first is in `whole`; nullopt when it does not.
 [[nodiscard]] inline std::optional<std::size_t> find(Bytes const& whole, Bytes const& part) {
     auto const found = std::search(whole.begin(), whole.end(), part.begin(), part.end());
     if (found == whole.end() && !part.empty()) {

@@ -31,7 +31,7 @@ Bytes vlanTag(Ethernet const& ethernet) {
     return concat({bigEndian(etherTypeVlan, 2), bigEndian(control, 2)});
 }
 
-// The size counts everything behind the tag's own EtherType.
+// The size counts everything after the tag's own EtherType.
 Bytes hsrTag(Ethernet const& ethernet, std::size_t payloadSize) {
     std::uint64_t const size = (payloadSize + hsrTagSize) & 0xFFF;
     return concat({bigEndian(etherTypeHsr, 2), bigEndian(laneBit(*ethernet.hsrLan) << 12 | size, 2),

@@ -53,7 +53,7 @@ struct Ethernet {
 [[nodiscard]] std::size_t payloadOffset(Ethernet const& ethernet);
 
 /// A whole frame, without its check sequence: addresses, tags, EtherType, payload, trailer.
-/// The LSDU sizes count what lies behind the first EtherType that is not a VLAN tag's.
+/// The LSDU sizes count what is after the first EtherType that is not a VLAN tag's.
 [[nodiscard]] Bytes ethernetFrame(Ethernet const& ethernet, std::uint16_t etherType,
                                   Bytes const& payload);
 

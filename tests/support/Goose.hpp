@@ -39,18 +39,18 @@ struct GooseMessage {
     std::optional<MinimalUnsigned> confRev = MinimalUnsigned(1);
     std::optional<bool> ndsCom = false;
     std::optional<MinimalUnsigned> numDatSetEntries = MinimalUnsigned(1);
-    /// The content of allData: the entries of the data set, one behind the other.
+    /// The content of allData: the entries of the data set, one after the other.
     std::optional<Bytes> allData = Bytes{0x83, 0x01, 0x00};
 
     /// AB, or 8B to write allData as if it were primitive.
     std::uint8_t allDataTag = 0xAB;
     LengthForm allDataLengthForm = LengthForm::shortest;
     LengthForm pduLengthForm = LengthForm::shortest;
-    /// Elements, or anything else, that stand before gocbRef, before allData and behind it.
+    /// Elements, or anything else, before gocbRef, before allData and after it.
     Bytes extraFirst = {};
     Bytes extraBeforeData = {};
     Bytes extraLast = {};
-    /// What stands behind the PDU, such as a signature.
+    /// What is after the PDU, such as a signature.
     Bytes trailing = {};
 
     /// Sets allData to these entries, and numDatSetEntries to their count.

@@ -26,7 +26,7 @@ struct MergingUnitSettings {
 };
 
 /// A merging unit that takes 4000 samples a second. Its frames are built once; what changes from
-/// one to the next is written into them where it stands.
+/// one to the next is written into them where it is.
 class MergingUnit : public StationDevice {
 public:
     explicit MergingUnit(MergingUnitSettings const& settings);

@@ -117,7 +117,7 @@ public:
     /// Below zero once all is written.
     [[nodiscard]] int writingEnd() const { return pipe_.writing.number(); }
 
-    /// Writes what there is room for; closes the pipe behind the last octet.
+    /// Writes what there is room for; closes the pipe after the last octet.
     void feed() {
         while (pipe_.writing.isOpen()) {
             bool const isDone = written_ == octets_.size();

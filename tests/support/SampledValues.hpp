@@ -39,7 +39,7 @@ struct Asdu {
     std::optional<Unsigned<2>> smpMod = {};
 
     LengthForm lengthForm = LengthForm::shortest;
-    /// Elements, or anything else, that stand before svID and behind the last field.
+    /// Elements, or anything else, before svID and after the last field.
     Bytes extraFirst = {};
     Bytes extraLast = {};
 };
@@ -60,11 +60,11 @@ struct SvMessage {
 
     LengthForm pduLengthForm = LengthForm::shortest;
     LengthForm sequenceLengthForm = LengthForm::shortest;
-    /// What stands before noASDU, before the sequence of ASDU, and in it before the first ASDU.
+    /// What is before noASDU, before the sequence of ASDU, and in it before the first ASDU.
     Bytes extraFirst = {};
     Bytes extraBeforeSequence = {};
     Bytes extraInSequence = {};
-    /// What stands behind the PDU, such as a signature.
+    /// What is after the PDU, such as a signature.
     Bytes trailing = {};
 };
 

@@ -32,7 +32,7 @@ constexpr std::size_t kWorkers = 8;
 constexpr std::size_t kRounds = 10;
 constexpr std::size_t kRecordsPerCall = 1000;
 
-/// Packets by stream, in the order of their lists, each by where it lies.
+/// Packets by stream, in the order of their lists, each by where it is.
 using Lists = std::map<std::string, std::vector<std::uint64_t>>;
 
 Lists listsOf(Db const& db) {

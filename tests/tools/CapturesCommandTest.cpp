@@ -8,6 +8,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
 #include "support/Ethernet.hpp"
+#include "support/Goose.hpp"
 #include "support/OtherTraffic.hpp"
 #include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
@@ -228,6 +229,25 @@ TEST(Captures, HaveTheDropsThatTheFileTells) {
     EXPECT_EQ(rowOf(maker.bytes())["dropped"], 42);
 }
 
+TEST(Captures, CountTrailersThatAreNeitherPaddingNorOfPrp) {
+    GooseMessage signedMessage;
+    signedMessage.trailing = Bytes(8, 0xEE);
+    auto const signedFrame = gooseFrame(Ethernet(), signedMessage);
+    TempFile const some(CaptureBuilder()
+                            .add(1, 0, signedFrame)
+                            .add(2, 0, oneGoose())
+                            .add(3, 0, signedFrame)
+                            .bytes());
+    EXPECT_EQ(rowsOf({"captures", some.path()}).at(0)["unknownTrailers"], 2);
+    EXPECT_EQ(rowOf(smallCapture())["unknownTrailers"], 0);
+    auto const trailers = [](std::string const& path) {
+        return tableRows(runCompanion({"captures", "--columns", "unknownTrailers", path}).out);
+    };
+    EXPECT_EQ(trailers(some.path()).at(0).back(), "2");
+    TempFile const none(smallCapture());
+    EXPECT_EQ(trailers(none.path()).at(0).back(), "-");
+}
+
 TEST(Captures, HaveTheEarliestAndLatestTimeOfAllRecords) {
     PcapngMaker maker;
     maker.section().interface(1, 0, maker.timeOptions(9));
@@ -329,7 +349,7 @@ TEST(Captures, InATableHaveASummary) {
                                                  std::to_string(std::filesystem::file_size(second)),
                                                  "1970-01-01T00:00:01.000000000Z",
                                                  "1970-01-01T00:00:02.000000000Z", "0", "1",
-                                                 "PTP 1", "-", "-"}));
+                                                 "PTP 1", "-", "-", "-"}));
     EXPECT_EQ(summaryOf(runCompanion({"captures", "-q", first}).out), "");
 }
 

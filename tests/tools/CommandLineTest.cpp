@@ -34,10 +34,11 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
                      "library: there is no command nothing, see tal-iec61850 library --help");
     expectUsageError({"streams", "--nothing", "a"}, "streams: there is no option --nothing");
     expectUsageError({"streams", "-x"}, "streams: there is no option -x");
-    expectUsageError({"-q", "streams", "a"}, "there is no option -q");
+    expectUsageError({"-q", "streams", "a"},
+                     "there is no option -q; options of a command come after it");
     expectUsageError({"streams", "-f", "xml", "a"},
                      "streams: --format: xml is none of table, json, csv, spreadsheet");
-    expectUsageError({"manual", "a"}, "manual: The following argument was not expected: a");
+    expectUsageError({"manual", "a"}, "manual: there is no use for a");
 }
 
 TEST(CommandLine, NamesWhatMayBeMeant) {
@@ -52,6 +53,54 @@ TEST(CommandLine, NamesWhatMayBeMeant) {
     expectUsageError({"streams", "--sort", "pakets", "a"},
                      "streams: --sort: pakets is none of identity, source, destination, appid, "
                      "name, packets, rate, first, last; did you mean packets?");
+}
+
+TEST(CommandLine, NamesTheCommandsThatHaveAnOption) {
+    expectUsageError({"streams", "--stnum", "5", "a"},
+                     "streams: there is no option --stnum; packets, show have it");
+    expectUsageError({"redundancy", "--timeline", "a"},
+                     "redundancy: there is no option --timeline; events has it");
+    expectUsageError({"streams", "--members", "a"},
+                     "streams: there is no option --members; scl list has it");
+}
+
+TEST(CommandLine, NamesOneOfManyChoicesWhereItIsMeant) {
+    expectUsageError({"check", "--kind", "sampelGap", "a"},
+                     "check: --kind: sampelGap is not known; did you mean sampleGap?");
+}
+
+TEST(CommandLine, RefusesAnOptionWithoutItsValue) {
+    expectUsageError({"library", "judge", "--svid"}, "library judge: --svid: a value is missing");
+    expectUsageError({"streams", "a", "-f"}, "streams: --format: a value is missing");
+}
+
+TEST(CommandLine, RefusesRangesThatAreNone) {
+    for (std::string const range : {"-1", "5-", "9-7", "-", ""}) {
+        expectUsageError({"packets", "--smpcnt", range, "a"},
+                         "packets: --smpcnt: " + range + " is not a number or a range such as 7-9");
+    }
+}
+
+TEST(CommandLine, ReadsCountsAsDecimalNumbersAlone) {
+    expectUsageError({"events", "--limit", "0x10", "a"},
+                     "events: --limit: 0x10 is not a number of rows");
+    expectUsageError({"packets", "--limit", "0x10", "a"},
+                     "packets: --limit: 0x10 is not a number of packets");
+    expectUsageError({"plot", "--width", "0x400", "a"},
+                     "plot: --width: 0x400 is not pixels, from 320 to 4000");
+}
+
+TEST(CommandLine, PointsToTheFieldsWhereNoneIsMeant) {
+    TempFile const capture(smallCapture());
+    expectUsageError({"streams", "--columns", "svID,nothing", capture.path()},
+                     "--columns: there is no field nothing; --help lists them");
+}
+
+TEST(CommandLine, RefusesToWriteOverAnInput) {
+    TempFile const capture(smallCapture());
+    auto const message = "the output " + capture.path() + " is one of the files to be read";
+    expectUsageError({"packets", "-w", capture.path(), capture.path()}, message);
+    expectUsageError({"streams", "-o", capture.path(), capture.path()}, message);
 }
 
 TEST(CommandLine, RefusesAnOptionBeforeItMissesAFile) {
@@ -106,6 +155,10 @@ TEST(CommandLine, HelpsWithAnExample) {
     EXPECT_NE(help.out.find("streams"), std::string::npos);
     EXPECT_NE(help.out.find("Example:\n  tal-iec61850 streams "), std::string::npos);
     EXPECT_EQ(runCompanion({"-h"}).out, help.out);
+}
+
+TEST(CommandLine, HasOneEmptyLineBetweenTheGroupsOfAHelp) {
+    EXPECT_EQ(runCompanion({"check", "--help"}).out.find("\n\n\n"), std::string::npos);
 }
 
 TEST(CommandLine, HelpsWithEachSubcommand) {

@@ -24,7 +24,7 @@ using TalIec61850Parser::VlanInfo;
 using TalTest::below;
 using TalTest::oneIn;
 
-/// Whether a name is what a pattern stands for, tried out.
+/// Whether a name is what a pattern means, tried out.
 bool matches(std::string_view pattern, std::string_view name) {
     if (pattern.empty()) {
         return name.empty();

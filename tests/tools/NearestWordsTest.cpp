@@ -44,6 +44,15 @@ TEST(NearestWords, AreThoseOfWhichAThirdDiffersAtMost) {
     EXPECT_EQ(nearestWord("a", {}), std::nullopt);
 }
 
+TEST(NearestWords, AreElseTheOnlyOnesThatBeginWithTheWord) {
+    Words const options = {"--columns", "--color", "--severity"};
+    EXPECT_EQ(nearestWord("err", {"note", "warning", "error"}), "error");
+    EXPECT_EQ(nearestWord("--sev", options), "--severity");
+    EXPECT_EQ(nearestWord("--col", options), std::nullopt);
+    EXPECT_EQ(nearestWord("--se", options), std::nullopt);
+    EXPECT_EQ(nearestWord("--columnsOfAll", options), std::nullopt);
+}
+
 TEST(NearestWords, ComeFirstAndTheOthersInTheirOrder) {
     EXPECT_EQ(nearestFirst("MU2", {"Z9", "MU1", "Y9", "MU2"}), (Words{"MU2", "MU1", "Z9", "Y9"}));
     EXPECT_EQ(nearestFirst("a", {}), Words{});

@@ -91,7 +91,7 @@ Bytes const& longCapture() {
     return made;
 }
 
-/// With the begin of one record more.
+/// With the start of one record more.
 Bytes damaged(Bytes capture) {
     capture.insert(capture.end(), {1, 2});
     return capture;

@@ -13,7 +13,7 @@ namespace {
 
 TEST(SamplesRows, AreTheAsdusOfEachFrame) {
     for (std::uint32_t const asdus : {1U, 2U, 6U, 8U, 13U}) {
-        // The counter begins again at the begin of a frame.
+        // The counter begins again at the start of a frame.
         WaveformSettings settings = declaredWave(asdus == 13 ? 5200 : 4800, asdus);
         settings.firstCount = settings.rate - 20 * asdus;
         WaveformStream stream(settings);

@@ -38,6 +38,9 @@ constexpr char const* kCapturesNotes = R"(What the columns mean:
                has a length in place of the EtherType.
   DROPPED      Packets lost while capturing, if the file says so; a pcap
                file cannot.
+  TRAILERS     GOOSE and SV frames with octets after the PDU that are
+               neither padding nor a PRP trailer: a signature, or a
+               trailer whose size does not fit.
 
 )";
 
@@ -45,7 +48,8 @@ std::string capturesNotes() {
     auto const fields = listFields(fieldNames(captureLayout()),
                                    {{"linkTypes", "a list of numbers"},
                                     {"lastTimeNs", "nanoseconds since 1970"},
-                                    {"other", "an object, protocol to number of frames"}});
+                                    {"other", "an object, protocol to number of frames"},
+                                    {"unknownTrailers", "TRAILERS"}});
     return kCapturesNotes + paragraph("The fields of json and csv: " + fields + ".");
 }
 

@@ -27,7 +27,7 @@ void refuseToOverwrite(std::string const& path, std::set<FileIdentity> const& fi
     bool const isFile = ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
     if (isFile && files.contains({.device = status.st_dev, .inode = status.st_ino})) {
         throw UsageError(
-            fmt::format("--output: {} is one of the files to be read", escapeText(path)));
+            fmt::format("the output {} is one of the files to be read", escapeText(path)));
     }
 }
 

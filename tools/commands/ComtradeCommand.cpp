@@ -89,7 +89,7 @@ void check(ComtradeOptions const& options) {
         throw UsageError("--member goes with --goose, whose members it selects");
     }
     if (options.split && *options.split <= std::chrono::nanoseconds(0)) {
-        throw UsageError("--split is longer than nothing");
+        throw UsageError("--split takes a length of time above 0");
     }
     if (options.split && !options.moreArounds.empty()) {
         throw UsageError("--split goes with one window");

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "tools/output/WrapText.hpp"
 
@@ -30,6 +31,18 @@ public:
     std::string make_option(CLI::Option const* option, bool isPositional) const override {
         return twoColumns("  " + make_option_name(option, isPositional) + make_option_opts(option),
                           make_option_desc(option));
+    }
+
+    /// One empty line between groups, of which the base class makes two.
+    std::string make_help(CLI::App const* command, std::string name,
+                          CLI::AppFormatMode mode) const override {
+        std::string text = CLI::Formatter::make_help(command, std::move(name), mode);
+        constexpr char const* kTwoEmptyLines = "\n\n\n";
+        for (auto at = text.find(kTwoEmptyLines); at != std::string::npos;
+             at = text.find(kTwoEmptyLines, at)) {
+            text.erase(at, 1);
+        }
+        return text;
     }
 
     std::string make_subcommand(CLI::App const* command) const override {

@@ -13,8 +13,9 @@ std::size_t findField(std::vector<std::string_view> const& names, std::string co
         return isSameWord(name, wanted);
     });
     if (found == names.end()) {
+        auto const guess = didYouMean(wanted, {names.begin(), names.end()});
         throw UsageError(fmt::format("--columns: there is no field {}{}", escapeText(wanted),
-                                     didYouMean(wanted, {names.begin(), names.end()})));
+                                     guess.empty() ? "; --help lists them" : guess));
     }
     return static_cast<std::size_t>(found - names.begin());
 }

@@ -20,6 +20,16 @@ CommandDefinition& addTo(ProgramDefinition& program, CLI::App& parent, std::stri
     return command;
 }
 
+/// Where one of many is meant, the others would hide it.
+std::string choiceRefusal(std::string const& value, std::vector<std::string> const& choices) {
+    constexpr std::size_t kMostListed = 16;
+    auto const guess = didYouMean(value, choices);
+    if (!guess.empty() && choices.size() > kMostListed) {
+        return fmt::format("{} is not known{}", value, guess);
+    }
+    return fmt::format("{} is none of {}{}", value, fmt::join(choices, ", "), guess);
+}
+
 }  // namespace
 
 void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std::string> choices) {
@@ -29,8 +39,7 @@ void allowOnly(CommandDefinition& command, CLI::Option& option, std::vector<std:
                 std::find_if(choices.begin(), choices.end(),
                              [&](std::string const& choice) { return isSameWord(choice, value); });
             if (found == choices.end()) {
-                return fmt::format("{} is none of {}{}", value, fmt::join(choices, ", "),
-                                   didYouMean(value, choices));
+                return choiceRefusal(value, choices);
             }
             value = *found;
             return std::string();

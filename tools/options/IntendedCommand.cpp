@@ -1,6 +1,7 @@
 #include "tools/options/IntendedCommand.hpp"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -53,8 +54,36 @@ Arguments optionsOf(CLI::App const& command) {
     return names;
 }
 
+/// The commands that have an option, in the order in which they are listed.
+Arguments commandsWith(CLI::App const& program, std::string const& option) {
+    std::vector<CLI::App const*> commands = {&program};
+    Arguments names;
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        CLI::App const& command = *commands[i];
+        if (command.get_option_no_throw(option) != nullptr) {
+            names.push_back(fmt::format("{}", fmt::join(wordsOf(command), " ")));
+        }
+        auto const members = command.get_subcommands(nullptr);
+        commands.insert(commands.end(), members.begin(), members.end());
+    }
+    return names;
+}
+
+/// Where an option can be given that the command does not have, or what may be meant.
+std::string optionHint(CLI::App const& program, CLI::App const& command, std::string const& name) {
+    auto const owners = commandsWith(program, name);
+    if (owners.empty()) {
+        return didYouMean(name, optionsOf(command));
+    }
+    if (&command == &program) {
+        return "; options of a command come after it";
+    }
+    return fmt::format("; {} {} it", fmt::join(owners, ", "), owners.size() == 1 ? "has" : "have");
+}
+
 /// Refuses the first of the options in an argument that the command does not have.
-void refuseUnknownOption(CLI::App const& command, std::string const& argument) {
+void refuseUnknownOption(CLI::App const& program, CLI::App const& command,
+                         std::string const& argument) {
     bool const isLong = argument.starts_with("--");
     std::string const name =
         isLong ? argument.substr(0, argument.find('=')) : argument.substr(0, 2);
@@ -62,8 +91,7 @@ void refuseUnknownOption(CLI::App const& command, std::string const& argument) {
         return;
     }
     throw UsageError(fmt::format("{}there is no option {}{}", messageStart(command),
-                                 escapeText(name),
-                                 isLong ? didYouMean(name, optionsOf(command)) : ""));
+                                 escapeText(name), optionHint(program, command, name)));
 }
 
 /// The command of a group, or of the program, that a word names.
@@ -125,7 +153,7 @@ void refuseUnknown(CLI::App const& program, Arguments const& arguments) {
     CLI::App const* command = &program;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         if (kinds[i] == ArgumentKind::option) {
-            refuseUnknownOption(*command, arguments[i]);
+            refuseUnknownOption(program, *command, arguments[i]);
         } else if (kinds[i] == ArgumentKind::word) {
             CLI::App const* const next = nextCommand(*command, arguments[i]);
             command = next == nullptr ? command : next;

@@ -7,18 +7,18 @@
 namespace TalIec61850Tools {
 
 void addLimitOption(CommandDefinition& command, std::optional<std::uint64_t>& limit,
-                    std::string const& group) {
+                    std::string const& group, std::string const& what) {
     command.parser
         ->add_option_function<std::string>(
             "--limit",
-            [&limit](std::string const& text) {
+            [&limit, what](std::string const& text) {
                 auto const number = readNumber(text, 10, std::uint64_t{1} << 62U);
                 if (!number) {
-                    refuseValue("--limit", text, "a number of rows");
+                    refuseValue("--limit", text, "a number of " + what);
                 }
                 limit = *number;
             },
-            "Write the first N rows at most")
+            "Write the first N " + what + " at most")
         ->option_text("N")
         ->group(group);
 }

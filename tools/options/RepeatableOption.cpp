@@ -19,7 +19,7 @@ void refuseValue(std::string const& option, std::string const& value, std::strin
 }
 
 std::optional<std::uint64_t> readNumber(std::string const& text, int base, std::uint64_t max) {
-    char const* const begin = text.data() + (isMarkedHexadecimal(text) ? 2 : 0);
+    char const* const begin = text.data() + (base == 16 && isMarkedHexadecimal(text) ? 2 : 0);
     char const* const end = text.data() + text.size();
     std::uint64_t number = 0;
     auto const [stop, error] = std::from_chars(begin, end, number, base);

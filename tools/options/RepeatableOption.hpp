@@ -19,7 +19,7 @@ inline constexpr char const* kStreamsGroup = "Which streams";
                               std::string const& wanted);
 
 /// Reads a number of a base.
-/// @param base  10 or 16; a 0x before the digits counts for nothing
+/// @param base  10, or 16 with or without 0x before the digits
 /// @return none for any other text, and for a number beyond `max`
 [[nodiscard]] std::optional<std::uint64_t> readNumber(std::string const& text, int base,
                                                       std::uint64_t max);

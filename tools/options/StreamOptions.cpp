@@ -53,12 +53,16 @@ char toLane(Text option, Text text) {
 NumberRange toRange(Text option, Text text) {
     constexpr auto max = std::numeric_limits<std::uint32_t>::max();
     auto const dash = text.find('-');
+    std::string const first = text.substr(0, dash);
+    std::string const last = dash == std::string::npos ? first : text.substr(dash + 1);
+    bool const areThere = !first.empty() && !last.empty();
     NumberRange range;
-    range.first = numberValue(option, text.substr(0, dash), max);
-    range.last =
-        dash == std::string::npos ? range.first : numberValue(option, text.substr(dash + 1), max);
-    if (range.last < range.first) {
-        refuseValue(option, text, "a number, or two of which the first is not the larger one");
+    if (areThere) {
+        range.first = numberValue(option, first, max);
+        range.last = numberValue(option, last, max);
+    }
+    if (!areThere || range.last < range.first) {
+        refuseValue(option, text, "a number or a range such as 7-9");
     }
     return range;
 }

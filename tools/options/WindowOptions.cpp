@@ -76,7 +76,7 @@ void addLengthOption(CommandDefinition& command, std::string const& name,
 
 void WindowOptions::check() const {
     if (from && to && to->isSurelyBefore(*from)) {
-        throw UsageError("--to lies before --from");
+        throw UsageError("--to is before --from");
     }
     if (around && (from || to)) {
         throw UsageError("--around goes with --span, not with --from and --to");
@@ -106,8 +106,8 @@ TalIec61850Analysis::TimeWindow WindowOptions::resolve(CaptureSpan const& captur
 void addWindowOptions(CommandDefinition& command, WindowOptions& window,
                       std::vector<TimeBound>* moreArounds) {
     addTimeOption(command, "--from", window.from,
-                  "Begin of the window: date and time, time of day, seconds since 1970, +1.5s from "
-                  "the begin of the captures, -5s from their end");
+                  "Start of the window: date and time, time of day, seconds since 1970, +1.5s from "
+                  "the start of the captures, -5s from their end");
     addTimeOption(command, "--to", window.to, "End of the window, itself inside");
     if (moreArounds != nullptr) {
         addArounds(command, window, *moreArounds);

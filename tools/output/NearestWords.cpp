@@ -15,6 +15,26 @@ char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' +
 
 bool isSame(char a, char b) { return toLower(a) == toLower(b); }
 
+/// The only candidate that the word begins.
+std::optional<std::string> onlyContinued(std::string_view word,
+                                         std::vector<std::string> const& candidates) {
+    constexpr std::size_t kLeast = 3;
+    if (word.size() - std::min(word.find_first_not_of('-'), word.size()) < kLeast) {
+        return std::nullopt;
+    }
+    std::optional<std::string> found;
+    for (std::string const& candidate : candidates) {
+        if (!isSameWord(std::string_view(candidate).substr(0, word.size()), word)) {
+            continue;
+        }
+        if (found) {
+            return std::nullopt;
+        }
+        found = candidate;
+    }
+    return found;
+}
+
 }  // namespace
 
 bool isSameWord(std::string_view a, std::string_view b) {
@@ -50,7 +70,7 @@ std::optional<std::string> nearestWord(std::string_view word,
     std::size_t const most = std::max<std::size_t>(1, word.size() / 3);
     bool const isNear = !ordered.empty() && !word.empty() && word.size() <= kMostCompared &&
                         countDifferences(word, ordered.front()) <= most;
-    return isNear ? std::optional(ordered.front()) : std::nullopt;
+    return isNear ? std::optional(ordered.front()) : onlyContinued(word, candidates);
 }
 
 std::vector<std::string> nearestFirst(std::string_view word, std::vector<std::string> candidates) {

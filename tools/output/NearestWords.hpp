@@ -14,8 +14,9 @@ namespace TalIec61850Tools {
 /// swap. Letter case does not count. Only the first 64 characters are looked at.
 [[nodiscard]] std::size_t countDifferences(std::string_view a, std::string_view b);
 
-/// The candidate that a mistyped word is most like.
-/// @return none if more than a third of its characters differ
+/// The candidate that a mistyped word is most like, else the only one that the word begins.
+/// @return none if more than a third of the characters differ, and the word begins none or several,
+///         or has fewer than three characters after dashes
 [[nodiscard]] std::optional<std::string> nearestWord(std::string_view word,
                                                      std::vector<std::string> const& candidates);
 

@@ -460,48 +460,51 @@ void SampleRecord::describe() {
     }
 }
 
+/// A channel of a source as it is stored.
+/// @param meaning  null where it is not known
+ComtradeAnalog SampleRecord::analogOf(std::size_t number, std::size_t channel,
+                                      ChannelMeaning const* meaning) const {
+    RecordSource const& source = wish_.sources[number];
+    ComtradeAnalog analog;
+    analog.id = channelId(source.stream->key.name,
+                          meaning == nullptr ? fmt::format("ch{}", channel + 1) : meaning->name);
+    if (!source.scales.empty()) {
+        std::size_t const place = source.scales.size() == 1 ? 0 : channel;
+        analog.scale = place < source.scales.size() ? source.scales[place] : 1;
+    } else if (meaning != nullptr && meaning->scale) {
+        analog.scale = meaning->scale->unitsPerCount();
+        analog.offset = meaning->scale->offset;
+        analog.unit = meaning->unit;
+    }
+    if (meaning != nullptr) {
+        analog.phase = meaning->phase;
+        analog.component = meaning->component;
+    }
+    if (needsExtents() && extents_[number][channel].isKnown) {
+        Extent const& extent = extents_[number][channel];
+        ValueType const type = source.layout.channels()[channel].valueType();
+        bool const isReal = type == ValueType::float32 || type == ValueType::float64;
+        analog.step = isReal ? stepForReals(wish_.format, extent.smallest, extent.largest)
+                             : stepForIntegers(wish_.format, toInteger(extent.smallest),
+                                               toInteger(extent.largest));
+    }
+    return analog;
+}
+
 void SampleRecord::describeSource(std::size_t number) {
     RecordSource const& source = wish_.sources[number];
     bool const isDescribed =
         source.described != nullptr && source.described->layout == source.layout;
     auto const& meanings = isDescribed ? source.described->channels : meaningsOf(source.layout);
-    std::string const& svID = source.stream->key.name;
     for (std::size_t const channel : source.channels) {
-        SampleChannel const& made = source.layout.channels()[channel];
-        ComtradeAnalog analog;
-        std::string const name =
-            meanings.empty() ? fmt::format("ch{}", channel + 1) : meanings[channel].name;
-        analog.id = channelId(svID, name);
-        if (!source.scales.empty()) {
-            std::size_t const place = source.scales.size() == 1 ? 0 : channel;
-            analog.scale = place < source.scales.size() ? source.scales[place] : 1;
-        } else if (!meanings.empty() && meanings[channel].scale) {
-            ChannelScale const& scale = *meanings[channel].scale;
-            analog.scale = scale.unitsPerCount();
-            analog.offset = scale.offset;
-            analog.unit = meanings[channel].unit;
+        record_.analogs.push_back(
+            analogOf(number, channel, meanings.empty() ? nullptr : &meanings[channel]));
+        if (source.layout.channels()[channel].qualityOffset) {
+            describeQuality(record_.analogs.back().id);
         }
-        if (!meanings.empty()) {
-            analog.phase = meanings[channel].phase;
-            analog.component = meanings[channel].component;
-        }
-        if (needsExtents()) {
-            Extent const& extent = extents_[number][channel];
-            bool const isReal =
-                made.valueType() == ValueType::float32 || made.valueType() == ValueType::float64;
-            if (extent.isKnown) {
-                analog.step = isReal ? stepForReals(wish_.format, extent.smallest, extent.largest)
-                                     : stepForIntegers(wish_.format, toInteger(extent.smallest),
-                                                       toInteger(extent.largest));
-            }
-        }
-        if (made.qualityOffset) {
-            describeQuality(analog.id);
-        }
-        record_.analogs.push_back(std::move(analog));
     }
     if (source.isSynchMixed) {
-        record_.digitals.push_back({.id = channelId(svID, "smpSynch not 2"),
+        record_.digitals.push_back({.id = channelId(source.stream->key.name, "smpSynch not 2"),
                                     .phase = {},
                                     .component = {},
                                     .normal = false});

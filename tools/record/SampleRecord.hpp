@@ -138,6 +138,9 @@ private:
     void countSamples(GridSpan const& span, SynchCounts& synch);
     void checkDrift(std::span<std::optional<GridSpan> const> spans) const;
     void describe();
+    [[nodiscard]] TalIec61850Analysis::ComtradeAnalog analogOf(std::size_t number,
+                                                               std::size_t channel,
+                                                               ChannelMeaning const* meaning) const;
     void describeSource(std::size_t number);
     void describeQuality(std::string const& channel);
 

@@ -123,6 +123,12 @@ Cell damageField(CaptureRow const& row) {
     return damageText(summary.damages.front()) + (more ? ", " + *more : "");
 }
 
+/// Nothing for none, so that a terminal has the column where there is something in it.
+Cell trailersCell(CaptureRow const& row) {
+    std::uint64_t const trailers = row.summary->unknownTrailers;
+    return trailers == 0 ? Cell() : Cell(trailers);
+}
+
 std::vector<Column<CaptureRow>> captureColumns(std::vector<Field<CaptureRow>> const& fields) {
     // To the second: which file is meant matters more than when exactly it starts.
     auto const fitSeconds = [](std::size_t rank) {
@@ -136,11 +142,11 @@ std::vector<Column<CaptureRow>> captureColumns(std::vector<Field<CaptureRow>> co
     };
     return {
         column("file", {"FILE", Align::left, fitPath}),
-        column("format", {"FORMAT", Align::left, {.rank = 9}}),
-        column("precision", {"PRECISION", Align::left, {.rank = 10}}),
-        {{"LINK", Align::left, {.rank = 11}}, linkCell, "linkTypes"},
+        column("format", {"FORMAT", Align::left, {.rank = 10}}),
+        column("precision", {"PRECISION", Align::left, {.rank = 11}}),
+        {{"LINK", Align::left, {.rank = 12}}, linkCell, "linkTypes"},
         column("records", {"RECORDS", Align::right, {.rank = 1}}),
-        column("octets", {"OCTETS", Align::right, {.rank = 12}}),
+        column("octets", {"OCTETS", Align::right, {.rank = 13}}),
         {{"FIRST", Align::left, fitSeconds(4)},
          [](CaptureRow const& r) { return timeCell(r.summary->first); }},
         {{"LAST", Align::left, fitSeconds(6)},
@@ -150,6 +156,7 @@ std::vector<Column<CaptureRow>> captureColumns(std::vector<Field<CaptureRow>> co
         {{"OTHER", Align::left, fitOther}, otherCell, "other"},
         column("dropped", {"DROPPED", Align::right, {.rank = 8}}),
         column("damage", {"DAMAGE", Align::left, fitDamage}),
+        {{"TRAILERS", Align::right, {.rank = 9}}, trailersCell, "unknownTrailers"},
     };
 }
 
@@ -193,7 +200,9 @@ RowLayout<CaptureRow> captureLayout() {
         {"sv", [](CaptureRow const& r) -> Cell { return r.summary->svFrames; }},
         {"other", otherField},
         {"dropped", [](CaptureRow const& r) -> Cell { return droppedPackets(*r.summary); }},
-        {"damage", damageField}};
+        {"damage", damageField},
+        {"unknownTrailers",
+         [](CaptureRow const& r) -> Cell { return r.summary->unknownTrailers; }}};
     layout.columns = captureColumns(layout.fields);
     return layout;
 }

@@ -33,6 +33,7 @@ struct CaptureRow {
 ///     other         object     protocol to number of frames, the most frequent first
 ///     dropped       integer    packets that were lost while capturing, if the file says so
 ///     damage        text       what is wrong with the file first, and how much more is
+///     unknownTrailers integer  GOOSE and SV frames with octets after the PDU of unknown meaning
 [[nodiscard]] RowLayout<CaptureRow> captureLayout();
 
 /// The unit of times, of several interfaces the finest: "us", "1e-7s", "2^-20s".

@@ -14,7 +14,7 @@
 
 namespace TalIec61850Tools {
 
-/// Where a packet lies, seen from the window that was asked for.
+/// Where a packet is, seen from the window that was asked for.
 enum class Place : std::uint8_t {
     inside,
     before,  ///< the last one of its stream and file before the window

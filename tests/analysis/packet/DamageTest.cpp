@@ -85,7 +85,7 @@ TEST(CutGoose, HasEveryFieldThatIsWhole) {
     PlacedFrame const goose = placed(GooseMessage());
     for (std::uint8_t const tag :
          Bytes{0x80, 0x81, 0x82, 0x83, 0x84, 0x85, 0x86, 0x87, 0x88, 0x89, 0x8A}) {
-        // Cut behind the field, and in its last octet.
+        // Cut after the field, and in its last octet.
         std::size_t end = goose.offset + 2;
         while (goose.frame[end] != tag) end += 2U + goose.frame[end + 1];
         end += 2U + goose.frame[end + 1];

@@ -42,7 +42,7 @@ struct PlacedFrame {
 /// One value of every kind, some with all there is to them.
 [[nodiscard]] std::vector<Bytes> everyKind();
 
-/// A message of every kind of value, behind all tags, with something unknown and something behind.
+/// A message of every kind of value, after all tags, with something unknown and something after it.
 [[nodiscard]] PlacedFrame richGoose();
 /// Two ASDUs with every field.
 [[nodiscard]] PlacedFrame richSv();

@@ -125,6 +125,19 @@ TEST(SampleCounterWalk, CountsALongLossThatTimeConfirms) {
     EXPECT_EQ(numberOf(more), 4099);
 }
 
+TEST(CountRule, TellsAJumpWhereLessThanHalfOfTheTimePassed) {
+    EXPECT_FALSE(k4000.isJump(1, 0));
+    EXPECT_TRUE(k4000.isJump(2, 1.4 * kInterval));
+    EXPECT_FALSE(k4000.isJump(2, 1.6 * kInterval));
+    EXPECT_TRUE(k4000.isJump(9, kInterval));
+    EXPECT_FALSE(k4000.isJump(9, 9 * kInterval));
+    constexpr CountRule eight = {.wrap = 4000, .interval = kInterval, .atOnce = 8};
+    // From the last ASDU of a frame to the first of the frame after the next.
+    EXPECT_TRUE(eight.isJump(9, 11 * kInterval));
+    EXPECT_FALSE(eight.isJump(9, 13 * kInterval));
+    EXPECT_FALSE(CountRule().isJump(9, 0));
+}
+
 TEST(SampleCounterWalk, LetsTimeDecideHalfOfTheWrapWhereThereIsNone) {
     SampleCounter counter = startedAt(0);
     EXPECT_EQ(counter.add(1999, kNoTime), CountStep::next);

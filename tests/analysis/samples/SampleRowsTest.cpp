@@ -107,6 +107,43 @@ TEST_P(SampleRowsAtRate, BeginAnewWhereTheCounterDoes) {
     expectRowsOf(stream);
 }
 
+TEST_P(SampleRowsAtRate, BeginAnewWhereTheCounterGoesFurtherThanTime) {
+    // Counters that jump tell a rate less well.
+    WaveformSettings declared = settings();
+    declared.smpRate = static_cast<std::uint16_t>(declared.rate);
+    declared.smpMod = 1;
+    WaveformStream stream(declared);
+    stream.send(frames(0.2));
+    for (std::uint32_t const skipped : {1U, 2U, 5U, 9U}) {
+        stream.restartAt((stream.nextCount() + skipped * GetParam().asdus) % GetParam().rate);
+        stream.send(frames(0.1));
+    }
+    expectRowsOf(stream);
+}
+
+TEST_P(SampleRowsAtRate, AreLostAfterALateFrame) {
+    std::int64_t const frameTime = 1'000'000'000LL * GetParam().asdus / GetParam().rate;
+    WaveformStream stream(settings());
+    for (std::size_t const lost : {1U, 2U}) {
+        stream.send(frames(0.1)).delayNext(frameTime * 9 / 10).send().lose(lost);
+    }
+    stream.send(frames(0.2));
+    expectRowsOf(stream);
+}
+
+TEST_P(SampleRowsAtRate, AreLostHoweverUnevenArrivalIs) {
+    WaveformSettings uneven = settings();
+    uneven.smpRate = static_cast<std::uint16_t>(uneven.rate);
+    uneven.smpMod = 1;
+    uneven.jitter = 2'000'000'000LL * uneven.asdus / uneven.rate;
+    WaveformStream stream(uneven);
+    stream.send(frames(0.1));
+    for (std::size_t gap = 0; gap < 30; ++gap) {
+        stream.lose(1 + gap % 3).send(17);
+    }
+    expectRowsOf(stream);
+}
+
 TEST_P(SampleRowsAtRate, ComeOnceOverTwoWays) {
     for (WaveCopies const copies : {WaveCopies::prp, WaveCopies::hsr}) {
         WaveformSettings twice = settings();

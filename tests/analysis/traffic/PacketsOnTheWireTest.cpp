@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -94,6 +95,57 @@ TEST(TrafficPackets, ComeFromWholeRecordsAlone) {
         EXPECT_EQ(summaryOf(index).svFrames, 2U);
         EXPECT_TRUE(summaryOf(index).unread.empty());
     }
+}
+
+/// A message whose PDU these octets follow.
+GooseMessage withTail(Bytes tail) {
+    GooseMessage message;
+    message.trailing = std::move(tail);
+    return message;
+}
+
+/// How many of three such frames have a trailer of unknown meaning: all, or none. The second and
+/// the third are indexed by the pattern of the first.
+bool hasUnknownTrailer(Bytes const& frame) {
+    TrafficCapture capture;
+    capture.add(frame).add(frame).add(frame);
+    std::uint64_t const counted = summaryOf(capture.index()).unknownTrailers;
+    EXPECT_TRUE(counted == 0 || counted == 3) << counted;
+    return counted != 0;
+}
+
+TEST(TrafficFrames, WithNeitherPaddingNorAPrpTrailerAfterThePduAreCounted) {
+    Ethernet const plain;
+    Ethernet const ring = plain.withHsr('A', 7);
+    Ethernet const lan = plain.withPrp('B', 7);
+    for (Ethernet const& ethernet : {plain, ring, lan, lan.withPadding(), plain.withVlan(3)}) {
+        EXPECT_FALSE(hasUnknownTrailer(gooseFrame(ethernet, GooseMessage())));
+        EXPECT_FALSE(hasUnknownTrailer(gooseFrame(ethernet, withTail(Bytes(9)))));
+        EXPECT_TRUE(hasUnknownTrailer(gooseFrame(ethernet, withTail({0, 0, 1}))));
+        EXPECT_TRUE(hasUnknownTrailer(gooseFrame(ethernet, withTail(Bytes(20, 0xEE)))));
+    }
+    Bytes paddedAfter = gooseFrame(lan, GooseMessage());
+    paddedAfter.resize(paddedAfter.size() + 5);
+    EXPECT_FALSE(hasUnknownTrailer(paddedAfter));
+    Bytes misfit = gooseFrame(lan, GooseMessage());
+    misfit[misfit.size() - 3] ^= 1;
+    EXPECT_TRUE(hasUnknownTrailer(misfit));
+}
+
+TEST(TrafficFrames, OfNoStreamHaveTrailersWhereTheyHaveAPdu) {
+    GooseMessage message = withTail({1});
+    message.gocbRef.reset();
+    EXPECT_TRUE(hasUnknownTrailer(gooseFrame(Ethernet(), message)));
+    Bytes noPdu = gooseFrame(Ethernet(), withTail({1}));
+    noPdu[22] = 0x62;
+    EXPECT_FALSE(hasUnknownTrailer(noPdu));
+}
+
+TEST(TrafficFrames, WhoseEndWasNotCapturedHaveNoTrailers) {
+    Bytes const frame = gooseFrame(Ethernet(), withTail(Bytes(9, 0xEE)));
+    TrafficCapture capture;
+    capture.addSnapped(frame.size() - 1, frame).addSnapped(frame.size(), frame);
+    EXPECT_EQ(summaryOf(capture.index()).unknownTrailers, 1U);
 }
 
 TEST(TrafficPackets, OfSnappedFramesAreThereWhenTheirIdentityIs) {
