@@ -153,8 +153,21 @@ void SampleSequence::takeNext() {
     rest_ = {.first = queue_.first, .count = count, .number = counter_.newest() + 1};
     PacketRef const last{.part = rest_.first.part, .packet = rest_.first.packet + count - 1};
     counter_.addNext(count, arrivalOf(last));
+    room_.addNext(count);
     queue_.first.packet += count;
     queue_.count -= count;
+}
+
+/// Counts a packet, unless more are missing before it than there is room for.
+CountStep SampleSequence::count(SampleCounter& counter, MissingRoom& room, PacketRef packet) const {
+    PacketColumns const& packets = stream_.parts[packet.part].packets;
+    std::int64_t const newest = counter.newest();
+    CountStep const step =
+        counter.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]);
+    if (step != CountStep::next || room.take(counter.newest() - newest - 1)) [[likely]] {
+        return step;
+    }
+    return runRate_.rate.isKnown() ? CountStep::pause : CountStep::restart;
 }
 
 CountStep SampleSequence::take(PacketRef packet) {
@@ -167,9 +180,7 @@ CountStep SampleSequence::take(PacketRef packet) {
         holdNewest(packet, ++uncounted_);
         return CountStep::first;
     }
-    PacketColumns const& packets = stream_.parts[packet.part].packets;
-    CountStep const step =
-        counter_.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]);
+    CountStep const step = count(counter_, room_, packet);
     if (step == CountStep::next) [[likely]] {
         holdNewest(packet, counter_.number());
     } else if (step == CountStep::late) {
@@ -202,6 +213,7 @@ void SampleSequence::begin(PacketRef packet, RunStart start) {
     runFirst_ = packet;
     lastGiven_.reset();
     runRate_ = rate_;
+    runRoom_ = room_;
     runPackets_ = rate_.packets - packetsOfRate_ + queue_.count;
     uncounted_ = 0;
     counter_ = SampleCounter(runRate_.countRule());
@@ -349,6 +361,7 @@ template <typename Visit>
 void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const {
     PacketCourse course = *runCourse_;
     PacketCourse::Strip strip = runQueue_;
+    MissingRoom room = runRoom_;
     for (std::uint64_t left = runPackets_; left > 0; --left) {
         if (strip.count == 0) {
             strip = course.nextStrip(left);
@@ -359,9 +372,7 @@ void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const 
         PacketRef const packet = strip.first;
         ++strip.first.packet;
         --strip.count;
-        PacketColumns const& packets = stream_.parts[packet.part].packets;
-        CountStep const step =
-            counter.add(packets.smpCnts()[packet.packet], packets.times()[packet.packet]);
+        CountStep const step = count(counter, room, packet);
         if (beginsRun(step)) {
             return;
         }
