@@ -52,7 +52,7 @@ DataSet dataSetOf(Bytes const& message) {
     DataSet dataSet;
     GooseView const view = viewGoose(message);
     for (auto value = view.allData->begin(); value != std::default_sentinel; ++value) {
-        dataSet.members.push_back({.path = {dataSet.entries++}});
+        dataSet.members.emplace_back().path = {dataSet.entries++};
     }
     return dataSet;
 }

@@ -237,7 +237,7 @@ Bytes knowingLeapSeconds(std::uint32_t second, std::size_t from = 0) {
         Bytes const tag = {0x84, 0x08};
         auto const refrTm = std::search(frame.begin(), frame.end(), tag.begin(), tag.end());
         bool const isKnown = from == 0;
-        from -= isKnown ? 0 : 1;
+        from -= isKnown ? 0U : 1U;
         if (isKnown) {
             refrTm[9] = static_cast<std::uint8_t>(refrTm[9] | 0x80U);
         }
