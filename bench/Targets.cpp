@@ -52,6 +52,7 @@ constexpr std::array targets = {
     Target{"sv16: indexed and checked / true index", 2.0},
     Target{"goose64: indexed and checked / true index", 3.0},
     Target{"scl: station of 50 MB / parsed by pugixml", 3.0},
+    Target{"scl: GOOSE values with names / without", 1.2},
     Target{"decode GOOSE / open, lseek, read, close", 2},
     Target{"decode SV / open, lseek, read, close", 2},
     Target{"judge GOOSE, no filter entry: allocations per frame", 0},

@@ -69,9 +69,10 @@ void requireSoundBinding(DataSet const& dataSet, TalIec61850Analysis::DataViews 
                 "values have names up to the end");
     }
     auto const size = sampleSize(dataSet);
-    auto const samples = bindSamples(dataSet, size.value_or(0));
-    require(!samples || samples->channelMembers.size() <= dataSet.members.size(),
-            "a channel is a member");
+    std::size_t const octets = size.value_or(leastSampleSize(dataSet));
+    auto const samples = bindSamples(dataSet, octets);
+    require(!samples || samples->channelMembers.size() <= samples->bound, "a channel is a member");
+    require(!samples || samples->layout.size() == octets, "a layout is of all octets");
 }
 
 }  // namespace

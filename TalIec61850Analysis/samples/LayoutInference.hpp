@@ -16,7 +16,7 @@ enum class LayoutSource : std::uint8_t {
     given,     ///< the caller said it
     inferred,  ///< the octets of many ASDUs agree with it, and with no other
     /// They agree with several, or are too few: the layout is that of 9-2LE, by length, unless
-    /// values look like FLOAT32.
+    /// values look like FLOAT32, or what would be a quality is none.
     undecided,
     none,  ///< they agree with none: there are octets alone
 };

@@ -59,6 +59,9 @@ struct SampleBlock {
     StreamAttributes const* attributes = nullptr;
     /// Octets of seqData.
     std::size_t dataSize = 0;
+    /// Whether the times of all samples that came are of a refrTm whose clock takes leap seconds
+    /// into account.
+    bool areLeapSecondsKnown = false;
 
     /// When samples were taken, in nanoseconds since 1970, or kNoTime.
     std::vector<std::int64_t> sampleTimes;

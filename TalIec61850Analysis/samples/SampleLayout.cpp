@@ -43,7 +43,8 @@ ValueType SampleChannel::valueType() const noexcept {
     }
 }
 
-SampleLayout::SampleLayout(std::vector<SampleType> members) : members_(std::move(members)) {
+SampleLayout::SampleLayout(std::vector<SampleType> members, std::size_t rest)
+    : members_(std::move(members)), rest_(rest) {
     // What may still follow the value that came last.
     bool mayHaveQuality = false;
     bool mayHaveTime = false;
@@ -67,6 +68,7 @@ SampleLayout::SampleLayout(std::vector<SampleType> members) : members_(std::move
         }
         size_ += sizeOf(member);
     }
+    size_ += rest_;
 }
 
 }  // namespace TalIec61850Analysis

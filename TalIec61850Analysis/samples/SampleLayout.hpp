@@ -53,15 +53,18 @@ struct SampleChannel {
     friend bool operator==(SampleChannel const&, SampleChannel const&) = default;
 };
 
-/// What the octets of seqData are: the members of the data set, one after the other.
+/// What the octets of seqData are: the members of the data set, one after the other. What the last
+/// octets are may be unknown.
 ///
 /// Each member that is a value is a channel. A quality directly after it is its quality, a
 /// timestamp directly after these is its time; any other quality or timestamp is passed over.
 class SampleLayout {
 public:
     SampleLayout() = default;
-    /// @param members  all of seqData, in their order
-    TALIEC61850ANALYSIS_EXPORT explicit SampleLayout(std::vector<SampleType> members);
+    /// @param members  of seqData, in their order
+    /// @param rest     octets after them of which nothing is known: they are no channel
+    TALIEC61850ANALYSIS_EXPORT explicit SampleLayout(std::vector<SampleType> members,
+                                                     std::size_t rest = 0);
 
     /// The members, as they were given.
     [[nodiscard]] std::span<SampleType const> members() const noexcept { return members_; }
@@ -69,18 +72,21 @@ public:
     [[nodiscard]] std::span<SampleChannel const> channels() const noexcept { return channels_; }
     /// Octets of seqData.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    /// Those of them that come after the members.
+    [[nodiscard]] std::size_t rest() const noexcept { return rest_; }
     /// Whether any channel has a quality word.
     [[nodiscard]] bool hasQuality() const noexcept { return hasQuality_; }
 
     /// Member by member.
     friend bool operator==(SampleLayout const& a, SampleLayout const& b) {
-        return a.members_ == b.members_;
+        return a.members_ == b.members_ && a.rest_ == b.rest_;
     }
 
 private:
     std::vector<SampleType> members_;
     std::vector<SampleChannel> channels_;
     std::size_t size_ = 0;
+    std::size_t rest_ = 0;
     bool hasQuality_ = false;
 };
 

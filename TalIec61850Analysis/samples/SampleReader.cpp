@@ -4,6 +4,7 @@
 #include <TalIec61850Analysis/samples/SampleReader.hpp>
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
 #include <TalIec61850Analysis/samples/StreamLayouts.hpp>
+#include <TalIec61850Analysis/time/UtcTime.hpp>
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -65,13 +66,26 @@ struct SampleReader::State {
           stream_(stream),
           from_(boundOf(given.from)),
           end_(boundOf(given.end)),
-          sequence_(index, stream, given.rate, given.rows == SampleRows::everySample),
+          sequence_(std::in_place, index, stream, given.rate,
+                    given.rows == SampleRows::everySample),
           attributes_(index, stream),
           asdus_(index, stream, window),
           layouts_(index, stream, std::move(given.layout)),
           withValues_(given.withValues),
           together_(std::max<std::size_t>(given.together, 1)),
           timesGrow_(doTimesGrow(stream)) {}
+
+    /// Goes on where the window of another one ended, if that was met.
+    void startAfter(State const& before) {
+        if (before.mark_) {
+            sequence_.emplace(before.mark_->sequence);
+            sample_ = before.mark_->sample;
+            hasSample_ = before.mark_->hasSample;
+            lastRefrTm_ = before.mark_->lastRefrTm;
+            lastNumber_ = before.mark_->lastNumber;
+            isNewRun_ = true;
+        }
+    }
 
     SampleBlock const* next() {
         if (isOver_) {
@@ -94,7 +108,7 @@ struct SampleReader::State {
         return isOver_ ? nullptr : &block_;
     }
 
-    [[nodiscard]] SampleCounts const& counts() const { return sequence_.counts(); }
+    [[nodiscard]] SampleCounts const& counts() const { return sequence_->counts(); }
 
     /// What is read of the captures.
     std::shared_ptr<detail::CaptureWindow> window;
@@ -103,20 +117,48 @@ private:
     using LayoutKey = detail::LayoutKey;
     using ReadAsdu = detail::ReadAsdu;
 
+    /// Where the first sample after the window is, or the end of the stream.
+    struct Mark {
+        detail::SampleSequence sequence;
+        detail::SequencedSample sample;
+        bool hasSample = false;
+        std::int64_t lastRefrTm = kNoTime;
+        std::int64_t lastNumber = 0;
+    };
+
     /// The next sample that may be in the window, by what the columns tell.
     bool fetch() {
-        while (sequence_.next(sample_)) {
+        while (sequence_->next(sample_)) {
             isNewRun_ = isNewRun_ || sample_.startsRun;
             if (mayBeWanted()) {
                 hasSample_ = true;
                 return true;
             }
+            markEnd(timeOrArrival(sample_.time));
             if (isPastWindow()) {
                 return false;
             }
             passUnwanted();
         }
+        if (end_ && !mark_) {
+            mark(false);
+        }
         return false;
+    }
+
+    /// Marks the first sample after the window: all before it are before its end.
+    void markEnd(std::int64_t time) {
+        if (end_ && !mark_ && time != kNoTime && time >= *end_) [[unlikely]] {
+            mark(true);
+        }
+    }
+
+    void mark(bool hasSample) {
+        mark_ = std::make_unique<Mark>(Mark{.sequence = *sequence_,
+                                            .sample = sample_,
+                                            .hasSample = hasSample,
+                                            .lastRefrTm = lastRefrTm_,
+                                            .lastNumber = lastNumber_});
     }
 
     /// Whether all samples from this one on are after the window. They are taken some time before
@@ -128,29 +170,29 @@ private:
 
     /// Passes over samples that follow one that is out of the window, where all of them are.
     void passUnwanted() {
-        auto const rest = sequence_.rest();
+        auto const rest = sequence_->rest();
         if (rest.count == 0 || sample_.time == kNoTime) {
             return;
         }
         std::int64_t last = 0;
-        sequence_.fillTimes(rest.number + rest.count - 1, sample_, {&last, 1});
+        sequence_->fillTimes(rest.number + rest.count - 1, sample_, {&last, 1});
         bool const isBefore = from_ && last < *from_;
         bool const isAfter = end_ && sample_.time >= *end_;
         if (isBefore || isAfter) {
-            sequence_.takeRest(rest.count);
+            sequence_->takeRest(rest.count);
         }
     }
 
     /// Adds samples that follow the one that was added last, at once.
     void addRest() {
-        auto const rest = sequence_.rest();
+        auto const rest = sequence_->rest();
         std::size_t count = std::min<std::size_t>(rest.count, room_ - rows_);
         bool const byFrame = layouts_.haveTimes();
         if (count == 0 || (hasWindow() && byFrame)) {
             return;
         }
         std::span const times(block_.sampleTimes.data() + rows_, count);
-        sequence_.fillTimes(rest.number, sample_, times);
+        sequence_->fillTimes(rest.number, sample_, times);
         if (hasWindow()) {
             // Times only grow; without them the window goes by arrival, sample by sample.
             count = sample_.time == kNoTime
@@ -176,7 +218,7 @@ private:
                     std::uint16_t{packets.smpSynchs()[packet]});
         std::fill_n(block_.states.begin() + offsetOf(rows_), count, SampleState::received);
         rows_ += count;
-        sequence_.takeRest(static_cast<std::uint32_t>(count));
+        sequence_->takeRest(static_cast<std::uint32_t>(count));
     }
 
     /// Reads the ASDUs of samples that follow each other into rows, as long as they are alike.
@@ -212,6 +254,7 @@ private:
                 block_.timeSources[rows_ + i] = SampleTimeSource::refrTm;
             }
             lastRefrTm_ = asdu.refrTm;
+            lookAtLeapSeconds(asdu);
             lastNumber_ = rest.number + static_cast<std::int64_t>(i);
             if (decoder_) [[likely]] {
                 decoder_->decode(asdu.data.data(), rows_ + i);
@@ -247,6 +290,7 @@ private:
             done += met;
         }
         if (done != 0) {
+            areLeapSecondsKnown_ = false;
             lastRefrTm_ = kNoTime;
             lastNumber_ = rest.number + static_cast<std::int64_t>(first + done) - 1;
         }
@@ -305,11 +349,14 @@ private:
         ReadAsdu const asdu = readAsdu();
         bool const hasRefrTm = asdu.refrTm != kNoTime;
         std::int64_t const time = hasRefrTm ? asdu.refrTm : sample_.time;
-        lastRefrTm_ = asdu.refrTm;
-        lastNumber_ = sample_.number;
         if (hasWindow() && !isInWindow(timeOrArrival(time))) {
+            markEnd(timeOrArrival(time));
+            lastRefrTm_ = asdu.refrTm;
+            lastNumber_ = sample_.number;
             return true;
         }
+        lastRefrTm_ = asdu.refrTm;
+        lastNumber_ = sample_.number;
         if (attributes_.isChangedAt(sample_.packet) || asdu.data.size() != key_.size || isNewRun_)
             [[unlikely]] {
             if (!startBlock(asdu)) {
@@ -335,16 +382,25 @@ private:
         } else {
             block_.octets.insert(block_.octets.end(), asdu.data.begin(), asdu.data.end());
         }
+        lookAtLeapSeconds(asdu);
         ++rows_;
         return true;
     }
 
+    void lookAtLeapSeconds(ReadAsdu const& asdu) {
+        UtcTime const ofQuality{.quality = asdu.timeQuality};
+        areLeapSecondsKnown_ =
+            areLeapSecondsKnown_ && asdu.refrTm != kNoTime && ofQuality.leapSecondsKnown();
+        hasReceived_ = true;
+    }
+
     bool addMissing() {
-        bool const byRefrTm = lastRefrTm_ != kNoTime && sequence_.run().rate.isKnown();
+        bool const byRefrTm = lastRefrTm_ != kNoTime && sequence_->run().rate.isKnown();
         std::int64_t const time =
-            byRefrTm ? lastRefrTm_ + sequence_.run().rate.timeOf(sample_.number - lastNumber_)
+            byRefrTm ? lastRefrTm_ + sequence_->run().rate.timeOf(sample_.number - lastNumber_)
                      : sample_.time;
         if (!isInWindow(time)) {
+            markEnd(time);
             return true;
         }
         StreamPart const& part = stream_.parts[sample_.packet.part];
@@ -358,7 +414,7 @@ private:
         block_.timeSources[rows_] = byRefrTm ? SampleTimeSource::fit : sample_.source;
         block_.arrivals[rows_] = kNoTime;
         block_.smpCnts[rows_] =
-            static_cast<std::uint32_t>(sample_.number % std::int64_t{sequence_.wrap()});
+            static_cast<std::uint32_t>(sample_.number % std::int64_t{sequence_->wrap()});
         block_.smpSynchs[rows_] = flags.secondCounter() == CounterState::held
                                       ? packets.smpSynchs()[sample_.packet.packet]
                                       : SampleBlock::kNoSynch;
@@ -397,9 +453,9 @@ private:
 
     void prepare() {
         isNewRun_ = false;
-        block_.run = sequence_.run();
+        block_.run = sequence_->run();
         block_.dataSize = key_.size;
-        room_ = rowsOf(key_.size, together_);
+        room_ = roomNow();
         resize(room_);
         decoder_.reset();
         block_.channels.clear();
@@ -422,10 +478,18 @@ private:
         block_.places.resize(rows);
     }
 
+    /// After a short block others may be as short: what is not filled is not made.
+    [[nodiscard]] std::size_t roomNow() const {
+        return std::clamp(4 * lastRows_, kFewestRows, rowsOf(block_.dataSize, together_));
+    }
+
     void clear() {
         rows_ = 0;
+        areLeapSecondsKnown_ = true;
+        hasReceived_ = false;
         block_.octets.clear();
         if (room_ != 0) {
+            room_ = roomNow();
             resize(room_);
             if (block_.layout.layout) {
                 decoder_.emplace(*block_.layout.layout, block_.channels, room_);
@@ -434,6 +498,8 @@ private:
     }
 
     void trim() {
+        lastRows_ = rows_;
+        block_.areLeapSecondsKnown = areLeapSecondsKnown_ && hasReceived_;
         resize(rows_);
         for (ChannelColumn& channel : block_.channels) {
             std::visit([&](auto& values) { values.resize(rows_); }, channel.values);
@@ -444,7 +510,7 @@ private:
     TrafficStream const& stream_;
     std::optional<std::int64_t> from_;
     std::optional<std::int64_t> end_;
-    detail::SampleSequence sequence_;
+    std::optional<detail::SampleSequence> sequence_;
     detail::PartAttributes attributes_;
     detail::AsduReader asdus_;
     detail::StreamLayouts layouts_;
@@ -457,6 +523,8 @@ private:
     std::size_t rows_ = 0;
     /// 0 before there is a block.
     std::size_t room_ = 0;
+    /// Of the block before.
+    std::size_t lastRows_ = kMostBlockRows;
     LayoutKey key_;
     std::optional<detail::ChannelDecoder> decoder_;
     /// Where the octets of samples are that are read at once.
@@ -466,6 +534,10 @@ private:
     bool hasSample_ = false;
     bool isNewRun_ = false;
     bool isOver_ = false;
+    /// Of the samples of the block that came.
+    bool areLeapSecondsKnown_ = true;
+    bool hasReceived_ = false;
+    std::unique_ptr<Mark const> mark_;
     /// Of the sample that was read last.
     std::int64_t lastRefrTm_ = kNoTime;
     std::int64_t lastNumber_ = 0;
@@ -484,6 +556,8 @@ SampleReader::SampleReader(TrafficIndex const& index, TrafficStream const& strea
 SampleReader::SampleReader(SampleReader&& other) noexcept = default;
 SampleReader& SampleReader::operator=(SampleReader&& other) noexcept = default;
 SampleReader::~SampleReader() = default;
+
+void SampleReader::startAfter(SampleReader const& before) { state_->startAfter(*before.state_); }
 
 SampleBlock const* SampleReader::next() { return state_->next(); }
 

@@ -68,6 +68,12 @@ public:
     TALIEC61850ANALYSIS_EXPORT SampleReader& operator=(SampleReader&& other) noexcept;
     TALIEC61850ANALYSIS_EXPORT ~SampleReader();
 
+    /// Passes over what another reader went through: all that is before the end of its window.
+    /// Where that was not met, nothing is passed over.
+    /// @param before  of the same index and stream, with the same `rate` and `rows`, and a window
+    ///                that ends where that of this reader begins, or earlier; read to its end
+    TALIEC61850ANALYSIS_EXPORT void startAfter(SampleReader const& before);
+
     /// The next block, at most some thousand rows of it and never none. A run, a layout, a confRev
     /// or a data set that is another begins a block.
     /// @return null after the last; valid until the next call

@@ -154,6 +154,7 @@ void SampleSequence::takeNext() {
     PacketRef const last{.part = rest_.first.part, .packet = rest_.first.packet + count - 1};
     counter_.addNext(count, arrivalOf(last));
     newest_ = last;
+    room_.addNext(count);
     queue_.first.packet += count;
     queue_.count -= count;
 }
@@ -168,7 +169,7 @@ CountStep SampleSequence::take(PacketRef packet) {
         holdNewest(packet, ++uncounted_);
         return CountStep::first;
     }
-    CountStep const step = count(counter_, newest_, packet);
+    CountStep const step = count(counter_, room_, newest_, packet);
     if (step == CountStep::next) [[likely]] {
         newest_ = packet;
         holdNewest(packet, counter_.number());
@@ -184,21 +185,30 @@ CountStep SampleSequence::take(PacketRef packet) {
 }
 
 /// Adds a packet to a counter. Where the counter went further than arrival, and the packet before
-/// was not late, the publisher counts on from elsewhere: nothing is lost.
+/// was not late, the publisher counts on from elsewhere: nothing is lost. Where more are missing
+/// than there is room for, a run begins.
 /// @param newest  the packet of the counter's newest sample
-CountStep SampleSequence::count(SampleCounter& counter, PacketRef newest, PacketRef packet) const {
+CountStep SampleSequence::count(SampleCounter& counter, MissingRoom& room, PacketRef newest,
+                                PacketRef packet) const {
     PacketColumns const& packets = stream_.parts[packet.part].packets;
     std::int64_t const before = counter.newest();
     std::int64_t const arrival = packets.times()[packet.packet];
     CountStep const step = counter.add(packets.smpCnts()[packet.packet], arrival);
-    std::int64_t const advance = counter.newest() - before;
-    if (step != CountStep::next || advance == 1 || arrival == kNoTime ||
-        arrivalOf(newest) == kNoTime) [[likely]] {
+    if (step != CountStep::next) {
         return step;
     }
-    double const passed =
-        static_cast<double>(arrival) - static_cast<double>(arrivalOf(newest)) + latenessOf(newest);
-    return runRate_.countRule().isJump(advance, passed) ? CountStep::restart : step;
+    std::int64_t const advance = counter.newest() - before;
+    if (advance != 1 && arrival != kNoTime && arrivalOf(newest) != kNoTime) [[unlikely]] {
+        double const passed = static_cast<double>(arrival) -
+                              static_cast<double>(arrivalOf(newest)) + latenessOf(newest);
+        if (runRate_.countRule().isJump(advance, passed)) {
+            return CountStep::restart;
+        }
+    }
+    if (room.take(advance - 1)) [[likely]] {
+        return step;
+    }
+    return runRate_.rate.isKnown() ? CountStep::pause : CountStep::restart;
 }
 
 /// How much later than its neighbours a packet came, in nanoseconds, by those before it.
@@ -242,6 +252,7 @@ void SampleSequence::begin(PacketRef packet, RunStart start) {
     runFirst_ = packet;
     lastGiven_.reset();
     runRate_ = rate_;
+    runRoom_ = room_;
     runPackets_ = rate_.packets - packetsOfRate_ + queue_.count;
     uncounted_ = 0;
     counter_ = SampleCounter(runRate_.countRule());
@@ -391,6 +402,7 @@ void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const 
     PacketCourse course = *runCourse_;
     PacketCourse::Strip strip = runQueue_;
     PacketRef newest = runFirst_;
+    MissingRoom room = runRoom_;
     for (std::uint64_t left = runPackets_; left > 0; --left) {
         if (strip.count == 0) {
             strip = course.nextStrip(left);
@@ -401,7 +413,7 @@ void SampleSequence::visitRun(SampleCounter& counter, Visit const& visit) const 
         PacketRef const packet = strip.first;
         ++strip.first.packet;
         --strip.count;
-        CountStep const step = count(counter, newest, packet);
+        CountStep const step = count(counter, room, newest, packet);
         if (beginsRun(step)) {
             return;
         }

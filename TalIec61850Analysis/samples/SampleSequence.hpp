@@ -33,6 +33,30 @@ struct SequencedSample {
     bool startsRun = false;
 };
 
+/// Bounds what samples that are missing take: of those that came, each makes room for some, and
+/// there is room for the longest outages besides. So a counter that leaps about is no more work
+/// than one that goes on.
+class MissingRoom {
+public:
+    /// What is missing before a sample that came.
+    /// @return whether there is room for it; what there is no room for is not counted
+    bool take(std::int64_t missing) {
+        left_ += kOfEach;
+        bool const fits = missing <= left_;
+        left_ -= fits ? missing : 0;
+        return fits;
+    }
+    /// Samples have come that each go on where the one before is.
+    void addNext(std::uint32_t count) { left_ += kOfEach * count; }
+
+private:
+    static constexpr std::int64_t kOfEach = 64;
+    /// As many as are missing in ten minutes, at nearly 14,000 a second.
+    static constexpr std::int64_t kOfAll = std::int64_t{1} << 23U;
+
+    std::int64_t left_ = kOfAll;
+};
+
 /// Goes through the samples of a stream in the order in which they were taken. Late samples are put
 /// in their places, repeated ones are left out; both are counted. Times of refrTm are for others to
 /// look up: only indexed columns are read.
@@ -101,7 +125,8 @@ private:
     [[nodiscard]] bool fillQueue();
     void takeNext();
     CountStep take(PacketRef packet);
-    CountStep count(SampleCounter& counter, PacketRef newest, PacketRef packet) const;
+    [[nodiscard]] CountStep count(SampleCounter& counter, MissingRoom& room, PacketRef newest,
+                                  PacketRef packet) const;
     [[nodiscard]] double latenessOf(PacketRef packet) const;
     void begin(PacketRef packet, RunStart start);
     void holdNewest(PacketRef packet, std::int64_t number);
@@ -133,6 +158,7 @@ private:
     SampleCounter counter_;
     /// The packet of the counter's newest sample.
     PacketRef newest_;
+    MissingRoom room_;
     SampleRun run_;
     SampleCounts counts_;
     std::optional<NextRun> nextRun_;
@@ -151,6 +177,7 @@ private:
 
     // Of the run.
     FoundRate runRate_;
+    MissingRoom runRoom_;
     bool runIsCounted_ = true;
     bool isFirstOfRun_ = true;
     std::optional<Pending> lastGiven_;

@@ -67,17 +67,21 @@ bindMembers(DataSet const& dataSet, TalIec61850Analysis::DataViews const& allDat
 
 /// Which octets of a sample are which member of a data set.
 struct SampleBinding {
-    /// What seqData is: certain, since it is described.
+    /// What seqData is: certain, since it is described. Its rest is what comes from a member of
+    /// unknown width on.
     TalIec61850Analysis::SampleLayout layout;
+    /// How many members are bound: the first ones of the data set.
+    std::size_t bound = 0;
     /// For each channel of the layout: the number of the member that is its value.
     std::vector<std::size_t> channelMembers;
 };
 
-/// Lays the members of a data set over seqData (IEC 61850-9-2: one after the other, without tags).
+/// Lays the members of a data set over seqData (IEC 61850-9-2: one after the other, without tags),
+/// as far as their widths are known: where one begins is not known after a type of unknown width.
 /// @param dataSet  what the samples should hold
 /// @param size     of seqData, in octets
-/// @return not set where the members take another number of octets, or one of them has a type whose
-///         width is not known
+/// @return not set where the members take another number of octets, or the width of the first one
+///         is not known
 [[nodiscard]] TALIEC61850SCL_EXPORT std::optional<SampleBinding> bindSamples(DataSet const& dataSet,
                                                                              std::size_t size);
 

@@ -69,20 +69,30 @@ std::size_t leastSampleSize(DataSet const& dataSet) {
 }
 
 std::optional<SampleBinding> bindSamples(DataSet const& dataSet, std::size_t size) {
-    if (sampleSize(dataSet) != size) {
+    auto const whole = sampleSize(dataSet);
+    if (whole ? *whole != size : leastSampleSize(dataSet) > size) {
         return std::nullopt;
     }
     SampleBinding binding;
     std::vector<SampleType> types;
     types.reserve(dataSet.members.size());
-    for (std::size_t number = 0; number < dataSet.members.size(); ++number) {
-        SampleType const type = *sampleTypeOf(dataSet.members[number].type);
-        types.push_back(type);
-        if (type != SampleType::quality && type != SampleType::timestamp) {
-            binding.channelMembers.push_back(number);
+    std::size_t rest = size;
+    for (DataSetMember const& member : dataSet.members) {
+        auto const type = sampleTypeOf(member.type);
+        if (!type) {
+            break;
         }
+        if (*type != SampleType::quality && *type != SampleType::timestamp) {
+            binding.channelMembers.push_back(types.size());
+        }
+        types.push_back(*type);
+        rest -= sizeOf(*type);
     }
-    binding.layout = SampleLayout(std::move(types));
+    binding.bound = types.size();
+    if (binding.bound == 0 && !dataSet.members.empty()) {
+        return std::nullopt;
+    }
+    binding.layout = SampleLayout(std::move(types), rest);
     return binding;
 }
 

@@ -109,9 +109,6 @@ public:
     [[nodiscard]] Element firstChild() const noexcept { return Element(node_.first_child()); }
     /// The next one inside the same element.
     [[nodiscard]] Element next() const noexcept { return Element(node_.next_sibling()); }
-    /// The last element inside it, and the one before this one; likewise.
-    [[nodiscard]] Element lastChild() const noexcept { return Element(node_.last_child()); }
-    [[nodiscard]] Element previous() const noexcept { return Element(node_.previous_sibling()); }
     /// The first one inside it of a name.
     [[nodiscard]] Element child(std::string_view wanted) const noexcept;
     /// All of a name inside it.

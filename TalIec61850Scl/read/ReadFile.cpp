@@ -121,8 +121,7 @@ private:
                    std::string_view domain, LogicalNodes& nodes) {
         constexpr std::array<std::string_view, 3> kNames{"prefix", "lnClass", "inst"};
         for (Element node = parent.firstChild(); node; node = node.next()) {
-            bool const isNode0 = node.is("LN0");
-            if (!isNode0 && !node.is("LN")) {
+            if (!node.is("LN") && !node.is("LN0")) {
                 continue;
             }
             auto const names = node.attributes(kNames);
@@ -135,15 +134,10 @@ private:
                      .ldInst = ldInst,
                      .domain = domain,
                      .accessPoint = accessPoint};
-            // Most of a description is instances, one after the other, and going over them takes
-            // half as long as parsing them. In any LN, nothing that is read here is among them.
-            Element each = node.firstChild();
-            for (; each && (isNode0 || !each.is("DOI")); each = each.next()) {
-                readPart(each, nodes);
-            }
-            for (Element last = node.lastChild(); each && last && !last.is("DOI");
-                 last = last.previous()) {
-                readPart(last, nodes);
+            for (Element each = node.firstChild(); each; each = each.next()) {
+                if (!each.is("DOI")) {
+                    readPart(each, nodes);
+                }
             }
         }
     }

@@ -26,12 +26,22 @@ using Json = nlohmann::json;
 TEST_F(ReportPageTest, SaysWhatIsNotThere) {
     std::string const page = report(captureOf({}));
     open(page);
-    std::string const all = browser().text("document.body.innerText");
-    for (char const* const sentence :
-         {"There is no stream of Sampled Values to draw.", "There is no GOOSE stream to draw.",
-          "Nothing was found.", "No GOOSE state changed.", "There are no samples in this time.",
-          "No frame has an HSR tag or a PRP trailer.", "There is no GOOSE or SV stream."}) {
-        EXPECT_NE(all.find(sentence), std::string::npos) << sentence;
+    struct Place {
+        std::string heading;
+        std::string sentence;
+    };
+    for (auto const& [heading, sentence] :
+         {Place{"What happened", "There is no stream of Sampled Values to draw."},
+          Place{"What happened", "There is no GOOSE stream to draw."},
+          Place{"Streams", "There is no GOOSE or SV stream."},
+          Place{"Findings", "Nothing was found."}, Place{"Events", "No GOOSE state changed."},
+          Place{"Arrival of samples", "There are no samples in this time."},
+          Place{"Redundancy", "No frame has an HSR tag or a PRP trailer."}}) {
+        std::string const text = browser().text(
+            "[...document.querySelectorAll('section')].find(section => "
+            "section.querySelector('h2').textContent === '" +
+            heading + "').textContent");
+        EXPECT_NE(text.find(sentence), std::string::npos) << heading << ": " << text;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -219,6 +220,42 @@ TEST(ComtradeTimeQuality, IsTheWorstOfTheRecord) {
         WrittenRecord const written(WaveformStream(settings).send(kWaveFrames).captures()[0]);
         EXPECT_EQ(written.record().timeQuality, code) << synch;
     }
+}
+
+/// A capture in which the clocks of samples know leap seconds, from one of them on.
+/// @param second  in which it begins, since 1970
+Bytes knowingLeapSeconds(std::uint32_t second, std::size_t from = 0) {
+    WaveformSettings settings = declaredWave();
+    settings.hasRefrTm = true;
+    settings.second = second;
+    settings.firstCount = 3900;
+    WaveformStream stream(settings);
+    stream.send(kWaveFrames);
+    CaptureBuilder capture(CaptureVariant::nanoLittle);
+    for (auto const& each : stream.captured()) {
+        Bytes frame = each.frame;
+        Bytes const tag = {0x84, 0x08};
+        auto const refrTm = std::search(frame.begin(), frame.end(), tag.begin(), tag.end());
+        bool const isKnown = from == 0;
+        from -= isKnown ? 0U : 1U;
+        if (isKnown) {
+            refrTm[9] = static_cast<std::uint8_t>(refrTm[9] | 0x80U);
+        }
+        capture.add(static_cast<std::uint32_t>(each.time / 1'000'000'000),
+                    static_cast<std::uint32_t>(each.time % 1'000'000'000), frame);
+    }
+    return capture.bytes();
+}
+
+TEST(ComtradeLeapSeconds, AreNoneWhereTheTimesOfAllSamplesKnowThem) {
+    constexpr std::uint32_t kMiddle = 1'700'000'000;
+    constexpr std::uint32_t kNewYear = 1'704'067'200;
+    EXPECT_EQ(WrittenRecord(knowingLeapSeconds(kMiddle)).record().leapSecond, "0");
+    EXPECT_EQ(WrittenRecord(knowingLeapSeconds(kMiddle, 1)).record().leapSecond, "3");
+    EXPECT_EQ(WrittenRecord(knowingLeapSeconds(kMiddle, kWaveFrames)).record().leapSecond, "3");
+    // One may have been inserted between these samples.
+    EXPECT_EQ(WrittenRecord(knowingLeapSeconds(kNewYear - 1)).record().leapSecond, "3");
+    EXPECT_EQ(WrittenRecord(lossyWave().captures()[0]).record().leapSecond, "3");
 }
 
 TEST(ComtradeTimeQuality, IsThatOfTheWindow) {

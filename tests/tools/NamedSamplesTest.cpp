@@ -9,6 +9,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/DescribedStation.hpp"
 #include "tools/SampleTraffic.hpp"
+#include "tools/SclTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 #include "tools/names/ChannelNames.hpp"
 
@@ -117,6 +118,62 @@ TEST(NamedSamples, HaveNoNamesWhereTheirLengthIsAnother) {
                                         "channels have no names")),
               std::string::npos)
         << result.err;
+}
+
+/// As described, but for a channel whose type the description does not have.
+std::string stationOfUnknownType() {
+    std::string const unknown = "doName='Vox'";
+    std::string const known = "doName='Vol'";
+    return replaced(replaced(describedStation(), known, unknown), known, unknown);
+}
+
+TEST(NamedSamples, HaveNamesUpToATypeOfUnknownWidth) {
+    DescribedUnit const unit(stationOfUnknownType());
+    auto const result = runCompanion(unit.command({"samples", "-f", "csv", "--limit", "1"}));
+    EXPECT_EQ(result.status, 0);
+    // What is not described is read as it looks like.
+    EXPECT_TRUE(linesOf(result.out)
+                    .at(0)
+                    .ends_with("," + kCurrent + "," + kCurrent + ".quality,value2,quality2"))
+        << result.out;
+    auto const first = rowsOf({"packets", "--limit", "1", unit.capture}).at(0)["position"].dump();
+    EXPECT_NE(result.err.find(complaint(unit.capture + "@" + first +
+                                        ": MU01: the width of LD0/UnnATVTR1.Vox.instMag.f is not "
+                                        "known: no names from there on")),
+              std::string::npos)
+        << result.err;
+    auto const scaled = runCompanion(unit.command({"samples", "--scaled", "--limit", "1"})).err;
+    EXPECT_NE(scaled.find("the scale is of 1 channel not described"), std::string::npos) << scaled;
+}
+
+TEST(NamedSamples, OfUnknownWidthAreNamedByEachCommand) {
+    DescribedUnit const unit(stationOfUnknownType());
+    std::string const base = unit.folder.file("record");
+    EXPECT_EQ(runCompanion(unit.command({"comtrade", "-o", base})).status, 0);
+    auto const lines = linesOf(textOf(base + ".cfg"));
+    EXPECT_TRUE(lines.at(2).starts_with("1,MU01_" + kCurrent + ",A,MU01LD0/InnATCTR1,A,0.001,0,"))
+        << lines[2];
+    EXPECT_TRUE(lines.at(3).starts_with("2,MU01_ch2,,,raw,1,0,")) << lines[3];
+    auto const shown = runCompanion(unit.command({"show", "-f", "json", "--limit", "1"})).out;
+    EXPECT_NE(shown.find(kCurrent), std::string::npos) << shown;
+    auto const picture = unit.folder.file("a.svg");
+    EXPECT_EQ(runCompanion(unit.command({"plot", "-o", picture})).status, 0);
+    EXPECT_NE(textOf(picture).find(kCurrent), std::string::npos);
+}
+
+TEST(NamedSamples, AreOctetsAfterAnUnknownWidthWhereTheyLookLikeSomethingElse) {
+    DescribedUnit const unit(describedStation("BOOLEAN", replaced(kOneMoreSample, "Amp", "Amx")));
+    WaveformSettings settings = describedWave();
+    settings.members.insert(settings.members.end(), {WaveMember::int32, WaveMember::quality});
+    WaveformStream stream(settings);
+    stream.send(kWaveFrames);
+    auto const capture = unit.folder.write("more.pcap", captureOf({&stream}));
+    auto const result = runCompanion({"samples", "-f", "json", "--limit", "1", "--columns",
+                                      "values", "--scl", unit.scd, capture});
+    EXPECT_EQ(Json::parse(result.out)["values"].size(), 2U) << result.out;
+    auto const summary = runCompanion({"samples", "--summary", "--scl", unit.scd, capture}).out;
+    EXPECT_NE(summary.find("(INT32, quality, FLOAT32, quality) and 8 octets"), std::string::npos)
+        << summary;
 }
 
 TEST(NamedSamples, AreReadAsTheUserSays) {

@@ -4,6 +4,7 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/Data.hpp"
+#include "support/SclAccess.hpp"
 
 namespace TalTest {
 
@@ -13,32 +14,14 @@ constexpr std::uint32_t kStart = 1'700'000'000;
 constexpr std::size_t kMessages = 10;
 constexpr std::size_t kSamples = 4000;
 
-constexpr std::string_view kStation = R"(<?xml version="1.0" encoding="UTF-8"?>
+constexpr std::string_view kBeforeAddresses = R"(<?xml version="1.0" encoding="UTF-8"?>
 <SCL xmlns="http://www.iec.ch/61850/2003/SCL" version="2007" revision="B" release="4">
   <Header id="small"/>
   <Communication>
     <SubNetwork name="Bus" type="8-MMS">
-      <ConnectedAP iedName="RELAY1" apName="S1" redProt="prp">
-        <GSE ldInst="LD0" cbName="gcb1">
-          <Address>
-            <P type="MAC-Address">01-0C-CD-01-00-01</P>
-            <P type="APPID">0001</P>
-            <P type="VLAN-ID">005</P>
-            <P type="VLAN-PRIORITY">4</P>
-          </Address>
-          <MinTime unit="s" multiplier="m">4</MinTime>
-          <MaxTime unit="s" multiplier="m">100</MaxTime>
-        </GSE>
-      </ConnectedAP>
-      <ConnectedAP iedName="MU1" apName="P1">
-        <SMV ldInst="LD0" cbName="msvcb1">
-          <Address>
-            <P type="MAC-Address">01-0C-CD-04-00-01</P>
-            <P type="APPID">4000</P>
-          </Address>
-        </SMV>
-      </ConnectedAP>
-    </SubNetwork>
+)";
+
+constexpr std::string_view kAfterAddresses = R"(    </SubNetwork>
   </Communication>
   <IED name="RELAY1">
     <AccessPoint name="S1"><Server><LDevice inst="LD0">
@@ -145,7 +128,16 @@ Bytes svOf(std::size_t number, ChangeSv const& change) {
 
 }  // namespace
 
-std::string sclStationText() { return std::string(kStation); }
+std::string sclStationText() {
+    SclAccess relay = accessOfRelay1();
+    relay.accessPoint = "S1";
+    relay.attributes = " redProt=\"prp\"";
+    SclAccess unit = accessOfMu1();
+    unit.accessPoint = "P1";
+    unit.hasVlan = false;
+    return std::string(kBeforeAddresses) + textOf(relay) + textOf(unit) +
+           std::string(kAfterAddresses);
+}
 
 std::string replaced(std::string text, std::string_view part, std::string_view by) {
     auto const at = text.find(part);

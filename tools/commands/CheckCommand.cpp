@@ -121,7 +121,8 @@ public:
 private:
     void supervise() {
         SupervisionOptions options = wanted_.supervision();
-        options.layoutOf = names_.layouts();
+        options.layoutOf = names_.layouts(
+            index_, [this](std::uint32_t file) -> std::string_view { return files_[file]; });
         if (wanted_.areStreamsSelected()) {
             options.watches = [this](StreamKey const& key) {
                 auto const number = index_.find(key) - index_.streams().data();

@@ -9,6 +9,7 @@
 #include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -248,6 +249,9 @@ private:
             source.scales = options_.choice.scales;
             source.given = samples_.layoutOf(stream);
             source.described = stream.described;
+            if (auto const before = before_.find(stream.stream); before != before_.end()) {
+                source.before = before->second;
+            }
             wish.sources.push_back(std::move(source));
         }
         return {samples_.index(), std::move(wish),
@@ -276,6 +280,11 @@ private:
 
     void writeRecord(Part const& part) {
         SampleRecord const record = recordOf(part.window);
+        if (options_.split) {  // parts follow each other
+            for (RecordSource const& source : record.sources()) {
+                before_[source.stream] = source.upToEnd;
+            }
+        }
         if (options_.split && record.survey().received == 0) {
             return;  // all of the part was lost
         }
@@ -464,6 +473,8 @@ private:
     WantedSamples samples_;
     std::vector<GooseState> states_;
     std::vector<std::string> notes_;
+    /// What has read all that is before the part that is next.
+    std::map<TrafficStream const*, std::shared_ptr<SampleReader const>> before_;
     /// Of the record that is written: what became of the samples of each source.
     std::vector<SampleCounts> counts_;
     bool isOnly_ = true;

@@ -42,7 +42,8 @@ PicturedTraffic::PicturedTraffic(CommandRun& run, SampleChoice const& choice)
     : run_(run),
       choice_(choice),
       described_(run, choice.common),
-      criteria_(criteriaOfBoth(described_.asking(choice.criteria))),
+      asked_(described_.asking(choice.criteria)),
+      criteria_(criteriaOfBoth(asked_)),
       // Streams that are not selected tell who lost packets.
       index_(indexTraffic(run, {}, choice.common.jobs, described_.publishers())),
       window_(choice.window.resolve(spanOf(index_))),
@@ -91,9 +92,9 @@ std::vector<std::size_t> PicturedTraffic::wanted(Protocol protocol) const {
 
 void PicturedTraffic::noteIfNone() const {
     if (std::none_of(areWanted_.begin(), areWanted_.end(), [](bool is) { return is; })) {
-        noteNoStreams(run_, index_, choice_.criteria, choice_.common.jobs);
+        noteNoStreams(run_, index_, asked_, choice_.common.jobs);
     } else if (!hasPacketsInWindow()) {
-        noteOtherTimes(run_, collectRows(index_, choice_.criteria));
+        noteOtherTimes(run_, collectRows(index_, asked_));
     }
 }
 
@@ -116,7 +117,10 @@ PicturedSamples PicturedTraffic::samplesOf(TrafficStream const& stream) {
     if (window_.to && *window_.to != CaptureTime::max()) {
         samples.options.end = captureTimeOf(afterTime(nanosecondsOf(*window_.to)));
     }
-    samples.described = described_.areGiven() ? described_.samplesOf(stream.key) : nullptr;
+    attempt([&] {
+        samples.described = choice_.layout ? described_.samplesOf(stream.key)
+                                           : described_.samplesOf(index_, stream, nameOfFile());
+    });
     samples.options.layout = choice_.layout;
     if (!choice_.layout && samples.described != nullptr) {
         samples.options.layout = samples.described->layout;
@@ -169,7 +173,7 @@ void PicturedTraffic::attempt(std::function<void()> const& step) {
     }
 }
 
-bool PicturedTraffic::areStreamsSelected() const { return choice_.criteria != PacketCriteria(); }
+bool PicturedTraffic::areStreamsSelected() const { return asked_ != PacketCriteria(); }
 
 bool PicturedTraffic::isWanted(Finding const& finding) const {
     if (!finding.stream && areStreamsSelected()) {
@@ -182,7 +186,7 @@ bool PicturedTraffic::isWanted(Finding const& finding) const {
 SupervisionOptions PicturedTraffic::supervision() {
     SupervisionOptions supervision;
     supervision.withSamples = true;
-    supervision.layoutOf = described_.layouts();
+    supervision.layoutOf = described_.layouts(index_, nameOfFile());
     supervision.jobs = choice_.common.jobs;
     if (areStreamsSelected()) {
         supervision.watches = [this](StreamKey const& key) { return isWanted(key); };

@@ -112,6 +112,8 @@ private:
     CommandRun& run_;
     SampleChoice const& choice_;
     NamesOfRun described_;
+    /// What streams are asked for, with what tells their IEDs.
+    PacketCriteria asked_;
     CriteriaOfBoth criteria_;
     TalIec61850Analysis::TrafficIndex index_;
     TalIec61850Analysis::TimeWindow window_;

@@ -18,10 +18,11 @@ namespace TalIec61850Tools {
 namespace {
 
 /// How many channels have no scale that is known.
-std::size_t withoutScale(std::vector<ChannelMeaning> const& meanings) {
-    return static_cast<std::size_t>(
-        std::count_if(meanings.begin(), meanings.end(),
-                      [](ChannelMeaning const& meaning) { return !meaning.scale; }));
+/// @param channels  how many there are
+std::size_t withoutScale(std::vector<ChannelMeaning> const& meanings, std::size_t channels) {
+    return channels - static_cast<std::size_t>(std::count_if(
+                          meanings.begin(), meanings.end(),
+                          [](ChannelMeaning const& meaning) { return meaning.scale.has_value(); }));
 }
 
 /// FILE@POSITION.
@@ -66,7 +67,8 @@ void noteNoScale(WantedStream const& stream) {
             complain(fmt::format("{}: units of {} are not known: raw counts; see --scale",
                                  escapeText(stream.stream->key.name),
                                  layoutText(layout.found, layout.dataSize)));
-        } else if (auto const unknown = withoutScale(stream.meanings(*layout.found.layout));
+        } else if (auto const unknown = withoutScale(stream.meanings(*layout.found.layout),
+                                                     layout.found.layout->channels().size());
                    unknown != 0) {
             complain(fmt::format("{}: {} of {} not described: raw counts; see --scale",
                                  escapeText(stream.stream->key.name),

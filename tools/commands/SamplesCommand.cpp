@@ -122,10 +122,12 @@ std::vector<std::string> commonNames(WantedSamples const& samples) {
             if (own.empty()) {
                 return {};
             }
-            for (std::size_t channel = 0; channel < own.size(); ++channel) {
+            for (std::size_t channel = 0; channel < layout.found.layout->channels().size();
+                 ++channel) {
+                std::string const name = channel < own.size() ? own[channel].name : std::string();
                 if (channel == names.size()) {
-                    names.push_back(own[channel].name);
-                } else if (names[channel] != own[channel].name) {
+                    names.push_back(name);
+                } else if (names[channel] != name) {
                     names[channel].clear();
                 }
             }
@@ -166,6 +168,7 @@ std::vector<std::optional<ChannelScale>> scalesOf(SamplesOptions const& options,
             bool const isAsItIs = meaning.scale == ChannelScale();
             scales.push_back(isAsItIs ? std::nullopt : meaning.scale);
         }
+        scales.resize(scales.empty() ? 0 : channels);  // those that are not described are counts
     }
     return scales;
 }

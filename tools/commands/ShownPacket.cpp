@@ -73,9 +73,9 @@ void describeAsdus(ShownPacket& shown, StreamNames& names) {
         if (!asdu.seqData) {
             continue;
         }
-        DescribedSamples const* const samples =
-            names.samplesOf(keyOf(Protocol::sv, shown.sv->header, asdu.svID.value_or("")),
-                            octetsOf(*asdu.seqData).size(), place);
+        DescribedSamples const* const samples = names.samplesOf(
+            keyOf(Protocol::sv, shown.sv->header, asdu.svID.value_or("")),
+            {.dataSize = octetsOf(*asdu.seqData).size(), .found = shown.layouts[i]}, place);
         if (samples != nullptr) {
             shown.layouts[i] = {.layout = samples->layout, .source = LayoutSource::given};
             shown.meanings[i] = &samples->channels;

@@ -62,8 +62,8 @@ void WantedSamples::describe(WantedStream& stream) {
     stream.described = isOverruled ? nullptr : samples;
 }
 
-/// Samples of another length than is described are told, and taken for what they look like, or for
-/// what the command line says.
+/// Samples that are not as described, or not described in full, are told, and taken for what they
+/// look like, or for what the command line says.
 void WantedSamples::findLayoutsOf(WantedStream& stream) {
     auto const has = [&stream](std::size_t size) {
         return std::any_of(stream.layouts.begin(), stream.layouts.end(),
@@ -77,12 +77,11 @@ void WantedSamples::findLayoutsOf(WantedStream& stream) {
         stream.described != nullptr ? !has(stream.described->layout.size()) : !choice_.layout;
     if (isOther) {
         auto const& part = stream.stream->parts.front();
-        static_cast<void>(names_.samplesOf(
-            stream.stream->key, stream.layouts.front().dataSize,
+        stream.described = names_.samplesOf(
+            stream.stream->key, stream.layouts.front(),
             {.file = fileName(part.file),
-             .position = part.packets.frameOffsets()[0] + part.packets.pduOffsets()[0]}));
-        stream.described = nullptr;
-        stream.layouts = findLayouts(index_, *stream.stream, choice_.layout);
+             .position = part.packets.frameOffsets()[0] + part.packets.pduOffsets()[0]});
+        stream.layouts = findLayouts(index_, *stream.stream, layoutOf(stream));
     }
 }
 
@@ -140,9 +139,10 @@ SampleCounts WantedSamples::visit(WantedStream const& stream, SampleRows rows,
             }
             if (isWanted(*block)) {
                 if (stream.described != nullptr && block->dataSize != 0) {
-                    static_cast<void>(names_.samplesOf(stream.stream->key, block->dataSize,
-                                                       {.file = fileName(block->places[0].file),
-                                                        .position = block->places[0].fileOffset}));
+                    static_cast<void>(names_.samplesOf(
+                        stream.stream->key, {.dataSize = block->dataSize, .found = block->layout},
+                        {.file = fileName(block->places[0].file),
+                         .position = block->places[0].fileOffset}));
                 }
                 isMoreWanted = take(*block);
             }

@@ -1,5 +1,7 @@
 #include "tools/names/StreamNames.hpp"
 
+#include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "tools/names/ChannelNames.hpp"
@@ -90,29 +92,92 @@ DescribedSamples const* StreamNames::samplesOf(StreamKey const& stream) {
     return known.samples ? &*known.samples : nullptr;
 }
 
-DescribedSamples const* StreamNames::samplesOf(StreamKey const& stream, std::size_t size,
-                                               NamedPlace const& place) {
-    DescribedSamples const* const samples = samplesOf(stream);
-    if (samples != nullptr && samples->layout.size() == size) {
-        return samples;
+/// What samples are up to a member of unknown width, and what they look like from there on.
+std::optional<DescribedSamples> StreamNames::partOf(DataSet const& dataSet,
+                                                    StreamLayout const& found) {
+    auto binding = TalIec61850Scl::bindSamples(dataSet, found.dataSize);
+    if (!binding) {
+        return std::nullopt;
     }
-    if (DataSet const* const dataSet = dataSetOf(stream)) {
-        tell(knownOf(stream), {.stream = stream,
-                               .dataSet = *dataSet,
-                               .place = place,
-                               .binding = nullptr,
-                               .sampleSize = size});
+    auto meanings = meaningsOf(dataSet, *binding);
+    if (auto const& inferred = found.found.layout) {
+        auto const described = binding->layout.members();
+        auto const all = inferred->members();
+        if (described.size() <= all.size() &&
+            std::equal(described.begin(), described.end(), all.begin())) {
+            return DescribedSamples{.layout = *inferred, .channels = std::move(meanings)};
+        }
     }
-    return nullptr;
+    return DescribedSamples{.layout = std::move(binding->layout), .channels = std::move(meanings)};
 }
 
-std::function<std::optional<SampleLayout>(StreamKey const&)> StreamNames::layouts() {
+DescribedSamples const* StreamNames::samplesOf(StreamKey const& stream, StreamLayout const& found,
+                                               NamedPlace const& place) {
+    DescribedSamples const* samples = samplesOf(stream);
+    DataSet const* const dataSet = dataSetOf(stream);
+    if (dataSet == nullptr || (samples != nullptr && samples->layout.size() == found.dataSize)) {
+        return samples;
+    }
+    Known& known = knownOf(stream);
+    tell(known, {.stream = stream,
+                 .dataSet = *dataSet,
+                 .place = place,
+                 .binding = nullptr,
+                 .sampleSize = found.dataSize});
+    auto const [part, isNew] = known.parts.try_emplace(found.dataSize);
+    if (isNew) {
+        part->second = partOf(*dataSet, found);
+    }
+    return part->second ? &*part->second : nullptr;
+}
+
+DescribedSamples const* StreamNames::samplesOf(TrafficIndex const& index,
+                                               TrafficStream const& stream,
+                                               NameOfFile const& nameOf) {
+    DescribedSamples const* const whole = samplesOf(stream.key);
+    if (whole != nullptr || dataSetOf(stream.key) == nullptr) {
+        return whole;
+    }
+    Known& known = knownOf(stream.key);
+    if (!known.first) {
+        auto const layouts = findLayouts(index, stream);
+        StreamPart const& part = stream.parts.front();
+        std::uint64_t const position =
+            part.packets.frameOffsets()[0] + part.packets.pduOffsets()[0];
+        known.first = layouts.empty()
+                          ? nullptr
+                          : samplesOf(stream.key, layouts.front(),
+                                      {.file = nameOf(part.file), .position = position});
+    }
+    return *known.first;
+}
+
+StreamNames::LayoutOf StreamNames::layouts() {
     if (!station_) {
         return {};
     }
     return [this](StreamKey const& stream) {
         DescribedSamples const* const samples = samplesOf(stream);
         return samples != nullptr ? std::optional(samples->layout) : std::nullopt;
+    };
+}
+
+StreamNames::LayoutOf StreamNames::layouts(TrafficIndex const& index, NameOfFile nameOf) {
+    if (!station_) {
+        return {};
+    }
+    return [this, &index, nameOf = std::move(nameOf)](StreamKey const& key) {
+        TrafficStream const* const stream = index.find(key);
+        std::optional<SampleLayout> layout;
+        try {
+            auto const* const samples = stream != nullptr && key.protocol == StreamProtocol::sv
+                                            ? samplesOf(index, *stream, nameOf)
+                                            : nullptr;
+            layout = samples != nullptr ? std::optional(samples->layout) : std::nullopt;
+        } catch (std::system_error const&) {
+            layout.reset();  // supervision meets that too, and tells it
+        }
+        return layout;
     };
 }
 

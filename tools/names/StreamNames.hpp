@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TalIec61850Analysis/packet/DataView.hpp>
+#include <TalIec61850Analysis/samples/FindLayouts.hpp>
 #include <TalIec61850Analysis/samples/SampleLayout.hpp>
 #include <TalIec61850Analysis/traffic/StreamKey.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
@@ -10,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -34,7 +36,7 @@ struct NamedPlace {
 /// What the samples of a stream are by its description.
 struct DescribedSamples {
     TalIec61850Analysis::SampleLayout layout;
-    /// One for each channel of the layout.
+    /// One for each channel of the layout, up to a member of unknown width.
     std::vector<ChannelMeaning> channels;
 };
 
@@ -56,6 +58,10 @@ struct NamesEnd {
 class StreamNames {
 public:
     using Tell = std::function<void(NamesEnd const& end)>;
+    using LayoutOf = std::function<std::optional<TalIec61850Analysis::SampleLayout>(
+        TalIec61850Analysis::StreamKey const& stream)>;
+    /// The name of a capture by its number.
+    using NameOfFile = std::function<std::string_view(std::uint32_t file)>;
 
     /// @param station  not set where there is no description
     /// @param tell     told where names end, once a stream
@@ -88,16 +94,28 @@ public:
     /// What the samples of a stream should be; null where that is not described, or not in full.
     /// @param stream  SV
     [[nodiscard]] DescribedSamples const* samplesOf(TalIec61850Analysis::StreamKey const& stream);
-    /// The same where samples of this size are that.
-    /// @param size  octets of a sample
+    /// What they are, as far as that is described: up to a member of unknown width. From there on
+    /// they are what they look like, where that agrees with what is described, else octets.
+    /// @param found  what samples of their size look like
+    /// @return null where samples of this size are not described
     [[nodiscard]] DescribedSamples const* samplesOf(TalIec61850Analysis::StreamKey const& stream,
-                                                    std::size_t size, NamedPlace const& place);
+                                                    TalIec61850Analysis::StreamLayout const& found,
+                                                    NamedPlace const& place);
+
+    /// The same of the samples that a stream of an index begins with, unless it is described in
+    /// full.
+    /// @throws std::system_error  a capture cannot be read
+    [[nodiscard]] DescribedSamples const* samplesOf(
+        TalIec61850Analysis::TrafficIndex const& index,
+        TalIec61850Analysis::TrafficStream const& stream, NameOfFile const& nameOf);
 
     /// The layout of the samples of a stream, as it is described in full; empty without a
     /// description. It refers to these names.
-    [[nodiscard]] std::function<
-        std::optional<TalIec61850Analysis::SampleLayout>(TalIec61850Analysis::StreamKey const&)>
-    layouts();
+    [[nodiscard]] LayoutOf layouts();
+    /// The same of streams of an index, as far as it is described; it refers to the index, too.
+    /// What cannot be read has none.
+    [[nodiscard]] LayoutOf layouts(TalIec61850Analysis::TrafficIndex const& index,
+                                   NameOfFile nameOf);
 
     /// Looks at which IEDs are in play.
     void look(TalIec61850Analysis::TrafficIndex const& index);
@@ -115,9 +133,16 @@ private:
         // SV.
         bool isBound = false;
         std::optional<DescribedSamples> samples = {};
+        /// By their size, those that are not described in full; not set where they are not at all.
+        std::map<std::size_t, std::optional<DescribedSamples>> parts = {};
+        /// One of these: that of the samples that the stream begins with. Not set before it is
+        /// asked for.
+        std::optional<DescribedSamples const*> first = {};
     };
 
     [[nodiscard]] Known& knownOf(TalIec61850Analysis::StreamKey const& stream);
+    [[nodiscard]] static std::optional<DescribedSamples> partOf(
+        TalIec61850Scl::DataSet const& dataSet, TalIec61850Analysis::StreamLayout const& found);
     void tell(Known& known, NamesEnd const& end);
 
     std::optional<TalIec61850Scl::StationDescription> station_;

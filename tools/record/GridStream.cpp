@@ -22,14 +22,19 @@ constexpr double kSamePhase = 0.02;
 
 GridStream::GridStream(TrafficIndex const& index, TrafficStream const& stream,
                        SampleOptions options, std::optional<RecordGrid> grid, GridPlacing placing,
-                       PlaceText placeText, Wanted isWanted, GridStream const* beside)
+                       PlaceText placeText, Wanted isWanted, GridStream const* beside,
+                       SampleReader const* before)
     : stream_(stream),
       reader_(beside == nullptr ? SampleReader(index, stream, std::move(options))
                                 : SampleReader(index, stream, std::move(options), beside->reader_)),
       grid_(grid),
       placing_(placing),
       placeText_(std::move(placeText)),
-      isWanted_(std::move(isWanted)) {}
+      isWanted_(std::move(isWanted)) {
+    if (before != nullptr) {
+        reader_.startAfter(*before);
+    }
+}
 
 void GridStream::refuse(std::size_t row, std::string const& why) const {
     throw RecordRefusal(

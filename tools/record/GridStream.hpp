@@ -51,12 +51,14 @@ public:
     /// @param index, stream  must outlive this
     /// @param options        of which `rows` is everySample
     /// @param beside         one that is gone through together with this one, row by row; or null
+    /// @param before         has read all that is before the window; or null
     /// @param grid           not set where the first sample is to be row 0, at the stream's rate
     GridStream(TalIec61850Analysis::TrafficIndex const& index,
                TalIec61850Analysis::TrafficStream const& stream,
                TalIec61850Analysis::SampleOptions options, std::optional<RecordGrid> grid,
                GridPlacing placing, PlaceText placeText, Wanted isWanted,
-               GridStream const* beside = nullptr);
+               GridStream const* beside = nullptr,
+               TalIec61850Analysis::SampleReader const* before = nullptr);
 
     /// Has each block shown that is read from now on.
     void showTo(std::function<void(TalIec61850Analysis::SampleBlock const& block)> look) {
@@ -75,6 +77,9 @@ public:
 
     /// Of the rows that were asked for, each once.
     [[nodiscard]] GridAlignment const& alignment() const { return alignment_; }
+
+    /// What read them; the stream is not of use after that.
+    [[nodiscard]] TalIec61850Analysis::SampleReader takeReader() { return std::move(reader_); }
 
     /// What became of the samples that were gone through.
     [[nodiscard]] TalIec61850Analysis::SampleCounts counts() const { return reader_.counts(); }

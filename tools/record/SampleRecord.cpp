@@ -272,8 +272,9 @@ SampleOptions SampleRecord::optionsOf(RecordSource const& source, bool withValue
 
 GridStream SampleRecord::open(RecordSource const& source, std::optional<RecordGrid> grid,
                               bool withValues) const {
-    return {index_,     *source.stream, optionsOf(source, withValues), grid, wish_.placing,
-            placeText_, isWanted_};
+    return {index_,    *source.stream, optionsOf(source, withValues),
+            grid,      wish_.placing,  placeText_,
+            isWanted_, nullptr,        source.before.get()};
 }
 
 /// Opens all sources, to be gone through row by row.
@@ -285,7 +286,7 @@ std::vector<GridStream> SampleRecord::openTogether() const {
         options.together = wish_.sources.size();
         streams.emplace_back(index_, *source.stream, std::move(options), survey_.grid,
                              wish_.placing, placeText_, isWanted_,
-                             streams.empty() ? nullptr : &streams.front());
+                             streams.empty() ? nullptr : &streams.front(), source.before.get());
     }
     return streams;
 }
@@ -395,11 +396,13 @@ void SampleRecord::surveySource(std::size_t number) {
     survey_.isGlobal = survey_.isGlobal && synch.other == 0;
     survey_.alignment.leftOut += stream.alignment().leftOut;
     survey_.alignment.inTwoRows += stream.alignment().inTwoRows;
+    source.upToEnd = std::make_shared<SampleReader>(stream.takeReader());
 }
 
 void SampleRecord::countSamples(GridSpan const& span, SynchCounts& synch) {
     SampleBlock const& block = *span.block;
     survey_.rateSource = block.run.rateSource;
+    survey_.areLeapSecondsKnown = survey_.areLeapSecondsKnown && block.areLeapSecondsKnown;
     for (std::size_t i = span.first; i < span.first + span.count; ++i) {
         if (block.states[i] != SampleState::missing) {
             ++survey_.received;
@@ -428,6 +431,26 @@ void SampleRecord::Extent::add(GridSpan const& span, std::size_t channel) {
     std::visit(addAll, block.channels[channel].values);
 }
 
+namespace {
+
+/// Half years since 1970: leap seconds are inserted between them.
+std::int64_t halfYearOf(std::int64_t time) {
+    std::chrono::year_month_day const date{
+        std::chrono::floor<std::chrono::days>(CaptureTime(std::chrono::nanoseconds(time)))};
+    return 2 * std::int64_t{static_cast<int>(date.year())} +
+           (static_cast<unsigned>(date.month()) > 6 ? 1 : 0);
+}
+
+/// The clocks of the publishers know that there is none, but for where one may be.
+ComtradeLeapSecond leapSecondOf(RecordSurvey const& survey) {
+    bool const isKnown = survey.received != 0 && survey.areLeapSecondsKnown &&
+                         halfYearOf(survey.grid.start) ==
+                             halfYearOf(survey.grid.timeOf(static_cast<std::int64_t>(survey.rows)));
+    return isKnown ? ComtradeLeapSecond::none : ComtradeLeapSecond::unknown;
+}
+
+}  // namespace
+
 void SampleRecord::describe() {
     constexpr std::uint8_t kLocked = 0;
     constexpr std::uint8_t kNotReliable = 15;
@@ -437,6 +460,7 @@ void SampleRecord::describe() {
     record_.start = CaptureTime(std::chrono::nanoseconds(survey_.grid.start));
     record_.trigger = wish_.trigger.value_or(record_.start);
     record_.timeQuality = survey_.isGlobal ? kLocked : kNotReliable;
+    record_.leapSecond = leapSecondOf(survey_);
     if (wish_.sources.empty()) {
         return;
     }
@@ -498,7 +522,7 @@ void SampleRecord::describeSource(std::size_t number) {
     auto const& meanings = isDescribed ? source.described->channels : meaningsOf(source.layout);
     for (std::size_t const channel : source.channels) {
         record_.analogs.push_back(
-            analogOf(number, channel, meanings.empty() ? nullptr : &meanings[channel]));
+            analogOf(number, channel, channel < meanings.size() ? &meanings[channel] : nullptr));
         if (source.layout.channels()[channel].qualityOffset) {
             describeQuality(record_.analogs.back().id);
         }

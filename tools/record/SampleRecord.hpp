@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -39,6 +40,10 @@ struct RecordSource {
     std::optional<TalIec61850Analysis::SampleLayout> given = {};
     /// What its samples are by a description; null without one.
     DescribedSamples const* described = nullptr;
+    /// Has read all that is before the window; null where nothing has.
+    std::shared_ptr<TalIec61850Analysis::SampleReader const> before = {};
+    /// Found when the record is made: has read all that is before the end of the window.
+    std::shared_ptr<TalIec61850Analysis::SampleReader const> upToEnd = {};
     /// Found when the record is made.
     TalIec61850Analysis::SampleLayout layout = {};
     /// Whether smpSynch is 2 in some samples, and not in others; found then, too.
@@ -76,6 +81,8 @@ struct RecordSurvey {
     TalIec61850Analysis::RateSource rateSource = TalIec61850Analysis::RateSource::none;
     /// Whether smpSynch is 2 in every sample.
     bool isGlobal = true;
+    /// Whether every sample has a refrTm whose clock takes leap seconds into account.
+    bool areLeapSecondsKnown = true;
 };
 
 /// Samples of streams, and states of GOOSE members, as one COMTRADE record.

@@ -438,8 +438,8 @@ std::vector<std::string> const& FindingText::channelNames(std::size_t stream) {
         return known->second;
     }
     TrafficStream const& of = index_.streams()[stream];
-    DescribedSamples const* const described = names_.samplesOf(of.key);
     try {
+        DescribedSamples const* const described = names_.samplesOf(index_, of, nameOf_);
         auto const given = described != nullptr ? std::optional(described->layout) : std::nullopt;
         for (StreamLayout const& layout : findLayouts(index_, of, given)) {
             if (layout.found.layout && known->second.empty()) {
@@ -458,17 +458,17 @@ std::string FindingText::nameOf(Finding const& finding) {
     if (!names_.areGiven() || !finding.stream || finding.member.empty()) {
         return {};
     }
-    if (isSv(finding)) {
-        if (names_.samplesOf(index_.streams()[*finding.stream].key) == nullptr) {
+    try {
+        if (isSv(finding)) {
+            if (names_.samplesOf(index_, index_.streams()[*finding.stream], nameOf_) == nullptr) {
+                return {};
+            }
+            auto const& names = channelNames(*finding.stream);
+            return finding.member.front() < names.size() ? names[finding.member.front()] : "";
+        }
+        if (!finding.place) {
             return {};
         }
-        auto const& names = channelNames(*finding.stream);
-        return finding.member.front() < names.size() ? names[finding.member.front()] : "";
-    }
-    if (!finding.place) {
-        return {};
-    }
-    try {
         return std::string(
             messages_.of(*finding.stream, finding.place->packet).nameAt(finding.member));
     } catch (std::system_error const&) {

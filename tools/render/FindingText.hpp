@@ -25,7 +25,10 @@ public:
     /// @param nameOf  of a capture by its number
     FindingText(TalIec61850Analysis::TrafficIndex const& index, StreamNames& names,
                 std::function<std::string_view(std::uint32_t file)> nameOf)
-        : index_(index), names_(names), messages_(index, names, std::move(nameOf)) {}
+        : index_(index),
+          names_(names),
+          nameOf_(std::move(nameOf)),
+          messages_(index, names, nameOf_) {}
 
     /// One sentence, without the name of the stream. Names in it are as they are in the frames.
     [[nodiscard]] std::string sentence(TalIec61850Analysis::Finding const& finding);
@@ -53,6 +56,7 @@ private:
 
     TalIec61850Analysis::TrafficIndex const& index_;
     StreamNames& names_;
+    StreamNames::NameOfFile nameOf_;
     MessageNames messages_;
     /// By stream: the names of its channels; empty where none are known.
     std::map<std::size_t, std::vector<std::string>> channels_;

@@ -43,15 +43,17 @@ std::string bindingText(DataSet const& dataSet, MemberBinding const& binding) {
 }
 
 std::string samplesText(DataSet const& dataSet, std::size_t found) {
+    auto const binding = TalIec61850Scl::bindSamples(dataSet, found);
     auto const described = TalIec61850Scl::sampleSize(dataSet);
-    if (!described) {
-        return "the types of the data set are not all known: channels have no names";
+    std::size_t const least = TalIec61850Scl::leastSampleSize(dataSet);
+    if (!described && found >= least) {
+        DataSetMember const& unknown = dataSet.members[binding ? binding->bound : 0];
+        return fmt::format("the width of {} is not known: {}", describedText(unknown),
+                           binding ? "no names from there on" : "channels have no names");
     }
-    if (*described == found) {
-        return "the types of the data set make no samples: channels have no names";
-    }
-    return fmt::format("samples have {}, {} are described: channels have no names",
-                       plural(found, "octet"), *described);
+    return fmt::format("samples have {}, {}{} are described: channels have no names",
+                       plural(found, "octet"), described ? "" : "at least ",
+                       described.value_or(least));
 }
 
 }  // namespace

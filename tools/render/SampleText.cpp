@@ -61,6 +61,9 @@ std::string layoutText(FoundLayout const& layout, std::size_t dataSize) {
         return plural(dataSize, "octet");
     }
     auto const members = layout.layout->members();
+    std::string const rest = layout.layout->rest() == 0
+                                 ? std::string()
+                                 : fmt::format(" and {}", plural(layout.layout->rest(), "octet"));
     // The shortest pattern that repeats.
     std::size_t period = 1;
     while (members.size() % period != 0 ||
@@ -70,14 +73,14 @@ std::string layoutText(FoundLayout const& layout, std::size_t dataSize) {
     }
     constexpr std::size_t kLongestPattern = 4;
     if (period > kLongestPattern) {
-        return plural(layout.layout->channels().size(), "channel");
+        return plural(layout.layout->channels().size(), "channel") + rest;
     }
     std::string pattern;
     for (std::size_t i = 0; i < period; ++i) {
         pattern += pattern.empty() ? "" : ", ";
         pattern += typeText(members[i]);
     }
-    return fmt::format("{} x ({})", members.size() / period, pattern);
+    return fmt::format("{} x ({}){}", members.size() / period, pattern, rest);
 }
 
 std::string layoutRemark(FoundLayout const& layout, std::size_t dataSize) {

@@ -86,6 +86,60 @@ private:
     std::uint64_t time_ = 0;
 };
 
+/// How many rows there are with those that are missing.
+std::uint64_t rowsWithMissing(IndexedWaveform const& indexed, SampleRate rate) {
+    SampleOptions options;
+    options.rows = SampleRows::everySample;
+    options.rate = rate;
+    options.withValues = false;
+    SampleReader reader(indexed.index(), indexed.stream(), options);
+    std::uint64_t rows = 0;
+    while (SampleBlock const* const block = reader.next()) {
+        rows += block->size();
+    }
+    EXPECT_EQ(rows, reader.counts().received + reader.counts().lost);
+    return rows;
+}
+
+/// Rows that so many samples may have besides their own.
+constexpr std::uint64_t mostMissing(std::uint64_t samples) {
+    return (std::uint64_t{1} << 23U) + 64 * samples;
+}
+
+TEST(BadSamples, WhoseCounterLeapsInNoTimeHaveNoMoreMissingOnesThanThereIsRoomFor) {
+    BadCapture capture;
+    constexpr std::uint32_t kSamples = 2000;
+    for (std::uint32_t i = 0; i < kSamples; ++i) {
+        capture.goTo(0).add(asduOf(i * 20'000 % 65'536));
+    }
+    std::uint64_t const rows = rowsWithMissing(capture.indexed(), {});
+    EXPECT_LE(rows, kSamples + mostMissing(kSamples));
+    EXPECT_GT(rows, mostMissing(0) / 2);
+}
+
+TEST(BadSamples, WithLongPausesHaveNoMoreMissingOnesThanThereIsRoomFor) {
+    constexpr std::uint64_t kInterval = 250'000;
+    constexpr std::uint32_t kSamples = 20;
+    constexpr std::uint64_t kPause = std::uint64_t{599} * 4000 + 1;
+    BadCapture capture;
+    for (std::uint64_t i = 0; i < kSamples; ++i) {
+        capture.goTo(i * kPause * kInterval)
+            .add(asduOf(static_cast<std::uint32_t>(i * kPause % 4000)));
+    }
+    IndexedWaveform const indexed = capture.indexed();
+    EXPECT_LE(rowsWithMissing(indexed, {.samples = 4000, .seconds = 1}),
+              kSamples + mostMissing(kSamples));
+    // Three of them have room; then a pause begins a run.
+    SampleOptions options;
+    options.rate = {.samples = 4000, .seconds = 1};
+    ReadStream const read = indexed.read(options);
+    ASSERT_EQ(read.rows.size(), kSamples);
+    EXPECT_EQ(read.counts.lost, 3 * (kPause - 1));
+    EXPECT_EQ(read.rows[3].run, 0U);
+    EXPECT_EQ(read.rows[4].run, 1U);
+    EXPECT_EQ(read.rows[4].start, RunStart::pause);
+}
+
 TEST(BadSamples, BeyondTheWrapAreGivenInRunsOfTheirOwn) {
     BadCapture capture;
     for (std::uint32_t i = 0; i < 200; ++i) {

@@ -79,8 +79,12 @@ std::string differenceOf(WaveformSettings const& settings, WaveformRow const& ex
 
 ReadStream readRows(TrafficIndex const& index, TrafficStream const& stream,
                     SampleOptions const& options) {
-    ReadStream all;
     SampleReader reader(index, stream, options);
+    return readRows(reader);
+}
+
+ReadStream readRows(SampleReader& reader) {
+    ReadStream all;
     while (SampleBlock const* const block = reader.next()) {
         if (all.runs.empty() || all.runs.back() != block->run) all.runs.push_back(block->run);
         all.layouts.push_back(block->layout);

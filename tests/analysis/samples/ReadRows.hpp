@@ -48,6 +48,9 @@ struct ReadStream {
                                   TalIec61850Analysis::TrafficStream const& stream,
                                   TalIec61850Analysis::SampleOptions const& options = {});
 
+/// What is left of a reader.
+[[nodiscard]] ReadStream readRows(TalIec61850Analysis::SampleReader& reader);
+
 /// The files of a stream, and their index.
 class IndexedWaveform {
 public:

@@ -240,6 +240,11 @@ TEST(InferredLayout, OfOneAsduIsThatOf92LeWhereItsLengthIsAndNoValueLooksLikeAFl
     FoundLayout const ofFloats = foundOf({floats});
     EXPECT_EQ(ofFloats.source, LayoutSource::undecided);
     EXPECT_FALSE(ofFloats.layout);
+    Bytes others = integers;
+    others[4] = 1;  // no quality has a bit there
+    FoundLayout const ofOthers = foundOf({others});
+    EXPECT_EQ(ofOthers.source, LayoutSource::undecided);
+    EXPECT_FALSE(ofOthers.layout);
 }
 
 TEST(InferredLayout, OfZerosIsUndecidedAndThatOf92LeByItsLengthAlone) {

@@ -4,6 +4,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <numeric>
 #include <optional>
@@ -131,6 +132,34 @@ RC_GTEST_PROP(SamplesOfARandomWalk, AreThoseThatWereSent, ()) {
         RC_ASSERT(read.counts.late == counts.late);
         RC_ASSERT(read.counts.repeated == counts.repeated);
         RC_ASSERT(read.counts.runs == counts.runs);
+    }
+}
+
+RC_GTEST_PROP(SamplesOfARandomWalk, AreThoseOfReadersThatGoOnAfterEachOther, ()) {
+    WaveformSettings settings = randomSettings();
+    settings.hasRefrTm = *rc::gen::weightedElement<bool>({{3, false}, {1, true}});
+    WaveformStream const stream = walkedStream(settings, randomHappenings(), true);
+    IndexedWaveform const indexed(stream);
+    SampleOptions options;
+    options.rows = *rc::gen::element(SampleRows::received, SampleRows::everySample);
+    CaptureTime const start{
+        std::chrono::nanoseconds(stream.rows(false).front().taken - settings.delay)};
+    auto const length = std::chrono::milliseconds(*rc::gen::element(1, 10, 50, 200, 1000));
+    std::optional<SampleReader> before;
+    for (int part = 0; part < 8; ++part) {
+        options.from = start + part * length;
+        options.end = *options.from + length;
+        // Some parts are left out.
+        if (before && part % 5 == 3) {
+            continue;
+        }
+        SampleReader reader(indexed.index(), indexed.stream(), options);
+        if (before) {
+            reader.startAfter(*before);
+        }
+        ReadStream const read = readRows(reader);
+        RC_ASSERT(read.rows == indexed.read(options).rows);
+        before = std::move(reader);
     }
 }
 

@@ -57,6 +57,8 @@ TEST(BindSamples, NumbersTheMembersThatAreChannels) {
     auto const binding = bindSamples(dataSet, 4 + 4 + 8 + 4 + 4 + 1 + 4);
     ASSERT_TRUE(binding.has_value());
     EXPECT_EQ(binding->channelMembers, (std::vector<std::size_t>{0, 4, 5}));
+    EXPECT_EQ(binding->bound, dataSet.members.size());
+    EXPECT_EQ(binding->layout.rest(), 0U);
     ASSERT_EQ(binding->layout.channels().size(), 3U);
     EXPECT_EQ(binding->layout.channels()[0].qualityOffset, 4U);
     EXPECT_EQ(binding->layout.channels()[0].timeOffset, 8U);
@@ -74,14 +76,34 @@ TEST(BindSamples, BindsNothingOfAnotherSize) {
     EXPECT_FALSE(bindSamples(dataSet, 0).has_value());
 }
 
-TEST(BindSamples, BindsNothingWithATypeOfUnknownWidth) {
-    for (BasicType const type :
-         {BasicType::unknown, BasicType::int128, BasicType::dbpos, BasicType::visibleString,
-          BasicType::octetString, BasicType::entryTime, BasicType::structure}) {
-        DataSet const dataSet = setOf({BasicType::int32, type});
+/// Types whose width in a sample is not known.
+std::vector<BasicType> const kWithoutWidth = {
+    BasicType::unknown,     BasicType::int128,    BasicType::dbpos,    BasicType::visibleString,
+    BasicType::octetString, BasicType::entryTime, BasicType::structure};
+
+TEST(BindSamples, BindsTheMembersBeforeATypeOfUnknownWidth) {
+    for (BasicType const type : kWithoutWidth) {
+        DataSet const dataSet = setOf({BasicType::int32, BasicType::quality, BasicType::float32,
+                                       type, BasicType::int32, BasicType::quality});
         EXPECT_EQ(sampleSize(dataSet), std::nullopt);
+        for (std::size_t size = 0; size < 64; ++size) {
+            auto const binding = bindSamples(dataSet, size);
+            ASSERT_EQ(binding.has_value(), size >= leastSampleSize(dataSet)) << size;
+            if (binding) {
+                EXPECT_EQ(binding->bound, 3U);
+                EXPECT_EQ(binding->channelMembers, (std::vector<std::size_t>{0, 2}));
+                EXPECT_EQ(binding->layout.size(), size);
+                EXPECT_EQ(binding->layout.rest(), size - 12);
+                EXPECT_EQ(binding->layout.channels().size(), 2U);
+            }
+        }
+    }
+}
+
+TEST(BindSamples, BindsNothingWhereTheFirstWidthIsUnknown) {
+    for (BasicType const type : kWithoutWidth) {
         for (std::size_t size = 0; size < 32; ++size) {
-            EXPECT_FALSE(bindSamples(dataSet, size).has_value());
+            EXPECT_FALSE(bindSamples(setOf({type, BasicType::int32}), size).has_value());
         }
     }
 }

@@ -7,6 +7,7 @@
 
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
+#include "support/SclAccess.hpp"
 
 namespace TalTest {
 namespace {
@@ -23,29 +24,9 @@ std::string const kStation = R"(<?xml version="1.0" encoding="UTF-8"?>
   <Header id="station"/>
   <Communication>
     <SubNetwork name="station" type="8-MMS">
-      <ConnectedAP iedName="RELAY1" apName="AP1">
-        <GSE ldInst="LD0" cbName="gcb1">
-          <Address>
-            <P type="MAC-Address">01-0C-CD-01-00-01</P>
-            <P type="APPID">0001</P>
-            <P type="VLAN-ID">005</P>
-            <P type="VLAN-PRIORITY">4</P>
-          </Address>
-          <MinTime unit="s" multiplier="m">4</MinTime>
-          <MaxTime unit="s" multiplier="m">100</MaxTime>
-        </GSE>
-      </ConnectedAP>
-      <ConnectedAP iedName="MU1" apName="AP1">
-        <SMV ldInst="LD0" cbName="msvcb1">
-          <Address>
-            <P type="MAC-Address">01-0C-CD-04-00-01</P>
-            <P type="APPID">4000</P>
-            <P type="VLAN-ID">005</P>
-            <P type="VLAN-PRIORITY">4</P>
-          </Address>
-        </SMV>
-      </ConnectedAP>
-    </SubNetwork>
+)" + textOf(accessOfRelay1()) +
+                             textOf(accessOfMu1()) +
+                             R"(    </SubNetwork>
   </Communication>
   <IED name="RELAY1">
     <AccessPoint name="AP1">

@@ -116,6 +116,39 @@ TEST(SclSubscribers, OfTheFirstEditionAreFoundByTheData) {
     EXPECT_EQ(subscribers[0].member, 0U);
 }
 
+TEST(SclSubscribers, AreReadWhereverTheirLogicalNodeHasThem) {
+    std::string const inputs =
+        "<Inputs><ExtRef iedName='IED1' srcLDInst='LD0' srcCBName='gcb1'/></Inputs>";
+    std::string const instance = "<DOI name='Ind1'><DAI name='d'/></DOI>";
+    std::string const log = "<Log name='l'/>";
+    for (std::string const& inside :
+         {inputs + instance, instance + inputs + log, instance + inputs + instance,
+          "<Private/>" + instance + instance + inputs + instance + log}) {
+        for (std::string const node :
+             {"LN0 lnClass='LLN0' inst=''", "LN lnClass='GGIO' inst='1'"}) {
+            SclText file = stationWith("");
+            std::string const kind = node.substr(0, node.find(' '));
+            file.ieds += "<IED name='IED3'><AccessPoint name='A'><Server><LDevice inst='LD0'><";
+            file.ieds += node;
+            file.ieds += " lnType='x'>";
+            file.ieds += inside;
+            file.ieds += "</" + kind + "></LDevice></Server></AccessPoint></IED>";
+            auto const station = readStation(file.text(), "");
+            ASSERT_EQ(station.controlBlocks.at(0).subscribers.size(), 1U) << node << inside;
+            EXPECT_EQ(station.controlBlocks[0].subscribers[0].ied, "IED3");
+        }
+    }
+}
+
+TEST(SclSubscribers, AreThoseOfLogicalNodesAlone) {
+    SclText file = stationWith("");
+    file.ieds +=
+        "<IED name='IED3'><AccessPoint name='A'><LN lnClass='ITCI' inst='1' lnType='x'>"
+        "<DOI name='Ind1'><Inputs><ExtRef iedName='IED1' srcLDInst='LD0' srcCBName='gcb1'/>"
+        "</Inputs></DOI></LN></AccessPoint></IED>";
+    EXPECT_TRUE(readStation(file.text(), "").controlBlocks.at(0).subscribers.empty());
+}
+
 TEST(SclSubscribers, MayBeOfTheSameIed) {
     SclText file = stationWith("");
     file.ieds = TalTest::iedText(
