@@ -78,6 +78,7 @@ private:
     [[nodiscard]] bool isNew(Finding const& finding, bool areAll);
     [[nodiscard]] bool isNewPause(Finding const& finding);
     void append(TrafficIndex added);
+    void noteFiles();
     [[nodiscard]] std::vector<Finding> findAll();
     [[nodiscard]] std::vector<bool> haveParts() const;
     [[nodiscard]] bool isGone(std::uint32_t file) const;
