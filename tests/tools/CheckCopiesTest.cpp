@@ -11,6 +11,7 @@
 
 #include "support/CaptureFile.hpp"
 #include "tools/CheckTraffic.hpp"
+#include "tools/StreamsTraffic.hpp"
 
 namespace TalTest {
 namespace {
@@ -120,7 +121,7 @@ TEST(CopyFields, NameTheLans) {
 /// LAN A and LAN B of merging unit and relay in two files, the second with another clock.
 FaultyStation tappedCopies(std::int64_t ahead) {
     FaultyStation station;
-    station.add(SvPlan{.frames = 4000, .prpDelay = kNsBetweenCopies});
+    station.add(SvPlan{.frames = 4500, .prpDelay = kNsBetweenCopies});
     station.add(GoosePlan{
         .firstMessage = 100, .states = {5, 10}, .start = 10'000'000, .prpDelay = kNsBetweenCopies});
     loseCopiesOver(station, 'B', 2000, 3);
