@@ -96,9 +96,9 @@ public:
 
     /// Adds another index, its files after those of this one. Copies and duplicates are found anew,
     /// so that the result is that of indexing all files at once.
-    /// @throws std::system_error  a file cannot be read where frames of two have to be compared; all
-    ///                            was added, and what are copies and duplicates is not known until
-    ///                            something is added again
+    /// @throws std::system_error  a file cannot be read where frames of two have to be compared;
+    ///                            all was added, and what are copies and duplicates is not known
+    ///                            until something is added again
     TALIEC61850ANALYSIS_EXPORT void merge(TrafficIndex other);
 
     /// Adds what TrafficFollower has read on: to the file of its path that was added last, so that
