@@ -67,6 +67,7 @@
 #include <TalIec61850Analysis/pictures/SampleSpans.hpp>
 #include <TalIec61850Analysis/pictures/StreamPicture.hpp>
 #include <TalIec61850Analysis/pictures/Waveform.hpp>
+#include <TalIec61850Analysis/redundancy/AlignClocks.hpp>
 #include <TalIec61850Analysis/redundancy/CopyCounts.hpp>
 #include <TalIec61850Analysis/redundancy/PairCopies.hpp>
 #include <TalIec61850Analysis/redundancy/RedundancyFault.hpp>

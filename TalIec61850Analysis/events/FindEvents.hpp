@@ -36,7 +36,7 @@ struct EventOptions {
 ///
 /// The index tells which messages are events. These alone are read again, each with the one before
 /// it. Memory grows with streams and events, not with packets; values are kept of one event at a
-/// time.
+/// time. All captures are taken to have one clock: alignClocks sees to that.
 /// @param index    of captures that are still there
 /// @param options  which events are wanted
 /// @param sink     called with each, in the order of arrival over all files; those of one time in

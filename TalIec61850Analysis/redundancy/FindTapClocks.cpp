@@ -23,12 +23,14 @@ constexpr std::size_t kMostFound = 65536;
 /// Of one key.
 constexpr std::size_t kMostAlike = 8;
 
-/// The way that nine of ten frames of a file have; not set where neither has.
+/// The way that nine of ten frames of a file have; not set where neither has. What earlier files
+/// have too is of a way like all else.
 std::optional<std::size_t> mainWayOf(RedundantSources::File const& file) {
     constexpr std::uint64_t kTenth = 10;
     for (std::size_t const way : {kWayA, kWayB}) {
-        std::uint64_t const others = file.frames.at(1 - way);
-        if (file.frames.at(way) > 0 && others <= file.frames.at(way) / kTenth) {
+        std::uint64_t const its = file.frames.at(way) + file.duplicates.at(way);
+        std::uint64_t const others = file.frames.at(1 - way) + file.duplicates.at(1 - way);
+        if (its > 0 && others <= its / kTenth) {
             return way;
         }
     }

@@ -48,10 +48,13 @@ void RedundantSources::addPart(Source& source, StreamPart const& part) {
     std::array<bool, 2> areThere{};
     std::uint64_t lastOffset = 0;
     for (std::size_t i = 0; i < packets.size(); ++i) {
+        PacketFlags const flags = packets.flags()[i];
+        if (flags.isDuplicate() && flags.redundancy() != Redundancy::none) {
+            ++file.duplicates.at(wayOf(flags));
+        }
         if (!isWanted(packets, i)) {
             continue;
         }
-        PacketFlags const flags = packets.flags()[i];
         if (flags.isTrailerMisfit()) {
             ++source.misfits;
             continue;

@@ -54,7 +54,9 @@ public:
     /// What a file has of all sources.
     struct File {
         std::array<std::uint64_t, 2> frames{};
-        /// The times of these frames; kNoTime where there is none.
+        /// Packets over A and B that an earlier file has.
+        std::array<std::uint64_t, 2> duplicates{};
+        /// The times of the frames; kNoTime where there is none.
         std::int64_t first = kNoTime;
         std::int64_t last = kNoTime;
     };

@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/file/CaptureFile.hpp>
 #include <TalIec61850Analysis/supervision/CaptureDrops.hpp>
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <algorithm>
 #include <stop_token>
 
@@ -26,7 +27,9 @@ class Statistics {
 public:
     explicit Statistics(std::uint32_t file) : file_(file) {}
 
-    void look(CaptureFile const& capture, RecordView const* record,
+    /// @param record  null after the last
+    /// @param time    of the record
+    void look(CaptureFile const& capture, RecordView const* record, std::int64_t time,
               std::vector<CaptureDrop>& drops) {
         auto const interfaces = capture.interfaces();
         counts_.resize(std::max(counts_.size(), interfaces.size()));
@@ -47,7 +50,7 @@ public:
         if (record != nullptr) {
             lastOffset_ = record->record.fileOffset;
             if (record->record.time) {
-                lastTime_ = record->record.time->time_since_epoch().count();
+                lastTime_ = time;
                 lastTold_ = lastTold_ == kNoTime ? lastTime_ : lastTold_;
             }
         }
@@ -64,6 +67,7 @@ private:
 void addDrops(TrafficIndex const& index, std::uint32_t file, std::stop_token const& stop,
               std::vector<CaptureDrop>& drops) {
     CaptureSummary const& summary = index.files()[file].summary;
+    std::int64_t const clock = index.files()[file].clockOffset;
     CaptureFile capture(summary.path);
     // Interfaces that have counts at each record are told by these.
     bool const isByRecord = summary.dropped.value_or(0) > 0;
@@ -80,7 +84,7 @@ void addDrops(TrafficIndex const& index, std::uint32_t file, std::stop_token con
             break;
         }
         std::int64_t const time =
-            record->record.time ? record->record.time->time_since_epoch().count() : before;
+            record->record.time ? shiftedTime(nanosecondsOf(*record->record.time), -clock) : before;
         if (record->record.dropped.value_or(0) > 0) {
             drops.push_back({.file = file,
                              .fileOffset = record->record.fileOffset,
@@ -90,12 +94,12 @@ void addDrops(TrafficIndex const& index, std::uint32_t file, std::stop_token con
                              .isExact = true});
         }
         if (!isByRecord) {
-            statistics.look(capture, record, drops);
+            statistics.look(capture, record, time, drops);
         }
         before = time;
     }
     if (!isByRecord) {
-        statistics.look(capture, nullptr, drops);
+        statistics.look(capture, nullptr, kNoTime, drops);
     }
 }
 

@@ -28,6 +28,12 @@ std::optional<Value> plainValueIn(std::optional<ReadableView<Value>> const& valu
     return held != nullptr ? std::optional(*held) : std::nullopt;
 }
 
+/// An element that is left out says FALSE, unless it was not come to: others are after it.
+std::optional<bool> simulationIn(GooseView const& view) {
+    bool const isPassed = view.confRev || view.ndsCom || view.numDatSetEntries || view.allData;
+    return view.simulation || !isPassed ? plainValueIn(view.simulation) : std::optional(false);
+}
+
 }  // namespace
 
 bool GooseContentReader::isSame(Octets pdu) const {
@@ -51,7 +57,7 @@ void GooseContentReader::readAnew(CaptureWindow& window, std::uint32_t file,
                 .datSet = view.datSet,
                 .confRev = plainNumberIn(view.confRev),
                 .t = plainValueIn(view.t),
-                .simulation = plainValueIn(view.simulation),
+                .simulation = simulationIn(view),
                 .ndsCom = plainValueIn(view.ndsCom),
                 .numDatSetEntries = plainNumberIn(view.numDatSetEntries),
                 .allData = view.allData ? std::optional(view.allData->octets()) : std::nullopt};

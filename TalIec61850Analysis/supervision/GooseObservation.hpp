@@ -20,6 +20,7 @@ struct GooseContent {
     std::optional<std::string_view> datSet;
     std::optional<std::int64_t> confRev;
     std::optional<UtcTime> t;
+    /// FALSE where the message leaves it out; not set where it cannot be read.
     std::optional<bool> simulation;
     std::optional<bool> ndsCom;
     std::optional<std::int64_t> numDatSetEntries;

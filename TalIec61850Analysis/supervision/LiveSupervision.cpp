@@ -154,14 +154,24 @@ void LiveSupervision::finish(FindingSink sink) { tell(true, sink); }
 /// Adds to the index. Frames of several files may have to be compared for that.
 void LiveSupervision::append(TrafficIndex added) {
     forgetGone();
-    try {
-        index_.append(std::move(added));
-    } catch (std::system_error const&) {
-        if (!forgetGone()) {
-            throw;
+    while (true) {
+        try {
+            index_.append(std::move(added));
+            noteFiles();
+            return;
+        } catch (std::system_error const&) {
+            noteFiles();
+            // All of it was added before frames were compared.
+            added = {};
+            if (!forgetGone()) {
+                throw;
+            }
         }
-        index_.append({});
     }
+}
+
+/// Which files those are that were added.
+void LiveSupervision::noteFiles() {
     for (std::size_t file = files_.size(); file < index_.files().size(); ++file) {
         files_.emplace_back();
         files_.back().identity = checkCapture(index_.files()[file].summary.path).identity;

@@ -26,7 +26,8 @@ namespace TalIec61850Analysis {
 /// told when packets of 400 ms after it are there, and what a GOOSE message means whose counters
 /// fall, when the next one of its stream is.
 ///
-/// Files may be removed or replaced, as those of a ring are: their packets are left out then.
+/// Files may be removed or replaced, as those of a ring are: their packets are left out then. All
+/// are taken to have one clock.
 class LiveSupervision {
 public:
     /// @param options  of superviseTraffic; a stop is not asked for
@@ -78,6 +79,7 @@ private:
     [[nodiscard]] bool isNew(Finding const& finding, bool areAll);
     [[nodiscard]] bool isNewPause(Finding const& finding);
     void append(TrafficIndex added);
+    void noteFiles();
     [[nodiscard]] std::vector<Finding> findAll();
     [[nodiscard]] std::vector<bool> haveParts() const;
     [[nodiscard]] bool isGone(std::uint32_t file) const;

@@ -210,53 +210,76 @@ std::optional<std::vector<std::uint32_t>> LossWitnesses::filesOf(FindingPlace co
     return files;
 }
 
-LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& hole) const {
-    Meanwhile meanwhile;
-    TimeWindow const window{.from = CaptureTime(std::chrono::nanoseconds(hole.from + 1)), .to = {}};
+/// Goes over what a stream did in a hole, file by file.
+class LossWitnesses::Look {
+public:
+    explicit Look(Hole const& hole) : hole_(hole) {}
+
+    /// The next file.
+    void goOver(PacketColumns const& packets) {
+        std::size_t place = nextOriginal(packets, packets.placesIn(window_).first);
+        if (auto const last = originalBefore(packets, place)) {
+            before_ = Before{&packets, packets.inTimeOrder(*last)};
+            interval_ = intervalBefore(packets, *last);
+        }
+        for (; place < packets.timedSize() && !isOver_ && looked_ < kMostLookedAt; ++looked_) {
+            std::size_t const packet = packets.inTimeOrder(place);
+            isOver_ = packets.times()[packet] >= hole_.until;
+            if (before_) {
+                compare(*before_, packets, packet);
+            }
+            before_ = Before{&packets, packet};
+            place = nextOriginal(packets, place + 1);
+        }
+    }
+
+    /// What it did in all of them.
+    [[nodiscard]] Meanwhile result() const {
+        Meanwhile meanwhile = meanwhile_;
+        bool const isThere = isOver_ || looked_ == kMostLookedAt;
+        meanwhile.isDue = isThere && interval_ > 0 && interval_ < (hole_.until - hole_.from) / 2;
+        return meanwhile;
+    }
+
+private:
     /// The original packet before.
     struct Before {
         PacketColumns const* packets = nullptr;
         std::size_t packet = 0;
     };
-    std::optional<Before> before;
-    std::int64_t interval = 0;
-    bool isOver = false;
-    std::size_t looked = 0;
-    for (StreamPart const* const part : partsOf(stream, hole)) {
-        PacketColumns const& packets = part->packets;
-        std::size_t place = nextOriginal(packets, packets.placesIn(window).first);
-        if (auto const last = originalBefore(packets, place)) {
-            before = Before{&packets, packets.inTimeOrder(*last)};
-            interval = intervalBefore(packets, *last);
-        }
-        for (; place < packets.timedSize() && !isOver && looked < kMostLookedAt; ++looked) {
-            std::size_t const packet = packets.inTimeOrder(place);
-            isOver = packets.times()[packet] >= hole.until;
-            if (before) {
-                std::int64_t const since =
-                    packets.times()[packet] - before->packets->times()[before->packet];
-                bool const isPause =
-                    isPauseOf(packets, interval, since) && since > (hole.until - hole.from) / 2;
-                Follows const follows =
-                    isPause ? Follows::past
-                            : followsOf(*before->packets, before->packet, packets, packet);
-                bool const isOtherFrame =
-                    before->packets != &packets ||
-                    packets.frameOffsets()[packet] != packets.frameOffsets()[before->packet];
-                bool const isNext = !isOver && follows == Follows::next && isOtherFrame;
-                bool const isInLoss = packets.times()[packet] >= hole.firstLost &&
-                                      packets.times()[packet] <= hole.lastLost;
-                meanwhile.inSequence += isNext ? 1U : 0U;
-                meanwhile.inLoss += isNext && isInLoss ? 1U : 0U;
-                meanwhile.hasLost = meanwhile.hasLost || follows == Follows::past;
-            }
-            before = Before{&packets, packet};
-            place = nextOriginal(packets, place + 1);
-        }
+
+    void compare(Before const& before, PacketColumns const& packets, std::size_t packet) {
+        std::int64_t const time = packets.times()[packet];
+        std::int64_t const since = time - before.packets->times()[before.packet];
+        bool const isPause =
+            isPauseOf(packets, interval_, since) && since > (hole_.until - hole_.from) / 2;
+        Follows const follows =
+            isPause ? Follows::past : followsOf(*before.packets, before.packet, packets, packet);
+        bool const isOtherFrame =
+            before.packets != &packets ||
+            packets.frameOffsets()[packet] != packets.frameOffsets()[before.packet];
+        bool const isNext = !isOver_ && follows == Follows::next && isOtherFrame;
+        bool const isInLoss = time >= hole_.firstLost && time <= hole_.lastLost;
+        meanwhile_.inSequence += isNext ? 1U : 0U;
+        meanwhile_.inLoss += isNext && isInLoss ? 1U : 0U;
+        meanwhile_.hasLost = meanwhile_.hasLost || follows == Follows::past;
     }
-    bool const isThere = isOver || looked == kMostLookedAt;
-    meanwhile.isDue = isThere && interval > 0 && interval < (hole.until - hole.from) / 2;
-    return meanwhile;
+
+    Hole const& hole_;
+    TimeWindow window_ = {.from = captureTimeOf(hole_.from + 1), .to = {}};
+    Meanwhile meanwhile_;
+    std::optional<Before> before_;
+    std::int64_t interval_ = 0;
+    bool isOver_ = false;
+    std::size_t looked_ = 0;
+};
+
+LossWitnesses::Meanwhile LossWitnesses::lookAt(std::size_t stream, Hole const& hole) const {
+    Look look(hole);
+    for (StreamPart const* const part : partsOf(stream, hole)) {
+        look.goOver(part->packets);
+    }
+    return look.result();
 }
 
 /// What the files of a hole have of a stream, in their order of time.

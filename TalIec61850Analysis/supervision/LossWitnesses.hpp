@@ -49,6 +49,7 @@ private:
         /// Whether it should have sent, and may be asked.
         bool isDue = false;
     };
+    class Look;
     /// The same of all other streams.
     struct Others {
         /// Streams that should have sent.

@@ -41,7 +41,8 @@ struct SupervisionOptions {
 /// Of SV, the index alone is read, unless samples are wanted; the messages of GOOSE are read again
 /// from their captures, and so are all frames of sources that came over both ways of HSR or PRP.
 /// Where more than a hundred findings of one kind begin within a second of one stream, they are
-/// made one. Memory grows with streams and findings, not with packets.
+/// made one. Memory grows with streams and findings, not with packets. All captures are taken to
+/// have one clock: alignClocks sees to that.
 /// @param index    of captures that are still there
 /// @param options  what is looked at, and how closely
 /// @param sink     called with each finding, in the order of their times, when all are known

@@ -5,10 +5,14 @@
 
 namespace TalIec61850Analysis::detail {
 
-/// Whether a frame is the copy of the one that its number was met at last; if not, it is met now.
-bool CopyMarker::isCopyOf(Met& met, std::int64_t time, bool isB) const {
+bool CopyMarker::isCopy(PacketColumns const& packets, std::size_t packet) {
     // As long as a receiver remembers what it has.
     constexpr std::uint64_t kForgetTime = 400'000'000;
+    PacketFlags const flags = packets.flags()[packet];
+    std::int64_t const time = packets.times()[packet];
+    bool const isB = flags.lane() == 'B';
+    bool const isPrp = flags.redundancy() == Redundancy::prp;
+    Met& met = met_[packets.redundancySequences()[packet] + (isPrp ? kSequences : 0)];
     // Times come in their order: the difference is right as a number without a sign.
     auto const age = static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(met.time);
     bool const isCopy =
@@ -33,13 +37,12 @@ void CopyMarker::mark(std::span<StreamPart> parts) {
         ColumnsWriter::clearFlag(part.packets, PacketFlags::kCopy);
         flags.push_back(ColumnsWriter::flags(part.packets));
     }
-    constexpr std::size_t kSequences = std::size_t{1} << 16U;
     met_.resize(2 * kSequences);
     ++stream_;
     // The packets of one frame follow one another, and share what is found for the first.
     std::uint32_t lastPart = 0;
     std::uint64_t lastOffset = 0;
-    bool isCopy = false;
+    bool isCopyThere = false;
     visitInTime(parts, {}, [&](PacketRef const& ref) {
         PacketColumns const& packets = parts[ref.part].packets;
         PacketFlags& flag = flags[ref.part][ref.packet];
@@ -49,11 +52,9 @@ void CopyMarker::mark(std::span<StreamPart> parts) {
         // No frame is at offset 0, where the file's header is.
         std::uint64_t const offset = packets.frameOffsets()[ref.packet];
         if (ref.part != lastPart || offset != lastOffset) {
-            bool const isPrp = flag.redundancy() == Redundancy::prp;
-            Met& met = met_[packets.redundancySequences()[ref.packet] + (isPrp ? kSequences : 0)];
-            isCopy = isCopyOf(met, packets.times()[ref.packet], flag.lane() == 'B');
+            isCopyThere = isCopy(packets, ref.packet);
         }
-        if (isCopy) {
+        if (isCopyThere) {
             flag.bits |= PacketFlags::kCopy;
         }
         lastPart = ref.part;

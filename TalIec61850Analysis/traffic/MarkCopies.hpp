@@ -4,6 +4,7 @@
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -27,7 +28,11 @@ private:
         bool isPaired = false;
     };
 
-    [[nodiscard]] bool isCopyOf(Met& met, std::int64_t time, bool isB) const;
+    static constexpr std::size_t kSequences = std::size_t{1} << 16U;
+
+    /// Whether the other way brought a frame before; it is what further ones are compared with.
+    /// @param packet  the first one of the frame; frames come in the order of their times
+    [[nodiscard]] bool isCopy(PacketColumns const& packets, std::size_t packet);
 
     /// By protocol of redundancy and sequence number; empty until it is needed.
     std::vector<Met> met_;

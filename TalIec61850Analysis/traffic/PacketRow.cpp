@@ -1,3 +1,4 @@
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
 #include <algorithm>
 #include <cstddef>
@@ -319,6 +320,13 @@ void ColumnsWriter::clearFlag(PacketColumns& columns, std::uint16_t bit) {
     }
     for (PacketFlags& each : flags(columns)) {
         each = without(each);
+    }
+}
+
+void ColumnsWriter::takeFromTimes(PacketColumns& columns, std::int64_t length) {
+    std::span const times(columns.columnStart<std::int64_t>(columns.places().times), columns.size_);
+    for (std::int64_t& time : times) {
+        time = time == kNoTime ? kNoTime : shiftedTime(time, -length);
     }
 }
 

@@ -62,6 +62,8 @@ public:
     /// Takes a flag from all packets.
     /// @param bit  of PacketFlags
     static void clearFlag(PacketColumns& columns, std::uint16_t bit);
+    /// Takes a length from all times, in nanoseconds; their order stays.
+    static void takeFromTimes(PacketColumns& columns, std::int64_t length);
 
 private:
     static constexpr std::size_t kMaxStageSize = 16;

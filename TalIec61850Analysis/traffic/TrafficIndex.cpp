@@ -1,3 +1,4 @@
+#include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Analysis/traffic/JoinFiles.hpp>
 #include <TalIec61850Analysis/traffic/MarkCopies.hpp>
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
@@ -28,6 +29,20 @@ std::optional<double> rateByCounts(TrafficStream const& stream) {
         }
     }
     return wraps ? std::optional(static_cast<double>(largest) + 1) : std::nullopt;
+}
+
+/// Takes from the times of a file how far its clock is ahead.
+void shiftSummary(CaptureSummary& summary, std::int64_t ahead) {
+    auto const shift = [&](std::optional<CaptureTime>& time) {
+        if (time) {
+            time = captureTimeOf(detail::shiftedTime(nanosecondsOf(*time), -ahead));
+        }
+    };
+    shift(summary.first);
+    shift(summary.last);
+    for (UnreadFrame& frame : summary.unread) {
+        shift(frame.time);
+    }
 }
 
 }  // namespace
@@ -196,6 +211,21 @@ void TrafficIndex::appendPart(StreamKey const& key, StreamPart part,
         if (after->changes.back().attributes != change.attributes) {
             after->changes.push_back({before + change.firstPacket, change.attributes});
         }
+    }
+}
+
+void TrafficIndex::shiftClocks(std::span<std::int64_t const> ahead) {
+    for (std::size_t file = 0; file < files_.size(); ++file) {
+        files_[file].clockOffset += ahead[file];
+        shiftSummary(files_[file].summary, ahead[file]);
+    }
+    detail::CopyMarker copies;
+    for (TrafficStream& stream : streams_) {
+        for (StreamPart& part : stream.parts) {
+            detail::ColumnsWriter::takeFromTimes(part.packets, ahead[part.file]);
+        }
+        copies.mark(stream.parts);
+        count(stream);
     }
 }
 

@@ -24,6 +24,9 @@ struct IndexedFile {
     CaptureSummary summary;
     /// Each that packets of the file have, once, in the order in which they came.
     std::vector<StreamAttributes> attributes;
+    /// How far ahead the clock of the file was, in nanoseconds: its times in the index are without
+    /// that, see TrafficIndex::shiftClocks.
+    std::int64_t clockOffset = 0;
 
     /// Member by member.
     friend bool operator==(IndexedFile const&, IndexedFile const&) = default;
@@ -93,7 +96,9 @@ public:
 
     /// Adds another index, its files after those of this one. Copies and duplicates are found anew,
     /// so that the result is that of indexing all files at once.
-    /// @throws std::system_error  a file cannot be read where frames of two have to be compared
+    /// @throws std::system_error  a file cannot be read where frames of two have to be compared;
+    ///                            all was added, and what are copies and duplicates is not known
+    ///                            until something is added again
     TALIEC61850ANALYSIS_EXPORT void merge(TrafficIndex other);
 
     /// Adds what TrafficFollower has read on: to the file of its path that was added last, so that
@@ -113,6 +118,13 @@ public:
     TALIEC61850ANALYSIS_EXPORT void forgetBefore(
         std::uint32_t file, std::uint64_t frameOffset,
         std::function<std::size_t(StreamKey const&, PacketColumns const&)> const& keeps = {});
+
+    /// Takes from all times of each file how far its clock is ahead, so that times of several files
+    /// compare; alignClocks finds that out. Copies are found anew; duplicates, which had equal
+    /// times before, stay. To be called when all files are there: what is appended to a file later
+    /// has its own times.
+    /// @param ahead  by file, in nanoseconds, less than 2^63; times stay between 1970 and 2262
+    TALIEC61850ANALYSIS_EXPORT void shiftClocks(std::span<std::int64_t const> ahead);
 
     /// File by file and stream by stream.
     friend bool operator==(TrafficIndex const&, TrafficIndex const&) = default;

@@ -28,24 +28,29 @@ std::size_t FaultyStation::add(SvPlan const& plan) {
             message.asdus.push_back(one);
         }
         auto const samples = static_cast<std::int64_t>(number * plan.asdus);
-        StationFrame frame{.stream = stream,
-                           .number = number,
-                           .time = plan.start + samples * kSecond / plan.rate,
-                           .ethernet = Ethernet().to("01:0c:cd:04:00:01").from(plan.source),
-                           .message = message};
-        if (plan.prpDelay) {
-            ++prpSequence_;
-            StationFrame copy = frame;
-            frame.ethernet = frame.ethernet.withPrp('A', prpSequence_);
-            copy.ethernet = copy.ethernet.withPrp('B', prpSequence_);
-            copy.time += *plan.prpDelay;
-            frames_.push_back(frame);
-            frames_.push_back(copy);
-        } else {
-            frames_.push_back(frame);
-        }
+        send({.stream = stream,
+              .number = number,
+              .time = plan.start + samples * kSecond / plan.rate,
+              .ethernet = Ethernet().to("01:0c:cd:04:00:01").from(plan.source),
+              .message = message},
+             plan.prpDelay);
     }
     return stream;
+}
+
+/// @param prpDelay  of the copy over LAN B; none is sent where it is not set
+void FaultyStation::send(StationFrame frame, std::optional<std::int64_t> prpDelay) {
+    if (!prpDelay) {
+        frames_.push_back(std::move(frame));
+        return;
+    }
+    ++prpSequence_;
+    StationFrame copy = frame;
+    frame.ethernet = frame.ethernet.withPrp('A', prpSequence_);
+    copy.ethernet = copy.ethernet.withPrp('B', prpSequence_);
+    copy.time += *prpDelay;
+    frames_.push_back(std::move(frame));
+    frames_.push_back(std::move(copy));
 }
 
 std::size_t FaultyStation::add(GoosePlan const& plan) {
@@ -68,11 +73,12 @@ std::size_t FaultyStation::add(GoosePlan const& plan) {
                                 static_cast<std::uint32_t>((changed % kSecond << 24) / kSecond));
             message.setData({dataBoolean((plan.firstState + state) % 2 == 1), dataQuality(),
                              dataUtcTime(1'700'000'000 + static_cast<std::uint32_t>(state))});
-            frames_.push_back({.stream = stream,
-                               .number = number,
-                               .time = time,
-                               .ethernet = Ethernet().from(plan.source),
-                               .message = message});
+            send({.stream = stream,
+                  .number = number,
+                  .time = time,
+                  .ethernet = Ethernet().from(plan.source),
+                  .message = message},
+                 plan.prpDelay);
             ++number;
             time += interval;
             interval = std::min(2 * interval, plan.heartbeat);
@@ -154,6 +160,25 @@ FaultyStation& FaultyStation::stepClock(std::int64_t time, std::int64_t step) {
 FaultyStation& FaultyStation::splitAt(std::int64_t time) {
     for (StationFrame& each : frames_) {
         each.file += each.time >= time ? 1U : 0U;
+    }
+    return *this;
+}
+
+FaultyStation& FaultyStation::tapLans(std::int64_t ahead) {
+    for (StationFrame& each : frames_) {
+        if (each.ethernet.prpLan == 'B') {
+            each.file = 1;
+            each.clock += ahead;
+        }
+    }
+    return *this;
+}
+
+FaultyStation& FaultyStation::makeRing() {
+    for (StationFrame& each : frames_) {
+        each.ethernet.hsrLan = each.ethernet.prpLan;
+        each.ethernet.hsrSequence = each.ethernet.prpSequence;
+        each.ethernet.prpLan.reset();
     }
     return *this;
 }

@@ -60,6 +60,8 @@ struct GoosePlan {
     std::int64_t start = 0;
     std::int64_t heartbeat = 100'000'000;
     std::int64_t timeAllowedtoLive = 250;
+    /// As that of an SV stream.
+    std::optional<std::int64_t> prpDelay = {};
 };
 
 /// Builds captures. Frames are found by stream and number whatever happens to them; what happens is
@@ -95,6 +97,10 @@ public:
     FaultyStation& stepClock(std::int64_t time, std::int64_t step);
     /// A file begins.
     FaultyStation& splitAt(std::int64_t time);
+    /// Each LAN has a file of its own: the clock of that with LAN B is so far ahead.
+    FaultyStation& tapLans(std::int64_t ahead);
+    /// Both LANs become both directions of an HSR ring.
+    FaultyStation& makeRing();
     /// What comes between two times is in this file and the next one.
     FaultyStation& overlap(std::int64_t from, std::int64_t until);
 
@@ -123,6 +129,8 @@ private:
         std::size_t size = 0;
         StationFrame frame = {};
     };
+
+    void send(StationFrame frame, std::optional<std::int64_t> prpDelay);
 
     std::vector<StationFrame> frames_;
     std::vector<std::string> names_;

@@ -11,6 +11,7 @@
 
 #include "support/CaptureFile.hpp"
 #include "tools/CheckTraffic.hpp"
+#include "tools/StreamsTraffic.hpp"
 
 namespace TalTest {
 namespace {
@@ -37,15 +38,6 @@ void loseCopiesOver(FaultyStation& station, char lan, std::size_t number, std::s
         return frame.ethernet.prpLan == lan && frame.number >= number &&
                frame.number < number + count;
     });
-}
-
-/// Both LANs become both directions of a ring.
-void makeRing(FaultyStation& station) {
-    for (StationFrame& frame : station.frames()) {
-        frame.ethernet.hsrLan = frame.ethernet.prpLan;
-        frame.ethernet.hsrSequence = frame.ethernet.prpSequence;
-        frame.ethernet.prpLan.reset();
-    }
 }
 
 /// The capture with another size in the trailers of some frames, over LAN A.
@@ -79,7 +71,7 @@ TEST(CopySentence, SaysWhichLanLacksCopies) {
 TEST(CopySentence, SaysWhichLaneOfARingLacksACopy) {
     auto station = copiedStation();
     loseCopiesOver(station, 'A', 4000, 1);
-    makeRing(station);
+    station.makeRing();
     EXPECT_EQ(sentencesOf(station, "copyMissing"),
               CopySentences{"a frame came over lane B alone: its copy over lane A is missing"});
 }
@@ -96,7 +88,7 @@ TEST(CopySentence, SaysWhichWayBroughtAFrameAgain) {
     station.repeat(0, 4000, 2 * kNsBetweenCopies);
     EXPECT_EQ(sentencesOf(station, "copyExtra"),
               CopySentences{"a frame came more than once over LAN A"});
-    makeRing(station);
+    station.makeRing();
     EXPECT_EQ(sentencesOf(station, "copyExtra"),
               CopySentences{"a frame came more than once over lane A"});
 }
@@ -124,6 +116,67 @@ TEST(CopyFields, NameTheLans) {
     EXPECT_EQ(fieldsOf("copyExtra"), R"(null"A")");
     EXPECT_EQ(fieldsOf("copyDiffers"), R"(null"B")");
     EXPECT_EQ(fieldsOf("wrongLan"), R"("A""B")");
+}
+
+/// LAN A and LAN B of merging unit and relay in two files, the second with another clock.
+FaultyStation tappedCopies(std::int64_t ahead) {
+    FaultyStation station;
+    station.add(SvPlan{.frames = 4500, .prpDelay = kNsBetweenCopies});
+    station.add(GoosePlan{
+        .firstMessage = 100, .states = {5, 10}, .start = 10'000'000, .prpDelay = kNsBetweenCopies});
+    loseCopiesOver(station, 'B', 2000, 3);
+    return station.tapLans(ahead);
+}
+
+TEST(TappedLans, GiveTheFindingsOfOneClock) {
+    auto station = tappedCopies(0);
+    StationFiles const same(station);
+    auto const expected = runCompanion(same.check({"-f", "json", "--fail-on", "none"}));
+    EXPECT_EQ(expected.err, "");
+    for (auto const& [ahead, note] :
+         {std::pair(std::int64_t{5'000'000'000}, std::string("5.000020000 s ahead of")),
+          std::pair(std::int64_t{-3600'000'000'000}, std::string("3599.999980000 s behind"))}) {
+        auto other = tappedCopies(ahead);
+        StationFiles const files(other);
+        auto const result = runCompanion(files.check({"-f", "json", "--fail-on", "none"}));
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.err, "tal-iec61850: " + files.paths()[1] + ": its clock is " + note +
+                                  " that of " + files.paths()[0] + ", by which times are told\n");
+        auto const rows = rowsOf(files.check({"--fail-on", "none", "-q"}));
+        ASSERT_EQ(rows.size(), 1U) << result.out;
+        EXPECT_EQ(rows[0]["finding"], "copyMissing");
+        EXPECT_EQ(rows[0]["count"], 3);
+        EXPECT_EQ(rows[0]["time"], checkRows(same)[0]["time"]);
+        EXPECT_EQ(runCompanion(files.check({"-q", "--fail-on", "none"})).err, "");
+    }
+}
+
+TEST(TappedLans, GiveTheFiguresOfOneClock) {
+    auto station = tappedCopies(0);
+    auto other = tappedCopies(5'000'000'000);
+    Arguments const figures = {
+        "-q",        "--summary",
+        "--fail-on", "none",
+        "-f",        "csv",
+        "--columns", "svID,gocbRef,packets,lost,late,repeated,restarts,states,firstTime"};
+    auto const expected = runCompanion(StationFiles(station).check(figures));
+    EXPECT_EQ(linesOf(expected.out).size(), 3U);
+    EXPECT_EQ(runCompanion(StationFiles(other).check(figures)).out, expected.out);
+}
+
+TEST(TappedLans, HaveAnEventOnceWhateverTheirClocks) {
+    auto station = tappedCopies(0);
+    auto other = tappedCopies(5'000'000'000);
+    Arguments const events = {"events", "-f", "csv", "--columns",
+                              "time,stNum,sqNum,changes,retransmissions"};
+    auto const expected = runCompanion(joined(events, StationFiles(station).paths()));
+    EXPECT_EQ(linesOf(expected.out).size(), 2U);
+    StationFiles const files(other);
+    auto const result = runCompanion(joined(events, files.paths()));
+    EXPECT_EQ(result.out, expected.out);
+    EXPECT_EQ(result.err, "tal-iec61850: " + files.paths()[1] +
+                              ": its clock is 5.000020000 s ahead of that of " + files.paths()[0] +
+                              ", by which times are told\n");
 }
 
 TEST(CopySentence, SaysBothSizesOfATrailer) {

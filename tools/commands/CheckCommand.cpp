@@ -73,7 +73,8 @@ std::string checkNotes() {
            paragraph(std::string(kFollowNotes) +
                      " Findings are told about a second after the packet that shows them, since "
                      "what is missing may be late.") +
-           "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
+           "\n" + kTimeNotes + "\n" + paragraph(kClockNotes) + "\n" + paragraph(kContentNotes) +
+           "\n" +
            paragraph(std::string(kNameNotes) +
                      " In texts, names have the IED in front where streams are of several.") +
            "\n" +
@@ -90,7 +91,7 @@ public:
           names_(run_, options.common),
           criteria_(names_.asking(options.criteria)),
           // Streams that are not selected are witnesses.
-          index_(indexTraffic(run_, {}, options.common.jobs, names_.publishers())),
+          index_(indexByOneClock(run_, {}, options.common.jobs, names_.publishers())),
           wanted_(options, criteria_, options.window.resolve(spanOf(index_))),
           counts_(index_.streams().size()) {
         reportFaults(run_, index_);

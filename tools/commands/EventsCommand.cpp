@@ -94,7 +94,8 @@ std::string eventsNotes() {
                "front: PTRC1.Tr.general, LD0/PTRC1.Tr.general, IED1LD0/PTRC1.Tr.general. In "
                "texts, names have the IED in front where streams of several IEDs are listed; in "
                "json, they have not.") +
-           "\n" + kTimeNotes + "\n" + paragraph(kContentNotes) + "\n" +
+           "\n" + kTimeNotes + "\n" + paragraph(kClockNotes) + "\n" + paragraph(kContentNotes) +
+           "\n" +
            paragraph(
                "--timeline draws a line for each member of a stream, the first 16, and of more "
                "those that change; --member chooses others. True and on are filled, false and off "

@@ -35,6 +35,21 @@ SupervisionOptions supervisionOf(CheckOptions const& options, StreamNames& names
     return supervision;
 }
 
+/// What was added to all captures.
+TrafficIndex joinAdded(std::vector<AddedTraffic>&& added) {
+    TrafficIndex index;
+    for (AddedTraffic& each : added) {
+        try {
+            index.merge(std::move(each.index));
+        } catch (std::system_error const&) {
+            // Frames of several files were to be compared, and one cannot be read any more. All is
+            // in the index, and is compared again where supervision adds it, and can leave it out.
+            continue;
+        }
+    }
+    return index;
+}
+
 /// Writes rows of what goes wrong.
 class FindingLines {
 public:
@@ -48,10 +63,7 @@ public:
 
     /// @return whether more may be written
     bool write(std::vector<AddedTraffic>&& added) {
-        TrafficIndex index;
-        for (AddedTraffic& each : added) {
-            index.merge(std::move(each.index));
-        }
+        TrafficIndex index = joinAdded(std::move(added));
         if (!wanted_ && !index.files().empty()) {
             // What the window is relative to does not change any more.
             wanted_.emplace(options_, names_.asking(options_.criteria),

@@ -2,8 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <TalIec61850Analysis/redundancy/AlignClocks.hpp>
 #include <algorithm>
+#include <cstdint>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "tools/output/Plural.hpp"
@@ -34,6 +37,17 @@ TrafficIndex readCaptures(CommandRun const& run, TrafficOptions options) {
         };
     }
     return TalIec61850Analysis::indexCaptures(pathsOf(run), options);
+}
+
+/// How far a clock is from another one: "5.000020000 s ahead of". Exact, so that times can be
+/// compared with those of the file.
+std::string apartText(std::int64_t offset) {
+    constexpr std::uint64_t kSecond = 1'000'000'000;
+    bool const isAhead = offset > 0;
+    auto const bits = static_cast<std::uint64_t>(offset);
+    std::uint64_t const length = isAhead ? bits : 0 - bits;
+    return fmt::format("{}.{:09} s {}", length / kSecond, length % kSecond,
+                       isAhead ? "ahead of" : "behind");
 }
 
 }  // namespace
@@ -69,6 +83,25 @@ TrafficIndex indexTraffic(CommandRun const& run, PacketCriteria const& criteria,
     // Seldom: one that may have been of these IEDs is of another control block, or of none.
     options.keeps = [&](StreamKey const& key) { return criteria.admitKey(key); };
     return readCaptures(run, std::move(options));
+}
+
+TrafficIndex indexByOneClock(CommandRun& run, PacketCriteria const& criteria, std::size_t jobs,
+                             StreamPublishers* publishers) {
+    TrafficIndex index = indexTraffic(run, criteria, jobs, publishers);
+    std::optional<std::uint32_t> reference;
+    try {
+        reference = alignClocks(index);
+    } catch (std::system_error const& error) {
+        run.complainOf(nameOfAll(run.captures()), faultText(error.code()));
+    }
+    for (std::size_t file = 0; reference && file < index.files().size(); ++file) {
+        if (std::int64_t const offset = index.files()[file].clockOffset; offset != 0) {
+            run.note(fmt::format("{}: its clock is {} that of {}, by which times are told",
+                                 escapeText(run.captures()[file].name), apartText(offset),
+                                 escapeText(run.captures()[*reference].name)));
+        }
+    }
+    return index;
 }
 
 TrafficIndex surveyTraffic(CommandRun const& run, std::size_t jobs) {

@@ -23,7 +23,19 @@ namespace TalIec61850Tools {
     CommandRun const& run, PacketCriteria const& criteria, std::size_t jobs,
     StreamPublishers* publishers = nullptr);
 
-/// The same of which no stream is kept: what the files are, alone.
+/// indexTraffic, with times by one clock: where captures have one LAN or lane each, and clocks of
+/// their own, the times of some are moved. That, and what cannot be read again for it, is reported.
+[[nodiscard]] TalIec61850Analysis::TrafficIndex indexByOneClock(
+    CommandRun& run, PacketCriteria const& criteria, std::size_t jobs,
+    StreamPublishers* publishers = nullptr);
+
+/// What help says of indexByOneClock.
+inline constexpr char const* kClockNotes =
+    "Where captures have LAN A or LAN B alone, and their clocks are a millisecond or more apart, "
+    "all times are by the clock of those with LAN A, windows too; a line on standard error says "
+    "how far the others are from it.";
+
+/// indexTraffic, of which no stream is kept: what the files are, alone.
 [[nodiscard]] TalIec61850Analysis::TrafficIndex surveyTraffic(CommandRun const& run,
                                                               std::size_t jobs);
 

@@ -21,7 +21,7 @@ PacketCriteria ofGoose(PacketCriteria criteria) {
 NamedGoose::NamedGoose(CommandRun& run, EventsOptions const& options)
     : names(run, options.common),
       criteria(names.asking(ofGoose(options.criteria))),
-      index(indexTraffic(run, criteria, options.common.jobs, names.publishers())),
+      index(indexByOneClock(run, criteria, options.common.jobs, names.publishers())),
       messages(index, names, [&run](std::uint32_t file) -> std::string_view {
           return run.captures()[file].name;
       }) {

@@ -45,7 +45,7 @@ PicturedTraffic::PicturedTraffic(CommandRun& run, SampleChoice const& choice)
       asked_(described_.asking(choice.criteria)),
       criteria_(criteriaOfBoth(asked_)),
       // Streams that are not selected tell who lost packets.
-      index_(indexTraffic(run, {}, choice.common.jobs, described_.publishers())),
+      index_(indexByOneClock(run, {}, choice.common.jobs, described_.publishers())),
       window_(choice.window.resolve(spanOf(index_))),
       messages_(index_, described_, nameOfFile()) {
     reportFaults(run, index_);

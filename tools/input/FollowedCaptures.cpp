@@ -57,11 +57,7 @@ void FollowedCaptures::readFolder(std::string const& folder, std::vector<AddedTr
             paths.push_back(entry->path());
         }
     }
-    if (error) {
-        refuse(folder, error.message());
-    }
     std::sort(paths.begin(), paths.end());
-    // Those that were removed are read to their ends, and forgotten.
     std::string const inside = (fs::path(folder) / "").string();
     std::vector<std::string> removed;
     for (auto const& [path, follower] : followers_) {
@@ -71,6 +67,13 @@ void FollowedCaptures::readFolder(std::string const& folder, std::vector<AddedTr
             removed.push_back(path);
         }
     }
+    if (error) {
+        // What is not listed need not be removed.
+        refuse(folder, error.message());
+        paths.insert(paths.end(), removed.begin(), removed.end());
+        removed.clear();
+    }
+    // Those that were removed are read to their ends, and forgotten.
     for (std::string const& path : removed) {
         readFile(path, added);
         followers_.erase(path);

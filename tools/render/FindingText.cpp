@@ -249,14 +249,108 @@ std::string twoPublishersText(Finding const& finding) {
 }
 
 /// What simulation is, by a number.
-std::string_view simulationText(FindingValue const& value) {
+std::string_view simulatedText(FindingValue const& value) {
     return numberIn(value) != 0 ? "simulated" : "not simulated";
+}
+
+std::string simulationText(Finding const& finding) {
+    switch (finding.kind) {
+        case FindingKind::simulationBegan:
+            return "packets are simulated from here on";
+        case FindingKind::simulationEnded:
+            return "packets are not simulated any more";
+        case FindingKind::simulationContradicts:
+            return fmt::format("the header says {}, the element of the message {}",
+                               simulatedText(finding.expected), simulatedText(finding.found));
+        default:
+            return {};
+    }
 }
 
 /// Which time stamp a finding is of.
 std::string_view stampOf(Finding const& finding) { return isSv(finding) ? "refrTm" : "t"; }
 
 std::string_view protocolText(Finding const& finding) { return isSv(finding) ? "SV" : "GOOSE"; }
+
+/// What a stream says of itself; empty for all other kinds, as with the functions below.
+std::string descriptionText(Finding const& finding) {
+    switch (finding.kind) {
+        case FindingKind::twoPublishers:
+            return twoPublishersText(finding);
+        case FindingKind::timeAllowedtoLiveZero:
+            return "timeAllowedtoLive is 0: receivers cannot supervise the stream";
+        case FindingKind::timeAllowedtoLiveChanged:
+            return fmt::format("timeAllowedtoLive went from {} to {}",
+                               millisecondsText(finding.expected), millisecondsText(finding.found));
+        case FindingKind::confRevChanged:
+            return fmt::format("confRev {}: the publisher was configured anew",
+                               changeText(finding));
+        case FindingKind::dataSetChanged:
+            return dataSetText(finding);
+        case FindingKind::rateChanged:
+            return fmt::format("the rate {} samples a second", changeText(finding));
+        case FindingKind::needsCommissioning:
+            return "ndsCom is set: the control block is not configured in full";
+        case FindingKind::entriesDiffer:
+            return fmt::format(
+                "numDatSetEntries is {}, but the data set has {}", expectedText(finding),
+                plural(static_cast<std::uint64_t>(numberIn(finding.found)), "member"));
+        default:
+            return simulationText(finding);
+    }
+}
+
+std::string clockText(Finding const& finding) {
+    switch (finding.kind) {
+        case FindingKind::expired:
+            return expiredText(finding);
+        case FindingKind::jitter:
+            return jitterText(finding);
+        case FindingKind::timeAhead:
+            return fmt::format("t is {} later than arrival: one of the clocks is wrong",
+                               durationText(timeIn(finding.expected), timeIn(finding.found)));
+        case FindingKind::grandmasterChanged:
+            return fmt::format("the grandmaster clock {}", changeText(finding));
+        case FindingKind::synchLost:
+            return fmt::format("smpSynch fell from {} to {}", synchText(finding.expected),
+                               synchText(finding.found));
+        case FindingKind::synchRegained:
+            return fmt::format("smpSynch rose from {} to {}", synchText(finding.expected),
+                               synchText(finding.found));
+        case FindingKind::clockFailure:
+            return fmt::format("{} says that its clock has failed", stampOf(finding));
+        case FindingKind::clockNotSynchronized:
+            return fmt::format("{} says that its clock is not synchronized", stampOf(finding));
+        default:
+            return {};
+    }
+}
+
+/// Of the captures themselves.
+std::string captureText(Finding const& finding) {
+    switch (finding.kind) {
+        case FindingKind::captureGap:
+            return fmt::format(
+                "all streams pause for {}{} and lack what should have come, {} in all",
+                pauseText(finding), borderText(finding), plural(finding.lost, "packet"));
+        case FindingKind::captureDropped:
+            return fmt::format("the capture says that it lost {}", plural(finding.lost, "packet"));
+        case FindingKind::clockStep:
+            return fmt::format("the clock of the capture was set {} by {}",
+                               numberIn(finding.found) < 0 ? "back" : "ahead",
+                               durationText(std::int64_t{0}, numberIn(finding.found)));
+        case FindingKind::recordsCut:
+            return fmt::format("a snap length cut {}", plural(finding.count, "frame"));
+        case FindingKind::fileEndsInRecord:
+            return fmt::format("the file ends inside a record: {} of its {} octets are there",
+                               foundText(finding), expectedText(finding));
+        case FindingKind::unreadable:
+            return fmt::format("{} frame that cannot be read: {}", protocolText(finding),
+                               reasonText(finding));
+        default:
+            return {};
+    }
+}
 
 /// Whether the sentence of a kind says how often it was met.
 bool saysHowOften(FindingKind kind) {
@@ -389,8 +483,15 @@ std::string FindingText::silentText(Finding const& finding) const {
                              pause, before, now);
 }
 
-/// Which counter of a message went back: a publisher may begin anew in the first state again.
+/// Which counter went back, or elsewhere: a publisher of GOOSE may begin anew in the first state
+/// again.
 std::string FindingText::restartText(Finding const& finding) const {
+    if (isSv(finding)) {
+        return fmt::format(
+            "smpCnt goes on with {}, {} was due: nothing is missing, the publisher began anew or "
+            "its clock was set",
+            foundText(finding), expectedText(finding));
+    }
     auto const columnsOf = [&](PacketRef packet) -> auto const& {
         return index_.streams()[*finding.stream].parts[packet.part].packets;
     };
@@ -406,27 +507,39 @@ std::string FindingText::restartText(Finding const& finding) const {
                        columnsOf(last).sqNums()[last.packet], foundText(finding), stNumAt(last));
 }
 
+std::string FindingText::repeatedText(Finding const& finding) const {
+    return isSv(finding) ? fmt::format("smpCnt {} came again, {} was due", foundText(finding),
+                                       expectedText(finding))
+                         : fmt::format("{} came again", messageText(finding));
+}
+
+std::string FindingText::lateText(Finding const& finding) const {
+    return isSv(finding) ? fmt::format("smpCnt {} came late, {} was due", foundText(finding),
+                                       expectedText(finding))
+                         : fmt::format("{} came late, after stNum {}", messageText(finding),
+                                       expectedText(finding));
+}
+
 std::string FindingText::ofCounters(Finding const& finding) const {
-    std::string const expected = expectedText(finding);
-    std::string const found = foundText(finding);
     switch (finding.kind) {
+        case FindingKind::sampleGap:
+        case FindingKind::sqNumGap:
+        case FindingKind::stateGap:
+        case FindingKind::stateStartMissing:
+            return gapText(finding);
         case FindingKind::repeated:
-            return isSv(finding) ? fmt::format("smpCnt {} came again, {} was due", found, expected)
-                                 : fmt::format("{} came again", messageText(finding));
+            return repeatedText(finding);
         case FindingKind::late:
-            return isSv(finding) ? fmt::format("smpCnt {} came late, {} was due", found, expected)
-                                 : fmt::format("{} came late, after stNum {}", messageText(finding),
-                                               expected);
+            return lateText(finding);
         case FindingKind::counterRestart:
-            return isSv(finding)
-                       ? fmt::format(
-                             "smpCnt goes on with {}, {} was due: nothing is missing, the "
-                             "publisher began anew or its clock was set",
-                             found, expected)
-                       : restartText(finding);
-        default:
+            return restartText(finding);
+        case FindingKind::replay:
             return fmt::format("{} came again, long after: stNum {} was there already",
-                               messageText(finding), expected);
+                               messageText(finding), expectedText(finding));
+        case FindingKind::silent:
+            return silentText(finding);
+        default:
+            return {};
     }
 }
 
@@ -513,20 +626,9 @@ std::string FindingText::qualityChangeText(Finding const& finding) {
                : fmt::format("quality of {} {}", of, changeText(finding));
 }
 
-std::string FindingText::what(Finding const& finding) {
+/// The values of a message, and whether they go with its counters.
+std::string FindingText::ofContent(Finding const& finding) {
     switch (finding.kind) {
-        case FindingKind::sampleGap:
-        case FindingKind::sqNumGap:
-        case FindingKind::stateGap:
-        case FindingKind::stateStartMissing:
-            return gapText(finding);
-        case FindingKind::repeated:
-        case FindingKind::late:
-        case FindingKind::counterRestart:
-        case FindingKind::replay:
-            return ofCounters(finding);
-        case FindingKind::twoPublishers:
-            return twoPublishersText(finding);
         case FindingKind::changedWithoutState:
             return fmt::format("data changed, stNum stayed {}", stNumOf(finding));
         case FindingKind::stateWithoutChange:
@@ -537,54 +639,15 @@ std::string FindingText::what(Finding const& finding) {
         case FindingKind::timeUnchanged:
             return fmt::format("stNum went up to {}, t stayed {}", stNumOf(finding),
                                foundText(finding));
-        case FindingKind::expired:
-            return expiredText(finding);
-        case FindingKind::timeAllowedtoLiveZero:
-            return "timeAllowedtoLive is 0: receivers cannot supervise the stream";
-        case FindingKind::timeAllowedtoLiveChanged:
-            return fmt::format("timeAllowedtoLive went from {} to {}",
-                               millisecondsText(finding.expected), millisecondsText(finding.found));
-        case FindingKind::silent:
-            return silentText(finding);
-        case FindingKind::jitter:
-            return jitterText(finding);
-        case FindingKind::timeAhead:
-            return fmt::format("t is {} later than arrival: one of the clocks is wrong",
-                               durationText(timeIn(finding.expected), timeIn(finding.found)));
-        case FindingKind::confRevChanged:
-            return fmt::format("confRev {}: the publisher was configured anew",
-                               changeText(finding));
-        case FindingKind::dataSetChanged:
-            return dataSetText(finding);
-        case FindingKind::rateChanged:
-            return fmt::format("the rate {} samples a second", changeText(finding));
-        case FindingKind::grandmasterChanged:
-            return fmt::format("the grandmaster clock {}", changeText(finding));
-        case FindingKind::simulationBegan:
-            return "packets are simulated from here on";
-        case FindingKind::simulationEnded:
-            return "packets are not simulated any more";
-        case FindingKind::simulationContradicts:
-            return fmt::format("the header says {}, the element of the message {}",
-                               simulationText(finding.expected), simulationText(finding.found));
-        case FindingKind::needsCommissioning:
-            return "ndsCom is set: the control block is not configured in full";
-        case FindingKind::entriesDiffer:
-            return fmt::format(
-                "numDatSetEntries is {}, but the data set has {}", expectedText(finding),
-                plural(static_cast<std::uint64_t>(numberIn(finding.found)), "member"));
-        case FindingKind::synchLost:
-            return fmt::format("smpSynch fell from {} to {}", synchText(finding.expected),
-                               synchText(finding.found));
-        case FindingKind::synchRegained:
-            return fmt::format("smpSynch rose from {} to {}", synchText(finding.expected),
-                               synchText(finding.found));
-        case FindingKind::clockFailure:
-            return fmt::format("{} says that its clock has failed", stampOf(finding));
-        case FindingKind::clockNotSynchronized:
-            return fmt::format("{} says that its clock is not synchronized", stampOf(finding));
         case FindingKind::qualityChanged:
             return qualityChangeText(finding);
+        default:
+            return {};
+    }
+}
+
+std::string FindingText::ofCopies(Finding const& finding) const {
+    switch (finding.kind) {
         case FindingKind::copyMissing:
             return copyMissingText(finding);
         case FindingKind::copyDiffers:
@@ -598,26 +661,15 @@ std::string FindingText::what(Finding const& finding) {
             return fmt::format("the PRP trailer gives a size of {}, {} would fit",
                                plural(static_cast<std::uint64_t>(numberIn(finding.found)), "octet"),
                                expectedText(finding));
-        case FindingKind::captureGap:
-            return fmt::format(
-                "all streams pause for {}{} and lack what should have come, {} in all",
-                pauseText(finding), borderText(finding), plural(finding.lost, "packet"));
-        case FindingKind::captureDropped:
-            return fmt::format("the capture says that it lost {}", plural(finding.lost, "packet"));
-        case FindingKind::clockStep:
-            return fmt::format("the clock of the capture was set {} by {}",
-                               numberIn(finding.found) < 0 ? "back" : "ahead",
-                               durationText(std::int64_t{0}, numberIn(finding.found)));
-        case FindingKind::recordsCut:
-            return fmt::format("a snap length cut {}", plural(finding.count, "frame"));
-        case FindingKind::fileEndsInRecord:
-            return fmt::format("the file ends inside a record: {} of its {} octets are there",
-                               foundText(finding), expectedText(finding));
-        case FindingKind::unreadable:
-            break;
+        default:
+            return {};
     }
-    return fmt::format("{} frame that cannot be read: {}", protocolText(finding),
-                       reasonText(finding));
+}
+
+std::string FindingText::what(Finding const& finding) {
+    // One of them tells the kind, the others are empty.
+    return ofCounters(finding) + ofContent(finding) + descriptionText(finding) +
+           clockText(finding) + ofCopies(finding) + captureText(finding);
 }
 
 Cell valueCell(Finding const& finding, FindingValue const& value) {

@@ -39,7 +39,13 @@ public:
 
 private:
     [[nodiscard]] std::string what(TalIec61850Analysis::Finding const& finding);
+    // Each tells some kinds of findings, and is empty for all others.
     [[nodiscard]] std::string ofCounters(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string ofContent(TalIec61850Analysis::Finding const& finding);
+    [[nodiscard]] std::string ofCopies(TalIec61850Analysis::Finding const& finding) const;
+
+    [[nodiscard]] std::string repeatedText(TalIec61850Analysis::Finding const& finding) const;
+    [[nodiscard]] std::string lateText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string gapText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string silentText(TalIec61850Analysis::Finding const& finding) const;
     [[nodiscard]] std::string messageText(TalIec61850Analysis::Finding const& finding) const;

@@ -1,5 +1,6 @@
 #include "analysis/events/EventsIn.hpp"
 
+#include <TalIec61850Analysis/redundancy/AlignClocks.hpp>
 #include <cstddef>
 #include <variant>
 
@@ -79,7 +80,8 @@ std::vector<GooseEvent> eventsIn(std::vector<Bytes> const& captures, EventOption
         paths.push_back(
             directory.write("capture" + std::to_string(paths.size()) + ".pcap", capture));
     }
-    TrafficIndex const index = indexCaptures(paths);
+    TrafficIndex index = indexCaptures(paths);
+    alignClocks(index);
     std::vector<GooseEvent> events;
     findEvents(index, options, [&](GooseEvent const& event) { events.push_back(event); });
     return events;

@@ -224,6 +224,28 @@ TEST(FindEvents, CountsWhatCameOverTwoLansOnce) {
     }
 }
 
+TEST(FindEvents, CountsOnceWhatTapsOfEachLanHaveByClocksOfTheirOwn) {
+    for (std::int64_t const ahead :
+         {std::int64_t{0}, 300 * kMs, 5 * kEventSecond, -3600 * kEventSecond}) {
+        FaultyStation station;
+        station.add(GoosePlan{
+            .gocbRef = "R1", .firstMessage = 100, .states = {20, 20, 20}, .prpDelay = 200'000});
+        EXPECT_EQ(eventLines(station.tapLans(ahead)), kTwoEvents) << ahead;
+        auto const events = eventsIn(station.captures());
+        EXPECT_EQ(events.at(0).retransmissionCount, 19U);
+        // The first message of a state is on LAN B alone.
+        std::erase_if(station.frames(), [](StationFrame const& frame) {
+            return frame.number == 20 && frame.ethernet.prpLan == 'A';
+        });
+        auto const fewer = eventsIn(station.captures());
+        ASSERT_EQ(fewer.size(), 2U) << ahead;
+        EXPECT_EQ(fewer[0].arrival, events[0].arrival + (ahead == 0 ? 200'000 : 0));
+        EXPECT_EQ(fewer[0].place.file, 1U);
+        EXPECT_EQ(fewer[0].changes.size(), 2U);
+        EXPECT_EQ(fewer[1].arrival, events[1].arrival);
+    }
+}
+
 TEST(FindEvents, CountsWhatTwoFilesHaveOnce) {
     auto station = threeStates();
     std::int64_t const middle = station.frame(0, 20).time;

@@ -1,5 +1,6 @@
 #include "analysis/supervision/FoundIn.hpp"
 
+#include <TalIec61850Analysis/redundancy/AlignClocks.hpp>
 #include <array>
 #include <cstddef>
 
@@ -72,6 +73,7 @@ struct WrittenCaptures {
                 directory.write("capture" + std::to_string(paths.size()) + ".pcap", capture));
         }
         index = indexCaptures(paths);
+        alignClocks(index);
     }
 
     TempDir directory;

@@ -1,6 +1,6 @@
 #pragma once
 
-// What supervision finds in a station, in words of the tests.
+// What supervision finds in a station, by one clock, in words of the tests.
 
 #include <TalIec61850Analysis/supervision/SuperviseTraffic.hpp>
 #include <string>

@@ -229,6 +229,27 @@ TEST(GooseFaults, TellsWhatAStreamSaysOfItself) {
                      "simulationEnded #14"}));
 }
 
+TEST(GooseFaults, TakesSimulationThatIsLeftOutForFalse) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 0, [](GooseMessage& message) { message.simulation.reset(); });
+    EXPECT_EQ(foundIn(station), Lines());
+    station.changeGooseFrom(0, 10, [](GooseMessage& message) { message.reserved1 = 0x8000; });
+    EXPECT_EQ(foundIn(station), named({"simulationBegan #10", "simulationContradicts #10"}));
+}
+
+TEST(GooseFaults, SaysNothingOfSimulationWhereAMessageEndsBeforeIt) {
+    auto station = gooseStation();
+    station.changeGooseFrom(0, 0, [](GooseMessage& message) {
+        message.simulation.reset();
+        message.reserved1 = 0x8000;
+        message.confRev.reset();
+        message.ndsCom.reset();
+        message.numDatSetEntries.reset();
+        message.allData.reset();
+    });
+    EXPECT_EQ(foundIn(station), named({"simulationBegan #0"}));
+}
+
 TEST(GooseFaults, TellsAnotherMakeOfTheData) {
     auto station = gooseStation();
     station.changeGooseFrom(0, 40, [](GooseMessage& message) {

@@ -16,6 +16,7 @@
 
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/GrowingFile.hpp"
+#include "support/TempFile.hpp"
 
 namespace TalTest {
 namespace {
@@ -323,6 +324,33 @@ TEST(LiveSupervision, OfNothingTellsNothing) {
     supervision.finish(sink);
     EXPECT_EQ(count, 0U);
     EXPECT_TRUE(supervision.index().streams().empty());
+}
+
+TEST(LiveSupervision, LeavesOutAFileThatVanishesWhileItIsAdded) {
+    FaultyStation station;
+    station.add({.frames = 2000});
+    station.drop(0, 500, 3).drop(0, 1500, 5);
+    station.splitAt(250 * kMillisecond).overlap(200 * kMillisecond, 250 * kMillisecond);
+    auto const captures = station.captures();
+    TempDir const folder;
+    auto const first = folder.write("1", captures[0]);
+    auto const second = folder.write("2", captures[1]);
+    for (std::string const& gone : {first, second}) {
+        folder.write("1", captures[0]);
+        folder.write("2", captures[1]);
+        TrafficIndex added = indexCapture(first);
+        TrafficIndex more = indexCapture(second);
+        std::filesystem::remove(gone);
+        EXPECT_THROW(added.merge(std::move(more)), std::system_error);
+        LiveSupervision supervision;
+        std::vector<std::uint64_t> lost;
+        auto const take = [&](Finding const& finding) {
+            if (finding.kind == FindingKind::sampleGap) lost.push_back(finding.lost);
+        };
+        supervision.add(std::move(added), take);
+        supervision.finish(take);
+        EXPECT_EQ(lost, std::vector<std::uint64_t>{gone == first ? 5U : 3U});
+    }
 }
 
 }  // namespace

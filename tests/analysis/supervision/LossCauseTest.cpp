@@ -99,6 +99,39 @@ TEST(LossCause, IsTheNetworkWhereTheRedundancyNumbersHaveTheSameGap) {
     EXPECT_EQ(findings.front().witnessFrames, 1U);
 }
 
+TEST(LossCause, IsThePublisherWhereTheNumbersOfARingRunOn) {
+    auto station = threeUnits(20'000);
+    for (StationFrame& frame : station.frames()) {
+        if (frame.stream == 1 && frame.number >= 1005) {
+            frame.ethernet.prpSequence = static_cast<std::uint16_t>(frame.ethernet.prpSequence - 5);
+        }
+    }
+    station.drop(1, 1000, 5).makeRing();
+    auto const captures = station.captures();
+    EXPECT_EQ(foundIn(captures, station),
+              (Lines{"sampleGap MU02 #1005 after #999 lost 5 publisher"}));
+    EXPECT_EQ(findingsIn(captures).front().witness,
+              TalIec61850Analysis::LossWitness::redundancyRanOn);
+}
+
+TEST(LossCause, IsTheNetworkWhereTheNumbersOfARingHaveTheSameGap) {
+    auto station = threeUnits(20'000);
+    station.drop(1, 1000, 5).makeRing();
+    auto const captures = station.captures();
+    EXPECT_EQ(foundIn(captures, station),
+              (Lines{"sampleGap MU02 #1005 after #999 lost 5 network"}));
+    auto const finding = findingsIn(captures).front();
+    EXPECT_EQ(finding.witness, TalIec61850Analysis::LossWitness::redundancyGap);
+    EXPECT_EQ(finding.witnessFrames, 5U);
+}
+
+TEST(LossCause, IsUnknownOfARingOfWhichNoOtherSourceWasThere) {
+    FaultyStation station;
+    station.add(SvPlan{.prpDelay = 20'000});
+    station.drop(0, 1000, 5).makeRing();
+    EXPECT_EQ(foundIn(station), (Lines{"sampleGap MU01 #1005 after #999 lost 5"}));
+}
+
 TEST(LossCause, TellsBothAtOnceApart) {
     auto station = threeUnits();
     station.drop(1, 1000, 50).dropBetween(500 * kMillisecond, 520 * kMillisecond);
@@ -375,6 +408,98 @@ TEST(LossCause, IsUnknownWhereTheRedundancyNumbersLackFewer) {
     auto const findings = findingsIn(station.captures());
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_NE(findings.front().witness, TalIec61850Analysis::LossWitness::redundancyGap);
+}
+
+/// A relay whose sixth message is a state of its own, four milliseconds long.
+GoosePlan briefState(std::optional<std::int64_t> prpDelay = {}) {
+    return {.gocbRef = "R1",
+            .firstMessage = 100,
+            .states = {5, 1, 9},
+            .start = 10 * kMillisecond,
+            .prpDelay = prpDelay};
+}
+
+/// What is found of the relay.
+Lines ofRelay(FaultyStation& station) {
+    Lines lines = foundIn(station);
+    std::erase_if(lines, [](std::string const& line) { return line.find(" R1 ") == line.npos; });
+    return lines;
+}
+
+/// The redundancy numbers of a stream go on as if frames had not been.
+void closeNumbers(FaultyStation& station, std::size_t stream, std::size_t number,
+                  std::uint16_t count) {
+    for (StationFrame& frame : station.frames()) {
+        if (frame.stream == stream && frame.number >= number + count) {
+            frame.ethernet.prpSequence =
+                static_cast<std::uint16_t>(frame.ethernet.prpSequence - count);
+        }
+    }
+    station.drop(stream, number, count);
+}
+
+TEST(LossCause, OfMessagesIsTheNetworkWhereOthersRanOn) {
+    auto station = threeUnits();
+    station.add(briefState());
+    station.drop(3, 2, 2).drop(3, 5).drop(3, 10);
+    EXPECT_EQ(ofRelay(station),
+              (Lines{"sqNumGap R1 #4 after #1 lost 2 network", "expired R1 #4 after #1",
+                     "stateGap R1 #6 after #4 lost 1 network",
+                     "sqNumGap R1 #11 after #9 lost 1 network"}));
+}
+
+TEST(LossCause, OfTheStartOfAStateIsTheNetworkWhereOthersRanOn) {
+    auto station = threeUnits();
+    station.add(briefState());
+    station.drop(3, 6, 3);
+    EXPECT_EQ(ofRelay(station), (Lines{"stateStartMissing R1 #9 after #5 lost 3 network"}));
+}
+
+TEST(LossCause, OfMessagesIsTheCaptureWhereAllStreamsLose) {
+    auto repetition = threeUnits();
+    repetition.add(briefState());
+    repetition.dropBetween(200 * kMillisecond, 220 * kMillisecond);
+    EXPECT_EQ(ofRelay(repetition), (Lines{"sqNumGap R1 #3 after #1 lost 1 capture"}));
+    auto state = threeUnits();
+    state.add(briefState());
+    state.dropBetween(500 * kMillisecond, 512 * kMillisecond);
+    EXPECT_EQ(ofRelay(state), (Lines{"stateGap R1 #6 after #4 lost 1 capture"}));
+}
+
+TEST(LossCause, OfMessagesIsThePublisherWhereItsRedundancyNumbersRunOn) {
+    for (bool const isRing : {false, true}) {
+        auto station = threeUnits(20'000);
+        station.add(briefState(20'000));
+        closeNumbers(station, 3, 10, 1);
+        closeNumbers(station, 3, 5, 1);
+        closeNumbers(station, 3, 2, 1);
+        if (isRing) station.makeRing();
+        EXPECT_EQ(ofRelay(station), (Lines{"sqNumGap R1 #3 after #1 lost 1 publisher",
+                                           "stateGap R1 #6 after #4 lost 1 publisher",
+                                           "sqNumGap R1 #11 after #9 lost 1 publisher"}));
+    }
+}
+
+TEST(LossCause, OfMessagesIsTheNetworkWhereTheRedundancyNumbersHaveTheSameGap) {
+    using TalIec61850Analysis::LossWitness;
+    auto station = threeUnits(20'000);
+    station.add(briefState(20'000));
+    station.drop(3, 2).drop(3, 5);
+    auto const captures = station.captures();
+    EXPECT_EQ(foundIn(captures, station), (Lines{"sqNumGap R1 #3 after #1 lost 1 network",
+                                                 "stateGap R1 #6 after #4 lost 1 network"}));
+    for (auto const& finding : findingsIn(captures)) {
+        EXPECT_EQ(finding.witness, LossWitness::redundancyGap);
+        EXPECT_EQ(finding.witnessFrames, 1U);
+    }
+}
+
+TEST(LossCause, OfMessagesIsUnknownWhereNothingElseCame) {
+    FaultyStation station;
+    station.add(briefState());
+    station.drop(0, 2).drop(0, 5);
+    EXPECT_EQ(foundIn(station),
+              (Lines{"sqNumGap R1 #3 after #1 lost 1", "stateGap R1 #6 after #4 lost 1"}));
 }
 
 /// A frame's own count of what was dropped before it.
