@@ -23,16 +23,17 @@ struct CountRule {
     std::uint32_t wrap = 65536;
     /// Nanoseconds from one sample to the next; 0 where that is not known.
     double interval = 0;
-    /// Samples that may come at once: ASDUs in a frame.
+    /// Samples that may come at once, at most: ASDUs in a frame.
     std::uint32_t atOnce = 1;
 
     /// Whether the counter went further than arrival: then nothing is lost, the publisher counts on
     /// from elsewhere.
     /// @param advance  of the counter, in samples
     /// @param passed   since the newest sample came, and how late that was, in nanoseconds
-    [[nodiscard]] constexpr bool isJump(std::int64_t advance, double passed) const {
+    /// @param inFrame  samples of the publisher in a frame, which may have others too
+    [[nodiscard]] constexpr bool isJump(std::int64_t advance, double passed,
+                                        std::uint32_t inFrame) const {
         // From a frame to the one in which the sample is.
-        double const inFrame = atOnce;
         double const counted = static_cast<double>(advance) + inFrame - 1;
         return advance > 1 && interval > 0 && passed < (counted + inFrame) / 2 * interval;
     }

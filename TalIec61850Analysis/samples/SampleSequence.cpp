@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/samples/LineFit.hpp>
 #include <TalIec61850Analysis/samples/SampleSequence.hpp>
+#include <TalIec61850Analysis/samples/SamplesInFrame.hpp>
 #include <algorithm>
 #include <cmath>
 
@@ -37,7 +38,12 @@ bool beginsRun(CountStep step) {
 
 SampleSequence::SampleSequence(TrafficIndex const& index, TrafficStream const& stream,
                                SampleRate given, bool withMissing)
-    : index_(index), stream_(stream), given_(given), withMissing_(withMissing), course_(stream) {}
+    : index_(index),
+      stream_(stream),
+      given_(given),
+      withMissing_(withMissing),
+      inFrame_(samplesInFrame(stream)),
+      course_(stream) {}
 
 bool SampleSequence::isCounted(PacketRef packet) const {
     return stream_.parts[packet.part].packets.flags()[packet.packet].firstCounter() ==
@@ -201,7 +207,7 @@ CountStep SampleSequence::count(SampleCounter& counter, MissingRoom& room, Packe
     if (advance != 1 && arrival != kNoTime && arrivalOf(newest) != kNoTime) [[unlikely]] {
         double const passed = static_cast<double>(arrival) -
                               static_cast<double>(arrivalOf(newest)) + latenessOf(newest);
-        if (runRate_.countRule().isJump(advance, passed)) {
+        if (runRate_.countRule().isJump(advance, passed, inFrame_)) {
             return CountStep::restart;
         }
     }

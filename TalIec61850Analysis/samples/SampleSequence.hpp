@@ -151,6 +151,7 @@ private:
     TrafficStream const& stream_;
     SampleRate given_;
     bool withMissing_;
+    std::uint32_t inFrame_;
 
     PacketCourse course_;
     FoundRate rate_;

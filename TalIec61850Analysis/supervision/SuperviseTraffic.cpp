@@ -2,6 +2,7 @@
 #include <TalIec61850Analysis/samples/FindRate.hpp>
 #include <TalIec61850Analysis/samples/PacketCourse.hpp>
 #include <TalIec61850Analysis/samples/PartAttributes.hpp>
+#include <TalIec61850Analysis/samples/SamplesInFrame.hpp>
 #include <TalIec61850Analysis/supervision/CaptureDrops.hpp>
 #include <TalIec61850Analysis/supervision/CaptureFindings.hpp>
 #include <TalIec61850Analysis/supervision/ClockSteps.hpp>
@@ -163,22 +164,6 @@ struct SvColumns {
     ColumnView<PacketFlags> flags;
 };
 
-/// Samples of a stream in one of its frames.
-std::uint32_t samplesInFrame(TrafficStream const& stream) {
-    constexpr std::size_t kFrames = 64;
-    auto const offsets = stream.parts.front().packets.frameOffsets();
-    std::uint32_t most = 1;
-    std::uint32_t count = 1;
-    std::size_t frames = 0;
-    for (std::size_t i = 1; i < offsets.size() && frames < kFrames; ++i) {
-        bool const isSame = offsets[i] == offsets[i - 1];
-        count = isSame ? count + 1 : 1;
-        frames += isSame ? 0 : 1;
-        most = std::max(most, count);
-    }
-    return most;
-}
-
 detail::SvCourse courseOf(detail::FoundRate const& found, std::uint32_t inFrame, bool isRedundant) {
     return {.count = found.countRule(),
             .rate = found.rate,
@@ -209,7 +194,7 @@ void superviseSv(TrafficIndex const& index, std::size_t number, FileSteps const&
     for (StreamPart const& part : stream.parts) {
         columns.emplace_back(part.packets);
     }
-    std::uint32_t const inFrame = samplesInFrame(stream);
+    std::uint32_t const inFrame = detail::samplesInFrame(stream);
     detail::StreamTally* const tally = findings.tallied();
     // Of fewer frames, no jitter is told.
     constexpr std::uint64_t kFewest = 16;

@@ -456,18 +456,14 @@ void SvSupervisor::takeNext(SvObservation const& packet, std::int64_t newestBefo
 
 /// Whether arrival has gone on by about one frame, while the counter went further.
 bool SvSupervisor::isJump(SvObservation const& packet, std::int64_t advance) const {
-    double const interval = course_.count.interval;
-    if (interval <= 0 || packet.arrival == kNoTime || last_.arrival == kNoTime) {
+    if (packet.arrival == kNoTime || last_.arrival == kNoTime) {
         return false;
     }
     // The frame before may have come late, and this one in time.
     double const late = std::max(0.0, static_cast<double>(jitter_.lastAway()));
     double const passed =
-        (static_cast<double>(packet.arrival) - static_cast<double>(last_.arrival) + late) /
-        interval;
-    double const inFrame = course_.inFrame;
-    double const isLost = static_cast<double>(advance) + inFrame - 1;
-    return passed < (isLost + inFrame) / 2;
+        static_cast<double>(packet.arrival) - static_cast<double>(last_.arrival) + late;
+    return course_.count.isJump(advance, passed, course_.inFrame);
 }
 
 /// Takes what another way brings after the one that was first.

@@ -126,16 +126,15 @@ TEST(SampleCounterWalk, CountsALongLossThatTimeConfirms) {
 }
 
 TEST(CountRule, TellsAJumpWhereLessThanHalfOfTheTimePassed) {
-    EXPECT_FALSE(k4000.isJump(1, 0));
-    EXPECT_TRUE(k4000.isJump(2, 1.4 * kInterval));
-    EXPECT_FALSE(k4000.isJump(2, 1.6 * kInterval));
-    EXPECT_TRUE(k4000.isJump(9, kInterval));
-    EXPECT_FALSE(k4000.isJump(9, 9 * kInterval));
-    constexpr CountRule eight = {.wrap = 4000, .interval = kInterval, .atOnce = 8};
+    EXPECT_FALSE(k4000.isJump(1, 0, 1));
+    EXPECT_TRUE(k4000.isJump(2, 1.4 * kInterval, 1));
+    EXPECT_FALSE(k4000.isJump(2, 1.6 * kInterval, 1));
+    EXPECT_TRUE(k4000.isJump(9, kInterval, 1));
+    EXPECT_FALSE(k4000.isJump(9, 9 * kInterval, 1));
     // From the last ASDU of a frame to the first of the frame after the next.
-    EXPECT_TRUE(eight.isJump(9, 11 * kInterval));
-    EXPECT_FALSE(eight.isJump(9, 13 * kInterval));
-    EXPECT_FALSE(CountRule().isJump(9, 0));
+    EXPECT_TRUE(k4000.isJump(9, 11 * kInterval, 8));
+    EXPECT_FALSE(k4000.isJump(9, 13 * kInterval, 8));
+    EXPECT_FALSE(CountRule().isJump(9, 0, 1));
 }
 
 TEST(SampleCounterWalk, LetsTimeDecideHalfOfTheWrapWhereThereIsNone) {

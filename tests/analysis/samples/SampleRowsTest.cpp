@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/samples/ReadRows.hpp"
+#include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/WaveformStream.hpp"
 
 namespace TalIec61850Analysis {
@@ -179,6 +180,30 @@ INSTANTIATE_TEST_SUITE_P(Rates, SampleRowsAtRate,
                              return "F" + std::to_string(one.param.rate) + "S" +
                                     std::to_string(one.param.asdus);
                          });
+
+TEST(SampleRows, AreLostWhereFramesHaveOtherStreamsToo) {
+    TrafficCapture capture;
+    for (std::uint32_t i = 0; i < 1000; ++i) {
+        if (i == 500) continue;
+        SvMessage message;
+        message.asdus.clear();
+        for (int unit = 1; unit <= 13; ++unit) {
+            Asdu asdu;
+            asdu.svID = "MU" + std::to_string(unit);
+            asdu.smpCnt = Unsigned<2>(i);
+            message.asdus.push_back(asdu);
+        }
+        capture.addAt(std::uint64_t{i} * 250'000, svFrame(svEthernet(), message));
+    }
+    IndexedWaveform const indexed({capture.bytes()});
+    ASSERT_EQ(indexed.index().streams().size(), 13U);
+    for (TrafficStream const& stream : indexed.index().streams()) {
+        auto const counts = readRows(indexed.index(), stream).counts;
+        EXPECT_EQ(counts.received, 999U) << stream.key.name;
+        EXPECT_EQ(counts.lost, 1U);
+        EXPECT_EQ(counts.runs, 1U);
+    }
+}
 
 TEST(SampleRows, KeepTheirTimesUnderJitter) {
     WaveformSettings settings;
