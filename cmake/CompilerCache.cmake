@@ -32,7 +32,8 @@ while [ $# -gt 1 ]; do
     esac
     shift
 done
-sed -e 's/^[^ ]*://' -e 's/\\$//' "$included" | xargs cat | sed "s#$CCACHE_BASEDIR##g" | sha256sum >"$header.sum"
+sed -e 's/^[^ ]*://' -e 's/\\$//' "$included" | xargs cat |
+    sed "s#$CCACHE_BASEDIR##g" | sha256sum >"$header.sum"
 ]] @ONLY)
   file(CHMOD ${CMAKE_CXX_COMPILER_LAUNCHER} PERMISSIONS
       OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

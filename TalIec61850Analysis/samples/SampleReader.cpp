@@ -349,14 +349,13 @@ private:
         ReadAsdu const asdu = readAsdu();
         bool const hasRefrTm = asdu.refrTm != kNoTime;
         std::int64_t const time = hasRefrTm ? asdu.refrTm : sample_.time;
-        if (hasWindow() && !isInWindow(timeOrArrival(time))) {
-            markEnd(timeOrArrival(time));
-            lastRefrTm_ = asdu.refrTm;
-            lastNumber_ = sample_.number;
-            return true;
-        }
+        std::int64_t const placedAt = timeOrArrival(time);
+        markEnd(placedAt);  // with what was read before it
         lastRefrTm_ = asdu.refrTm;
         lastNumber_ = sample_.number;
+        if (hasWindow() && !isInWindow(placedAt)) {
+            return true;
+        }
         if (attributes_.isChangedAt(sample_.packet) || asdu.data.size() != key_.size || isNewRun_)
             [[unlikely]] {
             if (!startBlock(asdu)) {

@@ -5,6 +5,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/PcapngMaker.hpp"
 #include "tools/CheckTraffic.hpp"
+#include "tools/render/FindingText.hpp"
 #include "tools/selection/FindingNames.hpp"
 
 namespace TalTest {
@@ -439,6 +440,34 @@ TEST(FindingSentence, IsOneForFramesThatASnapLengthCut) {
         EXPECT_EQ(rows[0]["text"],
                   cut == 1 ? "a snap length cut 1 frame" : "a snap length cut 20 frames");
         EXPECT_EQ(rows[0]["svID"], nullptr);
+    }
+}
+
+TEST(FindingSentence, IsThereForEachKind) {
+    using namespace TalIec61850Analysis;
+    using namespace TalIec61850Tools;
+    FaultyStation station;
+    station.add(GoosePlan{.states = {4}});
+    station.add(SvPlan{.frames = 4});
+    TempFile const file(station.captures().front());
+    auto const index = indexCapture(file.path());
+    ASSERT_EQ(index.streams().size(), 2U);
+    ASSERT_EQ(index.streams()[1].key.protocol, StreamProtocol::sv);
+    StreamNames names({}, {});
+    FindingText text(index, names, [](std::uint32_t) -> std::string_view { return "a.pcap"; });
+    Finding finding;
+    finding.expected = std::int64_t{1};
+    finding.found = std::int64_t{2};
+    finding.before = FindingPlace();
+    finding.place = FindingPlace();
+    finding.place->packet.packet = 1;
+    finding.member = {0};
+    finding.reason = UnreadReason::noName;
+    for (std::string const& name : findingKindNames()) {
+        finding.kind = *findingKindOf(name);
+        finding.stream = name == "silent" || name == "sampleGap" ? 1 : 0;
+        finding.protocol = index.streams()[*finding.stream].key.protocol;
+        EXPECT_NE(text.sentence(finding), "") << name;
     }
 }
 
