@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+namespace TalTest::LayoutTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -273,3 +274,4 @@ TEST(Layout, OfPublicStructsStaysAsLongAsTheAbiNumber) {
 }
 
 }  // namespace
+}  // namespace TalTest::LayoutTest

@@ -7,6 +7,7 @@
 #error "the preprocessor cannot compare the version"
 #endif
 
+namespace TalTest::VersionTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -27,3 +28,4 @@ TEST(Version, IsMadeOfItsThreeNumbers) {
 }
 
 }  // namespace
+}  // namespace TalTest::VersionTest

@@ -13,10 +13,10 @@
 #include "support/SampledValues.hpp"
 #include "support/WatchedHeap.hpp"
 
+namespace TalTest::AllocationTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 /// How often judging the frame takes memory from the heap.
 std::size_t allocationsFor(Bytes const& frame, Filter const& filter = {}) {
@@ -84,3 +84,4 @@ TEST(Allocations, AreNotMadeForOtherTrafficNorForASwitchedOffProtocol) {
 }
 
 }  // namespace
+}  // namespace TalTest::AllocationTest

@@ -20,10 +20,10 @@
 // How deep a frame nests is up to its sender; neither stack nor time may depend on it beyond
 // the frame's size.
 
+namespace TalTest::DeepNestingTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr std::size_t kMillion = 1'000'000;
 constexpr std::uint64_t kFirstPayload = 24 + 16 + 14;
@@ -130,3 +130,4 @@ TEST(DeepNesting, NeedsNoStackToIndexAFile) {
 }
 
 }  // namespace
+}  // namespace TalTest::DeepNestingTest

@@ -14,10 +14,10 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
+namespace TalTest::EthernetParserTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr char const* kFileName = "no such capture.pcap";
 
@@ -392,3 +392,4 @@ TEST(EthernetParserSize, FrameBehindTheBufferIsIgnored) {
 }
 
 }  // namespace
+}  // namespace TalTest::EthernetParserTest

@@ -17,10 +17,10 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
+namespace TalTest::FilterTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr char const* kSource = "00:30:a7:00:00:0a";
 constexpr char const* kOtherSource = "00:30:a7:00:00:0b";
@@ -341,3 +341,4 @@ TEST(Filter, CriteriaOfLinkLayerAndPduAddUp) {
 }
 
 }  // namespace
+}  // namespace TalTest::FilterTest

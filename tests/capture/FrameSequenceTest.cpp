@@ -17,10 +17,10 @@
 // A frame is judged by itself, whatever came before it: a capture indexes like its records taken
 // one at a time.
 
+namespace TalTest::FrameSequenceTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 std::vector<Bytes> sampleFrames() {
     SvMessage several;
@@ -120,3 +120,4 @@ TEST(PcapParserSequence, RandomChangesOfRandomFrames) {
 }
 
 }  // namespace
+}  // namespace TalTest::FrameSequenceTest

@@ -17,10 +17,10 @@
 
 // One frame, one answer: true for a wanted GOOSE frame, false for a wanted SV frame.
 
+namespace TalTest::ParsePacketSimpleTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 bool judge(Bytes const& frame, Filter const& filter = {}) {
     return EthernetParser::parsePacketSimple(frame, filter);
@@ -338,3 +338,4 @@ TEST(ParsePacketSimpleNesting, NeedsNoStack) {
 }
 
 }  // namespace
+}  // namespace TalTest::ParsePacketSimpleTest

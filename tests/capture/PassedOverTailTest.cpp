@@ -23,7 +23,7 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
-namespace TalTest {
+namespace TalTest::PassedOverTailTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -194,4 +194,4 @@ TEST(PrpLan, IsWhatTheLinkLayerSays) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PassedOverTailTest

@@ -8,10 +8,10 @@
 #include "support/CaptureFile.hpp"
 #include "support/Goose.hpp"
 
+namespace TalTest::PcapPacketParserTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 /// Only its name and position count, so it need not exist.
 constexpr char const* kFileName = "no such capture.pcap";
@@ -54,3 +54,4 @@ TEST(PcapPacketParserParsePacket, RecordWithoutAWholeFrameIsIgnored) {
 }
 
 }  // namespace
+}  // namespace TalTest::PcapPacketParserTest

@@ -14,10 +14,10 @@
 // However records lie in a file, and however large they are, they index alike: nothing shows of
 // the blocks in which a file may be read.
 
+namespace TalTest::PcapParserBlocksTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr std::size_t kFirstBlock = 16UL * 1024UL;
 constexpr std::size_t kBlock = 256UL * 1024UL;
@@ -201,3 +201,4 @@ TEST(PcapParserManyStreams, InterleavedStreamsAreKeptApart) {
 }
 
 }  // namespace
+}  // namespace TalTest::PcapParserBlocksTest

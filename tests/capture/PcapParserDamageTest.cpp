@@ -23,10 +23,10 @@
 
 // Captures that are cut short or claim what they do not hold, and paths that are no captures.
 
+namespace TalTest::PcapParserDamageTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr std::uint32_t kMebibyte = 1U << 20U;
 constexpr std::uint32_t kPaddingLimit = 16 * kMebibyte;
@@ -279,3 +279,4 @@ TEST(PcapParserPrefix, OfACaptureIndexesToAPrefix) {
 }
 
 }  // namespace
+}  // namespace TalTest::PcapParserDamageTest

@@ -16,10 +16,10 @@
 
 // What a caller can do while a capture is being indexed: watch, stop, throw, and use the store.
 
+namespace TalTest::PcapParserProgressTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 /// A capture of `records` GOOSE and SV frames in turn; record n is of second n.
 Bytes captureOf(std::uint32_t records) {
@@ -263,3 +263,4 @@ TEST(PcapParserCallback, MayIndexAnotherFileIntoTheStore) {
 }
 
 }  // namespace
+}  // namespace TalTest::PcapParserProgressTest

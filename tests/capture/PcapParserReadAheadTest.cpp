@@ -18,10 +18,10 @@
 
 // Files that another thread reads; `indexFile` compares both ways of reading in all other tests.
 
+namespace TalTest::PcapParserReadAheadTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 /// A capture of several blocks: record n is of second n.
 Bytes captureOf(std::uint32_t records) {
@@ -148,3 +148,4 @@ TEST(PcapParserReadAhead, RefusesFilesOfTheKernelLikeAnyThatAreNoCaptures) {
 }
 
 }  // namespace
+}  // namespace TalTest::PcapParserReadAheadTest

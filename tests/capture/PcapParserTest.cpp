@@ -14,10 +14,10 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
+namespace TalTest::PcapParserTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr char const* kNotACapture = "Invalid PCAP file format\n";
 
@@ -366,3 +366,4 @@ TEST(PcapParserParseFilePcapNg, SaysThatItIsNotImplementedAndDoesNothing) {
 }
 
 }  // namespace
+}  // namespace TalTest::PcapParserTest

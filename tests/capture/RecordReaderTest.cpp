@@ -14,9 +14,9 @@
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
 
+namespace TalTest::RecordReaderTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::detail::RecordReader;
 
 /// A file whose disk fails: reading past `fault` throws, as a file buffer does on an I/O error.
@@ -210,3 +210,4 @@ TEST_P(RecordReading, ShowsRecordsLargerThanABlock) {
 }
 
 }  // namespace
+}  // namespace TalTest::RecordReaderTest

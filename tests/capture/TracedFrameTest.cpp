@@ -13,7 +13,7 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
-namespace TalTest {
+namespace TalTest::TracedFrameTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -93,4 +93,4 @@ TEST(TracedFrame, IsNoneOfOtherFramesAndOfProtocolsSwitchedOff) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::TracedFrameTest

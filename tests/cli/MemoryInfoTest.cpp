@@ -18,6 +18,7 @@
 #include "ServedStatusFile.hpp"
 #include "support/DecimalComma.hpp"
 
+namespace TalTest::MemoryInfoTest {
 namespace {
 
 using cross::MemoryInfo;
@@ -282,3 +283,4 @@ TEST(MemoryInfoBytesToString, DoesNotDependOnTheCLocale) {
 }
 
 }  // namespace
+}  // namespace TalTest::MemoryInfoTest

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+namespace TalTest::SharedObjectTest {
 namespace {
 
 using Handle = std::unique_ptr<void, int (*)(void*)>;
@@ -43,3 +44,4 @@ TEST(SharedObject, ClosesAndOpensAgain) {
 }
 
 }  // namespace
+}  // namespace TalTest::SharedObjectTest

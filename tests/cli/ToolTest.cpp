@@ -13,9 +13,8 @@
 #include "support/SampledValues.hpp"
 #include "support/TempFile.hpp"
 
+namespace TalTest::ToolTest {
 namespace {
-
-using namespace TalTest;
 
 /// Runs the tool with a status file of the test's own in the place of the kernel's.
 ProcessResult runTool(std::vector<std::string> arguments, std::string const& vmRssLine) {
@@ -161,3 +160,4 @@ TEST(Tool, IgnoresArgumentsBehindTheFirst) {
 }
 
 }  // namespace
+}  // namespace TalTest::ToolTest

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+namespace TalTest::Asn1ParserParseTagTest {
 namespace {
 
 using TalIec61850Parser::Asn1Parser;
@@ -378,3 +379,4 @@ RC_GTEST_PROP(Asn1ParserIntegers, ReadTheLeadingOctetsMostSignificantFirst, (Byt
 }
 
 }  // namespace
+}  // namespace TalTest::Asn1ParserParseTagTest

@@ -20,6 +20,7 @@
 
 #include "support/DecimalComma.hpp"
 
+namespace TalTest::Asn1ParserRenderingTest {
 namespace {
 
 using TalIec61850Parser::Asn1Parser;
@@ -394,3 +395,4 @@ TEST(Asn1ParserRendering, DoesNotMixUpTheTextsOfSeveralThreads) {
 }
 
 }  // namespace
+}  // namespace TalTest::Asn1ParserRenderingTest

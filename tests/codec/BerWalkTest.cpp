@@ -10,9 +10,9 @@
 #include "support/Ber.hpp"
 #include "support/Bytes.hpp"
 
+namespace TalTest::BerWalkTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::detail::BerElement;
 using TalIec61850Parser::detail::walkElements;
 using TalIec61850Parser::detail::WalkLevel;
@@ -103,3 +103,4 @@ TEST(BerWalk, KeepsManyUnfinishedLevels) {
 }
 
 }  // namespace
+}  // namespace TalTest::BerWalkTest

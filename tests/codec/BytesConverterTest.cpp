@@ -10,6 +10,7 @@
 #include <limits>
 #include <type_traits>
 
+namespace TalTest::BytesConverterTest {
 namespace {
 
 using TalIec61850Parser::BytesConverter;
@@ -153,3 +154,4 @@ RC_GTEST_PROP(BytesConverterConvert, IsUndoneByConvertingTwice,
 }
 
 }  // namespace
+}  // namespace TalTest::BytesConverterTest

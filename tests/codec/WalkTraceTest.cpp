@@ -12,9 +12,9 @@
 #include "support/Ber.hpp"
 #include "support/Bytes.hpp"
 
+namespace TalTest::WalkTraceTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::detail::BerElement;
 using TalIec61850Parser::detail::kMaxTailSize;
 using TalIec61850Parser::detail::Octets;
@@ -302,3 +302,4 @@ TEST(WalkTraceTail, IsOfFewerElementsThanAreLookedAt) {
 }
 
 }  // namespace
+}  // namespace TalTest::WalkTraceTest

@@ -11,9 +11,8 @@
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
 
+namespace TalTest::CommandsTest {
 namespace {
-
-using namespace TalTest;
 
 /// A line that begins with "    $ ", and the indented lines below it, with the empty ones between.
 struct Command {
@@ -80,3 +79,4 @@ INSTANTIATE_TEST_SUITE_P(Docs, Documents,
                          });
 
 }  // namespace
+}  // namespace TalTest::CommandsTest

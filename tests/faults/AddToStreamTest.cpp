@@ -9,7 +9,7 @@
 
 #include "index/IndexImage.hpp"
 
-namespace TalTest {
+namespace TalTest::AddToStreamTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -64,4 +64,4 @@ TEST(AddToStream, LeavesAnOldFileOfAnOldStream) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::AddToStreamTest

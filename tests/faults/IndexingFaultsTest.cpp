@@ -22,6 +22,9 @@ namespace TalTest {
 
 void PrintTo(IndexingScenario const& scenario, std::ostream* out) { *out << scenario.name; }
 
+}  // namespace TalTest
+
+namespace TalTest::IndexingFaultsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -221,4 +224,4 @@ TEST(IndexingUnderFaults, KeepsAStreamWithThePacketsOfAnotherFile) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::IndexingFaultsTest

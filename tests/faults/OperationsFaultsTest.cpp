@@ -21,7 +21,7 @@
 #include "support/TempFile.hpp"
 #include "sv/AsduText.hpp"
 
-namespace TalTest {
+namespace TalTest::OperationsFaultsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -255,4 +255,4 @@ TEST(MemoryInfoUnderFaults, GivesAFigureOrThrows) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OperationsFaultsTest

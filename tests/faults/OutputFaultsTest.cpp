@@ -18,7 +18,7 @@
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::OutputFaultsTest {
 namespace {
 
 using Command = std::vector<std::string>;
@@ -200,4 +200,4 @@ TEST(ToolOutput, IsWholeWhereErrorsCannotBeTold) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OutputFaultsTest

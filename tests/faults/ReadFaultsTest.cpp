@@ -18,7 +18,7 @@
 #include "support/TempFile.hpp"
 #include "sv/AsduText.hpp"
 
-namespace TalTest {
+namespace TalTest::ReadFaultsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -198,4 +198,4 @@ TEST(ReadFaults, OfADecodedSvGiveNone) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReadFaultsTest

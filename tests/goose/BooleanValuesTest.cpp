@@ -12,10 +12,10 @@
 #include "support/Data.hpp"
 #include "support/Sanitized.hpp"
 
+namespace TalTest::BooleanValuesTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Values = std::vector<float>;
 
@@ -200,3 +200,4 @@ TEST(BooleanValues, NeedNoStack) {
 }
 
 }  // namespace
+}  // namespace TalTest::BooleanValuesTest

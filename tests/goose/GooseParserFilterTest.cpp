@@ -10,10 +10,10 @@
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
 
+namespace TalTest::GooseParserFilterTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Parsed = WalkedGoose;
 
@@ -185,3 +185,4 @@ TEST(GooseParserFilter, RejectionBehindThePduCountsToo) {
 }
 
 }  // namespace
+}  // namespace TalTest::GooseParserFilterTest

@@ -14,10 +14,10 @@
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
 
+namespace TalTest::GooseParserSimpleTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Judged = WalkedGoose;
 
@@ -276,3 +276,4 @@ TEST(GooseParserSimple, PrimitiveAllDataChangesNothing) {
 }
 
 }  // namespace
+}  // namespace TalTest::GooseParserSimpleTest

@@ -14,10 +14,10 @@
 
 // The single-frame walk over nested elements, called level by level.
 
+namespace TalTest::GooseParserSimpleWalkTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Walked = WalkedGoose;
 
@@ -243,3 +243,4 @@ TEST(GooseParserSimpleNesting, NeedsNoStack) {
 }
 
 }  // namespace
+}  // namespace TalTest::GooseParserSimpleWalkTest

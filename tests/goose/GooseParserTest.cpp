@@ -11,10 +11,10 @@
 #include "support/Ber.hpp"
 #include "support/Goose.hpp"
 
+namespace TalTest::GooseParserTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Parsed = WalkedGoose;
 
@@ -263,3 +263,4 @@ TEST(GooseParserFields, PduThatRunsPastTheFrameIsNotRead) {
 }
 
 }  // namespace
+}  // namespace TalTest::GooseParserTest

@@ -12,10 +12,10 @@
 
 // The walk over nested elements, called level by level.
 
+namespace TalTest::GooseParserWalkTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Walked = WalkedGoose;
 
@@ -241,3 +241,4 @@ TEST(GooseParserWalk, ProcessNestedStructureIsTheSame) {
 }
 
 }  // namespace
+}  // namespace TalTest::GooseParserWalkTest

@@ -16,10 +16,10 @@
 #include "support/Goose.hpp"
 #include "support/TempFile.hpp"
 
+namespace TalTest::GoosePduTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 static_assert(std::is_same_v<decltype(GoosePdu::gocbRef), std::string>);
 static_assert(std::is_same_v<decltype(GoosePdu::timeAllowedToLive), std::string>);
@@ -343,3 +343,4 @@ TEST(GoosePduContent, IsReadUpToItsLastWholeElement) {
 }
 
 }  // namespace
+}  // namespace TalTest::GoosePduTest

@@ -11,7 +11,7 @@
 #include "codec/StepTaken.hpp"
 #include "support/Bytes.hpp"
 
-namespace TalTest {
+namespace TalTest::GooseStepsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -64,4 +64,4 @@ TEST(GooseSteps, InsideOfDataDependOnNoValue) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::GooseStepsTest

@@ -11,7 +11,7 @@
 #include "index/Indexing.hpp"
 #include "index/KnownCaptures.hpp"
 
-namespace TalTest {
+namespace TalTest::CaptureFiltersTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -196,4 +196,4 @@ TEST(CaptureFiltersOnSeveralDatSets, AdmitAFrameOnlyByAllOfThem) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CaptureFiltersTest

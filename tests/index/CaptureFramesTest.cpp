@@ -20,7 +20,7 @@
 #include "index/PlainDecode.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::CaptureFramesTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -373,4 +373,4 @@ TEST_P(CopiedCapture, EqualsTheFirstRecordsOfItsSource) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CaptureFramesTest

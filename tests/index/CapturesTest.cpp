@@ -11,7 +11,7 @@
 #include "index/KnownCaptures.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::CapturesTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -138,4 +138,4 @@ TEST_P(CaptureIndex, IsTheSameWhenTheCaptureIsIndexedTwiceUnderTwoNames) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CapturesTest

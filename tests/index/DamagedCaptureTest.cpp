@@ -14,7 +14,7 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
-namespace TalTest {
+namespace TalTest::DamagedCaptureTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -215,4 +215,4 @@ TEST_P(DamagedCapture, EqualsPlainIndexUnderTheMagicOfTheNextGeneration) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DamagedCaptureTest

@@ -23,7 +23,7 @@
 #include "support/SampledValues.hpp"
 #include "sv/AsduText.hpp"
 
-namespace TalTest {
+namespace TalTest::DecodeCapturesTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -296,4 +296,4 @@ TEST_F(DamagedAfterIndexing, DecodesToWhatStandsThereAtEveryOtherOctet) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DecodeCapturesTest

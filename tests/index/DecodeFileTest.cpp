@@ -27,7 +27,7 @@
 #include "support/TempFile.hpp"
 #include "sv/AsduText.hpp"
 
-namespace TalTest {
+namespace TalTest::DecodeFileTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -295,4 +295,4 @@ TEST_P(DecodeFile, MayRunOnSeveralThreadsAtOnce) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DecodeFileTest

@@ -23,7 +23,7 @@
 #include "index/Tshark.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::DecodeTsharkTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -281,4 +281,4 @@ TEST_P(DecodedSvAsTsharkDoes, InEveryFieldAndSampleOfEveryAsdu) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DecodeTsharkTest

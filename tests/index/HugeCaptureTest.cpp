@@ -20,10 +20,10 @@
 // Captures that are larger than 32 bits can count. What they hold besides a few frames are holes in
 // a file in memory, which take no room there.
 
+namespace TalTest::HugeCaptureTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr std::uint64_t kFourGib = std::uint64_t{1} << 32U;
 constexpr std::uint32_t kHoleSize = std::uint32_t{1} << 20U;
@@ -191,3 +191,4 @@ TEST_F(HugeCapture, IsIndexedAskedAndDecodedBeyondFourGib) {
 }
 
 }  // namespace
+}  // namespace TalTest::HugeCaptureTest

@@ -16,7 +16,7 @@
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::IndexPropertyTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -161,4 +161,4 @@ RC_GTEST_PROP(AnyTraffic, ThroughAFilterIsAPartOfAllTraffic, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::IndexPropertyTest

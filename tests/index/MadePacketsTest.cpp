@@ -15,7 +15,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalTest {
+namespace TalTest::MadePacketsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -75,4 +75,4 @@ TEST_P(MadePackets, AreIndexedWhereTheyWereWritten) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MadePacketsTest

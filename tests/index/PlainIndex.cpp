@@ -20,7 +20,7 @@ constexpr std::size_t recordHeaderSize = 16;
 constexpr std::size_t maxPadding = std::size_t{16} << 20U;
 
 /// The octets from `at` on, with zeros for what is after the end.
-Bytes slice(Bytes const& octets, std::size_t at, std::size_t size) {
+Bytes filledSlice(Bytes const& octets, std::size_t at, std::size_t size) {
     std::size_t const first = std::min(at, octets.size());
     std::size_t const present = std::min(size, octets.size() - first);
     Bytes part(octets.begin() + static_cast<std::ptrdiff_t>(first),
@@ -40,8 +40,8 @@ Variant const* variantOf(Bytes const& capture) {
                                                   {{0xA1, 0xB2, 0xC3, 0xD4}, false, false},
                                                   {{0x4D, 0x3C, 0xB2, 0xA1}, true, true},
                                                   {{0xA1, 0xB2, 0x3C, 0x4D}, true, false}};
-    Bytes magic = slice(capture, 0, 4);
-    if (magic == Bytes{0x0A, 0x0D, 0x0D, 0x0A}) magic = slice(capture, 8, 4);
+    Bytes magic = filledSlice(capture, 0, 4);
+    if (magic == Bytes{0x0A, 0x0D, 0x0D, 0x0A}) magic = filledSlice(capture, 8, 4);
     for (Variant const& variant : variants)
         if (variant.magic == magic) return &variant;
     return nullptr;
@@ -142,7 +142,7 @@ std::vector<PlainFrame> plainFrames(Bytes const& capture) {
     Variant const* const variant = variantOf(capture);
     if (variant == nullptr) return frames;
     for (std::size_t at = fileHeaderSize; at < capture.size();) {
-        Bytes const header = slice(capture, at, recordHeaderSize);
+        Bytes const header = filledSlice(capture, at, recordHeaderSize);
         at += recordHeaderSize;
         PlainFrame frame;
         frame.fileOffset = at;
@@ -150,7 +150,7 @@ std::vector<PlainFrame> plainFrames(Bytes const& capture) {
         frame.nanoseconds = fourOctets(header, 4, variant->littleEndian);
         if (!variant->nanoseconds) frame.nanoseconds *= 1000;
         std::size_t const size = fourOctets(header, 8, variant->littleEndian);
-        frame.octets = slice(capture, at, size);
+        frame.octets = filledSlice(capture, at, size);
         at += size;
         frames.push_back(std::move(frame));
     }

@@ -15,7 +15,7 @@
 #include "index/Tshark.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::TsharkTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -192,4 +192,4 @@ INSTANTIATE_TEST_SUITE_P(Captures, TsharkCounts, testing::ValuesIn(capturesWith(
                          testName);
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::TsharkTest

@@ -18,7 +18,7 @@
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::VerdictPropertyTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -139,4 +139,4 @@ RC_GTEST_PROP(AnyFrame, ReadAsSvGivesTheIdentityOfThePlainWalk, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::VerdictPropertyTest

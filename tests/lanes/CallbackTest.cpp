@@ -20,7 +20,7 @@
 #include "support/SampledValues.hpp"
 #include "support/Sanitized.hpp"
 
-namespace TalTest {
+namespace TalTest::CallbackTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -170,4 +170,4 @@ TEST(LanesInCallback, FilterThatChanges) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CallbackTest

@@ -14,7 +14,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/Sanitized.hpp"
 
-namespace TalTest {
+namespace TalTest::ChangedOctetsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -144,4 +144,4 @@ TEST(ChangedOctets, AtRandomMoreAndMore) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ChangedOctetsTest

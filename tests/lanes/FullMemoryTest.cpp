@@ -20,7 +20,7 @@
 #include "support/SampledValues.hpp"
 #include "support/Sanitized.hpp"
 
-namespace TalTest {
+namespace TalTest::FullMemoryTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -221,4 +221,4 @@ TEST(FullMemory, TakesFewMiBForManyStreams) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FullMemoryTest

@@ -16,7 +16,7 @@
 #include "support/Goose.hpp"
 #include "support/SampledValues.hpp"
 
-namespace TalTest {
+namespace TalTest::HandMadeFramesTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -284,4 +284,4 @@ TEST(HandMadeFrames, MoreThanTheFileHolds) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::HandMadeFramesTest

@@ -16,7 +16,7 @@
 #include "support/Bytes.hpp"
 #include "support/CaptureFile.hpp"
 
-namespace TalTest {
+namespace TalTest::LanesPropertyTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -168,4 +168,4 @@ TEST(LanesProperty, WhateverIsDoneToTheStore) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::LanesPropertyTest

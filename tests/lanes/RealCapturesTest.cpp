@@ -16,7 +16,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalTest {
+namespace TalTest::RealCapturesTest {
 namespace {
 
 /// All captures: those of the folder, and the own ones.
@@ -134,4 +134,4 @@ TEST_F(LanesOnCaptures, CutShort) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RealCapturesTest

@@ -19,7 +19,7 @@
 #include "support/SampledValues.hpp"
 #include "support/Station.hpp"
 
-namespace TalTest {
+namespace TalTest::RegularTrafficTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -188,4 +188,4 @@ TEST(RegularTraffic, OfWhichNothingIsWanted) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RegularTrafficTest

@@ -10,7 +10,7 @@
 #include "tools/plot/TimeAxis.hpp"
 #include "tools/plot/ValueAxis.hpp"
 
-namespace TalTest {
+namespace TalTest::PlotAxesTest {
 namespace {
 
 using TalIec61850Tools::Palette;
@@ -182,4 +182,4 @@ TEST(PlotValueRange, TakesFiniteValuesAlone) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PlotAxesTest

@@ -17,7 +17,7 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::PlotCommandTest {
 namespace {
 
 using TalIec61850Tools::escapeText;
@@ -293,4 +293,4 @@ TEST_F(PlotCommand, RefusesWhatItCannotDo) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PlotCommandTest

@@ -14,7 +14,7 @@
 #include "tools/plot/LaneChoice.hpp"
 #include "tools/plot/PlotPage.hpp"
 
-namespace TalTest {
+namespace TalTest::PlotPageTest {
 namespace {
 
 using TalIec61850Analysis::BitString;
@@ -291,4 +291,4 @@ TEST(LaneChoiceOfPlot, GivesTheRoomToThoseThatChangeFirst) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PlotPageTest

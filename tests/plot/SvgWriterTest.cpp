@@ -13,7 +13,7 @@
 #include "tools/plot/SvgWriter.hpp"
 #include "tools/plot/TextWidth.hpp"
 
-namespace TalTest {
+namespace TalTest::SvgWriterTest {
 namespace {
 
 using TalIec61850Tools::Cut;
@@ -152,4 +152,4 @@ TEST(PixelSpans, AreJoinedWhereTheyMeet) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SvgWriterTest

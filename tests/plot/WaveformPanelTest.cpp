@@ -14,7 +14,7 @@
 #include "tools/plot/PlotPage.hpp"
 #include "tools/plot/WaveformPanel.hpp"
 
-namespace TalTest {
+namespace TalTest::WaveformPanelTest {
 namespace {
 
 using TalIec61850Tools::channelLooks;
@@ -220,4 +220,4 @@ TEST(PlotPanels, ShowQuantitiesByTheirScale) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::WaveformPanelTest

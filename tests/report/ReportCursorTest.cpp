@@ -15,12 +15,12 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/render/UtcText.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportCursorTest {
 namespace {
 
 using Json = nlohmann::json;
 
-TEST_F(ReportPageTest, ShowsAtALinkedMomentTheValuesOfTheSample) {
+TEST_F(ReportPage, ShowsAtALinkedMomentTheValuesOfTheSample) {
     WaveformStream const stream = waveOf({});
     auto const rows = stream.rows(true);
     std::string const page = report(captureOf({&stream}, tripOf(stream.rows(true)[0].time)));
@@ -47,7 +47,7 @@ TEST_F(ReportPageTest, ShowsAtALinkedMomentTheValuesOfTheSample) {
     EXPECT_EQ(browser().ask("laneAt(report.goose[0].lanes[0], 100e6).text"), "false");
 }
 
-TEST_F(ReportPageTest, MeasuresRmsAndPhasorsAsTheLibraryDoes) {
+TEST_F(ReportPage, MeasuresRmsAndPhasorsAsTheLibraryDoes) {
     WaveformStream const fifty = waveOf({});
     WaveformStream const sixty = waveOf(floatWave());
     WaveformSettings offNominal;
@@ -90,7 +90,7 @@ TEST_F(ReportPageTest, MeasuresRmsAndPhasorsAsTheLibraryDoes) {
                     .is_null());
 }
 
-TEST_F(ReportPageTest, MeasuresNoCycleAcrossAJumpOfTime) {
+TEST_F(ReportPage, MeasuresNoCycleAcrossAJumpOfTime) {
     WaveformStream const stream = waveOf({});
     open(report(captureOf({&stream})));
     // From sample 880 on, 5 ms later than smpCnt says.
@@ -122,7 +122,7 @@ double shownValue(WaveformSettings const& settings, std::size_t channel, std::in
     return channel < 4 ? real / 1000 : real / 100;
 }
 
-TEST_F(ReportPageTest, ShowsTheValuesOfEveryStreamWhateverItIs) {
+TEST_F(ReportPage, ShowsTheValuesOfEveryStreamWhateverItIs) {
     WaveformSettings prp = {};
     prp.svID = "MUprp";
     prp.copies = WaveCopies::prp;
@@ -177,7 +177,7 @@ TEST_F(ReportPageTest, ShowsTheValuesOfEveryStreamWhateverItIs) {
     }
 }
 
-TEST_F(ReportPageTest, TellsTimeAndDifferencesBetweenItsCursors) {
+TEST_F(ReportPage, TellsTimeAndDifferencesBetweenItsCursors) {
     WaveformStream const stream = waveOf({});
     auto const rows = stream.rows(true);
     std::string const page = report(captureOf({&stream}, tripOf(rows[0].time)));
@@ -218,4 +218,4 @@ TEST_F(ReportPageTest, TellsTimeAndDifferencesBetweenItsCursors) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportCursorTest

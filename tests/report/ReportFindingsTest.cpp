@@ -10,16 +10,16 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/render/UtcText.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportFindingsTest {
 namespace {
 
 using Json = nlohmann::json;
 
-class ReportFindingsTest : public ReportPageTest {
+class ReportFindingsTest : public ReportPage {
 protected:
     /// A stream with two gaps, and the page of it.
     void SetUp() override {
-        ReportPageTest::SetUp();
+        ReportPage::SetUp();
         if (IsSkipped() || HasFatalFailure()) {
             return;
         }
@@ -153,4 +153,4 @@ TEST_F(ReportFindingsTest, LeavesArrowsToATableThatIsScrolled) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportFindingsTest

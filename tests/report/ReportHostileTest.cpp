@@ -15,7 +15,7 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportHostileTest {
 namespace {
 
 using Json = nlohmann::json;
@@ -44,7 +44,7 @@ void expectTextAlone(Browser& browser) {
     EXPECT_FALSE(browser.ask("document.documentElement.dataset.ready").is_null());
 }
 
-TEST_F(ReportPageTest, ShowsHostileNamesAndRunsNone) {
+TEST_F(ReportPage, ShowsHostileNamesAndRunsNone) {
     std::vector<std::string> const& names = hostileNames();
     CaptureBuilder capture;
     std::uint32_t second = 1'700'000'000;
@@ -96,7 +96,7 @@ std::string toXml(std::string const& text) {
     return xml;
 }
 
-TEST_F(ReportPageTest, ShowsHostileNamesOfADescriptionAsText) {
+TEST_F(ReportPage, ShowsHostileNamesOfADescriptionAsText) {
     for (std::string const& name : hostileNames()) {
         // A data object of GOOSE, the prefix of a channel's node, an IED and its description.
         std::string station = replacedAll(describedStation(), "'Tr'", "'" + toXml(name) + "'");
@@ -135,4 +135,4 @@ TEST_F(ReportPageTest, ShowsHostileNamesOfADescriptionAsText) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportHostileTest

@@ -18,12 +18,12 @@
 #include "tools/report/SeverityRoom.hpp"
 #include "tools/report/WaveformsSection.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportLimitsTest {
 namespace {
 
 using Json = nlohmann::json;
 
-TEST_F(ReportPageTest, SaysWhatIsNotThere) {
+TEST_F(ReportPage, SaysWhatIsNotThere) {
     std::string const page = report(captureOf({}));
     open(page);
     struct Place {
@@ -45,7 +45,7 @@ TEST_F(ReportPageTest, SaysWhatIsNotThere) {
     }
 }
 
-TEST_F(ReportPageTest, KeepsToItsSizeByColumns) {
+TEST_F(ReportPage, KeepsToItsSizeByColumns) {
     WaveformSettings settings;
     settings.members = repeatedMembers({WaveMember::float64, WaveMember::quality}, 8);
     WaveformStream stream(settings);
@@ -88,7 +88,7 @@ std::string const kEightDoubles =
     "float64,quality,float64,quality,float64,quality,float64,quality,"
     "float64,quality,float64,quality,float64,quality,float64,quality";
 
-TEST_F(ReportPageTest, IsAsLargeAsItMayBe) {
+TEST_F(ReportPage, IsAsLargeAsItMayBe) {
     WaveformStream const stream = noisyWave(4000, 60'000);
     Bytes const capture = captureOf({&stream});
     std::string const columns = "Number(streams[0].segments[0].count)";
@@ -115,7 +115,7 @@ TEST_F(ReportPageTest, IsAsLargeAsItMayBe) {
               std::string::npos);
 }
 
-TEST_F(ReportPageTest, KeepsToItsSizeWithNamesThatTakeMoreInAPage) {
+TEST_F(ReportPage, KeepsToItsSizeWithNamesThatTakeMoreInAPage) {
     std::vector<WaveformStream> streams;
     for (std::size_t i = 0; i < 20; ++i) {
         WaveformSettings settings;
@@ -135,7 +135,7 @@ TEST_F(ReportPageTest, KeepsToItsSizeWithNamesThatTakeMoreInAPage) {
     EXPECT_GT(browser().ask("streams.length"), 0);
 }
 
-TEST_F(ReportPageTest, LeavesOutStreamsThatFitInNoWay) {
+TEST_F(ReportPage, LeavesOutStreamsThatFitInNoWay) {
     WaveformStream const stream = waveOf({});
     std::string const path = folder_.write("bay1.pcap", captureOf({&stream}));
     auto const index = TalIec61850Analysis::indexCapture(path);
@@ -151,7 +151,7 @@ TEST_F(ReportPageTest, LeavesOutStreamsThatFitInNoWay) {
     EXPECT_EQ(tight.take(100).octets, "");
 }
 
-TEST_F(ReportPageTest, HalvesColumnsWithoutTheCapture) {
+TEST_F(ReportPage, HalvesColumnsWithoutTheCapture) {
     using namespace TalIec61850Tools;
     WaveformStream const stream = noisyWave(4000, 60'000);
     std::string const path = folder_.write("bay1.pcap", captureOf({&stream}));
@@ -178,7 +178,7 @@ TEST_F(ReportPageTest, HalvesColumnsWithoutTheCapture) {
     EXPECT_EQ(picture.received, 60'000U);
 }
 
-TEST_F(ReportPageTest, DrawsHours) {
+TEST_F(ReportPage, DrawsHours) {
     constexpr std::size_t kSixHours = 6 * 3600 * 10;
     WaveformStream const stream = noisyWave(10, kSixHours);
     auto const rows = stream.rows(true);
@@ -232,7 +232,7 @@ TEST(SeverityRoom, HasRoomForAnErrorAfterManyNotes) {
     EXPECT_EQ(shareOut(findingsOfTen(2, 2, 2), {.most = 100, .mostOctets = 9}), (Counts{0, 0, 0}));
 }
 
-TEST_F(ReportPageTest, SaysWhichProtocolIsNotThere) {
+TEST_F(ReportPage, SaysWhichProtocolIsNotThere) {
     WaveformStream const stream = waveOf({});
     open(report(captureOf({&stream}, {})));
     std::string const ofSamples = browser().text("document.body.innerText");
@@ -253,4 +253,4 @@ TEST_F(ReportPageTest, SaysWhichProtocolIsNotThere) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportLimitsTest

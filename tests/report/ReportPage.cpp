@@ -83,9 +83,9 @@ auto* const theBrowser =
 
 }  // namespace
 
-Browser& ReportPageTest::browser() { return *theBrowser->get(); }
+Browser& ReportPage::browser() { return *theBrowser->get(); }
 
-void ReportPageTest::SetUp() {
+void ReportPage::SetUp() {
     if (theBrowser->get() == nullptr) {
         if (std::getenv("TAL_REQUIRE_BROWSER") != nullptr) {
             FAIL() << "there is no browser: install chromium";
@@ -94,15 +94,15 @@ void ReportPageTest::SetUp() {
     }
 }
 
-void ReportPageTest::TearDown() {
+void ReportPage::TearDown() {
     if (theBrowser->get() != nullptr) {
         EXPECT_EQ(browser().complaints(), std::vector<std::string>());
         EXPECT_EQ(browser().requests(), std::vector<std::string>());
     }
 }
 
-std::string ReportPageTest::report(Bytes const& capture, std::vector<std::string> const& options,
-                                   std::string const& name, Faults faults) {
+std::string ReportPage::report(Bytes const& capture, std::vector<std::string> const& options,
+                               std::string const& name, Faults faults) {
     std::string const path = folder_.write(name, capture);
     std::string const page = folder_.file("report.html");
     std::filesystem::remove(page);  // one of another call is not taken for this one's
@@ -113,27 +113,27 @@ std::string ReportPageTest::report(Bytes const& capture, std::vector<std::string
     return page;
 }
 
-void ReportPageTest::open(std::string const& page, std::string const& link) {
+void ReportPage::open(std::string const& page, std::string const& link) {
     browser().open(page, link);
     EXPECT_EQ(browser().complaints(), std::vector<std::string>());
     EXPECT_EQ(browser().requests(), std::vector<std::string>());
 }
 
-void ReportPageTest::openAt(std::string const& page, std::int64_t time, std::int64_t span) {
+void ReportPage::openAt(std::string const& page, std::int64_t time, std::int64_t span) {
     open(page, "#t=" + std::to_string(time) + "&span=" + std::to_string(span));
 }
 
-Json ReportPageTest::readout() {
+Json ReportPage::readout() {
     return browser().ask(
         "[...document.querySelectorAll('#cursor tr[data-channel]')]"
         ".map((row) => [...row.cells].map((cell) => cell.textContent))");
 }
 
-std::string ReportPageTest::cursorTime() {
+std::string ReportPage::cursorTime() {
     return browser().text("document.getElementById('cursorTime').textContent");
 }
 
-double ReportPageTest::span() {
+double ReportPage::span() {
     return browser()
         .ask(
             "Number(BigInt(document.getElementById('view').dataset.to) - "
@@ -141,7 +141,7 @@ double ReportPageTest::span() {
         .get<double>();
 }
 
-void ReportPageTest::press(std::string const& key) {
+void ReportPage::press(std::string const& key) {
     static_cast<void>(browser().askDrawn("void 0"));
     for (char const* const type : {"keyDown", "keyUp"}) {
         browser().call("Input.dispatchKeyEvent",
@@ -149,7 +149,7 @@ void ReportPageTest::press(std::string const& key) {
     }
 }
 
-void ReportPageTest::click(std::string const& element, std::string const& x) {
+void ReportPage::click(std::string const& element, std::string const& x) {
     Json const place = browser().askDrawn(
         "(() => { const element = " + element +
         "; element.scrollIntoView({ block: 'center' }); const box = "

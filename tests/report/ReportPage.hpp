@@ -31,7 +31,7 @@ namespace TalTest {
 [[nodiscard]] WaveformSettings doubleWave();
 
 /// A page that `report` writes, in a browser. One browser is started for all tests of the program.
-class ReportPageTest : public testing::Test {
+class ReportPage : public testing::Test {
 protected:
     void SetUp() override;
     /// Expects that the page complained of nothing, and asked for nothing, until now.

@@ -11,12 +11,12 @@
 #include "tools/render/RoundTicks.hpp"
 #include "tools/render/UtcText.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportPageTest {
 namespace {
 
 using Json = nlohmann::json;
 
-TEST_F(ReportPageTest, FollowsAsOneZoomsAndMoves) {
+TEST_F(ReportPage, FollowsAsOneZoomsAndMoves) {
     WaveformStream const stream = waveOf({});
     std::int64_t const time = stream.rows(true)[800].time;
     std::string const page = report(captureOf({&stream}, tripOf(stream.rows(true)[0].time)));
@@ -56,7 +56,7 @@ TEST_F(ReportPageTest, FollowsAsOneZoomsAndMoves) {
     EXPECT_EQ(ranges[0], ranges[2]);
 }
 
-TEST_F(ReportPageTest, HasTheTicksThatOtherPicturesHave) {
+TEST_F(ReportPage, HasTheTicksThatOtherPicturesHave) {
     using TalIec61850Tools::TimeStep;
     WaveformStream const stream = waveOf({});
     open(report(captureOf({&stream})));
@@ -80,7 +80,7 @@ TEST_F(ReportPageTest, HasTheTicksThatOtherPicturesHave) {
     }
 }
 
-TEST_F(ReportPageTest, ZoomsByTheWheelWithCtrlAndByADrag) {
+TEST_F(ReportPage, ZoomsByTheWheelWithCtrlAndByADrag) {
     WaveformStream const stream = waveOf({});
     openAt(report(captureOf({&stream})), stream.rows(true)[800].time);
     // The plot of the first chart that has samples, from its left edge.
@@ -115,7 +115,7 @@ TEST_F(ReportPageTest, ZoomsByTheWheelWithCtrlAndByADrag) {
     EXPECT_EQ(span(), before);
 }
 
-TEST_F(ReportPageTest, StepsByTheSamplesThatAreShown) {
+TEST_F(ReportPage, StepsByTheSamplesThatAreShown) {
     WaveformSettings slow;
     slow.svID = "MU02";
     slow.rate = 1000;
@@ -135,7 +135,7 @@ TEST_F(ReportPageTest, StepsByTheSamplesThatAreShown) {
     EXPECT_EQ(cursorTime(), TalIec61850Tools::toUtcText(instantOf(rows[102].time)));
 }
 
-TEST_F(ReportPageTest, SaysThatValuesAreCounts) {
+TEST_F(ReportPage, SaysThatValuesAreCounts) {
     WaveformStream const stream = waveOf(floatWave());
     auto const hints = [] {
         return browser().text(
@@ -151,7 +151,7 @@ TEST_F(ReportPageTest, SaysThatValuesAreCounts) {
     EXPECT_EQ(hints().find("counts"), std::string::npos) << hints();
 }
 
-TEST_F(ReportPageTest, HasItsTablesWithoutScript) {
+TEST_F(ReportPage, HasItsTablesWithoutScript) {
     WaveformStream const stream = waveOf({});
     std::string const page = report(captureOf({&stream}, tripOf(stream.rows(true)[0].time)));
     browser().call("Emulation.setScriptExecutionDisabled", {{"value", true}});
@@ -168,7 +168,7 @@ TEST_F(ReportPageTest, HasItsTablesWithoutScript) {
     browser().call("Emulation.setScriptExecutionDisabled", {{"value", false}});
 }
 
-TEST_F(ReportPageTest, FitsWideAndNarrowAndDark) {
+TEST_F(ReportPage, FitsWideAndNarrowAndDark) {
     WaveformStream const stream = waveOf({});
     std::int64_t const time = stream.rows(true)[800].time;
     std::string const page = report(captureOf({&stream}, tripOf(stream.rows(true)[0].time)));
@@ -192,7 +192,7 @@ TEST_F(ReportPageTest, FitsWideAndNarrowAndDark) {
     browser().call("Emulation.setEmulatedMedia", {{"features", Json::array()}});
 }
 
-TEST_F(ReportPageTest, PrintsOnWhiteAndAsWideAsPaper) {
+TEST_F(ReportPage, PrintsOnWhiteAndAsWideAsPaper) {
     WaveformStream const stream = waveOf({});
     std::string const page = report(captureOf({&stream}, tripOf(stream.rows(true)[0].time)));
     browser().call("Emulation.setDeviceMetricsOverride",
@@ -250,4 +250,4 @@ TEST_F(ReportPageTest, PrintsOnWhiteAndAsWideAsPaper) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportPageTest

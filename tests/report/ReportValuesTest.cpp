@@ -12,12 +12,12 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/report/NumberPacker.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportValuesTest {
 namespace {
 
 using Json = nlohmann::json;
 
-TEST_F(ReportPageTest, HoldsAllValuesExactly) {
+TEST_F(ReportPage, HoldsAllValuesExactly) {
     WaveformStream const whole = waveOf({});
     WaveformStream const floats = waveOf(floatWave());
     WaveformStream const doubles = waveOf(doubleWave());
@@ -47,7 +47,7 @@ TEST_F(ReportPageTest, HoldsAllValuesExactly) {
     }
 }
 
-TEST_F(ReportPageTest, UnpacksAnyNumbers) {
+TEST_F(ReportPage, UnpacksAnyNumbers) {
     open(report(Bytes(captureOf({}))));
     std::mt19937 random(61850);
     std::vector<std::vector<double>> lists = {
@@ -84,4 +84,4 @@ TEST_F(ReportPageTest, UnpacksAnyNumbers) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportValuesTest

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+namespace TalTest::DbTest {
 namespace {
 
 using TalIec61850Parser::Db;
@@ -340,3 +341,4 @@ RC_GTEST_PROP(Db, HoldsTheGooseStreamsThatAModelHolds, ()) { followsTheModel<Goo
 RC_GTEST_PROP(Db, HoldsTheSvStreamsThatAModelHolds, ()) { followsTheModel<SvSide>(); }
 
 }  // namespace
+}  // namespace TalTest::DbTest

@@ -16,9 +16,9 @@
 
 #include "store/IdentityRules.hpp"
 
+namespace TalTest::GooseTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850::GooseIdentifer;
 using TalIec61850Parser::Goose;
 using TalIec61850Parser::GooseProto;
@@ -278,3 +278,4 @@ RC_GTEST_PROP(GooseIdentity, MakesOneStreamOfEqualHashAndEquality, ()) {
 }
 
 }  // namespace
+}  // namespace TalTest::GooseTest

@@ -13,6 +13,7 @@
 // Guesses are right, wrong, or not to be had; what is found is always what a plain binary search
 // finds.
 
+namespace TalTest::LongListTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -85,3 +86,4 @@ TEST(LongList, OfOneTimeIsSearchedRightly) { expectPlainSearches(atOnce); }
 TEST(LongList, OutOfOrderIsSearchedAsByTheStandardLibrary) { expectPlainSearches(outOfOrder); }
 
 }  // namespace
+}  // namespace TalTest::LongListTest

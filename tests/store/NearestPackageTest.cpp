@@ -16,10 +16,10 @@
 
 #include "store/StoredTimes.hpp"
 
+namespace TalTest::NearestPackageTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 using Place = std::deque<Package>::const_iterator;
 using Places = std::map<PackageFile const*, Place>;
 
@@ -209,3 +209,4 @@ TYPED_TEST(NearestPackages, ChangeNothing) {
 }
 
 }  // namespace
+}  // namespace TalTest::NearestPackageTest

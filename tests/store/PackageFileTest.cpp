@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+namespace TalTest::PackageFileTest {
 namespace {
 
 using TalIec61850Parser::Goose;
@@ -291,3 +292,4 @@ RC_GTEST_PROP(StreamAddFileModel, HoldsOneIndexPerName, (std::vector<std::string
 }
 
 }  // namespace
+}  // namespace TalTest::PackageFileTest

@@ -33,10 +33,10 @@ inline bool operator==(FilteredPackagesResult const& a, FilteredPackagesResult c
 
 }  // namespace TalIec61850Parser
 
+namespace TalTest::QueryPropertyTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 using GooseWindow = std::map<PackageFile const*, FilteredPackagesResult>;
 using SvWindow = std::map<PackageFile const*, std::vector<Package const*>>;
 using Places = std::map<PackageFile const*, PackageIterator>;
@@ -276,3 +276,4 @@ TEST_F(QueriesOfTwoCaptures, FindTheOtherOnceOneIsCleared) {
 }
 
 }  // namespace
+}  // namespace TalTest::QueryPropertyTest

@@ -16,10 +16,10 @@
 
 // A store that captures are added to and taken from for ever.
 
+namespace TalTest::RepeatedRoundsTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 TempFile stationFile(CaptureVariant variant, std::uint64_t frames) {
     std::ostringstream out;
@@ -74,3 +74,4 @@ TEST(RepeatedRounds, LeaveNothingOnTheHeap) {
 }
 
 }  // namespace
+}  // namespace TalTest::RepeatedRoundsTest

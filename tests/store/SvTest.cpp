@@ -15,9 +15,9 @@
 
 #include "store/IdentityRules.hpp"
 
+namespace TalTest::SvTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850::SvIdentifer;
 using TalIec61850Parser::HsrInfo;
 using TalIec61850Parser::PrpInfo;
@@ -261,3 +261,4 @@ RC_GTEST_PROP(SvIdentity, MakesOneStreamOfEqualHashAndEquality, ()) {
 }
 
 }  // namespace
+}  // namespace TalTest::SvTest

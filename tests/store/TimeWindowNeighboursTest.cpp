@@ -13,10 +13,10 @@
 
 // Which files a time window has an entry for, and the packets on either side of it.
 
+namespace TalTest::TimeWindowNeighboursTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 using Positions = std::vector<std::uint64_t>;
 
 TEST(FilteredPackages, AreNoneByDefault) {
@@ -132,3 +132,4 @@ TEST(SvTimeWindow, HasAnEntryForFilesWithPacketsInsideOnly) {
 }
 
 }  // namespace
+}  // namespace TalTest::TimeWindowNeighboursTest

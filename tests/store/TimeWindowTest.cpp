@@ -14,10 +14,10 @@
 
 #include "store/StoredTimes.hpp"
 
+namespace TalTest::TimeWindowTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 using Pointers = std::vector<Package const*>;
 using Positions = std::vector<std::uint64_t>;
 
@@ -234,3 +234,4 @@ TYPED_TEST(TimeWindow, OfAnUnsortedListIsThatOfTheBinarySearches) {
 }
 
 }  // namespace
+}  // namespace TalTest::TimeWindowTest

@@ -5,7 +5,7 @@
 
 #include "support/Ber.hpp"
 
-namespace TalTest {
+namespace TalTest::BerTest {
 namespace {
 
 TEST(BerBuilder, WritesLengthUpTo127InOneOctet) {
@@ -98,4 +98,4 @@ TEST(BerBuilder, WritesAnUnsignedInTheWidthAskedFor) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::BerTest

@@ -2,7 +2,7 @@
 
 #include "support/Bytes.hpp"
 
-namespace TalTest {
+namespace TalTest::BytesTest {
 namespace {
 
 TEST(BytesBuilder, WritesTheMostSignificantOctetFirst) {
@@ -29,4 +29,4 @@ TEST(BytesBuilder, CutsAPrefix) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::BytesTest

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t microsecondMagic = 0xA1B2C3D4;
 constexpr std::uint32_t nanosecondMagic = 0xA1B23C4D;
-constexpr std::uint32_t snapLength = 262144;
+constexpr std::uint32_t kSnapLength = 262144;
 constexpr std::uint32_t nanosecondsPerMicrosecond = 1000;
 constexpr std::size_t writerBufferSize = std::size_t{1} << 20;
 
@@ -97,7 +97,7 @@ Bytes captureHeader(CaptureVariant variant, std::uint32_t linkType) {
     putNumber(&header[4], 2, 2, little);
     putNumber(&header[6], 4, 2, little);
     // The time zone (8..11) and the accuracy of the times (12..15) are zero in every capture.
-    putNumber(&header[16], snapLength, 4, little);
+    putNumber(&header[16], kSnapLength, 4, little);
     putNumber(&header[20], linkType, 4, little);
     return header;
 }

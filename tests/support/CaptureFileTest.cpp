@@ -6,7 +6,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::CaptureFileTest {
 namespace {
 
 Bytes written(std::ostringstream const& out) { return text(out.str()); }
@@ -140,4 +140,4 @@ TEST(CompletedCapture, FillsTheRecordThatIsCutAndNothingElse) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CaptureFileTest

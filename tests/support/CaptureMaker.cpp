@@ -128,12 +128,11 @@ CaptureMaker& CaptureMaker::add(std::string const& stream, std::optional<std::si
                                 Bytes const& frame) {
     MadePacket packet{.stream = stream};
     if (index) {
-        constexpr std::uint32_t nanosecondsPerMicrosecond = 1000;
+        constexpr std::uint32_t perMicrosecond = 1000;
         auto const fraction = static_cast<std::uint32_t>(time_ % second);
         packet.position = builder_.nextRecordPosition() + recordHeaderSize + *index;
         packet.seconds = stationStart + static_cast<std::uint32_t>(time_ / second);
-        packet.nanoseconds =
-            isNanosecond_ ? fraction : fraction - fraction % nanosecondsPerMicrosecond;
+        packet.nanoseconds = isNanosecond_ ? fraction : fraction - fraction % perMicrosecond;
     }
     packets_.push_back(packet);
     addRecord(frame);

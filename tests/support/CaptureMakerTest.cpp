@@ -9,7 +9,7 @@
 #include "support/OtherTraffic.hpp"
 #include "support/Relay.hpp"
 
-namespace TalTest {
+namespace TalTest::CaptureMakerTest {
 namespace {
 
 std::vector<std::string> streamsOf(MadeCapture const& made) {
@@ -128,4 +128,4 @@ TEST(SvStreamText, TellsTheLastNameAndTheWayRoundARing) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CaptureMakerTest

@@ -8,7 +8,7 @@
 #include "support/Captures.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::CapturesTest {
 namespace {
 
 /// An environment variable, until the test ends.
@@ -68,4 +68,4 @@ TEST_F(RecordedCaptures, AreNoneWithoutAFolderUnlessTheyAreRequired) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CapturesTest

@@ -12,7 +12,7 @@
 #include "support/Bytes.hpp"
 #include "support/ComtradeReader.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeReaderTest {
 namespace {
 
 constexpr std::size_t kStation = 0;
@@ -354,4 +354,4 @@ TEST(ComtradeReader, RefusesFilesWithOtherSections) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeReaderTest

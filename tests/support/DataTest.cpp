@@ -2,7 +2,7 @@
 
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::DataTest {
 namespace {
 
 TEST(DataBuilder, WritesNumbersOfBothPrecisions) {
@@ -29,4 +29,4 @@ TEST(DataBuilder, NestsStructuresAndArrays) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DataTest

@@ -4,7 +4,7 @@
 
 #include "support/Ethernet.hpp"
 
-namespace TalTest {
+namespace TalTest::EthernetTest {
 namespace {
 
 Bytes const payload = {0xDE, 0xAD};
@@ -95,4 +95,4 @@ TEST(EthernetBuilder, PadsBeforeThePrpTrailerAndCountsThePadding) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EthernetTest

@@ -4,7 +4,7 @@
 
 #include "support/Goose.hpp"
 
-namespace TalTest {
+namespace TalTest::GooseTest {
 namespace {
 
 /// A message of no fields at all.
@@ -128,4 +128,4 @@ TEST(GooseData, WritesEachChoice) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::GooseTest

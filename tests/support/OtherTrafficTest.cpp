@@ -5,7 +5,7 @@
 #include "support/Ethernet.hpp"
 #include "support/OtherTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::OtherTrafficTest {
 namespace {
 
 unsigned twoOctets(Bytes const& frame, std::size_t at) {
@@ -41,4 +41,4 @@ TEST(SpanningTreeHello, HasALengthInPlaceOfAnEtherType) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OtherTrafficTest

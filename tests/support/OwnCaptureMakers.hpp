@@ -6,6 +6,9 @@
 
 namespace TalTest::OwnCaptureMakers {
 
+/// Octets of a signature, as Reserved 2 tells them.
+inline constexpr std::uint16_t kSignatureSize = 32;
+
 // OwnGooseCaptures.cpp
 
 /// Three relays from before a fault until their heartbeats are slow again, and other protocols.

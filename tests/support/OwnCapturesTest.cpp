@@ -13,7 +13,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalTest {
+namespace TalTest::OwnCapturesTest {
 namespace {
 
 class OwnCapturesTest : public testing::TestWithParam<OwnCapture> {};
@@ -111,4 +111,4 @@ TEST(OwnCutCaptures, EndInsideARecord) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OwnCapturesTest

@@ -12,9 +12,6 @@
 namespace TalTest::OwnCaptureMakers {
 namespace {
 
-/// Octets of a signature, as Reserved 2 tells them.
-constexpr std::uint16_t kSignatureSize = 32;
-
 /// The message of a relay of this number, the state of which is `state`.
 GooseMessage messageOf(unsigned relay, std::uint32_t state, std::uint32_t sequence) {
     std::string const device = "BAY" + std::to_string(relay) + "_PROT";
@@ -31,7 +28,7 @@ GooseMessage messageOf(unsigned relay, std::uint32_t state, std::uint32_t sequen
     return message;
 }
 
-Ethernet linkOf(unsigned relay) {
+Ethernet relayLink(unsigned relay) {
     std::string const last = std::to_string(10 + relay);
     return Ethernet().to("01:0c:cd:01:00:" + last).from("02:00:00:00:02:" + last);
 }
@@ -94,7 +91,8 @@ MadeCapture gooseRetransmissions() {
     StationDevices devices;
     std::uint64_t const start = firstFault - 50 * millisecond;
     unsigned number = 0;
-    for (Ethernet const& ethernet : {linkOf(1), linkOf(2).withVlan(0), linkOf(3).withVlan(10)}) {
+    for (Ethernet const& ethernet :
+         {relayLink(1), relayLink(2).withVlan(0), relayLink(3).withVlan(10)}) {
         ++number;
         devices.push_back(
             std::make_unique<Relay>(RelaySettings{.ethernet = ethernet,
@@ -121,11 +119,11 @@ MadeCapture gooseEveryType() {
         unsigned const relay = 1 + frame % 2;
         GooseMessage message = messageOf(relay, 1 + frame / 4, frame % 4);
         message.setData(nestedTypes(random, frame % 6));
-        maker.add(linkOf(relay), message);
+        maker.add(relayLink(relay), message);
     }
     GooseMessage empty = messageOf(3, 1, 0);
     empty.setData({});
-    maker.add(linkOf(3).withPadding(), empty);
+    maker.add(relayLink(3).withPadding(), empty);
     return maker.make();
 }
 
@@ -139,7 +137,7 @@ MadeCapture gooseFiveOctetIntegers() {
         message.sqNum = {frame, 5};
         message.confRev = {100 + frame, 5};
         message.numDatSetEntries = {3, 5};
-        maker.add(linkOf(relay).withVlan(10), message);
+        maker.add(relayLink(relay).withVlan(10), message);
     }
     return maker.make();
 }
@@ -152,9 +150,9 @@ MadeCapture gooseLongLengths() {
             GooseMessage message = messageOf(1, 1, 0);
             message.pduLengthForm = pdu;
             message.allDataLengthForm = allData;
-            maker.add(linkOf(1), message);
+            maker.add(relayLink(1), message);
             message.setData({dataVisibleString(std::string(100, 'x')), dataBoolean(true)});
-            maker.add(linkOf(1), message);
+            maker.add(relayLink(1), message);
         }
     }
     return maker.make();
@@ -166,7 +164,7 @@ MadeCapture gooseLongestLengths() {
         GooseMessage message = messageOf(1, 1, 0);
         message.pduLengthForm = pdu;
         message.allDataLengthForm = pdu;
-        maker.add(linkOf(1), message);
+        maker.add(relayLink(1), message);
     }
     return maker.make();
 }
@@ -175,7 +173,7 @@ MadeCapture gooseHsr() {
     CaptureMaker maker;
     for (std::uint16_t frame = 0; frame < 20; ++frame) {
         unsigned const relay = 1 + frame % 2;
-        Ethernet const link = relay == 1 ? linkOf(1).withVlan(0) : linkOf(2).withVlan(5);
+        Ethernet const link = relay == 1 ? relayLink(1).withVlan(0) : relayLink(2).withVlan(5);
         GooseMessage const message = messageOf(relay, 1 + frame / 6, frame % 6);
         for (char const way : {'A', 'B'}) maker.add(link.withHsr(way, frame), message);
     }
@@ -190,7 +188,7 @@ MadeCapture goosePrp() {
                                                          0xAB02, 0x3003, 0x8004, 0x88B8};
     for (std::uint16_t const sequence : sequences) {
         for (unsigned const relay : {1U, 2U}) {
-            Ethernet const link = relay == 1 ? linkOf(1) : linkOf(2).withVlan(7);
+            Ethernet const link = relay == 1 ? relayLink(1) : relayLink(2).withVlan(7);
             GooseMessage const message = messageOf(relay, 1, sequence);
             for (char const lan : {'A', 'B'}) maker.add(link.withPrp(lan, sequence), message);
         }
@@ -202,15 +200,15 @@ MadeCapture gooseSigned() {
     CaptureMaker maker;
     for (std::uint32_t frame = 0; frame < 4; ++frame) {
         GooseMessage message = messageOf(1, 1, frame);
-        maker.add(linkOf(1), message);
-        maker.add(linkOf(1).withVlan(100), message);
-        maker.add(linkOf(1).withVlan(4095, 7, true), message);
+        maker.add(relayLink(1), message);
+        maker.add(relayLink(1).withVlan(100), message);
+        maker.add(relayLink(1).withVlan(4095, 7, true), message);
         message.reserved2 = kSignatureSize;
         message.trailing = signature();
-        maker.add(linkOf(1), message);
+        maker.add(relayLink(1), message);
         // Outside a goosePdu no element names a stream.
         message.trailing = concat({ber(0x82, "other"), ber(0x83, "names"), signature(0x30)});
-        maker.add(linkOf(1), message);
+        maker.add(relayLink(1), message);
     }
     return maker.make();
 }
@@ -219,10 +217,10 @@ MadeCapture gooseTrailersAsElements() {
     CaptureMaker maker;
     constexpr std::size_t prpTrailerSize = 6;
     GooseMessage const plain = messageOf(1, 1, 0);
-    maker.add(linkOf(1), plain);
+    maker.add(relayLink(1), plain);
     for (char const lan : {'A', 'B'}) {
         // 61 03 and three octets more: a goosePdu, the content of which ends at once.
-        Ethernet const link = linkOf(1).withPrp(lan, 0x6103);
+        Ethernet const link = relayLink(1).withPrp(lan, 0x6103);
         Bytes const frame = gooseFrame(link, plain);
         maker.add(streamText(link, plain), frame.size() - prpTrailerSize, frame);
     }
@@ -231,12 +229,12 @@ MadeCapture gooseTrailersAsElements() {
     message.trailing = ber(0x61, ber(0x82, "SIGNED/AS$datSet"));
     GooseMessage readAs = plain;
     readAs.datSet = "SIGNED/AS$datSet";
-    Bytes const frame = gooseFrame(linkOf(1), message);
-    maker.add(streamText(linkOf(1), readAs), frame.size() - message.trailing.size(), frame);
+    Bytes const frame = gooseFrame(relayLink(1), message);
+    maker.add(streamText(relayLink(1), readAs), frame.size() - message.trailing.size(), frame);
     // With nothing in it, it is the place of the packet all the same.
     message.trailing = ber(0x61, {});
-    Bytes const other = gooseFrame(linkOf(1), message);
-    maker.add(streamText(linkOf(1), plain), other.size() - 2, other);
+    Bytes const other = gooseFrame(relayLink(1), message);
+    maker.add(streamText(relayLink(1), plain), other.size() - 2, other);
     return maker.make();
 }
 
@@ -244,9 +242,9 @@ MadeCapture goosePriorityTag() {
     CaptureMaker maker;
     for (std::uint32_t frame = 0; frame < 3; ++frame) {
         GooseMessage const message = messageOf(1, 1, frame);
-        maker.add(linkOf(1), message);
-        maker.add(linkOf(1).withVlan(0), message);
-        maker.add(linkOf(1).withVlan(1), message);
+        maker.add(relayLink(1), message);
+        maker.add(relayLink(1).withVlan(0), message);
+        maker.add(relayLink(1).withVlan(1), message);
     }
     return maker.make();
 }
@@ -256,7 +254,7 @@ MadeCapture gooseOddElements() {
     auto const add = [&maker](auto&& change) {
         GooseMessage message = messageOf(1, 1, 0);
         change(message);
-        maker.add(linkOf(1), message);
+        maker.add(relayLink(1), message);
     };
     add([](GooseMessage&) {});
     add([](GooseMessage& message) { message.gocbRef.reset(); });
@@ -274,9 +272,9 @@ MadeCapture gooseOddElements() {
     add([](GooseMessage& message) { message.extraFirst = ber(0x8C, {1, 2}); });
     add([](GooseMessage& message) { message.extraBeforeData = ber(0x9F, {3}); });
     add([](GooseMessage& message) { message.extraLast = ber(0xBF, ber(0x82, "not a name")); });
-    Bytes const frame = ethernetFrame(linkOf(1).withPadding(), etherTypeGoose,
+    Bytes const frame = ethernetFrame(relayLink(1).withPadding(), etherTypeGoose,
                                       apdu({.appId = 1}, ber(0x62, ber(0x80, "no goosePdu"))));
-    maker.add(streamText(linkOf(1), headerAlone(1)), std::nullopt, frame);
+    maker.add(streamText(relayLink(1), headerAlone(1)), std::nullopt, frame);
     return maker.make();
 }
 
@@ -285,8 +283,8 @@ MadeCapture gooseSnapped() {
     maker.snapTo(70);
     for (std::uint32_t frame = 0; frame < 10; ++frame) {
         unsigned const relay = 1 + frame % 2;
-        maker.add(streamText(linkOf(relay), headerAlone(relay)), std::nullopt,
-                  gooseFrame(linkOf(relay), messageOf(relay, 1, frame)));
+        maker.add(streamText(relayLink(relay), headerAlone(relay)), std::nullopt,
+                  gooseFrame(relayLink(relay), messageOf(relay, 1, frame)));
     }
     return maker.make();
 }
@@ -296,7 +294,7 @@ MadeCapture gooseCutLastRecord() {
     for (std::uint32_t frame = 0; frame < 8; ++frame) {
         GooseMessage message = messageOf(1 + frame % 2, 1, frame);
         message.setData({dataBoolean(true), dataFloat(141.5F)});
-        maker.add(linkOf(1 + frame % 2), message);
+        maker.add(relayLink(1 + frame % 2), message);
     }
     return maker.make(3);
 }

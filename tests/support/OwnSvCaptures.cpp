@@ -11,11 +11,9 @@
 namespace TalTest::OwnCaptureMakers {
 namespace {
 
-/// Octets of a signature, as Reserved 2 tells them.
-constexpr std::uint16_t kSignatureSize = 32;
 constexpr std::uint16_t kSamplesPerSecond = 4000;
 
-Ethernet linkOf(unsigned unit) {
+Ethernet unitLink(unsigned unit) {
     std::string const last = std::to_string(10 + unit);
     return svEthernet().to("01:0c:cd:04:00:" + last).from("02:00:00:00:01:" + last);
 }
@@ -38,24 +36,24 @@ SvMessage messageOf(unsigned unit, std::size_t sample, std::minstd_rand& random)
     return message;
 }
 
-Bytes signature() { return repeat(0x5A, kSignatureSize); }
+Bytes signedEnd() { return repeat(0x5A, kSignatureSize); }
 
 }  // namespace
 
 MadeCapture svMergingUnits() {
     StationDevices devices;
     devices.push_back(
-        std::make_unique<MergingUnit>(MergingUnitSettings{.ethernet = linkOf(1).withVlan(0),
+        std::make_unique<MergingUnit>(MergingUnitSettings{.ethernet = unitLink(1).withVlan(0),
                                                           .appId = 0x4001,
                                                           .svID = "FEEDER1_MU",
                                                           .phase = 10 * microsecond}));
     devices.push_back(
-        std::make_unique<MergingUnit>(MergingUnitSettings{.ethernet = linkOf(2).withVlan(100),
+        std::make_unique<MergingUnit>(MergingUnitSettings{.ethernet = unitLink(2).withVlan(100),
                                                           .appId = 0x4002,
                                                           .svID = "FEEDER2_MU",
                                                           .phase = 20 * microsecond}));
     devices.push_back(
-        std::make_unique<MergingUnit>(MergingUnitSettings{.ethernet = linkOf(3),
+        std::make_unique<MergingUnit>(MergingUnitSettings{.ethernet = unitLink(3),
                                                           .appId = 0x4003,
                                                           .svID = "BUSBAR_MU",
                                                           .datSet = "MU03LD0/LLN0$dsSamples",
@@ -88,7 +86,7 @@ MadeCapture svManyAsdus() {
                 if (count % 4 == 0) asdu.smpMod = number % 3;
                 message.asdus.push_back(asdu);
             }
-            maker.add(linkOf(count).withVlan(static_cast<std::uint16_t>(count)), message);
+            maker.add(unitLink(count).withVlan(static_cast<std::uint16_t>(count)), message);
         }
     }
     return maker.make();
@@ -104,7 +102,7 @@ MadeCapture svTwelveOctets() {
             message.asdus[number].svID = "LINE" + std::to_string(number);
             message.asdus[number].seqData = concat({bigEndian(random(), 4), utcTime(stationStart)});
         }
-        maker.add(linkOf(1).withVlan(0), message);
+        maker.add(unitLink(1).withVlan(0), message);
     }
     return maker.make();
 }
@@ -114,7 +112,7 @@ MadeCapture svHsr() {
     CaptureMaker maker;
     for (std::uint16_t sample = 0; sample < 10; ++sample) {
         for (unsigned const unit : {1U, 2U}) {
-            Ethernet const link = unit == 1 ? linkOf(1) : linkOf(2).withVlan(9);
+            Ethernet const link = unit == 1 ? unitLink(1) : unitLink(2).withVlan(9);
             SvMessage const message = messageOf(unit, sample, random);
             for (char const way : {'A', 'B'}) maker.add(link.withHsr(way, sample), message);
         }
@@ -132,7 +130,7 @@ MadeCapture svPrp() {
     for (std::uint16_t const sequence : sequences) {
         SvMessage const message = messageOf(1, sample++, random);
         for (char const lan : {'A', 'B'})
-            maker.add(linkOf(1).withVlan(0).withPrp(lan, sequence), message);
+            maker.add(unitLink(1).withVlan(0).withPrp(lan, sequence), message);
     }
     return maker.make();
 }
@@ -144,11 +142,11 @@ MadeCapture svSigned() {
         SvMessage message = messageOf(1, sample, random);
         message.asdus.front().refrTm = utcTime(stationStart, 0x123456);
         message.asdus.front().smpRate = kSamplesPerSecond;
-        maker.add(linkOf(1), message);
-        maker.add(linkOf(1).withVlan(50), message);
+        maker.add(unitLink(1), message);
+        maker.add(unitLink(1).withVlan(50), message);
         message.reserved2 = kSignatureSize;
-        message.trailing = signature();
-        maker.add(linkOf(1), message);
+        message.trailing = signedEnd();
+        maker.add(unitLink(1), message);
     }
     return maker.make();
 }
@@ -158,26 +156,27 @@ MadeCapture svTrailersAsElements() {
     CaptureMaker maker;
     constexpr std::size_t prpTrailerSize = 6;
     SvMessage const plain = messageOf(1, 1, random);
-    std::string const stream = streamText(linkOf(1), plain);
-    maker.add(linkOf(1), plain);
+    std::string const stream = streamText(unitLink(1), plain);
+    maker.add(unitLink(1), plain);
     // 80 04 and four octets: noASDU, of which the first octet counts.
-    for (char const lan : {'A', 'B'}) maker.add(linkOf(1).withPrp(lan, 0x8004), plain);
+    for (char const lan : {'A', 'B'}) maker.add(unitLink(1).withPrp(lan, 0x8004), plain);
     // A2 01 and one octet: a sequence of ASDU.
     for (char const lan : {'A', 'B'}) {
-        Bytes const frame = svFrame(linkOf(1).withPrp(lan, 0xA201), plain);
+        Bytes const frame = svFrame(unitLink(1).withPrp(lan, 0xA201), plain);
         maker.add(stream, frame.size() - prpTrailerSize, frame);
     }
     SvMessage message = plain;
     message.reserved2 = kSignatureSize;
     message.trailing = ber(0xA2, {});
-    Bytes const frame = svFrame(linkOf(1), message);
+    Bytes const frame = svFrame(unitLink(1), message);
     maker.add(stream, frame.size() - 2, frame);
     // An ASDU after the savPdu: its name is the last.
     message.trailing = ber(0x30, ber(0x80, "SIGNED"));
     SvMessage readAs = plain;
     readAs.asdus.front().svID = "SIGNED";
-    maker.add(streamText(linkOf(1), readAs), payloadOffset(linkOf(1)) + 8 + sequenceOffset(message),
-              svFrame(linkOf(1), message));
+    maker.add(streamText(unitLink(1), readAs),
+              payloadOffset(unitLink(1)) + 8 + sequenceOffset(message),
+              svFrame(unitLink(1), message));
     return maker.make();
 }
 
@@ -187,7 +186,7 @@ MadeCapture svOddElements() {
     auto const add = [&](auto&& change) {
         SvMessage message = messageOf(1, 7, random);
         change(message);
-        maker.add(linkOf(1), message);
+        maker.add(unitLink(1), message);
     };
     add([](SvMessage&) {});
     add([](SvMessage& message) { message.omitNoASDU = true; });

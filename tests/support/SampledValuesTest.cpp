@@ -2,7 +2,7 @@
 
 #include "support/SampledValues.hpp"
 
-namespace TalTest {
+namespace TalTest::SampledValuesTest {
 namespace {
 
 /// An ASDU of no fields at all.
@@ -117,4 +117,4 @@ TEST(SvBuilder, LaysOut92leWithEightChannels) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SampledValuesTest

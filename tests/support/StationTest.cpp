@@ -16,7 +16,7 @@
 #include "support/Ethernet.hpp"
 #include "support/Station.hpp"
 
-namespace TalTest {
+namespace TalTest::StationTest {
 namespace {
 
 using Protocol = StationStream::Protocol;
@@ -279,4 +279,4 @@ TEST(Station, MixesInArpIpAndPtp) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StationTest

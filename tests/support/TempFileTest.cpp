@@ -6,7 +6,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::TempFileTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -51,4 +51,4 @@ TEST(TempFile, KeepsItsFileWhenMoved) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::TempFileTest

@@ -403,13 +403,13 @@ WaveformCounts WaveformStream::counts() const {
 }
 
 std::int64_t WaveformStream::exactTime(Sample const& sample,
-                                       std::optional<std::int64_t> second) const {
+                                       std::optional<std::int64_t> fixedSecond) const {
     if (settings_.hasRefrTm && sample.isReceived) return timeSaid(sample.row.taken);
     bool const isCounted = settings_.wrap.value_or(sample.rate) == sample.rate;
-    if (settings_.hasRefrTm || !isCounted || !second || sample.row.smpSynch != 2) {
+    if (settings_.hasRefrTm || !isCounted || !fixedSecond || sample.row.smpSynch != 2) {
         return WaveformRow::noTime;
     }
-    return *second + timeAfter(sample.number, sample.rate);
+    return *fixedSecond + timeAfter(sample.number, sample.rate);
 }
 
 std::vector<WaveformRow> WaveformStream::rows(bool withMissing) const {
@@ -434,14 +434,14 @@ std::vector<WaveformRow> WaveformStream::rows(bool withMissing) const {
 
     std::vector<WaveformRow> rows;
     std::size_t run = static_cast<std::size_t>(-1);
-    std::optional<std::int64_t> second;
+    std::optional<std::int64_t> fixedSecond;
     std::vector<WaveformRow> missing;
     std::optional<std::uint8_t> synchBefore;
     for (Sample const& sample : samples_) {
         WaveformRow row = sample.row;
         if (row.run != run) {
             run = row.run;
-            second.reset();
+            fixedSecond.reset();
             missing.clear();
             synchBefore.reset();
             // Nothing is known to be missing before the first that comes.
@@ -452,7 +452,7 @@ std::vector<WaveformRow> WaveformStream::rows(bool withMissing) const {
             Sample lost = sample;
             lost.row.smpSynch = synchBefore;
             row.smpSynch = synchBefore;
-            row.time = exactTime(lost, second);
+            row.time = exactTime(lost, fixedSecond);
             row.isMissing = true;
             row.arrival = WaveformRow::noTime;
             row.values.assign(rows.back().values.size(), 0);
@@ -465,16 +465,17 @@ std::vector<WaveformRow> WaveformStream::rows(bool withMissing) const {
         }
         if (withMissing) rows.insert(rows.end(), missing.begin(), missing.end());
         missing.clear();
-        if (row.smpSynch == 2 && !second && !settings_.hasRefrTm) {
+        if (row.smpSynch == 2 && !fixedSecond && !settings_.hasRefrTm) {
             std::int64_t const inSecond = sample.number % sample.rate;
             Wide const scaled =
                 (Wide{row.arrival} + kSecond / 10) * sample.rate - Wide{inSecond} * kSecond;
-            second = static_cast<std::int64_t>(floorDivide(scaled, Wide{kSecond} * sample.rate)) *
-                         kSecond -
-                     sample.number / sample.rate * kSecond;
+            fixedSecond =
+                static_cast<std::int64_t>(floorDivide(scaled, Wide{kSecond} * sample.rate)) *
+                    kSecond -
+                sample.number / sample.rate * kSecond;
         }
         synchBefore = row.smpSynch;
-        row.time = exactTime(sample, second);
+        row.time = exactTime(sample, fixedSecond);
         row.file = captured_[sample.capture].file;
         row.fileOffset = frameOffsets[sample.capture] + sample.offsetInFrame;
         rows.push_back(std::move(row));

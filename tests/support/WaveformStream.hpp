@@ -193,7 +193,7 @@ private:
     [[nodiscard]] std::int64_t wrap() const { return settings_.wrap.value_or(rate_); }
     [[nodiscard]] std::int64_t drift() const;
     [[nodiscard]] std::int64_t exactTime(Sample const& sample,
-                                         std::optional<std::int64_t> second) const;
+                                         std::optional<std::int64_t> fixedSecond) const;
 
     WaveformSettings settings_;
     std::uint32_t rate_;

@@ -17,10 +17,10 @@
 #include "support/TempFile.hpp"
 #include "sv/AsduText.hpp"
 
+namespace TalTest::AsduTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Asdus = std::vector<ASDUData>;
 
@@ -347,3 +347,4 @@ TEST(AsduSamples, TakeNoMoreMemoryThanTheyNeed) {
 }
 
 }  // namespace
+}  // namespace TalTest::AsduTest

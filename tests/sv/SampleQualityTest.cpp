@@ -10,10 +10,10 @@
 
 #include "support/Bytes.hpp"
 
+namespace TalTest::SampleQualityTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 static_assert(std::is_same_v<decltype(&SvParser::_parseSampleDataWithQuality),
                              void (*)(std::vector<std::uint8_t> const&, std::string const&)>);
@@ -57,3 +57,4 @@ TEST(SampleQuality, IsTakenWithAnyValidityCode) {
 }
 
 }  // namespace
+}  // namespace TalTest::SampleQualityTest

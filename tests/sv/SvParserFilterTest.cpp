@@ -10,10 +10,10 @@
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
+namespace TalTest::SvParserFilterTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Parsed = WalkedSv;
 
@@ -147,3 +147,4 @@ TEST(SvParserFilter, RejectedFrameIsFilledUpToTheCriterionThatFailed) {
 }
 
 }  // namespace
+}  // namespace TalTest::SvParserFilterTest

@@ -13,10 +13,10 @@
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
+namespace TalTest::SvParserSimpleTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Judged = WalkedSv;
 
@@ -272,3 +272,4 @@ TEST(SvParserSimple, AcceptsAFrameCutBehindItsHeader) {
 }
 
 }  // namespace
+}  // namespace TalTest::SvParserSimpleTest

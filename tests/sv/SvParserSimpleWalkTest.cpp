@@ -15,10 +15,10 @@
 
 // The single-frame walk over nested elements, called level by level, in and out of an ASDU.
 
+namespace TalTest::SvParserSimpleWalkTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Walked = WalkedSv;
 
@@ -266,3 +266,4 @@ TEST(SvParserSimpleNesting, NeedsNoStack) {
 }
 
 }  // namespace
+}  // namespace TalTest::SvParserSimpleWalkTest

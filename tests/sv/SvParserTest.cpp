@@ -12,10 +12,10 @@
 #include "support/Ber.hpp"
 #include "support/SampledValues.hpp"
 
+namespace TalTest::SvParserTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Parsed = WalkedSv;
 
@@ -283,3 +283,4 @@ TEST(SvParserFields, ThoseBeforeTheCutAreKept) {
 }
 
 }  // namespace
+}  // namespace TalTest::SvParserTest

@@ -12,10 +12,10 @@
 
 // The walk over nested elements, called level by level, in and out of an ASDU.
 
+namespace TalTest::SvParserWalkTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 using Walked = WalkedSv;
 
@@ -233,3 +233,4 @@ TEST(SvParserWalk, ProcessNestedStructureIsTheSame) {
 }
 
 }  // namespace
+}  // namespace TalTest::SvParserWalkTest

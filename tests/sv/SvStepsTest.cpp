@@ -13,7 +13,7 @@
 #include "support/Ber.hpp"
 #include "support/Bytes.hpp"
 
-namespace TalTest {
+namespace TalTest::SvStepsTest {
 namespace {
 
 using namespace TalIec61850Parser;
@@ -86,4 +86,4 @@ TEST(SvSteps, DescendIntoNoField) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SvStepsTest

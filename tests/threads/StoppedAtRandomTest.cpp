@@ -23,10 +23,10 @@
 // Stores of many threads are filled at once, each stopped by yet another thread wherever it happens
 // to be; then indexing goes on.
 
+namespace TalTest::StoppedAtRandomTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr std::size_t kWorkers = 8;
 constexpr std::size_t kRounds = 10;
@@ -213,3 +213,4 @@ TEST(StoppedAtRandom, StoresHoldWhatWasReadAndIndexingGoesOn) {
 }
 
 }  // namespace
+}  // namespace TalTest::StoppedAtRandomTest

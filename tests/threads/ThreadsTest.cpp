@@ -27,10 +27,10 @@
 // What may run on several threads at once gives on each of them what it gives alone. The program is
 // also built for a sanitizer that watches for races.
 
+namespace TalTest::ThreadsTest {
 namespace {
 
 using namespace TalIec61850Parser;
-using namespace TalTest;
 
 constexpr std::size_t kThreads = 8;
 constexpr std::uint64_t kFrames = 4000;
@@ -308,3 +308,4 @@ TEST_F(Threads, FlagSetByAnotherEndsIndexingBeforeTheNextRecord) {
 }
 
 }  // namespace
+}  // namespace TalTest::ThreadsTest

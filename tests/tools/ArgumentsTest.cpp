@@ -9,7 +9,7 @@
 #include "tools/options/CommonOptions.hpp"
 #include "tools/options/UsageError.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::ArgumentsTest {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -71,4 +71,4 @@ TEST(Arguments, WithAnEmptyValueForAFlagAreRefused) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::ArgumentsTest

@@ -12,7 +12,7 @@
 
 #include "tools/report/ArrivalPicture.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::ArrivalPictureTest {
 namespace {
 
 using TalIec61850Analysis::captureTimeOf;
@@ -82,4 +82,4 @@ TEST(ArrivalPicture, IsEmptyWithoutTimesOfArrival) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::ArrivalPictureTest

@@ -5,7 +5,7 @@
 
 #include "tools/render/CaptureText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::CaptureTextTest {
 namespace {
 
 using TalIec61850Analysis::CaptureCheck;
@@ -112,4 +112,4 @@ TEST(CaptureText, SaysNothingOfAWholeCapture) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::CaptureTextTest

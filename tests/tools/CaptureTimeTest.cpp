@@ -5,7 +5,7 @@
 #include "tools/library/IndexedPackage.hpp"
 #include "tools/render/UtcText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::CaptureTimeTest {
 namespace {
 
 using TalIec61850Parser::Timest;
@@ -48,4 +48,4 @@ TEST(CaptureTime, CountsNanosecondsSince1970) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::CaptureTimeTest

@@ -16,7 +16,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::CapturesCommandTest {
 namespace {
 
 constexpr std::uint8_t kBinary = 0x80;
@@ -429,4 +429,4 @@ TEST(Captures, OfWholeRecordingsHaveWhatTsharkCounts) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CapturesCommandTest

@@ -8,7 +8,7 @@
 #include "tools/output/Cell.hpp"
 #include "tools/output/RowLines.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::CellTest {
 namespace {
 
 std::string csv(Cell const& cell) {
@@ -178,4 +178,4 @@ TEST(RowLines, AreObjectsInJson) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::CellTest

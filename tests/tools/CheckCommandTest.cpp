@@ -10,7 +10,7 @@
 #include "tools/output/TextEscape.hpp"
 #include "tools/render/FindingLayout.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckCommandTest {
 namespace {
 
 using TalIec61850Tools::countColumns;
@@ -335,4 +335,4 @@ TEST(CheckHelp, NamesTheKinds) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckCommandTest

@@ -13,7 +13,7 @@
 #include "tools/CheckTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckCopiesTest {
 namespace {
 
 using CopySentences = std::vector<std::string>;
@@ -190,4 +190,4 @@ TEST(CopySentence, SaysBothSizesOfATrailer) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckCopiesTest

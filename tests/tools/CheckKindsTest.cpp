@@ -8,7 +8,7 @@
 #include "tools/render/FindingText.hpp"
 #include "tools/selection/FindingNames.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckKindsTest {
 namespace {
 
 using Sentences = std::vector<std::string>;
@@ -484,4 +484,4 @@ TEST(FindingNames, AreFoundAgain) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckKindsTest

@@ -4,7 +4,7 @@
 
 #include "tools/CheckTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckSummaryTest {
 namespace {
 
 TEST(CheckSummary, HasARowForEachStreamInTheOrderOfStreams) {
@@ -78,4 +78,4 @@ TEST(CheckSummary, IsATableOfWhatMattersMost) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckSummaryTest

@@ -10,7 +10,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/Style.hpp"
 
-namespace TalTest {
+namespace TalTest::ColoursTest {
 namespace {
 
 constexpr auto kBold = "\x1b[1m";
@@ -108,4 +108,4 @@ TEST(Colours, AreWantedByOptionOrByTerminal) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ColoursTest

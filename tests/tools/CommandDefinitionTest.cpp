@@ -10,7 +10,7 @@
 #include "tools/options/CommandDefinition.hpp"
 #include "tools/options/CommonOptions.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::CommandDefinitionTest {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -129,4 +129,4 @@ TEST(DescribedCommand, HasNotesAndExamplesWhateverIsInThem) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::CommandDefinitionTest

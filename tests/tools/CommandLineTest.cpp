@@ -6,7 +6,7 @@
 #include "tools/CompanionProcess.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::CommandLineTest {
 namespace {
 
 using Arguments = std::vector<std::string>;
@@ -197,4 +197,4 @@ TEST(CommandLine, TakesOptionsBehindFiles) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CommandLineTest

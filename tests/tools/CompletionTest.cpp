@@ -8,7 +8,7 @@
 #include "tools/CompanionProcess.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::CompletionTest {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -154,4 +154,4 @@ TEST(ZshCompletion, IsAScriptThatZshReadsAndRegisters) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CompletionTest

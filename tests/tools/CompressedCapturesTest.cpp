@@ -7,12 +7,13 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/Compress.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::CompressedCapturesTest {
 namespace {
 
 std::vector<std::string> const kFilters = {"gzip", "zstd", "xz", "lz4", "bzip2"};
@@ -143,7 +144,7 @@ TEST(CompressedCaptures, MayBeMoreThanFilesCanBeOpenAtFirst) {
         folder.write(std::to_string(i), compressed(smallCapture(), "gzip"));
     }
     auto const result = run({"/bin/sh", "-c", "ulimit -S -n 30; exec \"$0\" streams -f csv \"$1\"",
-                             TAL_COMPANION_PATH, folder.path()});
+                             companionPath(), folder.path()});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, runCompanion({"streams", "-f", "csv", folder.path()}).out);
 }
@@ -156,7 +157,7 @@ TEST(NamedPipes, AreReadToTheirEnd) {
     for (auto const& file : {plain, packed}) {
         auto const result =
             run({"/bin/sh", "-c", "cat \"$1\" > \"$2\" & exec \"$0\" streams -f json \"$2\" \"$2\"",
-                 TAL_COMPANION_PATH, file, folder.file("pipe")});
+                 companionPath(), file, folder.file("pipe")});
         EXPECT_EQ(result.err, "");
         EXPECT_EQ(jsonOf(result.out), streamsOf({plain}));
     }
@@ -181,4 +182,4 @@ TEST(OutputFile, IsLeftAsItIsIfNothingCouldBeRead) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CompressedCapturesTest

@@ -8,11 +8,12 @@
 #include "support/CaptureFile.hpp"
 #include "support/Data.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeRecordsTest {
 namespace {
 
 constexpr std::int64_t kWaveStart = 1'700'000'000'000'000'000;
@@ -198,6 +199,32 @@ TEST(ComtradeWindows, AreARecordEach) {
     EXPECT_EQ(place.record("-002").start, kWaveStart + 45'000'000);
     EXPECT_EQ(place.record("-003").start, kWaveStart + 95'000'000);
     EXPECT_EQ(place.record("-003").rows.size(), 41U);
+}
+
+TEST(ComtradeWindows, AreTheSameRecordsInAnyOrder) {
+    Bytes const capture = tripCapture();
+    RecordFolder const together(capture);
+    // Not in order, one twice, some over each other, and two that touch.
+    Arguments const times = {"1700000000.1",   "1700000000.02", "1700000000.024", "1700000000.05",
+                             "1700000000.034", "1700000000.02", "1700000000.027"};
+    Arguments options = {"--span", "10ms", "--goose", "RELAY1*gcbTrip"};
+    for (std::string const& time : times) {
+        options.insert(options.end(), {"--around", time});
+    }
+    EXPECT_EQ(together.write(options).status, 0);
+    for (std::size_t number = 1; number <= times.size(); ++number) {
+        RecordFolder const alone(capture);
+        EXPECT_EQ(alone
+                      .write({"--span", "10ms", "--goose", "RELAY1*gcbTrip", "--around",
+                              times[number - 1]})
+                      .status,
+                  0);
+        std::string const part = together.folder.file("rec-00" + std::to_string(number));
+        for (char const* const kind : {".dat", ".cfg"}) {
+            EXPECT_EQ(readFile(part + kind), readFile(alone.folder.file("rec") + kind))
+                << number << kind;
+        }
+    }
 }
 
 TEST(ComtradeWindows, ThatMakeNoRecordLeaveTheOthers) {
@@ -502,7 +529,7 @@ TEST(ComtradeFiles, ReplaceOthersOnlyWhenAllIsThere) {
     // No room for the data.
     auto const full =
         run({"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 8; exec \"$0\" comtrade -o \"$1\" \"$2\"",
-             TAL_COMPANION_PATH, place.folder.file("rec"), place.capture.path()});
+             companionPath(), place.folder.file("rec"), place.capture.path()});
     EXPECT_EQ(full.status, 2);
     EXPECT_EQ(std::count(full.err.begin(), full.err.end(), '\n'), 1) << full.err;
     EXPECT_EQ(namesIn(place.folder.path()),
@@ -599,4 +626,4 @@ TEST(ComtradeSources, OfOneNameAreRefused) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeRecordsTest

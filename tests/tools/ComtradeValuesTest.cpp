@@ -15,7 +15,7 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeValuesTest {
 namespace {
 
 /// Writes a record of a capture, and reads it back.
@@ -505,4 +505,4 @@ TEST(ComtradeWindow, IsOneOfSampleTimesWithItsEndInside) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeValuesTest

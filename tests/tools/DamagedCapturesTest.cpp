@@ -8,7 +8,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::DamagedCapturesTest {
 namespace {
 
 std::vector<Arguments> const kCommands = {
@@ -110,4 +110,4 @@ TEST(DamagedCapture, IsSaidForEachFileInTheOrderGiven) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DamagedCapturesTest

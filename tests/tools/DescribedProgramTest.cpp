@@ -11,7 +11,7 @@
 #include "tools/commands/StreamsCommand.hpp"
 #include "tools/help/ProgramDescription.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::DescribedProgramTest {
 namespace {
 
 using namespace TalTest;
@@ -140,4 +140,4 @@ TEST(ManualPage, IsTypesetWithoutAWarning) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::DescribedProgramTest

@@ -31,7 +31,7 @@
 #include "tools/render/SubscriberLayout.hpp"
 #include "tools/render/SummaryLayout.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::DocumentedOutputTest {
 namespace {
 
 using Names = std::vector<std::string_view>;
@@ -229,4 +229,4 @@ TEST(CompanionExitStatus, IsThatOfItsText) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::DocumentedOutputTest

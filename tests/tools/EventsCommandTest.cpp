@@ -11,7 +11,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::EventsCommandTest {
 namespace {
 
 constexpr std::int64_t kStateMillisecond = 1'000'000;
@@ -345,4 +345,4 @@ TEST(EventsOutput, IsTheSameOverFilesInAnyOrder) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EventsCommandTest

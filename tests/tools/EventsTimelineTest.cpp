@@ -12,7 +12,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::EventsTimelineTest {
 namespace {
 
 using TalIec61850Tools::countColumns;
@@ -173,4 +173,4 @@ TEST(EventsTimeline, KeepsItsAlignmentWhateverNamesAndValuesThereAre) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EventsTimelineTest

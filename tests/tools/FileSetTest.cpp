@@ -15,7 +15,7 @@
 #include "tools/output/FileSet.hpp"
 #include "tools/output/OutputError.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::FileSetTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -157,4 +157,4 @@ TEST(FileSet, StaysAfterASignalOnceItIsFinished) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::FileSetTest

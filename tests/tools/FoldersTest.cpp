@@ -9,11 +9,12 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 #include "tools/input/CaptureFinder.hpp"
 
-namespace TalTest {
+namespace TalTest::FoldersTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -160,7 +161,7 @@ TEST(Captures, MayBeManyMoreThanFilesCanBeOpen) {
     }
     for (std::string const command : {"streams", "packets", "library judge", "show", "captures"}) {
         auto const result = run({"/bin/sh", "-c", "ulimit -n 30; exec \"$0\" $1 -f csv \"$2\"",
-                                 TAL_COMPANION_PATH, command, folder.path()});
+                                 companionPath(), command, folder.path()});
         EXPECT_EQ(result.status, 0) << command << ": " << result.err;
         EXPECT_TRUE(result.out ==
                     runCompanion(joined(commandWords(command), {"-f", "csv", folder.path()})).out);
@@ -168,4 +169,4 @@ TEST(Captures, MayBeManyMoreThanFilesCanBeOpen) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FoldersTest

@@ -13,7 +13,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::FollowTest {
 namespace {
 
 using namespace TalTest;
@@ -37,7 +37,7 @@ ProcessResult runAndThen(std::string const& arguments, int lines, std::string co
     std::string reading;
     for (int i = 0; i < lines; ++i) reading += "read -r line; printf '%s\\n' \"$line\"; ";
     return run({"/bin/sh", "-c", "\"$0\" " + arguments + " | { " + reading + command + "; cat; }",
-                TAL_COMPANION_PATH, first, second});
+                companionPath(), first, second});
 }
 
 std::vector<std::string> sqNumsOf(std::string const& csv) {
@@ -199,7 +199,7 @@ TEST(FollowedCheck, GoesOnWhereFramesOfTwoFilesCannotBeCompared) {
             run({"/bin/sh", "-c",
                  "ulimit -n " + std::to_string(limit) +
                      "; exec \"$0\" check -F --idle 20ms -f csv --columns finding \"$1\"",
-                 TAL_COMPANION_PATH, folder.path()});
+                 companionPath(), folder.path()});
         if (result.err.find("2 files: ") != std::string::npos) {
             ++told;
             EXPECT_EQ(result.status, 2) << limit << result.err;
@@ -239,4 +239,4 @@ TEST(Follow, DoesNotGoWithWhatIsNotAppendedTo) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::FollowTest

@@ -9,7 +9,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::FormatsTest {
 namespace {
 
 std::vector<Arguments> commands(std::string const& file) {
@@ -199,4 +199,4 @@ TEST(Formats, BeginWithHeadingsEvenWithoutRows) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FormatsTest

@@ -12,7 +12,7 @@
 #include "tools/library/LibraryCriteria.hpp"
 #include "tools/render/AddressText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::FrameFilterTest {
 namespace {
 
 using TalIec61850Parser::Filter;
@@ -126,4 +126,4 @@ RC_GTEST_PROP(AnyFrameFilter, SwitchesOffWhatIsNotAskedFor, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::FrameFilterTest

@@ -12,7 +12,7 @@
 #include "tools/render/CaptureText.hpp"
 #include "tools/selection/FrameReader.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::FrameReaderTest {
 namespace {
 
 using TalIec61850Analysis::RecordView;
@@ -138,4 +138,4 @@ TEST(FrameReader, SaysThatAFileIsGone) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::FrameReaderTest

@@ -22,6 +22,9 @@ std::ostream& operator<<(std::ostream& out, FrameVerdict const& verdict) {
     return out << protocol << " " << toText(verdict.verdict) << " " << verdict.answer;
 }
 
+}  // namespace TalIec61850Tools
+
+namespace TalIec61850Tools::FrameVerdictTest {
 namespace {
 
 using namespace TalTest;
@@ -105,4 +108,4 @@ TEST(Verdict, OnAnyFrameIsOneOfNine) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::FrameVerdictTest

@@ -7,7 +7,7 @@
 #include "tools/help/ManualPage.hpp"
 #include "tools/output/WrapText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::HelpTextTest {
 namespace {
 
 TEST(WrapText, FillsLinesUpToTheirWidth) {
@@ -120,4 +120,4 @@ TEST(ManualPage, HasItsSectionsInTheirUsualOrder) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::HelpTextTest

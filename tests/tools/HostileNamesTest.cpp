@@ -11,7 +11,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::HostileNamesTest {
 namespace {
 
 std::vector<std::string> const kHostile = {"\x1b[2J\x1b]0;title\x07",
@@ -155,4 +155,4 @@ TEST(HostileNames, InComplaintsMakeNoMoreLines) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::HostileNamesTest

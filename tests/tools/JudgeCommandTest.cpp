@@ -18,7 +18,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::JudgeCommandTest {
 namespace {
 
 using TalIec61850Parser::EthernetParser;
@@ -254,4 +254,4 @@ TEST(Judge, OfWholeCapturesIsRecounted) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::JudgeCommandTest

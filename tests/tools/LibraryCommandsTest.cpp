@@ -9,7 +9,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::LibraryCommandsTest {
 namespace {
 
 TEST(LibraryGroup, ListsItsCommandsInItsHelp) {
@@ -61,4 +61,4 @@ TEST(LibraryStreams, AreSelectedAndOrderedAsStreamsAre) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::LibraryCommandsTest

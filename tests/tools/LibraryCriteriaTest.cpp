@@ -15,7 +15,7 @@
 #include "tools/library/LibraryRow.hpp"
 #include "tools/render/AddressText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::LibraryCriteriaTest {
 namespace {
 
 using TalIec61850Parser::HsrInfo;
@@ -239,4 +239,4 @@ RC_GTEST_PROP(AnyCriteria, LoseNothingWhereTheLibraryFiltersBeforehand, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::LibraryCriteriaTest

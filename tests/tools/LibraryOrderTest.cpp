@@ -9,7 +9,7 @@
 #include "tools/library/LibraryRow.hpp"
 #include "tools/output/RowLines.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::LibraryOrderTest {
 namespace {
 
 using TalIec61850Parser::Db;
@@ -125,4 +125,4 @@ TEST(StreamOrder, IsByProtocolThenDestinationThenAppIdThenNames) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::LibraryOrderTest

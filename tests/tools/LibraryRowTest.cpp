@@ -7,7 +7,7 @@
 #include "tools/library/IndexedPackage.hpp"
 #include "tools/library/LibraryRow.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::LibraryRowTest {
 namespace {
 
 using TalIec61850Parser::Db;
@@ -157,4 +157,4 @@ TEST(PacketsPerSecond, IsUnknownWhenNoTimePasses) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::LibraryRowTest

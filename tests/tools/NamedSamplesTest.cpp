@@ -13,7 +13,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/names/ChannelNames.hpp"
 
-namespace TalTest {
+namespace TalTest::NamedSamplesTest {
 namespace {
 
 std::string const kCurrent = "LD0/InnATCTR1.Amp.instMag.i";
@@ -268,4 +268,4 @@ TEST(NamedFindings, TellTheChannel) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::NamedSamplesTest

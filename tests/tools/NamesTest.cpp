@@ -9,7 +9,7 @@
 #include "tools/SclTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::NamesTest {
 namespace {
 
 std::string const kTripName = "LD0/PTRC1.Tr.general";
@@ -486,4 +486,4 @@ TEST(NamedFindings, AreSelectedByIed) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::NamesTest

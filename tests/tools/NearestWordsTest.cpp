@@ -2,7 +2,7 @@
 
 #include "tools/output/NearestWords.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::NearestWordsTest {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -64,4 +64,4 @@ TEST(NearestWords, MakeAQuestion) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::NearestWordsTest

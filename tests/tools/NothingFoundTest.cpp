@@ -10,7 +10,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::NothingFoundTest {
 namespace {
 
 /// What a command says on standard error, which ends well and writes no row.
@@ -123,4 +123,4 @@ TEST(NothingFound, EscapesNames) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::NothingFoundTest

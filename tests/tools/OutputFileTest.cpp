@@ -10,10 +10,11 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::OutputFileTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -152,7 +153,7 @@ TEST(OutputFile, ThatIsADeviceOrAPipeIsWrittenAsItIs) {
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
     ASSERT_EQ(::mkfifo(place.out.c_str(), 0600), 0);
     auto const piped = run({"/bin/sh", "-c", "cat \"$3\" & \"$0\" streams \"$1\" $2 \"$3\"; wait",
-                            TAL_COMPANION_PATH, place.capture.path(), "-o", place.out});
+                            companionPath(), place.capture.path(), "-o", place.out});
     EXPECT_EQ(piped.out, runCompanion({"streams", place.capture.path()}).out);
     EXPECT_TRUE(fs::is_fifo(place.out));
     EXPECT_EQ(place.entries(), std::set<std::string>{"out.txt"});
@@ -162,7 +163,7 @@ TEST(OutputFile, ThatIsStandardOutputByAnotherNameIsThat) {
     Place const place;
     auto const printed = runCompanion({"streams", place.capture.path()}).out;
     auto const piped = run({"/bin/sh", "-c", "\"$0\" streams \"$1\" -o /dev/stdout | cat",
-                            TAL_COMPANION_PATH, place.capture.path()});
+                            companionPath(), place.capture.path()});
     EXPECT_EQ(piped.out, printed);
     EXPECT_EQ(piped.err, "");
 }
@@ -194,7 +195,7 @@ TEST(OutputFile, ThatGrowsTooLargeLeavesNothingAndTheOldOneStays) {
         auto const result = run({"/bin/sh", "-c",
                                  "trap '' XFSZ; ulimit -f 8; exec \"$0\" streams -f \"$1\" -o "
                                  "\"$2\" \"$3\"",
-                                 TAL_COMPANION_PATH, format, place.out, capture.path()});
+                                 companionPath(), format, place.out, capture.path()});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err, complaint("cannot write " + place.out + ": File too large"));
         EXPECT_EQ(contentOf(place.out), "old");
@@ -221,4 +222,4 @@ TEST(OutputFile, IsNotTouchedByWrongUsage) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OutputFileTest

@@ -7,10 +7,11 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::OutputInterruptedTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -47,8 +48,8 @@ TEST(OutputFile, LeavesNothingWhenTheTerminalQuitsTheProgram) {
     TempFile const capture(smallCapture());
     TempDir const folder;
     auto const result =
-        run(joined({"/bin/sh", "-c", "ulimit -c 0; exec \"$0\" \"$@\"", TAL_COMPANION_PATH,
-                    "streams", "-o", folder.file("out"), capture.path()},
+        run(joined({"/bin/sh", "-c", "ulimit -c 0; exec \"$0\" \"$@\"", companionPath(), "streams",
+                    "-o", folder.file("out"), capture.path()},
                    manyMissingFiles()),
             Surroundings{.signalAtFirstError = SIGQUIT});
     EXPECT_EQ(result.status, 128 + SIGQUIT);
@@ -60,7 +61,7 @@ TEST(OutputFile, LeavesNothingWhenItGrowsLargerThanItMay) {
     TempDir const folder;
     auto const result =
         run({"/bin/sh", "-c", "ulimit -c 0; ulimit -f 0; exec \"$0\" streams -o \"$1\" \"$2\"",
-             TAL_COMPANION_PATH, folder.file("out"), capture.path()});
+             companionPath(), folder.file("out"), capture.path()});
     EXPECT_NE(result.status, 0);
     EXPECT_EQ(countEntries(folder.path()), 0U);
 }
@@ -78,8 +79,8 @@ TEST(OutputFile, IsFinishedWhereTheSignalIsIgnored) {
     TempFile const capture(smallCapture());
     TempDir const folder;
     auto const result =
-        run(joined({"/bin/sh", "-c", "trap '' HUP; exec \"$0\" \"$@\"", TAL_COMPANION_PATH,
-                    "streams", "-o", folder.file("out"), capture.path()},
+        run(joined({"/bin/sh", "-c", "trap '' HUP; exec \"$0\" \"$@\"", companionPath(), "streams",
+                    "-o", folder.file("out"), capture.path()},
                    manyMissingFiles()),
             Surroundings{.signalAtFirstError = SIGHUP});
     EXPECT_EQ(result.status, 2);
@@ -91,4 +92,4 @@ TEST(OutputFile, IsFinishedWhereTheSignalIsIgnored) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OutputInterruptedTest

@@ -9,7 +9,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::OutputKeepsCapturesTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -44,4 +44,4 @@ TEST(OutputFile, IsNeverAFileThatWasGivenToBeReadAndCouldNotBe) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::OutputKeepsCapturesTest

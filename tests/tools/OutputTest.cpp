@@ -10,7 +10,7 @@
 #include "support/TempFile.hpp"
 #include "tools/output/Output.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::OutputTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -139,4 +139,4 @@ TEST(Output, OnAFullDeviceFailsAtTheLatestWhenItIsFinished) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::OutputTest

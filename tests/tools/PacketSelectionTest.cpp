@@ -13,7 +13,7 @@
 #include "index/TrafficGenerators.hpp"
 #include "tools/selection/PacketSelection.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::PacketSelectionTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -179,4 +179,4 @@ RC_GTEST_PROP(AnySelection, HasTheFramesOfNoStreamAmongThePacketsByTime, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::PacketSelectionTest

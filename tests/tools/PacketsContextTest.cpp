@@ -7,7 +7,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::PacketsContextTest {
 namespace {
 
 /// A row in few words: second, place, stream.
@@ -86,4 +86,4 @@ TEST(PacketsContext, IsShownToo) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PacketsContextTest

@@ -11,7 +11,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::PacketsFieldsTest {
 namespace {
 
 GooseMessage gooseAt(std::uint64_t stNum, std::uint64_t sqNum) {
@@ -279,4 +279,4 @@ TEST(Jobs, ChangeNoOutput) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PacketsFieldsTest

@@ -15,7 +15,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::PacketsOrderTest {
 namespace {
 
 /// Three packets each: at 1, 3 and 5 s, and at 2, 3 and 4 s.
@@ -170,4 +170,4 @@ TEST(PacketsTable, HasPlacesInTheWindowOnlyWithContext) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PacketsOrderTest

@@ -7,7 +7,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::PacketsWindowTest {
 namespace {
 
 constexpr std::uint32_t kBegin = 1'710'928'800;  // 2024-03-20T10:00:00
@@ -193,4 +193,4 @@ TEST(PacketsWindow, ThatEndsBeforeItBeginsIsWrongUsage) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PacketsWindowTest

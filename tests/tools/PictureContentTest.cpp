@@ -12,7 +12,7 @@
 #include "tools/render/PictureChannels.hpp"
 #include "tools/render/PictureLanes.hpp"
 
-namespace TalTest {
+namespace TalTest::PictureContentTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -122,4 +122,4 @@ TEST(PictureLanes, HaveShortTexts) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PictureContentTest

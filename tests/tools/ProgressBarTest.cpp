@@ -10,7 +10,7 @@
 #include "tools/output/ProgressBar.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::ProgressBarTest {
 namespace {
 
 using namespace TalTest;
@@ -176,4 +176,4 @@ TEST(Progress, IsNotShownWhenItIsNotWanted) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::ProgressBarTest

@@ -5,6 +5,7 @@
 #include "tools/record/QualityBits.hpp"
 #include "tools/render/QualityText.hpp"
 
+namespace TalTest::QualityBitsTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -28,3 +29,4 @@ TEST(QualityBits, AreAllThatAWordCanSay) {
 }
 
 }  // namespace
+}  // namespace TalTest::QualityBitsTest

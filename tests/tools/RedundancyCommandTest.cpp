@@ -11,7 +11,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::RedundancyCommandTest {
 namespace {
 
 constexpr std::uint32_t kLansStart = 1'700'000'000;
@@ -140,4 +140,4 @@ TEST(Redundancy, TellsOfFilesThatCannotBeRead) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RedundancyCommandTest

@@ -23,7 +23,7 @@
 #include "tools/report/RetransmissionCurve.hpp"
 #include "tools/report/StatesSection.hpp"
 
-namespace TalTest {
+namespace TalTest::ReportCommandTest {
 namespace {
 
 class ReportCommand : public testing::Test {
@@ -319,4 +319,4 @@ TEST_F(ReportCommand, DrawsSmallStatesAfterThoseThatHaveNoRoom) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReportCommandTest

@@ -6,11 +6,12 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::SameEverywhereTest {
 namespace {
 
 std::vector<Arguments> const kCommands = {{"streams"},
@@ -113,7 +114,7 @@ TEST(Output, HasTheStreamsInTheSameOrderWhateverTheOrderOfTheirPackets) {
 /// Runs a command whose standard output nobody reads any more after one line.
 ProcessResult cutShort(Arguments const& command) {
     return run(
-        joined({"/bin/sh", "-c", "{ \"$0\" \"$@\"; echo $? >&2; } | head -n 1", TAL_COMPANION_PATH},
+        joined({"/bin/sh", "-c", "{ \"$0\" \"$@\"; echo $? >&2; } | head -n 1", companionPath()},
                command));
 }
 
@@ -172,4 +173,4 @@ TEST(Progress, GoesOnWhilePacketsAreWrittenElsewhereThanToATerminal) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SameEverywhereTest

@@ -11,7 +11,7 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::SamplesFieldsTest {
 namespace {
 
 std::string const kSamplesCommonFields =
@@ -475,4 +475,4 @@ TEST(SamplesTable, SumsUp) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SamplesFieldsTest

@@ -6,11 +6,12 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::SamplesNotesTest {
 namespace {
 
 /// The notes about a capture, each without the name of the program and that of the file; quiet or
@@ -201,7 +202,7 @@ TEST(SamplesNotes, TellOfACaptureThatShrankSinceItWasIndexed) {
         run({"/bin/sh", "-c",
              "\"$0\" samples -q -f csv \"$1\" | { head -n 3 >/dev/null; truncate -s 100000 \"$1\"; "
              "cat >/dev/null; }",
-             TAL_COMPANION_PATH, path});
+             companionPath(), path});
     // Rows stop where the file does; a line tells so.
     EXPECT_TRUE(result.err.starts_with("tal-iec61850: " + path + ": ")) << result.err;
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
@@ -224,4 +225,4 @@ TEST(SamplesOutput, FailsWhereThereIsNoRoom) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SamplesNotesTest

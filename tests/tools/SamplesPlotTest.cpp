@@ -11,7 +11,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::SamplesPlotTest {
 namespace {
 
 using TalIec61850Tools::countColumns;
@@ -185,4 +185,4 @@ TEST(SamplesPlot, GoesIntoAFile) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SamplesPlotTest

@@ -8,7 +8,7 @@
 #include "tools/SampleTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::SamplesRowsTest {
 namespace {
 
 TEST(SamplesRows, AreTheAsdusOfEachFrame) {
@@ -316,4 +316,4 @@ TEST(SamplesOptions, AreRefusedInOneLine) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SamplesRowsTest

@@ -6,7 +6,7 @@
 #include "support/TempFile.hpp"
 #include "tools/SampleTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::SamplesSummaryTest {
 namespace {
 
 std::vector<Json> summariesOf(TempFile const& file, Arguments const& options = {}) {
@@ -112,4 +112,4 @@ TEST(SamplesSummary, TakesNoChoiceOfSamples) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SamplesSummaryTest

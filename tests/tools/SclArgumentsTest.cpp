@@ -9,7 +9,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/input/ReadDescriptions.hpp"
 
-namespace TalTest {
+namespace TalTest::SclArgumentsTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -170,4 +170,4 @@ TEST(Descriptions, ThatCannotBeReadAfterAllAreToldByName) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SclArgumentsTest

@@ -8,7 +8,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::SclCheckTest {
 namespace {
 
 int statusOf(SclFiles const& files, Arguments const& more = {}) {
@@ -385,4 +385,4 @@ TEST(SclCheckColours, AreThoseOfResults) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SclCheckTest

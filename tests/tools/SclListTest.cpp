@@ -13,7 +13,7 @@
 #include "tools/render/DiagnosticLayout.hpp"
 #include "tools/render/SubscriberLayout.hpp"
 
-namespace TalTest {
+namespace TalTest::SclListTest {
 namespace {
 
 using TalIec61850Tools::countColumns;
@@ -304,4 +304,4 @@ TEST(SclNames, ReachNoTerminal) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SclListTest

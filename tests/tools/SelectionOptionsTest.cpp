@@ -10,7 +10,7 @@
 #include "tools/options/UsageError.hpp"
 #include "tools/options/WindowOptions.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::SelectionOptionsTest {
 namespace {
 
 using Arguments = std::vector<std::string>;
@@ -164,4 +164,4 @@ TEST(WindowOptions, RefuseAWindowThatSurelyEndsBeforeItBegins) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::SelectionOptionsTest

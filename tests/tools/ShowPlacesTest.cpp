@@ -13,7 +13,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/options/PacketLocator.hpp"
 
-namespace TalTest {
+namespace TalTest::ShowPlacesTest {
 namespace {
 
 /// The packets of a file as `packets` writes them: FILE@POSITION.
@@ -209,4 +209,4 @@ TEST(PacketLocator, IsAFileAndANumberBehindTheLastAt) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ShowPlacesTest

@@ -12,7 +12,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::ShowSelectionTest {
 namespace {
 
 /// What both commands tell of a packet.
@@ -160,4 +160,4 @@ TEST(ShowSelection, OfWholeCapturesIsWhatIsListed) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ShowSelectionTest

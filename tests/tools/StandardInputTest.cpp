@@ -6,11 +6,12 @@
 
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
+#include "tools/CompanionProcess.hpp"
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::StandardInputTest {
 namespace {
 
 /// The rows with the names of their files left out.
@@ -82,7 +83,7 @@ TEST(StandardInput, BeginsWhereItStands) {
     auto const result = run({"/bin/sh", "-c",
                              "{ dd bs=7 count=1 status=none of=/dev/null; "
                              "exec \"$0\" streams -f json -; } < \"$1\"",
-                             TAL_COMPANION_PATH, file.path()});
+                             companionPath(), file.path()});
     EXPECT_EQ(result.err, "");
     TempFile const capture(smallCapture());
     EXPECT_EQ(jsonOf(result.out), streamsOf({capture.path()}));
@@ -115,7 +116,7 @@ TEST(StandardInput, ThatIsDamagedIsSaid) {
 TEST(StandardInput, ThatIsClosedOrHasNoRoomIsSaid) {
     TempFile const file(smallCapture());
     auto const closed = run({"/bin/sh", "-c", "exec \"$0\" streams -f json - \"$1\" <&-",
-                             TAL_COMPANION_PATH, file.path()});
+                             companionPath(), file.path()});
     EXPECT_EQ(closed.status, 2);
     EXPECT_EQ(closed.err, complaint("-: Bad file descriptor"));
     EXPECT_EQ(jsonOf(closed.out), streamsOf({file.path()}));
@@ -128,9 +129,9 @@ TEST(StandardInput, ThatIsClosedOrHasNoRoomIsSaid) {
 
 TEST(StandardInput, IsNotReadUnlessItIsGiven) {
     TempFile const file(smallCapture());
-    auto const result = run({"/bin/sh", "-c", "\"$0\" streams \"$1\" > /dev/null; cat",
-                             TAL_COMPANION_PATH, file.path()},
-                            {.inputPiped = text("untouched")});
+    auto const result = run(
+        {"/bin/sh", "-c", "\"$0\" streams \"$1\" > /dev/null; cat", companionPath(), file.path()},
+        {.inputPiped = text("untouched")});
     EXPECT_EQ(result.out, "untouched");
 }
 
@@ -146,7 +147,7 @@ TEST(OutputFile, IsNotMistakenForAStandardErrorThatIsClosed) {
     auto const file = folder.write("1.pcap", smallCapture());
     auto const result =
         run({"/bin/sh", "-c", "exec \"$0\" streams -f csv -o \"$1\" missing.pcap \"$2\" 2>&-",
-             TAL_COMPANION_PATH, folder.file("out"), file});
+             companionPath(), folder.file("out"), file});
     EXPECT_EQ(result.status, 2);
     auto const octets = readFile(folder.file("out"));
     EXPECT_TRUE(std::string(octets.begin(), octets.end()).starts_with("protocol,"));
@@ -168,4 +169,4 @@ TEST(StandardInput, LeavesNoCopyBehind) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StandardInputTest

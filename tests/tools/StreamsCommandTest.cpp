@@ -13,7 +13,7 @@
 #include "tools/CompanionProcess.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::StreamsCommandTest {
 namespace {
 
 using Json = nlohmann::json;
@@ -228,4 +228,4 @@ TEST(Streams, OfWholeCapturesAreAllThere) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StreamsCommandTest

@@ -7,7 +7,7 @@
 #include "tools/CompanionProcess.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::StreamsFailuresTest {
 namespace {
 
 using Arguments = std::vector<std::string>;
@@ -71,8 +71,7 @@ TEST(Streams, ReadFilesInTheWorkingFolderWhateverTheirNames) {
 
 /// Runs the program with about 100 MB of address space.
 ProcessResult runInLittleMemory(Arguments const& arguments) {
-    Arguments command = {"/bin/sh", "-c", "ulimit -v 100000 && exec \"$@\"", "sh",
-                         TAL_COMPANION_PATH};
+    Arguments command = {"/bin/sh", "-c", "ulimit -v 100000 && exec \"$@\"", "sh", companionPath()};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return run(command);
 }
@@ -131,4 +130,4 @@ TEST(StreamsOutput, GoesNowhereNearACaptureWhenItIsClosed) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StreamsFailuresTest

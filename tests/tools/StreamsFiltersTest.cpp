@@ -10,7 +10,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/MemberTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::StreamsFiltersTest {
 namespace {
 
 using Names = std::set<std::string>;
@@ -205,4 +205,4 @@ TEST(StreamsFilter, TakesNamesThatLookLikeSomethingElse) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StreamsFiltersTest

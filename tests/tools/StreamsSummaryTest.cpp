@@ -11,7 +11,7 @@
 #include "tools/MemberTraffic.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::StreamsSummaryTest {
 namespace {
 
 /// Streams that each key of the order puts into another row.
@@ -114,4 +114,4 @@ TEST(StreamsSummary, IsForPeopleWhoWantIt) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StreamsSummaryTest

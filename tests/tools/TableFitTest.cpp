@@ -12,7 +12,7 @@
 #include "tools/output/TableLines.hpp"
 #include "tools/output/TextEscape.hpp"
 
-namespace TalTest {
+namespace TalTest::TableFitTest {
 namespace {
 
 using TalIec61850Tools::Align;
@@ -244,4 +244,4 @@ TEST(ChosenColumns, ThatDoNotExistAreRefusedWithWhatMayBeMeant) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::TableFitTest

@@ -5,7 +5,7 @@
 #include "tools/StreamsTraffic.hpp"
 #include "tools/output/TableLines.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::TableLinesTest {
 namespace {
 
 constexpr std::size_t kHeld = TableLines::kRowsForWidths;
@@ -78,4 +78,4 @@ TEST(Table, CountsCharactersNotOctets) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::TableLinesTest

@@ -2,7 +2,7 @@
 
 #include "tools/output/TextEscape.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::TextEscapeTest {
 namespace {
 
 using namespace std::string_literals;
@@ -85,4 +85,4 @@ TEST(KeepEnd, CutsBetweenCharacters) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::TextEscapeTest

@@ -9,7 +9,7 @@
 #include "tools/options/TimeBound.hpp"
 #include "tools/render/UtcText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::TimeWindowTest {
 namespace {
 
 using std::chrono::nanoseconds;
@@ -265,4 +265,4 @@ RC_GTEST_PROP(AnyTimeBound, IsWithinTheYearsOrRefused, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::TimeWindowTest

@@ -10,7 +10,7 @@
 #include "support/TempFile.hpp"
 #include "tools/output/UnfinishedFile.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::UnfinishedFileTest {
 namespace {
 
 namespace fs = std::filesystem;
@@ -189,4 +189,4 @@ TEST(UnfinishedFile, LeavesAnIgnoredSignalIgnored) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::UnfinishedFileTest

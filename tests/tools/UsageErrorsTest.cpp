@@ -6,7 +6,7 @@
 #include "tools/CompanionRows.hpp"
 #include "tools/StreamsTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::UsageErrorsTest {
 namespace {
 
 std::vector<Arguments> const kCommands = {
@@ -147,4 +147,4 @@ TEST(FileArguments, MayBeCalledLikeCommands) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::UsageErrorsTest

@@ -6,7 +6,7 @@
 #include "tools/output/RowWriter.hpp"
 #include "tools/render/StreamLayout.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::WritersTest {
 namespace {
 
 using Rows = std::vector<StreamRow>;
@@ -189,4 +189,4 @@ TEST(StreamCsv, MakesOneLineOfEveryRowWhateverItsNames) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::WritersTest

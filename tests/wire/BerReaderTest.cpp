@@ -10,9 +10,9 @@
 #include "support/Ber.hpp"
 #include "support/Bytes.hpp"
 
+namespace TalTest::BerReaderTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::wire::BerElement;
 using TalIec61850Parser::wire::BerForm;
 using TalIec61850Parser::wire::BerHeader;
@@ -117,3 +117,4 @@ TEST(BerHeader, AgreesWithReadElementWhereBothReadAnElement) {
 }
 
 }  // namespace
+}  // namespace TalTest::BerReaderTest

@@ -21,7 +21,7 @@
 
 #include "support/Bytes.hpp"
 
-namespace TalTest {
+namespace TalTest::BlockReaderTest {
 namespace {
 
 using TalIec61850Parser::wire::BlockReader;
@@ -335,4 +335,4 @@ TEST(BlockReadingHere, StartsNoThread) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::BlockReaderTest

@@ -9,9 +9,9 @@
 
 #include "support/Bytes.hpp"
 
+namespace TalTest::CaptureFormatTest {
 namespace {
 
-using namespace TalTest;
 namespace wire = TalIec61850Parser::wire;
 
 std::string kindOf(Bytes const& start) {
@@ -69,3 +69,4 @@ TEST(RecordHeader, ScalesMicrosecondsInThirtyTwoBits) {
 }
 
 }  // namespace
+}  // namespace TalTest::CaptureFormatTest

@@ -11,9 +11,9 @@
 
 #include "support/Bytes.hpp"
 
+namespace TalTest::LinkLayerTest {
 namespace {
 
-using namespace TalTest;
 namespace wire = TalIec61850Parser::wire;
 
 Bytes addresses() {
@@ -126,3 +126,4 @@ TEST(Hex, IsLowerCaseWithAndWithoutColons) {
 }
 
 }  // namespace
+}  // namespace TalTest::LinkLayerTest

@@ -10,9 +10,9 @@
 
 #include "support/Bytes.hpp"
 
+namespace TalTest::ShortLengthTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::wire::furtherLengthOctets;
 using TalIec61850Parser::wire::readShortLength;
 
@@ -55,3 +55,4 @@ TEST(ShortLength, IsNoneWhereItsOctetsAreMissing) {
 }
 
 }  // namespace
+}  // namespace TalTest::ShortLengthTest

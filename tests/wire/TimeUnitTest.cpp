@@ -10,6 +10,7 @@
 
 #include "index/RandomPicks.hpp"
 
+namespace TalTest::TimeUnitTest {
 namespace {
 
 using TalIec61850Parser::wire::TimeUnit;
@@ -96,3 +97,4 @@ RC_GTEST_PROP(AnyTimeUnit, TellsWhatLongDivisionTells, ()) {
 }
 
 }  // namespace
+}  // namespace TalTest::TimeUnitTest

@@ -14,7 +14,7 @@
 #include "support/ComtradeReader.hpp"
 #include "support/DecimalComma.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeConfigurationTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -245,4 +245,4 @@ TEST(ComtradeConfigurations, AreNotMadeOfRecordsThatCannotBeWritten) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeConfigurationTest

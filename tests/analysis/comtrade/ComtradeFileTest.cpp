@@ -14,7 +14,7 @@
 #include "support/Bytes.hpp"
 #include "support/ComtradeReader.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeFileTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -106,4 +106,4 @@ TEST(ComtradeTextFiles, HaveNoControlCharacters) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeFileTest

@@ -10,7 +10,7 @@
 
 #include "analysis/comtrade/EncodedComtrade.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeLimitTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -125,4 +125,4 @@ TEST(ComtradeLimits, AreTheTimeQualityCodes) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeLimitTest

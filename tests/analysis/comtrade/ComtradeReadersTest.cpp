@@ -14,7 +14,7 @@
 #include "support/Bytes.hpp"
 #include "support/ComtradeReader.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeReadersTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -109,4 +109,4 @@ TEST(ComtradeLayouts, CountInNanosecondsOnlyWhereTheStartDoes) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeReadersTest

@@ -18,7 +18,7 @@
 #include "support/Bytes.hpp"
 #include "support/WatchedHeap.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeRowsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -401,4 +401,4 @@ TEST(ComtradeRows, LetThroughWhatTheirTakerThrows) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeRowsTest

@@ -10,7 +10,7 @@
 
 #include "analysis/comtrade/EncodedComtrade.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeStampsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -128,4 +128,4 @@ TEST(ComtradeStamps, InTextAreMultipliedForTheLongestRecordToo) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeStampsTest

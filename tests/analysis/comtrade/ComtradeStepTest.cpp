@@ -14,7 +14,7 @@
 
 #include "analysis/comtrade/EncodedComtrade.hpp"
 
-namespace TalTest {
+namespace TalTest::ComtradeStepTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -149,4 +149,4 @@ RC_GTEST_PROP(ComtradeSteps, KeepRealsWithinHalfAStep, (std::vector<double> samp
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ComtradeStepTest

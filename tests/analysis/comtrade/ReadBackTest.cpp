@@ -20,7 +20,7 @@
 #include "support/Bytes.hpp"
 #include "support/ComtradeReader.hpp"
 
-namespace TalTest {
+namespace TalTest::ReadBackTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -148,4 +148,4 @@ RC_GTEST_PROP(ComtradeRecords, ReadBackFromOneFile, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ReadBackTest

@@ -11,7 +11,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalTest {
+namespace TalTest::EventCapturesTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -170,4 +170,4 @@ TEST(EventsOfCaptures, EndForAllOfTheProjectsOwn) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EventCapturesTest

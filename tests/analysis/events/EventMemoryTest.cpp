@@ -8,7 +8,7 @@
 #include "support/TempFile.hpp"
 #include "support/WatchedHeap.hpp"
 
-namespace TalTest {
+namespace TalTest::EventMemoryTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -40,4 +40,4 @@ TEST(EventMemory, IsGivenBack) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EventMemoryTest

@@ -8,7 +8,7 @@
 #include "analysis/events/EventsIn.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::EventPropertyTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -193,4 +193,4 @@ RC_GTEST_PROP(EventProperty, AnyCountersAndTimesEnd, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EventPropertyTest

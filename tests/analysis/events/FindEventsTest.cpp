@@ -12,7 +12,7 @@
 #include "support/Data.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::FindEventsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -428,4 +428,4 @@ TEST(FindEvents, FindsNoneInWhatIsNoGoose) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FindEventsTest

@@ -7,7 +7,7 @@
 #include "analysis/events/EventsIn.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::MemberChangesTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -147,4 +147,4 @@ TEST(MemberChanges, TellWhereAValueIsInTheFrame) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MemberChangesTest

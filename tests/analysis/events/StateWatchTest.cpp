@@ -5,7 +5,7 @@
 #include <TalIec61850Analysis/events/GooseEvent.hpp>
 #include <TalIec61850Analysis/events/StateWatch.hpp>
 
-namespace TalTest {
+namespace TalTest::StateWatchTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -230,4 +230,4 @@ TEST(StateWatch, CountsMessagesWithoutATime) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StateWatchTest

@@ -8,7 +8,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::CaptureCheckTest {
 namespace {
 
 using TalTest::Bytes;
@@ -101,4 +101,4 @@ TEST(CheckCapture, TellsFilesApartWhateverTheirPaths) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::CaptureCheckTest

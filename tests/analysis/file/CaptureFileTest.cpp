@@ -20,7 +20,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::CaptureFileTest {
 namespace {
 
 using TalTest::below;
@@ -336,4 +336,4 @@ TEST(CaptureFile, CanBeMovedWhileItIsRead) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::CaptureFileTest

@@ -12,7 +12,7 @@
 #include "index/Indexing.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::DamagedBlocksTest {
 namespace {
 
 using TalTest::Bytes;
@@ -383,4 +383,4 @@ TEST(DamagedBlocks, WithAnyOctetChangedHoldWhatTheyTell) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::DamagedBlocksTest

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::DescriptorTest {
 namespace {
 
 Descriptor openNull() { return Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC)); }
@@ -59,4 +59,4 @@ TEST(Descriptor, StaysOpenWhenItIsMovedToItself) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::DescriptorTest

@@ -20,7 +20,7 @@
 #include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::GrowingCaptureTest {
 namespace {
 
 using TalTest::below;
@@ -154,4 +154,4 @@ RC_GTEST_PROP(GrowingCaptures, AreReadAsAtOnce, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::GrowingCaptureTest

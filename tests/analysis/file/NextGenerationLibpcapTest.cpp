@@ -23,7 +23,7 @@
 #include "support/OwnCaptures.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::NextGenerationLibpcapTest {
 namespace {
 
 using TalTest::Bytes;
@@ -457,4 +457,4 @@ RC_GTEST_PROP(NextGenerationLibpcap, ReadsTheSameOfAnyCaptureThatEndsAnywhere, (
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::NextGenerationLibpcapTest

@@ -13,7 +13,7 @@
 #include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::NextGenerationTest {
 namespace {
 
 using TalTest::Bytes;
@@ -339,4 +339,4 @@ TEST(NextGeneration, WithoutPacketsIsWhole) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::NextGenerationTest

@@ -20,7 +20,7 @@
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::NextGenerationTsharkTest {
 namespace {
 
 using TalTest::Bytes;
@@ -153,4 +153,4 @@ TEST(NextGenerationTshark, TellsTheSameOfWholeCaptures) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::NextGenerationTsharkTest

@@ -15,7 +15,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::PacketFramesTest {
 namespace {
 
 using TalTest::below;
@@ -110,4 +110,4 @@ TEST(PacketFrames, KeepTheFileOpenWhileItIsNotClosed) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::PacketFramesTest

@@ -18,7 +18,7 @@
 #include "support/OwnCaptures.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::ReadModeTest {
 namespace {
 
 using TalTest::Bytes;
@@ -112,4 +112,4 @@ TEST(ReadMode, AheadAllowsToMoveSeekAndStopAnywhere) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::ReadModeTest

@@ -20,7 +20,7 @@
 #include "support/OwnCaptures.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::RecordAtTest {
 namespace {
 
 using TalTest::below;
@@ -309,4 +309,4 @@ RC_GTEST_PROP(AnyRecordAt, IsThatOfTheWalk, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::RecordAtTest

@@ -11,7 +11,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::RecordMapTest {
 namespace {
 
 using TalTest::below;
@@ -115,4 +115,4 @@ TEST(RecordMap, OfRecordedAndOwnCapturesFindsEveryRecord) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::RecordMapTest

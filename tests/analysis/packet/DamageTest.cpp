@@ -14,7 +14,7 @@
 #include "tools/render/PacketJson.hpp"
 #include "tools/render/PacketText.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::DamageTest {
 namespace {
 
 constexpr std::size_t kPrpTrailerSize = 6;
@@ -301,4 +301,4 @@ RC_GTEST_PROP(AnyOctets, InUnknownElementsAreAllKept, (std::vector<Bytes> const&
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::DamageTest

@@ -13,7 +13,7 @@
 #include "tools/render/DataText.hpp"
 #include "tools/render/ValueText.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::DataValueTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -252,4 +252,4 @@ TEST(DataValues, AsTextTakeOneLine) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::DataValueTest

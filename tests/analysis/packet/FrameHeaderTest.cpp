@@ -12,7 +12,7 @@
 #include "support/Goose.hpp"
 #include "tools/render/ValueText.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::FrameHeaderTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -245,4 +245,4 @@ TEST(FrameHeaders, HaveNoTrailerWithinThePdu) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::FrameHeaderTest

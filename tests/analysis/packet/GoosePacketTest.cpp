@@ -7,7 +7,7 @@
 #include "support/Data.hpp"
 #include "support/Goose.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::GoosePacketTest {
 namespace {
 
 using namespace TalTest;
@@ -229,4 +229,4 @@ TEST(GoosePackets, HaveNoMoreThanSoManyOctets) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::GoosePacketTest

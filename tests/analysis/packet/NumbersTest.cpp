@@ -10,7 +10,7 @@
 #include "support/Ber.hpp"
 #include "support/Bytes.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::NumbersTest {
 namespace {
 
 using TalTest::Bytes;
@@ -88,4 +88,4 @@ TEST(NumbersWithoutASign, AreAllTheirOctets) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::NumbersTest

@@ -25,7 +25,7 @@
 #include "support/Process.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::PacketTsharkTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -356,4 +356,4 @@ TEST_F(MadeFrames, HaveAnUnsignedSynchronisationThatTsharkShowsWithASign) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PacketTsharkTest

@@ -9,7 +9,7 @@
 #include "tools/render/QualityText.hpp"
 #include "tools/render/ValueText.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::QualityTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -105,4 +105,4 @@ TEST(SampleQualities, CountBitsFromTheLowest) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::QualityTest

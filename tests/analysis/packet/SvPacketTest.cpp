@@ -12,7 +12,7 @@
 #include "tools/render/QualityText.hpp"
 #include "tools/render/ValueText.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SvPacketTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -248,4 +248,4 @@ TEST(SvPackets, HaveTheirAsdusAlsoBehindASavPduThatIsTooShort) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SvPacketTest

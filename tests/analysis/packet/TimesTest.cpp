@@ -8,7 +8,7 @@
 #include "support/Data.hpp"
 #include "tools/render/ValueText.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::TimesTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -99,4 +99,4 @@ TEST(BinaryTimes, OfMoreThanADayAreCarriedOver) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::TimesTest

@@ -13,7 +13,7 @@
 #include "support/Data.hpp"
 #include "support/WatchedHeap.hpp"
 
-namespace TalTest {
+namespace TalTest::ViewAllocationTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -110,4 +110,4 @@ TEST(ViewAllocations, AreNotMadeForADamagedFrame) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::ViewAllocationTest

@@ -17,7 +17,7 @@
 #include "support/Ber.hpp"
 #include "support/Data.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::ViewTest {
 namespace {
 
 using namespace TalTest;
@@ -268,4 +268,4 @@ TEST(ViewFaults, OfARepeatedFieldAreAtTheSecond) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::ViewTest

@@ -9,7 +9,7 @@
 #include "analysis/pictures/AnalyticWave.hpp"
 #include "analysis/pictures/SampleBlocks.hpp"
 
-namespace TalTest {
+namespace TalTest::CycleTrackTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -109,4 +109,4 @@ TEST(CycleTrack, HasNothingWithoutARate) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CycleTrackTest

@@ -12,7 +12,7 @@
 
 #include "analysis/pictures/SampleBlocks.hpp"
 
-namespace TalTest {
+namespace TalTest::EnvelopePropertyTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -159,4 +159,4 @@ RC_GTEST_PROP(EnvelopeProperty, LevelsAgree, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EnvelopePropertyTest

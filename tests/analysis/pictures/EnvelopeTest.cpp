@@ -10,7 +10,7 @@
 
 #include "analysis/pictures/SampleBlocks.hpp"
 
-namespace TalTest {
+namespace TalTest::EnvelopeTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -314,4 +314,4 @@ TEST(Envelope, ChoosesALevelByTheWidthOfAPixel) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::EnvelopeTest

@@ -9,7 +9,7 @@
 
 #include "analysis/pictures/AnalyticWave.hpp"
 
-namespace TalTest {
+namespace TalTest::FindFrequencyTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -92,4 +92,4 @@ RC_GTEST_PROP(FindFrequency, EndsForAnyValues, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FindFrequencyTest

@@ -6,7 +6,7 @@
 #include <TalIec61850Analysis/pictures/JoinShortSpans.hpp>
 #include <limits>
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::JoinShortSpansTest {
 namespace {
 
 struct TestSpan {
@@ -97,4 +97,4 @@ RC_GTEST_PROP(JoinShortSpans, KeepsAllOfThemInTheirOrder, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::JoinShortSpansTest

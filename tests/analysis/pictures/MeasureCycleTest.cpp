@@ -11,7 +11,7 @@
 
 #include "analysis/pictures/AnalyticWave.hpp"
 
-namespace TalTest {
+namespace TalTest::MeasureCycleTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -345,4 +345,4 @@ RC_GTEST_PROP(MeasureCycle, IsExactForAnyPureWave, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MeasureCycleTest

@@ -13,7 +13,7 @@
 #include "support/FaultyStation.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::MemberLanesTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -399,4 +399,4 @@ RC_GTEST_PROP(MemberLanesProperty, AnyCountersAndTimesGiveOrderedLanes, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MemberLanesTest

@@ -6,7 +6,7 @@
 #include <limits>
 #include <numbers>
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::PhasorTest {
 namespace {
 
 constexpr double kHalfTurn = std::numbers::pi;
@@ -38,4 +38,4 @@ TEST(Phasor, TellsAnglesAgainstFullSeconds) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::PhasorTest

@@ -13,7 +13,7 @@
 #include "analysis/samples/ReadRows.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalTest {
+namespace TalTest::PictureCapturesTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -230,4 +230,4 @@ RC_GTEST_PROP(StreamPictureProperty, AnyWindowHasTheColumnsOfItsRows, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PictureCapturesTest

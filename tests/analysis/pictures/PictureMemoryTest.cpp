@@ -8,7 +8,7 @@
 #include "analysis/pictures/SampleBlocks.hpp"
 #include "support/WatchedHeap.hpp"
 
-namespace TalTest {
+namespace TalTest::PictureMemoryTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -79,4 +79,4 @@ TEST(PictureMemory, IsNotTakenByBlocksOfTheSameColumns) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PictureMemoryTest

@@ -15,7 +15,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalTest {
+namespace TalTest::RecordedPicturesTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -100,4 +100,4 @@ TEST(RecordedPictures, HaveAThreePhaseSystem) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RecordedPicturesTest

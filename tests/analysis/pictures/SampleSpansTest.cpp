@@ -8,7 +8,7 @@
 
 #include "analysis/pictures/SampleBlocks.hpp"
 
-namespace TalTest {
+namespace TalTest::SampleSpansTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -159,4 +159,4 @@ RC_GTEST_PROP(SampleSpans, AreBoundedAndCountAllSamples, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SampleSpansTest

@@ -8,7 +8,7 @@
 
 #include "analysis/pictures/SampleBlocks.hpp"
 
-namespace TalTest {
+namespace TalTest::WaveformTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -103,4 +103,4 @@ TEST(WaveformBuilder, ForgetsTheFirstRows) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::WaveformTest

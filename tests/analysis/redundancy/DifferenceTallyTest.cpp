@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::DifferenceTallyTest {
 namespace {
 
 TimeDifferences sorted(std::vector<std::int64_t> values) {
@@ -75,4 +75,4 @@ TEST(DifferenceTally, TakesAnyValue) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::DifferenceTallyTest

@@ -8,7 +8,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/SampledValues.hpp"
 
-namespace TalTest {
+namespace TalTest::InvalidTrailersTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -94,4 +94,4 @@ TEST(InvalidTrailers, MayHavePaddingAfterThem) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::InvalidTrailersTest

@@ -7,7 +7,7 @@
 
 #include "analysis/redundancy/RedundantTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::PairCopiesTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -285,4 +285,4 @@ TEST(PairCopies, DoesNotPairARingWithAParallelNetwork) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PairCopiesTest

@@ -11,7 +11,7 @@
 #include "support/SampledValues.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::PairingInputTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -149,4 +149,4 @@ TEST(PairingInput, StopsWhenAskedTo) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PairingInputTest

@@ -7,7 +7,7 @@
 
 #include "analysis/redundancy/RedundantTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::PairingPropertyTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -107,4 +107,4 @@ RC_GTEST_PROP(PairingProperty, AnythingIsCountedOnce, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::PairingPropertyTest

@@ -16,7 +16,7 @@
 #include "support/OwnCaptures.hpp"
 #include "support/Process.hpp"
 
-namespace TalTest {
+namespace TalTest::RecordedRedundancyTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -143,4 +143,4 @@ TEST(RecordedRedundancy, IsNoneWithoutTagsOfGooseOrSv) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RecordedRedundancyTest

@@ -7,7 +7,7 @@
 
 #include "analysis/redundancy/RedundantTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::TapClocksTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -177,4 +177,4 @@ TEST(Taps, OfOneCaptureThatOverlapCountEachFrameOnce) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::TapClocksTest

@@ -12,7 +12,7 @@
 #include "support/SampledValues.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::ArrivalResidualsTest {
 namespace {
 
 using namespace TalTest;
@@ -174,4 +174,4 @@ TEST(Residuals, AreNoneWhereNothingHasATime) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::ArrivalResidualsTest

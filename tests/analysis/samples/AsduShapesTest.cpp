@@ -9,7 +9,7 @@
 #include "support/Data.hpp"
 #include "support/SampledValues.hpp"
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::AsduShapesTest {
 namespace {
 
 using namespace TalTest;
@@ -175,4 +175,4 @@ TEST(AsduShape, IsNotLearntWithoutEnd) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::AsduShapesTest

@@ -20,7 +20,7 @@
 #include "support/WatchedHeap.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::BadSamplesTest {
 namespace {
 
 using namespace TalTest;
@@ -553,4 +553,4 @@ TEST(SampleMemory, IsNotTakenForEachSample) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::BadSamplesTest

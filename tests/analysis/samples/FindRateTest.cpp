@@ -9,7 +9,7 @@
 #include "analysis/samples/ReadRows.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::FindRateTest {
 namespace {
 
 using namespace TalTest;
@@ -290,4 +290,4 @@ TEST(FoundRates, AreMeasuredByWhatWasNotLost) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::FindRateTest

@@ -11,7 +11,7 @@
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::PacketCourseTest {
 namespace {
 
 using namespace TalTest;
@@ -98,4 +98,4 @@ TEST(PacketCourses, GoOnFromACopy) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::PacketCourseTest

@@ -19,7 +19,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SampleCapturesTest {
 namespace {
 
 using namespace TalTest;
@@ -292,4 +292,4 @@ TEST(SamplesOfCaptures, AreThoseThatTsharkTells) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SampleCapturesTest

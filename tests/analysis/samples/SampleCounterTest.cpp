@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::SampleCounterTest {
 namespace {
 
 /// 4000 a second.
@@ -211,4 +211,4 @@ TEST(SampleCounterWalk, HasAnyWrap) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::SampleCounterTest

@@ -15,7 +15,7 @@
 #include "support/Bytes.hpp"
 #include "support/Data.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SampleLayoutTest {
 namespace {
 
 using namespace TalTest;
@@ -285,4 +285,4 @@ TEST(InferredLayout, OfSizesThatNoneHasIsNone) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SampleLayoutTest

@@ -16,7 +16,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SamplePropertyTest {
 namespace {
 
 using namespace TalTest;
@@ -230,4 +230,4 @@ RC_GTEST_PROP(SamplesOfARandomWalk, InAWindowAreThoseOfIt, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SamplePropertyTest

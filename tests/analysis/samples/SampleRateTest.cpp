@@ -6,7 +6,7 @@
 #include <TalIec61850Analysis/samples/SampleRate.hpp>
 #include <cstdint>
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SampleRateTest {
 namespace {
 
 __extension__ typedef __int128 Wide;
@@ -51,4 +51,4 @@ TEST(SampleRateTimes, HoldTheLargestRateAndUnit) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SampleRateTest

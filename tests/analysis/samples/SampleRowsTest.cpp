@@ -10,7 +10,7 @@
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SampleRowsTest {
 namespace {
 
 using namespace TalTest;
@@ -413,4 +413,4 @@ TEST(SampleRows, OfAWindowGoByTheTimeOfTheSampleAndItsEndIsExcluded) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SampleRowsTest

@@ -14,7 +14,7 @@
 #include "support/OctetsRead.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SamplesTogetherTest {
 namespace {
 
 using namespace TalTest;
@@ -108,4 +108,4 @@ TEST(SamplesTogether, ReadTheCaptureOnce) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SamplesTogetherTest

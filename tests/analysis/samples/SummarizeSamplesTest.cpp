@@ -10,7 +10,7 @@
 #include "analysis/samples/ReadRows.hpp"
 #include "support/WaveformStream.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SummarizeSamplesTest {
 namespace {
 
 using namespace TalTest;
@@ -125,4 +125,4 @@ TEST(SampleSummaries, HaveTheResidualsOfArrival) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SummarizeSamplesTest

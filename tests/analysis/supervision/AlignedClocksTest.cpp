@@ -12,7 +12,7 @@
 #include "support/PcapngMaker.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::AlignedClocksTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -205,4 +205,4 @@ TEST(AlignedTaps, OfStreamsWithoutCopiesAreOfOneClock) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::AlignedClocksTest

@@ -8,7 +8,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/Station.hpp"
 
-namespace TalTest {
+namespace TalTest::CaptureFaultsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -290,4 +290,4 @@ TEST(CaptureFaults, HandsOnNothingAfterAStop) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CaptureFaultsTest

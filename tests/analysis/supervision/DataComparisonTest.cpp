@@ -5,7 +5,7 @@
 #include "support/Bytes.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::DataComparisonTest {
 namespace {
 
 using namespace TalIec61850Analysis::detail;
@@ -89,4 +89,4 @@ TEST(DataComparison, EndsWithDeepNesting) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::DataComparisonTest

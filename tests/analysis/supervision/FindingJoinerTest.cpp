@@ -2,7 +2,7 @@
 
 #include <TalIec61850Analysis/supervision/FindingJoiner.hpp>
 
-namespace TalTest {
+namespace TalTest::FindingJoinerTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -68,4 +68,4 @@ TEST(FindingJoiner, GivesFindingsInTheOrderOfTime) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FindingJoinerTest

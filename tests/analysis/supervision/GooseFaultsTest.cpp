@@ -5,7 +5,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::GooseFaultsTest {
 namespace {
 
 constexpr std::int64_t kMillisecond = 1'000'000;
@@ -442,4 +442,4 @@ TEST(GooseFaults, SaysNothingOfALastMessageThatMayBeARestart) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::GooseFaultsTest

@@ -18,7 +18,7 @@
 #include "support/GrowingFile.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::LiveSupervisionTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -354,4 +354,4 @@ TEST(LiveSupervision, LeavesOutAFileThatVanishesWhileItIsAdded) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::LiveSupervisionTest

@@ -9,7 +9,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalTest {
+namespace TalTest::LossCauseTest {
 namespace {
 
 constexpr std::int64_t kMillisecond = 1'000'000;
@@ -546,4 +546,4 @@ TEST(LossCause, IsAPauseOfTheCaptureWhereItsCountsSaySo) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::LossCauseTest

@@ -19,7 +19,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/Captures.hpp"
 
-namespace TalTest {
+namespace TalTest::RecordedFindingsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -151,4 +151,4 @@ TEST(RecordedFindings, HaveARowForEachCapture) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RecordedFindingsTest

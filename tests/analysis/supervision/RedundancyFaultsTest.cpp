@@ -8,7 +8,7 @@
 
 #include "analysis/supervision/FoundIn.hpp"
 
-namespace TalTest {
+namespace TalTest::RedundancyFaultsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -142,4 +142,4 @@ TEST(RedundancyFaults, AreJoinedWhereTheyAreMany) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RedundancyFaultsTest

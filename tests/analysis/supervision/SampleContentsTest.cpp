@@ -5,7 +5,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::SampleContentsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -189,4 +189,4 @@ TEST(SampleContents, MakesAFloodOfQualitiesOne) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SampleContentsTest

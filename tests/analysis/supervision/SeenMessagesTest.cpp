@@ -2,7 +2,7 @@
 
 #include <TalIec61850Analysis/supervision/SeenMessages.hpp>
 
-namespace TalTest {
+namespace TalTest::SeenMessagesTest {
 namespace {
 
 using namespace TalIec61850Analysis::detail;
@@ -37,4 +37,4 @@ TEST(SeenMessages, TakesWhatItForgotForSeen) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SeenMessagesTest

@@ -5,7 +5,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::StreamSummaryTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -258,4 +258,4 @@ TEST(StreamSummaries, AreTheSameInOneFileAndInMany) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::StreamSummaryTest

@@ -8,7 +8,7 @@
 #include "analysis/supervision/FoundIn.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::SupervisionOptionsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -86,7 +86,7 @@ TEST(WatchedStreams, MayBeNone) {
 TEST(Supervision, TellsThatACaptureCannotBeReadAgain) {
     auto station = wideStation();
     std::optional<TempFile> file(station.captures().front());
-    TrafficIndex const index = indexCapture(file->path());
+    TrafficIndex const index = TalIec61850Analysis::indexCapture(file->path());
     file.reset();
     for (std::size_t const jobs : {1U, 4U}) {
         SupervisionOptions const options{.jobs = jobs};
@@ -95,4 +95,4 @@ TEST(Supervision, TellsThatACaptureCannotBeReadAgain) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SupervisionOptionsTest

@@ -5,7 +5,7 @@
 
 #include "analysis/supervision/FoundIn.hpp"
 
-namespace TalTest {
+namespace TalTest::SupervisionPropertyTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -159,4 +159,4 @@ RC_GTEST_PROP(SupervisionProperty, AnyCountersAndTimesEnd, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SupervisionPropertyTest

@@ -10,7 +10,7 @@
 #include "support/Bytes.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::SupervisorInputTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -123,4 +123,4 @@ RC_GTEST_PROP(SupervisorInput, AnyMessagesEnd, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SupervisorInputTest

@@ -4,7 +4,7 @@
 
 #include "analysis/supervision/FoundIn.hpp"
 
-namespace TalTest {
+namespace TalTest::SvFaultsTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -339,4 +339,4 @@ TEST(SvFaults, TellsNoSilenceWhereNothingWasCaptured) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SvFaultsTest

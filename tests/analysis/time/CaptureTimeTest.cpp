@@ -3,7 +3,7 @@
 #include <TalIec61850Analysis/time/CaptureTime.hpp>
 #include <limits>
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::CaptureTimeTest {
 namespace {
 
 using std::chrono::nanoseconds;
@@ -49,4 +49,4 @@ TEST(CaptureTime, HasATimeAfterItUnlessItIsTheLast) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::CaptureTimeTest

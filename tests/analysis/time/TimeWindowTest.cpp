@@ -2,7 +2,7 @@
 
 #include <TalIec61850Analysis/time/TimeWindow.hpp>
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::TimeWindowTest {
 namespace {
 
 constexpr CaptureTime at(std::int64_t nanoseconds) { return captureTimeOf(nanoseconds); }
@@ -35,4 +35,4 @@ TEST(TimeWindow, ThatEndsBeforeItStartsContainsNothing) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::TimeWindowTest

@@ -13,7 +13,7 @@
 
 #include "support/Bytes.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::AttributeHashTest {
 namespace {
 
 using detail::AttributeTable;
@@ -89,4 +89,4 @@ TEST(JoinedHash, DependsOnTheOrderAndOnEveryBit) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::AttributeHashTest

@@ -11,7 +11,7 @@
 #include "support/OctetsRead.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalIec61850Analysis::detail {
+namespace TalIec61850Analysis::detail::CaptureWindowTest {
 namespace {
 
 using namespace TalTest;
@@ -69,4 +69,4 @@ TEST(CaptureWindows, HaveAllThatIsAskedFor) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis::detail
+}  // namespace TalIec61850Analysis::detail::CaptureWindowTest

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::ColumnsWriterTest {
 namespace {
 
 using detail::ColumnsWriter;
@@ -199,4 +199,4 @@ TEST(ColumnsWriter, TakesNoRoomForWhatAHugeFileMayHoldYet) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::ColumnsWriterTest

@@ -13,7 +13,7 @@
 #include "index/Indexing.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::CutCapturesTest {
 namespace {
 
 using namespace TalTest;
@@ -112,4 +112,4 @@ TEST(CutNextGenerationCaptures, HaveNoStreamAndNoPacketThatTheWholeOneDoesNotHav
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::CutCapturesTest

@@ -14,7 +14,7 @@
 #include "support/OwnCaptures.hpp"
 #include "support/PcapngMaker.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::FormatsTest {
 namespace {
 
 using namespace TalTest;
@@ -104,4 +104,4 @@ TEST(TrafficWithoutTimes, HasPacketsThatAreInNoWindow) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::FormatsTest

@@ -17,7 +17,7 @@
 #include "support/TempFile.hpp"
 #include "support/WatchedHeap.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::IndexGrowthTest {
 namespace {
 
 using namespace TalTest;
@@ -172,4 +172,4 @@ TEST(IndexGrowth, IsLinearInAttributesThatAreNeverTheSame) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::IndexGrowthTest

@@ -4,7 +4,7 @@
 
 #include <TalIec61850Analysis/traffic/MessageOrder.hpp>
 
-namespace TalTest {
+namespace TalTest::MessageOrderTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -83,4 +83,4 @@ TEST(MessageOrder, TellsWhenAMessageExpires) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MessageOrderTest

@@ -14,7 +14,7 @@
 #include "support/Ber.hpp"
 #include "support/Captures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::PacketsOnTheWireTest {
 namespace {
 
 using namespace TalTest;
@@ -467,4 +467,4 @@ TEST(TrafficPackets, SayWhereAnElementIsDamaged) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::PacketsOnTheWireTest

@@ -23,7 +23,7 @@
 #include "support/Captures.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::RememberedWalksTest {
 namespace {
 
 using namespace TalTest;
@@ -235,4 +235,4 @@ RC_GTEST_PROP(IndexedPackets, AreThoseThatAreDecodedOfAnyFrames, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::RememberedWalksTest

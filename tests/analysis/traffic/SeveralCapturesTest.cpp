@@ -18,7 +18,7 @@
 #include "support/OctetsRead.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::SeveralCapturesTest {
 namespace {
 
 using namespace TalTest;
@@ -245,4 +245,4 @@ TEST(Indexing, EndsSoonWhenItIsStopped) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::SeveralCapturesTest

@@ -15,7 +15,7 @@
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/Ber.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::StreamHistoryTest {
 namespace {
 
 using namespace TalTest;
@@ -220,4 +220,4 @@ TEST(NominalRates, AreNoneOfGoose) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::StreamHistoryTest

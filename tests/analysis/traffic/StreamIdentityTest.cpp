@@ -10,7 +10,7 @@
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/Ber.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::StreamIdentityTest {
 namespace {
 
 using namespace TalTest;
@@ -200,4 +200,4 @@ TEST(TrafficStreams, ComeByTheHundredThousandOutOfFramesFullOfAsdus) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::StreamIdentityTest

@@ -16,7 +16,7 @@
 #include "support/GrowingFile.hpp"
 #include "support/OwnCaptures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::TrafficFollowerTest {
 namespace {
 
 using namespace TalTest;
@@ -241,4 +241,4 @@ TEST(GrownIndex, KeepsCountersThatNoColumnHolds) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::TrafficFollowerTest

@@ -17,7 +17,7 @@
 #include "support/TempFile.hpp"
 #include "threads/Together.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::TrafficThreadsTest {
 namespace {
 
 using namespace TalTest;
@@ -124,4 +124,4 @@ TEST_F(TrafficThreads, IndexTheSameFilesAtOnce) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::TrafficThreadsTest

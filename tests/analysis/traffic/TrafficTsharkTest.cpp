@@ -14,7 +14,7 @@
 #include "support/CaptureFile.hpp"
 #include "support/Captures.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::TrafficTsharkTest {
 namespace {
 
 using namespace TalTest;
@@ -108,4 +108,4 @@ TEST(TrafficOfCaptures, IsThatWhichTsharkTells) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::TrafficTsharkTest

@@ -19,7 +19,7 @@
 #include "analysis/traffic/TrafficCaptures.hpp"
 #include "support/Sanitized.hpp"
 
-namespace TalIec61850Analysis {
+namespace TalIec61850Analysis::TrailersTest {
 namespace {
 
 using namespace TalTest;
@@ -213,4 +213,4 @@ TEST(SignedTraffic, OfAnySignaturesIsOfTheStreamsOfItsPublishers) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Analysis
+}  // namespace TalIec61850Analysis::TrailersTest

@@ -5,7 +5,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::BindMembersTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -235,4 +235,4 @@ TEST(BindMembers, StopsAtTheFirstOfManyMembers) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::BindMembersTest

@@ -10,7 +10,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::BindPropertyTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -233,4 +233,4 @@ RC_GTEST_PROP(BindProperty, TakesWhateverOctets, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::BindPropertyTest

@@ -4,7 +4,7 @@
 
 #include "scl/match/DescribedTraffic.hpp"
 
-namespace TalTest {
+namespace TalTest::BindSamplesTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -122,4 +122,4 @@ TEST(BindSamples, TakesNoMembersForNoOctets) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::BindSamplesTest

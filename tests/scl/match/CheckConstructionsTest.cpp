@@ -9,7 +9,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckConstructionsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -258,4 +258,4 @@ TEST(CheckConstructions, SamplesOfEitherEdition) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckConstructionsTest

@@ -9,7 +9,7 @@
 #include "support/Data.hpp"
 #include "support/SclAccess.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckDescriptionTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -277,4 +277,4 @@ TEST(CheckDescription, FindsTheAttributeOfTheUnitThatIsAnother) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckDescriptionTest

@@ -5,7 +5,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckGooseTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -485,4 +485,4 @@ TEST(CheckGoose, FindsOtherTypesBeforeWhatWasCutOff) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckGooseTest

@@ -11,7 +11,7 @@
 #include "support/Data.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckInputTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -112,4 +112,4 @@ TEST(CheckInput, TakesOrRefusesACaptureThatWasChangedSince) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckInputTest

@@ -11,7 +11,7 @@
 #include "support/Data.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckStationTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -205,4 +205,4 @@ TEST(CheckStation, TakesADataSetOfManyMembers) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckStationTest

@@ -5,7 +5,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckSvTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -376,4 +376,4 @@ TEST(CheckSv, MissesNothingThatASnapLengthCutOff) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckSvTest

@@ -5,7 +5,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::CheckThreadsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -41,4 +41,4 @@ TEST(CheckThreads, FindTheSameHoweverManyThereAre) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::CheckThreadsTest

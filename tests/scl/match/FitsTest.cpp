@@ -8,7 +8,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::FitsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -176,4 +176,4 @@ TEST(Fits, TakesAnyValueForAnUnknownType) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::FitsTest

@@ -5,7 +5,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/TempFile.hpp"
 
-namespace TalTest {
+namespace TalTest::MatchStreamsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -225,4 +225,4 @@ TEST(MatchStreams, TakesEqualNamesAndAddressesEverywhere) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MatchStreamsTest

@@ -5,7 +5,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::MessageBinderTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -72,4 +72,4 @@ TEST(MessageBinder, TellsWhatWasCutOffFromWhatIsDamaged) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MessageBinderTest

@@ -7,7 +7,7 @@
 #include "scl/match/DescribedTraffic.hpp"
 #include "support/Data.hpp"
 
-namespace TalTest {
+namespace TalTest::MessageMakeTest {
 namespace {
 
 bool isSame(std::vector<Bytes> const& one, std::vector<Bytes> const& other) {
@@ -79,4 +79,4 @@ TEST(MessageMake, ComparesDeepNestingInLinearTime) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::MessageMakeTest

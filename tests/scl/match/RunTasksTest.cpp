@@ -12,7 +12,7 @@
 
 #include "support/WatchedHeap.hpp"
 
-namespace TalTest {
+namespace TalTest::RunTasksTest {
 namespace {
 
 using TalIec61850Scl::detail::runTasks;
@@ -70,4 +70,4 @@ TEST(RunTasks, RunsEachTaskOrNoneWhereMemoryEnds) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::RunTasksTest

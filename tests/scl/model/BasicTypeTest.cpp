@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+namespace TalTest::BasicTypeTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -57,3 +58,4 @@ TEST(BasicTypes, OfOtherNamesAreUnknown) {
 }
 
 }  // namespace
+}  // namespace TalTest::BasicTypeTest

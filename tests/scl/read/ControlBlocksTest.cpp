@@ -5,6 +5,7 @@
 
 #include "scl/SclText.hpp"
 
+namespace TalTest::ControlBlocksTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -251,3 +252,4 @@ TEST(SclAddresses, OfItsOwnAccessPointComeBeforeThoseOfOthers) {
 }
 
 }  // namespace
+}  // namespace TalTest::ControlBlocksTest

@@ -8,6 +8,7 @@
 
 #include "scl/SclText.hpp"
 
+namespace TalTest::DiagnosticsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -222,3 +223,4 @@ TEST(SclDiagnostics, AreInTheOrderOfLines) {
 }
 
 }  // namespace
+}  // namespace TalTest::DiagnosticsTest

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+namespace TalTest::ElementTest {
 namespace {
 
 using namespace TalIec61850Scl::detail;
@@ -111,3 +112,4 @@ TEST(SclNameHash, DependsOnEveryLetterAndTheLength) {
 }
 
 }  // namespace
+}  // namespace TalTest::ElementTest

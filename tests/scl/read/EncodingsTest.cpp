@@ -5,6 +5,7 @@
 
 #include "scl/SclText.hpp"
 
+namespace TalTest::EncodingsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -101,3 +102,4 @@ TEST(SclEncodings, WithHalfCharactersAtTheEndAreReadTillThere) {
 }
 
 }  // namespace
+}  // namespace TalTest::EncodingsTest

@@ -7,6 +7,7 @@
 
 #include "scl/SclText.hpp"
 
+namespace TalTest::HostileDescriptionsTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -312,3 +313,4 @@ TEST(HostileScl, TheSameAddressAndControlBlockManyTimesAreToldOnce) {
 }
 
 }  // namespace
+}  // namespace TalTest::HostileDescriptionsTest

@@ -6,6 +6,7 @@
 
 #include "scl/SclText.hpp"
 
+namespace TalTest::MembersTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -294,3 +295,4 @@ TEST(SclQuantities, OfAnAngleAreNotThoseOfTheMagnitude) {
 }
 
 }  // namespace
+}  // namespace TalTest::MembersTest

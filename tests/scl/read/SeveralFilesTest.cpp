@@ -9,6 +9,7 @@
 #include "scl/SclText.hpp"
 #include "support/TempFile.hpp"
 
+namespace TalTest::SeveralFilesTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -150,3 +151,4 @@ TEST(SclFilesTogether, AreReadAlthoughOthersCannotBe) {
 }
 
 }  // namespace
+}  // namespace TalTest::SeveralFilesTest

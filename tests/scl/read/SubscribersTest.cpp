@@ -6,6 +6,7 @@
 
 #include "scl/SclText.hpp"
 
+namespace TalTest::SubscribersTest {
 namespace {
 
 using namespace TalIec61850Scl;
@@ -213,3 +214,4 @@ TEST(SclSubscribers, OfControlBlocksOrDataThatNobodyHasAreTold) {
 }
 
 }  // namespace
+}  // namespace TalTest::SubscribersTest

@@ -9,7 +9,7 @@
 #include "support/Data.hpp"
 #include "tools/render/PacketJson.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::PacketJsonTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -209,4 +209,4 @@ TEST(PacketJson, LeavesNamesAsTheyStand) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::PacketJsonTest

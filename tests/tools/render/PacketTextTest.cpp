@@ -7,7 +7,7 @@
 #include "support/Data.hpp"
 #include "tools/render/PacketText.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::PacketTextTest {
 namespace {
 
 using namespace TalIec61850Analysis;
@@ -145,4 +145,4 @@ TEST(PacketText, EndsEveryLine) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::PacketTextTest

@@ -9,7 +9,7 @@
 
 #include "tools/render/RoundTicks.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::RoundTicksTest {
 namespace {
 
 constexpr std::int64_t kMillisecond = 1'000'000;
@@ -126,4 +126,4 @@ TEST(RoundTicks, OfValuesTakeAnyRange) {
 TEST(RoundTicks, NameTheirDay) { EXPECT_EQ(dayText(kTen), "2024-03-20"); }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::RoundTicksTest

@@ -4,7 +4,7 @@
 
 #include "tools/terminal/DotCanvas.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::DotCanvasTest {
 namespace {
 
 std::string lineOf(DotCanvas const& canvas, std::size_t columns, std::size_t line) {
@@ -74,4 +74,4 @@ TEST(DotCanvas, DrawsASparseRowWhereThereAreNoDots) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::DotCanvasTest

@@ -13,7 +13,7 @@
 #include "tools/terminal/PlainPictures.hpp"
 #include "tools/terminal/SparklineRows.hpp"
 
-namespace TalTest {
+namespace TalTest::SparklineRowsTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -229,4 +229,4 @@ RC_GTEST_PROP(SparklineRows, NeverTakeMoreThanTheirColumns, ()) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::SparklineRowsTest

@@ -9,7 +9,7 @@
 #include "tools/terminal/PlainPictures.hpp"
 #include "tools/terminal/TextTimeAxis.hpp"
 
-namespace TalIec61850Tools {
+namespace TalIec61850Tools::TextTimeAxisTest {
 namespace {
 
 using TalTest::kPictureMs;
@@ -60,4 +60,4 @@ RC_GTEST_PROP(TextTimeAxis, NeverTakesMoreThanItsColumns, ()) {
 }
 
 }  // namespace
-}  // namespace TalIec61850Tools
+}  // namespace TalIec61850Tools::TextTimeAxisTest

@@ -12,7 +12,7 @@
 #include "tools/terminal/TimeScale.hpp"
 #include "tools/terminal/TimelineRows.hpp"
 
-namespace TalTest {
+namespace TalTest::TimelineRowsTest {
 namespace {
 
 using namespace TalIec61850Tools;
@@ -169,4 +169,4 @@ TEST(TimeScale, IsANanosecondLongAtTheLastTimeThereIs) {
 }
 
 }  // namespace
-}  // namespace TalTest
+}  // namespace TalTest::TimelineRowsTest

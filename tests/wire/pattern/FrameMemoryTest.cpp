@@ -16,9 +16,9 @@
 #include "support/Bytes.hpp"
 #include "support/Sanitized.hpp"
 
+namespace TalTest::FrameMemoryTest {
 namespace {
 
-using namespace TalTest;
 /// As large as what the fast lane remembers.
 struct Result {
     std::array<std::uint64_t, 4> unused{};
@@ -391,3 +391,4 @@ TEST(FrameMemory, KeepsTheLatestShapesOfASize) {
 }
 
 }  // namespace
+}  // namespace TalTest::FrameMemoryTest

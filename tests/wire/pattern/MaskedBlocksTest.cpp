@@ -8,9 +8,9 @@
 
 #include "support/Bytes.hpp"
 
+namespace TalTest::MaskedBlocksTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::wire::MaskedBlocks;
 
 Bytes maskOf(std::size_t size, std::initializer_list<std::size_t> significant) {
@@ -94,3 +94,4 @@ TEST(MaskedBlocks, TakeBackWhatCameLast) {
 }
 
 }  // namespace
+}  // namespace TalTest::MaskedBlocksTest

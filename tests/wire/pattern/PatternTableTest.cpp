@@ -9,9 +9,9 @@
 
 #include "support/Bytes.hpp"
 
+namespace TalTest::PatternTableTest {
 namespace {
 
-using namespace TalTest;
 using TalIec61850Parser::wire::PatternTable;
 
 Bytes all(std::size_t size) { return repeat(0xFF, size); }
@@ -76,3 +76,4 @@ TEST(PatternTable, IsFullWhenItHasRoomForNoMore) {
 }
 
 }  // namespace
+}  // namespace TalTest::PatternTableTest

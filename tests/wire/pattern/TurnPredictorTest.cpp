@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+namespace TalTest::TurnPredictorTest {
 namespace {
 
 using TalIec61850Parser::wire::TurnPredictor;
@@ -65,3 +66,4 @@ TEST(TurnPredictor, GivesUpWherePredictionsFail) {
 }
 
 }  // namespace
+}  // namespace TalTest::TurnPredictorTest
