@@ -21,7 +21,19 @@ export CCACHE_SLOPPINESS=pch_defines,time_macros,locale,include_file_mtime,inclu
 export CCACHE_PCH_EXTSUM=true
 case " $* " in
     *" -x c++-header "*) ;;
-    *) exec "@TAL_CCACHE@" "$@" ;;
+    *)
+        # Clang is also told the header's name, which ccache takes as it is.
+        if [ "$PWD" = "@PROJECT_BINARY_DIR@" ]; then
+            for argument in "$@"; do
+                shift
+                case "$argument" in
+                    "$PWD"/*.hxx) set -- "$@" "${argument#"$PWD"/}" ;;
+                    *) set -- "$@" "$argument" ;;
+                esac
+            done
+        fi
+        exec "@TAL_CCACHE@" "$@"
+        ;;
 esac
 "@TAL_CCACHE@" "$@" || exit
 # A precompiled header: its checksum goes beside it, for ccache.
