@@ -9,6 +9,7 @@
 #include <TalIec61850Analysis/comtrade/ComtradeRows.hpp>
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <span>
@@ -166,7 +167,7 @@ private:
                 run_.refuseToOverwrite(path);
             }
         }
-        for (Part const& part : parts) {
+        for (Part const& part : inOrderOfTime(parts)) {
             try {
                 writeRecord(part);
             } catch (RecordRefusal const& refusal) {
@@ -191,6 +192,12 @@ private:
             parts.push_back(
                 {samples_.options(SampleRows::everySample, window), numberText(++number)});
         }
+        return parts;
+    }
+
+    /// So that a record can go on where one before it has read to.
+    [[nodiscard]] static std::vector<Part> inOrderOfTime(std::vector<Part> parts) {
+        std::ranges::stable_sort(parts, {}, [](Part const& part) { return part.window.from; });
         return parts;
     }
 
@@ -249,9 +256,7 @@ private:
             source.scales = options_.choice.scales;
             source.given = samples_.layoutOf(stream);
             source.described = stream.described;
-            if (auto const before = before_.find(stream.stream); before != before_.end()) {
-                source.before = before->second;
-            }
+            source.before = readBefore(stream.stream, window.from);
             wish.sources.push_back(std::move(source));
         }
         return {samples_.index(), std::move(wish),
@@ -261,6 +266,33 @@ private:
                                        block.places[row].fileOffset);
                 },
                 [this](SampleBlock const& block) { return samples_.isWanted(block); }};
+    }
+
+    /// @return what has read a stream up to some time that is not after the start of a window;
+    ///         null where nothing has
+    [[nodiscard]] std::shared_ptr<SampleReader const> readBefore(
+        TrafficStream const* stream, std::optional<CaptureTime> const& from) const {
+        auto const after = from ? readTo_.upper_bound(*from) : readTo_.begin();
+        if (after == readTo_.begin()) {
+            return nullptr;
+        }
+        Readers const& readers = std::prev(after)->second;
+        auto const reader = readers.find(stream);
+        return reader == readers.end() ? nullptr : reader->second;
+    }
+
+    /// Keeps what has read up to the end of a window, for those after it.
+    void rememberReaders(SampleRecord const& record, SampleOptions const& window) {
+        if (isOnly_ || !window.from || !window.end) {
+            return;
+        }
+        // Windows to come begin no earlier than this one.
+        auto const kept = readTo_.upper_bound(*window.from);
+        readTo_.erase(readTo_.begin(), kept == readTo_.begin() ? kept : std::prev(kept));
+        Readers& readers = readTo_[*window.end];
+        for (RecordSource const& source : record.sources()) {
+            readers[source.stream] = source.upToEnd;
+        }
     }
 
     [[noreturn]] static void refuseNone() {
@@ -280,11 +312,7 @@ private:
 
     void writeRecord(Part const& part) {
         SampleRecord const record = recordOf(part.window);
-        if (options_.split) {  // parts follow each other
-            for (RecordSource const& source : record.sources()) {
-                before_[source.stream] = source.upToEnd;
-            }
-        }
+        rememberReaders(record, part.window);
         if (options_.split && record.survey().received == 0) {
             return;  // all of the part was lost
         }
@@ -473,8 +501,9 @@ private:
     WantedSamples samples_;
     std::vector<GooseState> states_;
     std::vector<std::string> notes_;
-    /// What has read all that is before the part that is next.
-    std::map<TrafficStream const*, std::shared_ptr<SampleReader const>> before_;
+    using Readers = std::map<TrafficStream const*, std::shared_ptr<SampleReader const>>;
+    /// What has read all that is before a time.
+    std::map<CaptureTime, Readers> readTo_;
     /// Of the record that is written: what became of the samples of each source.
     std::vector<SampleCounts> counts_;
     bool isOnly_ = true;
