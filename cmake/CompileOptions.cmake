@@ -16,6 +16,7 @@ endfunction()
 # added; a source that comes to name it is seen when CMake runs again.
 function(tal_define_path target name path)
   get_target_property(sources ${target} SOURCES)
+  list(FILTER sources EXCLUDE REGEX "^\\$<")
   foreach(source IN LISTS sources)
     cmake_path(ABSOLUTE_PATH source)
     file(STRINGS ${source} uses REGEX ${name} LIMIT_COUNT 1)
