@@ -31,8 +31,18 @@ bool measureAheadOf(std::string_view name, Settings const& settings) {
     race.add("index", capture.frames(), indexPass(capture.path(), whole.filter, capture.packets()));
     race.add("ahead", capture.frames(),
              indexPass(capture.path(), whole.filter, capture.packets(), {}, {.readAhead = true}));
+    race.add("disk-read", capture.frames(), fromDisk(capture.path(), readPass(capture.path())));
+    race.add("disk-index", capture.frames(),
+             fromDisk(capture.path(), indexPass(capture.path(), whole.filter, capture.packets())));
+    race.add("disk-ahead", capture.frames(),
+             fromDisk(capture.path(), indexPass(capture.path(), whole.filter, capture.packets(), {},
+                                                {.readAhead = true})));
     auto taken = race.run(settings.rounds);
     printRatio(fmt::format("{}: index, read ahead / read(2)", name), taken["ahead"], taken["read"]);
+    printRatio(fmt::format("{}: index, read ahead / read(2), from disk", name), taken["disk-ahead"],
+               taken["disk-read"]);
+    printRatio(fmt::format("{}: index / read(2), from disk", name), taken["disk-index"],
+               taken["disk-read"]);
     return printBound(fmt::format("{}: index, read ahead / without", name), taken["ahead"],
                       taken["index"], aheadLimit);
 }

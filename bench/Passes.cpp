@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <TalIec61850Analysis/file/Descriptor.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Parser/TalIec61850Parser.hpp>
 #include <array>
@@ -13,6 +14,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "bench/PacketsIn.hpp"
@@ -125,6 +127,30 @@ Race::Body trafficPass(std::vector<std::string> const& paths,
     };
 }
 
+Race::Body processesPass(std::vector<std::string> const& paths) {
+    auto const middle = paths.begin() + static_cast<std::ptrdiff_t>(paths.size() / 2);
+    std::array const halves = {std::vector(paths.begin(), middle),
+                               std::vector(middle, paths.end())};
+    return [halves](benchmark::State& state) {
+        for (auto _ : state) {
+            for (auto const& half : halves) {
+                if (::fork() == 0) {
+                    static_cast<void>(TalIec61850Analysis::indexCaptures(half, {.jobs = 1}));
+                    ::_exit(0);
+                }
+            }
+            bool isDone = true;
+            for ([[maybe_unused]] auto const& half : halves) {
+                int status = 0;
+                isDone = ::wait(&status) > 0 && WIFEXITED(status) && isDone;
+            }
+            if (!isDone) {
+                state.SkipWithError("a process did not index its captures");
+            }
+        }
+    };
+}
+
 Race::Body readPass(std::string const& path) {
     return [path, size = std::filesystem::file_size(path)](benchmark::State& state) {
         std::vector<char> block(blockSize);
@@ -134,6 +160,20 @@ Race::Body readPass(std::string const& path) {
                 return;
             }
         }
+    };
+}
+
+Race::Body fromDisk(std::string const& path, Race::Body contender) {
+    return [path, contender = std::move(contender)](benchmark::State& state) {
+        TalIec61850Analysis::Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        // What is not written yet is not dropped.
+        bool const isDropped = ::fsync(file.number()) == 0 &&
+                               ::posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED) == 0;
+        if (!isDropped) {
+            state.SkipWithError("the system does not drop the file from its memory");
+            return;
+        }
+        contender(state);
     };
 }
 

@@ -30,8 +30,16 @@ namespace TalBench {
                                      TalIec61850Analysis::TrafficOptions const& options,
                                      std::uint64_t frames);
 
+/// The same by two processes that share nothing, each with half of the captures: what two cores of
+/// this machine can do.
+[[nodiscard]] Race::Body processesPass(std::vector<std::string> const& paths);
+
 /// Reads the file with read(2) in blocks of 1 MiB: no reader is faster by much.
 [[nodiscard]] Race::Body readPass(std::string const& path);
+
+/// Drops what the system keeps of a file in memory before each round of a contender, outside the
+/// time: its octets come from the disk, if there is one.
+[[nodiscard]] Race::Body fromDisk(std::string const& path, Race::Body contender);
 
 /// Walks the records with libpcap's pcap_next_ex, and does nothing with them.
 [[nodiscard]] Race::Body libpcapPass(std::string const& path, std::uint64_t frames);

@@ -43,8 +43,20 @@ void compareReadAhead(Settings const& settings) {
     race.add("ahead", capture.frames(),
              trafficPass({capture.path()}, {.read = TalIec61850Analysis::ReadMode::ahead},
                          capture.packets()));
+    if (settings.countsRealTime) {
+        race.add("disk-read", capture.frames(), fromDisk(capture.path(), readPass(capture.path())));
+        race.add(
+            "disk-ahead", capture.frames(),
+            fromDisk(capture.path(),
+                     trafficPass({capture.path()}, {.read = TalIec61850Analysis::ReadMode::ahead},
+                                 capture.packets())));
+    }
     auto taken = race.run(settings.rounds);
     printRatio("sv16: true index with read-ahead / read(2)", taken["ahead"], taken["read"]);
+    if (settings.countsRealTime) {
+        printRatio("sv16: true index with read-ahead / read(2), from disk", taken["disk-ahead"],
+                   taken["disk-read"]);
+    }
     printRatio("sv16: true index with read-ahead / without", taken["ahead"], taken["plain"]);
 }
 
@@ -83,8 +95,10 @@ void compareJobs(Settings const& settings) {
     Race race("traffic-jobs");
     race.add("one", frames, trafficPass(paths, {.jobs = 1}, frames));
     race.add("two", frames, trafficPass(paths, {.jobs = 2}, frames));
+    race.add("apart", frames, processesPass(paths));
     auto taken = race.run(settings.rounds);
     printRatio("eight files: two threads / one", taken["two"], taken["one"]);
+    printRatio("eight files: two processes / one thread", taken["apart"], taken["one"]);
 }
 
 }  // namespace

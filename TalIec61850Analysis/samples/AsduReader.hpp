@@ -84,10 +84,11 @@ public:
         ColumnView<std::uint16_t> const asdus = part.packets.asdus();
         ColumnView<PacketFlags> const flags = part.packets.flags();
         std::size_t const reach = shapes_.reach();
+        CaptureWindow::Held const held = window_->held(part.file);
         for (std::size_t i = 0; i < data.size(); ++i) {
             std::size_t const packet = first.packet + i;
             std::uint64_t const offset = frames[i] + pdus[packet];
-            std::uint8_t const* const octets = window_->held(part.file, offset, reach);
+            std::uint8_t const* const octets = held.at(offset, reach);
             if (octets == nullptr || flags[packet].isCut() ||
                 !shapes_.isLast({octets, reach}, asdus[packet])) [[unlikely]] {
                 return i;

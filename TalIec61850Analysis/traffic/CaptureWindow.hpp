@@ -47,12 +47,25 @@ public:
         return readAround(file, fileOffset, size);
     }
 
-    /// The same of what was read last, or nothing where they are not all there.
-    [[nodiscard]] std::uint8_t const* held(std::uint32_t file, std::uint64_t fileOffset,
-                                           std::size_t size) const {
-        bool const isThere =
-            current_ != nullptr && file_ == file && current_->holds(fileOffset, size);
-        return isThere ? current_->octets.get() + (fileOffset - current_->start) : nullptr;
+    /// What was read last of a file; nothing where that was another one's.
+    struct Held {
+        std::uint8_t const* octets = nullptr;
+        std::uint64_t start = 0;
+        std::size_t size = 0;
+
+        /// @return null where not all of them are there
+        [[nodiscard]] std::uint8_t const* at(std::uint64_t fileOffset,
+                                             std::size_t octetCount) const {
+            std::uint64_t const index = fileOffset - start;
+            bool const isThere = octetCount <= size && index <= size - octetCount;
+            return isThere ? octets + index : nullptr;
+        }
+    };
+
+    /// Valid until the next call of `at`.
+    [[nodiscard]] Held held(std::uint32_t file) const {
+        bool const isThere = current_ != nullptr && file_ == file;
+        return isThere ? Held{current_->octets.get(), current_->start, current_->size} : Held();
     }
 
 private:
