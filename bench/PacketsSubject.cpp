@@ -134,8 +134,8 @@ bool measureKind(PacketKind const& kind, Settings const& settings) {
     race.addShort("faults",
                   eachFrame(frames, [=](auto const& f) { return lookForFaults(f, isSv); }));
     race.addShort("owning", eachFrame(frames, [=](auto const& f) { return decodeWhole(f, isSv); }));
-    bool const withTshark = settings.withPrograms && hasTshark();
-    if (withTshark) {
+    bool const asksTshark = settings.withPrograms && hasTshark();
+    if (asksTshark) {
         race.add("tshark", capture.frames(), tsharkPass(capture.path()), kTsharkRounds);
     }
     auto taken = race.run(settings.rounds);
@@ -145,7 +145,7 @@ bool measureKind(PacketKind const& kind, Settings const& settings) {
     bool isWithin =
         printBound(row("view / owning"), taken["view"], taken["owning"], kind.viewLimit);
     printRatio(row("faults of a view / owning"), taken["faults"], taken["owning"]);
-    if (withTshark) {
+    if (asksTshark) {
         isWithin &=
             printBound(row("owning / tshark"), taken["owning"], taken["tshark"], kind.tsharkLimit);
     }
