@@ -62,6 +62,12 @@ public:
         return readPlainly(ref, offset, number);
     }
 
+    /// Whether an ASDU of the shape that was met last tells the time, or the clock.
+    [[nodiscard]] bool tellsClock() const {
+        AsduPlaces const* const places = shapes_.last();
+        return places != nullptr && (places->refrTm != 0 || places->gmIdentity != 0);
+    }
+
     /// Reads ASDUs of packets that follow each other, as long as they are of the shape that was met
     /// last, without refrTm, and were read already.
     /// @param size        of the data that is wanted

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -74,25 +75,62 @@ public:
           attributes_(index, stream_),
           window_(window),
           reader_(index, stream_, window),
-          isLeft_(course_.goOn(next_)) {}
+          ahead_(course_.nextStrip(kMostAlike)) {}
 
     /// Whether any packet is left.
-    [[nodiscard]] bool isLeft() const { return isLeft_; }
+    [[nodiscard]] bool isLeft() const { return ahead_.count != 0; }
     /// Of the next packet.
-    [[nodiscard]] std::uint32_t file() const { return stream_.parts[next_.part].file; }
+    [[nodiscard]] std::uint32_t file() const { return stream_.parts[ahead_.first.part].file; }
     [[nodiscard]] std::uint64_t fileOffset() const {
-        return stream_.parts[next_.part].packets.frameOffsets()[next_.packet];
+        return stream_.parts[ahead_.first.part].packets.frameOffsets()[ahead_.first.packet];
     }
 
-    /// Looks at the next packets, while they are in a file before an offset.
+    /// Looks at the next packets, while they are in a file before an offset; at some after that,
+    /// where they are read already.
     void lookUpTo(std::uint32_t file, std::uint64_t end) {
-        while (isLeft_ && this->file() == file && fileOffset() < end) {
-            look(next_);
-            isLeft_ = course_.goOn(next_);
+        while (isLeft() && this->file() == file && fileOffset() < end) {
+            look(ahead_.first);
+            pass(1);
+            pass(passAlike());
         }
     }
 
 private:
+    static constexpr std::size_t kMostAlike = 64;
+
+    /// Goes on to the packet after some of those that follow each other; these have the same
+    /// attributes.
+    void pass(std::size_t count) {
+        if (count == 0) {
+            return;
+        }
+        auto const passed = static_cast<std::uint32_t>(count);
+        last_ = {.part = ahead_.first.part, .packet = ahead_.first.packet + passed - 1};
+        hasLast_ = true;
+        ahead_.first.packet += passed;
+        ahead_.count -= passed;
+        isAlike_ = ahead_.count != 0;
+        if (!isAlike_) {
+            ahead_ = course_.nextStrip(kMostAlike);
+        }
+    }
+
+    /// @return how many packets follow the one that was looked at last in which nothing that is
+    ///         watched differs
+    [[nodiscard]] std::size_t passAlike() {
+        if (!isAlike_ || dataSize_ == 0 || reader_.tellsClock()) {
+            return 0;
+        }
+        std::size_t const read =
+            reader_.readAlike(ahead_.first, dataSize_, std::span(alike_).first(ahead_.count),
+                              [](std::size_t /*number*/, std::uint64_t /*fileOffset*/) {});
+        std::size_t same = 0;
+        while (same < read && !isAnyChanged(alike_[same])) {
+            ++same;
+        }
+        return same;
+    }
+
     void look(PacketRef const& packet) {
         ReadAsdu const asdu = reader_.read(packet);
         lookAtClock(asdu, packet);
@@ -100,12 +138,10 @@ private:
             if (attributes_.isChangedAt(packet) || asdu.data.size() != dataSize_) {
                 beginData(asdu, packet);
             }
-            if (isAnyChanged(asdu.data)) [[unlikely]] {
+            if (isAnyChanged(asdu.data.data())) [[unlikely]] {
                 lookAtQualities(asdu.data, packet);
             }
         }
-        last_ = packet;
-        hasLast_ = true;
     }
 
     /// From here on, seqData may be made otherwise. Where that is not described, which words are
@@ -136,10 +172,10 @@ private:
         qualities_ = std::move(qualities);
     }
 
-    [[nodiscard]] bool isAnyChanged(Octets data) const {
+    [[nodiscard]] bool isAnyChanged(std::uint8_t const* data) const {
         std::uint32_t changed = 0;
         for (WatchedQuality const& quality : qualities_) {
-            changed |= (qualityWordAt(data.data() + quality.offset) & kFaults) ^ quality.faults;
+            changed |= (qualityWordAt(data + quality.offset) & kFaults) ^ quality.faults;
         }
         return changed != 0;
     }
@@ -220,12 +256,15 @@ private:
     SampleLayout const* described_;
     StreamFindingSink const& sink_;
     PacketCourse course_;
-    /// Not looked at yet; only where one is left.
-    PacketRef next_;
     PartAttributes attributes_;
     std::shared_ptr<CaptureWindow> window_;
     AsduReader reader_;
-    bool isLeft_;
+    /// Not looked at yet; without any, there are none left.
+    PacketCourse::Strip ahead_;
+    /// Whether these follow the one that was looked at last.
+    bool isAlike_ = false;
+    /// Where the data of those are that are looked at at once.
+    std::array<std::uint8_t const*, kMostAlike> alike_{};
     /// Inferred only where it matters.
     std::optional<StreamLayouts> layouts_;
     /// Of seqData; 0 before the first.

@@ -97,6 +97,29 @@ TEST(SampleContents, TellsAQualityThatIsBadFromTheFirstOn) {
     EXPECT_EQ(lineOf(findings[0], station), "qualityChanged MU01 #0");
 }
 
+TEST(SampleContents, TellsAQualityAtAnyPlaceAmongThoseThatAreAlike) {
+    for (std::uint32_t number = 1; number < 200; ++number) {
+        auto station = asduStation();
+        auto const setFrom = [&](std::size_t from, std::uint32_t quality) {
+            changeAsdusFrom(station, from, [=](Asdu& asdu) {
+                std::vector<Sample> channels(8, Sample{1000, 0});
+                channels[2].second = quality;
+                asdu.seqData = samples(channels);
+            });
+        };
+        setFrom(number, 1);
+        setFrom(number + 1, 0);
+        auto const findings = findingsIn(station.captures(), kWithAsdus);
+        ASSERT_EQ(findings.size(), 2U) << number;
+        EXPECT_EQ(findings[0].kind, FindingKind::qualityChanged);
+        for (std::uint32_t i = 0; i < 2; ++i) {
+            EXPECT_EQ(findings[i].place->packet.packet, number + i);
+            ASSERT_TRUE(findings[i].before) << number;
+            EXPECT_EQ(findings[i].before->packet.packet, number + i - 1);
+        }
+    }
+}
+
 TEST(SampleContents, TellsQualitiesWhereTheDescriptionHasThem) {
     struct Described {
         std::vector<SampleType> members;
