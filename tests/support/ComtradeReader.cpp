@@ -290,7 +290,7 @@ ReadComtrade readLines(std::string_view text) {
     return record;
 }
 
-void checkRow(FieldReader const& place, ReadComtrade const& record, ReadRow const& row) {
+void checkRow(FieldReader const& place, ReadComtrade const& record, ReadComtradeRow const& row) {
     place.require(row.number == record.rows.size() + 1, "rows are not numbered from 1 on");
     for (std::size_t i = 0; i < row.analogs.size(); ++i) {
         auto const stored = row.analogs[i];
@@ -312,7 +312,7 @@ void readTextRows(ReadComtrade& record, std::string_view text) {
     bool const is1999 = record.edition == 1999;
     while (!lines.atEnd()) {
         auto const fields = lines.nextFields(2 + record.analogs.size() + record.digitals.size());
-        ReadRow row;
+        ReadComtradeRow row;
         row.number = lines.integer<std::uint64_t>(fields[0], 1, 9'999'999'999, 10);
         row.stamp = lines.integer<std::uint64_t>(fields[1], 0, 9'999'999'999'999, is1999 ? 10 : 13);
         for (std::size_t i = 0; i < record.analogs.size(); ++i) {
@@ -356,7 +356,7 @@ void readBinaryRows(ReadComtrade& record, Bytes const& octets) {
                   std::to_string(octets.size()) + " octets of data instead of " +
                       std::to_string(size * record.lastRow));
     for (std::size_t at = 0; at < octets.size();) {
-        ReadRow row;
+        ReadComtradeRow row;
         row.number = littleEndian(octets, at, 4);
         std::uint64_t const stamp = littleEndian(octets, at + 4, 4);
         row.stamp = stamp == 0xFFFFFFFF ? std::nullopt : std::optional(stamp);

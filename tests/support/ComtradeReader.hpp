@@ -37,7 +37,7 @@ struct ReadDigital {
 };
 
 /// A row of the data.
-struct ReadRow {
+struct ReadComtradeRow {
     std::uint64_t number = 0;
     /// None where it is marked as missing.
     std::optional<std::uint64_t> stamp;
@@ -65,7 +65,7 @@ struct ReadComtrade {
     double multiplier = 0;
     /// The lines that only the edition of 2013 has; empty in others.
     std::string timeCode, localCode, timeQuality, leapSecond;
-    std::vector<ReadRow> rows;
+    std::vector<ReadComtradeRow> rows;
     /// The sections of a single file.
     std::string information, header;
 

@@ -114,7 +114,7 @@ TEST(ComtradeGoose, HoldsWhatWasThereBeforeTheWindow) {
     RecordFolder const place(tripCapture());
     auto const record =
         place.written({"--goose", "*", "--from", "1700000000.07", "--to", "1700000000.075"});
-    for (ReadRow const& row : record.rows) {
+    for (ReadComtradeRow const& row : record.rows) {
         EXPECT_EQ(row.digitals, (std::vector<bool>{true, false, false}));
     }
     auto const trigger = place.written({"--goose", "*", "--trigger", "22:13:20.050000001"});
@@ -250,7 +250,7 @@ TEST(ComtradeSplit, HasEachRowOnce) {
         auto const record = place.record(number);
         EXPECT_EQ(record.rows.size(), rows == 480 ? 120U : 160U);
         EXPECT_EQ(record.start, kWaveStart + static_cast<std::int64_t>(rows) * 250'000);
-        for (ReadRow const& row : record.rows) {
+        for (ReadComtradeRow const& row : record.rows) {
             ASSERT_EQ(row.analogs[0], all.at(rows)["values"][0].get<std::int64_t>());
             ++rows;
         }
@@ -269,7 +269,7 @@ TEST(ComtradeSplit, LeavesOutPartsWithoutASample) {
     EXPECT_EQ(names, (std::vector<std::string>{"rec-001.cff", "rec-022.cff"}));
     std::size_t samples = 0;
     for (std::string const& name : names) {
-        for (ReadRow const& row :
+        for (ReadComtradeRow const& row :
              recordAt(place.folder.file(name.substr(0, name.size() - 4))).rows) {
             samples += row.analogs[0].has_value() ? 1 : 0;
         }

@@ -56,7 +56,7 @@ std::vector<std::optional<std::int64_t>> storedSamples(
     ReadComtrade const read = readBack(
         record, {.analogs = {{.samples = samplesOf(samples), .missing = missing}}, .digitals = {}});
     std::vector<std::optional<std::int64_t>> stored;
-    for (ReadRow const& row : read.rows) {
+    for (ReadComtradeRow const& row : read.rows) {
         stored.push_back(row.analogs.at(0));
     }
     return stored;

@@ -33,7 +33,7 @@ ReadComtrade digitalsReadBack(ComtradeFormat format, std::uint64_t rows, Comtrad
 
 Stamps stampsOf(ReadComtrade const& record) {
     Stamps stamps;
-    for (ReadRow const& row : record.rows) {
+    for (ReadComtradeRow const& row : record.rows) {
         stamps.push_back(row.stamp);
     }
     return stamps;
