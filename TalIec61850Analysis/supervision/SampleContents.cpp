@@ -91,7 +91,7 @@ public:
         while (isLeft() && this->file() == file && fileOffset() < end) {
             look(ahead_.first);
             pass(1);
-            pass(passAlike());
+            pass(countAlike());
         }
     }
 
@@ -109,16 +109,16 @@ private:
         hasLast_ = true;
         ahead_.first.packet += passed;
         ahead_.count -= passed;
-        isAlike_ = ahead_.count != 0;
-        if (!isAlike_) {
+        isStripBegun_ = ahead_.count != 0;
+        if (!isStripBegun_) {
             ahead_ = course_.nextStrip(kMostAlike);
         }
     }
 
     /// @return how many packets follow the one that was looked at last in which nothing that is
     ///         watched differs
-    [[nodiscard]] std::size_t passAlike() {
-        if (!isAlike_ || dataSize_ == 0 || reader_.tellsClock()) {
+    [[nodiscard]] std::size_t countAlike() {
+        if (!isStripBegun_ || dataSize_ == 0 || reader_.tellsClock()) {
             return 0;
         }
         std::size_t const read =
@@ -261,8 +261,8 @@ private:
     AsduReader reader_;
     /// Not looked at yet; without any, there are none left.
     PacketCourse::Strip ahead_;
-    /// Whether these follow the one that was looked at last.
-    bool isAlike_ = false;
+    /// Whether the one that was looked at last is of the same strip.
+    bool isStripBegun_ = false;
     /// Where the data of those are that are looked at at once.
     std::array<std::uint8_t const*, kMostAlike> alike_{};
     /// Inferred only where it matters.

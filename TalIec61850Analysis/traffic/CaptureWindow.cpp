@@ -55,7 +55,7 @@ Octets CaptureWindow::readAround(std::uint32_t file, std::uint64_t fileOffset, s
     open(file);
     auto& pieces = open_.front().pieces;
     auto const known = std::find_if(pieces.begin(), pieces.end(), [&](Piece const& piece) {
-        return piece.holds(fileOffset, size);
+        return piece.held().at(fileOffset, size) != nullptr;
     });
     if (known == pieces.end()) {
         read(open_.front(), fileOffset, size);

@@ -41,8 +41,8 @@ public:
     /// @return fewer only at the end of the file; valid until the next call
     /// @throws std::system_error  the file cannot be opened or read
     [[nodiscard]] Octets at(std::uint32_t file, std::uint64_t fileOffset, std::size_t size) {
-        if (current_ != nullptr && file_ == file && current_->holds(fileOffset, size)) [[likely]] {
-            return {current_->octets.get() + (fileOffset - current_->start), size};
+        if (std::uint8_t const* const octets = held(file).at(fileOffset, size)) [[likely]] {
+            return {octets, size};
         }
         return readAround(file, fileOffset, size);
     }
@@ -64,8 +64,7 @@ public:
 
     /// Valid until the next call of `at`.
     [[nodiscard]] Held held(std::uint32_t file) const {
-        bool const isThere = current_ != nullptr && file_ == file;
-        return isThere ? Held{current_->octets.get(), current_->start, current_->size} : Held();
+        return current_ != nullptr && file_ == file ? current_->held() : Held();
     }
 
 private:
@@ -84,9 +83,7 @@ private:
         std::size_t wanted = kFirst;
 
         [[nodiscard]] std::uint64_t end() const { return start + size; }
-        [[nodiscard]] bool holds(std::uint64_t fileOffset, std::size_t octetCount) const {
-            return fileOffset >= start && fileOffset + octetCount <= end();
-        }
+        [[nodiscard]] Held held() const { return {octets.get(), start, size}; }
     };
     struct Open {
         std::uint32_t number = 0;

@@ -36,7 +36,7 @@ SvMessage messageOf(unsigned unit, std::size_t sample, std::minstd_rand& random)
     return message;
 }
 
-Bytes signedEnd() { return repeat(0x5A, kSignatureSize); }
+Bytes svSignature() { return repeat(0x5A, kSignatureSize); }
 
 }  // namespace
 
@@ -145,7 +145,7 @@ MadeCapture svSigned() {
         maker.add(unitLink(1), message);
         maker.add(unitLink(1).withVlan(50), message);
         message.reserved2 = kSignatureSize;
-        message.trailing = signedEnd();
+        message.trailing = svSignature();
         maker.add(unitLink(1), message);
     }
     return maker.make();
