@@ -123,6 +123,16 @@ TEST(Cell, KeepsATextThatIsMadeForIt) {
     EXPECT_EQ(csv(cells[8]), std::string(ShortText::kCapacity, 'c'));
 }
 
+TEST(Cell, OfANumberHasAllItsDigits) {
+    for (std::uint64_t const number :
+         {std::uint64_t{0}, std::uint64_t{4294967295}, std::uint64_t{4294967296},
+          std::uint64_t{18446744073709551615U}}) {
+        EXPECT_EQ(csv(number), std::to_string(number));
+        EXPECT_EQ(json(number), std::to_string(number));
+    }
+    EXPECT_EQ(csv(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
+}
+
 TEST(Cell, OfJsonIsItselfAndInCsvATextBetweenQuotes) {
     Cell const cell(JsonText{R"({"a":[1,"\n"]})"});
     EXPECT_EQ(json(cell), R"({"a":[1,"\n"]})");
@@ -163,6 +173,16 @@ TEST(RowLines, MakeTheTextOfASharedPartOnce) {
     }
     EXPECT_EQ(text, "0,a,1\n1,\"b,c\",2\n2,a,3\n3,\"b,c\",4\n4,a,5\n5,\"b,c\",6\n");
     EXPECT_EQ(made, 2);
+}
+
+TEST(RowLines, MakeTheTextOfASharedPartAnewWhereItMayBeAnother) {
+    int made = 0;
+    Part part{"a"};
+    RowLines<Row> lines(Format::csv, rowLayout(made));
+    EXPECT_EQ(lines.lineOf({.number = 0, .part = &part}), "0,a,1\n");
+    lines.forgetShared();
+    part.name = "b";
+    EXPECT_EQ(lines.lineOf({.number = 1, .part = &part}), "1,b,2\n");
 }
 
 TEST(RowLines, AreObjectsInJson) {

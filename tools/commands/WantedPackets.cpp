@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -23,9 +24,11 @@ WantedPackets::WantedPackets(CommandRun& run, PacketOptions const& options, Name
       unit_(unit),
       index_(indexTraffic(run, criteria_, options.common.jobs, names.publishers())),
       frames_(pathsOf(run)),
-      selection_(index_, wish(), [this](std::uint32_t file, std::uint64_t frameOffset) {
-          return headerOf(file, frameOffset);
-      }) {
+      selection_(index_, wish(),
+                 [this](std::uint32_t file, std::uint64_t frameOffset) {
+                     return headerOf(file, frameOffset);
+                 }),
+      isGiven_(index_.streams().size()) {
     reportFaults(run, index_);
 }
 
@@ -89,7 +92,7 @@ void WantedPackets::visit(std::function<void(PacketRow const&)> const& take) {
         }
         ++count_;
         if (packet->stream != nullptr) {
-            streams_.insert(packet->stream);
+            isGiven_[static_cast<std::size_t>(packet->stream - index_.streams().data())] = true;
         }
     }
 }
@@ -109,9 +112,11 @@ void WantedPackets::noteIfNone() const {
 std::string WantedPackets::summary() const {
     std::string const more =
         beyondLimit_ == 0 ? std::string() : fmt::format("; {} more not listed", beyondLimit_);
-    return fmt::format(
-        "{} of {} in {}{}", plural(count_, unit_ == Unit::frames ? "frame" : "packet"),
-        plural(streams_.size(), "stream"), plural(run_.captures().size(), "file"), more);
+    auto const given =
+        static_cast<std::uint64_t>(std::count(isGiven_.begin(), isGiven_.end(), true));
+    return fmt::format("{} of {} in {}{}",
+                       plural(count_, unit_ == Unit::frames ? "frame" : "packet"),
+                       plural(given, "stream"), plural(run_.captures().size(), "file"), more);
 }
 
 }  // namespace TalIec61850Tools

@@ -5,7 +5,7 @@
 #include <functional>
 #include <set>
 #include <string>
-#include <unordered_set>
+#include <vector>
 
 #include "tools/commands/CommandRun.hpp"
 #include "tools/commands/NamesOfRun.hpp"
@@ -64,7 +64,8 @@ private:
     std::optional<std::pair<std::uint32_t, std::uint64_t>> lastFrame_;
     std::uint64_t count_ = 0;
     std::uint64_t beyondLimit_ = 0;
-    std::unordered_set<TalIec61850Analysis::TrafficStream const*> streams_;
+    /// By the number of a stream in the index: whether packets of it were given.
+    std::vector<bool> isGiven_;
 };
 
 }  // namespace TalIec61850Tools

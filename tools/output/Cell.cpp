@@ -61,13 +61,26 @@ void appendCsvText(std::string& line, std::string_view text) {
 struct PlainAppender {
     std::string& line;
 
-    void operator()(bool value) const { line += value ? "true" : "false"; }
-    void operator()(std::integral auto number) const {
-        fmt::format_int const digits(number);
-        line.append(digits.data(), digits.size());
+    void operator()(bool value) const {
+        line += value ? std::string_view("true") : std::string_view("false");
+    }
+    void operator()(std::int64_t number) const { appendDigits(number); }
+    void operator()(std::uint64_t number) const {
+        // Most fit half of it, which is divided faster.
+        if (auto const half = static_cast<std::uint32_t>(number); half == number) {
+            appendDigits(half);
+        } else {
+            appendDigits(number);
+        }
     }
     void operator()(double number) const { line += dumpJson(nlohmann::json(number)); }
     void operator()(ReadyText ready) const { line += ready.text; }
+
+private:
+    void appendDigits(std::integral auto number) const {
+        fmt::format_int const digits(number);
+        line.append(digits.data(), digits.size());
+    }
 };
 
 struct CsvAppender : PlainAppender {

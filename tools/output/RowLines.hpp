@@ -26,11 +26,17 @@ public:
         : isJson_(format == Format::json), append_(appenderOf(format)) {
         for (auto const& field : layout.fields) {
             if (runs_.empty() || runs_.back().sharedBy != field.sharedBy) {
-                runs_.push_back({.sharedBy = field.sharedBy, .pieces = {}, .known = {}});
+                runs_.push_back({.sharedBy = field.sharedBy});
             }
-            runs_.back().pieces.push_back({.lead = leadOf(field.name), .cell = field.cell});
+            runs_.back().pieces.push_back({.name = nameIn(format, field.name), .cell = field.cell});
         }
     }
+
+    RowLines(RowLines&&) noexcept = default;
+    RowLines& operator=(RowLines&&) noexcept = default;
+    RowLines(RowLines const&) = delete;  // texts are pointed to
+    RowLines& operator=(RowLines const&) = delete;
+    ~RowLines() = default;
 
     /// The line of names with its line end; empty in json.
     [[nodiscard]] static std::string heading(Format format, RowLayout<Row> const& layout) {
@@ -55,10 +61,11 @@ public:
                 appendPieces(line_, run, row);
             }
         }
-        line_ += isJson_ ? "}\n" : "\n";
         if (!isJson_) {
+            line_.push_back('\n');
             return std::string_view(line_).substr(1);  // without the first comma
         }
+        line_ += "}\n";
         line_[0] = '{';
         return line_;
     }
@@ -67,21 +74,25 @@ public:
     void forgetShared() {
         for (Run& run : runs_) {
             run.known.clear();
+            run.lastObject = nullptr;
         }
     }
 
 private:
     struct Piece {
-        /// What comes before the value: a comma, in json the name too.
-        std::string lead;
+        /// What json has before the value, after the comma; else empty.
+        std::string name;
         std::function<Cell(Row const& row)> cell;
     };
     /// Fields one after the other that depend on the same object.
     struct Run {
-        void const* (*sharedBy)(Row const& row);
-        std::vector<Piece> pieces;
+        void const* (*sharedBy)(Row const& row) = nullptr;
+        std::vector<Piece> pieces = {};
         /// Texts that were made, by that object.
-        std::unordered_map<void const*, std::string> known;
+        std::unordered_map<void const*, std::string> known = {};
+        /// That of the row before, and its text.
+        void const* lastObject = nullptr;
+        std::string const* lastText = nullptr;
     };
 
     using Append = void (*)(std::string& line, Cell const& cell);
@@ -97,24 +108,34 @@ private:
         }
     }
 
-    [[nodiscard]] std::string leadOf(std::string_view name) const {
-        return isJson_ ? ",\"" + std::string(name) + "\":" : ",";
+    [[nodiscard]] static std::string nameIn(Format format, std::string_view name) {
+        return format == Format::json ? "\"" + std::string(name) + "\":" : std::string();
     }
 
     void appendPieces(std::string& text, Run const& run, Row const& row) const {
         for (Piece const& piece : run.pieces) {
-            text += piece.lead;
-            append_(text, piece.cell(row));
+            text.push_back(',');
+            if (isJson_) {
+                text += piece.name;
+            }
+            Cell const cell = piece.cell(row);
+            if (isJson_ || !cell.isAbsent()) {  // csv has nothing then
+                append_(text, cell);
+            }
         }
     }
 
     [[nodiscard]] std::string const& sharedText(Run& run, void const* object,
                                                 Row const& row) const {
-        auto const [known, isNew] = run.known.try_emplace(object);
-        if (isNew) {
-            appendPieces(known->second, run, row);
+        if (object != run.lastObject) {
+            auto const [known, isNew] = run.known.try_emplace(object);
+            if (isNew) {
+                appendPieces(known->second, run, row);
+            }
+            run.lastObject = object;
+            run.lastText = &known->second;
         }
-        return known->second;
+        return *run.lastText;
     }
 
     bool isJson_;

@@ -115,11 +115,14 @@ Cell reasonCell(Packet row) {
 /// An object of which the fields of a stream alone depend.
 void const* streamOf(Packet row) { return row.packet().stream; }
 
+/// The same for the name of the file.
+void const* fileOf(Packet row) { return row.file().data(); }
+
 std::vector<Field<PacketRow>> fieldsOfPackets() {
     return {
         {"time", [](Packet r) { return timeCell(r.packet().time()); }},
         {"timeNs", [](Packet r) { return timeNsCell(r.packet().time()); }},
-        {"file", [](Packet r) -> Cell { return r.file(); }},
+        {"file", [](Packet r) -> Cell { return r.file(); }, fileOf},
         {"position", positionCell},
         {"framePosition", [](Packet r) -> Cell { return r.packet().frameOffset(); }},
         {"recordPosition", [](Packet r) -> Cell { return r.record().record.fileOffset; }},

@@ -1,5 +1,7 @@
 #include "tools/render/UtcText.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -61,12 +63,15 @@ SecondText const& secondTextOf(std::chrono::sys_seconds second) {
 }  // namespace
 
 ShortText toUtcCell(TalIec61850Analysis::CaptureTime time) {
-    constexpr int kDecimals = 9;
+    constexpr std::size_t decimals = 9;
+    constexpr std::uint32_t oneSecond = 1'000'000'000;  // as a leading 1 it keeps the zeros
     auto const second = std::chrono::floor<std::chrono::seconds>(time);
-    std::array<char, SecondText::kSize + kDecimals + 1> text{};
-    std::copy_n(secondTextOf(second).text.begin(), SecondText::kSize, text.begin());
+    fmt::format_int const digits(oneSecond + static_cast<std::uint32_t>((time - second).count()));
+    std::array<char, SecondText::kSize + decimals + 1> text{};
+    auto* const end =
+        std::copy_n(secondTextOf(second).text.begin(), SecondText::kSize, text.begin());
+    std::copy_n(digits.data() + 1, decimals, end);
     text.back() = 'Z';
-    writeDigits(&text.back(), static_cast<std::uint64_t>((time - second).count()), kDecimals);
     return ShortText({text.data(), text.size()});
 }
 

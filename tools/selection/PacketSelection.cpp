@@ -152,7 +152,6 @@ std::optional<PacketSelection::Head> PacketSelection::takeHead(std::uint32_t num
 }
 
 std::optional<SelectedPacket> PacketSelection::next() {
-    auto const comesAfter = [](Head const& a, Head const& b) { return a.comesAfter(b); };
     bool const isUnreadLeft = nextUnread_ < unread_.size();
     if (heads_.empty()) {
         if (isUnreadLeft) {
@@ -172,13 +171,29 @@ std::optional<SelectedPacket> PacketSelection::next() {
     if (isUnreadLeft && orderOf(unread_[nextUnread_]) < orderOf(packet)) {
         return unread_[nextUnread_++];
     }
-    std::pop_heap(heads_.begin(), heads_.end(), comesAfter);
-    heads_.pop_back();
     if (auto const following = takeHead(head.cursor)) {
-        heads_.push_back(*following);
-        std::push_heap(heads_.begin(), heads_.end(), comesAfter);
+        replaceFirst(*following);
+    } else {
+        std::pop_heap(heads_.begin(), heads_.end(),
+                      [](Head const& a, Head const& b) { return a.comesAfter(b); });
+        heads_.pop_back();
     }
     return packet;
+}
+
+void PacketSelection::replaceFirst(Head const& head) {
+    std::size_t place = 0;
+    for (std::size_t child = 1; child < heads_.size(); child = 2 * place + 1) {
+        if (child + 1 < heads_.size() && heads_[child].comesAfter(heads_[child + 1])) {
+            ++child;
+        }
+        if (!head.comesAfter(heads_[child])) {
+            break;
+        }
+        heads_[place] = heads_[child];
+        place = child;
+    }
+    heads_[place] = head;
 }
 
 }  // namespace TalIec61850Tools
