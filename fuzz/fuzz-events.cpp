@@ -5,10 +5,12 @@
 #include <TalIec61850Analysis/pictures/MemberLanes.hpp>
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <variant>
 #include <vector>
 
 #include "fuzz/CaptureInput.hpp"
@@ -24,12 +26,30 @@ using namespace TalFuzz;
 /// What the octets of two messages make, at most: hostile ones make much of it.
 constexpr std::size_t kMostEvents = 200;
 
+/// Puts 0 where there is no number: that is unlike itself, and events are compared.
+void numberAll(DataValue& value) {
+    if (auto* const single = std::get_if<float>(&value.value))
+        *single = std::isnan(*single) ? 0 : *single;
+    if (auto* const twice = std::get_if<double>(&value.value))
+        *twice = std::isnan(*twice) ? 0 : *twice;
+    if (auto* const members = std::get_if<DataValue::Members>(&value.value))
+        for (DataValue& member : *members) numberAll(member);
+}
+
+void numberAll(GooseEvent& event) {
+    for (MemberChange& change : event.changes) {
+        if (change.from) numberAll(*change.from);
+        numberAll(change.to);
+    }
+}
+
 std::vector<GooseEvent> eventsOf(TrafficIndex const& index, EventOptions options) {
     std::vector<GooseEvent> events;
     std::stop_source stop;
     options.stop = stop.get_token();
     findEvents(index, options, [&](GooseEvent const& event) {
         events.push_back(event);
+        numberAll(events.back());
         if (events.size() == kMostEvents) stop.request_stop();
     });
     return events;
