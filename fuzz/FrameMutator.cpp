@@ -63,7 +63,7 @@ Bytes mutatedLink(Bytes frame, PlainLink const& link, Random& random) {
 
 Bytes mutatedPdu(Bytes const& frame, std::size_t position, Random& random) {
     auto const begin = frame.begin() + static_cast<std::ptrdiff_t>(position);
-    return concat({{frame.begin(), begin}, mutatedElements({begin, frame.end()}, random)});
+    return concat({Bytes(frame.begin(), begin), mutatedElements({begin, frame.end()}, random)});
 }
 
 }  // namespace

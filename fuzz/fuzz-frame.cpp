@@ -35,7 +35,7 @@ Db indexOfRecord(Bytes const& frame, Filter const& filter) {
     auto const size = static_cast<std::uint32_t>(frame.size());
     auto const header = recordHeader(CaptureVariant::microBig, 1, 2000, size, size);
     Db db;
-    PcapPacketParser::parsePacket(concat({{header.begin(), header.end()}, frame}), file, false,
+    PcapPacketParser::parsePacket(concat({Bytes(header.begin(), header.end()), frame}), file, false,
                                   false, filter, db);
     return db;
 }

@@ -59,7 +59,7 @@ void expectAsOneByOne(CaptureBuilder const& capture, Filter const& filter) {
         file.recordPosition = record.position;
         auto const header = recordHeader(CaptureVariant::nanoLittle, record.seconds,
                                          record.nanoseconds, record.inclLen, record.origLen);
-        Bytes const whole = concat({{header.begin(), header.end()}, record.frame});
+        Bytes const whole = concat({Bytes(header.begin(), header.end()), record.frame});
         PcapPacketParser::parsePacket(whole, file, true, true, filter, db);
     }
     EXPECT_EQ(streamLines(indexed.db), streamLines(db));

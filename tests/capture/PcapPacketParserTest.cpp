@@ -19,7 +19,7 @@ constexpr char const* kFileName = "no such capture.pcap";
 TEST(PcapPacketParserParsePacket, TimeIsReadInTheByteOrderOfTheFile) {
     for (CaptureVariant const variant : captureVariants) {
         auto const header = recordHeader(variant, 0x01020304, 0x05060708, 0, 0);
-        Bytes const record = concat({{header.begin(), header.end()}, gooseFrame({}, {})});
+        Bytes const record = concat({Bytes(header.begin(), header.end()), gooseFrame({}, {})});
         PcapFile file(kFileName);
         file.recordPosition = 1000;
         Db db;
@@ -37,8 +37,9 @@ TEST(PcapPacketParserParsePacket, LengthsInTheRecordHeaderAreNotLookedAt) {
         auto const header = recordHeader(CaptureVariant::nanoBig, 1, 2, length, length);
         PcapFile file(kFileName);
         Db db;
-        PcapPacketParser::parsePacket(concat({{header.begin(), header.end()}, gooseFrame({}, {})}),
-                                      file, true, false, {}, db);
+        PcapPacketParser::parsePacket(
+            concat({Bytes(header.begin(), header.end()), gooseFrame({}, {})}), file, true, false,
+            {}, db);
         EXPECT_EQ(packagesOf(only(db.gooseProto.streams)).front().time, (Timest{1, 2}));
     }
 }

@@ -21,6 +21,18 @@ Bytes longForm(std::size_t length, std::size_t octets) {
     return concat({{static_cast<std::uint8_t>(0x80 | octets)}, bigEndian(length, octets)});
 }
 
+Bytes element(std::uint8_t tag, Part value, LengthForm form) {
+    if (form == LengthForm::shortest && value.size() < 0x80) {
+        Bytes made;
+        made.reserve(2 + value.size());
+        made.push_back(tag);
+        made.push_back(static_cast<std::uint8_t>(value.size()));
+        append(made, value);
+        return made;
+    }
+    return concat({{tag}, berLength(value.size(), form), value});
+}
+
 }  // namespace
 
 Bytes berLength(std::size_t length, LengthForm form) {
@@ -45,24 +57,19 @@ Bytes berLength(std::size_t length, LengthForm form) {
 }
 
 Bytes ber(std::uint8_t tag, Bytes const& value, LengthForm form) {
-    return berClaiming(tag, berLength(value.size(), form), value);
+    return element(tag, value, form);
 }
 
 Bytes ber(std::uint8_t tag, std::string_view value, LengthForm form) {
-    return ber(tag, text(value), form);
+    return element(tag, value, form);
 }
 
 Bytes ber(std::uint8_t tag, std::initializer_list<std::uint8_t> value, LengthForm form) {
-    return ber(tag, Bytes(value), form);
+    return element(tag, value, form);
 }
 
 Bytes berClaiming(std::uint8_t tag, Bytes const& lengthOctets, Bytes const& value) {
-    Bytes element;
-    element.reserve(1 + lengthOctets.size() + value.size());
-    element.push_back(tag);
-    element.insert(element.end(), lengthOctets.begin(), lengthOctets.end());
-    element.insert(element.end(), value.begin(), value.end());
-    return element;
+    return concat({{tag}, lengthOctets, value});
 }
 
 Bytes nested(std::uint8_t tag, std::size_t levels, Bytes const& innermost) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -13,23 +14,39 @@ namespace TalTest {
 /// What tests build and compare: frames, elements, whole captures.
 using Bytes = std::vector<std::uint8_t>;
 
-/// Puts `more` after what `out` holds.
-inline void append(Bytes& out, Bytes const& more) {
-    // In one piece: captures are made of many of these, by code that is mostly not optimised.
+/// Octets that are put after others: those of a call's arguments, without a copy. Captures are made
+/// of many of these, by code that is mostly not optimised.
+class Part {
+public:
+    // Octets are parts without a word.
+    Part(Bytes const& octets) : octets_(octets) {}
+    Part(std::string_view characters)
+        : octets_(reinterpret_cast<std::uint8_t const*>(characters.data()), characters.size()) {}
+    Part(std::initializer_list<std::uint8_t> octets) : octets_(octets.begin(), octets.size()) {}
+
+    [[nodiscard]] std::uint8_t const* data() const { return octets_.data(); }
+    [[nodiscard]] std::size_t size() const { return octets_.size(); }
+
+private:
+    std::span<std::uint8_t const> octets_;
+};
+
+/// Puts `more`, which is not of `out`, after what `out` holds.
+inline void append(Bytes& out, Part more) {
     std::size_t const size = out.size();
     out.resize(size + more.size());
     std::copy_n(more.data(), more.size(), out.data() + size);
 }
 
 /// Puts the parts one after the other.
-[[nodiscard]] inline Bytes concat(std::initializer_list<Bytes> parts) {
+[[nodiscard]] inline Bytes concat(std::initializer_list<Part> parts) {
     Bytes out;
     std::size_t size = 0;
-    for (Bytes const& part : parts) {
+    for (Part const& part : parts) {
         size += part.size();
     }
     out.reserve(size);
-    for (Bytes const& part : parts) {
+    for (Part const& part : parts) {
         append(out, part);
     }
     return out;

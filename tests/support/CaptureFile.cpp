@@ -147,7 +147,7 @@ void CaptureBuilder::addHeader(std::uint32_t seconds, std::uint32_t nanoseconds,
                                std::uint32_t inclLen, std::size_t origLen) {
     auto const header =
         recordHeader(variant_, seconds, nanoseconds, inclLen, static_cast<std::uint32_t>(origLen));
-    append(bytes_, {header.begin(), header.end()});
+    append(bytes_, Bytes(header.begin(), header.end()));
 }
 
 CaptureWriter::CaptureWriter(std::ostream& out, CaptureVariant variant)

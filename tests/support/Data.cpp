@@ -54,8 +54,8 @@ Bytes dataUtcTime(std::uint32_t seconds, std::uint32_t fraction24, std::uint8_t 
     return ber(0x91, utcTime(seconds, fraction24, quality));
 }
 
-Bytes dataStructure(std::initializer_list<Bytes> members) { return ber(0xA2, concat(members)); }
+Bytes dataStructure(std::initializer_list<Part> members) { return ber(0xA2, concat(members)); }
 
-Bytes dataArray(std::initializer_list<Bytes> elements) { return ber(0xA1, concat(elements)); }
+Bytes dataArray(std::initializer_list<Part> elements) { return ber(0xA1, concat(elements)); }
 
 }  // namespace TalTest

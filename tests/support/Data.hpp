@@ -63,9 +63,9 @@ namespace TalTest {
                                 std::uint8_t quality = 0x0A);
 
 /// A2: a structure.
-[[nodiscard]] Bytes dataStructure(std::initializer_list<Bytes> members);
+[[nodiscard]] Bytes dataStructure(std::initializer_list<Part> members);
 
 /// A1: an array.
-[[nodiscard]] Bytes dataArray(std::initializer_list<Bytes> elements);
+[[nodiscard]] Bytes dataArray(std::initializer_list<Part> elements);
 
 }  // namespace TalTest

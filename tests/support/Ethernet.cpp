@@ -94,6 +94,7 @@ Bytes macAddress(std::string_view address) {
         throw std::invalid_argument("not a MAC address");
     }
     Bytes octets;
+    octets.reserve(addressesSize / 2);
     for (std::size_t i = 0; i < textSize; i += 3) {
         if (i > 0 && address[i - 1] != ':') {
             throw std::invalid_argument("not a MAC address");

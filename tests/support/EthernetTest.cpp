@@ -14,7 +14,7 @@ Ethernet plain() { return Ethernet().to("01:0c:cd:01:00:02").from("02:00:00:00:0
 Bytes const addresses = {0x01, 0x0C, 0xCD, 0x01, 0x00, 0x02, 0x02, 0x00, 0x00, 0x00, 0x00, 0x0A};
 
 /// A frame of plain()'s addresses and what is expected after them.
-Bytes behindAddresses(std::initializer_list<Bytes> parts) {
+Bytes behindAddresses(std::initializer_list<Part> parts) {
     return concat({addresses, concat(parts)});
 }
 
