@@ -49,6 +49,9 @@ sed -e 's/^[^ ]*://' -e 's/\\$//' "$included" | xargs cat |
 ]] @ONLY)
   file(CHMOD ${CMAKE_CXX_COMPILER_LAUNCHER} PERMISSIONS
       OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  # Sources that are compiled together are included by their whole paths, which assertions print: without
+  # this, each clone would have texts of its own.
+  add_compile_options(-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
   # What ccache asks for where headers are precompiled.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-fpch-preprocess)
