@@ -36,6 +36,49 @@ ReadAsdu AsduReader::readAt(Octets sequence, AsduPlaces const& places, std::uint
     return read;
 }
 
+/// Finds the sequences of ASDU of packets that follow each other, as long as they were read already
+/// and have an ASDU of the shape that was met last.
+/// @param sequences  set to where each is
+/// @return how many
+std::size_t AsduReader::findAlike(PacketRef first, std::span<std::uint8_t const*> sequences) const {
+    // Compared together; where shapes take turns, few are compared in vain.
+    constexpr std::size_t kTogether = 8;
+    std::size_t alike = 0;
+    while (alike < sequences.size()) {
+        PacketRef const next{.part = first.part,
+                             .packet = first.packet + static_cast<std::uint32_t>(alike)};
+        auto const some = sequences.subspan(alike, std::min(kTogether, sequences.size() - alike));
+        std::size_t const count = shapes_.countLast(some.first(findHeld(next, some)));
+        alike += count;
+        if (count < some.size()) {
+            break;
+        }
+    }
+    return alike;
+}
+
+/// The same for those that may have one, by the columns.
+std::size_t AsduReader::findHeld(PacketRef first, std::span<std::uint8_t const*> sequences) const {
+    StreamPart const& part = stream_.parts[first.part];
+    PacketColumns const& packets = part.packets;
+    std::uint64_t const* const frames = packets.frameOffsets().data() + first.packet;
+    ColumnView<std::uint16_t> const pdus = packets.pduOffsets();
+    ColumnView<std::uint16_t> const asdus = packets.asdus();
+    ColumnView<PacketFlags> const flags = packets.flags();
+    std::size_t const number = shapes_.lastNumber();
+    std::size_t const reach = shapes_.reach();
+    CaptureWindow::Held const held = window_->held(part.file);
+    for (std::size_t i = 0; i < sequences.size(); ++i) {
+        std::size_t const packet = first.packet + i;
+        sequences[i] = held.at(frames[i] + pdus[packet], reach);
+        if (sequences[i] == nullptr || flags[packet].isCut() || asdus[packet] != number)
+            [[unlikely]] {
+            return i;
+        }
+    }
+    return sequences.size();
+}
+
 /// Octets that were captured from the sequence of ASDU on, of a frame that was cut.
 std::size_t AsduReader::capturedAfter(PacketRef ref) {
     StreamPart const& part = stream_.parts[ref.part];

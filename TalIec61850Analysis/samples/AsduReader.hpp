@@ -82,32 +82,26 @@ public:
         if (places == nullptr || places->refrTm != 0 || places->dataSize != size) {
             return 0;
         }
-        std::uint32_t const toData = places->data;
-        std::uint32_t const toAsdu = places->asdu;
-        StreamPart const& part = stream_.parts[first.part];
-        std::uint64_t const* const frames = part.packets.frameOffsets().data() + first.packet;
-        ColumnView<std::uint16_t> const pdus = part.packets.pduOffsets();
-        ColumnView<std::uint16_t> const asdus = part.packets.asdus();
-        ColumnView<PacketFlags> const flags = part.packets.flags();
-        std::size_t const reach = shapes_.reach();
-        CaptureWindow::Held const held = window_->held(part.file);
-        for (std::size_t i = 0; i < data.size(); ++i) {
-            std::size_t const packet = first.packet + i;
-            std::uint64_t const offset = frames[i] + pdus[packet];
-            std::uint8_t const* const octets = held.at(offset, reach);
-            if (octets == nullptr || flags[packet].isCut() ||
-                !shapes_.isLast({octets, reach}, asdus[packet])) [[unlikely]] {
-                return i;
-            }
-            data[i] = octets + toData;
-            takeOffset(i, offset + toAsdu);
+        std::size_t const toData = places->data;
+        std::size_t const toAsdu = places->asdu;
+        PacketColumns const& packets = stream_.parts[first.part].packets;
+        std::uint64_t const* const frames = packets.frameOffsets().data() + first.packet;
+        ColumnView<std::uint16_t> const pdus = packets.pduOffsets();
+        std::size_t const alike = findAlike(first, data);
+        for (std::size_t i = 0; i < alike; ++i) {
+            data[i] += toData;
+            takeOffset(i, frames[i] + pdus[first.packet + i] + toAsdu);
         }
-        return data.size();
+        return alike;
     }
 
 private:
     [[nodiscard]] static ReadAsdu readAt(Octets sequence, AsduPlaces const& places,
                                          std::uint64_t offset);
+    [[nodiscard]] std::size_t findAlike(PacketRef first,
+                                        std::span<std::uint8_t const*> sequences) const;
+    [[nodiscard]] std::size_t findHeld(PacketRef first,
+                                       std::span<std::uint8_t const*> sequences) const;
     [[nodiscard]] ReadAsdu readPlainly(PacketRef ref, std::uint64_t offset, std::size_t number);
     [[nodiscard]] std::size_t capturedAfter(PacketRef ref);
 

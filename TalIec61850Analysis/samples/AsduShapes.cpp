@@ -89,6 +89,18 @@ std::optional<AsduPlaces> findAsdu(Octets sequence, std::size_t number,
     return std::nullopt;
 }
 
+std::size_t AsduShapes::countLast(std::span<std::uint8_t const* const> sequences) const {
+    Shape const& shape = shapes_[last_];
+    if (blocks_.matchAll(sequences, shape.mask, shape.firstHeld)) [[likely]] {
+        return sequences.size();
+    }
+    auto const other =
+        std::find_if_not(sequences.begin(), sequences.end(), [&](std::uint8_t const* sequence) {
+            return blocks_.matches(sequence, shape.mask, shape.firstHeld);
+        });
+    return static_cast<std::size_t>(other - sequences.begin());
+}
+
 AsduPlaces const* AsduShapes::findElsewhere(Octets sequence, std::size_t number) {
     for (std::size_t i = 0; i < shapes_.size(); ++i) {
         // Of frames with several ASDUs, the next one is mostly that of the next shape.

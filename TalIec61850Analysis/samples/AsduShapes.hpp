@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace TalIec61850Analysis::detail {
@@ -47,7 +48,7 @@ public:
     /// @param sequence  from A2 on; at least `reach()` octets, unless there are no more
     /// @return null where no shape fits; valid until `learn` is called
     [[nodiscard]] AsduPlaces const* find(Octets sequence, std::size_t number) {
-        if (last_ < shapes_.size() && isLast(sequence, number)) [[likely]] {
+        if (last_ < shapes_.size() && fits(shapes_[last_], sequence, number)) [[likely]] {
             return last();
         }
         return findElsewhere(sequence, number);
@@ -58,11 +59,12 @@ public:
         return last_ < shapes_.size() ? &shapes_[last_].places : nullptr;
     }
 
-    /// Whether an ASDU is of the shape that was found last, of which there must be one.
-    /// @param sequence  at least `reach()` octets
-    [[nodiscard]] bool isLast(Octets sequence, std::size_t number) const {
-        return fits(shapes_[last_], sequence, number);
-    }
+    /// The number of the ASDUs of that shape, of which there must be one.
+    [[nodiscard]] std::size_t lastNumber() const { return shapes_[last_].number; }
+
+    /// How many ASDUs of that number are of the shape that was found last, up to one that is not.
+    /// @param sequences  of each at least `reach()` octets
+    [[nodiscard]] std::size_t countLast(std::span<std::uint8_t const* const> sequences) const;
 
     /// Remembers a shape, if there is room for it.
     void learn(Octets sequence, std::size_t number, AsduPlaces const& places,

@@ -135,6 +135,31 @@ TEST(AsduShape, FitsNothingThatDiffersInASignificantOctet) {
     expectOnlyWhatFits(longOne, 0);
 }
 
+TEST(AsduShape, IsCountedUpToAnAsduOfAnother) {
+    Bytes const sequence = sequenceOf(threeAsdus(false));
+    std::vector<std::uint8_t> mask;
+    auto const places = findAsdu(sequence, 1, &mask);
+    ASSERT_TRUE(places);
+    AsduShapes shapes;
+    shapes.learn(sequence, 1, *places, mask);
+    EXPECT_EQ(shapes.lastNumber(), 1U);
+    Bytes other = sequence;
+    other[places->data - 1] ^= 1U;  // the length of its data
+    Bytes otherValue = sequence;
+    otherValue[places->data] ^= 1U;
+    for (std::size_t size = 0; size <= 9; ++size) {
+        std::vector<std::uint8_t const*> sequences(size, sequence.data());
+        EXPECT_EQ(shapes.countLast(sequences), size);
+        for (std::size_t i = 0; i < size; ++i) {
+            sequences[i] = otherValue.data();
+            EXPECT_EQ(shapes.countLast(sequences), size);
+            sequences[i] = other.data();
+            EXPECT_EQ(shapes.countLast(sequences), i);
+            sequences[i] = sequence.data();
+        }
+    }
+}
+
 TEST(AsduShape, IsOneOfSeveral) {
     AsduShapes shapes;
     std::vector<Bytes> sequences;

@@ -265,6 +265,36 @@ TEST(BadSamples, ThatWereSnappedHaveWhatWasCaptured) {
     }
 }
 
+TEST(BadSamples, ThatWereSnappedHaveNoOctetsOfTheNextRecord) {
+    SvMessage message;
+    message.asdus = {asduOf(0)};
+    std::size_t const whole = svFrame(svEthernet(), message).size();
+    SampleOptions options;
+    options.layout = SampleLayout({SampleType::int32, SampleType::quality});
+    for (std::size_t missing = 1; missing <= 8; ++missing) {
+        TrafficCapture capture;
+        for (std::uint16_t i = 0; i < 60; ++i) {
+            message.asdus = {asduOf(i)};
+            Bytes const frame = svFrame(svEthernet(), message);
+            if (i == 33) {
+                capture.addSnapped(whole - missing, frame);
+            } else {
+                capture.add(frame);
+            }
+        }
+        ReadStream const read = IndexedWaveform({capture.bytes()}).read(options);
+        ASSERT_EQ(read.rows.size(), 60U);
+        for (std::uint32_t i = 0; i < 60; ++i) {
+            ReadRow const& row = read.rows[i];
+            EXPECT_EQ(row.values.size(), i == 33 ? 0U : 1U) << missing << " " << i;
+            EXPECT_TRUE(row.octets.empty()) << missing << " " << i;
+            if (!row.values.empty()) {
+                EXPECT_EQ(row.values[0], i * 1000 + 7);
+            }
+        }
+    }
+}
+
 TEST(BadSamples, ThatAreDamagedCrashNothing) {
     std::mt19937 random(61850);
     for (int round = 0; round < 60; ++round) {

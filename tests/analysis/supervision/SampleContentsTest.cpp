@@ -120,6 +120,27 @@ TEST(SampleContents, TellsAQualityAtAnyPlaceAmongThoseThatAreAlike) {
     }
 }
 
+TEST(SampleContents, TellsAQualityOfAnyAsduOfAFrame) {
+    for (std::uint32_t asdu = 0; asdu < 2; ++asdu) {
+        auto station = asduStation(2);
+        auto const setFrom = [&](std::size_t number, std::uint32_t quality) {
+            station.changeSvFrom(0, number, [=](SvMessage& message) {
+                std::vector<Sample> channels(8, Sample{1000, 0});
+                channels[2].second = quality;
+                message.asdus[asdu].seqData = samples(channels);
+            });
+        };
+        setFrom(50, 1);
+        setFrom(51, 0);
+        auto const findings = findingsIn(station.captures(), kWithAsdus);
+        ASSERT_EQ(findings.size(), 2U) << asdu;
+        for (std::uint32_t i = 0; i < 2; ++i) {
+            EXPECT_EQ(findings[i].kind, FindingKind::qualityChanged);
+            EXPECT_EQ(findings[i].place->packet.packet, 100 + asdu + i);
+        }
+    }
+}
+
 TEST(SampleContents, TellsQualitiesWhereTheDescriptionHasThem) {
     struct Described {
         std::vector<SampleType> members;

@@ -5,6 +5,7 @@
 #include <TalIec61850Parser/wire/pattern/MaskedBlocks.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "support/Bytes.hpp"
 
@@ -35,6 +36,28 @@ TEST(MaskedBlocks, MatchWhereEverySignificantOctetAgrees) {
         for (std::size_t i = 0; i < size; ++i)
             EXPECT_EQ(blocks.matches(withChanged(frame, i).data(), mask, held), significant[i] == 0)
                 << i << " of " << size;
+    }
+}
+
+TEST(MaskedBlocks, MatchAllWhereEachOfThemDoes) {
+    constexpr std::size_t kSize = 60;
+    MaskedBlocks blocks;
+    blocks.addMask(maskOf(kSize, {7}));
+    Bytes const significant = maskOf(kSize, {0, 5, 15, 33, kSize - 1});
+    auto const mask = blocks.addMask(significant);
+    Bytes const frame = repeat(0x55, kSize);
+    blocks.hold(repeat(0x11, kSize), mask);
+    auto const held = blocks.hold(frame, mask);
+    EXPECT_TRUE(blocks.matchAll({}, mask, held));
+    for (std::size_t other = 0; other < 5; ++other) {
+        for (std::size_t i = 0; i < kSize; ++i) {
+            Bytes const changed = withChanged(frame, i);
+            std::vector<std::uint8_t const*> frames(5, frame.data());
+            EXPECT_TRUE(blocks.matchAll(frames, mask, held));
+            frames[other] = changed.data();
+            EXPECT_EQ(blocks.matchAll(frames, mask, held), significant[i] == 0)
+                << i << " of frame " << other;
+        }
     }
 }
 
