@@ -1,4 +1,5 @@
 #include <TalIec61850Analysis/samples/ChannelDecoder.hpp>
+#include <TalIec61850Analysis/traffic/Vectors.hpp>
 #include <bit>
 #include <cstring>
 #include <type_traits>
@@ -21,12 +22,36 @@ std::uint32_t word(std::uint8_t const* octets) {
     return __builtin_bswap32(value);
 }
 
-/// The first one in the upper half.
-std::uint64_t twoWords(std::uint8_t const* octets) {
-    std::uint64_t value = 0;
-    std::memcpy(&value, octets, sizeof value);
-    return __builtin_bswap64(value);
+/// Of big-endian words. In two steps, which every x86-64 has as instructions.
+FourWords swapped(FourWords words) {
+    auto shorts = load<EightShorts>(&words);
+    shorts = shorts << 8 | shorts >> 8;
+    shorts = __builtin_shufflevector(shorts, shorts, 1, 0, 3, 2, 5, 4, 7, 6);
+    return load<FourWords>(&shorts);
 }
+
+/// Value and quality of two channels that follow each other, of four samples.
+struct TwoChannels {
+    /// @param samples  where each is
+    /// @param offset   of the first channel in each
+    TwoChannels(std::uint8_t const* const* samples, std::size_t offset) {
+        auto const a = load<FourWords>(samples[0] + offset);
+        auto const b = load<FourWords>(samples[1] + offset);
+        auto const c = load<FourWords>(samples[2] + offset);
+        auto const d = load<FourWords>(samples[3] + offset);
+        FourWords const firstOfTwo[2] = {__builtin_shufflevector(a, b, 0, 4, 1, 5),
+                                         __builtin_shufflevector(c, d, 0, 4, 1, 5)};
+        FourWords const secondOfTwo[2] = {__builtin_shufflevector(a, b, 2, 6, 3, 7),
+                                          __builtin_shufflevector(c, d, 2, 6, 3, 7)};
+        values[0] = swapped(__builtin_shufflevector(firstOfTwo[0], firstOfTwo[1], 0, 1, 4, 5));
+        qualities[0] = swapped(__builtin_shufflevector(firstOfTwo[0], firstOfTwo[1], 2, 3, 6, 7));
+        values[1] = swapped(__builtin_shufflevector(secondOfTwo[0], secondOfTwo[1], 0, 1, 4, 5));
+        qualities[1] = swapped(__builtin_shufflevector(secondOfTwo[0], secondOfTwo[1], 2, 3, 6, 7));
+    }
+
+    FourWords values[2];
+    FourWords qualities[2];
+};
 
 /// A number of some octets with its sign.
 std::int64_t withSign(std::uint64_t value, std::size_t size) {
@@ -36,6 +61,9 @@ std::int64_t withSign(std::uint64_t value, std::size_t size) {
     std::uint64_t const sign = std::uint64_t{1} << (8 * size - 1);
     return static_cast<std::int64_t>((value ^ sign) - sign);
 }
+
+/// Octets of a plain channel: its value and its quality.
+constexpr std::size_t kPlainSize = 2 * sizeof(std::uint32_t);
 
 bool isPlain(SampleChannel const& channel) {
     bool const isWord = channel.type == SampleType::int32 || channel.type == SampleType::float32;
@@ -86,7 +114,7 @@ ChannelDecoder::ChannelDecoder(SampleLayout const& layout, std::vector<ChannelCo
     for (std::size_t i = 0; i < layout.channels().size(); ++i) {
         SampleChannel const& channel = layout.channels()[i];
         isPlain_ = isPlain_ && isPlain(channel) && channel.offset == plainEnd;
-        plainEnd += 2 * sizeof(std::uint32_t);
+        plainEnd += kPlainSize;
         ChannelColumn& column = columns[i];
         column.qualities.resize(channel.qualityOffset ? rows : 0);
         Target target{.channel = channel,
@@ -105,30 +133,45 @@ ChannelDecoder::ChannelDecoder(SampleLayout const& layout, std::vector<ChannelCo
 }
 
 void ChannelDecoder::decodePlain(std::uint8_t const* seqData, std::size_t row) const {
-    for (PlainChannel const& channel : plain_) {
-        std::uint32_t const value = word(seqData);
+    decodePlainFrom(0, seqData, row);
+}
+
+/// Decodes the channels from one on.
+void ChannelDecoder::decodePlainFrom(std::size_t first, std::uint8_t const* seqData,
+                                     std::size_t row) const {
+    std::uint8_t const* octets = seqData + first * kPlainSize;
+    for (PlainChannel const& channel : std::span(plain_).subspan(first)) {
+        std::uint32_t const value = word(octets);
         std::memcpy(channel.value + row * sizeof value, &value, sizeof value);
-        channel.quality[row] = word(seqData + sizeof value);
-        seqData += 2 * sizeof value;
+        channel.quality[row] = word(octets + sizeof value);
+        octets += kPlainSize;
     }
 }
 
-/// Channel by channel: where its columns are is looked up once for all rows.
+/// Two channels by two, and of those four rows by four: where the columns are is looked up once for
+/// all rows. What is left over is decoded row by row.
 void ChannelDecoder::decodePlainRows(std::span<std::uint8_t const* const> seqData,
                                      std::size_t row) const {
-    std::uint8_t const* const* const octets = seqData.data();
-    std::size_t const count = seqData.size();
-    std::size_t offset = 0;
-    for (PlainChannel const channel : plain_) {
-        std::uint8_t* const values = channel.value + row * sizeof(std::uint32_t);
-        std::uint32_t* const qualities = channel.quality + row;
-        for (std::size_t i = 0; i < count; ++i) {
-            std::uint64_t const both = twoWords(octets[i] + offset);
-            auto const value = static_cast<std::uint32_t>(both >> 32U);
-            std::memcpy(values + i * sizeof value, &value, sizeof value);
-            qualities[i] = static_cast<std::uint32_t>(both);
+    std::size_t const inFours = seqData.size() / 4 * 4;
+    std::size_t const inTwos = plain_.size() / 2 * 2;
+    for (std::size_t channel = 0; channel < inTwos; channel += 2) {
+        PlainChannel const one = plain_[channel];
+        PlainChannel const other = plain_[channel + 1];
+        for (std::size_t i = 0; i < inFours; i += 4) {
+            TwoChannels const decoded(seqData.data() + i, channel * kPlainSize);
+            store(one.value + (row + i) * sizeof(std::uint32_t), decoded.values[0]);
+            store(one.quality + row + i, decoded.qualities[0]);
+            store(other.value + (row + i) * sizeof(std::uint32_t), decoded.values[1]);
+            store(other.quality + row + i, decoded.qualities[1]);
         }
-        offset += 2 * sizeof(std::uint32_t);
+    }
+    if (inTwos < plain_.size()) {
+        for (std::size_t i = 0; i < inFours; ++i) {
+            decodePlainFrom(inTwos, seqData[i], row + i);
+        }
+    }
+    for (std::size_t i = inFours; i < seqData.size(); ++i) {
+        decodePlain(seqData[i], row + i);
     }
 }
 

@@ -58,6 +58,7 @@ private:
     };
 
     void decodePlain(std::uint8_t const* seqData, std::size_t row) const;
+    void decodePlainFrom(std::size_t first, std::uint8_t const* seqData, std::size_t row) const;
     void decodePlainRows(std::span<std::uint8_t const* const> seqData, std::size_t row) const;
     void decodeAny(std::uint8_t const* seqData, std::size_t row) const;
 

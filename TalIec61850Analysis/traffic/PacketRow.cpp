@@ -1,5 +1,6 @@
 #include <TalIec61850Analysis/time/ShiftedTime.hpp>
 #include <TalIec61850Analysis/traffic/PacketRow.hpp>
+#include <TalIec61850Analysis/traffic/Vectors.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -11,24 +12,6 @@
 namespace TalIec61850Analysis::detail {
 
 namespace {
-
-// The compiler's own vectors: its code for plain loops from rows to columns takes longer.
-using TwoTimes [[gnu::vector_size(16)]] = std::uint64_t;
-using FourWords [[gnu::vector_size(16)]] = std::uint32_t;
-using EightShorts [[gnu::vector_size(16)]] = std::uint16_t;
-
-template <typename Vector>
-Vector load(void const* from) {
-    Vector vector{};
-    std::memcpy(&vector, from, sizeof vector);
-    return vector;
-}
-
-/// Writes one vector, or several that follow one another.
-template <typename Vectors>
-void store(void* to, Vectors const& vectors) {
-    std::memcpy(to, &vectors, sizeof vectors);
-}
 
 /// Rows that become columns together.
 constexpr std::uint32_t kRowsAtOnce = 8;
