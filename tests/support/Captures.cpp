@@ -3,12 +3,30 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <system_error>
 
 namespace TalTest {
 
+namespace {
+
+/// Adds the command line of this process to the file that TAL_CAPTURES_ASKED names, if it does.
+void noteThatCapturesAreAskedFor() {
+    char const* const notes = std::getenv("TAL_CAPTURES_ASKED");
+    if (notes == nullptr) return;
+    std::ifstream own("/proc/self/cmdline");
+    std::string line{std::istreambuf_iterator<char>(own), {}};
+    std::replace(line.begin(), line.end(), '\0', ' ');
+    // At once, as a line: other tests may be running.
+    std::ofstream(notes, std::ios::app) << line + '\n';
+}
+
+}  // namespace
+
 std::optional<std::filesystem::path> capturesFolder() {
+    noteThatCapturesAreAskedFor();
     char const* const chosen = std::getenv("TAL_CAPTURES");
     std::filesystem::path const folder =
         chosen != nullptr ? std::filesystem::path(chosen)

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -65,6 +66,24 @@ TEST_F(RecordedCaptures, AreNoneWithoutAFolderUnlessTheyAreRequired) {
     EXPECT_TRUE(requireCaptures());
     EXPECT_THROW((void)recordedCapturePaths(), std::runtime_error);
     EXPECT_THROW((void)recorded({"a.pcap"}), std::runtime_error);
+}
+
+TEST_F(RecordedCaptures, KnowWhoAsksForThem) {
+    std::string const notes = folder.file("notes");
+    {
+        ScopedVariable const asked("TAL_CAPTURES_ASKED", notes.c_str());
+        ScopedVariable const notRequired("TAL_REQUIRE_CAPTURES", nullptr);
+        static_cast<void>(capture("a.pcap"));
+        EXPECT_TRUE(recordedCapturePaths().empty());
+    }
+    static_cast<void>(capturesFolder());
+    std::ifstream file(notes);
+    std::string line;
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(std::getline(file, line)) << i;
+        EXPECT_NE(line.find("support-tests "), std::string::npos) << line;
+    }
+    EXPECT_FALSE(std::getline(file, line)) << line;
 }
 
 }  // namespace
