@@ -5,6 +5,14 @@
 
 namespace TalIec61850Analysis::detail {
 
+CopyMarker::Met& CopyMarker::metAt(std::size_t number) {
+    std::vector<Met>& chunk = met_[number / kChunk];
+    if (chunk.empty()) {
+        chunk.resize(kChunk);
+    }
+    return chunk[number % kChunk];
+}
+
 bool CopyMarker::isCopy(PacketColumns const& packets, std::size_t packet) {
     // As long as a receiver remembers what it has.
     constexpr std::uint64_t kForgetTime = 400'000'000;
@@ -12,7 +20,7 @@ bool CopyMarker::isCopy(PacketColumns const& packets, std::size_t packet) {
     std::int64_t const time = packets.times()[packet];
     bool const isB = flags.lane() == 'B';
     bool const isPrp = flags.redundancy() == Redundancy::prp;
-    Met& met = met_[packets.redundancySequences()[packet] + (isPrp ? kSequences : 0)];
+    Met& met = metAt(packets.redundancySequences()[packet] + (isPrp ? kSequences : 0));
     // Times come in their order: the difference is right as a number without a sign.
     auto const age = static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(met.time);
     bool const isCopy =
@@ -37,7 +45,6 @@ void CopyMarker::mark(std::span<StreamPart> parts) {
         ColumnsWriter::clearFlag(part.packets, PacketFlags::kCopy);
         flags.push_back(ColumnsWriter::flags(part.packets));
     }
-    met_.resize(2 * kSequences);
     ++stream_;
     // The packets of one frame follow one another, and share what is found for the first.
     std::uint32_t lastPart = 0;

@@ -4,6 +4,7 @@
 
 #include <TalIec61850Analysis/traffic/TrafficIndex.hpp>
 #include <TalIec61850Analysis/traffic/TrafficStream.hpp>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -29,13 +30,18 @@ private:
     };
 
     static constexpr std::size_t kSequences = std::size_t{1} << 16U;
+    static constexpr std::size_t kChunk = 512;
+
+    /// @param number  below 2 * kSequences
+    [[nodiscard]] Met& metAt(std::size_t number);
 
     /// Whether the other way brought a frame before; it is what further ones are compared with.
     /// @param packet  the first one of the frame; frames come in the order of their times
     [[nodiscard]] bool isCopy(PacketColumns const& packets, std::size_t packet);
 
-    /// By protocol of redundancy and sequence number; empty until it is needed.
-    std::vector<Met> met_;
+    /// By protocol of redundancy and sequence number; a chunk is empty until it is needed, so that
+    /// captures of few frames take little.
+    std::array<std::vector<Met>, 2 * kSequences / kChunk> met_;
     std::uint32_t stream_ = 0;
 };
 
