@@ -191,6 +191,40 @@ TEST(RedundantPackets, AreMarkedWhereTheyComeAgainOverTheOtherWay) {
     }
 }
 
+TEST(RedundantPackets, AreMarkedHoweverManyAreBetween) {
+    // All numbers over one LAN, then over the other, each within 400 ms.
+    constexpr std::size_t kNumbers = 0x10000;
+    TrafficCapture capture;
+    std::uint64_t time = 0;
+    for (char const lan : {'A', 'B'}) {
+        Bytes frame = counted(1, Ethernet().withPrp(lan));
+        std::size_t const trailer = frame.size() - 6;
+        for (std::size_t number = 0; number < kNumbers; ++number) {
+            frame[trailer] = static_cast<std::uint8_t>(number >> 8U);
+            frame[trailer + 1] = static_cast<std::uint8_t>(number & 0xFFU);
+            capture.addAt(time += 5'000, frame);
+        }
+    }
+    TrafficIndex const index = capture.index();
+    ASSERT_EQ(index.streams().size(), 1U);
+    EXPECT_EQ(index.streams()[0].packets, kNumbers);
+    EXPECT_EQ(index.streams()[0].copies, kNumbers);
+    auto const flags = index.streams()[0].parts[0].packets.flags();
+    for (std::size_t i = 0; i < 2 * kNumbers; ++i) ASSERT_EQ(flags[i].isCopy(), i >= kNumbers) << i;
+}
+
+TEST(RedundantPackets, AreNoCopiesOfThoseOfTheOtherProtocol) {
+    TrafficCapture capture;
+    for (auto const number : std::vector<std::uint16_t>{0, 7, 0xFFFF}) {
+        capture.add(counted(1, Ethernet().withHsr('A', number)));
+        capture.add(counted(1, Ethernet().withPrp('B', number)));
+    }
+    TrafficIndex const index = capture.index();
+    ASSERT_EQ(index.streams().size(), 1U);
+    EXPECT_EQ(index.streams()[0].packets, 6U);
+    EXPECT_EQ(index.streams()[0].copies, 0U);
+}
+
 TEST(RedundantPackets, AreMarkedWithAllTheirAsdusAndOverFiles) {
     SvMessage message;
     message.asdus = {Asdu(), Asdu(), Asdu()};
