@@ -11,8 +11,8 @@ namespace TalTest {
 /// The folder of recorded captures: the environment's TAL_CAPTURES, or else shared/captures beside
 /// the source tree. nullopt when there is none, for they are not part of the source.
 ///
-/// Where the environment's TAL_CAPTURES_ASKED names a file, the command line of the test that asks is
-/// added to it: scripts/try-clone runs these tests again with the captures.
+/// Where TAL_CAPTURES_ASKED names a file, the command line of the test that asks is added to it:
+/// scripts/try-clone runs these tests again with the captures.
 [[nodiscard]] std::optional<std::filesystem::path> capturesFolder();
 
 /// Whether recorded captures must be there, by the environment's TAL_REQUIRE_CAPTURES: a test of
