@@ -32,7 +32,7 @@ SampleLayout valuesWithQuality(std::size_t channels) {
     return SampleLayout(members);
 }
 
-/// What the word of a sample is: no two are the same, nor any two octets of one.
+/// What the word of a sample is: no two are the same.
 std::uint32_t wordOf(std::size_t sample, std::size_t word) {
     return static_cast<std::uint32_t>(0x01'00'F0'80U + (sample << 24U) + (word << 16U) + sample);
 }
