@@ -12,6 +12,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <system_error>
@@ -23,6 +24,7 @@
 #include "tools/options/NameOptions.hpp"
 #include "tools/options/StreamOptions.hpp"
 #include "tools/options/UsageError.hpp"
+#include "tools/output/BackgroundOutput.hpp"
 #include "tools/output/Complain.hpp"
 #include "tools/output/FileSet.hpp"
 #include "tools/output/Plural.hpp"
@@ -342,9 +344,13 @@ private:
 
     /// Notes are taken once, and told when a record is written: it may be refused until then.
     std::vector<ComtradeLosses> writeRows(SampleRecord const& record, Output* output) {
+        std::optional<BackgroundOutput> background;
+        if (output != nullptr) {
+            background.emplace(*output);
+        }
         ComtradeRows rows(record.record(), [&](std::span<std::uint8_t const> octets) {
-            if (output != nullptr) {
-                output->write({reinterpret_cast<char const*>(octets.data()), octets.size()});
+            if (background) {
+                background->write({reinterpret_cast<char const*>(octets.data()), octets.size()});
             }
         });
         std::vector<SampleNotes> notes;
@@ -360,6 +366,9 @@ private:
             }
         });
         rows.finish();
+        if (background) {
+            background->finish();
+        }
         for (std::size_t source = 0; output != nullptr && source < notes.size(); ++source) {
             // Of several records, each goes through the streams from their starts.
             notes[source].finish(isOnly_ ? counts_[source] : SampleCounts());

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "tools/output/Plural.hpp"
@@ -16,6 +17,7 @@
 namespace TalIec61850Tools {
 
 using TalIec61850Analysis::CaptureSummary;
+using TalIec61850Analysis::ReadMode;
 using TalIec61850Analysis::StreamKey;
 using TalIec61850Analysis::TrafficIndex;
 using TalIec61850Analysis::TrafficOptions;
@@ -23,11 +25,22 @@ using TalIec61850Analysis::TrafficStream;
 
 namespace {
 
+/// How captures are read: ahead, where that takes a processor that no other file would have, and is
+/// worth a thread.
+/// @param jobs  how many files are read at a time; 0 for as many as the machine has cores
+ReadMode readModeFor(std::size_t files, std::uint64_t size, std::size_t jobs) {
+    constexpr std::uint64_t kWorthAThread = std::uint64_t{16} << 20U;
+    std::size_t const threads = jobs == 0 ? std::thread::hardware_concurrency() : jobs;
+    bool const isOneFree = threads >= 2 * files;
+    return isOneFree && size >= kWorthAThread * files ? ReadMode::ahead : ReadMode::plain;
+}
+
 TrafficIndex readCaptures(CommandRun const& run, TrafficOptions options) {
     std::uint64_t size = 0;
     for (CaptureSource const& capture : run.captures()) {
         size += capture.size;
     }
+    options.read = readModeFor(run.captures().size(), size, options.jobs);
     ProgressBar bar = run.progressBar();
     bar.startFile(nameOfAll(run.captures()), size);
     if (bar.isShown()) {
