@@ -1,5 +1,7 @@
+set(TAL_HARDENING "" CACHE STRING "Options that libraries and programs are compiled with, tests are not")
+
 # The warnings of the project's own code. They become errors only where a preset says so, so that
-# a user's newer compiler never fails the build over one.
+# a user's newer compiler never fails the build over one. What hardens libraries and programs goes along with them.
 function(tal_compile_options target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -9,6 +11,8 @@ function(tal_compile_options target)
       # bug 105651).
       $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
       $<$<BOOL:${TAL_WARNINGS_AS_ERRORS}>:-Werror>)
+  separate_arguments(hardening UNIX_COMMAND "${TAL_HARDENING}")
+  target_compile_options(${target} PRIVATE ${hardening})
 endfunction()
 
 # Defines a path of this build, for those sources of a target that name it: all others are compiled
