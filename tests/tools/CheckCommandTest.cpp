@@ -279,6 +279,26 @@ TEST(CheckTable, FitsATerminal) {
     }
 }
 
+TEST(CheckTable, HasWholeSentencesOnATerminal) {
+    auto station = troubledStation();
+    StationFiles const files(station);
+    auto const withoutBlanks = [](std::string text) {
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+        return text;
+    };
+    auto const shown = withoutBlanks(
+        runCompanion(files.check(), {.output = StandardOutputIs::terminal,
+                                     .outputColumns = 80,
+                                     .environment = {{"NO_COLOR", "1"}, {"LC_ALL", "C"}}})
+            .out);
+    auto const rows = checkRows(files);
+    EXPECT_GT(rows.size(), 3U);
+    for (auto const& row : rows) {
+        auto const sentence = row["text"].get<std::string>();
+        EXPECT_NE(shown.find(withoutBlanks(sentence)), std::string::npos) << sentence;
+    }
+}
+
 TEST(CheckTable, EscapesNames) {
     FaultyStation station;
     station.add({.svID = "\x1b[2J\nMU", .frames = 400});

@@ -122,6 +122,44 @@ TEST(FittedTable, IsNeverWiderThanItsRoom) {
     }
 }
 
+std::vector<Heading> const kSentences = {
+    {"N", Align::right, {.rank = 0}},
+    {"TEXT", Align::left, {.rank = 1, .least = 8, .wraps = true}},
+    {"END", Align::left, {.rank = 2}}};
+
+TEST(FittedTable, GoesOnBelowWithSentences) {
+    EXPECT_EQ(
+        tableOf(kSentences, {{"1", "one two three four", "x"}, {"2", "five", "y"}}, 17),
+        (Cells{"N  TEXT       END", "1  one two    x", "   three", "   four", "2  five       y"}));
+    EXPECT_EQ(tableOf(kSentences, {{"1", "one two three four", "x"}}, 80),
+              (Cells{"N  TEXT                END", "1  one two three four  x"}));
+}
+
+TEST(FittedTable, BreaksAWordThatIsWiderThanItsColumn) {
+    EXPECT_EQ(tableOf(kSentences, {{"1", "a bcdefghijklmnopq", "x"}}, 16),
+              (Cells{"N  TEXT      END", "1  a         x", "   bcdefghi", "   jklmnopq"}));
+}
+
+TEST(FittedTable, HasNoMoreThanEightLinesOfASentence) {
+    std::string const eight = "aaaaaaaa bbbbbbbb cccccccc dddddddd eeeeeeee ffffffff gggggggg ";
+    auto const whole = tableOf(kSentences, {{"1", eight + "hhhhhhhh", "-"}}, 11);
+    ASSERT_EQ(whole.size(), 9U);
+    EXPECT_EQ(whole.back(), "   hhhhhhhh");
+    auto const cut = tableOf(kSentences, {{"1", eight + "hhhhhhhh i", "-"}}, 11);
+    ASSERT_EQ(cut.size(), 9U);
+    EXPECT_EQ(cut.back(), "   hhhhh...");
+}
+
+TEST(FittedTable, OfSentencesIsNeverWiderThanItsRoom) {
+    Cells const row = {"1", "S\u00fcd \u4e2d\u6587\u4e2d\u6587 abcdefghijklmnop end", "x"};
+    for (std::size_t columns = 1; columns < 60; ++columns) {
+        for (auto const& line : tableOf(kSentences, {row}, columns)) {
+            ASSERT_LE(countColumns(line), columns) << line;
+            ASSERT_FALSE(line.ends_with(' ')) << line;
+        }
+    }
+}
+
 /// What a command writes to a terminal.
 ProcessResult onTerminal(Arguments const& command, int columns, std::string const& locale = "C") {
     auto const result =

@@ -39,6 +39,8 @@ struct Fit {
     Cut cut = Cut::end;
     /// Whether it is shown without a value in any row.
     bool isShownEmpty = false;
+    /// Whether a cell that is too wide goes on in the lines below, and is not cut.
+    bool wraps = false;
 };
 
 /// The head of a column of a table for people.

@@ -14,6 +14,28 @@ namespace {
 
 constexpr std::string_view kGap = "  ";
 
+/// Lines that one row takes at most.
+constexpr std::size_t kMostLines = 8;
+
+/// Breaks a cell into lines of so many columns, between words where it can.
+std::vector<std::string> wrapCell(std::string_view cell, TableRoom const& room,
+                                  std::size_t columns) {
+    std::vector<std::string> lines;
+    while (countColumns(cell) > columns && lines.size() + 1 < kMostLines) {
+        std::size_t const fitting = shorten(cell, columns, Cut::end, "").size();
+        std::size_t const blank = cell.rfind(' ', fitting);
+        bool const isBetweenWords = blank != std::string_view::npos && blank != 0;
+        std::size_t const size = isBetweenWords ? blank : fitting;
+        if (size == 0) {
+            break;  // a character is wider than the column
+        }
+        lines.emplace_back(cell.substr(0, size));
+        cell.remove_prefix(isBetweenWords ? size + 1 : size);
+    }
+    lines.push_back(shorten(cell, columns, Cut::end, room.ellipsis));
+    return lines;
+}
+
 }  // namespace
 
 TableLines::TableLines(std::vector<Heading> headings, TextSink sink, bool inColour,
@@ -29,7 +51,7 @@ TableLines::TableLines(std::vector<Heading> headings, TextSink sink, bool inColo
 
 void TableLines::add(std::vector<std::string> const& cells) {
     if (!isHolding_) {
-        sink_(makeLine(cells));
+        sink_(makeRow(cells));
         return;
     }
     held_.push_back(cells);
@@ -59,11 +81,12 @@ void TableLines::writeHeld() {
     if (room_) {
         fit();
     }
-    std::string head = makeLine(heads, false);
-    head.pop_back();
-    sink_(emphasise(head, inColour_) + "\n");
+    line_.clear();
+    appendLine(heads, false);
+    line_.pop_back();
+    sink_(emphasise(line_, inColour_) + "\n");
     for (auto const& cells : std::exchange(held_, {})) {
-        sink_(makeLine(cells));
+        sink_(makeRow(cells));
     }
     isHolding_ = false;
 }
@@ -122,8 +145,41 @@ void TableLines::fit() {
     }
 }
 
-std::string const& TableLines::makeLine(std::vector<std::string> const& cells, bool isRow) {
+bool TableLines::isWrapped(std::vector<std::string> const& cells, std::size_t column) const {
+    return room_ && headings_[column].fit.wraps && countColumns(cells[column]) > widths_[column];
+}
+
+std::string const& TableLines::makeRow(std::vector<std::string> const& cells) {
     line_.clear();
+    std::vector<std::size_t> wrapped;
+    std::copy_if(shown_.begin(), shown_.end(), std::back_inserter(wrapped),
+                 [&](std::size_t column) { return isWrapped(cells, column); });
+    if (wrapped.empty()) {
+        appendLine(cells, inColour_);
+        return line_;
+    }
+    std::vector<std::vector<std::string>> texts;
+    std::size_t count = 0;
+    for (std::size_t const column : wrapped) {
+        texts.push_back(wrapCell(cells[column], *room_, widths_[column]));
+        count = std::max(count, texts.back().size());
+    }
+    auto line = cells;
+    for (std::size_t number = 0; number < count; ++number) {
+        for (std::size_t i = 0; i < wrapped.size(); ++i) {
+            line[wrapped[i]] = number < texts[i].size() ? texts[i][number] : std::string();
+        }
+        appendLine(line, inColour_);
+        if (number == 0) {
+            line.assign(cells.size(), "");
+        } else {
+            line_.replace(line_.find_last_not_of(" \n") + 1, std::string::npos, 1, '\n');
+        }
+    }
+    return line_;
+}
+
+void TableLines::appendLine(std::vector<std::string> const& cells, bool isPainted) {
     for (std::size_t const i : shown_) {
         std::string_view cell = cells[i];
         std::string cut;
@@ -136,9 +192,8 @@ std::string const& TableLines::makeLine(std::vector<std::string> const& cells, b
         std::size_t const blanks = widths_[i] - std::min(columns, widths_[i]);
         bool const isRight = headings_[i].align == Align::right;
         bool const isLast = i == shown_.back();
-        bool const isPainted = inColour_ && headings_[i].paint != nullptr && isRow;
         line_.append(isRight ? blanks : 0, ' ');
-        if (isPainted) {
+        if (isPainted && headings_[i].paint != nullptr && !cell.empty()) {
             line_ += headings_[i].paint(cell);
         } else {
             line_ += cell;
@@ -146,7 +201,6 @@ std::string const& TableLines::makeLine(std::vector<std::string> const& cells, b
         line_.append(isRight || isLast ? 0 : blanks, ' ').append(isLast ? "" : kGap);
     }
     line_ += '\n';
-    return line_;
 }
 
 }  // namespace TalIec61850Tools

@@ -25,7 +25,8 @@ struct TableRoom {
 /// are held back until then, and a wider cell after them moves the rest of its line.
 ///
 /// In a table that has to fit, columns come in the order of their rank. Those without a value in
-/// the first rows are left out, and those that there is no room for; wide cells are cut.
+/// the first rows are left out, and those that there is no room for; wide cells are cut, or go on
+/// in the lines below.
 class TableLines {
 public:
     static constexpr std::size_t kRowsForWidths = 10'000;
@@ -52,9 +53,11 @@ public:
     [[nodiscard]] std::vector<std::string> const& withoutRoom() const { return withoutRoom_; }
 
 private:
-    /// @param isRow  not the headings
-    [[nodiscard]] std::string const& makeLine(std::vector<std::string> const& cells,
-                                              bool isRow = true);
+    /// @return a line, and those below it in which cells go on
+    [[nodiscard]] std::string const& makeRow(std::vector<std::string> const& cells);
+    /// @param isPainted  whether cells have their colours
+    void appendLine(std::vector<std::string> const& cells, bool isPainted);
+    [[nodiscard]] bool isWrapped(std::vector<std::string> const& cells, std::size_t column) const;
     void widen(std::vector<std::string> const& cells);
     void writeHeld();
     void fit();

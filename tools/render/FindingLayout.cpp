@@ -131,7 +131,7 @@ RowLayout<FindingRow> findingLayout(bool areDescribed) {
         column("severity", {"LEVEL", Align::left, {.rank = 1}, paintSeverity}),
         column("finding", {"FINDING", Align::left, {.rank = 4, .least = kLeastKind}}),
         {{"SVID/GOCBREF", Align::left, fitName(2, kLeastName)}, nameCell},
-        column("text", {"TEXT", Align::left, {.rank = 3, .least = kLeastText}}),
+        column("text", {"TEXT", Align::left, {.rank = 3, .least = kLeastText, .wraps = true}}),
     };
     return layout;
 }

@@ -201,7 +201,7 @@ RowLayout<StationCheckRow> stationCheckLayout(Format format) {
         column("result", {"RESULT", Align::left, {.rank = 0}, paintResult}),
         column("ied", {"IED", Align::left, fitName(5, kLeastName)}),
         {{"CONTROLBLOCK", Align::left, fitName(1, kLeastName)}, anyNameCell},
-        {{"TEXT", Align::left, {.rank = 2, .least = kLeastText}}, resultTextCell},
+        {{"TEXT", Align::left, {.rank = 2, .least = kLeastText, .wraps = true}}, resultTextCell},
         column("packets", {"PACKETS", Align::right, {.rank = 4}}),
         {{"FILE@POSITION", Align::left, fitFile(3)}, shownLocatorCell},
     };
