@@ -1,7 +1,7 @@
 set(TAL_HARDENING "" CACHE STRING "Options that libraries and programs are compiled with, tests are not")
 
-# The warnings of the project's own code. They become errors only where a preset says so, so that
-# a user's newer compiler never fails the build over one. What hardens libraries and programs goes along with them.
+# The warnings of the project's own code, and what hardens it. Warnings become errors only where a
+# preset says so, so that a user's newer compiler never fails the build over one.
 function(tal_compile_options target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)

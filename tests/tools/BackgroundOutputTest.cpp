@@ -23,7 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using TalTest::TempDir;
-using TalTest::text;
 
 /// More than is handed over at once.
 constexpr std::size_t kSeveralPieces = std::size_t{3} << 20U;
