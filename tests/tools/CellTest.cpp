@@ -12,21 +12,21 @@ namespace TalIec61850Tools::CellTest {
 namespace {
 
 std::string csv(Cell const& cell) {
-    std::string line = "<";
+    TextLine line;
     appendCsv(line, cell);
-    return line.substr(1);
+    return std::string(line.view());
 }
 
 std::string json(Cell const& cell) {
-    std::string line = "<";
+    TextLine line;
     appendJson(line, cell);
-    return line.substr(1);
+    return std::string(line.view());
 }
 
 std::string table(Cell const& cell) {
-    std::string line = "<";
+    TextLine line;
     appendTable(line, cell);
-    return line.substr(1);
+    return std::string(line.view());
 }
 
 std::string csv(char const* text) { return csv(Cell(std::string_view(text))); }

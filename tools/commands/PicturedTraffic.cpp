@@ -200,9 +200,7 @@ std::string PicturedTraffic::nameOf(TrafficStream const& stream) const {
     if (namesakes == namesakes_.end() || namesakes->second < 2 || !key.source) {
         return key.name;
     }
-    std::string text = key.name + " from ";
-    appendTable(text, addressCell(key.source));
-    return text;
+    return key.name + " from " + tableText(addressCell(key.source));
 }
 
 /// By the first message of a stream: the lanes of a picture are those of one data set.

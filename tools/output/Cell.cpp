@@ -1,7 +1,6 @@
 #include "tools/output/Cell.hpp"
 
-#include <fmt/format.h>
-
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "tools/output/DumpJson.hpp"
@@ -40,47 +39,37 @@ CharacterBits bitsOf(std::string_view text) {
     return bits;
 }
 
-void appendQuoted(std::string& line, std::string_view text) {
-    line += '"';
+void appendQuoted(TextLine& line, std::string_view text) {
+    line.append('"');
     for (char const c : text) {
-        line.append(c == '"' ? 2 : 1, c);
+        if (c == '"') {
+            line.append(c);
+        }
+        line.append(c);
     }
-    line += '"';
+    line.append('"');
 }
 
 /// A text that is safe in a line.
-void appendCsvText(std::string& line, std::string_view text) {
+void appendCsvText(TextLine& line, std::string_view text) {
     if (text.empty() || (bitsOf(text) & kNeedsQuotes) != 0) {
         appendQuoted(line, text);
     } else {
-        line += text;
+        line.append(text);
     }
 }
 
 /// What the formats have alike: numbers, truth, and what is ready.
 struct PlainAppender {
-    std::string& line;
+    TextLine& line;
 
     void operator()(bool value) const {
-        line += value ? std::string_view("true") : std::string_view("false");
+        line.append(value ? std::string_view("true") : std::string_view("false"));
     }
-    void operator()(std::int64_t number) const { appendDigits(number); }
-    void operator()(std::uint64_t number) const {
-        // Most fit half of it, which is divided faster.
-        if (auto const half = static_cast<std::uint32_t>(number); half == number) {
-            appendDigits(half);
-        } else {
-            appendDigits(number);
-        }
-    }
-    void operator()(double number) const { line += dumpJson(nlohmann::json(number)); }
-    void operator()(ReadyText ready) const { line += ready.text; }
-
-private:
-    void appendDigits(std::integral auto number) const {
-        fmt::format_int const digits(number);
-        line.append(digits.data(), digits.size());
-    }
+    void operator()(std::int64_t number) const { line.appendNumber(number); }
+    void operator()(std::uint64_t number) const { line.appendNumber(number); }
+    void operator()(double number) const { line.append(dumpJson(nlohmann::json(number))); }
+    void operator()(ReadyText ready) const { line.append(ready.text); }
 };
 
 struct CsvAppender : PlainAppender {
@@ -91,12 +80,12 @@ struct CsvAppender : PlainAppender {
     void operator()(std::string_view text) const {
         CharacterBits const bits = bitsOf(text);
         if (bits == 0 && !text.empty()) {
-            line += text;
+            line.append(text);
         } else {
             appendCsvText(line, (bits & kNeedsEscape) != 0 ? escapeText(text) : std::string(text));
         }
     }
-    void operator()(ShortText const& text) const { line += text.view(); }
+    void operator()(ShortText const& text) const { line.append(text); }
 };
 
 struct SpreadsheetAppender : CsvAppender {
@@ -117,39 +106,39 @@ struct SpreadsheetAppender : CsvAppender {
 struct JsonAppender : PlainAppender {
     using PlainAppender::operator();
 
-    void operator()(Absent /*absent*/) const { line += "null"; }
-    void operator()(JsonText const& json) const { line += json.text; }
+    void operator()(Absent /*absent*/) const { line.append("null"); }
+    void operator()(JsonText const& json) const { line.append(json.text); }
     void operator()(std::string_view text) const {
         if ((bitsOf(text) & kNotAsItIs) == 0) {
-            line += '"';
-            line += text;
-            line += '"';
+            line.append('"');
+            line.append(text);
+            line.append('"');
         } else {
-            line += dumpJson(nlohmann::json(text));
+            line.append(dumpJson(nlohmann::json(text)));
         }
     }
     void operator()(ShortText const& text) const {
-        line += '"';
-        line += text.view();
-        line += '"';
+        line.append('"');
+        line.append(text);
+        line.append('"');
     }
 };
 
 struct TableAppender : PlainAppender {
     using PlainAppender::operator();
 
-    void operator()(Absent /*absent*/) const { line += kAbsentCell; }
-    void operator()(JsonText const& json) const { line += json.text; }
+    void operator()(Absent /*absent*/) const { line.append(kAbsentCell); }
+    void operator()(JsonText const& json) const { line.append(json.text); }
     void operator()(std::string_view text) const {
         if (text.empty()) {
-            line += "\"\"";
+            line.append("\"\"");
         } else if ((bitsOf(text) & kNeedsEscape) == 0) {
-            line += text;
+            line.append(text);
         } else {
-            line += escapeText(text);
+            line.append(escapeText(text));
         }
     }
-    void operator()(ShortText const& text) const { line += text.view(); }
+    void operator()(ShortText const& text) const { line.append(text); }
 };
 
 }  // namespace
@@ -159,20 +148,24 @@ bool Cell::isNumber() const {
            std::holds_alternative<std::uint64_t>(value_) || std::holds_alternative<double>(value_);
 }
 
-void appendCsv(std::string& line, Cell const& cell) {
-    std::visit(CsvAppender{{line}}, cell.value());
-}
+void appendCsv(TextLine& line, Cell const& cell) { std::visit(CsvAppender{{line}}, cell.value()); }
 
-void appendSpreadsheetCell(std::string& line, Cell const& cell) {
+void appendSpreadsheetCell(TextLine& line, Cell const& cell) {
     std::visit(SpreadsheetAppender{{{line}}}, cell.value());
 }
 
-void appendJson(std::string& line, Cell const& cell) {
+void appendJson(TextLine& line, Cell const& cell) {
     std::visit(JsonAppender{{line}}, cell.value());
 }
 
-void appendTable(std::string& line, Cell const& cell) {
+void appendTable(TextLine& line, Cell const& cell) {
     std::visit(TableAppender{{line}}, cell.value());
+}
+
+std::string tableText(Cell const& cell) {
+    TextLine line;
+    appendTable(line, cell);
+    return std::string(line.view());
 }
 
 }  // namespace TalIec61850Tools

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <concepts>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,27 +8,10 @@
 #include <utility>
 #include <variant>
 
+#include "tools/output/ShortText.hpp"
+#include "tools/output/TextLine.hpp"
+
 namespace TalIec61850Tools {
-
-/// A text that is made for one cell, such as a time; it is kept in place. It holds letters, digits
-/// and such marks as no format has to escape.
-class ShortText {
-public:
-    static constexpr std::size_t kCapacity = 38;
-
-    ShortText() = default;
-    /// @param text  what is beyond the capacity is left out
-    explicit ShortText(std::string_view text)
-        : size_(static_cast<std::uint8_t>(std::min(text.size(), kCapacity))) {
-        std::copy_n(text.begin(), size_, text_.begin());
-    }
-
-    [[nodiscard]] std::string_view view() const { return {text_.data(), size_}; }
-
-private:
-    std::array<char, kCapacity> text_{};
-    std::uint8_t size_ = 0;
-};
 
 /// JSON on one line, for a value with parts.
 struct JsonText {
@@ -65,7 +45,7 @@ public:
     Cell(std::string_view text) : value_(text) {}
     Cell(std::string const& text) : value_(std::string_view(text)) {}
     Cell(std::string&& text) : value_(std::move(text)) {}
-    Cell(ShortText text) : value_(text) {}
+    Cell(ShortText const& text) : value_(text) {}
     Cell(JsonText json) : value_(std::move(json)) {}
     Cell(ReadyText text) : value_(text) {}
     template <typename T>
@@ -84,18 +64,21 @@ private:
 
 /// Appends a cell of comma-separated values, quoted as RFC 4180 requires. Texts pass `escapeText`,
 /// so that every row is one line; what is absent is an empty cell, an empty text is "".
-void appendCsv(std::string& line, Cell const& cell);
+void appendCsv(TextLine& line, Cell const& cell);
 
 /// The same for a spreadsheet: a text that it would take for a formula (after =, +, -, @) has an
 /// apostrophe in front.
-void appendSpreadsheetCell(std::string& line, Cell const& cell);
+void appendSpreadsheetCell(TextLine& line, Cell const& cell);
 
 /// Appends a value of JSON, in ASCII; what is absent is null. Texts are not altered, except that
 /// octets that are no UTF-8 become U+FFFD.
-void appendJson(std::string& line, Cell const& cell);
+void appendJson(TextLine& line, Cell const& cell);
 
 /// Appends a cell of a table, safe for a terminal; what is absent is kAbsentCell.
-void appendTable(std::string& line, Cell const& cell);
+void appendTable(TextLine& line, Cell const& cell);
+
+/// The same as a text of its own.
+[[nodiscard]] std::string tableText(Cell const& cell);
 
 /// The text of a table's cell for what a row does not have.
 inline constexpr std::string_view kAbsentCell = "-";

@@ -19,8 +19,9 @@ struct Field {
     /// Absent for what the row lacks.
     std::function<Cell(Row const& row)> cell;
     /// An object of which alone the value depends, and which many rows have in common: its text is
-    /// made once. It stays as it is while rows are written. Null for a field of the row alone; so
-    /// may be what it gives for a row.
+    /// made once. It stays as it is while rows are written. A constant serves where rows have in
+    /// common that they lack the field. Null for a field of the row alone; so may be what it gives
+    /// for a row.
     void const* (*sharedBy)(Row const& row) = nullptr;
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/output/RowLayout.hpp"
+#include "tools/output/TextLine.hpp"
 
 namespace TalIec61850Tools {
 
@@ -56,18 +57,18 @@ public:
         line_.clear();
         for (Run& run : runs_) {
             if (void const* const object = run.sharedBy != nullptr ? run.sharedBy(row) : nullptr) {
-                line_ += sharedText(run, object, row);
+                line_.append(sharedText(run, object, row));
             } else {
                 appendPieces(line_, run, row);
             }
         }
         if (!isJson_) {
-            line_.push_back('\n');
-            return std::string_view(line_).substr(1);  // without the first comma
+            line_.append('\n');
+            return line_.view().substr(1);  // without the first comma
         }
-        line_ += "}\n";
-        line_[0] = '{';
-        return line_;
+        line_.append("}\n");
+        line_.replaceFirst('{');
+        return line_.view();
     }
 
     /// Forgets the texts of what rows had in common; see Field::sharedBy.
@@ -95,7 +96,7 @@ private:
         std::string const* lastText = nullptr;
     };
 
-    using Append = void (*)(std::string& line, Cell const& cell);
+    using Append = void (*)(TextLine& line, Cell const& cell);
 
     [[nodiscard]] static Append appenderOf(Format format) {
         switch (format) {
@@ -112,11 +113,11 @@ private:
         return format == Format::json ? "\"" + std::string(name) + "\":" : std::string();
     }
 
-    void appendPieces(std::string& text, Run const& run, Row const& row) const {
+    void appendPieces(TextLine& text, Run const& run, Row const& row) const {
         for (Piece const& piece : run.pieces) {
-            text.push_back(',');
+            text.append(',');
             if (isJson_) {
-                text += piece.name;
+                text.append(piece.name);
             }
             Cell const cell = piece.cell(row);
             if (isJson_ || !cell.isAbsent()) {  // csv has nothing then
@@ -130,7 +131,9 @@ private:
         if (object != run.lastObject) {
             auto const [known, isNew] = run.known.try_emplace(object);
             if (isNew) {
-                appendPieces(known->second, run, row);
+                TextLine text;
+                appendPieces(text, run, row);
+                known->second = text.view();
             }
             run.lastObject = object;
             run.lastText = &known->second;
@@ -141,7 +144,7 @@ private:
     bool isJson_;
     Append append_;
     std::vector<Run> runs_;
-    std::string line_;
+    TextLine line_;
 };
 
 }  // namespace TalIec61850Tools

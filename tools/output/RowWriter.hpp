@@ -9,6 +9,7 @@
 #include "tools/output/RowLayout.hpp"
 #include "tools/output/RowLines.hpp"
 #include "tools/output/TableLines.hpp"
+#include "tools/output/TextLine.hpp"
 #include "tools/output/TextSink.hpp"
 #include "tools/output/WithoutRoom.hpp"
 
@@ -52,8 +53,9 @@ public:
         }
         for (std::size_t i = 0; i < cells_.size(); ++i) {
             Cell const cell = layout_.columns[i].cell(row);
-            cells_[i].clear();
-            appendTable(cells_[i], cell);
+            text_.clear();
+            appendTable(text_, cell);
+            cells_[i] = text_.view();
             if (layout_.columns[i].heading.align == Align::byValue && cell.isNumber()) {
                 table_->alignRight(i);
             }
@@ -90,6 +92,8 @@ private:
     /// The one of the format is set.
     std::optional<RowLines<Row>> lines_;
     std::optional<TableLines> table_;
+    /// The text of a cell, while it is made.
+    TextLine text_;
     /// Texts of a row in a table.
     std::vector<std::string> cells_;
 };

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <TalIec61850Analysis/packet/GooseView.hpp>
+#include <array>
 #include <variant>
 
 #include "tools/render/Cells.hpp"
@@ -118,6 +119,25 @@ void const* streamOf(Packet row) { return row.packet().stream; }
 /// The same for the name of the file.
 void const* fileOf(Packet row) { return row.file().data(); }
 
+/// The same for fields that packets of the other protocol lack.
+template <Protocol other>
+void const* lackedBy(Packet row) {
+    static constexpr Protocol lacking = other;
+    return isOf(row, other) ? &lacking : nullptr;
+}
+
+/// The same for what packets of HSR and PRP alone have.
+void const* withoutRedundancy(Packet row) {
+    static constexpr Redundancy none = Redundancy::none;
+    return flagsOf(row).redundancy() == none ? &none : nullptr;
+}
+
+/// The same for the place of a packet that was read.
+void const* placeOf(Packet row) {
+    static constexpr std::array places = {Place::inside, Place::before, Place::after};
+    return row.isUnread() ? nullptr : &places.at(static_cast<std::size_t>(row.packet().place));
+}
+
 std::vector<Field<PacketRow>> fieldsOfPackets() {
     return {
         {"time", [](Packet r) { return timeCell(r.packet().time()); }},
@@ -133,20 +153,24 @@ std::vector<Field<PacketRow>> fieldsOfPackets() {
         {"appId", appIdOf, streamOf},
         {"svID", [](Packet r) { return nameOf(r, Protocol::sv); }, streamOf},
         {"gocbRef", [](Packet r) { return nameOf(r, Protocol::goose); }, streamOf},
-        {"asdu", asduCell},
-        {"stNum", [](Packet r) { return firstCounterCell(r, Protocol::goose); }},
-        {"sqNum", [](Packet r) { return secondCounterCell(r, Protocol::goose); }},
-        {"timeAllowedToLive", timeAllowedCell},
+        {"asdu", asduCell, lackedBy<Protocol::goose>},
+        {"stNum", [](Packet r) { return firstCounterCell(r, Protocol::goose); },
+         lackedBy<Protocol::sv>},
+        {"sqNum", [](Packet r) { return secondCounterCell(r, Protocol::goose); },
+         lackedBy<Protocol::sv>},
+        {"timeAllowedToLive", timeAllowedCell, lackedBy<Protocol::sv>},
         {"simulated", simulatedCell},
-        {"smpCnt", [](Packet r) { return firstCounterCell(r, Protocol::sv); }},
-        {"smpSynch", [](Packet r) { return secondCounterCell(r, Protocol::sv); }},
-        {"hsrLane", [](Packet r) { return laneCell(r, Redundancy::hsr); }},
-        {"prpLane", [](Packet r) { return laneCell(r, Redundancy::prp); }},
-        {"redundancySequence", sequenceCell},
+        {"smpCnt", [](Packet r) { return firstCounterCell(r, Protocol::sv); },
+         lackedBy<Protocol::goose>},
+        {"smpSynch", [](Packet r) { return secondCounterCell(r, Protocol::sv); },
+         lackedBy<Protocol::goose>},
+        {"hsrLane", [](Packet r) { return laneCell(r, Redundancy::hsr); }, withoutRedundancy},
+        {"prpLane", [](Packet r) { return laneCell(r, Redundancy::prp); }, withoutRedundancy},
+        {"redundancySequence", sequenceCell, withoutRedundancy},
         {"capturedOctets", [](Packet r) -> Cell { return r.record().record.capturedSize; }},
         {"wireOctets", [](Packet r) -> Cell { return r.record().record.originalSize; }},
-        {"place", [](Packet r) -> Cell { return toText(r.packet().place); }},
-        {"unreadable", reasonCell},
+        {"place", [](Packet r) -> Cell { return toText(r.packet().place); }, placeOf},
+        {"unreadable", reasonCell, placeOf},
     };
 }
 

@@ -1,11 +1,11 @@
 #include "tools/render/UtcText.hpp"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
+
+#include "tools/output/NineDigits.hpp"
 
 namespace TalIec61850Tools {
 
@@ -63,16 +63,14 @@ SecondText const& secondTextOf(std::chrono::sys_seconds second) {
 }  // namespace
 
 ShortText toUtcCell(TalIec61850Analysis::CaptureTime time) {
-    constexpr std::size_t decimals = 9;
-    constexpr std::uint32_t oneSecond = 1'000'000'000;  // as a leading 1 it keeps the zeros
     auto const second = std::chrono::floor<std::chrono::seconds>(time);
-    fmt::format_int const digits(oneSecond + static_cast<std::uint32_t>((time - second).count()));
-    std::array<char, SecondText::kSize + decimals + 1> text{};
-    auto* const end =
-        std::copy_n(secondTextOf(second).text.begin(), SecondText::kSize, text.begin());
-    std::copy_n(digits.data() + 1, decimals, end);
-    text.back() = 'Z';
-    return ShortText({text.data(), text.size()});
+    auto const nanoseconds = static_cast<std::uint32_t>((time - second).count());
+    auto const& upToSecond = secondTextOf(second).text;
+    ShortText::Octets text{};
+    char* const fraction = std::copy(upToSecond.begin(), upToSecond.end(), text.data());
+    char* const end = writeNineDigits(fraction, nanoseconds);
+    *end = 'Z';
+    return {text, static_cast<std::size_t>(end + 1 - text.data())};
 }
 
 std::string toUtcText(TalIec61850Analysis::CaptureTime time) {

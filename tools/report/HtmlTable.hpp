@@ -55,9 +55,7 @@ public:
         HtmlRow made;
         for (std::size_t i = 0; i < cells.size(); ++i) {
             hasValue_[i] = hasValue_[i] || !cells[i].isAbsent();
-            std::string text;
-            appendTable(text, cells[i]);
-            made.cells.push_back(std::move(text));
+            made.cells.push_back(tableText(cells[i]));
         }
         made.link = wish_.link ? wish_.link(row) : "";
         made.kind = wish_.kind ? wish_.kind(row) : "";
@@ -74,7 +72,7 @@ public:
     [[nodiscard]] std::size_t sizeOf(Row const& row) const {
         HtmlRow made;
         for (Cell const& cell : cellsOf(row)) {
-            appendTable(made.cells.emplace_back(), cell);
+            made.cells.push_back(tableText(cell));
         }
         made.drawn = wish_.draw ? wish_.draw(row) : "";
         return sizeOf(made);
