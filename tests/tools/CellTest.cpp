@@ -13,20 +13,23 @@ namespace {
 
 std::string csv(Cell const& cell) {
     TextLine line;
+    line.append('<');
     appendCsv(line, cell);
-    return std::string(line.view());
+    return std::string(line.view().substr(1));
 }
 
 std::string json(Cell const& cell) {
     TextLine line;
+    line.append('<');
     appendJson(line, cell);
-    return std::string(line.view());
+    return std::string(line.view().substr(1));
 }
 
 std::string table(Cell const& cell) {
     TextLine line;
+    line.append('<');
     appendTable(line, cell);
-    return std::string(line.view());
+    return std::string(line.view().substr(1));
 }
 
 std::string csv(char const* text) { return csv(Cell(std::string_view(text))); }

@@ -119,11 +119,11 @@ void const* streamOf(Packet row) { return row.packet().stream; }
 /// The same for the name of the file.
 void const* fileOf(Packet row) { return row.file().data(); }
 
-/// The same for fields that packets of the other protocol lack.
-template <Protocol other>
+/// The same for fields that all packets of a protocol lack.
+template <Protocol protocol>
 void const* lackedBy(Packet row) {
-    static constexpr Protocol lacking = other;
-    return isOf(row, other) ? &lacking : nullptr;
+    static constexpr Protocol lacking = protocol;
+    return isOf(row, protocol) ? &lacking : nullptr;
 }
 
 /// The same for what packets of HSR and PRP alone have.
