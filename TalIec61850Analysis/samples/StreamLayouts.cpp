@@ -10,7 +10,7 @@ namespace {
 /// How many ASDUs are looked at: several cycles, wherever they are.
 constexpr std::uint64_t kLookedAt = 256;
 /// Where fewer of one make were met, more are looked at from the first of it on.
-constexpr std::size_t kFew = 64;
+constexpr std::size_t kFewAsdus = 64;
 /// A stream of more layouts than this has none.
 constexpr std::size_t kMostLayouts = 32;
 
@@ -98,7 +98,7 @@ FoundLayout StreamLayouts::infer(LayoutKey const& key, PacketRef first) {
         }
     };
     visitSome(look);
-    if (inference.asdus() < kFew) {
+    if (inference.asdus() < kFewAsdus) {
         visitFrom(first, look);
     }
     return inference.result();

@@ -48,7 +48,6 @@ DataSetReader::DataSetReader(Document const& document, DiagnosticList& diagnosti
                              NamedChildren& children)
     : document_(document),
       diagnostics_(diagnostics),
-      children_(children),
       types_(document, diagnostics),
       leaves_(types_, document, diagnostics),
       budget_(document.size()),

@@ -78,7 +78,6 @@ private:
 
     Document const& document_;
     DiagnosticList& diagnostics_;
-    NamedChildren& children_;
     TypeTable types_;
     TypeLeaves leaves_;
     FileBudget budget_;

@@ -13,7 +13,6 @@
 namespace TalTest {
 namespace {
 
-constexpr std::int64_t kNsPerSecond = 1'000'000'000;
 constexpr std::int64_t kBetweenCopies = 20'000;
 
 /// The streams, in this order.
@@ -68,8 +67,9 @@ FaultyCapture captureOfFaultyCopies() {
     CaptureBuilder capture(CaptureVariant::nanoLittle);
     for (StationFrame const& frame : station.inTimeOrder()) {
         std::int64_t const time = FaultyStation::timeOf(frame);
-        capture.add(static_cast<std::uint32_t>(time / kNsPerSecond),
-                    static_cast<std::uint32_t>(time % kNsPerSecond), octetsWithTrailer(frame));
+        capture.add(static_cast<std::uint32_t>(time / FaultyStation::kNsPerSecond),
+                    static_cast<std::uint32_t>(time % FaultyStation::kNsPerSecond),
+                    octetsWithTrailer(frame));
     }
     return {.octets = capture.bytes(), .frames = station.frames().size()};
 }

@@ -8,11 +8,6 @@
 #include "support/Data.hpp"
 
 namespace TalTest {
-namespace {
-
-constexpr std::int64_t kSecond = 1'000'000'000;
-
-}  // namespace
 
 std::size_t FaultyStation::add(SvPlan const& plan) {
     std::size_t const stream = names_.size();
@@ -30,7 +25,7 @@ std::size_t FaultyStation::add(SvPlan const& plan) {
         auto const samples = static_cast<std::int64_t>(number * plan.asdus);
         send({.stream = stream,
               .number = number,
-              .time = plan.start + samples * kSecond / plan.rate,
+              .time = plan.start + samples * kNsPerSecond / plan.rate,
               .ethernet = Ethernet().to("01:0c:cd:04:00:01").from(plan.source),
               .message = message},
              plan.prpDelay);
@@ -62,15 +57,16 @@ std::size_t FaultyStation::add(GoosePlan const& plan) {
         // The first state has lasted.
         bool const isOld = state == 0 && plan.firstMessage > 0;
         std::int64_t interval = isOld ? plan.heartbeat : std::int64_t{4'000'000};
-        std::int64_t const changed = isOld ? time - kSecond : time;
+        std::int64_t const changed = isOld ? time - kNsPerSecond : time;
         for (std::size_t i = 0; i < plan.states[state]; ++i) {
             GooseMessage message;
             message.gocbRef = plan.gocbRef;
             message.timeAllowedtoLive = static_cast<std::uint64_t>(plan.timeAllowedtoLive);
             message.stNum = plan.firstState + state;
             message.sqNum = i + (state == 0 ? plan.firstMessage : 0);
-            message.t = utcTime(static_cast<std::uint32_t>(kStart + changed / kSecond),
-                                static_cast<std::uint32_t>((changed % kSecond << 24) / kSecond));
+            message.t =
+                utcTime(static_cast<std::uint32_t>(kStart + changed / kNsPerSecond),
+                        static_cast<std::uint32_t>((changed % kNsPerSecond << 24) / kNsPerSecond));
             message.setData({dataBoolean((plan.firstState + state) % 2 == 1), dataQuality(),
                              dataUtcTime(1'700'000'000 + static_cast<std::uint32_t>(state))});
             send({.stream = stream,
@@ -229,8 +225,8 @@ std::vector<Bytes> FaultyStation::captures() {
                                .offset = builders[file].nextRecordPosition() + recordHeaderSize,
                                .size = octets.size(),
                                .frame = each});
-            builders[file].add(static_cast<std::uint32_t>(time / kSecond),
-                               static_cast<std::uint32_t>(time % kSecond), octets);
+            builders[file].add(static_cast<std::uint32_t>(time / kNsPerSecond),
+                               static_cast<std::uint32_t>(time % kNsPerSecond), octets);
         }
     }
     std::vector<Bytes> captures;

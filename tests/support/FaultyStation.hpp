@@ -70,6 +70,7 @@ class FaultyStation {
 public:
     /// When it starts, in seconds since 1970.
     static constexpr std::int64_t kStart = 1'700'000'000;
+    static constexpr std::int64_t kNsPerSecond = 1'000'000'000;
 
     /// @return the number of the stream
     std::size_t add(SvPlan const& plan);
@@ -119,7 +120,7 @@ public:
     [[nodiscard]] static Bytes octetsOf(StationFrame const& frame);
     /// When a frame was captured, in nanoseconds since 1970.
     [[nodiscard]] static std::int64_t timeOf(StationFrame const& frame) {
-        return kStart * 1'000'000'000 + frame.time + frame.clock;
+        return kStart * kNsPerSecond + frame.time + frame.clock;
     }
 
 private:
